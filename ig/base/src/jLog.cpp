@@ -63,12 +63,13 @@ void jLog::error(const char* format, ...) {
     va_end(arguments);
 }
 
-void jLog::setSink(Sink sink) { currentSink() = std::move(sink); }
+void jLog::setSink(Sink sink) {
+    currentSink() = std::move(sink);
+}
 
 bool LogLimiter::allow(int* held_back) {
-    const double now = std::chrono::duration<double>(
-                           std::chrono::steady_clock::now().time_since_epoch())
-                           .count();
+    const double now =
+        std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
     if (now - m_last < 1.0) {
         m_held_back++;
         return false;

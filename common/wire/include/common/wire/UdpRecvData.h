@@ -27,11 +27,11 @@ struct UdpRecvData {
     std::uint16_t cloud_enable; ///< clouds on when not zero
     std::int16_t cloud_param1;
     std::int16_t cloud_param2;
-    std::int16_t cloud_percent;  ///< cloud cover, per cent
-    float cloud_top;             ///< upper altitude of the cloud layer, metres
-    float cloud_base;            ///< lower altitude of the cloud layer, metres
-    float weather_angle;         ///< degrees; announced as −90 − value
-    float weather_value_a;       ///< announced unchanged
+    std::int16_t cloud_percent;   ///< cloud cover, per cent
+    float cloud_top;              ///< upper altitude of the cloud layer, metres
+    float cloud_base;             ///< lower altitude of the cloud layer, metres
+    float weather_angle;          ///< degrees; announced as −90 − value
+    float weather_value_a;        ///< announced unchanged
     std::int32_t weather_value_b; ///< announced divided by 300000
     std::uint8_t reserved52[38];
     std::int16_t sea_code;
@@ -62,4 +62,5 @@ static_assert(sizeof(UdpRecvData) == 1490 && std::is_trivially_copyable_v<UdpRec
 static_assert(offsetof(UdpRecvData, cloud_enable) == 24 && offsetof(UdpRecvData, sea_code) == 90 &&
               offsetof(UdpRecvData, latitude) == 124 && offsetof(UdpRecvData, rotor_speed) == 156 &&
               offsetof(UdpRecvData, radar_value) == 420 &&
-              offsetof(UdpRecvData, hang_mass) == 1428 && offsetof(UdpRecvData, hang_enable) == 1434);
+              offsetof(UdpRecvData, hang_mass) == 1428 &&
+              offsetof(UdpRecvData, hang_enable) == 1434);

@@ -22,15 +22,18 @@ struct FunctionKey {
     }
 };
 
-template <class Signature> class Function;
+template <class Signature>
+class Function;
 
 /// A callable made of a target key and a reference-counted handler. Copies share the handler. Bound
 /// objects are not owned: whoever binds one takes the function off its list before the object goes.
-template <class R, class... Args> class Function<R(Args...)> {
+template <class R, class... Args>
+class Function<R(Args...)> {
 public:
     Function() = default;
     /// Binds a member operation of `object`; the key tells the pair.
-    template <class T, class Base> Function(T* object, R (Base::*operation)(Args...)) {
+    template <class T, class Base>
+    Function(T* object, R (Base::*operation)(Args...)) {
         static_assert(sizeof operation <= sizeof m_key.operation);
         m_key.object = object;
         std::memcpy(m_key.operation, &operation, sizeof operation);
@@ -57,11 +60,13 @@ private:
 
 /// A list of listeners. Whoever owns the list calls `emit`; listeners are called from first to last
 /// in the order in which they were added, synchronously. They must not change the list meanwhile.
-template <class... Args> using SignalList = jVector<Function<void(Args...)>>;
+template <class... Args>
+using SignalList = jVector<Function<void(Args...)>>;
 
 template <class... Args, class... Values>
 void emit(const jVector<Function<void(Args...)>>& list, Values&&... values) {
-    for (const auto& listener : list) listener(values...);
+    for (const auto& listener : list)
+        listener(values...);
 }
 
 /// Adds `function` unless the list holds one with the same key. True when it was added.
@@ -74,7 +79,8 @@ bool addUnique(jVector<Function<Signature>>& list, Function<Signature> function)
 }
 
 /// Takes every function bound to `object` off the list.
-template <class Signature> void disconnect(jVector<Function<Signature>>& list, const void* object) {
+template <class Signature>
+void disconnect(jVector<Function<Signature>>& list, const void* object) {
     for (int i = list.size() - 1; i >= 0; i--)
         if (list[i].key().object == object) list.remove(i);
 }

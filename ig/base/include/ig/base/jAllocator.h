@@ -8,10 +8,10 @@
 
 namespace ig {
 
-/// The engine's heap. Every object that a plug-in creates comes from here and is registered with the
-/// memory tracker (`memAddInfo`), so that the engine can tell at the end what was not given back.
-/// Objects that a plug-in creates and the engine destroys (a prefab handed to the world) are freed
-/// through their class-level `operator delete`, see `jObject`.
+/// The engine's heap. Every object that a plug-in creates comes from here and is registered with
+/// the memory tracker (`memAddInfo`), so that the engine can tell at the end what was not given
+/// back. Objects that a plug-in creates and the engine destroys (a prefab handed to the world) are
+/// freed through their class-level `operator delete`, see `jObject`.
 class jAllocator {
 public:
     static jAllocator* get();
@@ -65,16 +65,18 @@ struct MemSite {
 
 /// Allocates a `T` with the engine allocator, registers it and constructs it. Null when memory ran
 /// out. Free it with `memDelete`, or hand it to the engine when `T` is a `jObject`.
-template <class T, class... Args> T* memNew(MemSite site, Args&&... args) {
+template <class T, class... Args>
+T* memNew(MemSite site, Args&&... args) {
     void* memory = jAllocator::get()->localAlloc(sizeof(T));
     if (!memory) return nullptr;
     memAddInfo(memory, false, site.file, 0, site.function, sizeof(T));
     return ::new (memory) T(std::forward<Args>(args)...);
 }
 
-/// Unregisters, destroys and frees what `memNew` made, and sets the owner's pointer to null. Null is
-/// skipped. `T` must be the very type given to `memNew`.
-template <class T> void memDelete(T*& object, MemSite site) {
+/// Unregisters, destroys and frees what `memNew` made, and sets the owner's pointer to null. Null
+/// is skipped. `T` must be the very type given to `memNew`.
+template <class T>
+void memDelete(T*& object, MemSite site) {
     if (!object) return;
     memRemoveInfo(object, false, site.file, 0, site.function);
     object->~T();

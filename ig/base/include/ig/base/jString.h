@@ -43,7 +43,8 @@ jString ToString(int value);
 
 } // namespace ig
 
-template <> struct std::hash<ig::jString> {
+template <>
+struct std::hash<ig::jString> {
     std::size_t operator()(const ig::jString& s) const noexcept {
         return std::hash<std::string_view>()(s.view());
     }

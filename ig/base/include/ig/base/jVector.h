@@ -11,7 +11,8 @@ namespace ig {
 
 /// The engine's growable array. Indices are `int`, as everywhere in the engine. Clearing keeps the
 /// capacity. `T` must not be `bool`.
-template <class T> class jVector {
+template <class T>
+class jVector {
 public:
     jVector() = default;
     jVector(std::initializer_list<T> values) : m_data(values) {}
@@ -42,7 +43,8 @@ public:
         assert(i >= 0 && i < size());
         m_data.erase(m_data.begin() + i);
     }
-    /// Removes element `i` by moving the last element into its place: constant time, order not kept.
+    /// Removes element `i` by moving the last element into its place: constant time, order not
+    /// kept.
     void removeFast(int i) {
         assert(i >= 0 && i < size());
         if (i + 1 < size()) (*this)[i] = std::move(m_data.back());

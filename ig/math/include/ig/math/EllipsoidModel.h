@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ig/math/mat.h"
+
+namespace ig {
+
+/// The earth: the WGS84 ellipsoid. World coordinates are earth-centred and earth-fixed, in metres
+/// (X through longitude 0 on the equator, Z through the north pole). Geodetic triples are
+/// (longitude, latitude, altitude above the ellipsoid). The trailing flag of every operation says
+/// whether angles are degrees (true) or radians. Nothing fails: the earth's centre maps to latitude
+/// and longitude 0, points on the axis to longitude 0; what is not finite stays so.
+///
+/// Source of the inverse: B. R. Bowring, "Transformation from spatial to geographical coordinates"
+/// (1976), with the start value of his 1985 paper; two steps err by less than 3 nm from −5 to 100
+/// km.
+class EllipsoidModel {
+public:
+    static constexpr double SEMI_MAJOR_AXIS = 6378137.0;
+    static constexpr double FLATTENING = 1.0 / 298.257223563;
+
+    dvec3 toWGS(const dvec3& world, bool degrees = true) const;
+    dvec3 toWorld(const dvec3& geodetic, bool degrees = true) const;
+    /// The local frame at a world position: X east, Y north, Z up, translation the position itself.
+    /// The flag has no effect here; it is the engine's common signature.
+    dmat4 getWGSTransform(const dvec3& world, bool degrees = true) const;
+
+    /// The altitude alone, a fifth of the cost of `toWGS`.
+    double getAltitude(const dvec3& world) const;
+    /// The outward normal of the ellipsoid below a world position: the local vertical.
+    dvec3 getUp(const dvec3& world) const;
+};
+
+} // namespace ig

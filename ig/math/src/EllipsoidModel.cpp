@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: MIT
+#include "ig/math/EllipsoidModel.h"
+
+#include "ig/math/quat.h"
+
+namespace ig {
+
+namespace {
+
+constexpr double A = EllipsoidModel::SEMI_MAJOR_AXIS;
+constexpr double F = EllipsoidModel::FLATTENING;
+constexpr double B = A * (1 - F);
+constexpr double E2 = F * (2 - F);               // first eccentricity squared
+constexpr double EP2 = E2 / ((1 - F) * (1 - F)); // second eccentricity squared
+
+/// Distance from the axis and the sine and cosine of the geodetic latitude.
+struct Meridian {
+    double p, sine, cosine;
+
+    /// p cosφ + z sinφ − a √(1 − e² sin²φ): well-conditioned at the poles and the equator alike.
+    double altitude(double z) const {
+        return p * cosine + z * sine - A * std::sqrt(1 - E2 * sine * sine);
+    }
+};
+
+Meridian solveMeridian(const dvec3& w) {
+    const double p = std::sqrt(w.x * w.x + w.y * w.y);
+    const double r = std::sqrt(p * p + w.z * w.z);
+    if (!(r > 0)) return {0, 0, 1};
+    // tan β of the parametric latitude as a fraction, so that the poles need no special case.
+    double numerator = B * w.z * (1 + EP2 * B / r);
+    double denominator = A * p;
+    double sine = 0, cosine = 1;
+    for (int step = 0; step < 2; step++) {
+        const double n = std::sqrt(numerator * numerator + denominator * denominator);
+        const double s = numerator / n, c = denominator / n;
+        const double sn = w.z + EP2 * B * s * s * s;
+        const double cn = p - E2 * A * c * c * c;
+        const double m = std::sqrt(sn * sn + cn * cn);
+        if (!(m > 0)) return {p, 0, 1};
+        sine = sn / m;
+        cosine = cn / m;
+        numerator = (1 - F) * sine;
+        denominator = cosine;
+    }
+    return {p, sine, cosine};
+}
+
+} // namespace
+
+dvec3 EllipsoidModel::toWGS(const dvec3& world, bool degrees) const {
+    const Meridian m = solveMeridian(world);
+    const double unit = degrees ? RAD_TO_DEG<double> : 1.0;
+    return {std::atan2(world.y, world.x) * unit, std::atan2(m.sine, m.cosine) * unit,
+            m.altitude(world.z)};
+}
+
+dvec3 EllipsoidModel::toWorld(const dvec3& geodetic, bool degrees) const {
+    const double unit = degrees ? DEG_TO_RAD<double> : 1.0;
+    const double sin_lon = std::sin(geodetic.x * unit), cos_lon = std::cos(geodetic.x * unit);
+    const double sin_lat = std::sin(geodetic.y * unit), cos_lat = std::cos(geodetic.y * unit);
+    const double n = A / std::sqrt(1 - E2 * sin_lat * sin_lat); // prime-vertical radius
+    const double p = (n + geodetic.z) * cos_lat;
+    return {p * cos_lon, p * sin_lon, (n * (1 - E2) + geodetic.z) * sin_lat};
+}
+
+dmat4 EllipsoidModel::getWGSTransform(const dvec3& world, bool) const {
+    const Meridian m = solveMeridian(world);
+    const double cos_lon = m.p > 0 ? world.x / m.p : 1;
+    const double sin_lon = m.p > 0 ? world.y / m.p : 0;
+    return {dmat3({-sin_lon, cos_lon, 0}, {-m.sine * cos_lon, -m.sine * sin_lon, m.cosine},
+                  {m.cosine * cos_lon, m.cosine * sin_lon, m.sine}),
+            world};
+}
+
+double EllipsoidModel::getAltitude(const dvec3& world) const {
+    return solveMeridian(world).altitude(world.z);
+}
+
+dvec3 EllipsoidModel::getUp(const dvec3& world) const {
+    return getWGSTransform(world).getZ();
+}
+
+} // namespace ig
