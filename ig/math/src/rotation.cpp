@@ -7,9 +7,6 @@ namespace {
 double degrees(double radians) {
     return radians * RAD_TO_DEG<double>;
 }
-double asinClamped(double sine) {
-    return std::asin(std::clamp(sine, -1.0, 1.0));
-}
 
 // Below this cosine two of the three angles turn about the same axis.
 constexpr double GIMBAL_COSINE = 1e-9;

@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+#include "bullet.h"
+
+#include <cmath>
+
+namespace ig {
+
+Body::~Body() {
+    for (Shape* shape : m_shapes)
+        delete shape;
+}
+
+mat4 Body::getShapeTransform(int i) const {
+    const Shape* shape = getShape(i);
+    return shape ? shape->getTransform() : mat4_identity;
+}
+
+BodyRigid::BodyRigid(float mass, const vec3& center_of_mass)
+    : m_mass(std::isfinite(mass) && mass > 0 ? mass : 0), m_center(center_of_mass),
+      m_simulation(std::make_unique<Simulation>()) {}
+
+BodyRigid::~BodyRigid() {
+    if (m_physics) m_physics->removeBody(this);
+}
+
+void BodyRigid::setEnabled(bool enabled) {
+    if (enabled == m_enabled) return;
+    m_enabled = enabled;
+    m_force = m_torque = {};
+    if (!m_physics) return;
+    if (enabled)
+        m_physics->insert(this);
+    else
+        m_physics->extract(this);
+}
+
+dmat4 BodyRigid::getTransform() const {
+    if (!m_simulation->inserted) return m_simulation->pose;
+    return fromBullet(m_simulation->body->getWorldTransform()) * translate(-dvec3(m_center));
+}
+
+void BodyRigid::setTransform(const dmat4& transform) {
+    if (!isFinite(transform)) return;
+    m_simulation->pose = transform;
+    if (!m_simulation->inserted) return;
+    m_simulation->body->setWorldTransform(toBullet(transform * translate(dvec3(m_center))));
+    setLinearVelocity({});
+    setAngularVelocity({});
+}
+
+void BodyRigid::setPreserveTransform(const dmat4& transform) {
+    if (!m_simulation->inserted || !isFinite(transform)) return;
+    m_simulation->pose = transform;
+    m_simulation->body->setWorldTransform(toBullet(transform * translate(dvec3(m_center))));
+    wake();
+}
+
+vec3 BodyRigid::getLinearVelocity() const {
+    if (!m_simulation->inserted) return {};
+    return vec3(fromBullet(m_simulation->body->getLinearVelocity()));
+}
+
+void BodyRigid::setLinearVelocity(const vec3& velocity) {
+    if (!m_simulation->inserted || m_mass == 0 || !isFinite(velocity)) return;
+    m_simulation->body->setLinearVelocity(toBullet(velocity));
+    wake();
+}
+
+vec3 BodyRigid::getAngularVelocity() const {
+    if (!m_simulation->inserted) return {};
+    return vec3(fromBullet(m_simulation->body->getAngularVelocity()));
+}
+
+void BodyRigid::setAngularVelocity(const vec3& velocity) {
+    if (!m_simulation->inserted || m_mass == 0 || !isFinite(velocity)) return;
+    m_simulation->body->setAngularVelocity(toBullet(velocity));
+    wake();
+}
+
+void BodyRigid::setFreezable(bool freezable) {
+    m_freezable = freezable;
+    if (m_simulation->body)
+        m_simulation->body->forceActivationState(freezable ? ACTIVE_TAG : DISABLE_DEACTIVATION);
+}
+
+void BodyRigid::addForce(const vec3& force) {
+    addForce({}, force);
+}
+
+void BodyRigid::addForce(const vec3& relative_point, const vec3& force) {
+    if (!m_simulation->inserted || !isFinite(force) || !isFinite(relative_point)) return;
+    m_force += force;
+    m_torque += cross(relative_point, force);
+    wake();
+}
+
+void BodyRigid::addTorque(const vec3& torque) {
+    if (!m_simulation->inserted || !isFinite(torque)) return;
+    m_torque += torque;
+    wake();
+}
+
+void BodyRigid::wake() {
+    m_simulation->body->activate(true);
+}
+
+} // namespace ig

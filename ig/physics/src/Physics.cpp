@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+#include "ig/physics/Physics.h"
+
+#include "bullet.h"
+#include "ig/math/EllipsoidModel.h"
+
+#include <cmath>
+
+namespace ig {
+
+namespace {
+
+const EllipsoidModel EARTH;
+constexpr double SUBSTEP = 1.0 / 60;
+
+std::unique_ptr<btCollisionShape> makeShape(const Shape& shape) {
+    const vec3 size = shape.getSize();
+    const btScalar radius = size.x / 2;
+    switch (shape.getType()) {
+    case Shape::SHAPE_SPHERE:
+        return std::make_unique<btSphereShape>(radius);
+    case Shape::SHAPE_CAPSULE:
+        return std::make_unique<btCapsuleShapeZ>(radius, size.z);
+    case Shape::SHAPE_CYLINDER:
+        return std::make_unique<btCylinderShapeZ>(btVector3(radius, radius, size.z / 2));
+    case Shape::SHAPE_BOX:
+        break;
+    }
+    return std::make_unique<btBoxShape>(toBullet(size) / 2);
+}
+
+} // namespace
+
+Physics::Physics() : m_solver(std::make_unique<Solver>()) {
+    m_solver->world.setGravity({0, 0, 0}); // ours, per body, in update
+    m_solver->world.setForceUpdateAllAabbs(false);
+}
+
+Physics::~Physics() {
+    while (!m_bodies.empty())
+        removeBody(m_bodies.back());
+}
+
+void Physics::addBody(Body* body) {
+    if (m_bodies.find(body) >= 0) return;
+    m_bodies.append(body);
+    auto* rigid = static_cast<BodyRigid*>(body);
+    rigid->m_physics = this;
+    if (rigid->isEnabled()) insert(rigid);
+}
+
+void Physics::removeBody(Body* body) {
+    const int i = m_bodies.find(body);
+    if (i < 0) return;
+    auto* rigid = static_cast<BodyRigid*>(body);
+    extract(rigid);
+    rigid->m_physics = nullptr;
+    m_bodies.removeFast(i);
+}
+
+void Physics::insert(BodyRigid* body) {
+    BodyRigid::Simulation& s = *body->m_simulation;
+    if (s.inserted) return;
+    const dmat4 to_center = translate(dvec3(body->m_center));
+    if (!s.body) {
+        const btTransform from_center = toBullet(translate(-dvec3(body->m_center)));
+        for (int i = 0; i < body->getNumShapes(); i++) {
+            s.shapes.push_back(makeShape(*body->getShape(i)));
+            s.compound.addChildShape(from_center * toBullet(dmat4(body->getShapeTransform(i))),
+                                     s.shapes.back().get());
+        }
+        btVector3 inertia(0, 0, 0);
+        if (body->m_mass > 0 && body->getNumShapes() > 0)
+            s.compound.calculateLocalInertia(body->m_mass, inertia);
+        btRigidBody::btRigidBodyConstructionInfo info(body->m_mass, nullptr, &s.compound, inertia);
+        s.body = std::make_unique<btRigidBody>(info);
+        s.body->setFlags(s.body->getFlags() | BT_DISABLE_WORLD_GRAVITY);
+        s.body->setDamping(0, 0); // ours, per substep: the solver's is clamped to 1
+        s.body->setUserPointer(body);
+    }
+    s.body->setWorldTransform(toBullet(s.pose * to_center));
+    s.body->setLinearVelocity({0, 0, 0});
+    s.body->setAngularVelocity({0, 0, 0});
+    s.inserted = true;
+    m_solver->world.addRigidBody(s.body.get());
+    s.body->forceActivationState(body->m_freezable ? ACTIVE_TAG : DISABLE_DEACTIVATION);
+}
+
+void Physics::extract(BodyRigid* body) {
+    BodyRigid::Simulation& s = *body->m_simulation;
+    if (!s.inserted) return;
+    s.pose = body->getTransform();
+    m_solver->world.removeRigidBody(s.body.get());
+    s.inserted = false;
+}
+
+void Physics::update(float dt) {
+    if (!(dt > 0) || !std::isfinite(dt)) return;
+    const double time = std::min<double>(dt, MAX_FRAME_TIME);
+    // The small allowance keeps a frame of exactly 1/60 s, rounded up, from becoming two substeps.
+    const int steps = std::max(1, static_cast<int>(std::ceil(time / SUBSTEP - 1e-4)));
+    const double h = time / steps;
+    for (int step = 0; step < steps; step++) {
+        for (Body* body : m_bodies) {
+            auto* rigid = static_cast<BodyRigid*>(body);
+            const auto& s = *rigid->m_simulation;
+            if (!s.inserted || rigid->m_mass == 0 || !s.body->isActive()) continue;
+            const dvec3 up = EARTH.getUp(fromBullet(s.body->getCenterOfMassPosition()));
+            const dvec3 acceleration =
+                dvec3(rigid->m_force) / double(rigid->m_mass) - up * double(GRAVITY);
+            s.body->setLinearVelocity((s.body->getLinearVelocity() + toBullet(acceleration) * h) /
+                                      (1 + rigid->m_linear_damping * h));
+            s.body->setAngularVelocity(
+                (s.body->getAngularVelocity() +
+                 s.body->getInvInertiaTensorWorld() * toBullet(rigid->m_torque) * h) /
+                (1 + rigid->m_angular_damping * h));
+        }
+        m_solver->world.stepSimulation(h, 0);
+    }
+    for (Body* body : m_bodies) {
+        auto* rigid = static_cast<BodyRigid*>(body);
+        rigid->m_force = rigid->m_torque = {};
+    }
+}
+
+} // namespace ig

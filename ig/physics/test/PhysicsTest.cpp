@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: MIT
+#include "ig/physics/Physics.h"
+#include "ig/math/EllipsoidModel.h"
+#include "ig/physics/Body.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace ig {
+namespace {
+
+const EllipsoidModel EARTH;
+
+dmat4 place(double altitude) {
+    return EARTH.getWGSTransform(EARTH.toWorld({-155.06, 19.71, altitude}));
+}
+double altitude(const Body& body) {
+    return EARTH.getAltitude(body.getTransform().getTranslate());
+}
+
+/// A 2 m box of 1000 kg.
+struct Box : BodyRigid {
+    explicit Box(float mass = 1000, vec3 center = {}) : BodyRigid(mass, center) {
+        addShape(Shape::createBox({2, 2, 2}));
+    }
+};
+
+TEST(Physics, FreeFallFollowsTheClosedFormOfItsOwnIntegrator) {
+    Physics physics;
+    Box box;
+    box.setTransform(place(1000));
+    physics.addBody(&box);
+    for (int i = 0; i < 120; i++)
+        physics.update(1 / 60.0f);
+    // Semi-implicit Euler: g h² n (n + 1) / 2 with n = 120 substeps of 1/60 s.
+    const double fall = 9.80665 / 3600 * 120 * 121 / 2;
+    EXPECT_NEAR(altitude(box), 1000 - fall, 1e-4); // the frame time is single precision
+}
+
+TEST(Physics, BoxRestsOnStaticGroundWithoutSliding) {
+    Physics physics;
+    Box ground(0), box;
+    ground.setTransform(place(0));
+    box.setTransform(place(2.0));
+    physics.addBody(&ground);
+    physics.addBody(&box);
+    const dvec3 start = box.getTransform().getTranslate();
+    for (int i = 0; i < 600; i++)
+        physics.update(1 / 60.0f);
+    EXPECT_LT(length(box.getTransform().getTranslate() - start), 0.05); // settles in its margin
+    const dvec3 settled = box.getTransform().getTranslate();
+    for (int i = 0; i < 600; i++)
+        physics.update(1 / 60.0f);
+    EXPECT_LT(length(box.getTransform().getTranslate() - settled), 1e-6);
+}
+
+TEST(Physics, DampingAboveOneIsNotClamped) {
+    Physics physics;
+    Box box;
+    box.setTransform(place(1000));
+    physics.addBody(&box);
+    box.setAngularDamping(3.5f);
+    box.setAngularVelocity({1, 0, 0});
+    for (int i = 0; i < 60; i++)
+        physics.update(1 / 60.0f);
+    EXPECT_NEAR(length(box.getAngularVelocity()), std::pow(1 + 3.5 / 60, -60), 1e-4);
+}
+
+TEST(Physics, ForceAtAPointTurnsAndPushesForOneFrame) {
+    Physics physics;
+    Box box(1000, {0, 0, 0.5f});
+    const dmat4 pose = place(1000);
+    box.setTransform(pose);
+    physics.addBody(&box);
+    const vec3 east = vec3(pose.getX()), up = vec3(pose.getZ());
+    box.addForce(up * 2.0f, east * 6000.0f); // 2 m above the centre of mass
+    physics.update(1 / 60.0f);
+    EXPECT_NEAR(dot(box.getLinearVelocity(), east), 6.0 / 60, 1e-5);
+    // The torque up × east points north.
+    EXPECT_GT(dot(box.getAngularVelocity(), vec3(pose.getY())), 0.1f);
+    const float turn = length(box.getAngularVelocity());
+    physics.update(1 / 60.0f);
+    EXPECT_NEAR(length(box.getAngularVelocity()), turn, 1e-4); // cleared after the frame
+}
+
+TEST(Physics, DisabledBodyIsNeverMovedByForcesOrPreserveTransform) {
+    Physics physics;
+    Box box;
+    const dmat4 pose = place(100);
+    box.setTransform(pose);
+    physics.addBody(&box);
+    physics.update(1 / 60.0f);
+    box.setEnabled(false);
+    box.setTransform(pose);
+    box.addForce({1e9f, 0, 0});
+    box.addTorque({1e9f, 0, 0});
+    box.setPreserveTransform(place(500));
+    physics.update(0.1f);
+    EXPECT_EQ(box.getTransform(), pose);
+    box.setEnabled(true); // starts at rest from where it is
+    EXPECT_NEAR(altitude(box), 100, 1e-6);
+    EXPECT_EQ(length(box.getLinearVelocity()), 0);
+    box.setLinearVelocity({3, 0, 0});
+    box.setPreserveTransform(place(200));
+    EXPECT_EQ(box.getLinearVelocity().x, 3);
+    EXPECT_NEAR(altitude(box), 200, 1e-6);
+    box.setTransform(place(300));
+    EXPECT_EQ(length(box.getLinearVelocity()), 0);
+}
+
+TEST(Physics, AbsurdInputLeavesTheBodyWhereItIs) {
+    Physics physics;
+    Box box(-5); // a negative mass would fall upwards: static instead
+    box.setTransform(place(10));
+    physics.addBody(&box);
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    box.addForce({nan, 0, 0});
+    box.setTransform(dmat4(dmat3(), {std::nan(""), 0, 0}));
+    physics.update(nan);
+    physics.update(-1);
+    physics.update(1);
+    EXPECT_NEAR(altitude(box), 10, 1e-6);
+}
+
+TEST(Physics, LongFrameIsClamped) {
+    Physics physics;
+    Box box;
+    box.setTransform(place(1000));
+    physics.addBody(&box);
+    physics.update(5);
+    EXPECT_NEAR(length(box.getLinearVelocity()), 9.80665 * 0.2, 1e-3);
+}
+
+} // namespace
+} // namespace ig
