@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ig/base/jString.h"
+
+namespace ig {
+
+class Package;
+
+/// Reads and writes the text form of packages: one YAML document in UTF-8 whose top level is a map.
+/// Anchors and aliases are resolved by copying; tags and merge keys have no special meaning.
+/// Nothing throws out of these operations, whatever the file holds.
+class mjl {
+public:
+    /// Files beyond these bounds are malformed: they guard against files made to exhaust memory.
+    static constexpr int max_depth = 100;       ///< of nested lists and packages
+    static constexpr int max_items = 1'000'000; ///< in all, aliases expanded
+    static constexpr long max_bytes = 256L << 20;
+
+    /// Replaces the content of `package` by the file's. An empty file is an empty package.
+    ///
+    /// False leaves the package empty. A file that is missing or unreadable is left to the caller
+    /// to report; a malformed one (this includes a folder, a binary file, a key given twice and a
+    /// top level that isn't a map) logs one error with path, line and column. `encrypted` must be
+    /// false: there is no encrypted form.
+    static bool open(const jString& path, Package* package, bool encrypted = false);
+
+    /// Writes the package so that `open` reads an equal one back. The file is written beside its
+    /// place and moved there when complete, so that no reader meets half a file and a failure
+    /// leaves the former file as it was. False after logging one error.
+    static bool save(const jString& path, const Package* package, bool encrypted = false);
+};
+
+} // namespace ig

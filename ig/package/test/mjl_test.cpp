@@ -1,0 +1,275 @@
+// SPDX-License-Identifier: MIT
+#include "ig/package/mjl.h"
+
+#include "LogCapture.h"
+#include "TempFolder.h"
+#include "ig/package/Package.h"
+
+#include <gtest/gtest.h>
+#include <limits>
+#include <random>
+#include <string>
+#include <sys/stat.h>
+#include <vector>
+
+using namespace ig;
+
+namespace {
+
+class MjlTest : public testing::Test {
+protected:
+    /// Opens the bytes as a file into a package that already holds something.
+    bool open(const std::string& bytes) {
+        log.lines.clear();
+        package.setInt("left over", 1);
+        return mjl::open(path = folder.write("file.yaml", bytes), &package);
+    }
+    /// Expects that the bytes are refused with one error that begins with the path and `where`.
+    void expectMalformed(const std::string& bytes, const std::string& where,
+                         const std::string& what = "") {
+        SCOPED_TRACE(bytes.substr(0, 60));
+        EXPECT_FALSE(open(bytes));
+        EXPECT_TRUE(package.empty());
+        ASSERT_EQ(log.lines.size(), 1u);
+        const std::string start = "mjl::open: " + std::string(path.view()) + ":" + where;
+        EXPECT_EQ(log.lines[0].substr(0, start.size()), start);
+        EXPECT_NE(log.lines[0].find(what), std::string::npos) << log.lines[0];
+    }
+    /// Expects that what `save` writes is read back equal.
+    void expectRoundTrip(const Package& original) {
+        ASSERT_TRUE(mjl::save(folder.file("saved.yaml"), &original));
+        Package back;
+        ASSERT_TRUE(mjl::open(folder.file("saved.yaml"), &back));
+        EXPECT_TRUE(back == original);
+    }
+    TempFolder folder;
+    LogCapture log;
+    Package package;
+    jString path;
+};
+
+std::string repeat(const std::string& text, int n) {
+    std::string all;
+    for (int i = 0; i < n; i++)
+        all += text;
+    return all;
+}
+
+} // namespace
+
+TEST_F(MjlTest, missing_file_is_false_and_silent) {
+    package.setInt("left over", 1);
+    EXPECT_FALSE(mjl::open(folder.file("absent.yaml"), &package));
+    EXPECT_TRUE(package.empty());
+    EXPECT_FALSE(mjl::open("", &package));
+    EXPECT_TRUE(log.lines.empty());
+}
+
+TEST_F(MjlTest, files_without_content_are_empty_packages) {
+    for (const char* text : {"", "\n\n", "# only a comment\n", "---\n", "{}", "\xef\xbb\xbf"}) {
+        EXPECT_TRUE(open(text)) << text;
+        EXPECT_TRUE(package.empty()) << text;
+    }
+    EXPECT_TRUE(open("\xef\xbb\xbfport: 1\r\nip: a\r\n")) << "a text file of another system";
+    EXPECT_EQ(package.getInt("port"), 1);
+    EXPECT_EQ(package.getString("ip"), "a");
+}
+
+TEST_F(MjlTest, malformed_text_names_line_and_column) {
+    expectMalformed("a: 1\nb: [1, 2\nc: 3\n", "3:");
+    expectMalformed("a: 1\n  b: 2\n", "2:");
+    expectMalformed("a: \"open\n", "2:", "not closed");
+    expectMalformed("a: \"open", "2:", "not closed");
+    expectMalformed("a: 1\nb: 2\na: 3\n", "3:1: ", "\"a\" stands twice");
+    expectMalformed("x: {k: 1, k: 2}\n", "1:11: ", "\"k\" stands twice");
+    expectMalformed("- 1\n- 2\n", "1:1: ", "top level");
+    expectMalformed("just text\n", "1:1: ", "top level");
+    expectMalformed("a: 1\n---\nb: 2\n", "", "second document");
+    expectMalformed("? [1, 2]\n: 3\n", "1:3: ", "key");
+    expectMalformed("~: 3\n", "1:1: ", "key");
+    expectMalformed("a: *nowhere\n", "1:4: ");
+    expectMalformed("a: &x [1, *x]\n", "1:11: ");
+    expectMalformed("a: \"\\q\"\n", "1:");
+}
+
+TEST_F(MjlTest, binary_files_and_folders_are_malformed) {
+    expectMalformed(std::string("a: 1\nb: \0\n", 10), "2:4: ", "UTF-8");
+    expectMalformed("a: \xc0\xaf\n", "1:4: ", "UTF-8");
+    expectMalformed("\x7f"
+                    "ELF\x02\x01\x01",
+                    "1:5: ");
+    expectMalformed("\xff\xfe"
+                    "a",
+                    "1:1: ");
+    log.lines.clear();
+    EXPECT_FALSE(mjl::open(folder.file("."), &package));
+    const jString pipe = folder.file("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_FALSE(mjl::open(pipe, &package)) << "must not wait for a writer";
+    EXPECT_FALSE(mjl::open(folder.write("file.yaml", "a: 1"), &package, true));
+    EXPECT_EQ(log.lines.size(), 3u);
+}
+
+TEST_F(MjlTest, size_and_depth_are_bounded) {
+    EXPECT_TRUE(open("a: " + repeat("[", 99) + repeat("]", 99)));
+    expectMalformed("a: " + repeat("[", 100) + repeat("]", 100), "1:103: ", "deeper");
+    expectMalformed("a: " + repeat("[", 500'000), "1:");
+    expectMalformed("a: " + repeat("{a: ", 100'000), "1:");
+    // Nine lists of ten aliases each: a thousand million values.
+    std::string bomb = "a0: &a0 [1, 1, 1, 1, 1, 1, 1, 1, 1, 1]\n";
+    for (int i = 1; i < 9; i++) {
+        const std::string n = std::to_string(i), alias = "*a" + std::to_string(i - 1);
+        bomb += "a" + n + ": &a" + n + " [" + repeat(alias + ", ", 9) + alias + "]\n";
+    }
+    expectMalformed(bomb, "", "items");
+    // Each alias nests what is nested already: the depth adds up without a deep text.
+    std::string tower = "a0: &a0 [1]\n";
+    for (int i = 1; i < 120; i++) {
+        const std::string n = std::to_string(i);
+        tower += "a" + n + ": &a" + n + " [*a" + std::to_string(i - 1) + "]\n";
+    }
+    expectMalformed(tower, "100:", "deeper");
+    expectMalformed("a: [" + repeat("0,", 1'000'001) + "]\n", "1:", "items");
+}
+
+TEST_F(MjlTest, aliases_are_copies) {
+    expectMalformed("&k name: 5\nl: [*k]\n*k : 6\n", "3:1: ", "\"name\" stands twice");
+    ASSERT_TRUE(open("base: &b {x: 1}\nother: *b\n"));
+    package.getPackage("base")->setInt("x", 2);
+    EXPECT_EQ(package.getPackage("other")->getInt("x"), 1);
+    EXPECT_EQ(package.getPackage("other")->getName(), "other");
+    EXPECT_EQ(package.getPackage("other")->getLine(), 2);
+}
+
+// Any cut and any changed byte of a valid file either reads or is refused with one message.
+TEST_F(MjlTest, damaged_files_never_throw) {
+    const std::string valid = "a: &x [1, \"t\\u00e9\", {b: 'c'}]\n? long key\n: |\n  text\n  more\n"
+                              "d:\n  - *x\n  - e: >-\n      folded\n# end\n%k: !!int 5\n";
+    std::mt19937 random(7);
+    const std::string_view alphabet = "[]{}:,-?&*!|>%@`\"'#\n\t \\x0\xc3\xff";
+    for (std::size_t i = 0; i < 3000; i++) {
+        std::string bytes = valid;
+        if (i < valid.size()) {
+            bytes.resize(i);
+        } else {
+            for (int k = 0; k < 3; k++)
+                bytes[random() % bytes.size()] = alphabet[random() % alphabet.size()];
+        }
+        const bool ok = open(bytes);
+        ASSERT_EQ(log.lines.size(), ok ? 0u : 1u) << bytes;
+        if (ok) expectRoundTrip(package);
+    }
+}
+
+TEST_F(MjlTest, saved_packages_read_back_equal) {
+    Package p;
+    p.setString("text", "plain");
+    p.setFloat("f", 0.1f);
+    p.setDouble("d", 0.1 + 0.2);
+    p.setDouble("inf", -std::numeric_limits<double>::infinity());
+    const float floats[] = {1, std::numeric_limits<float>::denorm_min(), -0.0f};
+    p.setFloats("v", floats, 3);
+    p.setFloats("none", floats, 0);
+    p.setStrings("s", {"a", "", "- b", "[c"});
+    p.addPackage("empty");
+    p.addPackage("nest")->addPackage("投放鱼雷 / path")->setBool("b", true);
+    p.appendPackage("list")->appendPackage("inner")->setInt("x", -1);
+    p.appendPackage("list");
+    expectRoundTrip(p);
+    Package back;
+    ASSERT_TRUE(mjl::open(folder.file("saved.yaml"), &back));
+    EXPECT_EQ(back.getDouble("d"), 0.1 + 0.2);
+    EXPECT_EQ(back.getFloat("f"), 0.1f);
+    expectRoundTrip(Package());
+    ASSERT_TRUE(open("keys: [[0, [1]], [], [{a: 1}, [2, {b: [3]}]]]\n"));
+    expectRoundTrip(package);
+}
+
+TEST_F(MjlTest, any_text_survives_as_key_and_value) {
+    std::vector<std::string> texts = {"",
+                                      "~",
+                                      "null",
+                                      "true",
+                                      "1",
+                                      ":",
+                                      "a: b",
+                                      "a:",
+                                      "#c",
+                                      " a # b",
+                                      "trail ",
+                                      "- x",
+                                      "-",
+                                      "?",
+                                      "? x",
+                                      "!tag",
+                                      "&a",
+                                      "*a",
+                                      "%d",
+                                      "@",
+                                      "`",
+                                      "|",
+                                      ">",
+                                      "'",
+                                      "\"",
+                                      "\\",
+                                      "\\n",
+                                      "a\nb",
+                                      "\n",
+                                      "\n\n",
+                                      "\t",
+                                      "\ta",
+                                      "\r\n",
+                                      "{}",
+                                      "[]",
+                                      ",",
+                                      "---",
+                                      "...",
+                                      "<<",
+                                      "=",
+                                      "\x01",
+                                      "\x7f",
+                                      "\xc2\x85",
+                                      "\xef\xbb\xbf",
+                                      "\xc2\xa0",
+                                      "\xe2\x80\xa8",
+                                      "\xf0\x9f\x9a\x81",
+                                      "\xef\xbf\xbe",
+                                      std::string(3000, 'k'),
+                                      std::string("a\0b", 3)};
+    std::mt19937 random(3);
+    const std::string_view alphabet = "ab01 \n\t:-#[]{},&*?|>'\"\\%@!~\r.\x1b";
+    for (int i = 0; i < 1000; i++) {
+        std::string text;
+        for (unsigned k = random() % 8; k > 0; k--)
+            text += alphabet[random() % alphabet.size()];
+        texts.push_back(text);
+    }
+    Package p;
+    for (const std::string& text : texts) {
+        p.setString(text, text);
+        p.addPackage("in " + text)->setStrings(text, {text, text});
+    }
+    expectRoundTrip(p);
+}
+
+TEST_F(MjlTest, failed_save_logs_once_and_leaves_the_former_file) {
+    const jString target = folder.write("former.yaml", "a: 1\n");
+    Package p;
+    p.setString("a", "\xff");
+    EXPECT_FALSE(mjl::save(target, &p));
+    EXPECT_EQ(log.lines.size(), 1u);
+    EXPECT_FALSE(mjl::save(folder.file("no/such/folder.yaml"), &p));
+    p.setString("a", "2");
+    EXPECT_FALSE(mjl::save(folder.file("no/such/folder.yaml"), &p));
+    EXPECT_FALSE(mjl::save(target, &p, true));
+    std::filesystem::create_directories(std::string(folder.file("dir/sub").view()));
+    EXPECT_FALSE(mjl::save(folder.file("dir"), &p)) << "cannot be moved over a folder";
+    EXPECT_EQ(log.lines.size(), 5u);
+    Package* deep = &p;
+    for (int i = 0; i < 100; i++)
+        deep = deep->addPackage("d");
+    EXPECT_FALSE(mjl::save(target, &p)) << "could not be read back";
+    ASSERT_TRUE(mjl::open(target, &p));
+    EXPECT_EQ(p.getInt("a"), 1);
+    EXPECT_EQ(folder.count(), 2) << "no temporary file stays";
+}
