@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+#include "flightsim/Feedback.h"
+#include "TestFiles.h"
+
+#include <limits>
+
+namespace flightsim {
+namespace {
+
+/// A feedback datagram laid out by hand.
+Bytes feedback(std::int32_t frame, double latitude = 19.7125, float height = 12.5f) {
+    ByteBuilder b;
+    b.add(frame).add(latitude).add(-155.0625).add(height);
+    for (int wheel = 0; wheel < 3; wheel++)
+        b.add(40.5f + float(wheel)).add(1.25f).add(-2.5f).add(std::int32_t{0});
+    return b.add(Bytes(36)).bytes;
+}
+
+TEST(Feedback, CountsGapsRepeatsRestartsAndWrongSizes) {
+    FeedbackMonitor monitor;
+    std::int64_t time_ns = 1'000;
+    const auto take = [&](std::int32_t frame) {
+        monitor.take(feedback(frame), time_ns += 50'000'000);
+    };
+    for (const int frame : {100, 101, 105, 105, 106})
+        take(frame); // 102 to 104 missing
+    for (const std::size_t size : {0u, 1u, 107u, 109u, 2048u})
+        EXPECT_FALSE(monitor.take(Bytes(size), time_ns));
+    take(1); // a new channel
+    EXPECT_EQ(monitor.stats().received, 6);
+    EXPECT_EQ(monitor.stats().malformed, 5);
+    EXPECT_EQ(monitor.stats().gaps, 1);
+    EXPECT_EQ(monitor.stats().skipped, 3);
+    EXPECT_EQ(monitor.stats().duplicated, 1);
+    EXPECT_EQ(monitor.stats().backward, 1);
+    EXPECT_NEAR(monitor.stats().rate(), 20.0, 1e-9);
+}
+
+TEST(Feedback, FrameNumbersMayWrap) {
+    FeedbackMonitor monitor;
+    monitor.take(feedback(std::numeric_limits<std::int32_t>::max()), 0);
+    monitor.take(feedback(std::numeric_limits<std::int32_t>::min()), 1);
+    EXPECT_EQ(monitor.stats().gaps + monitor.stats().backward + monitor.stats().duplicated, 0);
+}
+
+TEST(Feedback, TableShowsTheLastSecond) {
+    FeedbackMonitor monitor;
+    FeedbackTable table;
+    EXPECT_NE(table.row(1, 50, monitor).find("nothing"), std::string::npos);
+    for (int i = 0; i < 60; i++)
+        monitor.take(feedback(i), i);
+    const std::string row = table.row(3, 150, monitor); // 60 datagrams in 2 s
+    for (const char* text : {" 150 ", " 60 ", " 30.0 ", " 59 ", "19.7125000", "-155.0625000",
+                             "12.50", "40.5/1.2/-2.5", "41.5/1.2/-2.5", "42.5/1.2/-2.5"})
+        EXPECT_NE(row.find(text), std::string::npos) << text << " in " << row;
+    EXPECT_NE(table.row(4, 200, monitor).find(" 0.0 "), std::string::npos);
+    monitor.take(feedback(60, -1e300, std::numeric_limits<float>::quiet_NaN()), 60);
+    const std::string wild = table.row(5, 250, monitor);
+    EXPECT_NE(wild.find("-1e+300"), std::string::npos) << wild;
+    EXPECT_NE(wild.find("nan"), std::string::npos) << wild;
+}
+
+TEST(Feedback, CsvKeepsEveryDigit) {
+    TestFile file("feedback.csv");
+    FeedbackMonitor monitor;
+    FeedbackCsv csv;
+    std::string message;
+    ASSERT_TRUE(csv.open(file.path, message)) << message;
+    csv.write(0.25, 7, *monitor.take(feedback(8, 19.712466011399407, 0.1f), 0));
+    ASSERT_TRUE(csv.close());
+    const Bytes bytes = file.read();
+    const std::string text(bytes.begin(), bytes.end());
+    EXPECT_EQ(text.substr(text.find('\n') + 1),
+              "0.250000,7,8,19.712466011399407,-155.0625,0.1,40.5,1.25,-2.5,41.5,1.25,-2.5,42.5,"
+              "1.25,-2.5\n");
+    EXPECT_FALSE(csv.open("/nowhere/feedback.csv", message));
+    ASSERT_TRUE(csv.open("/dev/full", message));
+    EXPECT_FALSE(csv.close()) << "a full disk shows at the end";
+}
+
+} // namespace
+} // namespace flightsim

@@ -1,0 +1,285 @@
+// SPDX-License-Identifier: MIT
+#include "TestFiles.h"
+#include "flightsim/Recorder.h"
+#include "flightsim/Replay.h"
+
+#include <algorithm>
+#include <thread>
+
+namespace flightsim {
+namespace {
+
+/// Receives like the channel does, at a port that the system chooses.
+class Receiver {
+public:
+    Receiver() {
+        std::string message;
+        EXPECT_TRUE(m_socket.bind(0, message)) << message;
+    }
+    std::string address() const { return "127.0.0.1:" + std::to_string(m_socket.port()); }
+    /// Waits for `count` datagrams, at most 5 s.
+    std::vector<TimedBytes> take(std::size_t count) {
+        std::vector<TimedBytes> result;
+        const std::int64_t end_ns = steadyNow() + 5 * ns_per_second;
+        while (result.size() < count && steadyNow() < end_ns) {
+            if (!m_socket.waitReadable(end_ns)) continue;
+            if (const auto arrival = m_socket.receive(m_buffer))
+                result.push_back({arrival->steady_ns,
+                                  Bytes(m_buffer.begin(), m_buffer.begin() + long(arrival->size))});
+        }
+        return result;
+    }
+
+private:
+    UdpSocket m_socket;
+    Bytes m_buffer = Bytes(max_datagram_size);
+};
+
+/// Datagrams of changing size and content, `step_ms` apart.
+std::vector<TimedBytes> flight(int count, std::int64_t step_ms) {
+    std::vector<TimedBytes> records;
+    for (int i = 0; i < count; i++) {
+        Bytes bytes(i % 7 == 3 ? 100 : 1490, static_cast<std::uint8_t>(i));
+        bytes[0] = static_cast<std::uint8_t>(i >> 8);
+        // The recording begins with silence, which a replay doesn't wait for.
+        records.push_back({30 * ns_per_second + i * step_ms * ns_per_ms, bytes});
+    }
+    return records;
+}
+
+/// Swallows what the programs print.
+class Quiet {
+public:
+    ~Quiet() { std::fclose(out); }
+    std::FILE* out = std::fopen("/dev/null", "w");
+};
+
+ReplayOptions replayOptions(const std::string& file, const std::string& to, std::FILE* out) {
+    ReplayOptions options;
+    options.file = file;
+    options.link.to = to;
+    options.link.listen = 0;
+    options.link.out = out;
+    return options;
+}
+
+TEST(Replay, ArrivesCompleteInOrderAndNotEarly) {
+    TestFile file("replayed");
+    const auto records = flight(40, 10);
+    writeRecording(file.path, RecordingFormat::compact, records);
+    for (const double speed : {1.0, 4.0}) {
+        Receiver receiver;
+        Quiet quiet;
+        StopFlag stop = false;
+        Replay replay;
+        std::string message;
+        auto options = replayOptions(file.path, receiver.address(), quiet.out);
+        options.speed = speed;
+        ASSERT_TRUE(replay.open(options, message)) << message;
+        std::thread thread([&] { EXPECT_TRUE(replay.run(stop, message)) << message; });
+        const auto received = receiver.take(records.size());
+        thread.join();
+        ASSERT_EQ(received.size(), records.size());
+        for (std::size_t i = 0; i < records.size(); i++)
+            ASSERT_EQ(received[i].bytes, records[i].bytes) << i;
+        const double span_ms = double(received.back().time_ns - received.front().time_ns) * 1e-6;
+        EXPECT_GT(span_ms, 390 / speed - 50);
+        EXPECT_EQ(replay.link().sent(), 40);
+        EXPECT_EQ(replay.link().pacing().count, 40);
+    }
+}
+
+TEST(Replay, CountsFeedbackAndIsNotHeldUpByAFlood) {
+    TestFile file("flooded"), csv("flood.csv");
+    writeRecording(file.path, RecordingFormat::whole, flight(50, 10));
+    Receiver receiver;
+    Quiet quiet;
+    StopFlag stop = false;
+    std::atomic<bool> over = false;
+    Replay replay;
+    std::string message;
+    auto options = replayOptions(file.path, receiver.address(), quiet.out);
+    options.link.feedback_csv = csv.path;
+    ASSERT_TRUE(replay.open(options, message)) << message;
+    const auto to =
+        UdpAddress::parse("127.0.0.1:" + std::to_string(replay.link().listenPort()), message);
+    UdpSocket channel;
+    ASSERT_TRUE(to && channel.open(message));
+    const auto send = [&](std::int32_t frame) {
+        channel.send(*to, ByteBuilder().add(frame).add(Bytes(104)).bytes);
+    };
+    for (const int frame : {5, 6, 9, 9})
+        send(frame);
+    channel.send(*to, Bytes(107));
+    channel.send(*to, Bytes(3000));
+    std::thread flood([&] { // as fast as this machine can, until the replay is over
+        const std::int64_t end_ns = steadyNow() + 8 * ns_per_second;
+        while (!over && steadyNow() < end_ns)
+            send(9);
+    });
+    const std::int64_t begin_ns = steadyNow();
+    EXPECT_TRUE(replay.run(stop, message)) << message;
+    const double seconds = double(steadyNow() - begin_ns) * 1e-9;
+    over = true;
+    flood.join();
+    EXPECT_LT(seconds, 4) << "of 0.49 s and the time for what is on its way";
+    EXPECT_EQ(replay.link().sent(), 50);
+    const FeedbackStats& stats = replay.link().feedback();
+    EXPECT_EQ(stats.malformed, 2);
+    EXPECT_EQ(stats.gaps, 1);
+    EXPECT_EQ(stats.skipped, 2);
+    EXPECT_EQ(stats.duplicated, stats.received - 3);
+    const Bytes lines = csv.read();
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), stats.received + 1);
+}
+
+TEST(Replay, StopsWithinALongPause) {
+    TestFile file("pause");
+    writeRecording(file.path, RecordingFormat::whole, {{0, {1}}, {3600 * ns_per_second, {2}}});
+    Receiver receiver;
+    Quiet quiet;
+    StopFlag stop = false;
+    Replay replay;
+    std::string message;
+    ASSERT_TRUE(replay.open(replayOptions(file.path, receiver.address(), quiet.out), message));
+    std::thread thread([&] { EXPECT_TRUE(replay.run(stop, message)) << message; });
+    EXPECT_EQ(receiver.take(1).size(), 1u);
+    stop = true;
+    thread.join();
+    EXPECT_EQ(replay.link().sent(), 1);
+}
+
+/// Flight times in milliseconds and first bytes of what a source gives, up to `count` steps.
+std::vector<std::pair<double, int>> steps(const ReplayOptions& options, int count) {
+    ReplaySource source;
+    std::string message;
+    EXPECT_TRUE(source.open(options, message)) << message;
+    std::vector<std::pair<double, int>> result;
+    while (count-- > 0) {
+        const auto step = source.next(message);
+        if (!step) break;
+        result.emplace_back(double(step->time_ns) * 1e-6, step->datagram[0]);
+    }
+    return result;
+}
+
+TEST(ReplaySource, SelectsScalesLoopsAndHolds) {
+    using Steps = std::vector<std::pair<double, int>>;
+    TestFile file("source");
+    std::vector<TimedBytes> records;
+    for (int i = 0; i < 10; i++)
+        records.push_back({i * 100 * ns_per_ms, {static_cast<std::uint8_t>(i)}});
+    writeRecording(file.path, RecordingFormat::compact, records);
+    ReplayOptions options;
+    options.file = file.path;
+    options.from = 0.25;
+    options.seconds = 0.3;
+    EXPECT_EQ(steps(options, 99), (Steps{{0, 3}, {100, 4}, {200, 5}}));
+    options.speed = 2;
+    EXPECT_EQ(steps(options, 99), (Steps{{0, 3}, {50, 4}, {100, 5}}));
+    options.speed = 1;
+    options.loop = true;
+    EXPECT_EQ(steps(options, 7),
+              (Steps{{0, 3}, {100, 4}, {200, 5}, {300, 3}, {400, 4}, {500, 5}, {600, 3}}));
+    options = {};
+    options.file = file.path;
+    options.hold = 7;
+    EXPECT_EQ(steps(options, 3), (Steps{{0, 7}, {100, 7}, {200, 7}}));
+    options.seconds = 0.15;
+    EXPECT_EQ(steps(options, 99), (Steps{{0, 7}, {100, 7}}));
+
+    std::string message;
+    ReplaySource source;
+    options.hold = 10;
+    EXPECT_FALSE(source.open(options, message));
+    options.hold.reset();
+    options.from = 2;
+    EXPECT_FALSE(source.open(options, message));
+}
+
+TEST(Recorder, RecordsAReplayUnchangedAndPassesItOn) {
+    TestFile in("sent"), out("recorded");
+    const auto records = flight(40, 10);
+    writeRecording(in.path, RecordingFormat::whole, records);
+    Quiet quiet;
+    Receiver channel;
+    StopFlag stop = false, never = false;
+    RecorderOptions recorder_options;
+    recorder_options.file = out.path;
+    recorder_options.port = 0;
+    recorder_options.forward = channel.address();
+    recorder_options.out = quiet.out;
+    Recorder recorder;
+    std::string message;
+    ASSERT_TRUE(recorder.open(recorder_options, message)) << message;
+    std::thread thread([&] {
+        std::string why;
+        EXPECT_TRUE(recorder.run(stop, why)) << why;
+    });
+    Replay replay;
+    const std::string to = "127.0.0.1:" + std::to_string(recorder.port());
+    const std::int64_t begin_ns = steadyNow();
+    EXPECT_TRUE(replay.open(replayOptions(in.path, to, quiet.out), message)) << message;
+    EXPECT_TRUE(replay.run(never, message)) << message;
+    stop = true; // what waits in the socket is recorded all the same
+    thread.join();
+    const std::int64_t end_ns = steadyNow();
+
+    RecordingReader reader;
+    ASSERT_TRUE(reader.open(out.path)) << reader.message();
+    ReadStatus status;
+    const auto recorded = readAll(reader, status);
+    EXPECT_EQ(status, ReadStatus::end);
+    ASSERT_EQ(recorded.size(), records.size());
+    const auto forwarded = channel.take(records.size());
+    ASSERT_EQ(forwarded.size(), records.size());
+    for (std::size_t i = 0; i < records.size(); i++) {
+        ASSERT_EQ(recorded[i].bytes, records[i].bytes) << i;
+        ASSERT_EQ(forwarded[i].bytes, records[i].bytes) << i;
+    }
+    const std::int64_t span_ns = recorded.back().time_ns - recorded.front().time_ns;
+    EXPECT_GT(span_ns, 340 * ns_per_ms); // 390 less the tolerance
+    EXPECT_LT(span_ns, end_ns - begin_ns);
+    EXPECT_EQ(recorder.stats().unusual, 6); // 3, 10, 17 … 38
+}
+
+TEST(Recorder, StopsAtItsSizeLimit) {
+    TestFile out("limited");
+    Quiet quiet;
+    StopFlag stop = false;
+    RecorderOptions options;
+    options.file = out.path;
+    options.port = 0;
+    options.size_limit_mb = 1;
+    options.seconds = 5;
+    options.out = quiet.out;
+    Recorder recorder;
+    std::string message;
+    ASSERT_TRUE(recorder.open(options, message)) << message;
+    const auto to = UdpAddress::parse("127.0.0.1:" + std::to_string(recorder.port()), message);
+    UdpSocket sender;
+    ASSERT_TRUE(to && sender.open(message));
+    std::atomic<bool> over = false;
+    std::thread thread([&] {
+        while (!over)
+            sender.send(*to, Bytes(60'000));
+    });
+    EXPECT_TRUE(recorder.run(stop, message)) << message;
+    over = true;
+    thread.join();
+    EXPECT_LE(out.read().size(), 1'000'000u);
+    EXPECT_GT(out.read().size(), 900'000u);
+}
+
+TEST(UdpAddress, RefusesWhatIsNoAddress) {
+    std::string message;
+    for (const char* text : {"", ":", "127.0.0.1", "127.0.0.1:", ":10004", "127.0.0.1:0",
+                             "127.0.0.1:65536", "127.0.0.1:-1", "127.0.0.1:10004x"})
+        EXPECT_FALSE(UdpAddress::parse(text, message)) << text;
+    const auto good = UdpAddress::parse("127.0.0.1:10004", message);
+    ASSERT_TRUE(good);
+    EXPECT_EQ(good->text(), "127.0.0.1:10004");
+}
+
+} // namespace
+} // namespace flightsim

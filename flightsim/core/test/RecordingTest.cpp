@@ -1,0 +1,291 @@
+// SPDX-License-Identifier: MIT
+#include "TestFiles.h"
+#include "flightsim/RecordingTools.h"
+
+#include <csignal>
+#include <random>
+#include <sys/resource.h>
+
+namespace flightsim {
+namespace {
+
+/// Datagrams that try the difference coder: equal, changed at the ends, changed with every distance
+/// between changes, changed everywhere, and of odd sizes, the empty and the largest one included.
+std::vector<TimedBytes> oddDatagrams() {
+    std::mt19937 random(7);
+    const auto noise = [&](std::size_t size) {
+        Bytes bytes(size);
+        for (auto& b : bytes)
+            b = static_cast<std::uint8_t>(random());
+        return bytes;
+    };
+    Bytes base = noise(1490), ends = base, spaced = base;
+    ends.front() ^= 1;
+    ends.back() ^= 1;
+    for (std::size_t i = 0, step = 1; i < spaced.size(); i += step++)
+        spaced[i] ^= 0x80;
+    return {{0, base},
+            {0, base},
+            {5, ends},
+            {6, spaced},
+            {7, noise(1490)},
+            {8, {}},
+            {9, {}},
+            {10, {42}},
+            {11, noise(65507)},
+            {12, noise(65507)},
+            {13, Bytes(65507)},
+            {14, base},
+            {15, noise(1491)},
+            {max_record_time_ns, Bytes(1491, 0xff)}};
+}
+
+TEST(Recording, BothFormatsGiveBackWhatWasWritten) {
+    const auto records = oddDatagrams();
+    for (const auto format : {RecordingFormat::whole, RecordingFormat::compact}) {
+        TestFile file("round_trip");
+        writeRecording(file.path, format, records);
+        RecordingReader reader;
+        ASSERT_TRUE(reader.open(file.path)) << reader.message();
+        EXPECT_EQ(reader.format(), format);
+        EXPECT_EQ(reader.startWall_ns(), 1'700'000'000'000'000'000);
+        for (int pass = 0; pass < 2; pass++) { // the second one after a rewind in mid-file
+            ReadStatus status;
+            EXPECT_EQ(readAll(reader, status), records);
+            EXPECT_EQ(status, ReadStatus::end);
+            reader.rewind();
+            Record record;
+            for (int i = 0; i < 4; i++)
+                reader.next(record);
+            reader.rewind();
+        }
+    }
+}
+
+TEST(Recording, BytesInTheFileAreTheDocumentedOnes) {
+    const Bytes first = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
+    Bytes second = first;
+    second[1] = 0x20;
+    second[11] = 0xc0;
+    const auto whole = ByteBuilder::header(1).record(100, first).record(250, second).bytes;
+    auto compact = ByteBuilder::header(2);
+    compact.add(std::int64_t{100}).add(std::uint32_t{12}).add(std::uint16_t{0xffff}).add(first);
+    compact.add(std::int64_t{250}).add(std::uint32_t{12}).add(std::uint16_t{2});
+    compact.add(std::uint16_t{1}).add(std::uint16_t{1}).add(std::uint8_t{0x20});
+    compact.add(std::uint16_t{11}).add(std::uint16_t{1}).add(std::uint8_t{0xc0});
+    for (const auto& [format, bytes] : {std::pair(RecordingFormat::whole, whole),
+                                        std::pair(RecordingFormat::compact, compact.bytes)}) {
+        TestFile written("layout"), by_hand("by_hand", bytes);
+        writeRecording(written.path, format, {{100, first}, {250, second}});
+        EXPECT_EQ(written.read(), bytes);
+        RecordingReader reader;
+        ASSERT_TRUE(reader.open(by_hand.path));
+        ReadStatus status;
+        EXPECT_EQ(readAll(reader, status), (std::vector<TimedBytes>{{100, first}, {250, second}}));
+    }
+}
+
+TEST(Recording, RefusesFilesThatAreNoRecordings) {
+    const Bytes good = ByteBuilder::header(1).bytes;
+    Bytes other_magic = good, other_version = good, other_size = good;
+    other_magic[7] = '1';
+    other_version[8] = 3;
+    other_size[12] = 17;
+    const std::pair<Bytes, const char*> cases[] = {{{}, "byte 0: ends"},
+                                                   {Bytes(good.begin(), good.end() - 1), "byte 23"},
+                                                   {other_magic, "byte 0: not a recording"},
+                                                   {other_version, "byte 8: version 3"},
+                                                   {other_size, "byte 12: header"}};
+    for (const auto& [bytes, message] : cases) {
+        TestFile file("header", bytes);
+        RecordingReader reader;
+        EXPECT_FALSE(reader.open(file.path));
+        EXPECT_NE(reader.message().find(file.path), std::string::npos);
+        EXPECT_NE(reader.message().find(message), std::string::npos) << reader.message();
+    }
+    RecordingReader reader;
+    EXPECT_FALSE(reader.open(testing::TempDir()));
+    EXPECT_FALSE(reader.open(testing::TempDir() + "flightsim_absent"));
+}
+
+TEST(Recording, NamesTheDamagedRecordAndItsOffset) {
+    const Bytes four = {1, 2, 3, 4};
+    const auto v1 = [&] { return ByteBuilder::header(1).record(50, four); };
+    const auto v2 = [&](std::uint32_t length, std::uint16_t runs) {
+        auto b = ByteBuilder::header(2);
+        b.add(std::int64_t{50}).add(std::uint32_t{4}).add(std::uint16_t{0xffff}).add(four);
+        return b.add(std::int64_t{60}).add(length).add(runs);
+    };
+    const auto run = [](ByteBuilder b, std::uint16_t offset, std::uint16_t length) {
+        return b.add(offset).add(length).add(Bytes(length));
+    };
+    auto orphan = ByteBuilder::header(2);
+    orphan.add(std::int64_t{0}).add(std::uint32_t{0}).add(std::uint16_t{0});
+    const std::pair<ByteBuilder, const char*> cases[] = {
+        {v1().record(49, four), "record 1 at byte 40: time 49"},
+        {ByteBuilder::header(1).record(-1, four), "record 0 at byte 24: time -1"},
+        {v1().record(max_record_time_ns + 1, four), "record 1 at byte 40: time"},
+        {v1().record(60, Bytes(65508)), "record 1 at byte 40: length 65508"},
+        {orphan, "record 0 at byte 24: differs"},
+        {v2(5, 0), "record 1 at byte 42: differs"},
+        {run(v2(4, 1), 2, 3), "record 1 at byte 42: run 0"},
+        {run(v2(4, 1), 1, 0), "record 1 at byte 42: run 0"},
+        {run(run(v2(4, 2), 1, 2), 2, 1), "record 1 at byte 42: run 1"},
+    };
+    for (const auto& [content, message] : cases) {
+        TestFile file("damaged", content.bytes);
+        RecordingReader reader;
+        ASSERT_TRUE(reader.open(file.path));
+        ReadStatus status;
+        readAll(reader, status);
+        EXPECT_EQ(status, ReadStatus::malformed) << message;
+        EXPECT_NE(reader.message().find(message), std::string::npos) << reader.message();
+        Record record;
+        EXPECT_EQ(reader.next(record), ReadStatus::malformed) << "nothing behind it can be trusted";
+    }
+}
+
+TEST(Recording, KeepsWholeRecordsOfAFileCutOffAnywhere) {
+    const std::vector<TimedBytes> records = {
+        {1, Bytes(20, 1)}, {2, Bytes(20, 2)}, {3, {}}, {4, {1, 2, 3}}, {5, {1, 9, 3}}};
+    for (const auto format : {RecordingFormat::whole, RecordingFormat::compact}) {
+        TestFile file("whole");
+        writeRecording(file.path, format, records);
+        const Bytes all = file.read();
+        std::vector<std::int64_t> ends; // offsets behind each whole record
+        RecordingReader whole;
+        ASSERT_TRUE(whole.open(file.path));
+        ends.push_back(whole.offset());
+        for (Record r; whole.next(r) == ReadStatus::record;)
+            ends.push_back(whole.offset());
+        ASSERT_EQ(ends.back(), static_cast<std::int64_t>(all.size()));
+        std::size_t n = 0;
+        for (auto size = ends.front(); size <= ends.back(); size++) {
+            if (n < records.size() && size == ends[n + 1]) n++;
+            TestFile cut("cut_off", Bytes(all.begin(), all.begin() + size));
+            RecordingReader reader;
+            ASSERT_TRUE(reader.open(cut.path));
+            ReadStatus status;
+            const auto read = readAll(reader, status);
+            ASSERT_EQ(read, std::vector<TimedBytes>(records.begin(), records.begin() + long(n)));
+            ASSERT_EQ(status, size == ends[n] ? ReadStatus::end : ReadStatus::truncated) << size;
+        }
+    }
+}
+
+TEST(Recording, SurvivesRandomDamage) {
+    std::mt19937 random(11);
+    TestFile file("sound");
+    writeRecording(file.path, RecordingFormat::compact,
+                   {{1, Bytes(40, 1)}, {2, Bytes(40, 2)}, {3, Bytes(40, 2)}, {4, Bytes(9)}});
+    const Bytes sound = file.read();
+    int noticed = 0;
+    for (int i = 0; i < 500; i++) {
+        Bytes damaged = sound;
+        for (int k = 0; k < 3; k++)
+            damaged[24 + random() % (damaged.size() - 24)] = static_cast<std::uint8_t>(random());
+        TestFile bad("random", damaged);
+        RecordingReader reader;
+        ASSERT_TRUE(reader.open(bad.path));
+        ReadStatus status;
+        for (const auto& r : readAll(reader, status))
+            ASSERT_LE(r.bytes.size(), max_datagram_size);
+        noticed += status != ReadStatus::end;
+    }
+    EXPECT_GT(noticed, 0);
+}
+
+TEST(Recording, AFullDiskLeavesWholeRecords) {
+    TestFile file("full_disk");
+    rlimit before;
+    getrlimit(RLIMIT_FSIZE, &before);
+    rlimit limited = before;
+    limited.rlim_cur = 700'000; // not a multiple of a record
+    const auto ignored = std::signal(SIGXFSZ, SIG_IGN);
+    RecordingWriter writer;
+    const bool opened = writer.open(file.path, RecordingFormat::whole, 0);
+    setrlimit(RLIMIT_FSIZE, &limited);
+    int appended = 0;
+    while (appended < 10'000 && writer.append(appended, Bytes(1490)))
+        appended++;
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, ignored);
+    ASSERT_TRUE(opened);
+    EXPECT_LT(appended, 10'000);
+    EXPECT_NE(writer.message().find(file.path), std::string::npos);
+    EXPECT_FALSE(writer.append(0, {})) << "stays failed";
+    RecordingReader reader;
+    ASSERT_TRUE(reader.open(file.path));
+    ReadStatus status;
+    EXPECT_GT(readAll(reader, status).size(), 100u);
+    EXPECT_EQ(status, ReadStatus::end);
+}
+
+TEST(Recording, CutsByTimeAndNumberAndConvertsWithoutLoss) {
+    TestFile in("in"), out("out"), back("back");
+    writeRecording(in.path, RecordingFormat::whole, oddDatagrams());
+    CutResult result;
+    std::string message;
+    ASSERT_TRUE(cutRecording({in.path, out.path, {}, RecordingFormat::compact}, result, message));
+    EXPECT_EQ(result.bytes, static_cast<std::int64_t>(out.read().size()));
+    ASSERT_TRUE(cutRecording({out.path, back.path, {}, RecordingFormat::whole}, result, message));
+    EXPECT_EQ(back.read(), in.read());
+
+    Selection part;
+    part.from_ns = 6;
+    part.until_ns = 13;
+    part.from_number = 4;
+    part.until_number = 100;
+    ASSERT_TRUE(cutRecording({out.path, back.path, part, RecordingFormat::whole}, result, message));
+    RecordingReader reader;
+    ASSERT_TRUE(reader.open(back.path));
+    ReadStatus status;
+    const auto cut = readAll(reader, status);
+    ASSERT_EQ(cut.size(), 6u); // numbers 4 to 9 at 7 to 12 ns
+    EXPECT_EQ(cut.front(), (TimedBytes{0, oddDatagrams()[4].bytes}));
+    EXPECT_EQ(cut.back(), (TimedBytes{5, oddDatagrams()[9].bytes}));
+    EXPECT_EQ(reader.startWall_ns(), 1'700'000'000'000'000'007) << "keeps the moment";
+
+    const Bytes untouched = in.read();
+    EXPECT_FALSE(cutRecording({in.path, in.path, {}, RecordingFormat::compact}, result, message));
+    EXPECT_EQ(in.read(), untouched);
+    part.from_ns = part.until_ns;
+    EXPECT_FALSE(cutRecording({in.path, out.path, part, RecordingFormat::whole}, result, message));
+}
+
+template <class T>
+T field(const Bytes& datagram, std::size_t offset) {
+    T value;
+    std::memcpy(&value, datagram.data() + offset, sizeof value);
+    return value;
+}
+
+/// The flight that the project carries. The expected values were decoded from the recording as it
+/// came off the wire, before it was made compact, by a decoder in another language.
+TEST(RecordedFlight, IsTheOneThatWasFlown) {
+    RecordingReader reader;
+    ASSERT_TRUE(reader.open("data/recordings/helicopter_flight.hrec")) << reader.message();
+    ReadStatus status;
+    const auto flight = readAll(reader, status);
+    EXPECT_EQ(status, ReadStatus::end);
+    ASSERT_EQ(flight.size(), 2976u);
+    std::uint64_t hash = 0xcbf29ce484222325; // FNV-1a over times and datagrams
+    const auto mix = [&](std::uint8_t byte) { hash = (hash ^ byte) * 0x100000001b3; };
+    for (const auto& r : flight) {
+        ASSERT_EQ(r.bytes.size(), 1490u);
+        for (int i = 0; i < 64; i += 8)
+            mix(static_cast<std::uint8_t>(r.time_ns >> i));
+        for (const auto byte : r.bytes)
+            mix(byte);
+    }
+    EXPECT_EQ(hash, 0x518ec0f5c7f97989u);
+    EXPECT_EQ(field<std::uint32_t>(flight[311].bytes, 4), 6u) << "the one reset";
+    EXPECT_EQ(field<double>(flight[744].bytes, 124), 19.712466011399407);
+    EXPECT_EQ(field<float>(flight[744].bytes, 152), 251.8275146484375f);
+    EXPECT_EQ(field<float>(flight[2232].bytes, 140), 55.93446350097656f);
+    EXPECT_EQ(field<std::uint16_t>(flight[2232].bytes, 12), 2); // overcast
+    EXPECT_EQ(field<std::uint16_t>(flight[2232].bytes, 14), 1); // light rain
+}
+
+} // namespace
+} // namespace flightsim

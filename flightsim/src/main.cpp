@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#include "flightsim/Commands.h"
+
+#include <CLI/CLI.hpp>
+
+int main(int argc, char** argv) {
+    CLI::App app("The flight simulation's side of the link to the visual channel: flights are sent "
+                 "to it, recorded and examined.",
+                 "flight_sim");
+    app.footer(
+        "'flight_sim COMMAND --help' tells more. Exit status: 0 done, 1 failed, 2 wrong use.");
+    app.require_subcommand(1);
+    flightsim::Command command;
+    flightsim::addReplay(app, command);
+    flightsim::addRecord(app, command);
+    flightsim::addInfo(app, command);
+    flightsim::addCut(app, command);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? 0 : 2;
+    }
+    return command();
+}

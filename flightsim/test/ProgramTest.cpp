@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: MIT
+#include "common/wire/UdpRecvData.h"
+#include "flightsim/Clock.h"
+#include "flightsim/Recording.h"
+#include "flightsim/UdpLink.h"
+
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace flightsim {
+namespace {
+
+const std::string recorded_flight = "data/recordings/helicopter_flight.hrec";
+
+/// The program, started with a shell's command line; both outputs come back together.
+class Program {
+public:
+    explicit Program(const std::string& arguments) {
+        int pipe_ends[2];
+        EXPECT_EQ(pipe(pipe_ends), 0);
+        m_id = fork();
+        if (m_id == 0) {
+            dup2(pipe_ends[1], STDOUT_FILENO);
+            dup2(pipe_ends[1], STDERR_FILENO);
+            close(pipe_ends[0]);
+            const std::string line = "exec '" PROGRAM_PATH "' " + arguments;
+            execl("/bin/sh", "sh", "-c", line.c_str(), nullptr);
+            _exit(127);
+        }
+        close(pipe_ends[1]);
+        m_output = fdopen(pipe_ends[0], "r");
+    }
+    ~Program() {
+        if (m_id > 0) finish();
+        std::fclose(m_output);
+    }
+    std::string line() {
+        char text[4096];
+        return std::fgets(text, sizeof text, m_output) ? text : "";
+    }
+    void interrupt() const { kill(m_id, SIGINT); }
+    /// Waits for the end; the exit status, or −1 when it crashed. `rest`: what else it printed.
+    int finish(std::string* rest = nullptr) {
+        for (std::string text; !(text = line()).empty();)
+            if (rest) *rest += text;
+        int status = -1;
+        waitpid(m_id, &status, 0);
+        m_id = -1;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+private:
+    pid_t m_id = -1;
+    std::FILE* m_output = nullptr;
+};
+
+std::string temporary(const std::string& name) {
+    return testing::TempDir() + "flight_sim_" + std::to_string(getpid()) + "_" + name;
+}
+
+void expectRun(const std::string& arguments, int status, const std::string& text) {
+    std::string output;
+    EXPECT_EQ(Program(arguments).finish(&output), status) << arguments << "\n" << output;
+    EXPECT_NE(output.find(text), std::string::npos) << arguments << "\n" << output;
+}
+
+TEST(Program, AnswersWrongUseAndBadFilesWithOneMessage) {
+    expectRun("--help", 0, "replay");
+    expectRun("replay --help", 0, "--speed");
+    expectRun("", 2, "subcommand");
+    expectRun("replay", 2, "FILE");
+    expectRun("replay x --speed nan", 2, "--speed");
+    expectRun("replay x --hold 1 --loop", 2, "--hold");
+    expectRun("record x --port 65536", 2, "--port");
+    expectRun("replay absent.hrec", 1, "cannot open \"absent.hrec\"");
+    expectRun("info CMakeLists.txt", 1, "\"CMakeLists.txt\": byte 0: not a recording");
+    expectRun("replay " + recorded_flight + " --to 127.0.0.1", 1, "not an address");
+    expectRun("record /nowhere/x.hrec --port 0", 1, "cannot create \"/nowhere/x.hrec\"");
+}
+
+TEST(Program, DescribesTheRecordedFlight) {
+    std::string output;
+    EXPECT_EQ(Program("info " + recorded_flight).finish(&output), 0);
+    // Figures of an independent decoder.
+    for (const char* text : {"2976 over 62.00 s", "47.99 Hz",
+                             "mean 20.84, sd 7.48, p50 20.00, "
+                             "p99 55.34, max 311.67",
+                             "2976 of 1490 bytes", "6 in record 311"})
+        EXPECT_NE(output.find(text), std::string::npos) << text << "\n" << output;
+}
+
+TEST(Program, NamesAPortInUseAndCanDoWithoutIt) {
+    UdpSocket taken, channel;
+    std::string message;
+    ASSERT_TRUE(taken.bind(0, message) && channel.bind(0, message)) << message;
+    const std::string line =
+        "replay " + recorded_flight +
+        " --hold 1500 --seconds 0.1 --to 127.0.0.1:" + std::to_string(channel.port());
+    const std::string port = std::to_string(taken.port());
+    expectRun(line + " --listen " + port, 1, "UDP port " + port);
+    expectRun(line + " --no-feedback", 0, "sent      5 records");
+}
+
+TEST(Program, UsesWhatIsWholeOfACutOffRecording) {
+    const std::string cut = temporary("cut_off.hrec");
+    std::filesystem::copy_file(recorded_flight, cut);
+    std::filesystem::resize_file(cut, 2000);
+    std::string output;
+    EXPECT_EQ(Program("replay " + cut + " --no-feedback --to 127.0.0.1:9 --quiet").finish(&output),
+              0);
+    EXPECT_NE(output.find("warning: \"" + cut + "\": record "), std::string::npos) << output;
+    EXPECT_NE(output.find("the file ends at byte 2000"), std::string::npos) << output;
+    std::filesystem::resize_file(cut, 1000); // within the first record
+    expectRun("replay " + cut, 1, "record 0 at byte 24: the file ends at byte 1000");
+    std::filesystem::remove(cut);
+}
+
+TEST(Program, AnInterruptEndsARecordingInOrder) {
+    const std::string path = temporary("interrupted.hrec");
+    Program program("record " + path + " --port 0 --quiet");
+    int port = 0;
+    ASSERT_EQ(std::sscanf(program.line().c_str(), "recording port %d", &port), 1);
+    std::string message;
+    const auto to = UdpAddress::parse("127.0.0.1:" + std::to_string(port), message);
+    UdpSocket sender;
+    ASSERT_TRUE(to && sender.open(message)) << message;
+    for (const std::size_t size : {sizeof(UdpRecvData), sizeof(UdpRecvData), std::size_t{0}})
+        ASSERT_TRUE(sender.send(*to, std::vector<std::uint8_t>(size, 1)));
+    program.interrupt();
+    std::string output;
+    EXPECT_EQ(program.finish(&output), 0);
+    EXPECT_NE(output.find("3 datagrams"), std::string::npos) << output;
+    EXPECT_NE(output.find("1 of them not of 1490 bytes"), std::string::npos) << output;
+    RecordingReader reader;
+    Survey found;
+    ASSERT_TRUE(reader.open(path));
+    EXPECT_TRUE(survey(reader, path, {}, found, message)) << message;
+    EXPECT_EQ(found.records, 3);
+    std::filesystem::remove(path);
+}
+
+} // namespace
+} // namespace flightsim
