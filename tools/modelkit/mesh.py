@@ -1,0 +1,241 @@
+# SPDX-License-Identifier: MIT
+"""Solids built from convex polygons, and their OBJ form.
+
+Coordinates are metres, X right, Y forward, Z up. Polygons run counter-clockwise when seen from
+outside, so that the right-hand rule gives the outward normal.
+"""
+
+import math
+
+# Edges sharper than this stay sharp; below it, neighbouring faces share a smooth normal.
+CREASE_COSINE = math.cos(math.radians(40))
+# Triangles smaller than this (m²) are the leftovers of rings that close to a point.
+SMALLEST_AREA = 1e-7
+
+
+def add(a, b):
+    return (a[0] + b[0], a[1] + b[1], a[2] + b[2])
+
+
+def sub(a, b):
+    return (a[0] - b[0], a[1] - b[1], a[2] - b[2])
+
+
+def scale(a, s):
+    return (a[0] * s, a[1] * s, a[2] * s)
+
+
+def dot(a, b):
+    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]
+
+
+def cross(a, b):
+    return (a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0])
+
+
+def normalize(a):
+    return scale(a, 1 / math.sqrt(dot(a, a)))
+
+
+def rotate_x(p, degrees):
+    c, s = math.cos(math.radians(degrees)), math.sin(math.radians(degrees))
+    return (p[0], c * p[1] - s * p[2], s * p[1] + c * p[2])
+
+
+def rotate_z(p, degrees):
+    c, s = math.cos(math.radians(degrees)), math.sin(math.radians(degrees))
+    return (c * p[0] - s * p[1], s * p[0] + c * p[1], p[2])
+
+
+def mirrored(half):
+    """A closed ring from its right half, which runs from top centre to bottom centre."""
+    return half + [(-x, y, z) for x, y, z in reversed(half[1:-1])]
+
+
+class Part:
+    """One named object of a file: what a prefab's mesh node shows.
+
+    Every operation takes the name of the surface's material first. Surfaces appear in the file in
+    the order in which their materials are first used.
+    """
+
+    def __init__(self, name):
+        self.name = name
+        self.triangles = []  # (material, (a, b, c))
+
+    def polygon(self, material, points):
+        """A convex polygon, as a fan. Corners that coincide are dropped."""
+        for b, c in zip(points[1:], points[2:]):
+            double_area = cross(sub(b, points[0]), sub(c, points[0]))
+            if math.sqrt(dot(double_area, double_area)) > 2 * SMALLEST_AREA:
+                self.triangles.append((material, (points[0], b, c)))
+
+    def hexahedron(self, material, bottom, top):
+        """A solid between two quadrilaterals that run counter-clockwise seen from the top."""
+        self.polygon(material, top)
+        self.polygon(material, bottom[::-1])
+        for i in range(4):
+            j = (i + 1) % 4
+            self.polygon(material, [bottom[i], bottom[j], top[j], top[i]])
+
+    def box(self, material, size, center=(0, 0, 0)):
+        x, y, z = (s / 2 for s in size)
+        corners = [(-x, -y), (x, -y), (x, y), (-x, y)]
+        self.hexahedron(material, *([add((cx, cy, h), center) for cx, cy in corners]
+                                    for h in (-z, z)))
+
+    def beam(self, material, a, b, width, height):
+        """A bar of rectangular section from a to b; `height` is its measure nearest to vertical."""
+        along = normalize(sub(b, a))
+        side = (1, 0, 0) if abs(along[2]) > 0.99 else normalize(cross(along, (0, 0, 1)))
+        up = cross(side, along)
+        corners = [(-1, -1), (1, -1), (1, 1), (-1, 1)]
+        offsets = [add(scale(side, sx * width / 2), scale(up, sz * height / 2))
+                   for sx, sz in corners]
+        # Seen from b, which is the end that counts as the top here, the corners run clockwise.
+        self.hexahedron(material, [add(a, o) for o in offsets[::-1]],
+                        [add(b, o) for o in offsets[::-1]])
+
+    def cone(self, material, a, b, radius_a, radius_b, sides=12):
+        """A cylinder or a frustum from a to b; a radius of 0 makes it a point. The first corner of
+        both rims lies straight down (for vertical axes: to −Y)."""
+        along = normalize(sub(b, a))
+        down = (0, -1, 0) if abs(along[2]) > 0.99 else (0, 0, -1)
+        v = normalize(sub(down, scale(along, dot(down, along))))
+        u = cross(along, v)
+
+        def rim(center, radius):
+            angles = [2 * math.pi * i / sides for i in range(sides)]
+            return [add(center, add(scale(v, radius * math.cos(t)), scale(u, radius * math.sin(t))))
+                    for t in angles]
+
+        rim_a, rim_b = rim(a, radius_a), rim(b, radius_b)
+        for i in range(sides):
+            j = (i + 1) % sides
+            self.polygon(material, [rim_a[i], rim_a[j], rim_b[j], rim_b[i]])
+        self.polygon(material, rim_a[::-1])
+        self.polygon(material, rim_b)
+
+    def cylinder(self, material, a, b, radius, sides=12):
+        self.cone(material, a, b, radius, radius, sides)
+
+    def extrusion(self, material, outline, offset):
+        """A prism: `outline` (convex, counter-clockwise when seen against `offset`) swept along
+        `offset`."""
+        far = [add(p, offset) for p in outline]
+        self.polygon(material, outline[::-1])
+        self.polygon(material, far)
+        for i in range(len(outline)):
+            j = (i + 1) % len(outline)
+            self.polygon(material, [outline[i], outline[j], far[j], far[i]])
+
+    def loft(self, rings, material, close=True):
+        """A skin over rings with equally many points, from the rear to the front, each running
+        clockwise as seen from the rear (top, right, bottom, left). `material` is a name or a
+        function of (section, side) that answers a name, or None for an opening. `close` adds flat
+        ends, which take the material of the first and of the last section's first side."""
+        of = material if callable(material) else lambda section, side: material
+        count = len(rings[0])
+        for i in range(len(rings) - 1):
+            for j in range(count):
+                if of(i, j) is not None:
+                    k = (j + 1) % count
+                    self.polygon(of(i, j), [rings[i][j], rings[i][k], rings[i + 1][k],
+                                            rings[i + 1][j]])
+        if close:
+            self._cap(of(0, 0), rings[0][::-1])
+            self._cap(of(len(rings) - 2, 0), rings[-1])
+
+    def _cap(self, material, ring):
+        """A flat end that may be slightly concave: a fan around its centre. The ring runs
+        counter-clockwise as seen from outside."""
+        center = scale(tuple(map(sum, zip(*ring))), 1 / len(ring))
+        for i in range(len(ring)):
+            self.polygon(material, [center, ring[i], ring[(i + 1) % len(ring)]])
+
+    def ellipsoid(self, material, center, radii, rings=6, sides=12):
+        levels = []
+        for i in range(rings + 1):
+            lat = math.pi * (i / rings - 0.5)
+            levels.append([add(center, (radii[0] * math.cos(lat) * math.sin(t),
+                                        radii[1] * math.sin(lat),
+                                        radii[2] * math.cos(lat) * math.cos(t)))
+                           for t in (2 * math.pi * j / sides for j in range(sides))])
+        self.loft(levels, material, close=False)
+
+    def disc(self, material, inner, outer, z=0.0, sides=48, place=lambda p: p):
+        """A flat ring, seen from +Z; `place` carries it into its final plane."""
+        def point(radius, i):
+            t = 2 * math.pi * (i % sides) / sides
+            return place((radius * math.cos(t), radius * math.sin(t), z))
+
+        for i in range(sides):
+            quad = [point(inner, i), point(outer, i), point(outer, i + 1), point(inner, i + 1)]
+            self.polygon(material, quad)
+
+    def rectangle(self, material, x0, x1, y0, y1, z):
+        """A level rectangle, seen from above."""
+        self.polygon(material, [(x0, y0, z), (x1, y0, z), (x1, y1, z), (x0, y1, z)])
+
+    def merge(self, other, transform=lambda p: p):
+        """Adds a transformed copy; the transform must not mirror."""
+        for material, corners in other.triangles:
+            self.triangles.append((material, tuple(transform(p) for p in corners)))
+
+    def volume(self):
+        """Signed volume: positive for a closed solid with outward winding."""
+        return sum(dot(a, cross(b, c)) for _, (a, b, c) in self.triangles) / 6
+
+    def corner_normals(self):
+        """For every triangle the three normals of its corners, smoothed up to the crease angle and
+        weighted by area."""
+        at = {}
+        faces = []
+        for _, (a, b, c) in self.triangles:
+            area = cross(sub(b, a), sub(c, a))
+            faces.append((area, normalize(area)))
+            for p in (a, b, c):
+                at.setdefault(rounded(p), []).append(faces[-1])
+        result = []
+        for (_, corners), (_, unit) in zip(self.triangles, faces):
+            normals = []
+            for p in corners:
+                near = [area for area, other in at[rounded(p)] if dot(unit, other) > CREASE_COSINE]
+                normals.append(normalize(tuple(map(sum, zip(*near)))))
+            result.append(normals)
+        return result
+
+
+def rounded(p, digits=4):
+    """Coordinates as they stand in the file: a tenth of a millimetre, without negative zeros."""
+    return tuple(round(v, digits) + 0.0 for v in p)
+
+
+class Indices:
+    """Numbers distinct lines of a file from 1 in the order in which they are first asked for."""
+
+    def __init__(self, keyword, digits):
+        self.keyword, self.digits, self.numbers = keyword, digits, {}
+
+    def of(self, p):
+        return self.numbers.setdefault(rounded(p, self.digits), len(self.numbers) + 1)
+
+    def lines(self):
+        return [f"{self.keyword} " + " ".join(f"{v:g}" if abs(v) < 1 else f"{v:.7g}" for v in p)
+                for p in self.numbers]
+
+
+def obj_text(parts):
+    """The OBJ file that holds `parts`: one `o` group each, one `usemtl` run for each surface."""
+    points, normals = Indices("v", 4), Indices("vn", 3)
+    groups = []
+    for part in parts:
+        groups.append(f"o {part.name}")
+        surfaces = {}
+        for (material, corners), corner_normals in zip(part.triangles, part.corner_normals()):
+            words = [f"{points.of(p)}//{normals.of(n)}" for p, n in zip(corners, corner_normals)]
+            surfaces.setdefault(material, []).append("f " + " ".join(words))
+        for material, faces in surfaces.items():
+            groups += [f"usemtl {material}", *faces]
+    return "\n".join(["# SPDX-License-Identifier: MIT", *points.lines(), *normals.lines(),
+                      *groups, ""])

@@ -1,0 +1,91 @@
+# SPDX-License-Identifier: MIT
+"""The checker passes the repository's data and reports each kind of damage done to a copy."""
+
+import pathlib
+import re
+import shutil
+import sys
+import tempfile
+import unittest
+
+TOOLS = pathlib.Path(__file__).resolve().parent.parent
+sys.path.insert(0, str(TOOLS))
+
+from check_assets import (Checker, EFFECTS, HELICOPTER, NODES, PREFABS, PROJECT,  # noqa: E402
+                          WORLD)
+
+FRIGATE = f"{PREFABS}/SM_055_CN_2023/SM_055_CN_2023.prefab"
+
+
+class Damage(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.root = pathlib.Path(folder.name)
+        shutil.copytree(TOOLS.parent / "data", self.root / "data")
+
+    def faults_after(self, path, old, new, count=1):
+        file = self.root / path
+        text = file.read_text("utf-8")
+        self.assertIn(old, text)
+        file.write_text(text.replace(old, new, count), "utf-8")
+        faults = Checker(self.root).run()
+        file.write_text(text, "utf-8")
+        return "\n".join(faults)
+
+    def test_the_data_has_no_faults(self):
+        self.assertEqual(Checker(self.root).run(), [])
+
+    def test_missing_files_are_named(self):
+        for path in (WORLD, HELICOPTER, *EFFECTS, f"{PROJECT}/ANIM/light.anim",
+                     f"{PROJECT}/materials/glass.mat", FRIGATE.replace(".prefab", ".obj")):
+            file = self.root / path
+            text = file.read_bytes()
+            file.unlink()
+            self.assertTrue([f for f in Checker(self.root).run() if f.startswith(path)], path)
+            file.write_bytes(text)
+
+    def test_every_name_that_is_looked_up_is_missed(self):
+        for path, names in NODES.items():
+            file = self.root / path
+            intact = damaged = file.read_text("utf-8")
+            for name in names:
+                damaged, count = re.subn(rf"\bname: {name}(?=[\n,])", "name: other", damaged)
+                self.assertEqual(count, 1, f"{path} {name}")
+            file.write_text(damaged, "utf-8")
+            faults = Checker(self.root).run()
+            for name in names:
+                self.assertIn(f'{path}: 0 nodes "{name}" instead of one', faults)
+            file.write_text(intact, "utf-8")
+
+    def test_other_damage_is_reported(self):
+        model = FRIGATE.replace(".prefab", ".obj")
+        face = next(line for line in (self.root / model).read_text("utf-8").splitlines()
+                    if line.startswith("f "))
+        a, b, c = face.split()[1:]
+        cases = [
+            (HELICOPTER, "intersect: false", "intersect: true", "takes part in queries"),
+            (HELICOPTER, "position: [1.5, -1.6, -0.87]", "position: [1.5, -1.6, -0.8]", "stands at"),
+            (HELICOPTER, "name: leaf_2", "name: leaf_1", '2 nodes "leaf_1"'),
+            (HELICOPTER, "mass: 10800", "mass: 10800\n    mass: 9", "duplicate key"),
+            (HELICOPTER, "obj#cockpit", "obj#cellar", 'no part "cellar"'),
+            (HELICOPTER, "materials/seat.mat", "materials/tyre.mat", "materials differ"),
+            (FRIGATE, "type: decal", "type: sticker", "unknown type"),
+            (FRIGATE, "position: [0, 13, 39.8]", "position: [0, 13]", "not three numbers"),
+            (EFFECTS[0], "rate: 90", "speed: 90", 'unknown key "speed"'),
+            (EFFECTS[0], "  type: particles\n", "", "not of type particles"),
+            (WORLD, "13.67]", "13.68]", "does not stand on the pad"),
+            (f"{PROJECT}/ANIM/light.anim", "node: runway_lights", "node: lamp", 'no node "lamp"'),
+            (f"{PROJECT}/ANIM/runway_ice.anim", "parameter: ice", "parameter: cold", "no param"),
+            (f"{PROJECT}/materials/glass.mat", "rain_power: ", "rain: ", "no rain_power"),
+            (f"{PROJECT}/materials/glass.mat", "[0.1, 0.13, 0.14, 0.22]", "[0.1]", "neither"),
+            (model, face, f"f {a} {a} {c}", "degenerate triangle"),
+            (model, face, f"f {b} {a} {c}", "do not point the way"),
+        ]
+        for path, old, new, expected in cases:
+            with self.subTest(path=path, new=new):
+                self.assertIn(expected, self.faults_after(path, old, new))
+
+
+if __name__ == "__main__":
+    unittest.main()
