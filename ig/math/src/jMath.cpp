@@ -14,9 +14,10 @@ float jMath::getFadeOut(float value, float far, float near) {
     return (far - value) / (far - near);
 }
 
-double jMath::linearToShock(double time) {
+float jMath::linearToShock(float time) {
     constexpr double PERIOD = 1.6;
-    return 0.5 + 0.5 * std::cos(2 * std::numbers::pi * std::fmod(time, PERIOD) / PERIOD);
+    const double phase = std::fmod(static_cast<double>(time), PERIOD) / PERIOD;
+    return static_cast<float>(0.5 + 0.5 * std::cos(2 * std::numbers::pi * phase));
 }
 
 double jRandReal() {

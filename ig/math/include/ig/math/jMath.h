@@ -11,7 +11,7 @@ public:
     /// that is still 1 at the value itself.
     static float getFadeOut(float value, float far, float near);
     /// A smooth swing 1 → 0 → 1 that starts at time 0 with 1, period 1.6 s. `time` in seconds.
-    static double linearToShock(double time);
+    static float linearToShock(float time);
     /// −1, 0 or 1.
     static float sign(float value) { return value > 0 ? 1.0f : value < 0 ? -1.0f : 0.0f; }
 };

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "common/logic/SignalTypes.h"
+#include "ig/app/IApp.h"
+#include "ig/base/Function.h"
+#include "ig/base/jAllocator.h"
+
+namespace ig {
+class CameraControl;
+class Material;
+class Node;
+class Object;
+class ObjectPrefab;
+class Track;
+class World;
+} // namespace ig
+
+#define LOGIC_API __attribute__((visibility("default")))
+
+/// Base of every logic plug-in. The host application loads the library, calls its exported factory
+/// `LogicBase* CreateLogic(World*, CameraControl*)`, loads the world that `getWorldPath` names,
+/// calls `init` once, then `update` and `swap` every frame with the event entries between frames,
+/// at the end `release`, and deletes the object. All on the main thread.
+///
+/// The signal lists tell the host application what changes in the scene. It fills them after
+/// creation; the logic emits, synchronously, and never reads what the listeners do. Listeners must
+/// not change a list while it is emitted.
+class LOGIC_API LogicBase {
+public:
+    LogicBase(ig::World* world, ig::CameraControl* camera);
+    LogicBase(const LogicBase&) = default;
+    LogicBase& operator=(const LogicBase&) = default;
+
+    virtual int getCamSpeed() const { return m_cam_speed; }
+    virtual void setCamSpeed(int speed) { m_cam_speed = speed; }
+    virtual ~LogicBase() = default;
+
+    // Values from the host application, on scales of its own.
+    virtual void setRain(float) {}
+    virtual void setSnow(float) {}
+    virtual void setTod(float) {}
+
+    /// The world that the logic works in, relative to the working directory.
+    virtual ig::jString getWorldPath() { return {}; }
+    /// False when the logic can't work in this world; it must then only be released and deleted.
+    virtual bool init() { return true; }
+    virtual void update(float) {} ///< once per frame, seconds
+    virtual void render() {}
+    virtual void swap() {} ///< places the camera, just before the frame is drawn
+    virtual void release() {}
+    virtual void onMouseDown(const ig::GUIEventMouse&, ig::IApp*) {}
+    virtual void onMouseUp(const ig::GUIEventMouse&, ig::IApp*) {}
+    virtual void onMouseMove(const ig::GUIEventMouse&, ig::IApp*) {}
+    virtual void onMouseWheel(const ig::GUIEventWheel&, ig::IApp*) {}
+    virtual void onKeyPress(const ig::GUIEventKey&, ig::IApp*) {}
+    virtual void onKeyRelease(const ig::GUIEventKey&, ig::IApp*) {}
+
+    /// Logic objects come from the engine allocator; `delete` takes them out of the memory tracker.
+    static void operator delete(void* memory) noexcept { ig::jObject::operator delete(memory); }
+
+protected:
+    /// Levels the camera on the earth's surface and keeps its heading: its Y axis becomes the
+    /// direction from the earth's centre, and what its Z axis had of the horizontal stays. A camera
+    /// that looks along the vertical is levelled by its X axis. Nothing without a camera.
+    void adjust_geo_rotation_forward();
+
+    ig::CameraControl* m_camera_control; ///< the host application's
+    ig::World* m_world;                  ///< the host application's
+    int m_cam_speed = 100;               ///< of the free camera, metres per second
+
+public:
+    ig::SignalList<ig::Node*> m_sig_node;
+    ig::SignalList<int> m_sig_code;               ///< the scene was reset: 25, then 26
+    ig::SignalList<ig::Node*> m_sig_node_removed; ///< just before it is removed
+    ig::SignalList<ig::ObjectPrefab*, bool> m_sig_prefab_added;
+    ig::SignalList<ig::jString, ig::Node*, bool> m_sig_named_node;
+    ig::SignalList<SynCoder::CMDPlaySpeOnceInfo*> m_sig_play_spe_once;
+    ig::SignalList<ig::Material*> m_sig_material;
+    ig::SignalList<ig::Object*, int> m_sig_object; ///< objects of the helicopter worth knowing
+    ig::SignalList<ig::Node*, const ig::jString&> m_sig_node_text;
+    ig::SignalList<const ig::jString&> m_sig_preload; ///< paths of preloaded prefabs
+    ig::SignalList<ig::Track*> m_sig_track_loaded;
+    ig::SignalList<CMD_TYPE> m_sig_command;
+    ig::Function<void()> m_callback;
+    ig::SignalList<float> m_sig_float_1;
+    ig::SignalList<float> m_sig_float_2; ///< direction of the wind: −90 − the host's angle
+    ig::SignalList<float> m_sig_float_3; ///< speed of the wind, m/s; the first of the three
+    ig::SignalList<WEATHER_TYPE> m_sig_weather;
+    ig::SignalList<WEATHER_DETAIL> m_sig_rain;
+    ig::SignalList<WEATHER_DETAIL> m_sig_snow;
+    ig::SignalList<WEATHER_DETAIL> m_sig_hail;
+    ig::SignalList<float> m_sig_float_4; ///< visibility as a fraction of 300 km
+    ig::SignalList<CloudInfo*> m_sig_cloud;
+    ig::SignalList<float> m_sig_float_5;
+    ig::SignalList<int> m_sig_sea; ///< the host's sea code
+};
+
+/// What a logic library exports under the name "CreateLogic". Null when memory ran out.
+using CreateLogicFunction = LogicBase* (*)(ig::World*, ig::CameraControl*);

@@ -1,0 +1,254 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "common/logic/LogicBase.h"
+#include "common/wire/UdpRecvData.h"
+#include "ig/action/ActionManager.h"
+#include "ig/action/TimerManager.h"
+#include "ig/app/Message.h"
+#include "ig/math/quat.h"
+
+namespace ig {
+class Camera;
+class UIButton;
+class UIHLayout;
+class UISpriteViewport;
+class UIVLayout;
+} // namespace ig
+
+class FlagOper;
+class HeliEffectsKitCorax;
+class HelicopterCorax;
+class ObjectOcean;
+class ObjectTerrain;
+class Ship;
+class UdpRecvKit;
+class UdpSendKit;
+struct HandOper;
+struct SonarInfo;
+struct TorpedoInfo;
+struct WinchInfo;
+
+/// The scene logic of the helicopter visual channel: it shows the scene as the flight simulation
+/// commands it, answers every frame with what lies below the helicopter, and animates what the host
+/// does not pose. `CreateLogic` makes the one object; `LogicBase` tells how the host application
+/// drives it. Everything runs on the main thread.
+///
+/// The operations stand in the order of the files in `src/` that hold them:
+///
+///   entry.cpp         factory, construction, small event entries
+///   startup.cpp       init
+///   frame.cpp         update, swap, release
+///   reset_tracks.cpp  getWorldPath, tracks, reset
+///   receive.cpp       the receive-and-apply cycle
+///   feedback.cpp      the feedback datagram
+///   apply_sea_pose.cpp  the helicopter's pose from the host
+///   view_modes.cpp    who places the camera
+///   navigation.cpp    how the camera moves
+///   input.cpp         keyboard and mouse, polled
+///   picking.cpp       what a segment meets
+///
+/// Ownership: the world owns every prefab in it; this object owns what `init` allocates and frees
+/// it in `release`, never in the destructor. Ships, tracks and the records of weapons still in the
+/// scene stay.
+class LOGIC_API Logic_Nerith_Heli_Final : public LogicBase, public ig::MsgNode {
+public:
+    /// Who places the camera each frame.
+    enum PLAYER_MODE : int {
+        PLAYER_MODE_FIRST = 0, ///< it rides in the cockpit
+        PLAYER_MODE_THIRD = 1, ///< it keeps its distance from the helicopter
+        PLAYER_MODE_FREE = 2,  ///< nobody; input moves it
+    };
+
+    // --- entry.cpp
+
+    Logic_Nerith_Heli_Final(ig::World* world, ig::CameraControl* camera);
+    Logic_Nerith_Heli_Final(const Logic_Nerith_Heli_Final&) = default;
+    Logic_Nerith_Heli_Final& operator=(const Logic_Nerith_Heli_Final&) = default;
+    ~Logic_Nerith_Heli_Final() override;
+
+    void render() override {}
+    void onMouseDown(const ig::GUIEventMouse&, ig::IApp*) override {}
+    void onMouseUp(const ig::GUIEventMouse&, ig::IApp*) override {}
+    void onMouseMove(const ig::GUIEventMouse&, ig::IApp*) override {}
+    /// Third-person view: one metre nearer for a wheel rolled up, farther for one rolled down.
+    void onMouseWheel(const ig::GUIEventWheel& event, ig::IApp* app) override;
+    void onKeyPress(const ig::GUIEventKey&, ig::IApp*) override {}
+    /// "g" toggles the helicopter's front projector.
+    void onKeyRelease(const ig::GUIEventKey& event, ig::IApp* app) override;
+    /// 654321 levels the camera.
+    void processMsg(ig::UiMsg* message) override;
+
+    // --- startup.cpp
+
+    /// False, with nothing created, when the world has no node "start_heli"; whatever else is
+    /// missing is skipped.
+    bool init() override;
+
+    // --- frame.cpp
+
+    void update(float dt) override;
+    void swap() override;
+    /// Frees what `init` created; a second call does nothing.
+    void release() override;
+
+    // --- reset_tracks.cpp
+
+    ig::jString getWorldPath() override;
+    /// Loads an animation track and keeps it for good; logged when that fails. Nothing for an empty
+    /// path.
+    void load_track(const ig::jString& path);
+    /// The first loaded track of that path, or null.
+    ig::Track* get_track(const ig::jString& path) const;
+    /// Brings the scene back to its start without reloading: helicopter intact at its start marker,
+    /// everything dropped or thrown removed, all actions ended. Missiles in flight stay where they
+    /// are; winch, weather, view and camera are left alone.
+    void reset();
+
+    // --- receive.cpp
+
+    /// Drains the receiving kit and applies every record in the order of arrival. Bound to the
+    /// receive timer.
+    void recv_udp(ig::TimerManager::Timer* timer);
+    void apply_status(const UdpRecvData& record);
+    void apply_leida(UdpRecvData& record);
+
+    // Blocks that a host of the same family may carry and this scene does not show.
+    void apply_leader(UdpRecvData&) {}
+    void apply_task(UdpRecvData&) {}
+    void apply_other_craft(UdpRecvData&) {}
+    void apply_targets(UdpRecvData&) {}
+    void apply_lights(UdpRecvData&) {}
+    void apply_monit(UdpRecvData&) {}
+    void apply_pnvs(UdpRecvData&) {}
+    void apply_ssds(UdpRecvData&) {}
+    void apply_ships(UdpRecvData&) {}
+    void apply_observe_mode(UdpRecvData&) {}
+    void apply_ship_state(UdpRecvData&) {}
+    void apply_ground_state(UdpRecvData&) {}
+    void apply_fog(UdpRecvData&) {}
+
+    // --- feedback.cpp
+
+    /// Reports the ground point below the helicopter, the height above it and the wheels' attitudes
+    /// to the flight simulation: one datagram per call.
+    void send_udp();
+
+    // --- apply_sea_pose.cpp
+
+    /// Poses the helicopter where the record says.
+    void apply_heli(UdpRecvData& record);
+
+    // --- view_modes.cpp
+
+    void set_player_mode(PLAYER_MODE mode);
+    void change_view(); ///< the next mode: first, third, free, first, …
+
+    // --- navigation.cpp
+
+    /// Moves the camera, without turning it, to its distance from the helicopter, and saves its
+    /// pose. Nothing without a helicopter. Always true.
+    bool update_third_view();
+    /// Changes the distance by −`step` metres, 1 m at least.
+    bool on_third_view_wheel(float step);
+    /// Orbits about the point at the third-view distance ahead: degrees about the local vertical
+    /// and about the camera's own X axis. False when there is nothing to do.
+    bool rot_around(float yaw, float pitch);
+    void cam_mov(float dt);                     ///< free flight by keys, left mouse button held
+    void cam_free_rot(float dx, float dy);      ///< mouse look, a mouse button held; degrees
+    void set_cam_pos_geo(const ig::dvec3& geo); ///< longitude, latitude, altitude
+    ig::dvec3 get_cam_pos_geo() const;
+    float get_heli_thr() const; ///< the collective; 0 without a helicopter
+
+    // --- input.cpp
+
+    /// The frame's input step: reads keys and mouse, advances the helicopter model, places the
+    /// camera.
+    void update_input();
+
+    // --- picking.cpp
+
+    /// The visible object whose surface the segment p0 → p1 meets nearest to p0, or null.
+    /// `hitPoint`, when given, receives the point; it is left alone when nothing is met.
+    ig::Object* select_object(const ig::dvec3& p0, const ig::dvec3& p1, ig::dvec3* hitPoint) const;
+    /// The world point at the camera's far distance through a screen position in pixels.
+    ig::dvec3 get_ray_to(double x, double y) const;
+
+private:
+    // startup.cpp: the steps of init
+    void create_helicopter(const ig::Node& start);
+    void read_mounts();
+    void find_weather_and_surfaces();
+    void place_start_camera();
+    void create_records();
+    void find_commander();
+    void announce_glass();
+    void load_tracks();
+    void preload_prefabs();
+    void open_link();
+
+    // frame.cpp: the steps of update
+    void update_ground_reference();
+    void update_radar_camera();
+    void pin_cable(ig::Node* anchor, const ig::dmat4& mount);
+
+    // reset_tracks.cpp
+    void reset_helicopter();
+    void remove_from_scene(ig::ObjectPrefab* prefab);
+
+    // view_modes.cpp
+    void place_first_view();
+
+public:
+    // Pointers are null until the operation named sets them. The order is fixed.
+    ig::UIHLayout* m_cam_panel = nullptr;     ///< camera parameter panel
+    ig::UIButton* m_btn_view = nullptr;       ///< view-mode button
+    ig::UIButton* m_btn_sonar_down = nullptr; ///< hold-to-act buttons
+    ig::UIButton* m_btn_sonar_up = nullptr;
+    ig::UIButton* m_btn_winch_down = nullptr;
+    ig::UIButton* m_btn_winch_up = nullptr;
+    HelicopterCorax* m_heli = nullptr;        ///< owned; init
+    HeliEffectsKitCorax* m_effects = nullptr; ///< owned; init
+    float m_third_dist = 25.0f;               ///< third-view distance, metres, 1 at least
+    bool m_raining = false;                   ///< whether rain is on
+    ig::Node* m_rain = nullptr;               ///< the world's weather nodes; init
+    ig::Node* m_snow = nullptr;
+    ig::Node* m_hail = nullptr;
+    PLAYER_MODE m_player_mode = PLAYER_MODE_THIRD;
+    ig::dmat4 m_deflector_mount;      ///< local transforms of the helicopter's mounts; init
+    ig::dmat4 m_first_view_transform; ///< of the pilot's eye
+    ig::dmat4 m_dispensers[6];        ///< dl_0, dl_1, dl_2, dr_0, dr_1, dr_2
+    ig::dmat4 m_sonar_mount;
+    ig::dmat4 m_winch_mount;
+    ig::dquat m_third_cam_rot; ///< camera pose saved by the last third-view placement, world
+    ig::dvec3 m_third_cam_pos;
+    ObjectTerrain* m_terrain = nullptr; ///< the world's; init
+    ObjectOcean* m_ocean = nullptr;     ///< the world's; init
+    ig::ActionManager m_action_manager; ///< weapon flights and effects
+    Ship* m_ship1 = nullptr;            ///< created once, not freed by release
+    Ship* m_ship2 = nullptr;
+    ig::dmat4 m_ship1_start; ///< world transforms at start-up, restored by reset
+    ig::dmat4 m_ship2_start;
+    ig::UIVLayout* m_btn_panel = nullptr;   ///< command buttons
+    ig::UIVLayout* m_radar_panel = nullptr; ///< weather radar
+    FlagOper* m_flag_qizi1 = nullptr;       ///< owned; init
+    FlagOper* m_flag_qizi2 = nullptr;
+    FlagOper* m_flag_qizhi = nullptr;
+    HandOper* m_cmder = nullptr;          ///< owned; init; the deck commander's hands
+    ig::Camera* m_radar_object = nullptr; ///< owned; radar camera above the helicopter
+    ig::UISpriteViewport* m_radar_viewport = nullptr;
+    ig::jVector<TorpedoInfo*> m_torpedo_infos;
+    ig::jVector<SonarInfo*> m_thrown_sonars;
+    ig::jVector<ig::ObjectPrefab*> m_missiles;
+    ig::jVector<ig::ObjectPrefab*> m_decoys;
+    SonarInfo* m_sonar_info = nullptr; ///< owned; init; the deployed dipping sonar
+    WinchInfo* m_winch_info = nullptr; ///< owned; init; the deployed winch load
+    ig::jVector<ig::Track*> m_tracks;  ///< in loading order; never unloaded
+    double m_radar_saved_value = 0;    ///< the engine value that the radar picture replaces
+    double m_radar_value = 0;          ///< from the host
+    float m_radar_sector_width = 0;    ///< degrees, from the host
+    float m_radar_sector_offset = 0;   ///< degrees, from the host
+    ig::TimerManager m_timers;         ///< carries the receive timer
+    UdpRecvKit* m_udp_recv = nullptr;  ///< owned; init
+    UdpSendKit* m_udp_send = nullptr;  ///< owned; init
+};

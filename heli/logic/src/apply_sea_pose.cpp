@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#include "heli/kit/HelicopterCorax.h"
+#include "heli/logic/Logic_Nerith_Heli_Final.h"
+#include "ig/app/Engine.h"
+#include "ig/scene/ObjectPrefab.h"
+
+using namespace ig;
+
+namespace {
+constexpr float ROTOR_SPEED_SCALE = 60.0f; ///< the host's rotor value to degrees per second
+constexpr float FULL_COLLECTIVE = 270.0f;  ///< the rotor value that stands for full collective
+} // namespace
+
+void Logic_Nerith_Heli_Final::apply_heli(UdpRecvData& record) {
+    if (!m_heli) return;
+    m_heli->m_yaw = record.heading;
+    m_heli->m_pitch = record.pitch;
+    m_heli->m_roll = record.roll;
+    if (ObjectPrefab* prefab = m_heli->m_prefab) {
+        // Attitude first: it is geodetic, and the node keeps it so when it is moved.
+        prefab->setWgsHPR({static_cast<double>(record.heading), static_cast<double>(record.pitch),
+                           static_cast<double>(record.roll)});
+        const dvec3 geodetic(record.longitude, record.latitude,
+                             static_cast<double>(record.altitude));
+        prefab->setWorldPosition(Engine::get()->getEllipsoidModel()->toWorld(geodetic, true));
+    }
+    m_heli->set_rotor_speed(record.rotor_speed * ROTOR_SPEED_SCALE);
+    m_heli->m_collective = record.rotor_speed / FULL_COLLECTIVE;
+}

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+#include "heli/kit/HelicopterCorax.h"
+#include "heli/kit/UdpDataKit.h"
+#include "heli/logic/HandOper.h"
+#include "heli/logic/Logic_Nerith_Heli_Final.h"
+#include "heli/logic/records.h"
+#include "ig/app/Engine.h"
+#include "ig/scene/Camera.h"
+#include "ig/scene/ObjectPrefab.h"
+#include "memory.h"
+#include "plugins/ocean/ObjectOcean.h"
+#include "plugins/terrain/ObjectTerrain.h"
+
+#include <algorithm>
+
+using namespace ig;
+
+namespace {
+const char* const RELEASE = "Logic_Nerith_Heli_Final::release";
+constexpr float NO_GROUND = -1e9f;    ///< neither terrain nor sea below the helicopter
+constexpr double RADAR_HEIGHT = 10.0; ///< of the radar camera above the helicopter, metres
+} // namespace
+
+void Logic_Nerith_Heli_Final::update(float dt) {
+    m_timers.update(dt); // applies the host's records
+    if (m_cmder) m_cmder->update(dt);
+    if (m_heli) {
+        update_ground_reference();
+        update_radar_camera();
+    }
+    update_input();
+    m_action_manager.update(dt);
+    if (m_heli && m_sonar_info && m_sonar_info->prefab)
+        pin_cable(m_sonar_info->anchor, m_sonar_mount);
+    if (m_heli && m_winch_info && m_winch_info->prefab)
+        pin_cable(m_winch_info->anchor, m_winch_mount);
+    send_udp();
+}
+
+/// Measures what lies below the helicopter, for the model and its effects.
+void Logic_Nerith_Heli_Final::update_ground_reference() {
+    const EllipsoidModel* earth = Engine::get()->getEllipsoidModel();
+    const dvec3 position = m_heli->get_world_position();
+    const dvec3 geodetic = earth->toWGS(position, true);
+    float ground = NO_GROUND;
+    m_heli->set_over_water(false);
+    double altitude = 0;
+    if (m_terrain && m_terrain->getAltitudeByLonLat(geodetic.x, geodetic.y, &altitude, nullptr))
+        ground = std::max(NO_GROUND, static_cast<float>(altitude));
+    if (m_ocean) {
+        const double sea = earth->toWGS(m_ocean->getWorldPoint(position), true).z;
+        if (sea > static_cast<double>(ground)) {
+            m_heli->set_over_water(true);
+            ground = static_cast<float>(sea);
+        }
+    }
+    m_heli->set_ground_height(ground);
+}
+
+/// Carries the radar camera above the helicopter, looking straight down, its top ahead.
+void Logic_Nerith_Heli_Final::update_radar_camera() {
+    if (!m_radar_object) return;
+    dvec3 geodetic = Engine::get()->getEllipsoidModel()->toWGS(m_heli->get_world_position(), true);
+    geodetic.z += RADAR_HEIGHT;
+    const double heading = m_heli->m_prefab ? m_heli->m_prefab->getWgsHPR().x : 0;
+    m_radar_object->setWgsHPR({heading, 90.0, 0.0});
+    m_radar_object->setWgsPosition(geodetic);
+}
+
+void Logic_Nerith_Heli_Final::pin_cable(Node* anchor, const dmat4& mount) {
+    if (anchor) anchor->setWorldPosition(m_heli->get_world_transform() * mount.getTranslate());
+}
+
+void Logic_Nerith_Heli_Final::swap() {
+    if (!m_heli) return;
+    if (m_player_mode == PLAYER_MODE_FIRST)
+        place_first_view();
+    else if (m_player_mode == PLAYER_MODE_THIRD)
+        update_third_view();
+}
+
+void Logic_Nerith_Heli_Final::release() {
+    using logic_memory::destroy;
+    if (m_udp_recv) m_udp_recv->release();
+    destroy(m_udp_recv, RELEASE);
+    if (m_udp_send) m_udp_send->release();
+    destroy(m_udp_send, RELEASE);
+    if (m_radar_object) m_radar_object->release();
+    destroy(m_radar_object, RELEASE);
+    if (m_heli) m_heli->remove_prefab();
+    destroy(m_heli, RELEASE);
+    destroy(m_sonar_info, RELEASE);
+    destroy(m_winch_info, RELEASE);
+    destroy(m_cmder, RELEASE);
+}

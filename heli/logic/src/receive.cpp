@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#include "heli/kit/UdpDataKit.h"
+#include "heli/logic/Logic_Nerith_Heli_Final.h"
+
+using namespace ig;
+
+namespace {
+constexpr std::uint32_t COMMAND_RESET = 6;
+constexpr float VISIBILITY_SCALE = 300000.0f; ///< metres that count as 1
+} // namespace
+
+void Logic_Nerith_Heli_Final::recv_udp(TimerManager::Timer*) {
+    m_udp_recv->receive();
+    // Every record re-applies everything it carries; the reset comes first, so that the rest of its
+    // record is applied on top of the reset scene.
+    for (UdpRecvData& record : m_udp_recv->m_records) {
+        apply_status(record);
+        emit(m_sig_float_3, float(record.weather_value_a));
+        emit(m_sig_float_2, -90.0f - record.weather_angle);
+        emit(m_sig_float_4, static_cast<float>(record.weather_value_b) / VISIBILITY_SCALE);
+        apply_heli(record);
+        apply_leida(record);
+    }
+    m_udp_recv->m_records.clear();
+}
+
+void Logic_Nerith_Heli_Final::apply_status(const UdpRecvData& record) {
+    if (record.command == COMMAND_RESET) reset();
+}
+
+void Logic_Nerith_Heli_Final::apply_leida(UdpRecvData& record) {
+    m_radar_value = static_cast<double>(record.radar_value);
+    m_radar_sector_width = record.radar_sector_width;
+    m_radar_sector_offset = record.radar_sector_offset;
+}

@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+#include "heli/kit/HelicopterCorax.h"
+#include "heli/logic/Logic_Nerith_Heli_Final.h"
+#include "heli/logic/records.h"
+#include "ig/base/jLog.h"
+#include "ig/physics/Body.h"
+#include "ig/scene/ObjectPrefab.h"
+#include "ig/scene/Track.h"
+#include "ig/scene/World.h"
+#include "memory.h"
+
+using namespace ig;
+using namespace logic_memory;
+
+jString Logic_Nerith_Heli_Final::getWorldPath() {
+    return "data/PELMAR_PROJECT/PELMAR_PROJECT.world";
+}
+
+void Logic_Nerith_Heli_Final::load_track(const jString& path) {
+    const char* const name = "Logic_Nerith_Heli_Final::load_track";
+    if (path.empty()) return;
+    Track* track = create<Track>(name);
+    if (!track) return;
+    if (!track->load(path, m_world)) {
+        jLog::error("%s:\"%s\" load failed", name, path.c_str());
+        track->release();
+        destroy(track, name);
+        return;
+    }
+    m_tracks.append(track);
+    emit(m_sig_track_loaded, track);
+}
+
+Track* Logic_Nerith_Heli_Final::get_track(const jString& path) const {
+    for (Track* track : m_tracks)
+        if (track->getPath() == path) return track;
+    return nullptr;
+}
+
+void Logic_Nerith_Heli_Final::reset() {
+    m_action_manager.removeAllActions();
+    reset_helicopter();
+    // The host application clears what it keeps of the old scene.
+    emit(m_sig_code, 25);
+    emit(m_sig_code, 26);
+    for (SonarInfo* info : m_thrown_sonars) {
+        remove_from_scene(info->prefab);
+        destroy(info, "Logic_Nerith_Heli_Final::reset");
+    }
+    m_thrown_sonars.clear();
+    for (ObjectPrefab* decoy : m_decoys)
+        remove_from_scene(decoy);
+    m_decoys.clear();
+    if (m_sonar_info->prefab) remove_from_scene(m_sonar_info->prefab);
+    *m_sonar_info = {};
+    if (Node* stowed = m_heli->m_prefab->getNodeByName("sonar")) stowed->setEnabled(true);
+}
+
+/// Intact, at rest, at the start marker.
+void Logic_Nerith_Heli_Final::reset_helicopter() {
+    m_heli->set_collective_decay(1.0f);
+    m_heli->m_collective = 0;
+    if (m_heli->m_body) {
+        m_heli->m_body->setLinearVelocity(vec3_zero);
+        m_heli->m_body->setAngularVelocity(vec3_zero);
+    }
+    const Node* root = m_heli->m_prefab->getRoot();
+    const auto show = [root](const char* name, bool on) {
+        Node* state = root ? root->getChildByName(name, false) : nullptr;
+        if (state) state->setEnabled(on);
+    };
+    show("fire", false);
+    show("destroyed", false);
+    show("normal", true);
+    if (const Node* start = m_world->getNodeByName("start_heli"))
+        m_heli->set_transform(start->getWorldTransform());
+}
+
+/// Announces that a prefab goes and lets the world remove and destroy it.
+void Logic_Nerith_Heli_Final::remove_from_scene(ObjectPrefab* prefab) {
+    emit(m_sig_node_removed, prefab);
+    m_world->removeNode(prefab);
+}

@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: MIT
+#include "Channel.h"
+
+#include "FrameClock.h"
+#include "common/logic/LogicBase.h"
+#include "ig/app/Engine.h"
+#include "ig/app/Message.h"
+#include "ig/base/jLog.h"
+#include "ig/net/SocketUDP.h"
+#include "ig/package/PackageManager.h"
+#include "ig/scene/ObjectPrefab.h"
+#include "render/null/RendererNull.h"
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstring>
+#include <unistd.h>
+
+using namespace ig;
+
+namespace {
+
+volatile std::sig_atomic_t g_stop = 0;
+
+constexpr float FIELD_OF_VIEW = 50;  ///< vertical, degrees
+constexpr double Z_NEAR = 0.1;       ///< metres: the cockpit is close
+constexpr double Z_FAR = 1e7;        ///< metres
+constexpr double JUMP = 10000;       ///< metres between two frames after which we level the camera
+constexpr int LEVEL_CAMERA = 654321; ///< identifier of the UI message
+
+double steadyNow() {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+void levelCamera() {
+    UiMsg message{LEVEL_CAMERA};
+    MsgMngr::get()->send(&message);
+}
+
+} // namespace
+
+Channel::Channel(const Options& options) : m_options(options), m_camera_control(nullptr) {
+    m_status.setQuiet(options.quiet);
+}
+
+void Channel::requestStop() {
+    g_stop = 1;
+}
+
+// ------------------------------------------------------------------ start
+
+bool Channel::open() {
+    if (!m_options.directory.empty() && chdir(m_options.directory.c_str()) != 0) {
+        jLog::error("visual_channel: \"%s\": %s", m_options.directory.c_str(),
+                    std::strerror(errno));
+        return false;
+    }
+    if (!m_options.trace.empty() && !m_trace.open(m_options.trace)) return false;
+    m_renderer = std::make_unique<RendererNull>();
+    if (!m_renderer->init(m_options.width, m_options.height)) return false;
+    Engine::get()->setApp(this);
+    Engine::get()->setWorld(&m_world);
+    if (!loadLibraries() || !loadWorld()) return false;
+    placeCamera();
+    m_listener.connect(*m_logic);
+    m_is_initialised = m_logic->init();
+    if (!m_is_initialised) {
+        jLog::error("visual_channel: \"%s\" has no node \"start_heli\" for the helicopter to start "
+                    "at",
+                    m_logic->getWorldPath().c_str());
+        return false;
+    }
+    for (SocketUDP* socket : SocketUDP::getOpenSockets())
+        if (!m_options.allow_sender.empty() && !socket->setAllowedSender(m_options.allow_sender))
+            return false;
+    return true;
+}
+
+bool Channel::loadLibraries() {
+    for (const std::string& path : m_options.plugins) {
+        m_plugins.push_back(std::make_unique<Library>());
+        if (!m_plugins.back()->load(path)) return false;
+    }
+    if (!m_library.load(m_options.logic.empty() ? DEFAULT_LOGIC : m_options.logic)) return false;
+    const auto create = reinterpret_cast<CreateLogicFunction>(m_library.find("CreateLogic"));
+    if (!create) return false;
+    m_logic = create(&m_world, &m_camera_control);
+    if (!m_logic) jLog::error("visual_channel: out of memory");
+    return m_logic != nullptr;
+}
+
+bool Channel::loadWorld() {
+    const jString path = m_logic->getWorldPath();
+    return path.empty() || m_world.load(path);
+}
+
+/// A level camera at the start marker, looking ahead: the logic's views take over from it.
+void Channel::placeCamera() {
+    m_camera.setPerspective(
+        FIELD_OF_VIEW, static_cast<float>(m_options.width) / static_cast<float>(m_options.height),
+        Z_NEAR, Z_FAR);
+    if (const Node* start = m_world.getNodeByName("start_heli"))
+        m_camera.setTransform(start->getWorldTransform() *
+                              dmat4(dquat(dvec3(1, 0, 0), 90), dvec3()));
+    m_camera_control.setCamera(&m_camera);
+    levelCamera();
+}
+
+// ------------------------------------------------------------------ frames
+
+void Channel::run() {
+    FrameClock clock(m_options.frame_rate, m_options.step);
+    double scene_time = 0;
+    for (int frames = 0; !g_stop && !isOver(scene_time, frames); frames++) {
+        const float dt = clock.beginFrame();
+        const double begin = steadyNow();
+        frame(dt);
+        m_trace.write(begin, m_listener);
+        m_status.addFrame(dt, steadyNow() - begin);
+        m_status.print(m_listener);
+        scene_time += static_cast<double>(dt);
+    }
+    m_status.printSummary(m_listener);
+}
+
+bool Channel::isOver(double scene_time, int frames) const {
+    // Half a frame's worth of allowance: sums of single-precision steps fall short of round times.
+    return (m_options.seconds > 0 && scene_time > m_options.seconds - 1e-3) ||
+           (m_options.frames > 0 && frames >= m_options.frames);
+}
+
+void Channel::frame(float dt) {
+    Engine::get()->beginFrame(dt);
+    m_logic->update(dt);
+    levelAfterJump();
+    m_world.updatePhysics(dt);
+    m_logic->swap();
+    m_renderer->render(m_world, m_camera);
+    m_logic->render();
+    m_control.endFrame();
+}
+
+/// Elsewhere on the earth "up" points elsewhere: the camera that came along would hang askew.
+void Channel::levelAfterJump() {
+    if (!m_listener.m_helicopter) return;
+    const dvec3 position = m_listener.m_helicopter->getWorldPosition();
+    if (m_has_position && length(position - m_last_position) > JUMP) levelCamera();
+    m_last_position = position;
+    m_has_position = true;
+}
+
+// ------------------------------------------------------------------ end
+
+void Channel::close() {
+    if (m_logic) {
+        if (m_is_initialised) m_logic->release();
+        m_listener.m_helicopter = nullptr;
+        m_world.clear();
+        delete m_logic;
+        m_logic = nullptr;
+    }
+    m_trace.close();
+    MaterialManager::release();
+    PackageManager::release();
+    Engine::get()->reset();
+    if (m_renderer) m_renderer->release();
+    m_renderer.reset();
+    m_library.unload();
+    m_plugins.clear();
+}

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#include "Library.h"
+
+#include "ig/base/jLog.h"
+
+#include <dlfcn.h>
+#include <filesystem>
+
+bool Library::load(const std::string& path) {
+    m_path = path;
+    if (path.find('/') == std::string::npos) {
+        std::error_code error;
+        const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+        m_path = (program.parent_path() / ".." / "lib" / path).lexically_normal();
+    }
+    m_handle = dlopen(m_path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (!m_handle) ig::jLog::error("Library::load: %s", dlerror());
+    return m_handle != nullptr;
+}
+
+void Library::unload() {
+    if (m_handle) dlclose(m_handle);
+    m_handle = nullptr;
+}
+
+void* Library::find(const char* name) const {
+    void* symbol = m_handle ? dlsym(m_handle, name) : nullptr;
+    if (!symbol) ig::jLog::error("Library::find: %s doesn't export %s", m_path.c_str(), name);
+    return symbol;
+}

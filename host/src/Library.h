@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+
+/// A shared library loaded at run time; unloaded when the object goes.
+class Library {
+public:
+    Library() = default;
+    Library(const Library&) = delete;
+    Library& operator=(const Library&) = delete;
+    ~Library() { unload(); }
+
+    /// A path without a slash is looked for beside this program's own libraries. False, with one
+    /// log line, when it can't be loaded.
+    bool load(const std::string& path);
+    void unload();
+    /// Null, with one log line, when the library doesn't export `name`.
+    void* find(const char* name) const;
+
+private:
+    std::string m_path;
+    void* m_handle = nullptr;
+};

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <bitset>
+
+namespace ig {
+
+/// Key codes: printable keys are their character code (lower case), special keys start at 256.
+enum KeyCode {
+    KEY_SPACE = 32,
+    KEY_ESCAPE = 256,
+    KEY_TAB = 257,
+    KEY_BACKSPACE = 258,
+    KEY_RETURN = 259,
+    KEY_LEFT = 266,
+    KEY_RIGHT = 267,
+    KEY_UP = 268,
+    KEY_DOWN = 269,
+    KEY_SHIFT = 270,
+    KEY_CTRL = 271,
+    KEY_ALT = 272,
+    KEY_F1 = 277, ///< F2 to F12 follow
+    KEY_F4 = 280,
+    KEY_F12 = 288,
+    KEY_COUNT = 512,
+};
+
+/// The state of keyboard and mouse for whoever polls it once a frame. The host application feeds it
+/// between frames with what the user interface did not take, and calls `endFrame` after the logic's
+/// update.
+class ControlApp {
+public:
+    /// Down now.
+    bool isKeyPress(int key) const { return isKey(key) && m_pressed[index(key)]; }
+    /// Went down since the last frame and was not cleared. Repeats of a held key don't count.
+    bool isKeyClick(int key) const { return isKey(key) && m_clicked[index(key)]; }
+    /// Forgets the click, so that one press acts once.
+    void clearKeyClick(int key) {
+        if (isKey(key)) m_clicked.reset(index(key));
+    }
+    bool isLeftButtonDown() const { return m_left; }
+    bool isRightButtonDown() const { return m_right; }
+    bool isWheelButtonDown() const { return m_wheel < 0; } ///< rolled down in this frame
+    bool isWheelButtonUp() const { return m_wheel > 0; }   ///< rolled up in this frame
+    /// Motion since the last frame, pixels: to the right and downwards.
+    float getMouseDX() const { return m_dx; }
+    float getMouseDY() const { return m_dy; }
+    /// Degrees per pixel.
+    float getMouseSensitivity() const { return m_sensitivity; }
+    void setMouseSensitivity(float sensitivity) { m_sensitivity = sensitivity; }
+
+    void keyDown(int key);
+    void keyUp(int key);
+    void setLeftButton(bool down) { m_left = down; }
+    void setRightButton(bool down) { m_right = down; }
+    void moveMouse(float dx, float dy);
+    /// Positive when rolled up.
+    void rollWheel(float delta) { m_wheel += delta; }
+    /// Forgets clicks, motion and wheel.
+    void endFrame();
+    /// Everything is up: the window lost the focus, and releases may never be reported.
+    void releaseAll();
+
+private:
+    static bool isKey(int key) { return key >= 0 && key < KEY_COUNT; }
+    static std::size_t index(int key) { return static_cast<std::size_t>(key); }
+
+    std::bitset<KEY_COUNT> m_pressed, m_clicked;
+    bool m_left = false, m_right = false;
+    float m_wheel = 0, m_dx = 0, m_dy = 0;
+    float m_sensitivity = 0.25f;
+};
+
+} // namespace ig

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ig/math/EllipsoidModel.h"
+
+namespace ig {
+
+class IApp;
+class World;
+
+/// Values of the scene that the host application sets and others read.
+enum EnvironmentValue {
+    ENVIRONMENT_FLATTENING,  ///< how much the sea is flattened for floating bodies; 0 nothing
+    ENVIRONMENT_SENSOR_GAIN, ///< gain of the sensor picture (vision mode 3)
+    ENVIRONMENT_COUNT,
+};
+
+/// The engine of the process: who the application is, which world is shown, and what time it is.
+/// The host application sets it up and calls `beginFrame` once per frame, before anything else of
+/// it.
+class Engine {
+public:
+    static Engine* get();
+
+    IApp* getApp() const { return m_app; }
+    void setApp(IApp* app) { m_app = app; }
+    World* getWorld() const { return m_world; }
+    void setWorld(World* world) { m_world = world; }
+    const EllipsoidModel* getEllipsoidModel() const { return &m_ellipsoid; }
+
+    /// Starts a frame of `dt` seconds: one more frame, `dt` more running time.
+    void beginFrame(float dt);
+    int getFrame() const { return m_frame; }                 ///< 1 in the first frame
+    float getFrameTime() const { return m_frame_time; }      ///< duration of the present frame, s
+    double getRunningTime() const { return m_running_time; } ///< sum of all frames, s
+
+    float getEnvironment(EnvironmentValue which) const { return m_environment[which]; }
+    void setEnvironment(EnvironmentValue which, float value) { m_environment[which] = value; }
+
+    /// Back to frame 0 of an engine without application and world.
+    void reset();
+
+private:
+    Engine() = default;
+    IApp* m_app = nullptr;
+    World* m_world = nullptr;
+    EllipsoidModel m_ellipsoid;
+    int m_frame = 0;
+    float m_frame_time = 0;
+    double m_running_time = 0;
+    float m_environment[ENVIRONMENT_COUNT] = {};
+};
+
+} // namespace ig

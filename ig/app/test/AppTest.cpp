@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+#include "ig/app/ControlApp.h"
+#include "ig/app/Message.h"
+
+#include <gtest/gtest.h>
+#include <vector>
+
+namespace ig {
+namespace {
+
+TEST(ControlApp, AClickLastsOneFrameOrUntilItIsCleared) {
+    ControlApp control;
+    control.keyDown(KEY_F1);
+    control.keyDown(KEY_F1); // a repeat of the held key
+    EXPECT_TRUE(control.isKeyClick(KEY_F1));
+    control.clearKeyClick(KEY_F1);
+    EXPECT_FALSE(control.isKeyClick(KEY_F1));
+    control.keyDown(KEY_F1);
+    EXPECT_FALSE(control.isKeyClick(KEY_F1));
+    EXPECT_TRUE(control.isKeyPress(KEY_F1));
+    control.keyUp(KEY_F1);
+    control.keyDown(KEY_F1);
+    control.keyUp(KEY_F1); // pressed and released between two frames: still a click
+    EXPECT_TRUE(control.isKeyClick(KEY_F1));
+    EXPECT_FALSE(control.isKeyPress(KEY_F1));
+    control.endFrame();
+    EXPECT_FALSE(control.isKeyClick(KEY_F1));
+    control.keyDown(-1);
+    control.keyDown(100000);
+    EXPECT_FALSE(control.isKeyPress(100000));
+}
+
+TEST(ControlApp, MotionAddsUpWithinAFrameAndFocusLossReleasesAll) {
+    ControlApp control;
+    control.moveMouse(3, -1);
+    control.moveMouse(2, -1);
+    control.rollWheel(-1);
+    control.setLeftButton(true);
+    control.keyDown('w');
+    EXPECT_EQ(control.getMouseDX(), 5);
+    EXPECT_EQ(control.getMouseDY(), -2);
+    EXPECT_TRUE(control.isWheelButtonDown());
+    EXPECT_FALSE(control.isWheelButtonUp());
+    control.endFrame();
+    EXPECT_EQ(control.getMouseDX(), 0);
+    EXPECT_FALSE(control.isWheelButtonDown());
+    EXPECT_TRUE(control.isLeftButtonDown());
+    control.releaseAll();
+    EXPECT_FALSE(control.isLeftButtonDown());
+    EXPECT_FALSE(control.isKeyPress('w'));
+}
+
+struct Listener final : MsgNode {
+    std::vector<int> seen;
+    Listener* detach_on_message = nullptr;
+    void processMsg(UiMsg* message) override {
+        seen.push_back(message->id);
+        if (detach_on_message) detach_on_message->detach();
+    }
+};
+
+TEST(MsgMngr, ReachesAttachedNodesOnlyAlsoWhenOneDetachesMeanwhile) {
+    Listener a, b, copy(a);
+    a.attach();
+    b.attach();
+    EXPECT_FALSE(copy.isAttached());
+    UiMsg message{654321};
+    MsgMngr::get()->send(&message);
+    EXPECT_EQ(a.seen.size(), 1u);
+    EXPECT_EQ(b.seen.size(), 1u);
+    EXPECT_TRUE(copy.seen.empty());
+    a.detach_on_message = &b;
+    MsgMngr::get()->send(&message);
+    EXPECT_EQ(a.seen.size(), 2u);
+    EXPECT_EQ(b.seen.size(), 1u);
+    a.detach_on_message = nullptr;
+    b.attach();
+    MsgMngr::get()->send(&message);
+    EXPECT_EQ(b.seen.size(), 2u);
+}
+
+} // namespace
+} // namespace ig

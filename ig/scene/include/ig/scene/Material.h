@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ig/base/jAllocator.h"
+#include "ig/base/jString.h"
+#include "ig/base/jVector.h"
+#include "ig/math/vec.h"
+
+namespace ig {
+
+class Package;
+
+/// How a surface looks: a set of parameters found by tag, each either a slider (one number) or a
+/// value (four). A material read from a file is shared by all its users and owned by the
+/// `MaterialManager`; a copy of its own is owned by the object that asked for it.
+class Material : public jObject {
+public:
+    /// Reads the parameters of a material file. False, with one log line, when something in it is
+    /// not what the format asks for; what was read before that stays.
+    bool load(const jString& path);
+    const jString& getPath() const { return m_path; }
+
+    /// Adds a slider or a value; an existing tag is overwritten. Returns its id.
+    int addSlider(const jString& tag, float value);
+    int addValue(const jString& tag, const vec4& value);
+
+    /// The id of the parameter with that tag, or −1.
+    int findParameterIDByTag(const jString& tag) const;
+    int getNumParameters() const { return m_parameters.size(); }
+    /// An id out of range is ignored, and reads as 0.
+    void setParameterSlider(int id, float value);
+    float getParameterSlider(int id) const;
+    void setParameterValue(int id, const vec4& value);
+    vec4 getParameterValue(int id) const;
+
+private:
+    struct Parameter {
+        jString tag;
+        vec4 value; // a slider is its x
+    };
+    Parameter& add(const jString& tag);
+    bool has(int id) const { return id >= 0 && id < m_parameters.size(); }
+
+    jString m_path;
+    jVector<Parameter> m_parameters;
+};
+
+/// The shared materials of the process, by path.
+class MaterialManager {
+public:
+    /// The material of that file, read once; null when it cannot be read (logged once).
+    static Material* get(const jString& path);
+    /// Frees all of them; no object may be alive.
+    static void release();
+};
+
+} // namespace ig

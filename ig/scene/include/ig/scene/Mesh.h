@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ig/base/jString.h"
+#include "ig/scene/Bounds.h"
+#include "ig/scene/Bvh.h"
+
+#include <memory>
+#include <vector>
+
+namespace ig {
+
+/// Triangles of a model, cut into surfaces (one per material of the file), in the frame of the node
+/// that shows them: X right, Y forward, Z up, metres. Immutable and shared by all that show it.
+class Mesh {
+public:
+    struct Surface {
+        jString name; ///< the file's material name
+        std::vector<vec3> positions;
+        std::vector<vec3> normals; ///< as many as positions
+        std::vector<vec2> uvs;     ///< as many as positions, or none
+        std::vector<std::uint32_t> indices;
+    };
+
+    /// The mesh of "file" or "file#part", read once and kept while somebody holds it. OBJ
+    /// coordinates are taken as they are; glTF (Y up) is turned so that its Y becomes Z and its −Z
+    /// becomes Y. A part is a glTF node or an OBJ group of that name in its own coordinates.
+    /// Null, with one log line, when file or part cannot be read.
+    static std::shared_ptr<const Mesh> get(const jString& reference);
+
+    explicit Mesh(std::vector<Surface> surfaces);
+
+    int getNumSurfaces() const { return static_cast<int>(m_surfaces.size()); }
+    const Surface& getSurface(int i) const { return m_surfaces[static_cast<std::size_t>(i)]; }
+    const BoundSphere& getBounds() const { return m_bounds; }
+    /// First crossing of a → b with a surface, as a parameter in [0, 1]; negative when none. Builds
+    /// the surface's search tree on first use.
+    double intersect(int surface, const dvec3& a, const dvec3& b) const;
+
+private:
+    std::vector<Surface> m_surfaces;
+    BoundSphere m_bounds;
+    mutable std::vector<Bvh> m_trees; ///< one a surface
+};
+
+} // namespace ig

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ig/scene/Object.h"
+
+namespace ig {
+
+/// A particle emitter as the scene describes it; surface 0 carries the particles' material. The
+/// emitter's data is fixed by its file.
+class ObjectParticles : public Object {
+public:
+    ObjectParticles() : Object(OBJECT_PARTICLES) { setNumSurfaces(1); }
+
+    float getLife() const { return m_life; } ///< mean life of a particle, s
+    void setLife(float life) { m_life = life; }
+    float getLifeSpread() const { return m_life_spread; } ///< ± s
+    void setLifeSpread(float spread) { m_life_spread = spread; }
+    float getLinearVelocity() const { return m_velocity; } ///< m/s along the emitter's Z
+    void setLinearVelocity(float velocity) { m_velocity = velocity; }
+    float getLinearVelocitySpread() const { return m_velocity_spread; } ///< ± m/s
+    void setLinearVelocitySpread(float spread) { m_velocity_spread = spread; }
+    float getSpawnRate() const { return m_spawn_rate; } ///< particles per second
+    void setSpawnRate(float rate) { m_spawn_rate = rate; }
+
+    /// Deflectors remove the particles in their column. World transforms.
+    int getNumDeflectors() const { return m_deflectors.size(); }
+    void setNumDeflectors(int count) { m_deflectors.resize(count); }
+    const dmat4& getDeflectorTransform(int i) const { return m_deflectors[i]; }
+    void setDeflectorTransform(int i, const dmat4& transform) { m_deflectors[i] = transform; }
+
+private:
+    float m_life = 1, m_life_spread = 0;
+    float m_velocity = 0, m_velocity_spread = 0;
+    float m_spawn_rate = 0;
+    jVector<dmat4> m_deflectors;
+};
+
+/// A picture laid down onto what lies below it, straight along −Z; surface 0 carries the material.
+class DecalOrtho : public Object {
+public:
+    DecalOrtho() : Object(DECAL_ORTHO) {
+        setNumSurfaces(1);
+        setIntersection(0, false);
+    }
+    float getWidth() const { return m_width; } ///< along X, m
+    void setWidth(float width) { m_width = width; }
+    float getHeight() const { return m_height; } ///< along Y, m
+    void setHeight(float height) { m_height = height; }
+
+private:
+    float m_width = 1, m_height = 1;
+};
+
+/// A lamp that is seen itself; how bright is the slider "density" of the material on surface 0.
+class ObjectLight : public Object {
+public:
+    ObjectLight() : Object(OBJECT_LIGHT) {
+        setNumSurfaces(1);
+        setIntersection(0, false);
+    }
+};
+
+/// Something that flutters with the rotor's wind (grass, dust); three free parameters.
+class NodeField : public Node {
+public:
+    NodeField() : Node(NODE_FIELD) {}
+    float getParameter(int i) const { return m_parameters[i]; } ///< i from 0 to 2
+    void setParameter(int i, float value) { m_parameters[i] = value; }
+
+private:
+    float m_parameters[3] = {};
+};
+
+} // namespace ig

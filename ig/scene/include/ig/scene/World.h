@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ig/base/jString.h"
+#include "ig/base/jVector.h"
+#include "ig/physics/Physics.h"
+#include "ig/scene/Node.h"
+
+namespace ig {
+
+class Package;
+
+/// The scene: the nodes without parent, and the physics of their bodies. The host application owns
+/// it, loads a world file into it, and steps its physics once per frame after the logic.
+class World {
+public:
+    World() = default;
+    World(const World&) = delete;
+    World& operator=(const World&) = delete;
+    ~World();
+
+    /// Reads a world file and adds its nodes. False when the file is missing or malformed (logged
+    /// with path and, where there is one, line); what a node gets wrong leaves that node out.
+    bool load(const jString& path);
+    /// Builds a node and all below it from its description. Null, logged with path and line, when
+    /// it makes no sense. The caller owns it.
+    static Node* LoadNode(const Package* package);
+
+    /// Takes ownership of a node without parent. A node that is in already stays as it is.
+    void addNode(Node* node);
+    /// Takes a node of the world out, releases and destroys it. Nothing for a node that is not one
+    /// of the world's own.
+    void removeNode(Node* node);
+    const jVector<Node*>& getNodes() const { return m_nodes; }
+    /// The first node of that name in the world's own tree, depth first; prefabs are found but not
+    /// looked into. Null when none.
+    Node* getNodeByName(const jString& name) const;
+
+    /// The nodes without parent whose bounds the segment touches, into `nodes` (emptied first).
+    /// False when there is none.
+    bool getIntersection(const dvec3& p0, const dvec3& p1, jVector<Node*>& nodes) const;
+
+    Physics& getPhysics() { return m_physics; }
+    /// Advances the physics and carries the poses of the bodies to their objects.
+    void updatePhysics(float dt);
+    /// Destroys all nodes.
+    void clear();
+
+private:
+    Physics m_physics; // before the nodes, whose bodies leave it when they go
+    jVector<Node*> m_nodes;
+};
+
+/// Node types that plug-in libraries add to the scene files.
+class NodeFactory {
+public:
+    using Creator = Node* (*)(const Package&);
+    /// From then on a node of this `type` in a file is made by `create`, which reads the keys of
+    /// its own and returns null, having logged, when they make no sense. Returns true.
+    static bool add(const char* type, Creator create);
+    static Creator find(const jString& type);
+};
+
+} // namespace ig

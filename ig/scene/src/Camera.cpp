@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#include "ig/scene/Camera.h"
+
+namespace ig {
+
+void Camera::setPerspective(float fov_v, float aspect, double z_near, double z_far) {
+    const double top = std::tan(double(fov_v) * DEG_TO_RAD<double> / 2);
+    const double right = top * double(aspect);
+    m_fov_v = fov_v;
+    m_fov_h = static_cast<float>(2 * std::atan(right) * RAD_TO_DEG<double>);
+    m_near = z_near;
+    m_far = z_far;
+    m_projection =
+        frustum(-right * z_near, right * z_near, -top * z_near, top * z_near, z_near, z_far, 0, 0);
+}
+
+dvec3 Camera::getRayTo(double x, double y, double depth) const {
+    const auto& p = m_projection.columns;
+    const dvec3 eye((2 * x - 1 + p[2].x) / p[0].x, (1 - 2 * y + p[2].y) / p[1].y, -1);
+    return getWorldTransform() * (eye * depth);
+}
+
+// Turned back by 90 degrees about its X axis, the camera frame is a node frame that pitches the
+// other way round: Rx(90 − p) · Rz(−r) = Rx(−p) · Ry(r) · Rx(90).
+static const dmat3 NODE_TO_CAMERA{{1, 0, 0}, {0, 0, 1}, {0, -1, 0}}; // Rx(90)
+
+dmat3 Camera::composeAttitude(const dvec3& hpr) const {
+    return composeHPR({hpr.x, -hpr.y, hpr.z}) * NODE_TO_CAMERA;
+}
+
+dvec3 Camera::decomposeAttitude(const dmat3& attitude) const {
+    const dvec3 hpr = decomposeHPR(attitude * transpose(NODE_TO_CAMERA));
+    return {hpr.x, -hpr.y + 0.0, hpr.z};
+}
+
+} // namespace ig

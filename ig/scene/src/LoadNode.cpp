@@ -1,0 +1,259 @@
+// SPDX-License-Identifier: MIT
+
+// Builds nodes from their descriptions in world and prefab files. Every message names the file and
+// the line; a node that makes no sense is left out with all below it, so that one slip in a file
+// doesn't take the rest of the scene with it.
+
+#include "ig/base/jLog.h"
+#include "ig/math/EllipsoidModel.h"
+#include "ig/package/Package.h"
+#include "ig/physics/Body.h"
+#include "ig/scene/Camera.h"
+#include "ig/scene/ObjectPrefab.h"
+#include "ig/scene/SceneObjects.h"
+#include "ig/scene/World.h"
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <memory>
+#include <string_view>
+
+namespace ig {
+
+namespace {
+
+using Creator = NodeFactory::Creator;
+
+void report(const Package& p, int line, const char* what, const jString& subject) {
+    jLog::error("World::LoadNode: %s:%d: %s \"%s\"", p.getPath().c_str(), line, what,
+                subject.c_str());
+}
+
+/// Three numbers under `key`. True when the key is absent (`out` unchanged) or good.
+bool readVec3(const Package& p, const char* key, dvec3& out) {
+    const Item* item = p.getItem(key);
+    if (!item) return true;
+    double v[3];
+    if (item->getDoubles(v, 3) != 3 || item->getCount() != 3 ||
+        !isFinite(dvec3(v[0], v[1], v[2]))) {
+        report(p, item->getLine(), "three numbers are needed in", key);
+        return false;
+    }
+    out = {v[0], v[1], v[2]};
+    return true;
+}
+
+/// Keys that every node may have.
+const std::array<std::string_view, 9> NODE_KEYS = {
+    "name", "type", "enabled", "position", "rotation", "wgs", "hpr", "children", "body"};
+
+/// Reports keys that nothing reads, so that a misspelt one is noticed.
+void reportUnknownKeys(const Package& p, std::initializer_list<std::string_view> own,
+                       bool is_node = false) {
+    const auto holds = [](const auto& keys, std::string_view key) {
+        return std::find(keys.begin(), keys.end(), key) != keys.end();
+    };
+    for (int i = 0; i < p.getItemCount(); i++) {
+        const Item& item = p.getItemAt(i);
+        const std::string_view key = item.getName().view();
+        if (!holds(own, key) && !(is_node && holds(NODE_KEYS, key)))
+            jLog::warning("World::LoadNode: %s:%d: unknown key \"%s\"", p.getPath().c_str(),
+                          item.getLine(), item.getName().c_str());
+    }
+}
+
+// ------------------------------------------------------------------ bodies
+
+Shape* loadShape(const Package& p) {
+    reportUnknownKeys(p, {"type", "size", "radius", "height", "position", "rotation"});
+    dvec3 position, rotation, size;
+    if (!readVec3(p, "position", position) || !readVec3(p, "rotation", rotation) ||
+        !readVec3(p, "size", size))
+        return nullptr;
+    const mat4 transform(dmat4(dquat(rotation.x, rotation.y, rotation.z), position));
+    const jString& type = p.getString("type");
+    const float radius = p.getFloat("radius"), height = p.getFloat("height");
+    if (type == "box" && size.x > 0 && size.y > 0 && size.z > 0)
+        return Shape::createBox(vec3(size), transform);
+    if (type == "sphere" && radius > 0) return Shape::createSphere(radius, transform);
+    if (type == "capsule" && radius > 0 && height > 0)
+        return Shape::createCapsule(radius, height, transform);
+    if (type == "cylinder" && radius > 0 && height > 0)
+        return Shape::createCylinder(radius, height, transform);
+    report(p, p.getLine(), "unknown shape, or one without positive dimensions:", type);
+    return nullptr;
+}
+
+BodyRigid* loadBody(const Package& p) {
+    reportUnknownKeys(p,
+                      {"mass", "center", "linear_damping", "angular_damping", "enabled", "shapes"});
+    dvec3 center;
+    if (!readVec3(p, "center", center)) return nullptr;
+    auto body = std::make_unique<BodyRigid>(p.getFloat("mass"), vec3(center));
+    for (const Package* description : p.getPackages("shapes"))
+        if (Shape* shape = loadShape(*description)) body->addShape(shape);
+    body->setLinearDamping(p.getFloat("linear_damping"));
+    body->setAngularDamping(p.getFloat("angular_damping"));
+    if (p.getItem("enabled")) body->setEnabled(p.getBool("enabled"));
+    return body.release();
+}
+
+// ------------------------------------------------------------------ node types
+
+Material* loadMaterial(const Package& p) {
+    const jString& path = p.getString("material");
+    return path.empty() ? nullptr : MaterialManager::get(path);
+}
+
+Node* createNode(const Package& p) {
+    reportUnknownKeys(p, {}, true);
+    // A body needs an object to belong to.
+    return p.getItem("body") ? new Object(NODE_DUMMY) : new Node();
+}
+
+Node* createMesh(const Package& p) {
+    reportUnknownKeys(p, {"mesh", "intersect", "surfaces"}, true);
+    const jString& reference = p.getString("mesh");
+    const auto mesh = Mesh::get(reference);
+    if (!mesh) {
+        report(p, p.getLine(), "no mesh from", reference);
+        return nullptr;
+    }
+    auto* object = new ObjectMesh(mesh);
+    const bool intersect = !p.getItem("intersect") || p.getBool("intersect");
+    for (int i = 0; i < object->getNumSurfaces(); i++)
+        object->setIntersection(i, intersect);
+    const jVector<const Package*> surfaces = p.getPackages("surfaces");
+    if (surfaces.size() > object->getNumSurfaces())
+        report(p, surfaces.back()->getLine(), "more surfaces than the mesh has in", reference);
+    for (int i = 0; i < std::min(surfaces.size(), object->getNumSurfaces()); i++) {
+        reportUnknownKeys(*surfaces[i], {"material", "intersect"});
+        object->setSurfaceMaterial(i, loadMaterial(*surfaces[i]));
+        if (surfaces[i]->getItem("intersect"))
+            object->setIntersection(i, surfaces[i]->getBool("intersect"));
+    }
+    return object;
+}
+
+Node* createPrefab(const Package& p) {
+    reportUnknownKeys(p, {"path"}, true);
+    return new ObjectPrefab(p.getString("path")); // an empty one stands in for a missing file
+}
+
+Node* createParticles(const Package& p) {
+    reportUnknownKeys(
+        p, {"life", "life_spread", "velocity", "velocity_spread", "rate", "material", "deflectors"},
+        true);
+    auto* particles = new ObjectParticles();
+    if (p.getItem("life")) particles->setLife(p.getFloat("life"));
+    particles->setLifeSpread(p.getFloat("life_spread"));
+    particles->setLinearVelocity(p.getFloat("velocity"));
+    particles->setLinearVelocitySpread(p.getFloat("velocity_spread"));
+    particles->setSpawnRate(p.getFloat("rate"));
+    particles->setNumDeflectors(std::clamp(p.getInt("deflectors"), 0, 16));
+    particles->setSurfaceMaterial(0, loadMaterial(p));
+    particles->setIntersection(0, false);
+    return particles;
+}
+
+Node* createDecal(const Package& p) {
+    reportUnknownKeys(p, {"width", "height", "material"}, true);
+    auto* decal = new DecalOrtho();
+    decal->setWidth(p.getFloat("width"));
+    decal->setHeight(p.getFloat("height"));
+    decal->setSurfaceMaterial(0, loadMaterial(p));
+    return decal;
+}
+
+Node* createLight(const Package& p) {
+    reportUnknownKeys(p, {"material"}, true);
+    auto* light = new ObjectLight();
+    light->setSurfaceMaterial(0, loadMaterial(p));
+    return light;
+}
+
+Node* createField(const Package& p) {
+    reportUnknownKeys(p, {"parameters"}, true);
+    auto* field = new NodeField();
+    dvec3 parameters;
+    readVec3(p, "parameters", parameters);
+    field->setParameter(0, static_cast<float>(parameters.x));
+    field->setParameter(1, static_cast<float>(parameters.y));
+    field->setParameter(2, static_cast<float>(parameters.z));
+    return field;
+}
+
+Node* createCamera(const Package& p) {
+    reportUnknownKeys(p, {}, true);
+    return new Camera();
+}
+
+std::map<jString, Creator>& creators() {
+    static std::map<jString, Creator> map = {
+        {"", createNode},         {"node", createNode},   {"mesh", createMesh},
+        {"prefab", createPrefab}, {"decal", createDecal}, {"particles", createParticles},
+        {"light", createLight},   {"field", createField}, {"camera", createCamera},
+    };
+    return map;
+}
+
+// ------------------------------------------------------------------ what all nodes have
+
+bool placeNode(const Package& p, Node& node) {
+    dvec3 position, rotation, wgs, hpr;
+    if (!readVec3(p, "position", position) || !readVec3(p, "rotation", rotation) ||
+        !readVec3(p, "wgs", wgs) || !readVec3(p, "hpr", hpr))
+        return false;
+    if (p.getItem("wgs")) {
+        node.setWgsPosition(wgs);
+        node.setWgsHPR(hpr);
+    } else {
+        node.setTransform(dmat4(dquat(rotation.x, rotation.y, rotation.z), position));
+    }
+    return true;
+}
+
+/// A body of the prefab's root belongs to the root; only objects have bodies.
+void giveBody(const Package& p, Node& node) {
+    const Package* description = p.getPackage("body");
+    if (!description) return;
+    if (!node.isObject())
+        report(p, description->getLine(),
+               "this type of node can't have a body:", p.getString("type"));
+    else if (BodyRigid* body = loadBody(*description))
+        static_cast<Object&>(node).setBody(body);
+}
+
+} // namespace
+
+bool NodeFactory::add(const char* type, Creator create) {
+    creators()[type] = create;
+    return true;
+}
+
+NodeFactory::Creator NodeFactory::find(const jString& type) {
+    const auto entry = creators().find(type);
+    return entry == creators().end() ? nullptr : entry->second;
+}
+
+Node* World::LoadNode(const Package* package) {
+    if (!package) return nullptr;
+    const Package& p = *package;
+    const Creator create = NodeFactory::find(p.getString("type"));
+    if (!create) {
+        report(p, p.getLine(), "unknown type of node", p.getString("type"));
+        return nullptr;
+    }
+    std::unique_ptr<Node> node(create(p));
+    if (!node) return nullptr;
+    node->setName(p.getString("name"));
+    if (p.getItem("enabled")) node->setEnabled(p.getBool("enabled"));
+    if (!placeNode(p, *node)) return nullptr;
+    for (const Package* description : p.getPackages("children"))
+        if (Node* child = LoadNode(description)) node->addChild(child);
+    giveBody(p, *node);
+    return node.release();
+}
+
+} // namespace ig

@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+#include "ig/scene/Material.h"
+
+#include "ig/base/jLog.h"
+#include "ig/package/Package.h"
+#include "ig/package/PackageManager.h"
+
+#include <map>
+#include <memory>
+
+namespace ig {
+
+bool Material::load(const jString& path) {
+    m_path = path;
+    const Package* file = PackageManager::get(path, "Material::load");
+    if (!file) return false;
+    const Package* parameters = file->getPackage("parameters");
+    if (!parameters) {
+        jLog::error("Material::load: %s:1: there is no map \"parameters\"", path.c_str());
+        return false;
+    }
+    for (int i = 0; i < parameters->getItemCount(); i++) {
+        const Item& item = parameters->getItemAt(i);
+        float values[4];
+        const int count = item.getFloats(values, 4);
+        if (count == 1 && item.getKind() == Item::Kind::value) {
+            addSlider(item.getName(), values[0]);
+        } else if (count >= 2) {
+            if (count < 4) values[3] = 1; // an alpha that is not given
+            addValue(item.getName(), {values[0], values[1], values[2], values[3]});
+        } else {
+            jLog::error("Material::load: %s:%d: \"%s\" is neither a number nor 2 to 4 numbers",
+                        path.c_str(), item.getLine(), item.getName().c_str());
+            return false;
+        }
+    }
+    return true;
+}
+
+Material::Parameter& Material::add(const jString& tag) {
+    const int id = findParameterIDByTag(tag);
+    return id >= 0 ? m_parameters[id] : m_parameters.append({tag, {}});
+}
+
+int Material::addSlider(const jString& tag, float value) {
+    return addValue(tag, {value, 0, 0, 0});
+}
+
+int Material::addValue(const jString& tag, const vec4& value) {
+    Parameter& parameter = add(tag);
+    parameter.value = value;
+    return static_cast<int>(&parameter - m_parameters.data());
+}
+
+int Material::findParameterIDByTag(const jString& tag) const {
+    for (int i = 0; i < m_parameters.size(); i++)
+        if (m_parameters[i].tag == tag) return i;
+    return -1;
+}
+
+void Material::setParameterSlider(int id, float value) {
+    if (has(id)) m_parameters[id].value.x = value;
+}
+
+float Material::getParameterSlider(int id) const {
+    return has(id) ? m_parameters[id].value.x : 0;
+}
+
+void Material::setParameterValue(int id, const vec4& value) {
+    if (has(id)) m_parameters[id].value = value;
+}
+
+vec4 Material::getParameterValue(int id) const {
+    return has(id) ? m_parameters[id].value : vec4();
+}
+
+namespace {
+std::map<jString, std::unique_ptr<Material>>& materials() {
+    static std::map<jString, std::unique_ptr<Material>> map;
+    return map;
+}
+} // namespace
+
+Material* MaterialManager::get(const jString& path) {
+    auto [entry, is_new] = materials().try_emplace(path);
+    if (is_new) {
+        auto material = std::make_unique<Material>();
+        if (material->load(path)) entry->second = std::move(material);
+    }
+    return entry->second.get();
+}
+
+void MaterialManager::release() {
+    materials().clear();
+}
+
+} // namespace ig

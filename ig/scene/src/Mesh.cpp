@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: MIT
+#include "ig/scene/Mesh.h"
+
+#include "ig/base/jLog.h"
+
+#include <assimp/Importer.hpp>
+#include <assimp/postprocess.h>
+#include <assimp/scene.h>
+#include <map>
+#include <string>
+
+namespace ig {
+
+namespace {
+
+/// Axes of a file turned into ours.
+struct Axes {
+    bool y_up;
+    vec3 operator()(const aiVector3D& v) const {
+        return y_up ? vec3(v.x, -v.z, v.y) : vec3(v.x, v.y, v.z);
+    }
+};
+
+bool isGltf(const std::string& path) {
+    return path.ends_with(".gltf") || path.ends_with(".glb");
+}
+
+void appendMesh(const aiScene& scene, const aiMesh& mesh, const aiMatrix4x4& transform, Axes axes,
+                std::vector<Mesh::Surface>& surfaces) {
+    Mesh::Surface surface;
+    surface.name = scene.mMaterials[mesh.mMaterialIndex]->GetName().C_Str();
+    aiMatrix3x3 turn(transform);
+    turn.Inverse().Transpose(); // normals need the inverse transpose
+    for (unsigned i = 0; i < mesh.mNumVertices; i++) {
+        surface.positions.push_back(axes(transform * mesh.mVertices[i]));
+        aiVector3D normal = turn * mesh.mNormals[i];
+        surface.normals.push_back(axes(normal.NormalizeSafe()));
+        if (mesh.HasTextureCoords(0))
+            surface.uvs.push_back({mesh.mTextureCoords[0][i].x, mesh.mTextureCoords[0][i].y});
+    }
+    for (unsigned f = 0; f < mesh.mNumFaces; f++) {
+        const aiFace& face = mesh.mFaces[f];
+        if (face.mNumIndices != 3) continue; // points and lines
+        surface.indices.insert(surface.indices.end(), face.mIndices, face.mIndices + 3);
+    }
+    if (!surface.indices.empty()) surfaces.push_back(std::move(surface));
+}
+
+void appendNode(const aiScene& scene, const aiNode& node, const aiMatrix4x4& transform, Axes axes,
+                std::vector<Mesh::Surface>& surfaces) {
+    for (unsigned i = 0; i < node.mNumMeshes; i++)
+        appendMesh(scene, *scene.mMeshes[node.mMeshes[i]], transform, axes, surfaces);
+    for (unsigned i = 0; i < node.mNumChildren; i++)
+        appendNode(scene, *node.mChildren[i], transform * node.mChildren[i]->mTransformation, axes,
+                   surfaces);
+}
+
+/// An imported file, kept while its parts are being asked for: prefabs name many parts of one file
+/// in a row, and reading it once per part would be felt at start-up.
+struct Import {
+    std::string path;
+    Assimp::Importer importer;
+    const aiScene* scene = nullptr;
+};
+
+const aiScene* import(const std::string& path) {
+    static Import last;
+    if (last.scene && last.path == path) return last.scene;
+    last.path = path;
+    last.scene = last.importer.ReadFile(path, aiProcess_Triangulate | aiProcess_GenNormals |
+                                                  aiProcess_JoinIdenticalVertices);
+    if (!last.scene || !last.scene->mRootNode) {
+        jLog::error("Mesh::get: \"%s\": %s", path.c_str(), last.importer.GetErrorString());
+        last.scene = nullptr;
+    }
+    return last.scene;
+}
+
+std::shared_ptr<const Mesh> read(const std::string& reference) {
+    const std::size_t hash = reference.find('#');
+    const std::string path = reference.substr(0, hash);
+    const aiScene* scene = import(path);
+    if (!scene) return nullptr;
+    const Axes axes{isGltf(path)};
+    std::vector<Mesh::Surface> surfaces;
+    if (hash == std::string::npos) {
+        appendNode(*scene, *scene->mRootNode, scene->mRootNode->mTransformation, axes, surfaces);
+    } else {
+        const std::string part = reference.substr(hash + 1);
+        const aiNode* node = scene->mRootNode->FindNode(part.c_str());
+        if (!node) {
+            jLog::error("Mesh::get: \"%s\" has no part \"%s\"", path.c_str(), part.c_str());
+            return nullptr;
+        }
+        appendNode(*scene, *node, aiMatrix4x4(), axes, surfaces);
+    }
+    if (surfaces.empty()) {
+        jLog::error("Mesh::get: \"%s\" has no triangles", reference.c_str());
+        return nullptr;
+    }
+    return std::make_shared<const Mesh>(std::move(surfaces));
+}
+
+} // namespace
+
+std::shared_ptr<const Mesh> Mesh::get(const jString& reference) {
+    static std::map<jString, std::weak_ptr<const Mesh>> cache;
+    auto& entry = cache[reference];
+    if (auto mesh = entry.lock()) return mesh;
+    auto mesh = read(std::string(reference.view()));
+    entry = mesh;
+    return mesh;
+}
+
+Mesh::Mesh(std::vector<Surface> surfaces)
+    : m_surfaces(std::move(surfaces)), m_trees(m_surfaces.size()) {
+    vec3 min(1e30f, 1e30f, 1e30f), max = -min;
+    for (const Surface& surface : m_surfaces)
+        for (const vec3& p : surface.positions) {
+            min = {std::min(min.x, p.x), std::min(min.y, p.y), std::min(min.z, p.z)};
+            max = {std::max(max.x, p.x), std::max(max.y, p.y), std::max(max.z, p.z)};
+        }
+    if (min.x > max.x) return;
+    m_bounds.center = dvec3(min + max) / 2.0;
+    m_bounds.radius = 0;
+    for (const Surface& surface : m_surfaces)
+        for (const vec3& p : surface.positions)
+            m_bounds.radius = std::max(m_bounds.radius, length(dvec3(p) - m_bounds.center));
+}
+
+double Mesh::intersect(int surface, const dvec3& a, const dvec3& b) const {
+    Bvh& tree = m_trees[static_cast<std::size_t>(surface)];
+    const Surface& s = m_surfaces[static_cast<std::size_t>(surface)];
+    if (tree.empty()) tree.build(s.positions, s.indices);
+    return tree.intersect(a, b);
+}
+
+} // namespace ig

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ig/app/Renderer.h"
+
+/// Draws nothing and needs nothing: for machines without a display, and for measuring everything
+/// but drawing. Counts the frames that it was given.
+class RendererNull : public ig::Renderer {
+public:
+    const char* getName() const override { return "null"; }
+    bool init(int width, int height) override;
+    void resize(int width, int height) override;
+    void render(const ig::World& world, const ig::Camera& camera) override;
+    void release() override;
+
+    int getNumFrames() const { return m_frames; }
+
+private:
+    int m_frames = 0;
+};

@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: MIT
+#include "render/null/RendererNull.h"
+
+bool RendererNull::init(int, int) {
+    m_frames = 0;
+    return true;
+}
+
+void RendererNull::resize(int, int) {}
+
+void RendererNull::render(const ig::World&, const ig::Camera&) {
+    m_frames++;
+}
+
+void RendererNull::release() {}
