@@ -5,6 +5,7 @@
 #include "plugins/terrain/ObjectTerrain.h"
 
 #include <array>
+#include <numbers>
 #include <optional>
 #include <random>
 
@@ -101,6 +102,50 @@ TEST_F(TerrainQuery, NoRayThroughGridPointsAndEdgesIsMissed) {
     }
     EXPECT_EQ(missed, 0);
     EXPECT_EQ(off, 0);
+}
+
+TEST_F(TerrainQuery, NoRayThatCrossesTheGroundOnAnEdgeIsMissed) {
+    load();
+    int missed = 0;
+    for (int n = 0; n < 20000; n++) {
+        // Through a place on the surface, on an edge or a corner of its triangles, from above
+        // everything to below everything.
+        const double u = 7 + random(10), v = 7 + random(6) + (n % 2) * random();
+        double altitude;
+        ASSERT_TRUE(terrain.getAltitudeByLonLat(longitude(u), latitude(v), &altitude, nullptr));
+        const dvec3 place = world(u, v, altitude);
+        const dmat4 frame = EARTH.getWGSTransform(place);
+        const double bearing = random(8) * std::numbers::pi / 4; // along the edges or near them
+        const dvec3 slant = frame.getX() * (150 * std::cos(bearing)) +
+                            frame.getY() * (150 * std::sin(bearing)) + frame.getZ() * 100.0;
+        missed += !query(place + slant, place - slant);
+    }
+    EXPECT_EQ(missed, 0);
+}
+
+TEST_F(TerrainQuery, LongRaysMeetALonelyMast) {
+    // 20 km of plain with one mast of one sample, 50 m high and two samples wide at its foot.
+    constexpr int SIZE = 700, MAST_U = 300, MAST_V = 411;
+    ASSERT_TRUE(terrain.load(
+        folder.write(RasterFile::degrees(SIZE, SIZE, WEST, NORTH, STEP, [](int i, int j) {
+            return i == MAST_U && j == MAST_V ? 50 : 0;
+        }))));
+    for (int n = 0; n < 400; n++) {
+        const double bearing = random() * 2 * std::numbers::pi, reach = 200 + random() * 20000;
+        const auto cross = [&](double aside) {
+            const dvec3 middle = world(MAST_U, MAST_V, 25);
+            const dmat4 frame = EARTH.getWGSTransform(middle);
+            const dvec3 ahead = frame.getX() * std::cos(bearing) + frame.getY() * std::sin(bearing);
+            const dvec3 right = frame.getX() * std::sin(bearing) - frame.getY() * std::cos(bearing);
+            const dvec3 at = middle + right * aside;
+            return query(at - ahead * reach, at + ahead * reach);
+        };
+        const auto hit = cross(0);
+        ASSERT_TRUE(hit);
+        EXPECT_LT(length(*hit - world(MAST_U, MAST_V, 25)), 32);
+        EXPECT_FALSE(cross(50));
+        EXPECT_FALSE(cross(-50));
+    }
 }
 
 /// The triangles of the raster as flat ones of the world, each tested by solving for its plane. A
