@@ -2,6 +2,7 @@
 #include "HeightField.h"
 
 #include "ig/math/EllipsoidModel.h"
+#include "ig/math/quat.h"
 
 #include <algorithm>
 
@@ -25,6 +26,9 @@ HeightField::HeightField(const TerrainGrid& shape, std::vector<float> heights)
     m_grid.heights = m_heights.data();
     m_middle_longitude = m_grid.west + (m_grid.columns - 1) * 0.5 * m_grid.spacing_longitude;
     m_middle_longitude = std::remainder(m_middle_longitude, 360);
+    const double south = m_grid.north - (m_grid.rows - 1) * m_grid.spacing_latitude;
+    const double farthest = std::max(std::abs(m_grid.north), std::abs(south));
+    m_steepest_tangent = std::tan(std::min(farthest + 0.5, 89.9) * DEG_TO_RAD<double>);
     m_tolerance_u = TOLERANCE / m_grid.spacing_longitude;
     m_tolerance_v = TOLERANCE / m_grid.spacing_latitude;
     Range all;

@@ -49,6 +49,9 @@ public:
     /// Sphere around the surface, in the world.
     ig::BoundSphere getBounds() const;
 
+    /// Tangent of the latitude in the grid that is farthest from the equator, with half a degree of
+    /// margin.
+    double getSteepestTangent() const { return m_steepest_tangent; }
     double getToleranceU() const { return m_tolerance_u; } ///< samples in a micrometre
     double getToleranceV() const { return m_tolerance_v; }
 
@@ -72,5 +75,6 @@ private:
     std::vector<float> m_heights;
     std::vector<Level> m_levels;
     double m_middle_longitude = 0;
+    double m_steepest_tangent = 0;
     double m_tolerance_u = 0, m_tolerance_v = 0;
 };

@@ -88,17 +88,13 @@ double between(double a, double b, double s) {
 } // namespace
 
 SegmentQuery::SegmentQuery(const HeightField& field, const dvec3& a, const dvec3& b)
-    : m_field(field), m_a(a), m_direction(b - a), m_length(length(m_direction)) {
-    const TerrainGrid& grid = field.getGrid();
-    const double south = grid.north - (grid.rows - 1) * grid.spacing_latitude;
-    const double farthest = std::max(std::abs(grid.north), std::abs(south));
-    m_steepest_tangent = std::tan(std::min(farthest + 0.5, 89.9) * DEG_TO_RAD<double>);
-}
+    : m_field(field), m_a(a), m_direction(b - a), m_length(length(m_direction)) {}
 
 double SegmentQuery::solve() {
     if (!isFinite(m_a) || !std::isfinite(m_length) || m_length == 0) return NONE;
-    const dvec3 up = EARTH.getUp(m_a);
-    if (isVertical(up)) return solveVertical(up);
+    const Place start = getPlace(0);
+    const double direction = getVerticalDirection(start.altitude);
+    if (direction != 0) return solveVertical(start, direction);
     const TerrainGrid& grid = m_field.getGrid();
     // The surface at constant altitude is not quite the ellipsoid with longer axes.
     const auto margin = [](double altitude) { return 1 + 1e-4 * std::abs(altitude); };
@@ -111,17 +107,25 @@ double SegmentQuery::solve() {
     return t >= 0 ? t : solveBetween(std::max(begin, inner->end), end);
 }
 
-bool SegmentQuery::isVertical(const dvec3& up) const {
-    const dvec3 sideways = m_direction - up * dot(m_direction, up);
-    return length2(sideways) <= VERTICAL_LEAN * VERTICAL_LEAN &&
-           m_length < SMALLEST_RADIUS / 2; // beyond the earth's middle lies another place
+/// 1 for straight up, −1 for straight down, 0 for any other direction, by the altitude of the
+/// segment's start.
+double SegmentQuery::getVerticalDirection(double altitude) const {
+    if (m_length > SMALLEST_RADIUS / 2) return 0; // beyond the earth's middle lies another place
+    // Where a vertical line meets the ellipsoid, the normal there is its direction. This is cheaper
+    // than the normal below the start and as exact.
+    const dvec3 along = m_direction / m_length;
+    const double direction = dot(along, m_a) > 0 ? 1 : -1;
+    const dvec3 foot = m_a - along * (direction * altitude);
+    constexpr double FLATNESS = 1 - EllipsoidModel::FLATTENING;
+    const dvec3 normal(foot.x, foot.y, foot.z / (FLATNESS * FLATNESS));
+    const double lean2 = length2(cross(m_direction, normal));
+    return lean2 <= VERTICAL_LEAN * VERTICAL_LEAN * length2(normal) ? direction : 0;
 }
 
-double SegmentQuery::solveVertical(const dvec3& up) const {
-    const Place place = getPlace(0);
-    const HeightField::Facet facet = m_field.getFacet(place.u, place.v);
+double SegmentQuery::solveVertical(const Place& start, double direction) const {
+    const HeightField::Facet facet = m_field.getFacet(start.u, start.v);
     if (!facet) return NONE;
-    const double t = (facet.altitude - place.altitude) / dot(m_direction, up);
+    const double t = (facet.altitude - start.altitude) * direction / m_length;
     const double slack = ROUNDING / m_length;
     return t >= -slack && t <= 1 + slack ? std::clamp(t, 0.0, 1.0) : NONE;
 }
@@ -152,10 +156,11 @@ bool SegmentQuery::passesClear(const Place& from, const Place& to, double piece_
     // above it; sideways it strays by that times the tangent of the latitude (the bend of parallels
     // and the convergence of meridians) and by as much again through the change of altitude.
     const double sag = piece_length * piece_length / (8 * SMALLEST_RADIUS);
-    const double stray = 2 * sag * (1 + m_steepest_tangent);
+    const double tangent = m_field.getSteepestTangent();
+    const double stray = 2 * sag * (1 + tangent);
     const TerrainGrid& grid = m_field.getGrid();
     const double stray_v = stray / (SMALLEST_RADIUS * grid.spacing_latitude * DEG_TO_RAD<double>);
-    const double stray_u = stray * std::sqrt(1 + m_steepest_tangent * m_steepest_tangent) /
+    const double stray_u = stray * std::sqrt(1 + tangent * tangent) /
                            (SMALLEST_RADIUS * grid.spacing_longitude * DEG_TO_RAD<double>);
     const HeightField::Range ground =
         m_field.getRange(std::min(from.u, to.u) - stray_u, std::max(from.u, to.u) + stray_u,

@@ -26,8 +26,8 @@ private:
     };
     Place getPlace(double t) const;
 
-    bool isVertical(const ig::dvec3& up) const;
-    double solveVertical(const ig::dvec3& up) const;
+    double getVerticalDirection(double altitude) const;
+    double solveVertical(const Place& start, double direction) const;
     double solveBetween(double t0, double t1);
     double solvePiece(const Place& from, const Place& to);
     bool passesClear(const Place& from, const Place& to, double piece_length) const;
@@ -36,7 +36,6 @@ private:
     const HeightField& m_field;
     ig::dvec3 m_a, m_direction;
     double m_length;
-    double m_steepest_tangent; ///< of the latitudes in the grid, with a margin
 
     // The height above the ground where the last walked piece ended: for the piece that begins
     // there.
