@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ig/package/Package.h"
 
-#include "LogCapture.h"
-#include "TempFolder.h"
+#include "testkit/LogCapture.h"
+#include "testkit/TempFolder.h"
 #include "ig/package/mjl.h"
 
 #include <cmath>
