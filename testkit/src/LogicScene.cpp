@@ -42,9 +42,7 @@ LogicScene::LogicScene() {
                      "\nsend_to_flightSimulation_port: " + std::to_string(peer.port()) + "\n");
 }
 
-LogicScene::~LogicScene() {
-    stop();
-}
+LogicScene::~LogicScene() { stop(); }
 
 void LogicScene::useProjectData() {
     std::filesystem::remove_all(folder.path() / "data");
@@ -52,9 +50,7 @@ void LogicScene::useProjectData() {
     m_world_file.clear();
 }
 
-void LogicScene::addToWorld(const std::string& rest) {
-    m_world_file += "- {" + rest + "}\n";
-}
+void LogicScene::addToWorld(const std::string& rest) { m_world_file += "- {" + rest + "}\n"; }
 
 std::string LogicScene::helicopterPrefab() {
     return R"(node:

@@ -30,9 +30,7 @@ UdpPeer::UdpPeer() : m_descriptor(socket(AF_INET, SOCK_DGRAM, 0)) {
     m_port = ntohs(address.sin_port);
 }
 
-UdpPeer::~UdpPeer() {
-    close(m_descriptor);
-}
+UdpPeer::~UdpPeer() { close(m_descriptor); }
 
 void UdpPeer::send(const void* data, std::size_t size, int port) const {
     const sockaddr_in address = loopback(port);
@@ -50,6 +48,4 @@ std::string UdpPeer::receive(int timeout_ms) const {
     return bytes;
 }
 
-int UdpPeer::freePort() {
-    return UdpPeer().port();
-}
+int UdpPeer::freePort() { return UdpPeer().port(); }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "flight_model.h"
 #include "heli/kit/HelicopterCorax.h"
 #include "ig/app/ControlApp.h"
 #include "ig/app/Engine.h"
@@ -74,7 +75,7 @@ TEST_F(HelicopterTest, AbsurdRotorSpeedDoesNotPoisonTheAngle) {
         heli.update(1 / 60.0f);
     }
     EXPECT_TRUE(std::isfinite(heli.m_rotor_angle));
-    EXPECT_EQ(node("wing")->getNumRefused(), 0);
+    EXPECT_EQ(node("wing")->getNumRefused(), 0u);
     // After ten hours the angle still has the digits to turn by a degree.
     for (int i = 0; i < 36000; i++)
         heli.update(1);
@@ -186,6 +187,23 @@ TEST_F(HelicopterTest, ControllableModelFliesLevelsItselfAndStaysWithinItsLimits
     EXPECT_GT(dot(heli.get_linear_velocity(), vec3(local.getY())), 0.1f); // forward
 }
 
+TEST(FlightModel, AttitudeIsLimitedPerAxisAndLevelledWhereTheInputIsNeutral) {
+    using namespace flight_model;
+    const dvec3 steered = limitAttitude({30, -30, 400}, 1, 1);
+    EXPECT_EQ(steered, dvec3(25, -17, 400));
+    EXPECT_EQ(limitAttitude({10, 10, 0}, 0, 1), dvec3(9.8, 10, 0)); // roll is neutral
+    EXPECT_EQ(limitAttitude({10, 10, 0}, 1, 0), dvec3(10, 9.8, 0)); // pitch is neutral
+}
+
+TEST(FlightModel, RotationTowardsTheLimitSlowsDownAndBackIsFree) {
+    using namespace flight_model;
+    EXPECT_EQ(limitRate(-1, 25, SLOW_ANGLE_X, MAX_ANGLE_X), 0);             // at the limit: stopped
+    EXPECT_FLOAT_EQ(limitRate(-1, 20, SLOW_ANGLE_X, MAX_ANGLE_X), -0.875f); // half way: 1 − 1/8
+    EXPECT_EQ(limitRate(1, 20, SLOW_ANGLE_X, MAX_ANGLE_X), 1);              // away from it
+    EXPECT_FLOAT_EQ(limitRate(1, -12, SLOW_ANGLE_Y, MAX_ANGLE_Y), 0.875f);
+    EXPECT_EQ(limitRate(-1, 6.9, SLOW_ANGLE_Y, MAX_ANGLE_Y), -1);
+}
+
 TEST_F(HelicopterTest, PosesOfTheKeyboardFlightReachThePrefab) {
     HelicopterCorax& heli = make(false);
     heli.set_heading(-50);
@@ -199,7 +217,7 @@ TEST_F(HelicopterTest, PosesOfTheKeyboardFlightReachThePrefab) {
     EXPECT_NEAR(heli.m_prefab->getWgsHPR().x, 10, 1e-4);
 }
 
-TEST_F(HelicopterTest, MissingOrMalformedPrefabIsLoggedAndEveryStepSkipsIt) {
+TEST_F(HelicopterTest, MissingPrefabIsLoggedAndEveryStepSkipsIt) {
     LogCapture log;
     HelicopterCorax& heli = make(false, "none.prefab");
     ASSERT_EQ(log.lines.size(), 2u); // why, and what follows from it

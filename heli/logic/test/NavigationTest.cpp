@@ -126,33 +126,51 @@ TEST(Picking, NearestVisibleSurfaceWins) {
     const auto at = [](double altitude) {
         return "wgs: [-155.06, 19.71, " + std::to_string(altitude) + "]";
     };
+    // The upper of the slab's two surfaces comes second in its file.
+    scene.folder.write("slab.mtl", "newmtl a\nnewmtl b\n");
+    scene.folder.write("slab.obj", "mtllib slab.mtl\no slab\nv -9 -9 0\nv 9 -9 0\nv 9 9 0\n"
+                                   "v -9 -9 3\nv 9 -9 3\nv 9 9 3\nusemtl a\nf 1 2 3\n"
+                                   "usemtl b\nf 4 5 6\n");
     scene.folder.write("roof.prefab", "node: {name: r, children: [{name: roof, type: mesh, mesh: "
                                       "square.obj, position: [0, 0, 20]}]}\n");
+    scene.addToWorld("name: group, children: [{name: attic, type: mesh, mesh: square.obj, "
+                     "children: [{name: chimney, type: mesh, mesh: square.obj, position: "
+                     "[0, 0, 1]}]}], " +
+                     at(30));
     scene.addToWorld("name: house, type: prefab, path: roof.prefab, " + at(0));
-    scene.addToWorld("name: twin, type: mesh, mesh: square.obj, " + at(20));
+    scene.addToWorld("name: slab, type: mesh, mesh: slab.obj, " + at(15));
+    scene.addToWorld("name: twin1, type: mesh, mesh: square.obj, " + at(12));
+    scene.addToWorld("name: twin2, type: mesh, mesh: square.obj, " + at(12));
     ASSERT_TRUE(scene.start());
     const dvec3 top = scene.logic->m_heli->get_world_position();
     const dvec3 bottom = top - EARTH.getUp(top) * 100.0;
-    const auto pick = [&](dvec3* hit) { return scene.logic->select_object(top, bottom, hit); };
-    auto* house = static_cast<ObjectPrefab*>(scene.world->getNodeByName("house"));
-    Node* twin = scene.world->getNodeByName("twin");
     dvec3 hit;
-    // Roof and twin lie at the same height: the earlier candidate is returned.
-    const Object* picked = pick(&hit);
-    ASSERT_NE(picked, nullptr);
+    const auto pick = [&] {
+        const Object* object = scene.logic->select_object(top, bottom, &hit);
+        return object ? std::string(object->getName()) : std::string();
+    };
+    const auto disable = [&](const char* name) {
+        scene.world->getNodeByName(name)->setEnabled(false);
+    };
+    // What hangs below a group, and below another object, is met as well.
+    EXPECT_EQ(pick(), "chimney");
+    disable("chimney");
+    EXPECT_EQ(pick(), "attic");
+    disable("group"); // an invisible object is ignored though enabled itself
+    EXPECT_EQ(pick(), "roof");
     EXPECT_NEAR(EARTH.toWGS(hit).z, 20, 1e-6);
+    auto* house = static_cast<ObjectPrefab*>(scene.world->getNodeByName("house"));
     house->getNodeByName("roof")->setEnabled(false); // a disabled object of an enabled prefab
-    EXPECT_EQ(pick(nullptr), twin);
-    house->getNodeByName("roof")->setEnabled(true);
-    twin->setEnabled(false);
-    house->setEnabled(false);
-    picked = pick(&hit);
-    ASSERT_NE(picked, nullptr);
-    EXPECT_EQ(picked->getName(), "deck");
-    EXPECT_NEAR(EARTH.toWGS(hit).z, LogicScene::DECK, 1e-6);
-    scene.world->getNodeByName("deck")->setEnabled(false);
+    EXPECT_EQ(pick(), "slab");
+    EXPECT_NEAR(EARTH.toWGS(hit).z, 18, 1e-6);
+    disable("slab");
+    EXPECT_EQ(pick(), "twin1"); // of equal distances the earlier candidate
+    disable("twin1");
+    disable("twin2");
+    EXPECT_EQ(pick(), "deck");
+    disable("deck");
     hit = dvec3(1, 2, 3);
-    EXPECT_EQ(pick(&hit), nullptr);
+    EXPECT_EQ(pick(), "");
     EXPECT_EQ(hit, dvec3(1, 2, 3));
 }
 

@@ -20,9 +20,7 @@ void expectNear(const dmat4& a, const dmat4& b, double tolerance) {
         EXPECT_LT(length(a.columns[i].xyz() - b.columns[i].xyz()), tolerance) << "column " << i;
 }
 
-dmat4 pose(double angle, dvec3 position) {
-    return {dquat({1, 2, 3}, angle), position};
-}
+dmat4 pose(double angle, dvec3 position) { return {dquat({1, 2, 3}, angle), position}; }
 
 TEST(Node, WorldPoseIsTheProductOfTheChainAfterEveryChange) {
     Node root;
@@ -91,7 +89,14 @@ TEST(Node, PosesThatAreNotFiniteAreRefusedAndCounted) {
     node.setTransform({dmat3({nan, 0, 0}, {0, 1, 0}, {0, 0, 1}), {}});
     node.setWorldTransform({dmat3(), {0, 0, nan}});
     EXPECT_EQ(node.getTransform(), before);
-    EXPECT_EQ(node.getNumRefused(), 8);
+    EXPECT_EQ(node.getNumRefused(), 8u);
+    // Finite itself, but not what follows from it.
+    node.setTransform(dmat4(dmat3({0, 0, 0}, {0, 1, 0}, {0, 0, 1}), PLACE));
+    auto* child = new Node();
+    node.addChild(child);
+    child->setWorldPosition(PLACE);
+    EXPECT_EQ(child->getNumRefused(), 1u);
+    EXPECT_TRUE(isFinite(child->getTransform()));
     EXPECT_LE(log.lines.size(), 1u); // once per second at most
 }
 
@@ -144,8 +149,9 @@ TEST(World, CandidatesAreThoseWhoseBoundsTheSegmentTouchesAlsoAfterAChildMoved) 
                                      PLACE + offset + dvec3(100, 0, 0), found);
     };
     EXPECT_TRUE(query({0, 0, 1.9}));
-    EXPECT_EQ(found.size(), 1);
+    EXPECT_EQ(found.size(), 2); // parents before children
     EXPECT_EQ(found[0], carrier);
+    EXPECT_EQ(found[1], ball);
     EXPECT_FALSE(query({0, 0, 2.1}));
     ball->setPosition({0, 0, 10});
     EXPECT_TRUE(query({0, 0, 11.5}));

@@ -112,6 +112,8 @@ TEST_F(SceneFiles, GltfIsTurnedFromYUp) {
 
 TEST_F(SceneFiles, EverySlipIsReportedWithItsLineAndTheRestIsLoaded) {
     folder.write("bad.obj", "v 1 2 3\n");
+    folder.write("lines.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nl 1 2\nf 1 2 3\n");
+    folder.write("huge.obj", "v 3e38 0 0\nv -3e38 0 0\nv 0 1 0\nf 1 2 3\n");
     folder.write("bad.mat", "parameters:\n  a: 1\n  b: red\n");
     ASSERT_TRUE(load("nodes:\n"
                      "- {name: good, position: [1, 2, 3]}\n"
@@ -123,17 +125,28 @@ TEST_F(SceneFiles, EverySlipIsReportedWithItsLineAndTheRestIsLoaded) {
                      "- {name: points, type: mesh, mesh: bad.obj}\n"
                      "- {name: ghost, body: {mass: 1, shapes: [{type: box, size: [0, 1, 1]}]}}\n"
                      "- {name: fog, type: particles, material: bad.mat}\n"
-                     "- {name: child, children: [{name: kid, type: ufo}]}\n"));
+                     "- {name: child, children: [{name: kid, type: ufo}]}\n"
+                     "- 7\n"
+                     "- {name: lines, type: mesh, mesh: lines.obj}\n"
+                     "- {name: huge, type: mesh, mesh: huge.obj}\n"
+                     "- {name: twice, type: mesh, mesh: nowhere.obj}\n"
+                     "- {name: moor, children: [{name: buoy, wgs: [1, 2, 3]}]}\n"));
     EXPECT_NE(world.getNodeByName("good"), nullptr);
-    for (const char* name : {"short", "text", "alien", "lost", "points", "kid"})
+    for (const char* name : {"short", "text", "alien", "lost", "points", "kid", "huge", "buoy"})
         EXPECT_EQ(world.getNodeByName(name), nullptr) << name;
-    for (const char* name : {"typo", "ghost", "fog", "child"})
+    for (const char* name : {"typo", "ghost", "fog", "child", "lines", "moor"})
         EXPECT_NE(world.getNodeByName(name), nullptr) << name;
     for (const char* part :
          {"a.world:3: unknown key \"tpye\"", "a.world:4:", "a.world:5:",
           "a.world:6: unknown type of node \"spaceship\"", "a.world:7: no mesh", "nowhere.obj",
-          "a.world:9: unknown shape", "bad.mat:3:", "a.world:11: unknown type of node \"ufo\""})
+          "a.world:9: unknown shape", "bad.mat:3:", "a.world:11: unknown type of node \"ufo\"",
+          "a.world:12: a map is needed", "1e7 m", "a.world:16: \"wgs\""})
         EXPECT_TRUE(logged(part)) << part;
+    EXPECT_EQ(std::count_if(log.lines.begin(), log.lines.end(),
+                            [](const std::string& line) {
+                                return line.find("Mesh::get: \"nowhere.obj\"") == 0;
+                            }),
+              1);
 }
 
 TEST_F(SceneFiles, MissingAndMalformedWorldsAreOneMessage) {
@@ -145,7 +158,8 @@ TEST_F(SceneFiles, MissingAndMalformedWorldsAreOneMessage) {
     EXPECT_NE(log.lines[0].find("a.world:"), std::string::npos);
     log.lines.clear();
     EXPECT_FALSE(load("knots: []\n"));
-    EXPECT_EQ(log.lines.size(), 1u);
+    EXPECT_FALSE(load("nodes: 5\n"));
+    EXPECT_EQ(log.lines.size(), 2u);
     EXPECT_TRUE(world.getNodes().empty());
 }
 
@@ -153,8 +167,10 @@ TEST_F(SceneFiles, PrefabsNestAndOneThatHoldsItselfEnds) {
     folder.write("inner.prefab", "node: {name: inner_root, children: [{name: leaf}]}\n");
     folder.write("outer.prefab", "node: {name: outer_root, children: [{name: slot, type: prefab, "
                                  "path: inner.prefab}]}\n");
-    folder.write("loop.prefab",
-                 "node: {name: loop, children: [{type: prefab, path: loop.prefab}]}\n");
+    std::string loop_text = "node: {name: loop, children: [";
+    for (int i = 0; i < 10; i++)
+        loop_text += "{type: prefab, path: loop.prefab},";
+    folder.write("loop.prefab", loop_text + "]}\n"); // ten to the depth, if it were followed
     const ObjectPrefab outer("outer.prefab");
     ASSERT_TRUE(outer.isLoaded());
     Node* leaf = outer.getNodeByName("leaf");
@@ -246,7 +262,7 @@ TEST_F(SceneFiles, TracksDriveSlidersAndSwitches) {
     folder.write("bad.anim", "channels:\n- {node: lamp, keys: [[0, 1], [0, 2]]}\n");
     EXPECT_FALSE(track.load("bad.anim", &world));
     EXPECT_TRUE(logged("bad.anim:2:"));
-    folder.write("empty.anim", "knots: 1\n");
+    folder.write("empty.anim", "channels: 5\n");
     EXPECT_FALSE(track.load("empty.anim", &world));
     EXPECT_FALSE(track.load("none.anim", &world));
 }
