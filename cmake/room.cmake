@@ -62,6 +62,7 @@ macro(room_tests)
         add_executable(${ROOM_NAME}_test ${tests})
         set_target_properties(${ROOM_NAME}_test PROPERTIES
             RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+        target_include_directories(${ROOM_NAME}_test PRIVATE ${dir}/src) # private headers too
         if(ROOM_KIND STREQUAL "OBJECT")
             if(NOT ROOM_TEST_LIBRARY)
                 set(ROOM_TEST_LIBRARY ig)
@@ -73,7 +74,6 @@ macro(room_tests)
             # A program's test drives the program from outside; its path is compiled in.
             target_compile_definitions(${ROOM_NAME}_test PRIVATE
                 PROGRAM_PATH="$<TARGET_FILE:${ROOM_NAME}>")
-            target_include_directories(${ROOM_NAME}_test PRIVATE ${dir}/src)
             target_link_libraries(${ROOM_NAME}_test PRIVATE ${ROOM_LINKS})
             add_dependencies(${ROOM_NAME}_test ${ROOM_NAME})
         else()

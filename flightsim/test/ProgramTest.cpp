@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "testkit/Program.h"
 #include "common/wire/UdpRecvData.h"
 #include "flightsim/Clock.h"
 #include "flightsim/Recording.h"
@@ -18,55 +19,14 @@ namespace {
 
 const std::string recorded_flight = "data/recordings/helicopter_flight.hrec";
 
-/// The program, started with a shell's command line; both outputs come back together.
-class Program {
-public:
-    explicit Program(const std::string& arguments) {
-        int pipe_ends[2];
-        EXPECT_EQ(pipe(pipe_ends), 0);
-        m_id = fork();
-        if (m_id == 0) {
-            dup2(pipe_ends[1], STDOUT_FILENO);
-            dup2(pipe_ends[1], STDERR_FILENO);
-            close(pipe_ends[0]);
-            const std::string line = "exec '" PROGRAM_PATH "' " + arguments;
-            execl("/bin/sh", "sh", "-c", line.c_str(), nullptr);
-            _exit(127);
-        }
-        close(pipe_ends[1]);
-        m_output = fdopen(pipe_ends[0], "r");
-    }
-    ~Program() {
-        if (m_id > 0) finish();
-        std::fclose(m_output);
-    }
-    std::string line() {
-        char text[4096];
-        return std::fgets(text, sizeof text, m_output) ? text : "";
-    }
-    void interrupt() const { kill(m_id, SIGINT); }
-    /// Waits for the end; the exit status, or −1 when it crashed. `rest`: what else it printed.
-    int finish(std::string* rest = nullptr) {
-        for (std::string text; !(text = line()).empty();)
-            if (rest) *rest += text;
-        int status = -1;
-        waitpid(m_id, &status, 0);
-        m_id = -1;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-
-private:
-    pid_t m_id = -1;
-    std::FILE* m_output = nullptr;
-};
-
 std::string temporary(const std::string& name) {
     return testing::TempDir() + "flight_sim_" + std::to_string(getpid()) + "_" + name;
 }
 
 void expectRun(const std::string& arguments, int status, const std::string& text) {
     std::string output;
-    EXPECT_EQ(Program(arguments).finish(&output), status) << arguments << "\n" << output;
+    EXPECT_EQ(Program(PROGRAM_PATH, arguments).finish(&output), status) << arguments << "\n"
+                                                                        << output;
     EXPECT_NE(output.find(text), std::string::npos) << arguments << "\n" << output;
 }
 
@@ -86,7 +46,7 @@ TEST(Program, AnswersWrongUseAndBadFilesWithOneMessage) {
 
 TEST(Program, DescribesTheRecordedFlight) {
     std::string output;
-    EXPECT_EQ(Program("info " + recorded_flight).finish(&output), 0);
+    EXPECT_EQ(Program(PROGRAM_PATH, "info " + recorded_flight).finish(&output), 0);
     // Figures of an independent decoder.
     for (const char* text : {"2976 over 62.00 s", "47.99 Hz",
                              "mean 20.84, sd 7.48, p50 20.00, "
@@ -112,7 +72,8 @@ TEST(Program, UsesWhatIsWholeOfACutOffRecording) {
     std::filesystem::copy_file(recorded_flight, cut);
     std::filesystem::resize_file(cut, 2000);
     std::string output;
-    EXPECT_EQ(Program("replay " + cut + " --no-feedback --to 127.0.0.1:9 --quiet").finish(&output),
+    EXPECT_EQ(Program(PROGRAM_PATH, "replay " + cut + " --no-feedback --to 127.0.0.1:9 --quiet")
+                  .finish(&output),
               0);
     EXPECT_NE(output.find("warning: \"" + cut + "\": record "), std::string::npos) << output;
     EXPECT_NE(output.find("the file ends at byte 2000"), std::string::npos) << output;
@@ -123,7 +84,7 @@ TEST(Program, UsesWhatIsWholeOfACutOffRecording) {
 
 TEST(Program, AnInterruptEndsARecordingInOrder) {
     const std::string path = temporary("interrupted.hrec");
-    Program program("record " + path + " --port 0 --quiet");
+    Program program(PROGRAM_PATH, "record " + path + " --port 0 --quiet");
     int port = 0;
     ASSERT_EQ(std::sscanf(program.line().c_str(), "recording port %d", &port), 1);
     std::string message;
@@ -132,7 +93,7 @@ TEST(Program, AnInterruptEndsARecordingInOrder) {
     ASSERT_TRUE(to && sender.open(message)) << message;
     for (const std::size_t size : {sizeof(UdpRecvData), sizeof(UdpRecvData), std::size_t{0}})
         ASSERT_TRUE(sender.send(*to, std::vector<std::uint8_t>(size, 1)));
-    program.interrupt();
+    program.signal(SIGINT);
     std::string output;
     EXPECT_EQ(program.finish(&output), 0);
     EXPECT_NE(output.find("3 datagrams"), std::string::npos) << output;

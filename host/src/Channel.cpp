@@ -45,9 +45,7 @@ Channel::Channel(const Options& options) : m_options(options), m_camera_control(
     m_status.setQuiet(options.quiet);
 }
 
-void Channel::requestStop() {
-    g_stop = 1;
-}
+void Channel::requestStop() { g_stop = 1; }
 
 // ------------------------------------------------------------------ start
 
@@ -65,13 +63,13 @@ bool Channel::open() {
     if (!loadLibraries() || !loadWorld()) return false;
     placeCamera();
     m_listener.connect(*m_logic);
-    m_is_initialised = m_logic->init();
-    if (!m_is_initialised) {
+    if (!m_logic->init()) {
         jLog::error("visual_channel: \"%s\" has no node \"start_heli\" for the helicopter to start "
                     "at",
                     m_logic->getWorldPath().c_str());
         return false;
     }
+    if (m_listener.m_helicopter) m_last_position = m_listener.m_helicopter->getWorldPosition();
     for (SocketUDP* socket : SocketUDP::getOpenSockets())
         if (!m_options.allow_sender.empty() && !socket->setAllowedSender(m_options.allow_sender))
             return false;
@@ -146,16 +144,16 @@ void Channel::frame(float dt) {
 void Channel::levelAfterJump() {
     if (!m_listener.m_helicopter) return;
     const dvec3 position = m_listener.m_helicopter->getWorldPosition();
-    if (m_has_position && length(position - m_last_position) > JUMP) levelCamera();
+    if (length(position - m_last_position) > JUMP) levelCamera();
     m_last_position = position;
-    m_has_position = true;
 }
 
 // ------------------------------------------------------------------ end
 
 void Channel::close() {
     if (m_logic) {
-        if (m_is_initialised) m_logic->release();
+        m_logic->release();
+        if (m_renderer) m_renderer->release();
         m_listener.m_helicopter = nullptr;
         m_world.clear();
         delete m_logic;
@@ -165,7 +163,6 @@ void Channel::close() {
     MaterialManager::release();
     PackageManager::release();
     Engine::get()->reset();
-    if (m_renderer) m_renderer->release();
     m_renderer.reset();
     m_library.unload();
     m_plugins.clear();

@@ -58,7 +58,5 @@ private:
     LogicListener m_listener;
     Status m_status;
     Trace m_trace;
-    bool m_is_initialised = false; ///< the logic's `init` has succeeded
-    bool m_has_position = false;
     ig::dvec3 m_last_position; ///< of the helicopter
 };

@@ -3,7 +3,8 @@
 
 #include <string>
 
-/// A shared library loaded at run time; unloaded when the object goes.
+/// A shared library loaded at run time, given back to the loader when the object goes; the loader
+/// may keep it until the process ends.
 class Library {
 public:
     Library() = default;

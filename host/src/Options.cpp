@@ -12,7 +12,8 @@ bool parseOptions(int argc, char** argv, Options& options, int& exit_status) {
         ->default_str("the one shipped with this program");
     app.add_option("--plugin", options.plugins, "Further engine plug-in library; may be repeated");
     app.add_option("--directory", options.directory,
-                   "Folder that holds config/ and data/; default: the present one");
+                   "Folder that holds config/ and data/, to which all other paths are "
+                   "relative; default: the present one");
     app.add_option("--fps", options.frame_rate,
                    "Frames per second in real time; 0: as fast as possible")
         ->check(CLI::Range(0.0, 10000.0));
@@ -30,8 +31,6 @@ bool parseOptions(int argc, char** argv, Options& options, int& exit_status) {
     app.add_option("--allow-sender", options.allow_sender,
                    "Take records from this IPv4 address only");
     app.add_option("--trace", options.trace, "Write a CSV line per frame to this file");
-    bool headless = true;
-    app.add_flag("--headless", headless, "Run without a window, which is the only way so far");
     app.add_flag("--quiet", options.quiet, "No status line every second");
     app.footer("Stop with Ctrl-C. Exit status: 0 after an orderly end, 1 when the logic, the world "
                "or its start marker is missing, 2 for a wrong command line.");

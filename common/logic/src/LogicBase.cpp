@@ -9,6 +9,9 @@ using namespace ig;
 LogicBase::LogicBase(World* world, CameraControl* camera)
     : m_camera_control(camera), m_world(world) {}
 
+LogicBase::LogicBase(const LogicBase&) = default;
+LogicBase& LogicBase::operator=(const LogicBase&) = default;
+
 void LogicBase::adjust_geo_rotation_forward() {
     if (!m_camera_control || !m_camera_control->getCamera()) return;
     const dmat4& m = m_camera_control->getCamera()->getTransform();

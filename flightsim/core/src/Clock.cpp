@@ -19,12 +19,8 @@ std::int64_t read(clockid_t clock) {
 
 } // namespace
 
-std::int64_t steadyNow() {
-    return read(CLOCK_MONOTONIC);
-}
-std::int64_t wallNow() {
-    return read(CLOCK_REALTIME);
-}
+std::int64_t steadyNow() { return read(CLOCK_MONOTONIC); }
+std::int64_t wallNow() { return read(CLOCK_REALTIME); }
 
 void sleepUntil(std::int64_t due_ns) {
     constexpr std::int64_t spin_ns = 200'000;

@@ -30,9 +30,7 @@ T decode(const std::uint8_t* bytes) {
     return value;
 }
 
-std::string systemError() {
-    return std::strerror(errno);
-}
+std::string systemError() { return std::strerror(errno); }
 
 } // namespace
 
@@ -150,9 +148,7 @@ ReadStatus RecordingReader::truncated(const char* where) {
                 "the file ends at byte " + std::to_string(m_offset) + " within " + where);
 }
 
-RecordingWriter::~RecordingWriter() {
-    close();
-}
+RecordingWriter::~RecordingWriter() { close(); }
 
 bool RecordingWriter::open(const std::string& path, RecordingFormat format,
                            std::int64_t start_wall_ns) {

@@ -81,9 +81,7 @@ void Contents::decode(const Record& record) {
     ends.push_back(decoded);
 }
 
-long long printable(std::int64_t value) {
-    return value;
-}
+long long printable(std::int64_t value) { return value; }
 
 std::string utc(std::int64_t wall_ns) {
     const std::time_t seconds = wall_ns / ns_per_second;

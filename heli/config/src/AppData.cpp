@@ -5,6 +5,7 @@
 #include "ig/package/mjl.h"
 #include "ig/scene/CameraControl.h"
 
+#include <cmath>
 #include <new>
 
 using namespace ig;
@@ -42,13 +43,9 @@ bool AppData::load() {
     return false;
 }
 
-bool AppData::save() {
-    return mjl::save(CONFIG_PATH, &m_package, false);
-}
+bool AppData::save() { return mjl::save(CONFIG_PATH, &m_package, false); }
 
-void AppData::clear() {
-    m_package.release();
-}
+void AppData::clear() { m_package.release(); }
 
 const jString& AppData::flightSimulation_ip() {
     static const jString LOOPBACK = "127.0.0.1";
@@ -72,21 +69,11 @@ float AppData::send_to_flightsimulation_frequency() {
     return orDefault(m_package.getFloat("send_to_flightsimulation_frequency"), 0.01f);
 }
 
-int AppData::data_port() {
-    return orDefault(m_package.getInt("data_port"), 6000);
-}
-double AppData::fps_limit() {
-    return orDefault(m_package.getDouble("fps_limit"), 6000.0);
-}
-bool AppData::show_fps() {
-    return m_package.getBool("show_fps");
-}
-bool AppData::real_time_fps() {
-    return m_package.getBool("real_time_fps");
-}
-bool AppData::vsync() {
-    return m_package.getBool("vsync");
-}
+int AppData::data_port() { return orDefault(m_package.getInt("data_port"), 6000); }
+double AppData::fps_limit() { return orDefault(m_package.getDouble("fps_limit"), 6000.0); }
+bool AppData::show_fps() { return m_package.getBool("show_fps"); }
+bool AppData::real_time_fps() { return m_package.getBool("real_time_fps"); }
+bool AppData::vsync() { return m_package.getBool("vsync"); }
 
 bool AppData::apply_slave_shear(const jString& channel, CameraControl* camera) {
     const Package* slaves = m_package.getPackage("slaves");
@@ -94,6 +81,8 @@ bool AppData::apply_slave_shear(const jString& channel, CameraControl* camera) {
     if (!slave) return false;
     float shear[2] = {0, 0};
     slave->getFloats("shear", shear, 2);
+    for (float& value : shear)
+        if (!std::isfinite(value)) value = 0;
     camera->setShear(shear[0], shear[1]);
     camera->updateProjection();
     return true;

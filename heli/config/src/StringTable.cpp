@@ -11,29 +11,29 @@ namespace {
 const char* const TABLE_PATH = "config/string.txt";
 Package g_table;
 bool g_loaded = false;
+
+/// Keeps the key that was not found until the next miss.
+const jString& miss(const char* key) {
+    static jString missing;
+    missing = key;
+    return missing;
+}
 } // namespace
 
-bool load_string_table() {
-    return mjl::open(TABLE_PATH, &g_table, false);
-}
+bool load_string_table() { return mjl::open(TABLE_PATH, &g_table, false); }
 
 const jString& tr(const char* key) {
-    static jString missing;
     if (!g_loaded) g_loaded = load_string_table();
     if (!g_loaded) {
         jLog::error("%s:string file not found:%s", "tr", TABLE_PATH);
-        missing = key;
-        return missing;
+        return miss(key);
     }
     const Item* item = g_table.getItem(key, false);
     if (!item) {
         jLog::error("%s:key[%s] not found in string file", "tr", key);
-        missing = key;
-        return missing;
+        return miss(key);
     }
     return item->getString();
 }
 
-const jString& tr(const jString& key) {
-    return tr(key.c_str());
-}
+const jString& tr(const jString& key) { return tr(key.c_str()); }

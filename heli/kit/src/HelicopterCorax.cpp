@@ -26,7 +26,6 @@ HelicopterCorax::HelicopterCorax(World* world, const jString& path, bool control
     m_prefab = memNew<ObjectPrefab>(SITE, path);
     if (!m_prefab || !m_prefab->isLoaded()) {
         jLog::error("%s: \"%s\" can not be loaded", SITE.function, path.c_str());
-        if (m_prefab) m_world->addNode(m_prefab); // so that release finds it where it looks
         return;
     }
     m_world->addNode(m_prefab);
@@ -155,7 +154,7 @@ void HelicopterCorax::update_rotors(float dt) {
 
 void HelicopterCorax::update_tail_light(float dt) {
     if (std::isfinite(dt)) m_blink_phase += dt;
-    if (m_blink_phase >= 1) m_blink_phase -= std::floor(m_blink_phase);
+    if (m_blink_phase >= 1) m_blink_phase -= std::floor(m_blink_phase); // a stall may be longer
     Material* material = m_tail_light ? m_tail_light->getSurfaceMaterial(0) : nullptr;
     if (!material) return;
     static const jString TAG = "density";
@@ -167,10 +166,14 @@ void HelicopterCorax::update_tail_light(float dt) {
 
 void HelicopterCorax::update_flight_model() {
     using namespace flight_model;
-    m_collective = std::clamp(m_collective, 0.0f, 1.0f);
-    m_yaw = std::clamp(m_yaw, -1.0f, 1.0f);
-    m_roll = std::clamp(m_roll, -7.0f, 7.0f);
-    m_pitch = std::clamp(m_pitch, -1.0f, 1.0f);
+    // What is no number, as a host may send it, counts as neutral: clamping would let it through.
+    const auto limit = [](float& input, float min, float max) {
+        input = std::isnan(input) ? 0 : std::clamp(input, min, max);
+    };
+    limit(m_collective, 0, 1);
+    limit(m_yaw, -1, 1);
+    limit(m_roll, -7, 7);
+    limit(m_pitch, -1, 1);
     // A disabled body takes no forces and keeps its pose: the host flies.
     if (!m_body || !m_body->isEnabled()) return;
 
@@ -239,9 +242,7 @@ void HelicopterCorax::set_attitude(const dvec3& yaw_pitch_roll) {
     apply_attitude();
 }
 
-dvec3 HelicopterCorax::get_world_position() const {
-    return get_world_transform().getTranslate();
-}
+dvec3 HelicopterCorax::get_world_position() const { return get_world_transform().getTranslate(); }
 
 dquat HelicopterCorax::get_world_rotation() const {
     return m_prefab ? m_prefab->getWorldRotation() : dquat_identity;
@@ -264,7 +265,12 @@ vec3 HelicopterCorax::get_linear_velocity() const {
 }
 
 void HelicopterCorax::remove_prefab() {
-    if (m_prefab) m_world->removeNode(m_prefab);
+    if (m_prefab && m_prefab->getWorld()) {
+        m_world->removeNode(m_prefab);
+    } else if (m_prefab) { // one that could not be loaded never entered the world
+        m_prefab->release();
+        delete m_prefab;
+    }
     m_prefab = nullptr;
     m_wing = m_tail = m_wing_mesh = m_wing_plane = m_tail_mesh = m_tail_plane = nullptr;
     m_front_proj = m_wiper_right = m_wiper_left = nullptr;

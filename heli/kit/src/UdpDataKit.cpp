@@ -26,6 +26,7 @@ void closeAndFree(SocketUDP*& socket, const char* function) {
 } // namespace
 
 bool UdpRecvKit::init(int port) {
+    release();
     m_socket = memNew<SocketUDP>({SOURCE, "UdpRecvKit::init"});
     if (m_socket) {
         m_socket->create();
@@ -53,11 +54,10 @@ int UdpRecvKit::receive() {
     return m_records.size();
 }
 
-void UdpRecvKit::release() {
-    closeAndFree(m_socket, "UdpRecvKit::release");
-}
+void UdpRecvKit::release() { closeAndFree(m_socket, "UdpRecvKit::release"); }
 
 bool UdpSendKit::init(const jString& ip, int port) {
+    release();
     m_socket = memNew<SocketUDP>({SOURCE, "UdpSendKit::init"});
     if (m_socket) {
         m_socket->create();
@@ -73,6 +73,4 @@ bool UdpSendKit::init(const jString& ip, int port) {
     return false;
 }
 
-void UdpSendKit::release() {
-    closeAndFree(m_socket, "UdpSendKit::release");
-}
+void UdpSendKit::release() { closeAndFree(m_socket, "UdpSendKit::release"); }

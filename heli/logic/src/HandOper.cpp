@@ -4,6 +4,8 @@
 #include "ig/math/quat.h"
 #include "ig/scene/ObjectPrefab.h"
 
+#include <cmath>
+
 using namespace ig;
 
 bool HandOper::init(ObjectPrefab* commander) {
@@ -19,7 +21,7 @@ bool HandOper::init(ObjectPrefab* commander) {
 }
 
 void HandOper::update(float dt) {
-    if (!m_root) return;
+    if (!m_root || !std::isfinite(dt)) return;
     m_angle += dt * m_swing_speed * static_cast<float>(m_swing_dir);
     if (m_angle >= m_angle_limit) {
         m_angle = m_angle_limit;

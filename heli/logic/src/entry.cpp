@@ -20,9 +20,11 @@ Logic_Nerith_Heli_Final::Logic_Nerith_Heli_Final(World* world, CameraControl* ca
     MsgNode::attach();
 }
 
-Logic_Nerith_Heli_Final::~Logic_Nerith_Heli_Final() {
-    MsgNode::detach();
-}
+Logic_Nerith_Heli_Final::Logic_Nerith_Heli_Final(const Logic_Nerith_Heli_Final&) = default;
+Logic_Nerith_Heli_Final&
+Logic_Nerith_Heli_Final::operator=(const Logic_Nerith_Heli_Final&) = default;
+
+Logic_Nerith_Heli_Final::~Logic_Nerith_Heli_Final() { MsgNode::detach(); }
 
 void Logic_Nerith_Heli_Final::onKeyRelease(const GUIEventKey& event, IApp*) {
     if (event.key != PROJECTOR_KEY || !m_heli || !m_heli->m_front_proj) return;

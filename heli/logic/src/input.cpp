@@ -6,6 +6,10 @@
 
 using namespace ig;
 
+namespace {
+constexpr float MAX_THIRD_DIST = 1e7f; ///< metres: farther than the camera sees
+} // namespace
+
 void Logic_Nerith_Heli_Final::update_input() {
     IApp* app = Engine::get()->getApp();
     ControlApp* keys = app ? app->getControl() : nullptr;
@@ -27,10 +31,12 @@ void Logic_Nerith_Heli_Final::update_input() {
         place_first_view();
     } else if (m_player_mode == PLAYER_MODE_THIRD && m_heli) {
         if (keys && keys->isLeftButtonDown()) rot_around(-dx, -dy);
-        if (keys && keys->isWheelButtonDown())
-            m_third_dist = static_cast<float>(static_cast<double>(m_third_dist) * 1.1);
-        if (keys && keys->isWheelButtonUp())
-            m_third_dist = static_cast<float>(static_cast<double>(m_third_dist) * 0.9);
+        const auto zoom = [this](double factor) {
+            const auto distance = static_cast<float>(static_cast<double>(m_third_dist) * factor);
+            if (distance < MAX_THIRD_DIST) m_third_dist = distance;
+        };
+        if (keys && keys->isWheelButtonDown()) zoom(1.1);
+        if (keys && keys->isWheelButtonUp()) zoom(0.9);
         update_third_view();
     } else if (m_player_mode == PLAYER_MODE_FREE) {
         cam_mov(dt);

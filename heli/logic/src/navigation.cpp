@@ -15,9 +15,7 @@ namespace {
 constexpr float MIN_THIRD_DIST = 1.0f; ///< metres
 constexpr float FAST = 4.0f;           ///< times the speed with Shift
 
-const EllipsoidModel& earth() {
-    return *Engine::get()->getEllipsoidModel();
-}
+const EllipsoidModel& earth() { return *Engine::get()->getEllipsoidModel(); }
 
 const ControlApp* input() {
     IApp* app = Engine::get()->getApp();
@@ -45,6 +43,7 @@ bool Logic_Nerith_Heli_Final::on_third_view_wheel(float step) {
 
 bool Logic_Nerith_Heli_Final::rot_around(float yaw, float pitch) {
     if ((yaw == 0 && pitch == 0) || !m_camera_control) return false;
+    if (!m_camera_control->getCamera()) return false;
     const auto distance = static_cast<double>(m_third_dist);
     dvec3 position, scale;
     dquat rotation;
@@ -63,6 +62,7 @@ bool Logic_Nerith_Heli_Final::rot_around(float yaw, float pitch) {
 
 void Logic_Nerith_Heli_Final::cam_mov(float dt) {
     const ControlApp* keys = input();
+    if (!m_camera_control->getCamera()) return;
     if (!keys || !keys->isLeftButtonDown() || keys->isKeyPress(KEY_CTRL)) return;
     const bool forward = keys->isKeyPress('w'), back = keys->isKeyPress('s');
     const bool left = keys->isKeyPress('a'), right = keys->isKeyPress('d');
@@ -72,7 +72,7 @@ void Logic_Nerith_Heli_Final::cam_mov(float dt) {
     dvec3 position, scale;
     dquat rotation;
     decomposeTransform(transform, position, rotation, scale);
-    float speed = static_cast<float>(m_cam_speed);
+    float speed = static_cast<float>(getCamSpeed());
     if (keys->isKeyPress(KEY_SHIFT)) speed *= FAST;
     const double step = static_cast<double>(speed) * static_cast<double>(dt);
     if (forward) position += -transform.getZ() * step;
@@ -86,6 +86,7 @@ void Logic_Nerith_Heli_Final::cam_mov(float dt) {
 
 void Logic_Nerith_Heli_Final::cam_free_rot(float dx, float dy) {
     const ControlApp* keys = input();
+    if (!m_camera_control->getCamera()) return;
     if (!keys || keys->isKeyPress(KEY_CTRL)) return;
     if (!keys->isLeftButtonDown() && !keys->isRightButtonDown()) return;
     if (dx == 0 && dy == 0) return;
@@ -109,6 +110,4 @@ dvec3 Logic_Nerith_Heli_Final::get_cam_pos_geo() const {
     return earth().toWGS(m_camera_control->m_position, true);
 }
 
-float Logic_Nerith_Heli_Final::get_heli_thr() const {
-    return m_heli ? m_heli->m_collective : 0;
-}
+float Logic_Nerith_Heli_Final::get_heli_thr() const { return m_heli ? m_heli->m_collective : 0; }

@@ -16,9 +16,7 @@ struct Hit {
     Object* object;
 };
 
-bool isShown(const Node* node) {
-    return node->isEnabled() && node->isVisible();
-}
+bool isShown(const Node* node) { return node->isEnabled() && node->isVisible(); }
 
 /// The objects that can be seen among the candidates, in their order.
 jVector<Object*> visibleObjects(const jVector<Node*>& nodes) {
@@ -64,7 +62,7 @@ Object* Logic_Nerith_Heli_Final::select_object(const dvec3& p0, const dvec3& p1,
     double bound = 1e30;
     for (const Hit& hit : hits) {
         const double distance2 = length2(hit.point - p0);
-        if (distance2 >= bound) continue; // of equal distances the earliest wins
+        if (!(distance2 < bound)) continue; // of equal distances the earliest wins
         bound = distance2;
         nearest = &hit;
     }
@@ -76,5 +74,6 @@ Object* Logic_Nerith_Heli_Final::select_object(const dvec3& p0, const dvec3& p1,
 dvec3 Logic_Nerith_Heli_Final::get_ray_to(double x, double y) const {
     const IApp* app = Engine::get()->getApp();
     const Camera* camera = m_camera_control->getCamera();
+    if (!app || !camera) return m_camera_control->m_position;
     return camera->getRayTo(x / app->getWidth(), y / app->getHeight(), camera->getZFar());
 }

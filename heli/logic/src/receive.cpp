@@ -10,6 +10,7 @@ constexpr float VISIBILITY_SCALE = 300000.0f; ///< metres that count as 1
 } // namespace
 
 void Logic_Nerith_Heli_Final::recv_udp(TimerManager::Timer*) {
+    if (!m_udp_recv) return; // released
     m_udp_recv->receive();
     // Every record re-applies everything it carries; the reset comes first, so that the rest of its
     // record is applied on top of the reset scene.
@@ -33,3 +34,18 @@ void Logic_Nerith_Heli_Final::apply_leida(UdpRecvData& record) {
     m_radar_sector_width = record.radar_sector_width;
     m_radar_sector_offset = record.radar_sector_offset;
 }
+
+// Nothing of these blocks is shown.
+void Logic_Nerith_Heli_Final::apply_leader(UdpRecvData&) {}
+void Logic_Nerith_Heli_Final::apply_task(UdpRecvData&) {}
+void Logic_Nerith_Heli_Final::apply_other_craft(UdpRecvData&) {}
+void Logic_Nerith_Heli_Final::apply_targets(UdpRecvData&) {}
+void Logic_Nerith_Heli_Final::apply_lights(UdpRecvData&) {}
+void Logic_Nerith_Heli_Final::apply_monit(UdpRecvData&) {}
+void Logic_Nerith_Heli_Final::apply_pnvs(UdpRecvData&) {}
+void Logic_Nerith_Heli_Final::apply_ssds(UdpRecvData&) {}
+void Logic_Nerith_Heli_Final::apply_ships(UdpRecvData&) {}
+void Logic_Nerith_Heli_Final::apply_observe_mode(UdpRecvData&) {}
+void Logic_Nerith_Heli_Final::apply_ship_state(UdpRecvData&) {}
+void Logic_Nerith_Heli_Final::apply_ground_state(UdpRecvData&) {}
+void Logic_Nerith_Heli_Final::apply_fog(UdpRecvData&) {}

@@ -3,8 +3,6 @@
 
 namespace ig {
 
-bool Action::step(float) {
-    return !isPause();
-}
+bool Action::step(float) { return !isPause(); }
 
 } // namespace ig

@@ -26,9 +26,7 @@ bool ActionInterval::step(float dt) {
 }
 
 // Written so that a duration that is no number ends the action instead of keeping it for ever.
-bool ActionInterval::isDone() const {
-    return !(m_elapsed < getDuration());
-}
+bool ActionInterval::isDone() const { return !(m_elapsed < getDuration()); }
 
 bool ActionInterval::forceDone() {
     m_elapsed = getDuration();

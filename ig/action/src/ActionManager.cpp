@@ -7,9 +7,7 @@
 
 namespace ig {
 
-ActionManager::~ActionManager() {
-    removeAllActions();
-}
+ActionManager::~ActionManager() { removeAllActions(); }
 
 void ActionManager::addAction(Action* action, bool paused) {
     if (!action || action == m_current || m_actions.find(action) >= 0) return;

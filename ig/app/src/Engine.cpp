@@ -14,8 +14,6 @@ void Engine::beginFrame(float dt) {
     m_running_time += static_cast<double>(dt);
 }
 
-void Engine::reset() {
-    *this = Engine();
-}
+void Engine::reset() { *this = Engine(); }
 
 } // namespace ig

@@ -35,9 +35,7 @@ void jAllocator::localFree(void* memory) {
     std::free(memory);
 }
 
-std::size_t jAllocator::getUsed() const {
-    return g_used;
-}
+std::size_t jAllocator::getUsed() const { return g_used; }
 
 void memAddInfo(const void* pointer, bool array, const char* file, int line, const char* function,
                 std::size_t size) {
@@ -48,9 +46,7 @@ void memRemoveInfo(const void* pointer, bool, const char*, int, const char*) {
     registry().erase(pointer);
 }
 
-std::size_t memCount() {
-    return registry().size();
-}
+std::size_t memCount() { return registry().size(); }
 
 void memForEach(const std::function<void(const MemInfo&)>& visit) {
     for (const auto& [pointer, info] : registry())

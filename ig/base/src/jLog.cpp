@@ -63,9 +63,7 @@ void jLog::error(const char* format, ...) {
     va_end(arguments);
 }
 
-void jLog::setSink(Sink sink) {
-    currentSink() = std::move(sink);
-}
+void jLog::setSink(Sink sink) { currentSink() = std::move(sink); }
 
 bool LogLimiter::allow(int* held_back) {
     const double now =

@@ -14,14 +14,8 @@ jString shortest(T value) {
 }
 } // namespace
 
-jString ToString(float value) {
-    return shortest(value);
-}
-jString ToString(double value) {
-    return shortest(value);
-}
-jString ToString(int value) {
-    return shortest(value);
-}
+jString ToString(float value) { return shortest(value); }
+jString ToString(double value) { return shortest(value); }
+jString ToString(int value) { return shortest(value); }
 
 } // namespace ig

@@ -77,8 +77,6 @@ double EllipsoidModel::getAltitude(const dvec3& world) const {
     return solveMeridian(world).altitude(world.z);
 }
 
-dvec3 EllipsoidModel::getUp(const dvec3& world) const {
-    return getWGSTransform(world).getZ();
-}
+dvec3 EllipsoidModel::getUp(const dvec3& world) const { return getWGSTransform(world).getZ(); }
 
 } // namespace ig

@@ -4,9 +4,7 @@
 namespace ig {
 
 namespace {
-double degrees(double radians) {
-    return radians * RAD_TO_DEG<double>;
-}
+double degrees(double radians) { return radians * RAD_TO_DEG<double>; }
 
 // Below this cosine two of the three angles turn about the same axis.
 constexpr double GIMBAL_COSINE = 1e-9;
@@ -55,9 +53,7 @@ void decomposeTransform(const dmat4& transform, dvec3& position, dquat& rotation
         rotation = dquat_identity;
 }
 
-dmat3 composeHPR(const dvec3& hpr) {
-    return dquat::fromEulerZXY({hpr.y, hpr.z, -hpr.x}).getMat3();
-}
+dmat3 composeHPR(const dvec3& hpr) { return dquat::fromEulerZXY({hpr.y, hpr.z, -hpr.x}).getMat3(); }
 
 dvec3 decomposeHPR(const dmat3& attitude) {
     const dvec3 angles = decomposeRotationZXY(attitude);
@@ -67,18 +63,14 @@ dvec3 decomposeHPR(const dmat3& attitude) {
     return {heading + 0.0, angles.x, angles.y};
 }
 
-quat rotateHPR(const vec3& hpr) {
-    return quat::fromEulerZXY({hpr.y, hpr.z, -hpr.x});
-}
+quat rotateHPR(const vec3& hpr) { return quat::fromEulerZXY({hpr.y, hpr.z, -hpr.x}); }
 
 namespace {
 // C: X to Z, Y to X, Z to Y; a third of a turn about (−1, −1, −1) / √3.
 constexpr dquat Z_UP_TO_CAMERA{-0.5, -0.5, -0.5, 0.5};
 } // namespace
 
-dquat convertFromZUpCoordinateSystem(const dquat& rotation) {
-    return rotation * Z_UP_TO_CAMERA;
-}
+dquat convertFromZUpCoordinateSystem(const dquat& rotation) { return rotation * Z_UP_TO_CAMERA; }
 dquat convertToZUpCoordinateSystem(const dquat& rotation) {
     return rotation * inverse(Z_UP_TO_CAMERA);
 }

@@ -16,9 +16,7 @@ void expectNear(const dmat3& a, const dmat3& b, double tolerance = 1e-12) {
     for (int i = 0; i < 3; i++)
         expectNear(a.columns[i], b.columns[i], tolerance);
 }
-dmat3 about(const dvec3& axis, double angle) {
-    return dquat(axis, angle).getMat3();
-}
+dmat3 about(const dvec3& axis, double angle) { return dquat(axis, angle).getMat3(); }
 const dvec3 X{1, 0, 0}, Y{0, 1, 0}, Z{0, 0, 1};
 
 TEST(Rotation, AxisAngleIsRightHandedInDegrees) {

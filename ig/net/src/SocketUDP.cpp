@@ -9,7 +9,6 @@
 #include <fcntl.h>
 #include <limits>
 #include <memory>
-#include <netdb.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -38,21 +37,12 @@ sockaddr_in makeAddress(std::uint32_t address, int port) {
     return result;
 }
 
-// Address of a dotted text or a host's name, in network byte order; 0 when there is none.
-std::uint32_t resolve(const jString& ip) {
+// Address of a dotted text, in network byte order; 0 when it is none. No names: asking for one can
+// take seconds, and no operation of a socket may wait on the network.
+std::uint32_t parseAddress(const jString& ip) {
     in_addr address{};
-    if (inet_pton(AF_INET, ip.c_str(), &address) == 1) return address.s_addr;
-    // What looks like a number but is no address isn't worth a question to a name server.
-    if (ip.view().find_first_not_of("0123456789.") == std::string_view::npos) return 0;
-    addrinfo hints{};
-    hints.ai_family = AF_INET;
-    hints.ai_socktype = SOCK_DGRAM;
-    addrinfo* found = nullptr;
-    if (getaddrinfo(ip.c_str(), nullptr, &hints, &found) != 0) return 0;
-    const std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> owner(found, freeaddrinfo);
-    sockaddr_in first{};
-    std::memcpy(&first, found->ai_addr, sizeof first);
-    return first.sin_addr.s_addr;
+    if (ip == "localhost") return htonl(INADDR_LOOPBACK);
+    return inet_pton(AF_INET, ip.c_str(), &address) == 1 ? address.s_addr : 0;
 }
 
 double steadySeconds() {
@@ -60,9 +50,7 @@ double steadySeconds() {
         .count();
 }
 
-bool isPort(int port) {
-    return port >= 1 && port <= 65535;
-}
+bool isPort(int port) { return port >= 1 && port <= 65535; }
 
 // size × count, or more than any datagram when the product doesn't fit.
 std::size_t product(std::size_t size, std::size_t count) {
@@ -72,9 +60,7 @@ std::size_t product(std::size_t size, std::size_t count) {
 
 } // namespace
 
-SocketUDP::~SocketUDP() {
-    close();
-}
+SocketUDP::~SocketUDP() { close(); }
 
 bool SocketUDP::create() {
     close();
@@ -90,9 +76,7 @@ bool SocketUDP::bind(int port) {
     return false;
 }
 
-bool SocketUDP::bind() {
-    return bindTo(0);
-}
+bool SocketUDP::bind() { return bindTo(0); }
 
 bool SocketUDP::bindTo(int port) {
     const sockaddr_in local = makeAddress(htonl(INADDR_ANY), port);
@@ -136,7 +120,7 @@ bool SocketUDP::fail(const char* operation) const {
 }
 
 bool SocketUDP::setSendIP(const jString& ip) {
-    const std::uint32_t address = resolve(ip);
+    const std::uint32_t address = parseAddress(ip);
     if (!address) {
         jLog::error("SocketUDP::setSendIP: \"%s\" is not an address", ip.c_str());
         return false;
@@ -259,7 +243,7 @@ int SocketUDP::getPort() const {
 }
 
 bool SocketUDP::setAllowedSender(const jString& ip) {
-    const std::uint32_t address = ip.empty() ? 0 : resolve(ip);
+    const std::uint32_t address = ip.empty() ? 0 : parseAddress(ip);
     if (!ip.empty() && !address) {
         jLog::error("SocketUDP::setAllowedSender: \"%s\" is not an address", ip.c_str());
         return false;
@@ -268,8 +252,6 @@ bool SocketUDP::setAllowedSender(const jString& ip) {
     return true;
 }
 
-const jVector<SocketUDP*>& SocketUDP::getOpenSockets() {
-    return openSockets();
-}
+const jVector<SocketUDP*>& SocketUDP::getOpenSockets() { return openSockets(); }
 
 } // namespace ig

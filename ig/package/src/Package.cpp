@@ -33,13 +33,9 @@ Package& Package::operator=(Package other) noexcept {
     return *this;
 }
 
-void Package::release() {
-    *this = Package();
-}
+void Package::release() { *this = Package(); }
 
-const jString& Package::getPath() const {
-    return m_path ? *m_path : emptyText();
-}
+const jString& Package::getPath() const { return m_path ? *m_path : emptyText(); }
 
 const Item* Package::getItem(const jString& key, bool warn) const {
     for (const Item& item : m_items)
@@ -116,18 +112,10 @@ void Package::setString(const jString& key, const jString& value) {
     itemToSet(key).becomeValue(std::move(text));
 }
 
-void Package::setInt(const jString& key, int value) {
-    setString(key, ToString(value));
-}
-void Package::setFloat(const jString& key, float value) {
-    setString(key, numberText(value));
-}
-void Package::setDouble(const jString& key, double value) {
-    setString(key, numberText(value));
-}
-void Package::setBool(const jString& key, bool value) {
-    setString(key, value ? "true" : "false");
-}
+void Package::setInt(const jString& key, int value) { setString(key, ToString(value)); }
+void Package::setFloat(const jString& key, float value) { setString(key, numberText(value)); }
+void Package::setDouble(const jString& key, double value) { setString(key, numberText(value)); }
+void Package::setBool(const jString& key, bool value) { setString(key, value ? "true" : "false"); }
 
 void Package::setFloats(const jString& key, const float* values, int n) {
     Item& item = itemToSet(key);
@@ -150,9 +138,7 @@ void Package::setStrings(const jString& key, const jVector<jString>& values) {
         item.appendElement().becomeValue(value);
 }
 
-Package* Package::addPackage(const jString& key) {
-    return &itemToSet(key).becomePackage();
-}
+Package* Package::addPackage(const jString& key) { return &itemToSet(key).becomePackage(); }
 
 Package* Package::appendPackage(const jString& key) {
     Item& item = itemToSet(key);

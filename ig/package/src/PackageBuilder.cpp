@@ -31,9 +31,7 @@ PackageBuilder::PackageBuilder(const jString& path)
     m_top.becomePackage();
 }
 
-Package PackageBuilder::take() {
-    return std::move(*m_top.m_package);
-}
+Package PackageBuilder::take() { return std::move(*m_top.m_package); }
 
 void PackageBuilder::OnDocumentStart(const YAML::Mark& mark) {
     if (++m_documents > 1) fail(mark, "a second document in one file");

@@ -26,12 +26,11 @@ const Package* PackageManager::get(const jString& path, const char* user) {
     auto package = std::make_unique<Package>();
     const ReadResult result = readPackage(path, *package);
     if (result == ReadResult::ok) entry->second = std::move(package);
-    if (result == ReadResult::missing) jLog::error("%s: cannot open \"%s\"", user, path.c_str());
+    if (result == ReadResult::missing && user)
+        jLog::error("%s: cannot open \"%s\"", user, path.c_str());
     return entry->second.get();
 }
 
-void PackageManager::release() {
-    cache().clear();
-}
+void PackageManager::release() { cache().clear(); }
 
 } // namespace ig

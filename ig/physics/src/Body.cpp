@@ -83,25 +83,24 @@ void BodyRigid::setFreezable(bool freezable) {
         m_simulation->body->forceActivationState(freezable ? ACTIVE_TAG : DISABLE_DEACTIVATION);
 }
 
-void BodyRigid::addForce(const vec3& force) {
-    addForce({}, force);
+void BodyRigid::setDamping(float& damping, float value) {
+    if (std::isfinite(value) && value >= 0) damping = value;
 }
+
+void BodyRigid::addForce(const vec3& force) { addForce({}, force); }
 
 void BodyRigid::addForce(const vec3& relative_point, const vec3& force) {
     if (!m_simulation->inserted || !isFinite(force) || !isFinite(relative_point)) return;
-    m_force += force;
-    m_torque += cross(relative_point, force);
-    wake();
+    addTorque(cross(relative_point, force));
+    if (isFinite(m_force + force)) m_force += force;
 }
 
 void BodyRigid::addTorque(const vec3& torque) {
     if (!m_simulation->inserted || !isFinite(torque)) return;
-    m_torque += torque;
+    if (isFinite(m_torque + torque)) m_torque += torque;
     wake();
 }
 
-void BodyRigid::wake() {
-    m_simulation->body->activate(true);
-}
+void BodyRigid::wake() { m_simulation->body->activate(true); }
 
 } // namespace ig

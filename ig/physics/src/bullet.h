@@ -12,15 +12,9 @@
 
 namespace ig {
 
-inline btVector3 toBullet(const dvec3& v) {
-    return {v.x, v.y, v.z};
-}
-inline btVector3 toBullet(const vec3& v) {
-    return toBullet(dvec3(v));
-}
-inline dvec3 fromBullet(const btVector3& v) {
-    return {v.x(), v.y(), v.z()};
-}
+inline btVector3 toBullet(const dvec3& v) { return {v.x, v.y, v.z}; }
+inline btVector3 toBullet(const vec3& v) { return toBullet(dvec3(v)); }
+inline dvec3 fromBullet(const btVector3& v) { return {v.x(), v.y(), v.z()}; }
 inline btTransform toBullet(const dmat4& m) {
     const dvec3 x = m.getX(), y = m.getY(), z = m.getZ();
     const btMatrix3x3 basis(x.x, y.x, z.x, x.y, y.y, z.y, x.z, y.z, z.z);

@@ -15,9 +15,7 @@ const EllipsoidModel EARTH;
 dmat4 place(double altitude) {
     return EARTH.getWGSTransform(EARTH.toWorld({-155.06, 19.71, altitude}));
 }
-double altitude(const Body& body) {
-    return EARTH.getAltitude(body.getTransform().getTranslate());
-}
+double altitude(const Body& body) { return EARTH.getAltitude(body.getTransform().getTranslate()); }
 
 /// A 2 m box of 1000 kg.
 struct Box : BodyRigid {
@@ -65,6 +63,9 @@ TEST(Physics, DampingAboveOneIsNotClamped) {
     for (int i = 0; i < 60; i++)
         physics.update(1 / 60.0f);
     EXPECT_NEAR(length(box.getAngularVelocity()), std::pow(1 + 3.5 / 60, -60), 1e-4);
+    box.setAngularDamping(-70); // would turn the motion round, or poison it
+    box.setAngularDamping(std::nanf(""));
+    EXPECT_EQ(box.getAngularDamping(), 3.5f);
 }
 
 TEST(Physics, ForceAtAPointTurnsAndPushesForOneFrame) {

@@ -12,12 +12,10 @@ namespace {
 
 constexpr int NUM_BINS = 16;
 constexpr std::uint32_t MAX_LEAF = 4;
-// A tree of 2^32 triangles split in the middle is 30 levels deep; uneven ones stay far below this.
-constexpr int STACK_SIZE = 128;
+constexpr int MAX_SPLIT_DEPTH = 64;
+constexpr int STACK_SIZE = 128; ///< 64 levels more than the deepest tree of halves needs
 
-float component(const vec3& v, int axis) {
-    return axis == 0 ? v.x : axis == 1 ? v.y : v.z;
-}
+float component(const vec3& v, int axis) { return axis == 0 ? v.x : axis == 1 ? v.y : v.z; }
 
 float halfArea(const vec3& min, const vec3& max) {
     const vec3 d = max - min;
@@ -80,11 +78,11 @@ void Bvh::build(const std::vector<vec3>& positions, const std::vector<std::uint3
     if (count == 0) return;
     m_nodes.reserve(count);
     m_nodes.push_back({});
-    split(0, 0, count, boxes);
+    split(0, 0, count, 0, boxes);
     m_nodes.shrink_to_fit();
 }
 
-void Bvh::split(std::uint32_t node, std::uint32_t begin, std::uint32_t end,
+void Bvh::split(std::uint32_t node, std::uint32_t begin, std::uint32_t end, int depth,
                 const std::vector<Box>& boxes) {
     Box box;
     for (std::uint32_t i = begin; i < end; i++)
@@ -100,13 +98,15 @@ void Bvh::split(std::uint32_t node, std::uint32_t begin, std::uint32_t end,
         m_nodes[node].count = end - begin;
         return;
     }
-    const std::uint32_t middle = partition(begin, end, boxes);
+    // Meshes made for it can be split off triangle by triangle: from some depth on halve instead.
+    const std::uint32_t middle =
+        depth < MAX_SPLIT_DEPTH ? partition(begin, end, boxes) : (begin + end) / 2;
     const auto left = static_cast<std::uint32_t>(m_nodes.size());
     m_nodes.resize(m_nodes.size() + 2);
     m_nodes[node].first = left;
     m_nodes[node].count = 0;
-    split(left, begin, middle, boxes);
-    split(left + 1, middle, end, boxes);
+    split(left, begin, middle, depth + 1, boxes);
+    split(left + 1, middle, end, depth + 1, boxes);
 }
 
 /// Sorts the triangles begin … end into two halves of the least expected cost and returns the

@@ -12,9 +12,11 @@
 #include "ig/scene/ObjectPrefab.h"
 #include "ig/scene/SceneObjects.h"
 #include "ig/scene/World.h"
+#include "readList.h"
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <map>
 #include <memory>
 #include <string_view>
@@ -73,7 +75,11 @@ Shape* loadShape(const Package& p) {
         return nullptr;
     const mat4 transform(dmat4(dquat(rotation.x, rotation.y, rotation.z), position));
     const jString& type = p.getString("type");
-    const float radius = p.getFloat("radius"), height = p.getFloat("height");
+    const auto length = [&p](const char* key) {
+        const float value = p.getFloat(key);
+        return std::isfinite(value) ? value : 0;
+    };
+    const float radius = length("radius"), height = length("height");
     if (type == "box" && size.x > 0 && size.y > 0 && size.z > 0)
         return Shape::createBox(vec3(size), transform);
     if (type == "sphere" && radius > 0) return Shape::createSphere(radius, transform);
@@ -91,7 +97,7 @@ BodyRigid* loadBody(const Package& p) {
     dvec3 center;
     if (!readVec3(p, "center", center)) return nullptr;
     auto body = std::make_unique<BodyRigid>(p.getFloat("mass"), vec3(center));
-    for (const Package* description : p.getPackages("shapes"))
+    for (const Package* description : readList(p, "shapes", "World::LoadNode"))
         if (Shape* shape = loadShape(*description)) body->addShape(shape);
     body->setLinearDamping(p.getFloat("linear_damping"));
     body->setAngularDamping(p.getFloat("angular_damping"));
@@ -116,7 +122,7 @@ Node* createMesh(const Package& p) {
     reportUnknownKeys(p, {"mesh", "intersect", "surfaces"}, true);
     const jString& reference = p.getString("mesh");
     const auto mesh = Mesh::get(reference);
-    if (!mesh) {
+    if (!mesh) { // reported with the model's path, once for all who ask for it
         report(p, p.getLine(), "no mesh from", reference);
         return nullptr;
     }
@@ -124,7 +130,7 @@ Node* createMesh(const Package& p) {
     const bool intersect = !p.getItem("intersect") || p.getBool("intersect");
     for (int i = 0; i < object->getNumSurfaces(); i++)
         object->setIntersection(i, intersect);
-    const jVector<const Package*> surfaces = p.getPackages("surfaces");
+    const jVector<const Package*> surfaces = readList(p, "surfaces", "World::LoadNode");
     if (surfaces.size() > object->getNumSurfaces())
         report(p, surfaces.back()->getLine(), "more surfaces than the mesh has in", reference);
     for (int i = 0; i < std::min(surfaces.size(), object->getNumSurfaces()); i++) {
@@ -214,6 +220,16 @@ bool placeNode(const Package& p, Node& node) {
     return true;
 }
 
+/// A geodetic place would be taken for one in the parent's frame.
+Node* loadChild(const Package& parent, const Package& description) {
+    if (const Item* wgs = description.getItem("wgs"))
+        report(parent, wgs->getLine(), "\"wgs\" is for nodes without parent, not for",
+               description.getString("name"));
+    else
+        return World::LoadNode(&description);
+    return nullptr;
+}
+
 /// A body of the prefab's root belongs to the root; only objects have bodies.
 void giveBody(const Package& p, Node& node) {
     const Package* description = p.getPackage("body");
@@ -250,8 +266,8 @@ Node* World::LoadNode(const Package* package) {
     node->setName(p.getString("name"));
     if (p.getItem("enabled")) node->setEnabled(p.getBool("enabled"));
     if (!placeNode(p, *node)) return nullptr;
-    for (const Package* description : p.getPackages("children"))
-        if (Node* child = LoadNode(description)) node->addChild(child);
+    for (const Package* description : readList(p, "children", "World::LoadNode"))
+        if (Node* child = loadChild(p, *description)) node->addChild(child);
     giveBody(p, *node);
     return node.release();
 }

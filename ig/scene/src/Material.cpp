@@ -42,9 +42,7 @@ Material::Parameter& Material::add(const jString& tag) {
     return id >= 0 ? m_parameters[id] : m_parameters.append({tag, {}});
 }
 
-int Material::addSlider(const jString& tag, float value) {
-    return addValue(tag, {value, 0, 0, 0});
-}
+int Material::addSlider(const jString& tag, float value) { return addValue(tag, {value, 0, 0, 0}); }
 
 int Material::addValue(const jString& tag, const vec4& value) {
     Parameter& parameter = add(tag);
@@ -62,17 +60,13 @@ void Material::setParameterSlider(int id, float value) {
     if (has(id)) m_parameters[id].value.x = value;
 }
 
-float Material::getParameterSlider(int id) const {
-    return has(id) ? m_parameters[id].value.x : 0;
-}
+float Material::getParameterSlider(int id) const { return has(id) ? m_parameters[id].value.x : 0; }
 
 void Material::setParameterValue(int id, const vec4& value) {
     if (has(id)) m_parameters[id].value = value;
 }
 
-vec4 Material::getParameterValue(int id) const {
-    return has(id) ? m_parameters[id].value : vec4();
-}
+vec4 Material::getParameterValue(int id) const { return has(id) ? m_parameters[id].value : vec4(); }
 
 namespace {
 std::map<jString, std::unique_ptr<Material>>& materials() {
@@ -90,8 +84,6 @@ Material* MaterialManager::get(const jString& path) {
     return entry->second.get();
 }
 
-void MaterialManager::release() {
-    materials().clear();
-}
+void MaterialManager::release() { materials().clear(); }
 
 } // namespace ig

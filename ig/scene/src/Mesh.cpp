@@ -6,7 +6,9 @@
 #include <assimp/Importer.hpp>
 #include <assimp/postprocess.h>
 #include <assimp/scene.h>
+#include <cmath>
 #include <map>
+#include <set>
 #include <string>
 
 namespace ig {
@@ -21,12 +23,28 @@ struct Axes {
     }
 };
 
-bool isGltf(const std::string& path) {
-    return path.ends_with(".gltf") || path.ends_with(".glb");
+bool isGltf(const std::string& path) { return path.ends_with(".gltf") || path.ends_with(".glb"); }
+
+/// Larger ones than the earth are mistakes, and would overflow what is computed from them.
+constexpr float MAX_COORDINATE = 1e7f;
+
+bool isSane(const aiMesh& mesh) {
+    for (unsigned i = 0; i < mesh.mNumVertices; i++) {
+        const aiVector3D& v = mesh.mVertices[i];
+        for (float x : {v.x, v.y, v.z})
+            if (!(std::abs(x) < MAX_COORDINATE)) return false;
+    }
+    return true;
 }
 
 void appendMesh(const aiScene& scene, const aiMesh& mesh, const aiMatrix4x4& transform, Axes axes,
                 std::vector<Mesh::Surface>& surfaces) {
+    if (!(mesh.mPrimitiveTypes & aiPrimitiveType_TRIANGLE) || !mesh.HasNormals()) return;
+    if (!isSane(mesh)) {
+        jLog::error("Mesh::get: \"%s\" has coordinates beyond 1e7 m and is left out",
+                    mesh.mName.C_Str());
+        return;
+    }
     Mesh::Surface surface;
     surface.name = scene.mMaterials[mesh.mMaterialIndex]->GetName().C_Str();
     aiMatrix3x3 turn(transform);
@@ -65,15 +83,17 @@ struct Import {
 
 const aiScene* import(const std::string& path) {
     static Import last;
+    static std::set<std::string> failed; // each is reported once
     if (last.scene && last.path == path) return last.scene;
+    if (failed.contains(path)) return nullptr;
     last.path = path;
     last.scene = last.importer.ReadFile(path, aiProcess_Triangulate | aiProcess_GenNormals |
                                                   aiProcess_JoinIdenticalVertices);
-    if (!last.scene || !last.scene->mRootNode) {
-        jLog::error("Mesh::get: \"%s\": %s", path.c_str(), last.importer.GetErrorString());
-        last.scene = nullptr;
-    }
-    return last.scene;
+    if (last.scene && last.scene->mRootNode) return last.scene;
+    jLog::error("Mesh::get: \"%s\": %s", path.c_str(), last.importer.GetErrorString());
+    last.scene = nullptr;
+    failed.insert(path);
+    return nullptr;
 }
 
 std::shared_ptr<const Mesh> read(const std::string& reference) {
@@ -104,11 +124,16 @@ std::shared_ptr<const Mesh> read(const std::string& reference) {
 } // namespace
 
 std::shared_ptr<const Mesh> Mesh::get(const jString& reference) {
-    static std::map<jString, std::weak_ptr<const Mesh>> cache;
-    auto& entry = cache[reference];
-    if (auto mesh = entry.lock()) return mesh;
+    struct Entry {
+        std::weak_ptr<const Mesh> mesh;
+        bool failed = false;
+    };
+    static std::map<jString, Entry> cache;
+    Entry& entry = cache[reference];
+    if (entry.failed) return nullptr;
+    if (auto mesh = entry.mesh.lock()) return mesh;
     auto mesh = read(std::string(reference.view()));
-    entry = mesh;
+    entry = {mesh, !mesh};
     return mesh;
 }
 

@@ -62,8 +62,9 @@ bool Node::accept(bool finite) {
     if (finite) return true;
     m_refused++;
     if (g_refusals.allow())
-        jLog::warning("Node: \"%s\" refused a pose that is not finite (%d times so far)",
-                      m_name.c_str(), m_refused);
+        jLog::warning(
+            "Node: \"%s\" (type %d, node %d) refused a pose that is not finite, %u so far",
+            m_name.c_str(), m_type, m_id, m_refused);
     return false;
 }
 
@@ -82,6 +83,8 @@ void Node::invalidateBounds() {
 }
 
 void Node::applyTransform(const dmat4& transform) {
+    // A finite request can still have an infinite result, far out or below a singular parent.
+    if (!accept(isFinite(transform))) return;
     m_transform = transform;
     markWorldTransform();
     if (m_parent) m_parent->invalidateBounds();
@@ -118,9 +121,7 @@ const dmat4& Node::getWorldTransform() const {
     return m_world_transform;
 }
 
-dmat4 Node::getIWorldTransform() const {
-    return inverse(getWorldTransform());
-}
+dmat4 Node::getIWorldTransform() const { return inverse(getWorldTransform()); }
 
 void Node::setWorldTransform(const dmat4& transform) {
     if (!accept(isFinite(transform))) return;
@@ -149,9 +150,7 @@ dvec3 Node::toLocal(const dvec3& world) const {
     return inverse(m.getMat3()) * (world - m.getTranslate());
 }
 
-dmat4 Node::getWGSTransform() const {
-    return EARTH.getWGSTransform(getWorldPosition());
-}
+dmat4 Node::getWGSTransform() const { return EARTH.getWGSTransform(getWorldPosition()); }
 
 void Node::setWgsHPR(const dvec3& hpr) {
     if (!accept(isFinite(hpr))) return;
@@ -166,9 +165,7 @@ dvec3 Node::getWgsHPR() const {
                              getWorldTransform().getMat3());
 }
 
-void Node::setWgsPosition(const dvec3& geodetic) {
-    setWorldPosition(EARTH.toWorld(geodetic));
-}
+void Node::setWgsPosition(const dvec3& geodetic) { setWorldPosition(EARTH.toWorld(geodetic)); }
 
 const BoundSphere& Node::getBounds() const {
     if (!m_bounds_valid) {

@@ -8,9 +8,7 @@ namespace ig {
 
 Object::Object(int type) : Node(type) {}
 
-Object::~Object() {
-    delete m_body;
-}
+Object::~Object() { delete m_body; }
 
 const Object::Slot* Object::getSlot(int surface) const {
     if (surface < 0 || surface >= static_cast<int>(m_slots.size())) return nullptr;
@@ -21,9 +19,7 @@ Object::Slot* Object::getSlot(int surface) {
     return const_cast<Slot*>(static_cast<const Object*>(this)->getSlot(surface));
 }
 
-bool Object::getIntersection(int, const dvec3&, const dvec3&, dvec3*) const {
-    return false;
-}
+bool Object::getIntersection(int, const dvec3&, const dvec3&, dvec3*) const { return false; }
 
 void Object::setIntersection(int surface, bool on) {
     if (Slot* slot = getSlot(surface)) slot->intersection = on;
@@ -67,7 +63,7 @@ void Object::setBody(Body* body) {
     m_body = body;
     if (!body) return;
     body->setOwner(this);
-    m_body_version = -1;
+    m_body_version = ~getPoseVersion();
     poseBody();
     if (getWorld()) getWorld()->getPhysics().addBody(body);
 }
@@ -98,9 +94,7 @@ void Object::poseBody() {
     m_body_version = getPoseVersion();
 }
 
-void Object::onMoved() {
-    poseBody();
-}
+void Object::onMoved() { poseBody(); }
 
 void Object::onWorldChanged(World* world) {
     if (!m_body) return;

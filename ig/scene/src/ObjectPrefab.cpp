@@ -7,28 +7,35 @@
 #include "ig/physics/Body.h"
 #include "ig/scene/World.h"
 
+#include <set>
+
 namespace ig {
 
 namespace {
+/// The prefabs that are being loaded, outermost first: prefabs may hold prefabs, and one that holds
+/// itself would never end.
+jVector<jString> g_loading;
 
-/// Prefabs may hold prefabs; one that holds itself would never end.
-constexpr int MAX_NESTING = 8;
-int g_nesting = 0;
-
+/// Whether something is wrong with the prefab's file, which is then reported the first time.
+bool isRefused(const jString& path, const Package* description) {
+    static std::set<jString> reported;
+    const bool holds_itself = g_loading.find(path) >= 0;
+    if (description && !holds_itself) return false;
+    if (reported.insert(path).second)
+        jLog::error("ObjectPrefab: %s:1: %s", path.c_str(),
+                    holds_itself ? "the prefab holds itself" : "there is no map \"node\"");
+    return true;
+}
 } // namespace
 
 ObjectPrefab::ObjectPrefab(const jString& path) : Object(OBJECT_PREFAB), m_path(path) {
     const Package* file = PackageManager::get(path, "ObjectPrefab");
     if (!file) return;
     const Package* description = file->getPackage("node");
-    if (!description || g_nesting >= MAX_NESTING) {
-        jLog::error("ObjectPrefab: \"%s\" %s", path.c_str(),
-                    description ? "holds itself" : "has no map \"node\"");
-        return;
-    }
-    g_nesting++;
+    if (isRefused(path, description)) return;
+    g_loading.append(path);
     m_root = World::LoadNode(description);
-    g_nesting--;
+    g_loading.pop();
     if (!m_root) return;
     addChild(m_root);
     collect(m_root);

@@ -7,6 +7,8 @@
 #include "ig/scene/Material.h"
 #include "ig/scene/World.h"
 
+#include "readList.h"
+
 #include <cmath>
 
 namespace ig {
@@ -14,16 +16,21 @@ namespace ig {
 bool Track::load(const jString& path, World* world) {
     release();
     m_path = path;
-    const Package* file = PackageManager::get(path, "Track::load");
+    const Package* file = PackageManager::get(path, nullptr);
     if (!file) return false;
-    for (const Package* channel : file->getPackages("channels"))
+    const jVector<const Package*> channels = readList(*file, "channels", "Track::load");
+    if (channels.empty()) {
+        const Item* item = file->getItem("channels");
+        jLog::error("Track::load: %s:%d: a track needs a list of \"channels\"", path.c_str(),
+                    item ? item->getLine() : 1);
+        return false;
+    }
+    for (const Package* channel : channels)
         if (!readChannel(*channel, world)) {
             m_channels.clear();
             return false;
         }
-    if (!file->getItem("channels"))
-        jLog::error("Track::load: %s:1: there is no list \"channels\"", path.c_str());
-    return file->getItem("channels") != nullptr;
+    return true;
 }
 
 /// Adds the channel unless its target is missing. False for a malformed one.
@@ -83,8 +90,6 @@ void Track::set(float value) {
     }
 }
 
-void Track::release() {
-    m_channels.destroy();
-}
+void Track::release() { m_channels.destroy(); }
 
 } // namespace ig

@@ -6,21 +6,22 @@
 #include "ig/package/PackageManager.h"
 #include "ig/physics/Body.h"
 #include "ig/scene/ObjectPrefab.h"
+#include "readList.h"
 
 namespace ig {
 
-World::~World() {
-    clear();
-}
+World::~World() { clear(); }
 
 bool World::load(const jString& path) {
     const Package* file = PackageManager::get(path, "World::load");
     if (!file) return false;
-    if (!file->getItem("nodes")) {
-        jLog::error("World::load: %s:1: there is no list \"nodes\"", path.c_str());
+    const Item* nodes = file->getItem("nodes");
+    if (!nodes || nodes->getKind() == Item::Kind::value) {
+        jLog::error("World::load: %s:%d: a world needs a list of \"nodes\"", path.c_str(),
+                    nodes ? nodes->getLine() : 1);
         return false;
     }
-    for (const Package* description : file->getPackages("nodes"))
+    for (const Package* description : readList(*file, "nodes", "World::load"))
         if (Node* node = LoadNode(description)) addNode(node);
     return true;
 }
@@ -62,14 +63,22 @@ Node* World::getNodeByName(const jString& name) const {
     return nullptr;
 }
 
+namespace {
+void collectCrossed(Node* node, const dvec3& p0, const dvec3& p1, jVector<Node*>& nodes) {
+    const BoundSphere& local = node->getBounds();
+    if (local.isEmpty()) return;
+    if (!local.transformed(node->getWorldTransform()).intersectsSegment(p0, p1)) return;
+    nodes.append(node);
+    if (node->getType() == OBJECT_PREFAB) return;
+    for (int i = 0; i < node->getNumChildren(); i++)
+        collectCrossed(node->getChild(i), p0, p1, nodes);
+}
+} // namespace
+
 bool World::getIntersection(const dvec3& p0, const dvec3& p1, jVector<Node*>& nodes) const {
     nodes.clear();
-    for (Node* node : m_nodes) {
-        const BoundSphere& local = node->getBounds();
-        if (local.isEmpty()) continue;
-        if (local.transformed(node->getWorldTransform()).intersectsSegment(p0, p1))
-            nodes.append(node);
-    }
+    for (Node* node : m_nodes)
+        collectCrossed(node, p0, p1, nodes);
     return !nodes.empty();
 }
 

@@ -12,9 +12,7 @@ namespace {
 
 const EllipsoidModel EARTH;
 
-Node* create(const Package&) {
-    return new ObjectOcean();
-}
+Node* create(const Package&) { return new ObjectOcean(); }
 const bool registered = NodeFactory::add("ocean", create);
 
 /// Scales the earth to a unit sphere.
@@ -26,9 +24,7 @@ dvec3 toUnitSphere(const dvec3& world) {
 
 } // namespace
 
-ObjectOcean::ObjectOcean() : Object(OBJECT_OCEAN) {
-    setNumSurfaces(1);
-}
+ObjectOcean::ObjectOcean() : Object(OBJECT_OCEAN) { setNumSurfaces(1); }
 
 dvec3 ObjectOcean::getWorldPoint(const dvec3& world) const {
     dvec3 geodetic = EARTH.toWGS(world);

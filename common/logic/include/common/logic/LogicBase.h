@@ -29,8 +29,8 @@ class World;
 class LOGIC_API LogicBase {
 public:
     LogicBase(ig::World* world, ig::CameraControl* camera);
-    LogicBase(const LogicBase&) = default;
-    LogicBase& operator=(const LogicBase&) = default;
+    LogicBase(const LogicBase&);
+    LogicBase& operator=(const LogicBase&);
 
     virtual int getCamSpeed() const { return m_cam_speed; }
     virtual void setCamSpeed(int speed) { m_cam_speed = speed; }
@@ -57,6 +57,8 @@ public:
     virtual void onKeyRelease(const ig::GUIEventKey&, ig::IApp*) {}
 
     /// Logic objects come from the engine allocator; `delete` takes them out of the memory tracker.
+    static void* operator new(std::size_t size) { return ig::jObject::operator new(size); }
+    static void* operator new(std::size_t, void* place) noexcept { return place; }
     static void operator delete(void* memory) noexcept { ig::jObject::operator delete(memory); }
 
 protected:

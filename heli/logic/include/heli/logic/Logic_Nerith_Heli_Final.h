@@ -63,8 +63,8 @@ public:
     // --- entry.cpp
 
     Logic_Nerith_Heli_Final(ig::World* world, ig::CameraControl* camera);
-    Logic_Nerith_Heli_Final(const Logic_Nerith_Heli_Final&) = default;
-    Logic_Nerith_Heli_Final& operator=(const Logic_Nerith_Heli_Final&) = default;
+    Logic_Nerith_Heli_Final(const Logic_Nerith_Heli_Final&);
+    Logic_Nerith_Heli_Final& operator=(const Logic_Nerith_Heli_Final&);
     ~Logic_Nerith_Heli_Final() override;
 
     void render() override {}
@@ -114,19 +114,19 @@ public:
     void apply_leida(UdpRecvData& record);
 
     // Blocks that a host of the same family may carry and this scene does not show.
-    void apply_leader(UdpRecvData&) {}
-    void apply_task(UdpRecvData&) {}
-    void apply_other_craft(UdpRecvData&) {}
-    void apply_targets(UdpRecvData&) {}
-    void apply_lights(UdpRecvData&) {}
-    void apply_monit(UdpRecvData&) {}
-    void apply_pnvs(UdpRecvData&) {}
-    void apply_ssds(UdpRecvData&) {}
-    void apply_ships(UdpRecvData&) {}
-    void apply_observe_mode(UdpRecvData&) {}
-    void apply_ship_state(UdpRecvData&) {}
-    void apply_ground_state(UdpRecvData&) {}
-    void apply_fog(UdpRecvData&) {}
+    void apply_leader(UdpRecvData&);
+    void apply_task(UdpRecvData&);
+    void apply_other_craft(UdpRecvData&);
+    void apply_targets(UdpRecvData&);
+    void apply_lights(UdpRecvData&);
+    void apply_monit(UdpRecvData&);
+    void apply_pnvs(UdpRecvData&);
+    void apply_ssds(UdpRecvData&);
+    void apply_ships(UdpRecvData&);
+    void apply_observe_mode(UdpRecvData&);
+    void apply_ship_state(UdpRecvData&);
+    void apply_ground_state(UdpRecvData&);
+    void apply_fog(UdpRecvData&);
 
     // --- feedback.cpp
 
@@ -171,7 +171,8 @@ public:
     /// The visible object whose surface the segment p0 → p1 meets nearest to p0, or null.
     /// `hitPoint`, when given, receives the point; it is left alone when nothing is met.
     ig::Object* select_object(const ig::dvec3& p0, const ig::dvec3& p1, ig::dvec3* hitPoint) const;
-    /// The world point at the camera's far distance through a screen position in pixels.
+    /// The world point at the camera's far distance through a screen position in pixels; the
+    /// camera's own place without camera or application.
     ig::dvec3 get_ray_to(double x, double y) const;
 
 private:
@@ -209,7 +210,7 @@ public:
     ig::UIButton* m_btn_winch_up = nullptr;
     HelicopterCorax* m_heli = nullptr;        ///< owned; init
     HeliEffectsKitCorax* m_effects = nullptr; ///< owned; init
-    float m_third_dist = 25.0f;               ///< third-view distance, metres, 1 at least
+    float m_third_dist = 25.0f;               ///< third-view distance, metres
     bool m_raining = false;                   ///< whether rain is on
     ig::Node* m_rain = nullptr;               ///< the world's weather nodes; init
     ig::Node* m_snow = nullptr;

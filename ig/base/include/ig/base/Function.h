@@ -59,7 +59,8 @@ private:
 };
 
 /// A list of listeners. Whoever owns the list calls `emit`; listeners are called from first to last
-/// in the order in which they were added, synchronously. They must not change the list meanwhile.
+/// in the order in which they were added, synchronously; empty functions are passed over. They must
+/// not change the list meanwhile.
 template <class... Args>
 using SignalList = jVector<Function<void(Args...)>>;
 

@@ -58,8 +58,8 @@ public:
     /// From now on `read` and `write` answer at once instead of waiting.
     bool nonblock();
 
-    /// Destination of `write`: an IPv4 address or a host's name. A name that the system must ask
-    /// for over the network may take seconds. False leaves the destination as it was.
+    /// Destination of `write`: a dotted IPv4 address, or "localhost". False, with one log line, for
+    /// anything else, which leaves the destination as it was.
     bool setSendIP(const jString& ip);
     /// In [1, 65535]. False leaves the port as it was.
     bool setSendPort(int port);

@@ -14,7 +14,7 @@ public:
     /// The package of that file, owned by the manager and valid until `release`; null when it can't
     /// be read. A file that failed is remembered too, so that its one message is not repeated: a
     /// file that appears later is found after `release`. `user` names the asking operation in the
-    /// message of a missing file.
+    /// message of a missing file; null: the caller reports that itself.
     static const Package* get(const jString& path, const char* user = "PackageManager::get");
     /// Drops every package and remembered failure.
     static void release();

@@ -59,7 +59,8 @@ private:
 ///
 /// Forces and torques collect until the next physics step, act through the whole of it, and are
 /// then cleared. Damping d (1/s) divides the velocity by 1 + d·h in every substep of h seconds, so
-/// that any d from 0 up is stable. Velocities and forces are in world axes; m/s, rad/s, N, N·m.
+/// that any d from 0 up is stable; others are ignored. Velocities and forces are in world axes;
+/// m/s, rad/s, N, N·m.
 class BodyRigid : public Body {
 public:
     /// `mass` in kg, negative or non-finite values count as 0 (static).
@@ -80,9 +81,9 @@ public:
     vec3 getAngularVelocity() const;
     void setAngularVelocity(const vec3& velocity);
 
-    void setLinearDamping(float damping) { m_linear_damping = damping; }
+    void setLinearDamping(float damping) { setDamping(m_linear_damping, damping); }
     float getLinearDamping() const { return m_linear_damping; }
-    void setAngularDamping(float damping) { m_angular_damping = damping; }
+    void setAngularDamping(float damping) { setDamping(m_angular_damping, damping); }
     float getAngularDamping() const { return m_angular_damping; }
     /// Whether the body may fall asleep when it hardly moves; default true.
     void setFreezable(bool freezable);
@@ -97,6 +98,7 @@ private:
     friend class Physics;
     struct Simulation; // the solver's objects, kept out of this header
     void wake();
+    static void setDamping(float& damping, float value);
 
     float m_mass;
     vec3 m_center;

@@ -35,7 +35,7 @@ private:
     struct Box;
     struct Segment;
 
-    void split(std::uint32_t node, std::uint32_t begin, std::uint32_t end,
+    void split(std::uint32_t node, std::uint32_t begin, std::uint32_t end, int depth,
                const std::vector<Box>& boxes);
     std::uint32_t partition(std::uint32_t begin, std::uint32_t end, const std::vector<Box>& boxes);
     void intersectLeaf(const Node& leaf, const Segment& segment, double& best) const;

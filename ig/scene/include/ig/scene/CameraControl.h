@@ -17,7 +17,6 @@ public:
     /// `camera` receives view and projection; it is not owned and may be null, in which case the
     /// pushes do nothing. Only `setCamera` reads from it.
     explicit CameraControl(Camera* camera);
-    virtual ~CameraControl() = default;
 
     // Two integers and a name that the host application may use as it likes.
     virtual int getId() const { return m_id; }
@@ -31,6 +30,7 @@ public:
     virtual dvec3& getPosition() { return m_position; }
     virtual dquat& getRotation() { return m_rotation; }
     virtual Camera* getCamera() const { return m_camera; }
+    virtual ~CameraControl() = default; // below the operations, whose order is fixed
 
     /// Takes a camera over as it is: pose, clip distances and fields of view; then pushes both.
     void setCamera(Camera* camera);

@@ -107,7 +107,7 @@ public:
     const BoundSphere& getBounds() const;
 
     /// How often a pose was refused because it was not finite.
-    int getNumRefused() const { return m_refused; }
+    unsigned getNumRefused() const { return m_refused; }
 
 protected:
     /// Attitude in the local east-north-up frame from its three angles, and back.
@@ -122,7 +122,7 @@ protected:
     void invalidateBounds();
     /// Changes whenever the world transform does, whoever moved it. A change between two reads of
     /// the world transform is always seen.
-    int getPoseVersion() const { return m_pose_version; }
+    unsigned getPoseVersion() const { return m_pose_version; }
 
 private:
     friend class World;
@@ -137,8 +137,8 @@ private:
     jString m_name;
     bool m_enabled = true;
     bool m_keeps_hpr = false; ///< the attitude was set last with setWgsHPR
-    int m_refused = 0;
-    int m_pose_version = 0;
+    unsigned m_refused = 0;
+    unsigned m_pose_version = 0;
     Node* m_parent = nullptr;
     World* m_world = nullptr;
     jVector<Node*> m_children;

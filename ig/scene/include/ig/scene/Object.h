@@ -66,7 +66,7 @@ private:
 
     std::vector<Slot> m_slots;
     Body* m_body = nullptr;
-    int m_body_version = -1; ///< pose version that the body stands at
+    unsigned m_body_version = ~0u; ///< pose version that the body stands at
 };
 
 /// An object made of triangles.

@@ -20,9 +20,9 @@ public:
     /// The path that the track was loaded from.
     virtual const jString& getPath() const { return m_path; }
 
-    /// Reads the file and finds its targets in the world. False when the file is missing, malformed
-    /// (logged with path and line) or has no channel. A target that the world lacks is left out
-    /// with one warning.
+    /// Reads the file and finds its targets in the world. False when the file is missing, which the
+    /// caller reports, or malformed or without channels, which is logged with path and line. A
+    /// target that the world lacks is left out with one warning.
     bool load(const jString& path, World* world);
     /// Moves every channel to `value`. Nothing for a value that is not finite.
     void set(float value);

@@ -36,8 +36,9 @@ public:
     /// looked into. Null when none.
     Node* getNodeByName(const jString& name) const;
 
-    /// The nodes without parent whose bounds the segment touches, into `nodes` (emptied first).
-    /// False when there is none.
+    /// The nodes of the world's own tree whose bounds, those of what hangs on them included, the
+    /// segment touches, into `nodes` (emptied first), parents before children; prefabs are not
+    /// looked into. False when there is none.
     bool getIntersection(const dvec3& p0, const dvec3& p1, jVector<Node*>& nodes) const;
 
     Physics& getPhysics() { return m_physics; }

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "ig/package/mjl.h"
 
-#include "LogCapture.h"
-#include "TempFolder.h"
 #include "ig/package/Package.h"
+#include "testkit/LogCapture.h"
+#include "testkit/TempFolder.h"
 
 #include <gtest/gtest.h>
 #include <limits>

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+
+// What the logic costs per frame and per record, against the system calls that it can't do without.
+
+#include "common/wire/UdpSendData.h"
+#include "heli/kit/UdpDataKit.h"
+#include "ig/net/SocketUDP.h"
+#include "ratio.h"
+#include "testkit/LogicScene.h"
+
+namespace {
+
+/// One update without a waiting record, against one bare send of the feedback plus one bare query.
+void updateWithoutRecord(benchmark::State& state) {
+    LogicScene scene;
+    scene.useProjectData();
+    scene.start();
+    scene.frame();
+    ig::SocketUDP* socket = scene.logic->m_udp_send->m_socket;
+    const ig::dvec3 from = scene.logic->m_heli->get_world_position();
+    const ig::dvec3 to = from - scene.logic->m_heli->m_prefab->getWGSTransform().getZ() * 1e5;
+    PairedTimes times;
+    for (auto _ : state) {
+        ig::Engine::get()->beginFrame(1 / 60.0f);
+        times.measure([&] { scene.logic->update(1 / 60.0f); },
+                      [&] {
+                          UdpSendData datagram{};
+                          ig::dvec3 hit;
+                          benchmark::DoNotOptimize(scene.logic->select_object(from, to, &hit));
+                          socket->write(&datagram, 1, sizeof datagram);
+                      });
+        while (!scene.peer.receive().empty()) {
+        }
+    }
+    times.report(state);
+}
+BENCHMARK(updateWithoutRecord)->Iterations(20000)->Unit(benchmark::kMicrosecond);
+
+/// Receiving and applying a batch of records, against receiving alone; per record.
+void applyRecord(benchmark::State& state) {
+    constexpr int BATCH = 50;
+    LogicScene scene;
+    scene.useProjectData();
+    scene.start();
+    const UdpRecvData record = LogicScene::record();
+    UdpRecvKit& kit = *scene.logic->m_udp_recv;
+    const auto fill = [&] {
+        for (int i = 0; i < BATCH; i++)
+            scene.send(record);
+    };
+    std::vector<double> differences;
+    PairedTimes times;
+    const auto seconds = [](auto f) {
+        const auto begin = std::chrono::steady_clock::now();
+        f();
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    };
+    for (auto _ : state) {
+        fill();
+        const double both = seconds([&] { scene.logic->recv_udp(nullptr); });
+        fill();
+        const double receiving = seconds([&] { kit.receive(); });
+        kit.m_records.clear();
+        differences.push_back((both - receiving) / BATCH);
+    }
+    std::nth_element(differences.begin(),
+                     differences.begin() + static_cast<long>(differences.size() / 2),
+                     differences.end());
+    state.counters["apply_us_per_record"] = differences[differences.size() / 2] * 1e6;
+}
+BENCHMARK(applyRecord)->Iterations(2000)->Unit(benchmark::kMicrosecond);
+
+} // namespace

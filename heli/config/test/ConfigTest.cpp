@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+#include "heli/config/AppData.h"
+#include "heli/config/StringTable.h"
+#include "ig/scene/Camera.h"
+#include "ig/scene/CameraControl.h"
+#include "testkit/LogCapture.h"
+#include "testkit/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace ig;
+
+struct AppDataTest : testing::Test {
+    ~AppDataTest() override { AppData::destroy_instance(); }
+    WorkingFolder folder;
+    LogCapture log;
+
+    AppData& load(const std::string& text) {
+        folder.write("config/Logic_Nerith_Heli_Final.cfg", text);
+        EXPECT_TRUE(AppData::instance()->load());
+        return *AppData::instance();
+    }
+};
+
+TEST_F(AppDataTest, MissingFileWarnsOnceAndEveryKeyHasItsDefault) {
+    AppData& data = *AppData::instance();
+    EXPECT_FALSE(data.load());
+    EXPECT_EQ(log.lines, (std::vector<std::string>{
+                             "Open config file failed:config/Logic_Nerith_Heli_Final.cfg, use "
+                             "default config"}));
+    EXPECT_EQ(data.flightSimulation_ip(), "127.0.0.1");
+    EXPECT_EQ(data.recv_from_flightSimulation_port(), 10004);
+    EXPECT_EQ(data.send_to_flightSimulation_port(), 10005);
+    EXPECT_EQ(data.recv_from_console_port(), 10222);
+    EXPECT_EQ(data.send_to_flightsimulation_frequency(), 0.01f);
+    EXPECT_EQ(data.data_port(), 6000);
+    EXPECT_EQ(data.fps_limit(), 6000.0);
+    EXPECT_FALSE(data.show_fps() || data.real_time_fps() || data.vsync());
+}
+
+TEST_F(AppDataTest, ValuesAreReadAndZeroOrEmptyMeansTheDefault) {
+    AppData& data = load("flightSimulation_ip: 10.1.2.3\nrecv_from_flightSimulation_port: 7\n"
+                         "send_to_flightsimulation_frequency: 0.05\nvsync: true\n"
+                         "send_to_flightSimulation_port: 0\nfps_limit: 0\n");
+    EXPECT_EQ(data.flightSimulation_ip(), "10.1.2.3");
+    EXPECT_EQ(data.recv_from_flightSimulation_port(), 7);
+    EXPECT_EQ(data.send_to_flightSimulation_port(), 10005);
+    EXPECT_EQ(data.send_to_flightsimulation_frequency(), 0.05f);
+    EXPECT_EQ(data.fps_limit(), 6000.0);
+    EXPECT_TRUE(data.vsync());
+    load("flightSimulation_ip: ''\n"); // a second load replaces everything
+    EXPECT_EQ(data.flightSimulation_ip(), "127.0.0.1");
+    EXPECT_EQ(data.recv_from_flightSimulation_port(), 10004);
+    EXPECT_FALSE(data.vsync());
+}
+
+TEST_F(AppDataTest, MalformedFileNamesPathAndLineAndFallsBack) {
+    folder.write("config/Logic_Nerith_Heli_Final.cfg", "a: 1\nb: [2\nc: }\n");
+    EXPECT_FALSE(AppData::instance()->load());
+    ASSERT_EQ(log.lines.size(), 2u);
+    EXPECT_NE(log.lines[0].find("config/Logic_Nerith_Heli_Final.cfg:3:"), std::string::npos);
+    EXPECT_EQ(AppData::instance()->recv_from_flightSimulation_port(), 10004);
+}
+
+TEST_F(AppDataTest, SavedConfigurationReadsBack) {
+    load("recv_from_flightSimulation_port: 4321\nslaves: {left: {shear: [0.5, -0.25]}}\n");
+    ASSERT_TRUE(AppData::instance()->save());
+    AppData::instance()->clear();
+    EXPECT_EQ(AppData::instance()->recv_from_flightSimulation_port(), 10004);
+    ASSERT_TRUE(AppData::instance()->load());
+    EXPECT_EQ(AppData::instance()->recv_from_flightSimulation_port(), 4321);
+}
+
+TEST_F(AppDataTest, ShearOfAChannelReachesTheProjection) {
+    AppData& data = load("slaves: {left: {shear: [0.5, -0.25]}, plain: {}}\n");
+    Camera camera;
+    CameraControl control(&camera);
+    control.updateProjection();
+    const dmat4 straight = camera.getProjection();
+    EXPECT_FALSE(data.apply_slave_shear("right", &control));
+    EXPECT_EQ(camera.getProjection(), straight);
+    EXPECT_TRUE(data.apply_slave_shear("left", &control));
+    EXPECT_DOUBLE_EQ(camera.getProjection().columns[2].x - straight.columns[2].x, 0.5);
+    EXPECT_DOUBLE_EQ(camera.getProjection().columns[2].y - straight.columns[2].y, -0.25);
+    EXPECT_TRUE(data.apply_slave_shear("plain", &control)); // no values: straight again
+    EXPECT_EQ(camera.getProjection(), straight);
+    load("vsync: true\n");
+    EXPECT_FALSE(data.apply_slave_shear("left", &control));
+}
+
+// One test, because the table of the process stays loaded once it is.
+TEST(StringTable, MissesAreLoggedAndAnsweredWithTheKey) {
+    WorkingFolder folder;
+    LogCapture log;
+    EXPECT_EQ(tr("OK"), "OK");
+    EXPECT_EQ(tr(jString("OK")), "OK");
+    EXPECT_EQ(log.lines, (std::vector<std::string>(
+                             2, "tr:string file not found:config/string.txt"))); // tried again
+    folder.write("config/string.txt", "OK: 确定\nNew line: Neue Zeile\n");
+    log.lines.clear();
+    EXPECT_EQ(tr("OK"), "确定");
+    EXPECT_EQ(tr("New line"), "Neue Zeile");
+    EXPECT_TRUE(log.lines.empty());
+    EXPECT_EQ(tr("Cancel"), "Cancel");
+    EXPECT_EQ(log.lines, (std::vector<std::string>{"tr:key[Cancel] not found in string file"}));
+}
+
+} // namespace

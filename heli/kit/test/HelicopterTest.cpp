@@ -1,0 +1,237 @@
+// SPDX-License-Identifier: MIT
+#include "flight_model.h"
+#include "heli/kit/HelicopterCorax.h"
+#include "ig/app/ControlApp.h"
+#include "ig/app/Engine.h"
+#include "ig/app/IApp.h"
+#include "ig/math/EllipsoidModel.h"
+#include "ig/package/PackageManager.h"
+#include "ig/physics/Body.h"
+#include "ig/scene/ObjectPrefab.h"
+#include "ig/scene/World.h"
+#include "testkit/LogCapture.h"
+#include "testkit/LogicScene.h"
+
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace {
+
+using namespace ig;
+
+const EllipsoidModel EARTH;
+
+/// A helicopter of the small prefab at 500 m, alone in a world.
+struct HelicopterTest : testing::Test, IApp {
+    ~HelicopterTest() override {
+        world.clear();
+        MaterialManager::release();
+        PackageManager::release();
+        Engine::get()->reset();
+    }
+    HelicopterCorax& make(bool controllable, const char* path = LogicScene::HELICOPTER) {
+        Engine::get()->setApp(this);
+        helicopter.emplace(&world, path, controllable);
+        helicopter->set_transform(EARTH.getWGSTransform(EARTH.toWorld({-155, 20, 500})));
+        return *helicopter;
+    }
+    Node* node(const char* name) { return helicopter->m_prefab->getNodeByName(name); }
+    float density() {
+        const Material* material = helicopter->m_tail_light->getSurfaceMaterial(0);
+        return material->getParameterSlider(material->findParameterIDByTag("density"));
+    }
+    int getWidth() const override { return 1; }
+    int getHeight() const override { return 1; }
+    ControlApp* getControl() override { return &control; }
+
+    LogicScene files; // its working folder holds the prefab
+    ControlApp control;
+    World world;
+    std::optional<HelicopterCorax> helicopter;
+};
+
+TEST_F(HelicopterTest, RotorsShowBladesBelow3000AndTurnAboutTheirAxes) {
+    HelicopterCorax& heli = make(false);
+    heli.set_rotor_speed(2999.9f);
+    heli.update(0);
+    EXPECT_TRUE(node("wing_mesh")->isEnabled() && node("tail_mesh")->isEnabled());
+    EXPECT_FALSE(node("wing_plane")->isEnabled() || node("tail_plane")->isEnabled());
+    heli.set_rotor_speed(3000);
+    heli.update(0.01f); // 30 degrees
+    EXPECT_FALSE(node("wing_mesh")->isEnabled() || node("tail_mesh")->isEnabled());
+    EXPECT_TRUE(node("wing_plane")->isEnabled() && node("tail_plane")->isEnabled());
+    const dvec3 blade = node("wing")->getRotation() * dvec3(0, 1, 0);
+    EXPECT_NEAR(blade.x, 0.5, 1e-6); // clockwise from above
+    EXPECT_NEAR(blade.y, std::sqrt(0.75), 1e-6);
+    const dvec3 tail = node("tail")->getRotation() * dvec3(0, 1, 0);
+    EXPECT_NEAR(tail.z, 0.5, 1e-6);
+}
+
+TEST_F(HelicopterTest, AbsurdRotorSpeedDoesNotPoisonTheAngle) {
+    HelicopterCorax& heli = make(false);
+    for (float speed : {std::numeric_limits<float>::quiet_NaN(),
+                        std::numeric_limits<float>::infinity(), 3e38f, 16200.0f}) {
+        heli.set_rotor_speed(speed);
+        heli.update(1 / 60.0f);
+    }
+    EXPECT_TRUE(std::isfinite(heli.m_rotor_angle));
+    EXPECT_EQ(node("wing")->getNumRefused(), 0u);
+    // After ten hours the angle still has the digits to turn by a degree.
+    for (int i = 0; i < 36000; i++)
+        heli.update(1);
+    const float before = heli.m_rotor_angle;
+    heli.set_rotor_speed(60);
+    heli.update(1 / 60.0f);
+    EXPECT_NEAR(heli.m_rotor_angle - before, 1, 0.01);
+}
+
+TEST_F(HelicopterTest, TailLightFlashesAtTheEndOfEverySecond) {
+    HelicopterCorax& heli = make(false);
+    heli.update(0.85f);
+    EXPECT_FLOAT_EQ(density(), 0.001f);
+    heli.update(0.075f);
+    EXPECT_NEAR(density(), 0.5, 1e-5);
+    heli.update(0.1f); // 1.025: the next cycle
+    EXPECT_FLOAT_EQ(density(), 0.001f);
+    EXPECT_NEAR(heli.m_blink_phase, 0.025, 1e-5);
+    // The lamp has a material of its own: the shared one is untouched.
+    const Material* shared = MaterialManager::get("light.mat");
+    EXPECT_EQ(shared->getParameterSlider(shared->findParameterIDByTag("density")), 0.5f);
+}
+
+TEST_F(HelicopterTest, WipersParkAndSweepAboutTheGlassNormal) {
+    HelicopterCorax& heli = make(false);
+    node("wiper_left")->setRotation(dquat(3, 4, 50));
+    const dvec3 tilt = node("wiper_left")->getRotation().toEulerZXY();
+    heli.update(0);
+    EXPECT_NEAR(node("wiper_left")->getRotation().toEulerZXY().z, -23.1428, 1e-3);
+    EXPECT_NEAR(node("wiper_right")->getRotation().toEulerZXY().z, 23.1428, 1e-3);
+    EXPECT_NEAR(node("wiper_left")->getRotation().toEulerZXY().x, tilt.x, 1e-6);
+    heli.toggle_wiper();
+    Engine::get()->beginFrame(0.8f); // the far end of the sweep
+    heli.update(0.8f);
+    EXPECT_NEAR(node("wiper_left")->getRotation().toEulerZXY().z, -90.704, 1e-3);
+    EXPECT_NEAR(node("wiper_right")->getRotation().toEulerZXY().z, 90.704, 1e-3);
+    const Material* glass = static_cast<Object*>(node("glass_top_left"))->getSurfaceMaterial(0);
+    const int wiper = glass->findParameterIDByTag("wiper");
+    EXPECT_EQ(glass->getParameterSlider(wiper), 1);
+    heli.toggle_wiper();
+    EXPECT_EQ(glass->getParameterSlider(wiper), 0);
+    EXPECT_FALSE(heli.is_wiper_on());
+}
+
+TEST_F(HelicopterTest, HostFlownModelIgnoresKeysAndForcesButClampsItsInputs) {
+    HelicopterCorax& heli = make(false);
+    EXPECT_FALSE(heli.m_body->isEnabled());
+    const dmat4 pose = heli.get_world_transform();
+    control.keyDown('r');
+    heli.m_yaw = 90;
+    heli.m_pitch = -5;
+    heli.m_roll = 30;
+    heli.m_collective = 1.5f;
+    heli.update_input(0.1f);
+    EXPECT_EQ(heli.m_collective, 1.5f);
+    for (int i = 0; i < 30; i++) {
+        heli.update(1 / 60.0f);
+        world.updatePhysics(1 / 60.0f);
+    }
+    EXPECT_EQ(heli.m_yaw, 1);
+    EXPECT_EQ(heli.m_pitch, -1);
+    EXPECT_EQ(heli.m_roll, 7);
+    EXPECT_EQ(heli.m_collective, 1);
+    EXPECT_EQ(heli.get_world_transform(), pose);
+}
+
+TEST_F(HelicopterTest, KeyboardFlightSteersAndReturnsToNeutral) {
+    HelicopterCorax& heli = make(true);
+    control.keyDown('r');
+    control.keyDown('w');
+    control.keyDown('d');
+    heli.m_collective = -0.5f;
+    heli.update_input(0.1f);
+    EXPECT_FLOAT_EQ(heli.m_collective, 0.003f);
+    EXPECT_FLOAT_EQ(heli.m_pitch, 0.15f);
+    EXPECT_FLOAT_EQ(heli.m_roll, -0.15f);
+    control.releaseAll();
+    heli.set_collective_decay(0.98f);
+    heli.update_input(0.1f);
+    EXPECT_FLOAT_EQ(heli.m_collective, 0.003f * 0.98f);
+    EXPECT_FLOAT_EQ(heli.m_pitch, 0.15f * 0.05f);
+    EXPECT_FLOAT_EQ(heli.m_roll, -0.15f * 0.1f * 0.05f);
+    EXPECT_FALSE(heli.m_body->isFreezable());
+}
+
+TEST_F(HelicopterTest, ControllableModelFliesLevelsItselfAndStaysWithinItsLimits) {
+    HelicopterCorax& heli = make(true);
+    const dmat4 local = heli.get_world_transform();
+    heli.m_prefab->setWgsHPR({0, 40, 10}); // beyond both limits
+    const auto tilt = [&] {
+        return std::acos(dot(normalize(heli.get_world_transform().getZ()), local.getZ())) *
+               RAD_TO_DEG<double>;
+    };
+    heli.update(1 / 60.0f);
+    world.updatePhysics(1 / 60.0f);
+    EXPECT_LT(tilt(), std::hypot(25, 17));
+    for (int i = 0; i < 300; i++) {
+        heli.update(1 / 60.0f);
+        world.updatePhysics(1 / 60.0f);
+    }
+    EXPECT_LT(tilt(), 1); // 2 % per frame with neutral inputs
+    const float falling = dot(heli.get_linear_velocity(), vec3(local.getZ()));
+    EXPECT_LT(falling, -10);
+    heli.m_pitch = 1;
+    for (int i = 0; i < 60; i++) {
+        heli.update(1 / 60.0f);
+        world.updatePhysics(1 / 60.0f);
+    }
+    EXPECT_GT(dot(heli.get_linear_velocity(), vec3(local.getY())), 0.1f); // forward
+}
+
+TEST(FlightModel, AttitudeIsLimitedPerAxisAndLevelledWhereTheInputIsNeutral) {
+    using namespace flight_model;
+    const dvec3 steered = limitAttitude({30, -30, 400}, 1, 1);
+    EXPECT_EQ(steered, dvec3(25, -17, 400));
+    EXPECT_EQ(limitAttitude({10, 10, 0}, 0, 1), dvec3(9.8, 10, 0)); // roll is neutral
+    EXPECT_EQ(limitAttitude({10, 10, 0}, 1, 0), dvec3(10, 9.8, 0)); // pitch is neutral
+}
+
+TEST(FlightModel, RotationTowardsTheLimitSlowsDownAndBackIsFree) {
+    using namespace flight_model;
+    EXPECT_EQ(limitRate(-1, 25, SLOW_ANGLE_X, MAX_ANGLE_X), 0);             // at the limit: stopped
+    EXPECT_FLOAT_EQ(limitRate(-1, 20, SLOW_ANGLE_X, MAX_ANGLE_X), -0.875f); // half way: 1 − 1/8
+    EXPECT_EQ(limitRate(1, 20, SLOW_ANGLE_X, MAX_ANGLE_X), 1);              // away from it
+    EXPECT_FLOAT_EQ(limitRate(1, -12, SLOW_ANGLE_Y, MAX_ANGLE_Y), 0.875f);
+    EXPECT_EQ(limitRate(-1, 6.9, SLOW_ANGLE_Y, MAX_ANGLE_Y), -1);
+}
+
+TEST_F(HelicopterTest, PosesOfTheKeyboardFlightReachThePrefab) {
+    HelicopterCorax& heli = make(false);
+    heli.set_heading(-50);
+    heli.set_pitch(4);
+    heli.set_roll(-6);
+    const dvec3 hpr = heli.m_prefab->getWgsHPR();
+    EXPECT_NEAR(hpr.x, 50, 1e-4);
+    EXPECT_NEAR(hpr.y, 4, 1e-4);
+    EXPECT_NEAR(hpr.z, 6, 1e-4);
+    heli.set_attitude({10, 2, 3});
+    EXPECT_NEAR(heli.m_prefab->getWgsHPR().x, 10, 1e-4);
+}
+
+TEST_F(HelicopterTest, MissingPrefabIsLoggedAndEveryStepSkipsIt) {
+    LogCapture log;
+    HelicopterCorax& heli = make(false, "none.prefab");
+    ASSERT_EQ(log.lines.size(), 2u); // why, and what follows from it
+    EXPECT_EQ(log.lines[1], "HelicopterCorax::HelicopterCorax: \"none.prefab\" can not be loaded");
+    EXPECT_EQ(heli.m_wing, nullptr);
+    EXPECT_EQ(heli.m_body, nullptr);
+    heli.update(1 / 60.0f);
+    heli.update_input(1 / 60.0f);
+    heli.toggle_wiper();
+    heli.set_heading(3);
+    heli.remove_prefab();
+    heli.update(1 / 60.0f);
+    EXPECT_EQ(heli.get_world_transform(), dmat4_identity);
+    EXPECT_TRUE(world.getNodes().empty());
+}
+
+} // namespace

@@ -1,0 +1,183 @@
+// SPDX-License-Identifier: MIT
+#include "heli/logic/HandOper.h"
+#include "heli/logic/records.h"
+#include "testkit/LogicScene.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace ig;
+
+using Mode = Logic_Nerith_Heli_Final;
+
+TEST(GroundReference, HigherOfTerrainAndSeaDecides) {
+    LogicScene scene;
+    scene.addToWorld("name: ocean, type: ocean");
+    auto* terrain = new FlatTerrain(7);
+    terrain->setName("terrain");
+    scene.extra_nodes.push_back(terrain);
+    ASSERT_TRUE(scene.start());
+    const HelicopterCorax& heli = *scene.logic->m_heli;
+    scene.frame();
+    EXPECT_NEAR(heli.get_ground_height(), 7, 1e-6);
+    EXPECT_FALSE(heli.is_over_water());
+    terrain->m_altitude = -20;
+    scene.frame();
+    EXPECT_NEAR(heli.get_ground_height(), 0, 1e-6);
+    EXPECT_TRUE(heli.is_over_water());
+    terrain->m_exists = false;
+    scene.frame();
+    EXPECT_TRUE(heli.is_over_water());
+    terrain->m_exists = true;
+    terrain->m_altitude = 3;
+    scene.frame();
+    EXPECT_FALSE(heli.is_over_water());
+}
+
+TEST(GroundReference, WithoutBothItIsFarBelow) {
+    LogicScene scene;
+    ASSERT_TRUE(scene.start());
+    scene.logic->m_heli->set_over_water(true);
+    scene.frame();
+    EXPECT_EQ(scene.logic->m_heli->get_ground_height(), -1e9f);
+    EXPECT_FALSE(scene.logic->m_heli->is_over_water());
+}
+
+TEST(Commander, HandsSwingBetweenTheirLimitsTogether) {
+    LogicScene scene;
+    scene.folder.write("cmder.prefab", "node: {name: r, children: [{name: left_hand}, "
+                                       "{name: arm, children: [{name: right_hand}]}]}\n");
+    scene.addToWorld("name: cmder, type: prefab, path: cmder.prefab");
+    ASSERT_TRUE(scene.start());
+    HandOper& hands = *scene.logic->m_cmder;
+    auto* commander = static_cast<ObjectPrefab*>(scene.world->getNodeByName("cmder"));
+    scene.frame(0.25f);
+    EXPECT_NEAR(hands.m_angle, 30, 1e-4);
+    for (const char* name : {"left_hand", "right_hand"})
+        EXPECT_NEAR(commander->getNodeByName(name)->getRotation().toEulerZXY().x, 30, 1e-4);
+    scene.frame(1);
+    EXPECT_EQ(hands.m_angle, 45);
+    EXPECT_EQ(hands.m_swing_dir, -1);
+    scene.frame(1);
+    EXPECT_EQ(hands.m_angle, -45);
+    EXPECT_EQ(hands.m_swing_dir, 1);
+}
+
+TEST(Cables, AnchorsArePinnedToTheirMountsAfterTheHelicopterMoved) {
+    LogicScene scene;
+    ASSERT_TRUE(scene.start());
+    auto* anchor = new Node();
+    auto* load = new ObjectPrefab("none.prefab");
+    scene.world->addNode(anchor);
+    scene.world->addNode(load);
+    scene.logic->m_winch_info->prefab = load;
+    scene.logic->m_winch_info->anchor = anchor;
+    UdpRecvData record = LogicScene::record();
+    record.heading = 90;
+    record.altitude = 100;
+    scene.send(record);
+    scene.frame();
+    const dvec3 expected = scene.helicopterNode("winch")->getWorldPosition();
+    EXPECT_LT(length(anchor->getWorldPosition() - expected), 1e-8);
+    scene.logic->m_winch_info->anchor = nullptr; // a prefab without an anchor
+    scene.frame();
+}
+
+TEST(RadarCamera, HangsAboveTheHelicopterLookingDownWithItsHeadingUp) {
+    LogicScene scene;
+    ASSERT_TRUE(scene.start());
+    Camera radar(NODE_CAMERA_RADAR);
+    scene.logic->m_radar_object = &radar;
+    UdpRecvData record = LogicScene::record();
+    record.heading = 120;
+    record.pitch = 8;
+    scene.send(record);
+    scene.frame();
+    EXPECT_NEAR(EllipsoidModel().toWGS(radar.getWorldPosition()).z, LogicScene::ALTITUDE + 10,
+                1e-6);
+    const dmat4 local = radar.getWGSTransform();
+    const dmat3 view = transpose(local.getMat3()) * radar.getWorldTransform().getMat3();
+    EXPECT_NEAR(view.getZ().z, 1, 1e-9); // looks along −Z: straight down
+    EXPECT_NEAR(view.getY().x, std::sin(120 * DEG_TO_RAD<double>), 1e-9);
+    EXPECT_NEAR(view.getY().y, std::cos(120 * DEG_TO_RAD<double>), 1e-9);
+    scene.logic->m_radar_object = nullptr;
+}
+
+TEST(Views, F1CyclesAndEachModePlacesTheCamera) {
+    LogicScene scene;
+    ASSERT_TRUE(scene.start());
+    Logic_Nerith_Heli_Final& logic = *scene.logic;
+    scene.frame();
+    const dmat4 third = scene.camera.getTransform();
+    const auto press = [&] {
+        scene.control.keyDown(KEY_F1);
+        scene.frame();
+        scene.control.keyUp(KEY_F1);
+    };
+    press();
+    EXPECT_EQ(logic.m_player_mode, Mode::PLAYER_MODE_FREE);
+    EXPECT_EQ(scene.camera.getTransform(), third); // starts from the present view
+    UdpRecvData record = LogicScene::record();
+    record.altitude = 200;
+    record.heading = 130;
+    scene.send(record);
+    scene.frame();
+    EXPECT_EQ(scene.camera.getTransform(), third); // nobody moves it
+    press();
+    EXPECT_EQ(logic.m_player_mode, Mode::PLAYER_MODE_FIRST);
+    const dmat4 eye = scene.helicopterNode("cam_first_player")->getWorldTransform();
+    EXPECT_LT(length(scene.camera.getTransform().getTranslate() - eye.getTranslate()), 1e-8);
+    EXPECT_LT(length(scene.camera.getTransform().getZ() - eye.getZ()), 1e-9);
+    logic.change_view();
+    EXPECT_EQ(logic.m_player_mode, Mode::PLAYER_MODE_THIRD);
+    // First exactly where the third view left it, then after the helicopter again.
+    EXPECT_LT(length(scene.camera.getTransform().getTranslate() - third.getTranslate()), 1e-8);
+    scene.frame();
+    EXPECT_NEAR(
+        length(scene.camera.getTransform().getTranslate() - logic.m_heli->get_world_position()), 25,
+        1e-8);
+}
+
+TEST(Events, WheelZoomsTheThirdViewOnlyAndGTogglesTheProjector) {
+    LogicScene scene;
+    ASSERT_TRUE(scene.start());
+    Logic_Nerith_Heli_Final& logic = *scene.logic;
+    logic.onMouseWheel({120, 1}, nullptr); // up: nearer
+    EXPECT_EQ(logic.m_third_dist, 24);
+    EXPECT_NEAR(length(logic.m_third_cam_pos - logic.m_heli->get_world_position()), 24, 1e-8);
+    logic.onMouseWheel({-120, 0}, nullptr);
+    EXPECT_EQ(logic.m_third_dist, 25);
+    for (int i = 0; i < 40; i++)
+        logic.onMouseWheel({120, 1}, nullptr);
+    EXPECT_EQ(logic.m_third_dist, 1);
+    logic.set_player_mode(Mode::PLAYER_MODE_FREE);
+    logic.onMouseWheel({-120, 0}, nullptr);
+    EXPECT_EQ(logic.m_third_dist, 1);
+
+    const Node* projector = scene.helicopterNode("front_proj");
+    logic.onKeyRelease({'g'}, nullptr);
+    EXPECT_TRUE(projector->isEnabled());
+    logic.onKeyRelease({'h'}, nullptr);
+    EXPECT_TRUE(projector->isEnabled());
+    logic.onKeyRelease({'g'}, nullptr);
+    EXPECT_FALSE(projector->isEnabled());
+}
+
+TEST(Events, Message654321LevelsTheCamera) {
+    LogicScene scene;
+    ASSERT_TRUE(scene.start());
+    scene.camera_control.m_rotation =
+        normalize(scene.camera_control.m_rotation * dquat(dvec3(0, 0, 1), 25));
+    scene.camera_control.updateView();
+    UiMsg other{123456}, level{654321};
+    MsgMngr::get()->send(&other);
+    const auto tilt = [&] {
+        return dot(scene.camera.getTransform().getY(), normalize(scene.camera.getPosition()));
+    };
+    EXPECT_LT(tilt(), 0.95);
+    MsgMngr::get()->send(&level);
+    EXPECT_NEAR(tilt(), 1, 1e-12);
+}
+
+} // namespace

@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: MIT
+#include "testkit/LogicScene.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace ig;
+
+using Mode = Logic_Nerith_Heli_Final;
+const EllipsoidModel EARTH;
+
+struct NavigationTest : testing::Test {
+    void SetUp() override {
+        ASSERT_TRUE(scene.start());
+        scene.frame();
+    }
+    Logic_Nerith_Heli_Final& logic() { return *scene.logic; }
+    dvec3 position() { return scene.camera.getPosition(); }
+    dvec3 axis(double x, double y, double z) {
+        return scene.camera.getTransform().getMat3() * dvec3(x, y, z);
+    }
+    void hold(std::initializer_list<int> keys) {
+        scene.control.releaseAll();
+        scene.control.setLeftButton(true);
+        for (int key : keys)
+            scene.control.keyDown(key);
+    }
+    LogicScene scene;
+};
+
+TEST_F(NavigationTest, OrbitTurnsAboutTheHelicopterAndTheLocalVertical) {
+    const dvec3 pivot = logic().m_heli->get_world_position();
+    const dvec3 up = EARTH.getUp(position());
+    const dvec3 arm = position() - pivot;
+    EXPECT_FALSE(logic().rot_around(0, 0));
+    EXPECT_TRUE(logic().rot_around(90, 0));
+    const dvec3 turned = position() - pivot;
+    EXPECT_NEAR(length(turned), 25, 1e-7);
+    EXPECT_NEAR(dot(turned, up), dot(arm, up), 1e-4);           // level
+    EXPECT_LT(length(turned - cross(up, arm)), 1e-3);           // a quarter turn, counter-clockwise
+    EXPECT_LT(length(axis(0, 0, 1) - normalize(turned)), 1e-9); // still looks at it
+    EXPECT_TRUE(logic().rot_around(0, -30));
+    EXPECT_NEAR(dot(position() - pivot, up), 25 * std::sin(30 * DEG_TO_RAD<double>), 0.01);
+}
+
+TEST_F(NavigationTest, DragOrbitsAndThePolledWheelScalesTheDistance) {
+    scene.control.setLeftButton(true);
+    scene.control.moveMouse(40, 0);
+    const dvec3 before = position() - logic().m_heli->get_world_position();
+    scene.frame();
+    const dvec3 after = position() - logic().m_heli->get_world_position();
+    const double angle = 40 * scene.control.getMouseSensitivity() * DEG_TO_RAD<double>;
+    EXPECT_NEAR(dot(before, after) / 625, std::cos(angle), 1e-6);
+    scene.frame(); // no motion: nothing turns
+    EXPECT_LT(length(position() - logic().m_heli->get_world_position() - after), 1e-6);
+    for (int i = 0; i < 10; i++) {
+        scene.control.rollWheel(-1);
+        scene.frame();
+    }
+    EXPECT_NEAR(logic().m_third_dist, 25 * std::pow(1.1, 10), 1e-3);
+    scene.control.rollWheel(1);
+    scene.frame();
+    EXPECT_NEAR(logic().m_third_dist, 25 * std::pow(1.1, 10) * 0.9, 1e-3);
+    logic().m_third_dist = 25;
+    logic().on_third_view_wheel(30);
+    EXPECT_EQ(logic().m_third_dist, 1);
+}
+
+TEST_F(NavigationTest, FreeFlightMovesAlongTheCamerasAxesAtItsSpeed) {
+    logic().set_player_mode(Mode::PLAYER_MODE_FREE);
+    logic().setCamSpeed(200);
+    const auto moved = [&](std::initializer_list<int> keys) {
+        const dvec3 before = position();
+        hold(keys);
+        scene.frame(0.5f);
+        return position() - before;
+    };
+    EXPECT_LT(length(moved({'w'}) - axis(0, 0, -100)), 1e-6);
+    EXPECT_LT(length(moved({'a', KEY_SHIFT}) - axis(-400, 0, 0)), 1e-6);
+    EXPECT_LT(length(moved({'s', 'd'}) - axis(100, 0, 100)), 1e-6);
+    EXPECT_LT(length(moved({'w', 's'})), 1e-8);
+    EXPECT_EQ(moved({'w', KEY_CTRL}), dvec3());
+    scene.control.releaseAll();
+    scene.control.keyDown('w'); // without the mouse button
+    const dvec3 before = position();
+    scene.frame();
+    EXPECT_EQ(position(), before);
+}
+
+TEST_F(NavigationTest, MouseLookTurnsAboutTheVerticalAndTheCamerasOwnXAxis) {
+    logic().set_player_mode(Mode::PLAYER_MODE_FREE);
+    const auto look = [&](float dx, float dy) {
+        scene.control.moveMouse(dx / scene.control.getMouseSensitivity(),
+                                dy / scene.control.getMouseSensitivity());
+        scene.frame();
+    };
+    const dvec3 up = normalize(position()), ahead = axis(0, 0, -1);
+    look(10, 10);
+    EXPECT_EQ(axis(0, 0, -1), ahead); // no button
+    scene.control.keyDown(KEY_CTRL);
+    scene.control.setRightButton(true);
+    look(10, 10);
+    EXPECT_EQ(axis(0, 0, -1), ahead); // Ctrl held
+    scene.control.keyUp(KEY_CTRL);
+    look(10, 0); // to the right
+    EXPECT_LT(length(axis(0, 0, -1) - dquat(up, -10) * ahead), 1e-6);
+    const dvec3 level = axis(0, 0, -1), right = axis(1, 0, 0);
+    look(0, 20); // downwards
+    EXPECT_LT(length(axis(0, 0, -1) - dquat(right, -20) * level), 1e-6);
+}
+
+TEST_F(NavigationTest, GeodeticCameraPositionReadsBack) {
+    const dvec3 geo(-154.5, 19.25, 1234.5);
+    logic().set_cam_pos_geo(geo);
+    EXPECT_LT(length(logic().get_cam_pos_geo() - geo), 1e-8);
+    EXPECT_LT(length(position() - EARTH.toWorld(geo)), 1e-8);
+    logic().m_heli->set_collective(0.75f);
+    EXPECT_EQ(logic().get_heli_thr(), 0.75f);
+}
+
+// ------------------------------------------------------------------ picking
+
+TEST(Picking, NearestVisibleSurfaceWins) {
+    LogicScene scene;
+    const auto at = [](double altitude) {
+        return "wgs: [-155.06, 19.71, " + std::to_string(altitude) + "]";
+    };
+    // The upper of the slab's two surfaces comes second in its file.
+    scene.folder.write("slab.mtl", "newmtl a\nnewmtl b\n");
+    scene.folder.write("slab.obj", "mtllib slab.mtl\no slab\nv -9 -9 0\nv 9 -9 0\nv 9 9 0\n"
+                                   "v -9 -9 3\nv 9 -9 3\nv 9 9 3\nusemtl a\nf 1 2 3\n"
+                                   "usemtl b\nf 4 5 6\n");
+    scene.folder.write("roof.prefab", "node: {name: r, children: [{name: roof, type: mesh, mesh: "
+                                      "square.obj, position: [0, 0, 20]}]}\n");
+    scene.addToWorld("name: group, children: [{name: attic, type: mesh, mesh: square.obj, "
+                     "children: [{name: chimney, type: mesh, mesh: square.obj, position: "
+                     "[0, 0, 1]}]}], " +
+                     at(30));
+    scene.addToWorld("name: house, type: prefab, path: roof.prefab, " + at(0));
+    scene.addToWorld("name: slab, type: mesh, mesh: slab.obj, " + at(15));
+    scene.addToWorld("name: twin1, type: mesh, mesh: square.obj, " + at(12));
+    scene.addToWorld("name: twin2, type: mesh, mesh: square.obj, " + at(12));
+    ASSERT_TRUE(scene.start());
+    const dvec3 top = scene.logic->m_heli->get_world_position();
+    const dvec3 bottom = top - EARTH.getUp(top) * 100.0;
+    dvec3 hit;
+    const auto pick = [&] {
+        const Object* object = scene.logic->select_object(top, bottom, &hit);
+        return object ? std::string(object->getName()) : std::string();
+    };
+    const auto disable = [&](const char* name) {
+        scene.world->getNodeByName(name)->setEnabled(false);
+    };
+    // What hangs below a group, and below another object, is met as well.
+    EXPECT_EQ(pick(), "chimney");
+    disable("chimney");
+    EXPECT_EQ(pick(), "attic");
+    disable("group"); // an invisible object is ignored though enabled itself
+    EXPECT_EQ(pick(), "roof");
+    EXPECT_NEAR(EARTH.toWGS(hit).z, 20, 1e-6);
+    auto* house = static_cast<ObjectPrefab*>(scene.world->getNodeByName("house"));
+    house->getNodeByName("roof")->setEnabled(false); // a disabled object of an enabled prefab
+    EXPECT_EQ(pick(), "slab");
+    EXPECT_NEAR(EARTH.toWGS(hit).z, 18, 1e-6);
+    disable("slab");
+    EXPECT_EQ(pick(), "twin1"); // of equal distances the earlier candidate
+    disable("twin1");
+    disable("twin2");
+    EXPECT_EQ(pick(), "deck");
+    disable("deck");
+    hit = dvec3(1, 2, 3);
+    EXPECT_EQ(pick(), "");
+    EXPECT_EQ(hit, dvec3(1, 2, 3));
+}
+
+TEST(Picking, WithoutWorldItIsAnErrorLine) {
+    LogCapture log;
+    CameraControl control(nullptr);
+    Logic_Nerith_Heli_Final logic(nullptr, &control);
+    EXPECT_EQ(logic.select_object({}, {1, 0, 0}, nullptr), nullptr);
+    EXPECT_EQ(log.lines,
+              (std::vector<std::string>{"Logic_Nerith_Heli_Final::select_object:world"}));
+}
+
+TEST(Picking, RayThroughAPixelProjectsBackOntoIt) {
+    LogicScene scene;
+    ASSERT_TRUE(scene.start());
+    const dvec3 p = scene.logic->get_ray_to(320, 540); // a quarter from the left, three down
+    const dvec3 eye = scene.camera.toLocal(p);
+    const dmat4& projection = scene.camera.getProjection();
+    EXPECT_NEAR(projection.columns[0].x * eye.x / -eye.z, -0.5, 1e-6);
+    EXPECT_NEAR(projection.columns[1].y * eye.y / -eye.z, -0.5, 1e-6);
+    EXPECT_NEAR(-eye.z, 1e7, 1);
+}
+
+} // namespace

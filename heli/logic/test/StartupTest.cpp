@@ -1,0 +1,241 @@
+// SPDX-License-Identifier: MIT
+#include "heli/kit/UdpDataKit.h"
+#include "heli/logic/HandOper.h"
+#include "ig/base/jAllocator.h"
+#include "ig/net/SocketUDP.h"
+#include "plugins/ocean/ObjectOcean.h"
+#include "testkit/LogicScene.h"
+
+#include <gtest/gtest.h>
+#include <map>
+
+namespace {
+
+using namespace ig;
+
+extern "C" LogicBase* CreateLogic(World*, CameraControl*);
+
+/// What the memory tracker holds, by source and function.
+std::map<std::string, int> tracked() {
+    std::map<std::string, int> count;
+    memForEach([&](const MemInfo& info) { count[std::string(info.file) + "|" + info.function]++; });
+    return count;
+}
+
+TEST(Startup, WorldWithoutStartMarkerCreatesNothing) {
+    const auto before = tracked(); // tracks of earlier tests
+    LogicScene scene;
+    scene.folder.write("data/PELMAR_PROJECT/PELMAR_PROJECT.world", "nodes: []\n");
+    World world;
+    auto* logic = static_cast<Logic_Nerith_Heli_Final*>(CreateLogic(&world, &scene.camera_control));
+    EXPECT_FALSE(logic->init());
+    EXPECT_EQ(logic->m_heli, nullptr);
+    EXPECT_EQ(logic->m_udp_recv, nullptr);
+    EXPECT_TRUE(world.getNodes().empty());
+    EXPECT_TRUE(scene.log.lines.empty());
+    auto expected = before;
+    expected["src/logic/Logic_Nerith_Heli_Final|CreateLogic"] = 1;
+    EXPECT_EQ(tracked(), expected);
+    // Keys and wheel before the helicopter exists.
+    logic->onKeyRelease({'g'}, nullptr);
+    logic->onMouseWheel({120, 1}, nullptr);
+    EXPECT_EQ(logic->m_third_dist, 25);
+    logic->release();
+    delete static_cast<LogicBase*>(logic);
+    EXPECT_EQ(tracked(), before);
+}
+
+TEST(Startup, OutOfMemoryIsANullLogic) {
+    jAllocator::get()->setLimit(jAllocator::get()->getUsed() + 64);
+    World world;
+    CameraControl control(nullptr);
+    EXPECT_EQ(CreateLogic(&world, &control), nullptr);
+    jAllocator::get()->setLimit(0);
+}
+
+TEST(Startup, PlacesTheHelicopterAndReadsItsMounts) {
+    LogicScene scene;
+    ASSERT_TRUE(scene.start());
+    const Logic_Nerith_Heli_Final& logic = *scene.logic;
+    const dvec3 wgs = scene.helicopterWgs();
+    EXPECT_NEAR(wgs.x, LogicScene::LONGITUDE, 1e-12);
+    EXPECT_NEAR(wgs.z, LogicScene::ALTITUDE, 1e-8);
+    EXPECT_NEAR(logic.m_heli->m_prefab->getWgsHPR().x, 30, 1e-9);
+    EXPECT_EQ(logic.m_first_view_transform.getTranslate(), dvec3(0.5, 4, 1));
+    EXPECT_EQ(logic.m_dispensers[1].getTranslate(), dvec3(-1, -2, 0));
+    EXPECT_EQ(logic.m_dispensers[5].getTranslate(), dvec3(1, -3, 0));
+    EXPECT_EQ(logic.m_dispensers[0], dmat4_identity); // the prefab has no dl_0
+    EXPECT_EQ(logic.m_sonar_mount.getTranslate(), dvec3(0, 1, -1));
+    EXPECT_EQ(logic.m_winch_mount.getTranslate(), dvec3(1.5, 1, 1));
+    EXPECT_EQ(logic.m_deflector_mount.getTranslate(), dvec3(0, 3, 2));
+    EXPECT_FALSE(scene.helicopterNode("front_proj")->isEnabled());
+    EXPECT_EQ(logic.m_player_mode, Logic_Nerith_Heli_Final::PLAYER_MODE_THIRD);
+    // The camera stands 25 m behind, at the height of the helicopter, and looks at it.
+    const dvec3 to_camera = logic.m_third_cam_pos - logic.m_heli->get_world_position();
+    EXPECT_NEAR(length(to_camera), 25, 1e-8);
+    EXPECT_NEAR(dot(normalize(to_camera), scene.camera.getTransform().getZ()), 1, 1e-12);
+    EXPECT_EQ(logic.m_ocean, nullptr);
+    EXPECT_EQ(logic.m_terrain, nullptr);
+    EXPECT_EQ(logic.m_cmder->m_root, nullptr);
+    scene.frame(); // nothing that is missing matters
+}
+
+TEST(Startup, FindsTheWorldsFixedNodes) {
+    LogicScene scene;
+    scene.addToWorld("name: rain, type: particles, enabled: true");
+    scene.addToWorld("name: hail, type: particles, enabled: false");
+    scene.addToWorld("name: snow, type: particles, enabled: false");
+    scene.addToWorld("name: ocean, type: ocean");
+    scene.addToWorld("name: cmder"); // exists, but is no prefab
+    auto* terrain = new FlatTerrain(3);
+    terrain->setName("terrain");
+    scene.extra_nodes.push_back(terrain);
+    ASSERT_TRUE(scene.start());
+    EXPECT_TRUE(scene.logic->m_raining);
+    EXPECT_EQ(scene.logic->m_hail->getName(), "hail");
+    EXPECT_EQ(scene.logic->m_snow->getName(), "snow");
+    EXPECT_EQ(scene.logic->m_terrain, terrain);
+    ASSERT_NE(scene.logic->m_ocean, nullptr);
+    EXPECT_FALSE(scene.logic->m_ocean->getUseGlobalWind());
+    EXPECT_EQ(scene.logic->m_cmder->m_root, nullptr);
+}
+
+TEST(Startup, AnnouncesInOrderAndPreloadsEveryPathOnceEvenWhenFilesAreMissing) {
+    LogicScene scene;
+    std::vector<std::string> heard;
+    struct Listener {
+        std::vector<std::string>* heard;
+        void prefab(ObjectPrefab* p, bool flag) {
+            heard->push_back("prefab " + std::string(p->getRoot()->getName()) + (flag ? "!" : ""));
+        }
+        void object(Object* o, int value) {
+            heard->push_back("object " + std::string(o->getName()) + std::to_string(value));
+        }
+        void preload(const jString& path) { heard->push_back(std::string(path)); }
+        void track(Track*) { heard->push_back("track"); }
+    } listener{&heard};
+    World world;
+    scene.world.emplace();
+    Engine::get()->setApp(&scene);
+    scene.folder.write("data/PELMAR_PROJECT/ANIM/light.anim",
+                       "channels: [{node: start_heli, keys: [[0, 1]]}]\n");
+    scene.folder.write("w.world", "nodes: [{name: start_heli, wgs: [1, 2, 3]}]\n");
+    scene.world->load("w.world");
+    scene.logic =
+        static_cast<Logic_Nerith_Heli_Final*>(CreateLogic(&*scene.world, &scene.camera_control));
+    scene.logic->m_sig_prefab_added.append({&listener, &Listener::prefab});
+    scene.logic->m_sig_object.append({&listener, &Listener::object});
+    scene.logic->m_sig_preload.append({&listener, &Listener::preload});
+    scene.logic->m_sig_track_loaded.append({&listener, &Listener::track});
+    ASSERT_TRUE(scene.logic->init());
+    const std::vector<std::string> expected = {
+        "object tail_light0",
+        "prefab helicopter!",
+        "object glass_top_left0", // "windows" is no object here
+        "track",                  // of the three only light.anim exists
+        "data/PELMAR_PROJECT/prefabs/yulei_CORAXF/yulei.prefab",
+        "data/art/prefab/vfx/explosion/explosion.prefab",
+        "data/art/prefab/vfx/explosion_1/explosion_1.prefab",
+        "data/PELMAR_PROJECT/prefabs/vfx/water_explosion/water_explosion.prefab",
+        "data/PELMAR_PROJECT/prefabs/sonar/sonar.prefab",
+        "data/PELMAR_PROJECT/prefabs/winch/winch.prefab",
+        "data/PELMAR_PROJECT/prefabs/vfx/water_drop/water_drop.prefab",
+        "data/PELMAR_PROJECT/prefabs/missile/missile.prefab",
+        "data/PELMAR_PROJECT/prefabs/sonar/sonar_rope.prefab",
+        "data/PELMAR_PROJECT/prefabs/vfx/decoy/decoy.prefab",
+    };
+    EXPECT_EQ(heard, expected);
+    EXPECT_TRUE(scene.logic->get_track("data/PELMAR_PROJECT/ANIM/light.anim"));
+    const auto failed = [&](const char* path) {
+        const std::string line =
+            std::string("Logic_Nerith_Heli_Final::load_track:\"") + path + "\" load failed";
+        return std::count(scene.log.lines.begin(), scene.log.lines.end(), line);
+    };
+    EXPECT_EQ(failed("data/PELMAR_PROJECT/ANIM/runway_ssr.anim"), 1);
+    EXPECT_EQ(failed("data/PELMAR_PROJECT/ANIM/light.anim"), 0);
+}
+
+TEST(Startup, ConsoleShowsPortAndAddress) {
+    LogicScene scene;
+    testing::internal::CaptureStdout();
+    ASSERT_TRUE(scene.start());
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "接收飞仿数据端口：" + std::to_string(scene.receive_port) + "\n飞仿IP：127.0.0.1\n");
+}
+
+TEST(Startup, WithoutConfigurationTheDefaultsShow) {
+    LogicScene scene;
+    std::filesystem::remove_all(scene.folder.path() / "config");
+    testing::internal::CaptureStdout();
+    ASSERT_TRUE(scene.start());
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "接收飞仿数据端口：10004\n飞仿IP：127.0.0.1\n");
+}
+
+TEST(Startup, PortInUseStillStartsAndNeverReceives) {
+    LogicScene scene;
+    UdpPeer occupant;
+    scene.folder.write("config/Logic_Nerith_Heli_Final.cfg",
+                       "recv_from_flightSimulation_port: " + std::to_string(occupant.port()) +
+                           "\n");
+    EXPECT_TRUE(scene.start());
+    EXPECT_EQ(scene.logic->m_udp_recv->m_socket, nullptr);
+    EXPECT_EQ(std::count(scene.log.lines.begin(), scene.log.lines.end(),
+                         "UdpRecvKit::init: failed to create upd"),
+              1);
+    for (int i = 0; i < 3; i++)
+        scene.frame();
+    EXPECT_NEAR(scene.helicopterWgs().z, LogicScene::ALTITUDE, 1e-8);
+}
+
+TEST(Startup, MissingHelicopterPrefabIsLoggedAndTheFramesGoOn) {
+    LogicScene scene;
+    std::filesystem::remove(scene.folder.path() / LogicScene::HELICOPTER);
+    ASSERT_TRUE(scene.start());
+    scene.send(LogicScene::record());
+    for (int i = 0; i < 3; i++)
+        scene.frame();
+    EXPECT_TRUE(scene.feedback().has_value());
+    scene.logic->reset();
+}
+
+// Exactly what outlives the logic: the loaded tracks. Everything else is given back, also on a
+// second release, whether it was freed by us or by the world.
+TEST(Release, LeavesOnlyTheTracksInTheMemoryTracker) {
+    const auto before = tracked(); // tracks of earlier tests
+    LogicScene scene;
+    scene.useProjectData();
+    ASSERT_TRUE(scene.start());
+    EXPECT_EQ(tracked()["src/kit/HelicopterCorax|HelicopterCorax::HelicopterCorax"], 1);
+    EXPECT_EQ(tracked()["src/kit/UdpDataKit|UdpRecvKit::init"], 1);
+    EXPECT_EQ(tracked()["src/kit/UdpDataKit|UdpSendKit::init"], 1);
+    for (int i = 0; i < 10; i++)
+        scene.frame();
+    scene.send(LogicScene::record());
+    scene.frame();
+    scene.logic->release();
+    EXPECT_EQ(scene.logic->m_heli, nullptr);
+    EXPECT_EQ(scene.logic->m_udp_recv, nullptr);
+    EXPECT_EQ(scene.logic->m_sonar_info, nullptr);
+    EXPECT_TRUE(SocketUDP::getOpenSockets().empty());
+    scene.logic->release();
+    scene.stop();
+    auto expected = before;
+    expected["src/logic/Logic_Nerith_Heli_Final|Logic_Nerith_Heli_Final::load_track"] += 3;
+    EXPECT_EQ(tracked(), expected);
+}
+
+TEST(Logic, CopyIsUnattachedAndSharesThePointers) {
+    LogicScene scene;
+    ASSERT_TRUE(scene.start());
+    {
+        Logic_Nerith_Heli_Final copy(*scene.logic);
+        EXPECT_FALSE(copy.isAttached());
+        EXPECT_EQ(copy.m_heli, scene.logic->m_heli);
+        EXPECT_EQ(copy.getCamSpeed(), 100);
+    } // its destruction frees nothing
+    scene.frame();
+    EXPECT_TRUE(scene.feedback().has_value());
+}
+
+} // namespace

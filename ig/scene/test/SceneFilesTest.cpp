@@ -1,0 +1,271 @@
+// SPDX-License-Identifier: MIT
+#include "ig/math/EllipsoidModel.h"
+#include "ig/package/PackageManager.h"
+#include "ig/physics/Body.h"
+#include "ig/scene/Camera.h"
+#include "ig/scene/ObjectPrefab.h"
+#include "ig/scene/SceneObjects.h"
+#include "ig/scene/Track.h"
+#include "ig/scene/World.h"
+#include "testkit/LogCapture.h"
+#include "testkit/TempFolder.h"
+
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace ig {
+namespace {
+
+struct SceneFiles : testing::Test {
+    ~SceneFiles() override {
+        world.clear();
+        MaterialManager::release();
+        PackageManager::release();
+    }
+    bool load(const std::string& text) {
+        folder.write("a.world", text);
+        PackageManager::release();
+        return world.load("a.world");
+    }
+    Object* object(const char* name) { return static_cast<Object*>(world.getNodeByName(name)); }
+    bool logged(const std::string& part) {
+        return std::any_of(log.lines.begin(), log.lines.end(), [&](const std::string& line) {
+            return line.find(part) != std::string::npos;
+        });
+    }
+    WorkingFolder folder;
+    LogCapture log;
+    World world;
+};
+
+// Two groups, the second of two materials; a tetrahedron and a square cut into two triangles.
+const char* const TWO_PARTS = R"(mtllib parts.mtl
+o tetra
+v 0 0 0
+v 1 0 0
+v 0 1 0
+v 0 0 1
+usemtl red
+f 1 3 2
+f 1 2 4
+f 1 4 3
+f 2 3 4
+o square
+v 0 0 5
+v 2 0 5
+v 2 2 5
+v 0 2 5
+usemtl red
+f 5 6 7
+usemtl blue
+f 5 7 8
+)";
+
+TEST_F(SceneFiles, MeshPartsSurfacesAndTheirSwitches) {
+    folder.write("parts.obj", TWO_PARTS);
+    folder.write("parts.mtl", "newmtl red\nKd 1 0 0\nnewmtl blue\nKd 0 0 1\n");
+    folder.write("red.mat", "parameters: {diffuse_color: [1, 0, 0, 0.5], density: 0.25}\n");
+    ASSERT_TRUE(load("nodes:\n"
+                     "- {name: all, type: mesh, mesh: parts.obj}\n"
+                     "- name: square\n  type: mesh\n  mesh: parts.obj#square\n"
+                     "  surfaces: [{material: red.mat}, {intersect: false}]\n"));
+    EXPECT_TRUE(log.lines.empty()) << log.lines.front();
+    EXPECT_EQ(object("all")->getNumSurfaces(), 3);
+    Object* square = object("square");
+    ASSERT_EQ(square->getNumSurfaces(), 2);
+    dvec3 hit;
+    // Over the first triangle (x > y) and the second, which takes no part.
+    EXPECT_TRUE(square->getIntersection(0, {1.5, 0.5, 9}, {1.5, 0.5, -9}, &hit));
+    EXPECT_LT(length(hit - dvec3(1.5, 0.5, 5)), 1e-9);
+    EXPECT_FALSE(square->getIntersection(1, {0.5, 1.5, 9}, {0.5, 1.5, -9}, &hit));
+    EXPECT_FALSE(square->getIntersection(0, {0.5, 1.5, 9}, {0.5, 1.5, -9}, nullptr));
+    EXPECT_FALSE(square->getIntersection(7, {1.5, 0.5, 9}, {1.5, 0.5, -9}, nullptr));
+    Material* red = square->getSurfaceMaterial(0);
+    ASSERT_NE(red, nullptr);
+    EXPECT_EQ(red->getParameterValue(red->findParameterIDByTag("diffuse_color")),
+              vec4(1, 0, 0, 0.5f));
+    EXPECT_EQ(red->findParameterIDByTag("nothing"), -1);
+    square->setSurfaceMaterialInherit(0, true); // a copy that changes alone
+    Material* own = square->getSurfaceMaterial(0);
+    own->setParameterSlider(own->findParameterIDByTag("density"), 1);
+    EXPECT_EQ(red->getParameterSlider(red->findParameterIDByTag("density")), 0.25f);
+    square->setSurfaceMaterialInherit(0, false);
+    EXPECT_EQ(square->getSurfaceMaterial(0), red);
+    EXPECT_EQ(square->getSurfaceMaterial(1), nullptr);
+}
+
+TEST_F(SceneFiles, GltfIsTurnedFromYUp) {
+    // One triangle (0,0,0) (1,0,0) (0,0,-1) in a base64 buffer; glTF: Y up, −Z ahead.
+    folder.write("t.gltf", R"({"asset":{"version":"2.0"},"scene":0,"scenes":[{"nodes":[0]}],
+"nodes":[{"name":"t","mesh":0}],"meshes":[{"primitives":[{"attributes":{"POSITION":0}}]}],
+"buffers":[{"byteLength":36,"uri":"data:application/octet-stream;base64,AAAAAAAAAAAAAAAAAACAPwAAAAAAAAAAAAAAAAAAAAAAAIC/"}],
+"bufferViews":[{"buffer":0,"byteLength":36}],
+"accessors":[{"bufferView":0,"componentType":5126,"count":3,"type":"VEC3","min":[0,0,-1],"max":[1,0,0]}]})");
+    const auto mesh = Mesh::get("t.gltf");
+    ASSERT_NE(mesh, nullptr);
+    const auto& positions = mesh->getSurface(0).positions;
+    ASSERT_EQ(positions.size(), 3u);
+    EXPECT_EQ(positions[1], vec3(1, 0, 0));
+    EXPECT_EQ(positions[2], vec3(0, 1, 0)); // ahead is Y
+    EXPECT_NEAR(mesh->getSurface(0).normals[0].z, 1, 1e-6);
+}
+
+TEST_F(SceneFiles, EverySlipIsReportedWithItsLineAndTheRestIsLoaded) {
+    folder.write("bad.obj", "v 1 2 3\n");
+    folder.write("lines.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nl 1 2\nf 1 2 3\n");
+    folder.write("huge.obj", "v 3e38 0 0\nv -3e38 0 0\nv 0 1 0\nf 1 2 3\n");
+    folder.write("bad.mat", "parameters:\n  a: 1\n  b: red\n");
+    ASSERT_TRUE(load("nodes:\n"
+                     "- {name: good, position: [1, 2, 3]}\n"
+                     "- {name: typo, tpye: mesh}\n"
+                     "- {name: short, position: [1, 2]}\n"
+                     "- {name: text, rotation: [a, b, c]}\n"
+                     "- {name: alien, type: spaceship}\n"
+                     "- {name: lost, type: mesh, mesh: nowhere.obj}\n"
+                     "- {name: points, type: mesh, mesh: bad.obj}\n"
+                     "- {name: ghost, body: {mass: 1, shapes: [{type: box, size: [0, 1, 1]}]}}\n"
+                     "- {name: fog, type: particles, material: bad.mat}\n"
+                     "- {name: child, children: [{name: kid, type: ufo}]}\n"
+                     "- 7\n"
+                     "- {name: lines, type: mesh, mesh: lines.obj}\n"
+                     "- {name: huge, type: mesh, mesh: huge.obj}\n"
+                     "- {name: twice, type: mesh, mesh: nowhere.obj}\n"
+                     "- {name: moor, children: [{name: buoy, wgs: [1, 2, 3]}]}\n"));
+    EXPECT_NE(world.getNodeByName("good"), nullptr);
+    for (const char* name : {"short", "text", "alien", "lost", "points", "kid", "huge", "buoy"})
+        EXPECT_EQ(world.getNodeByName(name), nullptr) << name;
+    for (const char* name : {"typo", "ghost", "fog", "child", "lines", "moor"})
+        EXPECT_NE(world.getNodeByName(name), nullptr) << name;
+    for (const char* part :
+         {"a.world:3: unknown key \"tpye\"", "a.world:4:", "a.world:5:",
+          "a.world:6: unknown type of node \"spaceship\"", "a.world:7: no mesh", "nowhere.obj",
+          "a.world:9: unknown shape", "bad.mat:3:", "a.world:11: unknown type of node \"ufo\"",
+          "a.world:12: a map is needed", "1e7 m", "a.world:16: \"wgs\""})
+        EXPECT_TRUE(logged(part)) << part;
+    EXPECT_EQ(std::count_if(log.lines.begin(), log.lines.end(),
+                            [](const std::string& line) {
+                                return line.find("Mesh::get: \"nowhere.obj\"") == 0;
+                            }),
+              1);
+}
+
+TEST_F(SceneFiles, MissingAndMalformedWorldsAreOneMessage) {
+    EXPECT_FALSE(world.load("none.world"));
+    EXPECT_EQ(log.lines.size(), 1u);
+    log.lines.clear();
+    EXPECT_FALSE(load("nodes: [\n  {name: a\n"));
+    ASSERT_EQ(log.lines.size(), 1u);
+    EXPECT_NE(log.lines[0].find("a.world:"), std::string::npos);
+    log.lines.clear();
+    EXPECT_FALSE(load("knots: []\n"));
+    EXPECT_FALSE(load("nodes: 5\n"));
+    EXPECT_EQ(log.lines.size(), 2u);
+    EXPECT_TRUE(world.getNodes().empty());
+}
+
+TEST_F(SceneFiles, PrefabsNestAndOneThatHoldsItselfEnds) {
+    folder.write("inner.prefab", "node: {name: inner_root, children: [{name: leaf}]}\n");
+    folder.write("outer.prefab", "node: {name: outer_root, children: [{name: slot, type: prefab, "
+                                 "path: inner.prefab}]}\n");
+    std::string loop_text = "node: {name: loop, children: [";
+    for (int i = 0; i < 10; i++)
+        loop_text += "{type: prefab, path: loop.prefab},";
+    folder.write("loop.prefab", loop_text + "]}\n"); // ten to the depth, if it were followed
+    const ObjectPrefab outer("outer.prefab");
+    ASSERT_TRUE(outer.isLoaded());
+    Node* leaf = outer.getNodeByName("leaf");
+    ASSERT_NE(leaf, nullptr);
+    EXPECT_EQ(leaf->getPrefabRoot()->getName(), "slot");
+    EXPECT_EQ(outer.getRoot()->getPrefabRoot(), &outer);
+    EXPECT_EQ(outer.getNodes().size(), 4);
+    EXPECT_EQ(outer.getObjects().size(), 1);
+    const ObjectPrefab loop("loop.prefab");
+    EXPECT_TRUE(logged("holds itself"));
+    log.lines.clear();
+    const ObjectPrefab none("none.prefab"), again("none.prefab");
+    EXPECT_FALSE(none.isLoaded());
+    EXPECT_EQ(none.getNodeByName("x"), nullptr);
+    EXPECT_EQ(log.lines.size(), 1u); // once per path
+}
+
+TEST_F(SceneFiles, BodyOfTheRootMovesThePrefabOnceHandedOver) {
+    folder.write("box.prefab", "node: {name: r, body: {mass: 10, center: [0, 0, 0.5], shapes: "
+                               "[{type: box, size: [1, 1, 1]}]}, children: [{name: lid}]}\n");
+    const EllipsoidModel earth;
+    auto* prefab = new ObjectPrefab("box.prefab");
+    prefab->setWorldTransform(earth.getWGSTransform(earth.toWorld({10, 20, 500})));
+    prefab->moveBodyFromRoot();
+    ASSERT_NE(prefab->getBodyRigid(), nullptr);
+    EXPECT_EQ(static_cast<Object*>(prefab->getRoot())->getBody(), nullptr);
+    world.addNode(prefab);
+    const auto altitude = [&](const Node* node) {
+        return earth.getAltitude(node->getWorldPosition());
+    };
+    for (int i = 0; i < 60; i++)
+        world.updatePhysics(1 / 60.0f);
+    const double fallen = 500 - altitude(prefab);
+    EXPECT_NEAR(fallen, 9.80665 / 3600 * 60 * 61 / 2, 1e-3);
+    EXPECT_NEAR(altitude(prefab->getNodeByName("lid")), 500 - fallen, 1e-6);
+    // Placing it stops it; disabling it lets it follow the node.
+    prefab->setWorldPosition(earth.toWorld({10, 20, 300}));
+    EXPECT_EQ(length(prefab->getBodyRigid()->getLinearVelocity()), 0);
+    prefab->getBody()->setEnabled(false);
+    world.updatePhysics(0.1f);
+    EXPECT_NEAR(altitude(prefab), 300, 1e-8);
+    prefab->setWorldPosition(earth.toWorld({10, 20, 200}));
+    EXPECT_NEAR(earth.getAltitude(prefab->getBody()->getTransform().getTranslate()), 200, 1e-8);
+    world.removeNode(prefab);
+    EXPECT_TRUE(world.getPhysics().getBodies().empty());
+}
+
+TEST_F(SceneFiles, BodyBelowAMovedNodeIsCarriedAlongAndFallsUndisturbedOtherwise) {
+    ASSERT_TRUE(load("nodes:\n- name: rack\n  wgs: [10, 20, 100]\n  children:\n"
+                     "  - {name: bomb, position: [0, 0, -2], body: {mass: 5, shapes: "
+                     "[{type: sphere, radius: 0.2}]}}\n"));
+    Node* bomb = world.getNodeByName("bomb");
+    for (int i = 0; i < 30; i++)
+        world.updatePhysics(1 / 60.0f);
+    const double speed = length(object("bomb")->getBodyRigid()->getLinearVelocity());
+    EXPECT_NEAR(speed, 9.80665 / 2, 1e-3); // reading its own pose back doesn't stop it
+    const dvec3 offset = bomb->getPosition();
+    world.getNodeByName("rack")->setWgsPosition({10, 20, 400});
+    world.updatePhysics(1 / 60.0f);
+    EXPECT_LT(length(bomb->getPosition() - offset), 0.01);
+    EXPECT_LT(length(object("bomb")->getBodyRigid()->getLinearVelocity()), 0.2);
+}
+
+TEST_F(SceneFiles, TracksDriveSlidersAndSwitches) {
+    folder.write("road.mat", "parameters: {wetness: 0.5}\n");
+    folder.write("t.anim", "channels:\n"
+                           "- {material: road.mat, parameter: wetness, keys: [[0, 0], [2, 1]]}\n"
+                           "- {node: lamp, keys: [[0, 1], [6, 1], [7, 0]]}\n"
+                           "- {node: nobody, keys: [[0, 1]]}\n");
+    ASSERT_TRUE(load("nodes: [{name: lamp}]\n"));
+    Track track;
+    ASSERT_TRUE(track.load("t.anim", &world));
+    EXPECT_EQ(track.getNumChannels(), 2);
+    EXPECT_TRUE(logged("t.anim:4: nothing to drive: \"nobody\""));
+    const Material* road = MaterialManager::get("road.mat");
+    const auto wetness = [&] {
+        return road->getParameterSlider(road->findParameterIDByTag("wetness"));
+    };
+    track.set(0.5f);
+    EXPECT_FLOAT_EQ(wetness(), 0.25f);
+    EXPECT_TRUE(world.getNodeByName("lamp")->isEnabled());
+    track.set(6.9f);
+    EXPECT_FLOAT_EQ(wetness(), 1);
+    EXPECT_FALSE(world.getNodeByName("lamp")->isEnabled());
+    track.set(std::numeric_limits<float>::quiet_NaN());
+    EXPECT_FLOAT_EQ(wetness(), 1);
+    track.set(-5);
+    EXPECT_FLOAT_EQ(wetness(), 0);
+    folder.write("bad.anim", "channels:\n- {node: lamp, keys: [[0, 1], [0, 2]]}\n");
+    EXPECT_FALSE(track.load("bad.anim", &world));
+    EXPECT_TRUE(logged("bad.anim:2:"));
+    folder.write("empty.anim", "channels: 5\n");
+    EXPECT_FALSE(track.load("empty.anim", &world));
+    EXPECT_FALSE(track.load("none.anim", &world));
+}
+
+} // namespace
+} // namespace ig

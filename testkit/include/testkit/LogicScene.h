@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "common/wire/UdpRecvData.h"
+#include "common/wire/UdpSendData.h"
+#include "heli/kit/HelicopterCorax.h"
+#include "heli/logic/Logic_Nerith_Heli_Final.h"
+#include "ig/app/ControlApp.h"
+#include "ig/app/Engine.h"
+#include "ig/scene/Camera.h"
+#include "ig/scene/CameraControl.h"
+#include "ig/scene/ObjectPrefab.h"
+#include "ig/scene/World.h"
+#include "plugins/terrain/ObjectTerrain.h"
+#include "testkit/LogCapture.h"
+#include "testkit/TempFolder.h"
+#include "testkit/UdpPeer.h"
+
+#include <optional>
+#include <vector>
+
+/// A terrain of one height everywhere; not met by segment queries.
+class FlatTerrain : public ObjectTerrain {
+public:
+    explicit FlatTerrain(double altitude) : m_altitude(altitude) { setIntersection(0, false); }
+    bool getAltitudeByLonLat(double, double, double* altitude, ig::dvec3*) const override {
+        if (altitude) *altitude = m_altitude;
+        return m_exists;
+    }
+    bool m_exists = true;
+    double m_altitude;
+};
+
+/// The logic in the test's own process: engine, world, camera, input, a working directory with
+/// small scene files, and the flight simulation's end of the link on free ports. Write or change
+/// files and add nodes before `start`.
+class LogicScene : public ig::IApp {
+public:
+    static constexpr double LONGITUDE = -155.06, LATITUDE = 19.71; ///< of "start_heli"
+    static constexpr double ALTITUDE = 40;
+    static constexpr double DECK = 10;   ///< altitude of the flat deck, 40 m × 40 m, below it
+    static const char* const HELICOPTER; ///< path of the prefab
+
+    LogicScene();
+    ~LogicScene() override;
+
+    /// Uses the project's own data folder instead of the small files.
+    void useProjectData();
+    /// Adds a node of a name to the world file's end; `rest` is YAML within a flow map.
+    void addToWorld(const std::string& rest);
+    /// The text of the small helicopter prefab; change it and write it to HELICOPTER.
+    static std::string helicopterPrefab();
+
+    /// Loads the world, creates the logic and initialises it.
+    bool start();
+    /// One frame as the host application runs it.
+    void frame(float dt = 1 / 60.0f);
+    /// Releases and destroys the logic and the world.
+    void stop();
+
+    void send(const UdpRecvData& record) { peer.send(&record, sizeof record, receive_port); }
+    /// The newest feedback that arrived.
+    std::optional<UdpSendData> feedback();
+    /// A record that leaves the helicopter at its start.
+    static UdpRecvData record();
+
+    ig::dvec3 helicopterWgs() const;
+    ig::Node* helicopterNode(const char* name) const {
+        return logic->m_heli->m_prefab->getNodeByName(name);
+    }
+
+    int getWidth() const override { return 1280; }
+    int getHeight() const override { return 720; }
+    ig::ControlApp* getControl() override { return &control; }
+
+    WorkingFolder folder;
+    LogCapture log;
+    UdpPeer peer;
+    int receive_port = UdpPeer::freePort();
+    ig::ControlApp control;
+    std::optional<ig::World> world;
+    ig::Camera camera;
+    ig::CameraControl camera_control{&camera};
+    Logic_Nerith_Heli_Final* logic = nullptr;
+    std::vector<ig::Node*> extra_nodes; ///< given to the world at the start
+
+private:
+    std::string m_world_file;
+};
