@@ -84,7 +84,8 @@ EFFECTS = ["data/art/prefab/vfx/explosion/explosion.prefab",
            f"{PREFABS}/vfx/water_drop/water_drop.prefab"]
 WORLD_NODES = {"start_heli": "node", "ocean": "ocean", "terrain": "terrain",
                "rain": "particles", "hail": "particles", "snow": "particles",
-               "cmder": "prefab", "airfield": "prefab", "SM_055_CN_2023": "prefab", "LNJ_2023": "prefab"}
+               "cmder": "prefab", "airfield": "prefab",
+               "SM_055_CN_2023": "prefab", "LNJ_2023": "prefab"}
 TRACKS = [f"{PROJECT}/ANIM/{name}.anim" for name in ("runway_ssr", "runway_ice", "light")]
 # Everything in these belongs to the helicopter or flies from it; the height ray starts among it.
 UNSEEN_BY_RAYS = [p for p in NODES if not any(ship in p for ship in SHIPS)]
