@@ -47,7 +47,7 @@ TEST(Program, AnswersWrongUseAndBadFilesWithOneMessage) {
 
 TEST(Program, FliesTheDemoMissionWithoutSending) {
     std::string output;
-    EXPECT_EQ(Program("fly data/missions/demo.yaml --dry-run").finish(&output), 0);
+    EXPECT_EQ(Program(PROGRAM_PATH, "fly data/missions/demo.yaml --dry-run").finish(&output), 0);
     EXPECT_NE(output.find("mission   demo, 15 legs, 180.0 s"), std::string::npos) << output;
     EXPECT_EQ(std::count(output.begin(), output.end(), '\n'), 183) << "a row per second, two heads";
     expectRun("fly README.absent", 1, "cannot read \"README.absent\"");

@@ -36,9 +36,7 @@ bool samePlace(const Point& a, const Point& b) {
            a.position.latitude == b.position.latitude && a.position.altitude == b.position.altitude;
 }
 
-double lateralLimit(const Leg& leg) {
-    return gravity * std::tan(leg.bank * radians);
-}
+double lateralLimit(const Leg& leg) { return gravity * std::tan(leg.bank * radians); }
 
 } // namespace
 

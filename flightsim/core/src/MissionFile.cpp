@@ -26,9 +26,7 @@ struct Fault {
     std::string what;
 };
 
-[[noreturn]] void fail(const YAML::Mark& mark, const std::string& what) {
-    throw Fault{mark, what};
-}
+[[noreturn]] void fail(const YAML::Mark& mark, const std::string& what) { throw Fault{mark, what}; }
 
 struct Key {
     std::string name;

@@ -87,9 +87,7 @@ void RecordField::write(UdpRecvData& record, double value) const {
     });
 }
 
-std::span<const RecordField> recordFields() {
-    return fields;
-}
+std::span<const RecordField> recordFields() { return fields; }
 
 const RecordField* findRecordField(std::string_view name) {
     const auto* found = std::ranges::find(fields, name, &RecordField::name);

@@ -38,9 +38,7 @@ struct Enu {
 };
 
 /// The same angle in [−180, 180].
-inline double wrap180(double degrees) {
-    return std::remainder(degrees, 360);
-}
+inline double wrap180(double degrees) { return std::remainder(degrees, 360); }
 
 /// Where a step leads.
 Geodetic moved(const Geodetic& from, const Enu& by);
