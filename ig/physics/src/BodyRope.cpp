@@ -34,6 +34,10 @@ BodyRope::BodyRope(float length, float factor)
     : m_length(length), m_factor(factor),
       m_hanging(std::max(MIN_LENGTH, static_cast<double>(length * factor))) {}
 
+BodyRope::~BodyRope() {
+    if (m_physics) m_physics->removeBody(this);
+}
+
 void BodyRope::setTransform(const dmat4& transform) {
     if (isFinite(transform) && !m_anchor) m_frame = EARTH.getWGSTransform(transform.getTranslate());
 }
@@ -105,8 +109,8 @@ void BodyRope::start(const dvec3& anchor) {
 void BodyRope::followAnchor(const dvec3& anchor, double h) {
     if (m_age < START_TIME) {
         m_age += h;
-        m_follower = anchor;
         m_follower_velocity = (anchor - m_first_place) / m_age;
+        m_follower = anchor - m_follower_velocity * (2 / FOLLOWER_RATE);
         return;
     }
     dvec3 a = (anchor - m_follower) * (FOLLOWER_RATE * FOLLOWER_RATE) -

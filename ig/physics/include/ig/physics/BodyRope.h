@@ -20,8 +20,9 @@ namespace ig {
 /// r" = g − a − c r', projected back to the length of the cable. Towards an observer on the
 /// helicopter the load is smooth; in the world it moves exactly as the helicopter is drawn.
 ///
-/// The follower starts with the mean velocity of the anchor's first half second, so that a load put
-/// out in flight does not fall behind as if it had been at rest. An anchor that moves more than
+/// The follower starts with the mean velocity v of the anchor's first half second, at the distance
+/// 2 v / ω that it keeps behind an even motion, so that a load put out in flight does not fall
+/// behind as if it had been at rest. An anchor that moves more than
 /// 15 m in one step has been put elsewhere: everything is carried along and keeps its attitude to
 /// the local vertical.
 ///
@@ -33,6 +34,7 @@ public:
 
     /// `length` as `setLength`; the cable hangs `length` × `factor` metres long.
     BodyRope(float length, float factor);
+    ~BodyRope() override;
 
     Type getType() const override { return BODY_ROPE; }
     void setEnabled(bool enabled) override { m_enabled = enabled; }
