@@ -162,6 +162,7 @@ void Channel::close() {
     }
     m_trace.close();
     MaterialManager::release();
+    Mesh::release();
     PackageManager::release();
     Engine::get()->reset();
     m_renderer.reset();

@@ -116,6 +116,7 @@ void LogicScene::stop() {
         delete node;
     extra_nodes.clear();
     MaterialManager::release();
+    Mesh::release();
     PackageManager::release();
     AppData::destroy_instance();
     Engine::get()->reset();
