@@ -101,6 +101,7 @@ void LogicScene::frame(float dt) {
     Engine::get()->beginFrame(dt);
     logic->update(dt);
     world->updatePhysics(dt);
+    world->updateParticles(dt);
     logic->swap();
     control.endFrame();
 }
@@ -115,6 +116,7 @@ void LogicScene::stop() {
         delete node;
     extra_nodes.clear();
     MaterialManager::release();
+    Mesh::release();
     PackageManager::release();
     AppData::destroy_instance();
     Engine::get()->reset();

@@ -26,6 +26,7 @@ struct HelicopterTest : testing::Test, IApp {
     ~HelicopterTest() override {
         world.clear();
         MaterialManager::release();
+        Mesh::release();
         PackageManager::release();
         Engine::get()->reset();
     }

@@ -123,19 +123,21 @@ std::shared_ptr<const Mesh> read(const std::string& reference) {
 
 } // namespace
 
-std::shared_ptr<const Mesh> Mesh::get(const jString& reference) {
-    struct Entry {
-        std::weak_ptr<const Mesh> mesh;
-        bool failed = false;
-    };
-    static std::map<jString, Entry> cache;
-    Entry& entry = cache[reference];
-    if (entry.failed) return nullptr;
-    if (auto mesh = entry.mesh.lock()) return mesh;
-    auto mesh = read(std::string(reference.view()));
-    entry = {mesh, !mesh};
-    return mesh;
+namespace {
+/// A null mesh is a failure that has been reported.
+std::map<jString, std::shared_ptr<const Mesh>>& cache() {
+    static std::map<jString, std::shared_ptr<const Mesh>> meshes;
+    return meshes;
 }
+} // namespace
+
+std::shared_ptr<const Mesh> Mesh::get(const jString& reference) {
+    const auto known = cache().find(reference);
+    if (known != cache().end()) return known->second;
+    return cache()[reference] = read(std::string(reference.view()));
+}
+
+void Mesh::release() { cache().clear(); }
 
 Mesh::Mesh(std::vector<Surface> surfaces)
     : m_surfaces(std::move(surfaces)), m_trees(m_surfaces.size()) {

@@ -20,6 +20,7 @@ struct SceneFiles : testing::Test {
     ~SceneFiles() override {
         world.clear();
         MaterialManager::release();
+        Mesh::release();
         PackageManager::release();
     }
     bool load(const std::string& text) {

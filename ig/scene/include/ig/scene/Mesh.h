@@ -22,11 +22,15 @@ public:
         std::vector<std::uint32_t> indices;
     };
 
-    /// The mesh of "file" or "file#part", read once and kept while somebody holds it. OBJ
-    /// coordinates are taken as they are; glTF (Y up) is turned so that its Y becomes Z and its −Z
-    /// becomes Y. A part is a glTF node or an OBJ group of that name in its own coordinates.
-    /// Null, with one log line, when file or part cannot be read.
+    /// The mesh of "file" or "file#part", read once and kept until `release`, so that what comes
+    /// and goes during the scene costs no reading. OBJ coordinates are taken as they are; glTF (Y
+    /// up) is turned so that its Y becomes Z and its −Z becomes Y. A part is a glTF node or an OBJ
+    /// group of that name in its own coordinates. Null, with one log line, when file or part cannot
+    /// be read.
     static std::shared_ptr<const Mesh> get(const jString& reference);
+
+    /// Forgets all meshes and failures; a mesh that somebody holds lives on with its holder.
+    static void release();
 
     explicit Mesh(std::vector<Surface> surfaces);
 
