@@ -78,7 +78,7 @@ void Physics::insert(BodyRigid* body) {
         s.body->setDamping(0, 0); // ours, per substep: the solver's is clamped to 1
         s.body->setUserPointer(body);
     }
-    s.body->setWorldTransform(toBullet(s.pose * to_center));
+    s.body->setCenterOfMassTransform(toBullet(s.pose * to_center));
     s.body->setLinearVelocity({0, 0, 0});
     s.body->setAngularVelocity({0, 0, 0});
     s.inserted = true;
@@ -94,6 +94,18 @@ void Physics::extract(BodyRigid* body) {
     s.inserted = false;
 }
 
+void BodyRigid::accelerate(double h) {
+    const auto& s = *m_simulation;
+    if (!s.inserted || m_mass == 0 || !s.body->isActive()) return;
+    const dvec3 up = EARTH.getUp(fromBullet(s.body->getCenterOfMassPosition()));
+    const dvec3 acceleration = dvec3(m_force) / double(m_mass) - up * double(Physics::GRAVITY);
+    s.body->setLinearVelocity((s.body->getLinearVelocity() + toBullet(acceleration) * h) /
+                              (1 + m_linear_damping * h));
+    s.body->setAngularVelocity((s.body->getAngularVelocity() +
+                                s.body->getInvInertiaTensorWorld() * toBullet(m_torque) * h) /
+                               (1 + m_angular_damping * h));
+}
+
 void Physics::update(float dt) {
     if (!(dt > 0) || !std::isfinite(dt)) return;
     const double time = std::min<double>(dt, MAX_FRAME_TIME);
@@ -103,17 +115,10 @@ void Physics::update(float dt) {
     for (int step = 0; step < steps; step++) {
         for (Body* body : m_bodies) {
             auto* rigid = static_cast<BodyRigid*>(body);
-            const auto& s = *rigid->m_simulation;
-            if (!s.inserted || rigid->m_mass == 0 || !s.body->isActive()) continue;
-            const dvec3 up = EARTH.getUp(fromBullet(s.body->getCenterOfMassPosition()));
-            const dvec3 acceleration =
-                dvec3(rigid->m_force) / double(rigid->m_mass) - up * double(GRAVITY);
-            s.body->setLinearVelocity((s.body->getLinearVelocity() + toBullet(acceleration) * h) /
-                                      (1 + rigid->m_linear_damping * h));
-            s.body->setAngularVelocity(
-                (s.body->getAngularVelocity() +
-                 s.body->getInvInertiaTensorWorld() * toBullet(rigid->m_torque) * h) /
-                (1 + rigid->m_angular_damping * h));
+            if (!rigid->isPushed())
+                rigid->accelerate(h);
+            else if (step == 0)
+                rigid->accelerate(time);
         }
         m_solver->world.stepSimulation(h, 0);
     }
