@@ -22,6 +22,14 @@ public:
     float getSpawnRate() const { return m_spawn_rate; } ///< particles per second
     void setSpawnRate(float rate) { m_spawn_rate = rate; }
 
+    /// Removes the particles in flight, of this emitter and of those below it.
+    void clearParticles();
+    /// How often that was asked for: whoever moves the particles drops them when it changes.
+    unsigned getNumClears() const { return m_clears; }
+    /// Holds every place that a particle of its present settings can reach from the emitter's
+    /// present place.
+    WorldBoundBox getWorldBoundBox() const;
+
     /// Deflectors remove the particles in their column. World transforms.
     int getNumDeflectors() const { return m_deflectors.size(); }
     void setNumDeflectors(int count) { m_deflectors.resize(count); }
@@ -32,6 +40,7 @@ private:
     float m_life = 1, m_life_spread = 0;
     float m_velocity = 0, m_velocity_spread = 0;
     float m_spawn_rate = 0;
+    unsigned m_clears = 0;
     jVector<dmat4> m_deflectors;
 };
 
