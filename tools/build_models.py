@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Writes every model of the channel as an OBJ file below the data folder, and the airfield's lights.
+"""Writes every model of the channel as an OBJ file below the data folder, and the lights of the
+airfield.
 
 The same program always writes the same bytes: a test compares them with the files in the
 repository.

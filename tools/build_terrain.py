@@ -118,8 +118,8 @@ def steepest_descent(height, cell):
             if (di, dj) == (0, 0):
                 continue
             length = cell * np.hypot(di, dj)
-            inner = (slice(max(0, -dj), rows - max(0, dj)), slice(max(0, -di), columns - max(0, di)))
-            other = (slice(max(0, dj), rows + min(0, dj)), slice(max(0, di), columns + min(0, di)))
+            inner = np.s_[max(0, -dj):rows - max(0, dj), max(0, -di):columns - max(0, di)]
+            other = np.s_[max(0, dj):rows + min(0, dj), max(0, di):columns + min(0, di)]
             slope = (height[inner] - height[other]) / length
             steeper = slope > best[inner]
             best[inner] = np.where(steeper, slope, best[inner])

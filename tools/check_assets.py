@@ -4,7 +4,8 @@
 which the programs look up by name is there once, and that models and terrain are sound and to
 measure.
 
-Needs PyYAML, numpy and GDAL's Python module. Prints one line for each fault, with the file's path, and exits 1 if there is any.
+Needs PyYAML, numpy and GDAL's Python module. Prints one line for each fault, with the file's path,
+and exits 1 if there is any.
 """
 
 import argparse
@@ -81,8 +82,9 @@ EFFECTS = ["data/art/prefab/vfx/explosion/explosion.prefab",
            "data/art/prefab/vfx/explosion_1/explosion_1.prefab",
            f"{PREFABS}/vfx/water_explosion/water_explosion.prefab",
            f"{PREFABS}/vfx/water_drop/water_drop.prefab"]
-WORLD_NODES = {"start_heli": "node", "ocean": "ocean", "terrain": "terrain", "rain": "particles", "hail": "particles",
-               "snow": "particles", "cmder": "prefab", "airfield": "prefab",
+WORLD_NODES = {"start_heli": "node", "ocean": "ocean", "terrain": "terrain",
+               "rain": "particles", "hail": "particles", "snow": "particles",
+               "cmder": "prefab", "airfield": "prefab",
                "SM_055_CN_2023": "prefab", "LNJ_2023": "prefab"}
 TRACKS = [f"{PROJECT}/ANIM/{name}.anim" for name in ("runway_ssr", "runway_ice", "light")]
 # Everything in these belongs to the helicopter or flies from it; the height ray starts among it.

@@ -169,9 +169,8 @@ def parts():
 def lights_prefab():
     """The file of the lights that shine over the lamps."""
     lines = ["# SPDX-License-Identifier: MIT",
-             "# Lights of the pad's and the runway's edges, over the lamps of the airfield model, in "
-             "its frame.",
-             "# Written by tools/build_models.py.",
+             "# Lights of the pad's and the runway's edges, over the lamps of the airfield model, in",
+             "# its frame. Written by tools/build_models.py.",
              "node:", "  name: runway_lights_root", "  children:"]
     materials = "data/PELMAR_PROJECT/materials"
     for edge, places in zip(("pad", "runway"), lamp_places()):

@@ -102,17 +102,11 @@ void ObjectOcean::setAngle(float angle) {
     m_waves->set(settings);
 }
 
-float ObjectOcean::getBeaufort() const {
-    return static_cast<float>(m_waves->get().beaufort);
-}
+float ObjectOcean::getBeaufort() const { return static_cast<float>(m_waves->get().beaufort); }
 
-float ObjectOcean::getSpeed() const {
-    return static_cast<float>(m_waves->get().wind);
-}
+float ObjectOcean::getSpeed() const { return static_cast<float>(m_waves->get().wind); }
 
-float ObjectOcean::getAngle() const {
-    return static_cast<float>(m_waves->get().angle);
-}
+float ObjectOcean::getAngle() const { return static_cast<float>(m_waves->get().angle); }
 
 // ------------------------------------------------------------------ the present sea
 
@@ -144,9 +138,7 @@ void ObjectOcean::anchor() const {
     m_waves->setAnchor(geodetic.x, geodetic.y, scale.x, scale.y);
 }
 
-const OceanFrame& ObjectOcean::getFrame() const {
-    return present().getFrame();
-}
+const OceanFrame& ObjectOcean::getFrame() const { return present().getFrame(); }
 
 // ------------------------------------------------------------------ queries
 

@@ -41,13 +41,9 @@ SeaState seaState(double beaufort) {
             std::lerp(low.peak_period, high.peak_period, w), std::lerp(low.wind, high.wind, w)};
 }
 
-double meanSquareSlope(double wind) {
-    return 0.003 + 0.00512 * std::min(wind, 25.0);
-}
+double meanSquareSlope(double wind) { return 0.003 + 0.00512 * std::min(wind, 25.0); }
 
-double whitecapCover(double wind) {
-    return std::min(0.6, 3.84e-6 * std::pow(wind, 3.41));
-}
+double whitecapCover(double wind) { return std::min(0.6, 3.84e-6 * std::pow(wind, 3.41)); }
 
 WaveSpectrum::WaveSpectrum(const SeaState& sea, double direction_x, double direction_y)
     : m_peak_k(0), m_log_gamma(0), m_direction_x(direction_x), m_direction_y(direction_y) {

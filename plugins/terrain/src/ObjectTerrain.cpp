@@ -45,9 +45,7 @@ dvec2 getDegreeLengths(double latitude, double altitude) {
 
 } // namespace
 
-ObjectTerrain::ObjectTerrain() : Object(OBJECT_TERRAIN) {
-    setNumSurfaces(1);
-}
+ObjectTerrain::ObjectTerrain() : Object(OBJECT_TERRAIN) { setNumSurfaces(1); }
 
 ObjectTerrain::~ObjectTerrain() = default;
 

@@ -81,9 +81,7 @@ bool clip(double c0, double c1, double low, double high, double& s0, double& s1)
     return s0 <= s1;
 }
 
-double between(double a, double b, double s) {
-    return a + (b - a) * s;
-}
+double between(double a, double b, double s) { return a + (b - a) * s; }
 
 } // namespace
 

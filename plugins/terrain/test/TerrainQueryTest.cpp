@@ -26,7 +26,7 @@ protected:
             height = float(LOWEST + (HIGHEST - LOWEST) * random());
     }
     void load() {
-        ASSERT_TRUE(terrain.load(folder.write(RasterFile::degrees(
+        ASSERT_TRUE(terrain.load(folder.writeRaster(RasterFile::degrees(
             COLUMNS, ROWS, WEST, NORTH, STEP, [this](int i, int j) { return at(i, j); }))));
     }
     float& at(int i, int j) { return heights[std::size_t(j * COLUMNS + i)]; }
@@ -127,7 +127,7 @@ TEST_F(TerrainQuery, LongRaysMeetALonelyMast) {
     // 20 km of plain with one mast of one sample, 50 m high and two samples wide at its foot.
     constexpr int SIZE = 700, MAST_U = 300, MAST_V = 411;
     ASSERT_TRUE(terrain.load(
-        folder.write(RasterFile::degrees(SIZE, SIZE, WEST, NORTH, STEP, [](int i, int j) {
+        folder.writeRaster(RasterFile::degrees(SIZE, SIZE, WEST, NORTH, STEP, [](int i, int j) {
             return i == MAST_U && j == MAST_V ? 50 : 0;
         }))));
     for (int n = 0; n < 400; n++) {

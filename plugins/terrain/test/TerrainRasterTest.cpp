@@ -2,11 +2,10 @@
 #include "RasterFiles.h"
 
 #include "ig/math/EllipsoidModel.h"
-#include "ig/package/mjl.h"
 #include "ig/scene/World.h"
 #include "plugins/terrain/ObjectTerrain.h"
+#include "testkit/LogCapture.h"
 
-#include <fstream>
 #include <optional>
 
 namespace {
@@ -52,9 +51,10 @@ TEST(TerrainRaster, HeightsStandAtPixelMiddlesInEveryFormat) {
     };
     RasterFile file = RasterFile::degrees(1201, 1201, -156, 20, 1 / 1200.0, hills);
     file.type = GDT_Int16;
-    const jString paths[] = {
-        folder.write(file, "area.tif"), folder.write(file, "point.tif", "GTiff", true),
-        folder.write(file, "level1.dt1", "DTED"), folder.write(file, "N19W156.hgt", "SRTMHGT")};
+    const jString paths[] = {folder.writeRaster(file, "area.tif"),
+                             folder.writeRaster(file, "point.tif", "GTiff", true),
+                             folder.writeRaster(file, "level1.dt1", "DTED"),
+                             folder.writeRaster(file, "N19W156.hgt", "SRTMHGT")};
     for (const jString& path : paths) {
         SCOPED_TRACE(path.c_str());
         const LogCapture log;
@@ -71,7 +71,8 @@ TEST(TerrainRaster, APlaneIsReproducedWithItsNormal) {
     const RasterFolder folder;
     const auto plane = [](double u, double v) { return 100 + 0.5 * u - 0.25 * v; };
     ObjectTerrain terrain;
-    ASSERT_TRUE(terrain.load(folder.write(RasterFile::degrees(41, 31, 10, 60, 0.001, plane))));
+    ASSERT_TRUE(
+        terrain.load(folder.writeRaster(RasterFile::degrees(41, 31, 10, 60, 0.001, plane))));
     for (int n = 0; n < 500; n++) {
         const double u = std::fmod(n * 7.77, 40), v = std::fmod(n * 3.33, 30);
         const double longitude = 10 + u * 0.001, latitude = 60 - v * 0.001;
@@ -97,16 +98,38 @@ TEST(TerrainRaster, APlaneIsReproducedWithItsNormal) {
 TEST(TerrainRaster, TheDateLineAndSouthernOrderAreNoObstacle) {
     const RasterFolder folder;
     ObjectTerrain terrain;
-    ASSERT_TRUE(terrain.load(folder.write(
+    ASSERT_TRUE(terrain.load(folder.writeRaster(
         RasterFile::degrees(21, 11, 179, -10, 0.1, [](int i, int j) { return 10 * i + j; }))));
     EXPECT_NEAR(getAltitude(terrain, 179.5, -10.2).value(), 52, 1e-6);
     EXPECT_NEAR(getAltitude(terrain, -179.5, -10.2).value(), 152, 1e-6);
 
     RasterFile file{21, 11, {179, 0.1, 0, -10, 0, 0.1}, [](int i, int j) { return 10 * i + j; }};
     const LogCapture log;
-    ASSERT_TRUE(terrain.load(folder.write(file, "up.tif")));
+    ASSERT_TRUE(terrain.load(folder.writeRaster(file, "up.tif")));
     EXPECT_TRUE(log.lines.empty());
     EXPECT_NEAR(getAltitude(terrain, 179.55, -9.75).value(), 52, 1e-6);
+}
+
+TEST(TerrainRaster, ScaleAndHolesAreHeededAndVerticalDatumsAreNot) {
+    const RasterFolder folder;
+    RasterFile file = RasterFile::degrees(9, 9, 10, 50, 0.01,
+                                          [](int i, int j) { return i + j < 15 ? i + j : -999; });
+    file.type = GDT_Int16;
+    file.no_data = -999;
+    file.scale = 0.5;
+    file.offset = 100;
+    for (const char* system : {"EPSG:4326+5773", "EPSG:4979", ""}) {
+        SCOPED_TRACE(system);
+        file.system = system;
+        const LogCapture log;
+        ObjectTerrain terrain;
+        ASSERT_TRUE(terrain.load(folder.writeRaster(file)));
+        EXPECT_TRUE(log.lines.empty());
+        EXPECT_NEAR(getAltitude(terrain, 10.03, 49.95).value(), 104, 1e-6);
+        EXPECT_FALSE(getAltitude(terrain, 10.08, 49.92));
+        EXPECT_EQ(terrain.getGrid().lowest, 100);
+        EXPECT_EQ(terrain.getGrid().highest, 107);
+    }
 }
 
 TEST(TerrainRaster, OtherGridsAreResampledWithOneMessage) {
@@ -115,14 +138,14 @@ TEST(TerrainRaster, OtherGridsAreResampledWithOneMessage) {
     // 300 m beside WGS84 here).
     const double c = std::cos(0.3), s = std::sin(0.3);
     const RasterFile files[] = {
-        {300, 280, {280000, 30, 0, 2190000, 0, -30}, {}, 32605},
-        {300, 280, {-156, 3e-4 * c, 3e-4 * s, 20, 3e-4 * s, -3e-4 * c}, {}, 4326},
-        {300, 280, {-156, 3e-4, 0, 20, 0, -3e-4}, {}, 4135},
+        {300, 280, {280000, 30, 0, 2190000, 0, -30}, {}, "EPSG:32605"},
+        {300, 280, {-156, 3e-4 * c, 3e-4 * s, 20, 3e-4 * s, -3e-4 * c}, {}, "EPSG:4326"},
+        {300, 280, {-156, 3e-4, 0, 20, 0, -3e-4}, {}, "EPSG:4135"},
     };
     for (RasterFile file : files) {
-        SCOPED_TRACE(file.epsg);
+        SCOPED_TRACE(file.system);
         file.height = [](int i, int j) { return 0.5 * i + 0.25 * j; };
-        const jString path = folder.write(file);
+        const jString path = folder.writeRaster(file);
         ObjectTerrain terrain;
         const LogCapture log;
         ASSERT_TRUE(terrain.load(path));
@@ -131,7 +154,7 @@ TEST(TerrainRaster, OtherGridsAreResampledWithOneMessage) {
         EXPECT_NE(log.lines[0].find(path.c_str()), std::string::npos);
 
         OGRSpatialReferenceH from = OSRNewSpatialReference(nullptr), to = OSRClone(from);
-        OSRImportFromEPSG(from, file.epsg);
+        OSRSetFromUserInput(from, file.system.c_str());
         OSRImportFromEPSG(to, 4326);
         OSRSetAxisMappingStrategy(from, OAMS_TRADITIONAL_GIS_ORDER);
         OSRSetAxisMappingStrategy(to, OAMS_TRADITIONAL_GIS_ORDER);
@@ -156,25 +179,25 @@ TEST(TerrainRaster, OtherGridsAreResampledWithOneMessage) {
 TEST(TerrainRaster, WhatCannotBeReadGivesOneMessageAndNoGround) {
     const RasterFolder folder;
     const RasterFile good = RasterFile::degrees(64, 64, 10, 50, 0.01, [](int, int) { return 5; });
-    folder.write(good, "cut.tif");
-    std::filesystem::resize_file(folder.path("cut.tif").c_str(), 9000);
-    std::ofstream(folder.path("text.tif").c_str()) << "heights: none\n";
+    folder.writeRaster(good, "cut.tif");
+    std::filesystem::resize_file(folder.file("cut.tif").c_str(), 9000);
+    folder.write("text.tif", "heights: none\n");
     RasterFile metric = good;
-    metric.epsg = 0;
+    metric.system = "";
     metric.transform[0] = 500000;
-    folder.write(metric, "nowhere.tif");
+    folder.writeRaster(metric, "nowhere.tif");
     RasterFile line = good;
     line.rows = 1;
-    folder.write(line, "line.tif");
+    folder.writeRaster(line, "line.tif");
     for (const char* name : {"missing.tif", "cut.tif", "text.tif", "nowhere.tif", "line.tif"}) {
         SCOPED_TRACE(name);
         ObjectTerrain terrain;
-        ASSERT_TRUE(terrain.load(folder.write(good)));
+        ASSERT_TRUE(terrain.load(folder.writeRaster(good)));
         const LogCapture log;
-        EXPECT_FALSE(terrain.load(folder.path(name)));
+        EXPECT_FALSE(terrain.load(folder.file(name)));
         ASSERT_EQ(log.lines.size(), 1u);
         EXPECT_EQ(log.levels[0], LogLevel::error);
-        EXPECT_NE(log.lines[0].find(folder.path(name).c_str()), std::string::npos);
+        EXPECT_NE(log.lines[0].find(folder.file(name).c_str()), std::string::npos);
         EXPECT_TRUE(terrain.getGrid().empty());
         EXPECT_TRUE(terrain.getBounds().isEmpty());
         EXPECT_FALSE(getAltitude(terrain, 10.1, 49.9));
@@ -188,13 +211,13 @@ TEST(TerrainRaster, ANodeOfAWorldIsFoundByItsBounds) {
     const double step = 0.25;
     const RasterFile file =
         RasterFile::degrees(33, 25, 170, 60, step, [](int i, int j) { return 90.0 * i + j; });
-    folder.write(file);
-    std::ofstream(folder.path("a.world").c_str())
-        << "nodes:\n  - {name: terrain, type: terrain, raster: "
-        << folder.path("heights.tif").c_str() << "}\n  - {name: bare, type: terrain}\n";
+    folder.writeRaster(file);
+    folder.write("a.world", std::string("nodes:\n  - {name: terrain, type: terrain, raster: ") +
+                                folder.file("heights.tif").c_str() +
+                                "}\n  - {name: bare, type: terrain}\n");
     World world;
     const LogCapture log;
-    ASSERT_TRUE(world.load(folder.path("a.world")));
+    ASSERT_TRUE(world.load(folder.file("a.world")));
     ASSERT_EQ(log.lines.size(), 1u); // "bare" has no raster
     EXPECT_NE(log.lines[0].find("a.world:3"), std::string::npos);
     const Node* terrain = world.getNodeByName("terrain");
