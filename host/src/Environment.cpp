@@ -16,8 +16,9 @@ namespace {
 
 constexpr float FULL_VISIBILITY = 300000; ///< metres, at fraction 1
 constexpr double DEFAULT_VISIBILITY = 60000;
-constexpr float FOG_VISIBILITY = 800; ///< metres, when the host asks for fog without saying how thick
-constexpr float HEAVY = 3;            ///< the highest level of precipitation
+constexpr float FOG_VISIBILITY =
+    800;                   ///< metres, when the host asks for fog without saying how thick
+constexpr float HEAVY = 3; ///< the highest level of precipitation
 
 /// Looks of the sky by WEATHER_TYPE.
 struct Look {
@@ -97,7 +98,8 @@ void Environment::applySea(const World& world) {
 /// Its glass, runway and lamps follow rain, snow and hour.
 void Environment::tellLogic() {
     if (!m_logic) return;
-    const float rain = static_cast<float>(m_rain) / HEAVY, snow = static_cast<float>(m_snow) / HEAVY;
+    const float rain = static_cast<float>(m_rain) / HEAVY,
+                snow = static_cast<float>(m_snow) / HEAVY;
     const auto time = static_cast<float>(m_options.time_of_day);
     if (rain != m_told_rain) m_logic->setRain(m_told_rain = rain);
     if (snow != m_told_snow) m_logic->setSnow(m_told_snow = snow);

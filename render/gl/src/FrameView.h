@@ -11,11 +11,11 @@ class Camera;
 /// floats in the eye's own frame E: east, north, up at the eye, origin at the eye. What is near the
 /// eye is exact to a fraction of a millimetre wherever on earth it is.
 struct FrameView {
-    ig::dvec3 eye;       ///< world
-    ig::dmat3 frame;     ///< E in world axes: columns east, north, up
-    ig::dvec3 geodetic;  ///< longitude, latitude (degrees), altitude of the eye
-    ig::mat4 view;       ///< E to the eye's axes: x right, y up, looks along −z
-    ig::mat4 projection; ///< depth 1 at the near plane, 0 at the far one
+    ig::dvec3 eye;            ///< world
+    ig::dmat3 frame;          ///< E in world axes: columns east, north, up
+    ig::dvec3 geodetic;       ///< longitude, latitude (degrees), altitude of the eye
+    ig::mat4 view;            ///< E to the eye's axes: x right, y up, looks along −z
+    ig::mat4 projection;      ///< depth 1 at the near plane, 0 at the far one
     double near = 0, far = 0; ///< metres; orthographic: negative distances lie behind the eye
     bool orthographic = false;
     /// Inward normals of the sides of the view volume in E, and their distances from the eye (0 for

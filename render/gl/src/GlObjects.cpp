@@ -26,10 +26,14 @@ std::string_view findShader(std::string_view name) {
 int& count(Kind kind) {
     ig::RenderResources& r = resources();
     switch (kind) {
-    case Kind::buffer: return r.buffers;
-    case Kind::texture: return r.textures;
-    case Kind::vertex_array: return r.vertex_arrays;
-    case Kind::framebuffer: return r.framebuffers;
+    case Kind::buffer:
+        return r.buffers;
+    case Kind::texture:
+        return r.textures;
+    case Kind::vertex_array:
+        return r.vertex_arrays;
+    case Kind::framebuffer:
+        return r.framebuffers;
     }
     return r.buffers;
 }

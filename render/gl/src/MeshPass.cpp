@@ -138,10 +138,10 @@ void MeshPass::bindInstances(const Batch& batch) {
     glBindVertexArray(batch.mesh->vertex_array.id());
     glBindBuffer(GL_ARRAY_BUFFER, m_instance_buffer.id());
     for (GLuint i = 0; i < 4; i++)
-        glVertexAttribPointer(3 + i, 4, GL_FLOAT, GL_FALSE, sizeof(Instance),
-                              reinterpret_cast<const void*>(
-                                  static_cast<std::size_t>(batch.first) * sizeof(Instance) +
-                                  i * sizeof(vec4)));
+        glVertexAttribPointer(
+            3 + i, 4, GL_FLOAT, GL_FALSE, sizeof(Instance),
+            reinterpret_cast<const void*>(static_cast<std::size_t>(batch.first) * sizeof(Instance) +
+                                          i * sizeof(vec4)));
     const auto& range = batch.mesh->surfaces[static_cast<std::size_t>(batch.item->surface)];
     glDrawElementsInstanced(GL_TRIANGLES, range.count, GL_UNSIGNED_INT,
                             reinterpret_cast<const void*>(range.first), batch.count);

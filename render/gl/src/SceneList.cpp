@@ -34,13 +34,26 @@ void SceneList::visit(const Node& node) {
     if (!node.isEnabled()) return;
     visited++;
     switch (node.getType()) {
-    case OBJECT_MESH: addMesh(node); break;
-    case OBJECT_LIGHT: addLamp(node); break;
-    case OBJECT_PARTICLES: emitters.push_back(static_cast<const ObjectParticles*>(&node)); break;
-    case DECAL_ORTHO: decals.push_back(static_cast<const DecalOrtho*>(&node)); break;
-    case OBJECT_OCEAN: ocean = static_cast<const ObjectOcean*>(&node); break;
-    case OBJECT_TERRAIN: terrain = static_cast<const ObjectTerrain*>(&node); break;
-    default: break;
+    case OBJECT_MESH:
+        addMesh(node);
+        break;
+    case OBJECT_LIGHT:
+        addLamp(node);
+        break;
+    case OBJECT_PARTICLES:
+        emitters.push_back(static_cast<const ObjectParticles*>(&node));
+        break;
+    case DECAL_ORTHO:
+        decals.push_back(static_cast<const DecalOrtho*>(&node));
+        break;
+    case OBJECT_OCEAN:
+        ocean = static_cast<const ObjectOcean*>(&node);
+        break;
+    case OBJECT_TERRAIN:
+        terrain = static_cast<const ObjectTerrain*>(&node);
+        break;
+    default:
+        break;
     }
     for (int i = 0; i < node.getNumChildren(); i++)
         visit(*node.getChild(i));

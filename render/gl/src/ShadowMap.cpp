@@ -27,8 +27,8 @@ void ShadowMap::place(const vec3& center, FrameBlock& block) const {
     constexpr float DEPTH = 4 * RADIUS; // casters up the light's path count too
     constexpr float BIAS = 0.06f;       // m; about half a texel
     const vec3 light = block.light_direction.xyz();
-    const vec3 right = normalize(
-        cross(std::abs(light.z) < 0.99f ? vec3(0, 0, 1) : vec3(0, 1, 0), light));
+    const vec3 right =
+        normalize(cross(std::abs(light.z) < 0.99f ? vec3(0, 0, 1) : vec3(0, 1, 0), light));
     const vec3 up = cross(light, right);
     const vec3 axes[3] = {right / (2 * RADIUS), up / (2 * RADIUS), -light / (2 * DEPTH)};
     const float offsets[3] = {0.5f - dot(axes[0], center), 0.5f - dot(axes[1], center),

@@ -7,8 +7,9 @@
 /// What the sun (or moon) sees of the surroundings of one place: the depth of the nearest caster.
 class ShadowMap {
 public:
-    static constexpr float RADIUS = 95; ///< around the focus, m: a frigate's deck and the sea beside
-    static constexpr int SIZE = 2048;   ///< texels; 0.1 m each
+    static constexpr float RADIUS =
+        95;                           ///< around the focus, m: a frigate's deck and the sea beside
+    static constexpr int SIZE = 2048; ///< texels; 0.1 m each
 
     bool init();
     void release();

@@ -11,10 +11,10 @@ using namespace ig;
 
 namespace {
 
-constexpr int SCATTER_SIZE = 128; ///< texels; scattering without its phase functions is smooth
+constexpr int SCATTER_SIZE = 128;    ///< texels; scattering without its phase functions is smooth
 constexpr float SUN_IRRADIANCE = 20; ///< above the air, in the units of the shaders
-constexpr float CLEAR_EXPOSURE = 0.30f; ///< at noon under a clear sky
-constexpr float CLEAR_LUMINANCE = 4.0f; ///< of a white ground then
+constexpr float CLEAR_EXPOSURE = 0.30f;             ///< at noon under a clear sky
+constexpr float CLEAR_LUMINANCE = 4.0f;             ///< of a white ground then
 constexpr float DAY_RANGE = 8, NIGHT_RANGE = 0.08f; ///< brightest value that the sky map can hold
 const vec3 NIGHT_GLOW{0.0022f, 0.0032f, 0.0055f};
 const vec3 MOONLIGHT{0.045f, 0.052f, 0.062f};
@@ -29,7 +29,8 @@ vec3 multiply(const vec3& a, const vec3& b) { return {a.x * b.x, a.y * b.y, a.z 
 /// What the air lets through from a height above the horizon given by its sine: Rayleigh, aerosol
 /// and ozone over Kasten and Young's (1989) air mass.
 vec3 transmittance(float sine) {
-    const float elevation = std::max(std::asin(std::clamp(sine, -1.0f, 1.0f)) * RAD_TO_DEG<float>, -1.0f);
+    const float elevation =
+        std::max(std::asin(std::clamp(sine, -1.0f, 1.0f)) * RAD_TO_DEG<float>, -1.0f);
     const float mass = 1 / (std::max(sine, 0.0f) + 0.15f * std::pow(elevation + 3.885f, -1.253f));
     const vec3 depth(5.8e-6f * 8000 + 3.3e-6f * 1200 + 0.65e-6f * 6400,
                      13.5e-6f * 8000 + 3.3e-6f * 1200 + 1.88e-6f * 6400,
@@ -188,8 +189,8 @@ void SkyPass::update(const FrameView& view, const FrameInfo& frame, FrameBlock& 
     block.sun_direction = {sun, sun.z > -0.05f ? 1.0f : 0.0f};
     block.moon_direction = {moon, 0.25f * smoothStep(0.1f, -0.12f, sun.z) + 0.12f};
     const float stars = smoothStep(-0.06f, -0.2f, sun.z) * 0.06f;
-    block.sky = {mapRange(sun), stars, static_cast<float>(frame.sidereal_angle * DEG_TO_RAD<double>),
-                 0};
+    block.sky = {mapRange(sun), stars,
+                 static_cast<float>(frame.sidereal_angle * DEG_TO_RAD<double>), 0};
     block.weather = {frame.rain, frame.snow, frame.cloud_cover, frame.overcast};
 
     // Koschmieder: contrast falls to 2 % at the meteorological visibility. Fog is shallow.
@@ -213,8 +214,8 @@ void SkyPass::update(const FrameView& view, const FrameInfo& frame, FrameBlock& 
     }
     block.sky.x = m_range;
     block.ambient = {m_ambient, extinction};
-    const float ground = luminance(m_ambient) +
-                         luminance(light) * std::max(block.light_direction.z, 0.0f) / 3.1416f;
+    const float ground =
+        luminance(m_ambient) + luminance(light) * std::max(block.light_direction.z, 0.0f) / 3.1416f;
     const float gain = std::pow(CLEAR_LUMINANCE / std::max(ground, 1e-4f), 0.72f);
     block.light.w = CLEAR_EXPOSURE * std::clamp(gain, 0.8f, 300.0f);
     gl::bindTexture(gl::UNIT_SKY, m_map);

@@ -36,8 +36,9 @@ bool Targets::make(int width, int height, float scale) {
     attach(scene_target, light, &depth);
     attach(toned_target, toned, nullptr);
     attach(finished_target, finished, nullptr);
-    if (!complete) ig::jLog::error("RendererGL: the driver refuses framebuffers of %d x %d pixels",
-                                   m_width, m_height);
+    if (!complete)
+        ig::jLog::error("RendererGL: the driver refuses framebuffers of %d x %d pixels", m_width,
+                        m_height);
     return complete;
 }
 

@@ -12,8 +12,8 @@ struct Sky {
 };
 
 /// The sky over a longitude (degrees) at its local solar time, hours in [0, 24): the sun culminates
-/// at 12. `day_of_year` (1 to 366) gives the season. The moon is a full one, 150 degrees east of the
-/// sun along the equator and as far south as the sun is north: nights have light to see by.
+/// at 12. `day_of_year` (1 to 366) gives the season. The moon is a full one, 150 degrees east of
+/// the sun along the equator and as far south as the sun is north: nights have light to see by.
 Sky computeSky(double solar_time, double longitude, int day_of_year);
 
 } // namespace ig
