@@ -6,6 +6,8 @@
 #include "GlObjects.h"
 #include "HeadlessContext.h"
 #include "MeshPass.h"
+#include "NoiseTexture.h"
+#include "OceanPass.h"
 #include "Png.h"
 #include "SceneList.h"
 #include "ShadowMap.h"
@@ -13,6 +15,7 @@
 #include "Targets.h"
 #include "ig/base/jLog.h"
 #include "ig/scene/Node.h"
+#include "plugins/ocean/ObjectOcean.h"
 
 #include <algorithm>
 #include <chrono>
@@ -77,6 +80,8 @@ struct RendererGL::Impl {
     SkyPass sky;
     ShadowMap shadow;
     MeshPass meshes;
+    OceanPass ocean;
+    gl::Texture noise;
     SceneList list;
     FrameView view;
     FrameBlock block;
@@ -115,10 +120,12 @@ bool RendererGL::Impl::initPasses() {
     glBufferData(GL_UNIFORM_BUFFER, sizeof(FrameBlock), nullptr, GL_DYNAMIC_DRAW);
     glBindBufferBase(GL_UNIFORM_BUFFER, gl::FRAME_BLOCK, block_buffer.id());
     empty.create();
+    makeNoiseTexture(noise);
     // The software renderer pays for every texel of the bake.
     const bool software = std::strstr(device.c_str(), "llvmpipe") != nullptr;
     return tonemap.build("screen.vert", "tonemap.frag") && fxaa.build("screen.vert", "fxaa.frag") &&
-           sky.init(software ? 512 : 1024) && shadow.init() && meshes.init();
+           sky.init(software ? 512 : 1024) && shadow.init() && meshes.init() &&
+           (software ? ocean.init(128, 90) : ocean.init(320, 240));
 }
 
 void RendererGL::release() {
@@ -128,6 +135,8 @@ void RendererGL::release() {
     r.sky.release();
     r.shadow.release();
     r.meshes.release();
+    r.ocean.release();
+    r.noise.destroy();
     r.tonemap.destroy();
     r.fxaa.destroy();
     r.block_buffer.destroy();
@@ -190,6 +199,8 @@ void RendererGL::Impl::prepare(const World& world, const Camera& camera, const F
     list.gather(world, view, center, ShadowMap::RADIUS);
     uploadBlock();
     meshes.upload(list, sky);
+    if (list.ocean) ocean.upload(list.ocean->getFrame());
+    gl::bindTexture(gl::UNIT_NOISE, noise);
 }
 
 void RendererGL::Impl::uploadBlock() {
@@ -216,6 +227,8 @@ void RendererGL::Impl::drawScene() {
     glClear(GL_DEPTH_BUFFER_BIT);
     meshes.drawOpaque();
     clock.mark("meshes");
+    if (list.ocean) ocean.draw(view, list.ocean->getFrame(), {});
+    clock.mark("ocean");
     sky.drawBackground(view);
     clock.mark("sky");
     meshes.drawTransparent();

@@ -217,7 +217,7 @@ void SkyPass::update(const FrameView& view, const FrameInfo& frame, FrameBlock& 
     const float ground =
         luminance(m_ambient) + luminance(light) * std::max(block.light_direction.z, 0.0f) / 3.1416f;
     const float gain = std::pow(CLEAR_LUMINANCE / std::max(ground, 1e-4f), 0.72f);
-    block.light.w = CLEAR_EXPOSURE * std::clamp(gain, 0.8f, 300.0f);
+    block.light.w = CLEAR_EXPOSURE * std::clamp(gain, 0.6f, 300.0f);
     gl::bindTexture(gl::UNIT_SKY, m_map);
 }
 
