@@ -13,6 +13,7 @@
 #include "ShadowMap.h"
 #include "SkyPass.h"
 #include "Targets.h"
+#include "TerrainPass.h"
 #include "ig/base/jLog.h"
 #include "ig/scene/Node.h"
 #include "plugins/ocean/ObjectOcean.h"
@@ -81,6 +82,7 @@ struct RendererGL::Impl {
     ShadowMap shadow;
     MeshPass meshes;
     OceanPass ocean;
+    TerrainPass terrain;
     gl::Texture noise;
     SceneList list;
     FrameView view;
@@ -124,7 +126,7 @@ bool RendererGL::Impl::initPasses() {
     // The software renderer pays for every texel of the bake.
     const bool software = std::strstr(device.c_str(), "llvmpipe") != nullptr;
     return tonemap.build("screen.vert", "tonemap.frag") && fxaa.build("screen.vert", "fxaa.frag") &&
-           sky.init(software ? 512 : 1024) && shadow.init() && meshes.init() &&
+           sky.init(software ? 512 : 1024) && shadow.init() && meshes.init() && terrain.init() &&
            (software ? ocean.init(128, 90) : ocean.init(320, 240));
 }
 
@@ -136,6 +138,7 @@ void RendererGL::release() {
     r.shadow.release();
     r.meshes.release();
     r.ocean.release();
+    r.terrain.release();
     r.noise.destroy();
     r.tonemap.destroy();
     r.fxaa.destroy();
@@ -227,6 +230,8 @@ void RendererGL::Impl::drawScene() {
     glClear(GL_DEPTH_BUFFER_BIT);
     meshes.drawOpaque();
     clock.mark("meshes");
+    if (list.terrain) terrain.draw(view, *list.terrain);
+    clock.mark("terrain");
     if (list.ocean) ocean.draw(view, list.ocean->getFrame(), {});
     clock.mark("ocean");
     sky.drawBackground(view);
