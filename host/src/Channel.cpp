@@ -156,6 +156,7 @@ void Channel::frame(float dt) {
     m_logic->update(dt);
     levelAfterJump();
     m_world.updatePhysics(dt);
+    m_world.updateParticles(dt);
     m_logic->swap();
     draw();
     m_logic->render();

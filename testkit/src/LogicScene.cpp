@@ -101,6 +101,7 @@ void LogicScene::frame(float dt) {
     Engine::get()->beginFrame(dt);
     logic->update(dt);
     world->updatePhysics(dt);
+    world->updateParticles(dt);
     logic->swap();
     control.endFrame();
 }

@@ -82,11 +82,11 @@ TEST_F(WakesTest, NoBurstInTheFirstNineFrames) {
     Ship ship(object, scene.sea);
     for (int frame = 1; frame <= 12; frame++) {
         Engine::get()->beginFrame(0.01f);
-        const unsigned before = bow->getNumClears();
+        const unsigned before = bow->getNumCleared();
         ship.getWakes()->update();
-        EXPECT_EQ(bow->getNumClears() > before, frame < 10) << frame;
+        EXPECT_EQ(bow->getNumCleared() > before, frame < 10) << frame;
     }
-    EXPECT_EQ(spray->getNumClears(), 0u);
+    EXPECT_EQ(spray->getNumCleared(), 0u);
 }
 
 TEST_F(WakesTest, FoamLivesItsTimeInAnySeaUpToBeaufortTwelve) {

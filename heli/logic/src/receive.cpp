@@ -28,6 +28,7 @@ void Logic_Nerith_Heli_Final::recv_udp(TimerManager::Timer*) {
         apply_ocean(record);
         apply_heli(record);
         apply_leida(record);
+        apply_hang(record);
     }
     m_udp_recv->m_records.clear();
 }
