@@ -73,6 +73,7 @@ bool Channel::open() {
                     m_logic->getWorldPath().c_str());
         return false;
     }
+    m_environment.attach(m_world);
     if (m_listener.m_helicopter) m_last_position = m_listener.m_helicopter->getWorldPosition();
     for (SocketUDP* socket : SocketUDP::getOpenSockets())
         if (!m_options.allow_sender.empty() && !socket->setAllowedSender(m_options.allow_sender))
@@ -136,7 +137,7 @@ void Channel::run() {
         frame(dt);
         m_trace.write(begin, m_listener);
         m_status.addFrame(dt, steadyNow() - begin);
-        m_status.print(m_listener);
+        m_status.print(m_listener, m_environment.describe());
         scene_time += static_cast<double>(dt);
     }
     m_screenshots.afterLast(*m_renderer);
@@ -155,6 +156,7 @@ void Channel::frame(float dt) {
     Engine::get()->beginFrame(dt);
     m_logic->update(dt);
     levelAfterJump();
+    m_environment.update(dt, m_camera, m_control);
     m_world.updatePhysics(dt);
     m_world.updateParticles(dt);
     m_logic->swap();
@@ -165,7 +167,8 @@ void Channel::frame(float dt) {
 
 void Channel::draw() {
     const double time = Engine::get()->getRunningTime();
-    m_environment.apply(m_world, getLongitude(), time, m_frame_info);
+    m_environment.fillFrame(getLongitude(), m_frame_info);
+    m_frame_info.time = time;
     m_frame_info.focus = m_listener.m_helicopter;
     if (m_options.eye.empty()) {
         m_renderer->render(m_world, m_camera, m_frame_info);

@@ -37,26 +37,48 @@ void addPictureOptions(CLI::App& app, Options& options) {
                    "Write a picture each time so many seconds of scene time have passed, numbered "
                    "after the name of --screenshot")
         ->check(CLI::NonNegativeNumber);
-    app.add_option("--time", options.time_of_day, "Local solar time, hours")
-        ->check(CLI::Range(0.0, 24.0));
-    app.add_option("--day", options.day_of_year, "Day of the year")->check(CLI::Range(1, 366));
-    app.add_option("--visibility", options.visibility,
-                   "Visibility in metres, whatever the flight simulation says; 0: what it says")
-        ->check(CLI::NonNegativeNumber);
-    app.add_option("--weather", options.weather,
-                   "Sky, whatever the flight simulation says: clear, overcast, storm or fog")
-        ->transform(CLI::CheckedTransformer(
-            std::map<std::string, int>{{"clear", 0}, {"overcast", 1}, {"storm", 2}, {"fog", 3}}))
-        ->default_str("what it says");
-    app.add_option("--beaufort", options.beaufort,
-                   "Sea, whatever the flight simulation says: Beaufort number")
-        ->check(CLI::Range(0, 12))
-        ->default_str("what it says");
     app.add_option("--eye", options.eye,
                    "Look from a fixed place: LONGITUDE LATITUDE ALTITUDE HEADING PITCH (down is "
                    "negative)")
         ->expected(5);
     app.add_flag("--profile", options.profile, "Tell milliseconds per pass in the summary");
+}
+
+/// What these ask for wins over the flight simulation's weather.
+void addWeatherOptions(CLI::App& app, Options& options) {
+    const char* const group = "Weather and time (in place of what the flight simulation says)";
+    Weather& weather = options.weather;
+    const auto add = [&](const char* name, auto& value, const char* text) {
+        return app.add_option(name, value, text)->group(group);
+    };
+    add("--time-of-day,--time", options.time_of_day, "Local solar time at the start, hours")
+        ->check(CLI::Range(0.0, 24.0));
+    add("--time-scale", options.time_scale, "How many times faster than real the hour passes")
+        ->check(CLI::Range(0.0, 10000.0));
+    add("--day", options.day_of_year, "Day of the year")->check(CLI::Range(1, 366));
+    add("--weather", weather.look, "Sky: clear, overcast, storm or fog")
+        ->transform(CLI::CheckedTransformer(
+            std::map<std::string, int>{{"clear", 0}, {"overcast", 1}, {"storm", 2}, {"fog", 3}}))
+        ->default_str("");
+    add("--rain", weather.rain, "Level, 0 to 3")->check(CLI::Range(0, 3))->default_str("");
+    add("--snow", weather.snow, "Level, 0 to 3")->check(CLI::Range(0, 3))->default_str("");
+    add("--hail", weather.hail, "Level, 0 to 3")->check(CLI::Range(0, 3))->default_str("");
+    add("--visibility", weather.visibility, "Metres")
+        ->check(CLI::Range(20.0, 1e6))
+        ->default_str("");
+    add("--sea,--beaufort", weather.beaufort, "Beaufort number of the sea")
+        ->check(CLI::Range(0, 12))
+        ->default_str("");
+    app.add_option_function<std::vector<float>>(
+           "--wind",
+           [&weather](const std::vector<float>& wind) {
+               weather.wind_direction = 270 - wind[0]; // from, clockwise from north: to towards
+               weather.wind_speed = wind[1];
+           },
+           "Where the wind comes from (degrees clockwise from north), and its speed (m/s)")
+        ->expected(2)
+        ->check(CLI::Range(0.0, 360.0))
+        ->group(group);
 }
 
 } // namespace
@@ -94,6 +116,7 @@ bool parseOptions(int argc, char** argv, Options& options, int& exit_status) {
             return readSize(text, probe) ? std::string() : "needs WIDTHxHEIGHT, 16 to 16384";
         });
     addPictureOptions(app, options);
+    addWeatherOptions(app, options);
     app.add_option("--allow-sender", options.allow_sender,
                    "Take records from this IPv4 address only");
     app.add_option("--trace", options.trace, "Write a CSV line per frame to this file");

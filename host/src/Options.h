@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Weather.h"
+
 #include <string>
 #include <vector>
 
@@ -22,9 +24,8 @@ struct Options {
     double screenshot_every = 0;    ///< s of scene time between numbered pictures; 0: none
     double time_of_day = 10;        ///< local solar time, hours
     int day_of_year = 172;          ///< 1 to 366
-    double visibility = 0;          ///< m; 0: what the flight simulation says
-    int weather = -1;               ///< WEATHER_TYPE; negative: what the flight simulation says
-    int beaufort = -1;              ///< of the sea; negative: what the flight simulation says
+    double time_scale = 1;          ///< seconds by which the hour advances in a second of the scene
+    Weather weather;                ///< what is asked for here, whatever the flight simulation says
     std::vector<double> eye;  ///< longitude, latitude, altitude, heading, pitch of a fixed camera
     bool profile = false;     ///< milliseconds per pass in the summary
     std::string allow_sender; ///< whose records are taken; empty: anybody's
