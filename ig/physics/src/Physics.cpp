@@ -112,9 +112,10 @@ void BodyRigid::accelerate(double h) {
     if (!s.inserted || m_mass == 0 || !s.body->isActive()) return;
     const dvec3 up = EARTH.getUp(fromBullet(s.body->getCenterOfMassPosition()));
     const dvec3 acceleration = dvec3(m_force) / double(m_mass) - up * double(Physics::GRAVITY);
-    const btVector3 v = s.body->getLinearVelocity() + toBullet(acceleration) * h;
+    const btVector3 v = s.body->getLinearVelocity();
     const double drag = 0.5 * AIR_DENSITY * m_drag_area * v.length() / m_mass;
-    s.body->setLinearVelocity(v / (1 + (m_linear_damping + drag) * h));
+    s.body->setLinearVelocity((v + toBullet(acceleration) * h) /
+                              (1 + (m_linear_damping + drag) * h));
     s.body->setAngularVelocity((s.body->getAngularVelocity() +
                                 s.body->getInvInertiaTensorWorld() * toBullet(m_torque) * h) /
                                (1 + m_angular_damping * h));
