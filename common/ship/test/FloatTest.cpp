@@ -258,6 +258,7 @@ INSTANTIATE_TEST_SUITE_P(Seas, LongRunTest,
                                          LongRun{"ModerateAt10Hz", 4, 1, 5, 0.1f, 5},
                                          LongRun{"GaleAt60Hz", 7, 4, 9.6, 1 / 60.0f, 8},
                                          LongRun{"GaleAt10Hz", 7, 4, 9.6, 0.1f, 8},
+                    LongRun{"GaleAt5Hz", 7, 4, 9.6, 0.2f, 8},
                                          LongRun{"GaleWithStalls", 7, 4, 9.6, 0, 8}),
                          [](const auto& run) { return run.param.name; });
 
