@@ -50,7 +50,7 @@ void Status::addFrame(float dt, double work) {
     m_worst = std::max(m_worst, work);
 }
 
-void Status::print(const LogicListener& listener) {
+void Status::print(const LogicListener& listener, const std::string& environment) {
     if (m_time - m_last_time < 1) return;
     const double rate = (m_frames - m_last_frames) / (m_time - m_last_time);
     m_last_time = m_time;
@@ -68,7 +68,8 @@ void Status::print(const LogicListener& listener) {
         std::printf(" | lon %.6f lat %.6f alt %.2f m, hdg %.1f pitch %.1f roll %.1f", geodetic.x,
                     geodetic.y, geodetic.z, hpr.x, hpr.y, hpr.z);
     }
-    std::printf(" | feedback %llu sent\n", static_cast<unsigned long long>(link.sent));
+    std::printf(" | %s | feedback %llu sent\n", environment.c_str(),
+                static_cast<unsigned long long>(link.sent));
     std::fflush(stdout);
 }
 

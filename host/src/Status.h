@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <string>
+
 namespace ig {
 class Node;
 class SocketUDP;
@@ -15,7 +17,8 @@ public:
     /// After every frame: its duration, and the seconds of work that it cost.
     void addFrame(float dt, double work);
     /// Prints the line when a second of scene time has passed since the last one.
-    void print(const LogicListener& listener);
+    /// `environment` says what weather, sea and hour are.
+    void print(const LogicListener& listener, const std::string& environment);
     void printSummary(const LogicListener& listener) const;
 
 private:

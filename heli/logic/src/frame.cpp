@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "common/ship/FlagOper.h"
+#include "common/ship/Ship.h"
+#include "common/ship/Wakes.h"
 #include "heli/kit/HelicopterCorax.h"
 #include "heli/kit/UdpDataKit.h"
 #include "heli/logic/HandOper.h"
@@ -19,15 +22,24 @@ namespace {
 const char* const RELEASE = "Logic_Nerith_Heli_Final::release";
 constexpr float NO_GROUND = -1e9f;    ///< neither terrain nor sea below the helicopter
 constexpr double RADAR_HEIGHT = 10.0; ///< of the radar camera above the helicopter, metres
+
+void update_ship(Ship* ship) {
+    if (!ship) return;
+    if (ship->getObject()->isEnabled() && ship->getWakes()) ship->getWakes()->update();
+    ship->update();
+}
 } // namespace
 
 void Logic_Nerith_Heli_Final::update(float dt) {
     m_timers.update(dt); // applies the host's records
+    update_flags(dt);
     if (m_cmder) m_cmder->update(dt);
     if (m_heli) {
         update_ground_reference();
         update_radar_camera();
     }
+    update_ship(m_ship1);
+    update_ship(m_ship2);
     update_input();
     update_torpedo(dt);
     update_sonar();
@@ -39,6 +51,11 @@ void Logic_Nerith_Heli_Final::update(float dt) {
     if (m_heli && m_winch_info && m_winch_info->prefab)
         pin_cable(m_winch_info->anchor, m_winch_mount);
     send_udp();
+}
+
+void Logic_Nerith_Heli_Final::update_flags(float dt) {
+    for (FlagOper* flag : {m_flag_qizi1, m_flag_qizi2, m_flag_qizhi})
+        if (flag) flag->update(dt);
 }
 
 /// Measures what lies below the helicopter, for the model and its effects.
@@ -95,5 +112,8 @@ void Logic_Nerith_Heli_Final::release() {
     destroy(m_heli, RELEASE);
     destroy(m_sonar_info, RELEASE);
     destroy(m_winch_info, RELEASE);
+    destroy(m_flag_qizhi, RELEASE);
+    destroy(m_flag_qizi1, RELEASE);
+    destroy(m_flag_qizi2, RELEASE);
     destroy(m_cmder, RELEASE);
 }

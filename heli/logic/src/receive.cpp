@@ -16,9 +16,16 @@ void Logic_Nerith_Heli_Final::recv_udp(TimerManager::Timer*) {
     // record is applied on top of the reset scene.
     for (UdpRecvData& record : m_udp_recv->m_records) {
         apply_status(record);
+        apply_system(record);
+        apply_weather(record);
+        apply_rain(record);
+        apply_snow(record);
+        apply_hail(record);
+        apply_cloud(record);
         emit(m_sig_float_3, float(record.weather_value_a));
         emit(m_sig_float_2, -90.0f - record.weather_angle);
         emit(m_sig_float_4, static_cast<float>(record.weather_value_b) / VISIBILITY_SCALE);
+        apply_ocean(record);
         apply_heli(record);
         apply_leida(record);
         apply_hang(record);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "common/ship/Ship.h"
 #include "heli/kit/HelicopterCorax.h"
 #include "heli/kit/LogicActions.h"
 #include "heli/logic/Logic_Nerith_Heli_Final.h"
@@ -41,6 +42,7 @@ Track* Logic_Nerith_Heli_Final::get_track(const jString& path) const {
 void Logic_Nerith_Heli_Final::reset() {
     m_action_manager.removeAllActions();
     reset_helicopter();
+    reset_ships();
     clear_all_particles();
     // The host application clears what it keeps of the old scene.
     emit(m_sig_code, 25);
@@ -77,6 +79,12 @@ void Logic_Nerith_Heli_Final::reset_helicopter() {
     show_airframe("normal", true);
     if (const Node* start = m_world->getNodeByName("start_heli"))
         m_heli->set_transform(start->getWorldTransform());
+}
+
+/// Back at their start poses, at rest.
+void Logic_Nerith_Heli_Final::reset_ships() {
+    if (m_ship1) m_ship1->getObject()->setWorldTransform(m_ship1_start);
+    if (m_ship2) m_ship2->getObject()->setWorldTransform(m_ship2_start);
 }
 
 /// Announces that a prefab goes and lets the world remove and destroy it.

@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "common/ship/FlagOper.h"
+#include "common/ship/Ship.h"
+#include "common/ship/Wakes.h"
 #include "heli/config/AppData.h"
 #include "heli/kit/HelicopterCorax.h"
 #include "heli/kit/UdpDataKit.h"
@@ -46,6 +49,22 @@ const char* const PRELOADED[] = {
 
 constexpr float RECEIVE_PERIOD = 0.01f; ///< seconds
 
+constexpr int FULL_AHEAD = 2;                                  ///< control mode of the ships
+constexpr float FIRST_THRUST = 700.0f, SECOND_THRUST = 300.0f; ///< N per m³
+constexpr float SECOND_WAKE_LIFE = 40.0f;                      ///< seconds
+constexpr float FLAG_AMPLITUDE = 10.0f;                        ///< degrees
+constexpr float FLAG_SPEED = 3.0f;                             ///< degrees per second
+
+/// The prefab of that name in the world; null for any other node.
+ObjectPrefab* findPrefab(World& world, const char* name) {
+    Node* node = world.getNodeByName(name);
+    return node && node->getType() == OBJECT_PREFAB ? static_cast<ObjectPrefab*>(node) : nullptr;
+}
+
+void setUpFlag(const ObjectPrefab& ship, const char* name, FlagOper* flag) {
+    if (Node* node = ship.getNodeByName(name)) flag->init(node, FLAG_AMPLITUDE, FLAG_SPEED);
+}
+
 } // namespace
 
 bool Logic_Nerith_Heli_Final::init() {
@@ -59,6 +78,8 @@ bool Logic_Nerith_Heli_Final::init() {
     find_weather_and_surfaces();
     place_start_camera();
     create_records();
+    create_first_ship();
+    create_second_ship();
     find_commander();
     announce_glass();
     load_tracks();
@@ -113,15 +134,43 @@ void Logic_Nerith_Heli_Final::place_start_camera() {
 }
 
 void Logic_Nerith_Heli_Final::create_records() {
+    m_ship1 = m_ship2 = nullptr;
     m_sonar_info = create<SonarInfo>(INIT);
     m_winch_info = create<WinchInfo>(INIT);
+    m_flag_qizi1 = create<FlagOper>(INIT);
+    m_flag_qizi2 = create<FlagOper>(INIT);
+    m_flag_qizhi = create<FlagOper>(INIT);
     m_cmder = create<HandOper>(INIT);
 }
 
+void Logic_Nerith_Heli_Final::create_first_ship() {
+    ObjectPrefab* prefab = findPrefab(*m_world, "SM_055_CN_2023");
+    if (!prefab) return;
+    prefab->moveBodyFromRoot();
+    m_ship1 = create<Ship>(INIT, prefab, m_ocean);
+    if (!m_ship1) return; // out of memory
+    m_ship1->setControlMode(FULL_AHEAD);
+    m_ship1->setThrust(FIRST_THRUST);
+    m_ship1_start = prefab->getWorldTransform();
+    setUpFlag(*prefab, "qizi1", m_flag_qizi1);
+    setUpFlag(*prefab, "qizi2", m_flag_qizi2);
+}
+
+void Logic_Nerith_Heli_Final::create_second_ship() {
+    ObjectPrefab* prefab = findPrefab(*m_world, "LNJ_2023");
+    if (!prefab) return;
+    prefab->moveBodyFromRoot();
+    m_ship2 = create<Ship>(INIT, prefab, m_ocean);
+    if (!m_ship2) return; // out of memory
+    m_ship2->setControlMode(FULL_AHEAD);
+    m_ship2->setThrust(SECOND_THRUST);
+    if (Wakes* wakes = m_ship2->getWakes()) wakes->setWakeLife(SECOND_WAKE_LIFE);
+    m_ship2_start = prefab->getWorldTransform();
+    setUpFlag(*prefab, "qizhi", m_flag_qizhi);
+}
+
 void Logic_Nerith_Heli_Final::find_commander() {
-    Node* commander = m_world->getNodeByName("cmder");
-    if (commander && commander->getType() == OBJECT_PREFAB)
-        m_cmder->init(static_cast<ObjectPrefab*>(commander));
+    if (ObjectPrefab* commander = findPrefab(*m_world, "cmder")) m_cmder->init(commander);
 }
 
 void Logic_Nerith_Heli_Final::announce_glass() {

@@ -199,9 +199,10 @@ TEST(Startup, MissingHelicopterPrefabIsLoggedAndTheFramesGoOn) {
     scene.logic->reset();
 }
 
-// Exactly what outlives the logic: the loaded tracks. Everything else is given back, also on a
-// second release, whether it was freed by us or by the world.
-TEST(Release, LeavesOnlyTheTracksInTheMemoryTracker) {
+// Exactly what outlives the logic: the loaded tracks and the ships, each with its buoyancy and its
+// wake. Everything else is given back, also on a second release, whether it was freed by us or by
+// the world.
+TEST(Release, LeavesOnlyTracksAndShipsInTheMemoryTracker) {
     const auto before = tracked(); // tracks of earlier tests
     LogicScene scene;
     scene.useProjectData();
@@ -222,6 +223,8 @@ TEST(Release, LeavesOnlyTheTracksInTheMemoryTracker) {
     scene.stop();
     auto expected = before;
     expected["src/logic/Logic_Nerith_Heli_Final|Logic_Nerith_Heli_Final::load_track"] += 3;
+    expected["src/logic/Logic_Nerith_Heli_Final|Logic_Nerith_Heli_Final::init"] += 2;
+    expected["../common/ship/ship|Ship::Ship"] += 4;
     EXPECT_EQ(tracked(), expected);
 }
 

@@ -48,7 +48,7 @@ void BodyRigid::setTransform(const dmat4& transform) {
     m_simulation->pose = transform;
     m_impulse = {};
     if (!m_simulation->inserted) return;
-    m_simulation->body->setWorldTransform(toBullet(transform * translate(dvec3(m_center))));
+    m_simulation->body->setCenterOfMassTransform(toBullet(transform * translate(dvec3(m_center))));
     setLinearVelocity({});
     setAngularVelocity({});
     m_physics->refresh(this);
@@ -66,7 +66,7 @@ bool BodyRigid::isHeld() const {
 void BodyRigid::setPreserveTransform(const dmat4& transform) {
     if (!m_simulation->inserted || !isFinite(transform)) return;
     m_simulation->pose = transform;
-    m_simulation->body->setWorldTransform(toBullet(transform * translate(dvec3(m_center))));
+    m_simulation->body->setCenterOfMassTransform(toBullet(transform * translate(dvec3(m_center))));
     m_physics->refresh(this);
     wake();
 }
@@ -109,6 +109,19 @@ void BodyRigid::addForce(const vec3& relative_point, const vec3& force) {
     if (!m_simulation->inserted || !isFinite(force) || !isFinite(relative_point)) return;
     addTorque(cross(relative_point, force));
     if (isFinite(m_force + force)) m_force += force;
+}
+
+void BodyRigid::addWorldForce(const dvec3& point, const vec3& force) {
+    if (m_simulation->inserted && isFinite(point)) addForce(vec3(point - getWorldCenter()), force);
+}
+
+vec3 BodyRigid::getWorldVelocity(const dvec3& point) const {
+    if (!m_simulation->inserted || !isFinite(point)) return {};
+    return getLinearVelocity() + cross(getAngularVelocity(), vec3(point - getWorldCenter()));
+}
+
+dvec3 BodyRigid::getWorldCenter() const {
+    return fromBullet(m_simulation->body->getCenterOfMassPosition());
 }
 
 void BodyRigid::addTorque(const vec3& torque) {

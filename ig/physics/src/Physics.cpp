@@ -77,7 +77,7 @@ void Physics::insert(BodyRigid* body) {
         s.body->setDamping(0, 0); // ours, per substep: the solver's is clamped to 1
         s.body->setUserPointer(body);
     }
-    s.body->setWorldTransform(toBullet(s.pose * to_center));
+    s.body->setCenterOfMassTransform(toBullet(s.pose * to_center));
     s.body->setLinearVelocity({0, 0, 0});
     s.body->setAngularVelocity({0, 0, 0});
     s.inserted = true;
@@ -107,6 +107,20 @@ void Physics::refresh(BodyRigid* body) {
     m_solver->world.updateSingleAabb(placed);
 }
 
+void BodyRigid::accelerate(double h) {
+    const auto& s = *m_simulation;
+    if (!s.inserted || m_mass == 0 || !s.body->isActive()) return;
+    const dvec3 up = EARTH.getUp(fromBullet(s.body->getCenterOfMassPosition()));
+    const dvec3 acceleration = dvec3(m_force) / double(m_mass) - up * double(Physics::GRAVITY);
+    const btVector3 v = s.body->getLinearVelocity();
+    const double drag = 0.5 * AIR_DENSITY * m_drag_area * v.length() / m_mass;
+    s.body->setLinearVelocity((v + toBullet(acceleration) * h) /
+                              (1 + (m_linear_damping + drag) * h));
+    s.body->setAngularVelocity((s.body->getAngularVelocity() +
+                                s.body->getInvInertiaTensorWorld() * toBullet(m_torque) * h) /
+                               (1 + m_angular_damping * h));
+}
+
 void Physics::update(float dt) {
     if (!(dt > 0) || !std::isfinite(dt)) return;
     const double time = std::min<double>(dt, MAX_FRAME_TIME);
@@ -115,8 +129,16 @@ void Physics::update(float dt) {
             static_cast<BodyRope*>(body)->step(time);
     // The small allowance keeps a frame of exactly 1/60 s, rounded up, from becoming two substeps.
     const int steps = std::max(1, static_cast<int>(std::ceil(time / SUBSTEP - 1e-4)));
-    for (int step = 0; step < steps; step++)
-        substep(time / steps);
+    for (int step = 0; step < steps; step++) {
+        for (Body* body : m_bodies) {
+            BodyRigid* rigid = asRigid(body);
+            if (rigid && !rigid->isPushed())
+                rigid->accelerate(time / steps);
+            else if (rigid && step == 0)
+                rigid->accelerate(time);
+        }
+        m_solver->world.stepSimulation(time / steps, 0);
+    }
     for (Body* body : m_bodies) {
         BodyRigid* rigid = asRigid(body);
         if (!rigid) continue;
@@ -124,27 +146,6 @@ void Physics::update(float dt) {
         if (rigid->m_landing) land(rigid);
     }
     reportContacts();
-}
-
-void Physics::substep(double h) {
-    for (Body* body : m_bodies) {
-        BodyRigid* rigid = asRigid(body);
-        if (!rigid) continue;
-        const auto& s = *rigid->m_simulation;
-        if (!s.inserted || rigid->m_mass == 0 || !s.body->isActive()) continue;
-        const dvec3 up = EARTH.getUp(fromBullet(s.body->getCenterOfMassPosition()));
-        const dvec3 acceleration =
-            dvec3(rigid->m_force) / double(rigid->m_mass) - up * double(GRAVITY);
-        const btVector3 v = s.body->getLinearVelocity();
-        const double drag = 0.5 * AIR_DENSITY * rigid->m_drag_area * v.length() / rigid->m_mass;
-        s.body->setLinearVelocity((v + toBullet(acceleration) * h) /
-                                  (1 + (rigid->m_linear_damping + drag) * h));
-        s.body->setAngularVelocity(
-            (s.body->getAngularVelocity() +
-             s.body->getInvInertiaTensorWorld() * toBullet(rigid->m_torque) * h) /
-            (1 + rigid->m_angular_damping * h));
-    }
-    m_solver->world.stepSimulation(h, 0);
 }
 
 } // namespace ig

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ig/physics/Physics.h"
 #include "ig/math/EllipsoidModel.h"
+#include "ig/math/quat.h"
 #include "ig/physics/Body.h"
 
 #include <cmath>
@@ -85,6 +86,42 @@ TEST(Physics, ForceAtAPointTurnsAndPushesForOneFrame) {
     EXPECT_NEAR(length(box.getAngularVelocity()), turn, 1e-4); // cleared after the frame
 }
 
+TEST(Physics, ForceAndVelocityAtAWorldPointAreTakenAboutTheCentreOfMass) {
+    Physics physics;
+    BodyRigid box(1000, {0, 0, 0.5f});
+    box.addShape(Shape::createBox({2, 2, 2}, mat4(translate(dvec3(0, 0, 0.5)))));
+    const dmat4 pose = place(1000);
+    box.setTransform(pose);
+    const dvec3 tip = pose * dvec3(0, 0, 2.5); // 2 m above the centre of mass
+    EXPECT_EQ(box.getWorldVelocity(tip), vec3_zero);
+    box.addWorldForce(tip, {1e9f, 0, 0}); // outside a world it moves nothing
+    physics.addBody(&box);
+    box.addWorldForce(tip, vec3(pose.getX()) * 6000.0f);
+    box.addWorldForce({std::nan(""), 0, 0}, {1e9f, 0, 0});
+    physics.update(1 / 60.0f);
+    const double spin = 12000 / (1000 * (2.0 * 2 + 2 * 2) / 12) / 60; // a box has m (a² + b²) / 12
+    EXPECT_NEAR(dot(box.getAngularVelocity(), vec3(pose.getY())), spin, 1e-4);
+    const vec3 v = box.getWorldVelocity(box.getTransform() * dvec3(0, 0, 2.5));
+    EXPECT_NEAR(dot(v, vec3(pose.getX())), 6.0 / 60 + spin * 2, 1e-3);
+}
+
+TEST(Physics, PlacedBodyTurnsAboutTheAxisOfItsTorqueFromTheFirstStep) {
+    Physics physics;
+    BodyRigid rod(1000, {});
+    rod.addShape(Shape::createBox({1, 40, 1})); // far stiffer about X and Z than about Y
+    rod.setTransform(place(1000));
+    physics.addBody(&rod);
+    for (const double turn : {0.0, 60.0}) {
+        const dmat4 pose = place(1000) * dmat4(dquat(dvec3(1, 0, 0), turn), {});
+        rod.setTransform(pose);
+        rod.addTorque(vec3(pose.getX()) * 1e5f);
+        physics.update(1 / 60.0f);
+        const dvec3 spin = transpose(pose.getMat3()) * dvec3(rod.getAngularVelocity());
+        EXPECT_NEAR(spin.x, 1e5 / (1000 * (40.0 * 40 + 1) / 12) / 60, 1e-5);
+        EXPECT_NEAR(std::hypot(spin.y, spin.z), 0, 1e-6);
+    }
+}
+
 TEST(Physics, DisabledBodyIsNeverMovedByForcesOrPreserveTransform) {
     Physics physics;
     Box box;
@@ -122,6 +159,33 @@ TEST(Physics, AbsurdInputLeavesTheBodyWhereItIs) {
     physics.update(-1);
     physics.update(1);
     EXPECT_NEAR(altitude(box), 10, 1e-6);
+}
+
+/// A spring whose force is computed once per frame, as floating bodies have it: whatever the frame
+/// rate, its swing doesn't grow, and gravity's share leaves its mean where it belongs.
+TEST(Physics, SpringDrivenOncePerFrameKeepsItsSwingAtAnyFrameRate) {
+    const double omega = 4, sag = 9.80665 / (omega * omega);
+    for (const float dt : {1 / 144.0f, 1 / 60.0f, 1 / 30.0f, 0.1f, 0.2f}) {
+        Physics physics;
+        Box box;
+        box.setTransform(place(1000 - sag + 0.5));
+        physics.addBody(&box);
+        double low = 1e9, high = -1e9, mean = 0;
+        const int frames = static_cast<int>(60 / dt);
+        for (int i = 0; i < frames; i++) {
+            const double deflection = 1000 - altitude(box);
+            const vec3 up(EARTH.getUp(box.getTransform().getTranslate()));
+            box.addForce(up * static_cast<float>(1000 * omega * omega * deflection));
+            physics.update(dt);
+            const double swing = altitude(box) - (1000 - sag);
+            low = std::min(low, swing);
+            high = std::max(high, swing);
+            mean += swing / frames;
+        }
+        EXPECT_NEAR(high, 0.5, 0.06) << dt;
+        EXPECT_NEAR(low, -0.5, 0.06) << dt;
+        EXPECT_NEAR(mean, 0, 0.03) << dt;
+    }
 }
 
 TEST(Physics, LongFrameIsClamped) {

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "ig/scene/SceneObjects.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace ig {
 
 namespace {
@@ -27,6 +30,14 @@ void ObjectParticles::stop() {
 void ObjectParticles::clearParticles() {
     m_cleared++;
     forChildEmitters(*this, [](ObjectParticles* emitter) { emitter->clearParticles(); });
+}
+
+WorldBoundBox ObjectParticles::getWorldBoundBox() const {
+    const float flight =
+        (std::abs(m_velocity) + m_velocity_spread) * std::max(0.0f, m_life + m_life_spread);
+    const double reach = static_cast<double>(flight + length(m_area) / 2);
+    const dvec3 place = getWorldPosition(), half(reach, reach, reach);
+    return {place - half, place + half};
 }
 
 float ObjectParticles::getPresentRate() const {

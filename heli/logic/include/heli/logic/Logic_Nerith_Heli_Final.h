@@ -18,7 +18,6 @@ class UISpriteViewport;
 class UIVLayout;
 } // namespace ig
 
-class FlagOper;
 class HeliEffectsKitCorax;
 class HelicopterCorax;
 class ObjectOcean;
@@ -26,6 +25,7 @@ class ObjectTerrain;
 class Ship;
 class UdpRecvKit;
 class UdpSendKit;
+struct FlagOper;
 struct HandOper;
 struct SonarInfo;
 struct TorpedoInfo;
@@ -44,7 +44,8 @@ struct WinchInfo;
 ///   reset_tracks.cpp  getWorldPath, tracks, reset
 ///   receive.cpp       the receive-and-apply cycle
 ///   feedback.cpp      the feedback datagram
-///   apply_sea_pose.cpp  the helicopter's pose from the host
+///   apply_weather.cpp weather from the host to the signals, and from the application to the scene
+///   apply_sea_pose.cpp  the sea and the helicopter's pose from the host
 ///   torpedo.cpp       the torpedo, and effects shown once
 ///   missile_decoy.cpp  missiles and the decoy salvo
 ///   destruction.cpp   the helicopter's own end
@@ -149,8 +150,25 @@ public:
     /// to the flight simulation: one datagram per call.
     void send_udp();
 
+    // --- apply_weather.cpp
+
+    // Announce what a record says of the weather; codes outside their tables announce nothing.
+    void apply_system(UdpRecvData& record);
+    void apply_weather(UdpRecvData& record);
+    void apply_rain(UdpRecvData& record);
+    void apply_snow(UdpRecvData& record);
+    void apply_hail(UdpRecvData& record);
+    void apply_cloud(UdpRecvData& record);
+
+    /// Wets the helicopter's glass and the runway; it rains for values above 0.
+    void setRain(float value) override;
+    void setSnow(float value) override; ///< ices the runway
+    void setTod(float value) override;  ///< switches the lights by the time of day
+
     // --- apply_sea_pose.cpp
 
+    /// Announces the sea code and sets the ocean's own speed and angle.
+    void apply_ocean(UdpRecvData& record);
     /// Poses the helicopter where the record says.
     void apply_heli(UdpRecvData& record);
 
@@ -258,6 +276,8 @@ private:
     void find_weather_and_surfaces();
     void place_start_camera();
     void create_records();
+    void create_first_ship();
+    void create_second_ship();
     void find_commander();
     void announce_glass();
     void load_tracks();
@@ -265,6 +285,7 @@ private:
     void open_link();
 
     // frame.cpp: the steps of update
+    void update_flags(float dt);
     void update_ground_reference();
     void update_radar_camera();
     void pin_cable(ig::Node* anchor, const ig::dmat4& mount);
@@ -284,6 +305,7 @@ private:
 
     // reset_tracks.cpp
     void reset_helicopter();
+    void reset_ships();
     void remove_from_scene(ig::ObjectPrefab* prefab);
 
     // view_modes.cpp

@@ -1,29 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ig/ui/KeyCode.h"
+
 #include <bitset>
 
 namespace ig {
-
-/// Key codes: printable keys are their character code (lower case), special keys start at 256.
-enum KeyCode {
-    KEY_SPACE = 32,
-    KEY_ESCAPE = 256,
-    KEY_TAB = 257,
-    KEY_BACKSPACE = 258,
-    KEY_RETURN = 259,
-    KEY_LEFT = 266,
-    KEY_RIGHT = 267,
-    KEY_UP = 268,
-    KEY_DOWN = 269,
-    KEY_SHIFT = 270,
-    KEY_CTRL = 271,
-    KEY_ALT = 272,
-    KEY_F1 = 277, ///< F2 to F12 follow
-    KEY_F4 = 280,
-    KEY_F12 = 288,
-    KEY_COUNT = 512,
-};
 
 /// The state of keyboard and mouse for whoever polls it once a frame. The host application feeds it
 /// between frames with what the user interface did not take, and calls `endFrame` after the logic's

@@ -37,6 +37,14 @@ public:
     float getEnvironment(EnvironmentValue which) const { return m_environment[which]; }
     void setEnvironment(EnvironmentValue which, float value) { m_environment[which] = value; }
 
+    /// The wind of the scene: where it blows to, degrees counter-clockwise from east, and its
+    /// strength, 0 none to 10000, where light things such as flags lie fully along it. Strengths
+    /// outside are clamped, what is not finite is ignored.
+    void setWindDirection(float direction);
+    float getWindDirection() const { return m_wind_direction; }
+    void setWindStrength(float strength);
+    float getWindStrength() const { return m_wind_strength; }
+
     /// Back to frame 0 of an engine without application and world.
     void reset();
 
@@ -48,6 +56,7 @@ private:
     int m_frame = 0;
     float m_frame_time = 0;
     double m_running_time = 0;
+    float m_wind_direction = 0, m_wind_strength = 0;
     float m_environment[ENVIRONMENT_COUNT] = {};
 };
 

@@ -31,14 +31,14 @@ template <class R, class... Args>
 class Function<R(Args...)> {
 public:
     Function() = default;
-    /// Binds a member operation of `object`; the key tells the pair.
-    template <class T, class Base>
-    Function(T* object, R (Base::*operation)(Args...)) {
-        static_assert(sizeof operation <= sizeof m_key.operation);
-        m_key.object = object;
-        std::memcpy(m_key.operation, &operation, sizeof operation);
-        m_handler = std::make_shared<const Handler>(
-            [object, operation](Args... args) -> R { return (object->*operation)(args...); });
+    /// Binds a member operation of `object` that takes these arguments; the key tells the pair.
+    template <class T, class Base, class... Params>
+    Function(T* object, R (Base::*operation)(Params...)) {
+        bind(object, operation);
+    }
+    template <class T, class Base, class... Params>
+    Function(T* object, R (Base::*operation)(Params...) const) {
+        bind(object, operation);
     }
     /// Binds any callable under a key of the caller's choice (usually `this`), so that it can be
     /// found and taken off a list again.
@@ -50,10 +50,21 @@ public:
     /// Number of functions that share this handler.
     long useCount() const { return m_handler.use_count(); }
 
-    R operator()(Args... args) const { return (*m_handler)(args...); }
+    R operator()(Args... args) const { return (*m_handler)(std::forward<Args>(args)...); }
 
 private:
     using Handler = std::function<R(Args...)>;
+
+    template <class T, class Operation>
+    void bind(T* object, Operation operation) {
+        static_assert(sizeof operation <= sizeof m_key.operation);
+        m_key.object = object;
+        std::memcpy(m_key.operation, &operation, sizeof operation);
+        m_handler = std::make_shared<const Handler>([object, operation](Args... args) -> R {
+            return (object->*operation)(std::forward<Args>(args)...);
+        });
+    }
+
     FunctionKey m_key;
     std::shared_ptr<const Handler> m_handler;
 };
@@ -67,7 +78,7 @@ using SignalList = jVector<Function<void(Args...)>>;
 template <class... Args, class... Values>
 void emit(const jVector<Function<void(Args...)>>& list, Values&&... values) {
     for (const auto& listener : list)
-        listener(values...);
+        if (listener) listener(values...);
 }
 
 /// Adds `function` unless the list holds one with the same key. True when it was added.

@@ -22,6 +22,12 @@ public:
     void clear() { m_text.clear(); }
     std::string_view view() const { return m_text; }
     operator std::string_view() const { return m_text; }
+    /// Becomes this text, in the memory it has when that suffices.
+    void assign(std::string_view text) { m_text.assign(text); }
+    /// The decimal number at the beginning, after blanks and one plus sign; 0 when there is none or
+    /// it is not a finite one. Never depends on the locale.
+    float toFloat() const;
+    double toDouble() const;
 
     jString& operator+=(const jString& other) {
         m_text += other.m_text;

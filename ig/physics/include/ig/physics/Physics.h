@@ -71,7 +71,6 @@ private:
     void insert(BodyRigid* body); // makes an enabled body take part
     void extract(BodyRigid* body);
     void refresh(BodyRigid* body); // after the solver's body was placed
-    void substep(double h);
     void land(BodyRigid* body);
     void sweep(BodyRigid* body, jVector<Contact>& contacts);
     void reportContacts();

@@ -48,4 +48,23 @@ struct BoundSphere {
     }
 };
 
+/// A box along the axes of the world around something. Default: empty.
+struct WorldBoundBox {
+    dvec3 min{1, 1, 1}, max{-1, -1, -1};
+
+    bool isEmpty() const { return min.x > max.x; }
+    /// Grows to hold `other` as well.
+    void expand(const WorldBoundBox& other) {
+        if (other.isEmpty()) return;
+        if (isEmpty()) {
+            *this = other;
+            return;
+        }
+        min = {std::min(min.x, other.min.x), std::min(min.y, other.min.y),
+               std::min(min.z, other.min.z)};
+        max = {std::max(max.x, other.max.x), std::max(max.y, other.max.y),
+               std::max(max.z, other.max.z)};
+    }
+};
+
 } // namespace ig

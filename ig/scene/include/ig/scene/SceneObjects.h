@@ -46,6 +46,13 @@ public:
     float getPresentRate() const;
     /// Advances the running time by `dt` seconds, of this emitter alone.
     void advance(float dt);
+    /// Edges of the box around the emitter, along its axes, in which particles appear evenly, m;
+    /// default zero, a point.
+    const vec3& getArea() const { return m_area; }
+    void setArea(const vec3& area) { m_area = area; }
+    /// Holds every place that a particle of its present settings can reach from the emitter's
+    /// present place.
+    WorldBoundBox getWorldBoundBox() const;
 
     /// Deflectors remove the particles in their column. World transforms.
     int getNumDeflectors() const { return m_deflectors.size(); }
@@ -57,6 +64,7 @@ private:
     float m_life = 1, m_life_spread = 0;
     float m_velocity = 0, m_velocity_spread = 0;
     float m_spawn_rate = 0;
+    vec3 m_area;
     float m_duration = 0, m_burst = 0;
     float m_elapsed = 0;
     bool m_running = true;

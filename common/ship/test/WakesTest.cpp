@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: MIT
+#include "ShipScene.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace ig;
+
+/// A ship without body whose wake, 10 m astern, has a foam of 40 m with two emitters, one below the
+/// other, and an emitter beside the foam.
+struct WakesTest : testing::Test {
+    WakesTest() {
+        object = new Object(NODE_DUMMY);
+        node = add<Node>(object, "wakes");
+        node->setPosition({0, -10, 0});
+        foam = add<DecalOrtho>(node, "foam");
+        bow = add<ObjectParticles>(foam, "bow");
+        bow->setPosition({0, 20, 0});
+        stern = add<ObjectParticles>(bow, "stern");
+        stern->setPosition({0, -40, 0});
+        spray = add<ObjectParticles>(node, "spray");
+        scene.place(object, 2, 0);
+    }
+    template <class T>
+    static T* add(Node* parent, const char* name) {
+        auto* child = new T();
+        child->setName(name);
+        parent->addChild(child);
+        return child;
+    }
+    /// Frames until the first ones, in which nothing shows, are over.
+    static void passFirstFrames() {
+        for (int i = 0; i < 10; i++)
+            Engine::get()->beginFrame(0.01f);
+    }
+    ShipScene scene;
+    Object* object;
+    Node* node;
+    DecalOrtho* foam;
+    ObjectParticles *bow, *stern, *spray;
+};
+
+TEST_F(WakesTest, FollowsPlaceAndHeadingButNeitherPitchNorRoll) {
+    Ship ship(object, scene.sea);
+    for (const double heading : {0.0, 120.0, 300.0}) {
+        object->setWgsHPR({heading, 12, -25});
+        ship.getWakes()->update();
+        const dvec3 hpr = node->getWgsHPR();
+        EXPECT_NEAR(std::remainder(hpr.x - heading, 360), 0, 0.01);
+        EXPECT_NEAR(hpr.y, 0, 0.01);
+        EXPECT_NEAR(hpr.z, 0, 0.01);
+        const dvec3 offset = transpose(object->getWGSTransform().getMat3()) *
+                             (node->getWorldPosition() - object->getWorldPosition());
+        const double h = heading * DEG_TO_RAD<double>;
+        EXPECT_LT(length(offset - dvec3(-10 * std::sin(h), -10 * std::cos(h), 0)), 1e-6);
+    }
+}
+
+TEST_F(WakesTest, FoamCoversItsEmittersButNeverMoreThan512Metres) {
+    Ship ship(object, scene.sea);
+    for (ObjectParticles* emitter : {bow, stern}) {
+        emitter->setLife(0);
+        emitter->setLinearVelocity(1);
+    }
+    spray->setLinearVelocity(1e6f); // beside the foam: none of its business
+    ship.getWakes()->update();
+    EXPECT_NEAR(foam->getWidth(), 40 * 1.1, 0.01); // the diagonal of a box around two points
+    EXPECT_EQ(foam->getHeight(), foam->getWidth());
+    // From now on particles live 30 s: half a metre per second carries them 15 m to all sides.
+    bow->setLinearVelocity(0.5f);
+    stern->setLinearVelocity(-0.5f);
+    ship.getWakes()->update();
+    EXPECT_GT(foam->getWidth(), 70 * 1.1);
+    bow->setLinearVelocity(1000);
+    ship.getWakes()->update();
+    EXPECT_EQ(foam->getWidth(), 512);
+    EXPECT_EQ(foam->getHeight(), 512);
+}
+
+TEST_F(WakesTest, NoBurstInTheFirstNineFrames) {
+    Ship ship(object, scene.sea);
+    for (int frame = 1; frame <= 12; frame++) {
+        Engine::get()->beginFrame(0.01f);
+        const unsigned before = bow->getNumCleared();
+        ship.getWakes()->update();
+        EXPECT_EQ(bow->getNumCleared() > before, frame < 10) << frame;
+    }
+    EXPECT_EQ(spray->getNumCleared(), 0u);
+}
+
+TEST_F(WakesTest, FoamLivesItsTimeInAnySeaUpToBeaufortTwelve) {
+    Ship ship(object, scene.sea);
+    Wakes& wakes = *ship.getWakes();
+    EXPECT_EQ(wakes.getWakeLife(), 30);
+    wakes.setWakeLife(40);
+    const float before = spray->getLife();
+    for (const auto& [beaufort, life] :
+         {std::pair(0.0f, 40.0f), {12.0f, 40.0f}, {12.5f, 0.0f}, {-1.0f, 0.0f}}) {
+        scene.sea->m_beaufort = beaufort;
+        wakes.update();
+        EXPECT_EQ(stern->getLife(), life) << beaufort; // negative: left as it was
+    }
+    EXPECT_EQ(spray->getLife(), before);
+}
+
+TEST_F(WakesTest, EmittersAreRememberedAsTheyWereFound) {
+    bow->setLife(7);
+    stern->setSpawnRate(11);
+    const Ship ship(object, scene.sea);
+    bow->setLife(1);
+    const auto& emitters = ship.getWakes()->getEmitters();
+    ASSERT_EQ(emitters.size(), 3);
+    EXPECT_EQ(emitters[0].id, bow->getID());
+    EXPECT_EQ(emitters[0].life, 7);
+    EXPECT_EQ(emitters[1].spawn_rate, 11);
+    EXPECT_EQ(emitters[2].id, spray->getID());
+}
+
+TEST_F(WakesTest, WithoutFoamOrOceanItDoesWithout) {
+    bow->setName("other");
+    auto* other = new Object(NODE_DUMMY);
+    Node* wakes = add<Node>(other, "wakes");
+    add<Node>(wakes, "foam"); // no decal
+    scene.place(other, 0, 0);
+    wakes->setRotation(dquat(dvec3(1, 0, 0), 30));
+    const dmat4 before = wakes->getTransform();
+    Ship ship(other, scene.sea);
+    ship.getWakes()->update();
+    EXPECT_EQ(wakes->getTransform(), before);
+    passFirstFrames();
+    Ship ashore(object, nullptr);
+    bow->setLife(5);
+    ashore.getWakes()->update();
+    EXPECT_EQ(bow->getLife(), 5);
+}
+
+TEST_F(WakesTest, PlainObjectsAreSearchedOneLevelDeepAndPrefabsWhole) {
+    node->setName("hull");
+    EXPECT_EQ(Ship(object, scene.sea).getWakes(), nullptr);
+    foam->setName("wakes"); // now a grandchild
+    EXPECT_EQ(Ship(object, scene.sea).getWakes(), nullptr);
+    auto* prefab = new ObjectPrefab(ShipScene::FRIGATE);
+    scene.place(prefab, 0, 0);
+    EXPECT_NE(Ship(prefab, scene.sea).getWakes(), nullptr);
+}
+
+} // namespace

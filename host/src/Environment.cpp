@@ -1,0 +1,190 @@
+// SPDX-License-Identifier: MIT
+#include "Environment.h"
+
+#include "Options.h"
+#include "ig/app/ControlApp.h"
+#include "ig/app/Engine.h"
+#include "ig/app/Sky.h"
+#include "ig/scene/Camera.h"
+#include "ig/scene/SceneObjects.h"
+#include "ig/scene/World.h"
+#include "plugins/ocean/ObjectOcean.h"
+
+#include <algorithm>
+#include <cstdio>
+
+using namespace ig;
+
+namespace {
+
+constexpr float FULL_VISIBILITY = 300000; ///< metres, at fraction 1
+constexpr float LEAST_VISIBILITY = 20;    ///< metres: what absurd values come down to
+constexpr double DEFAULT_VISIBILITY = 60000;
+constexpr double FOG_VISIBILITY = 800; ///< metres, for fog without a word on how thick
+constexpr float WIND_STRENGTH = 400;   ///< the scene's wind strength for 1 m/s
+constexpr int HEAVY = 3;               ///< the highest level of precipitation
+constexpr int HIGHEST_SEA = 12;        ///< Beaufort
+constexpr double DAY = 24;             ///< hours
+
+/// Looks of the sky by WEATHER_TYPE.
+struct Look {
+    float cloud_cover, overcast, darkness;
+};
+constexpr Look LOOKS[] = {{0.5f, 0, 0}, {0.8f, 1, 0.15f}, {0.9f, 1, 0.85f}, {0.5f, 0.9f, 0.1f}};
+
+// What the keys go through; the first of each is "as told".
+constexpr int SEAS[] = {-1, 0, 2, 4, 6, 8};
+constexpr int SHOWERS[][3] = {{-1, -1, -1}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0},
+                              {0, 3, 0},    {0, 0, 3}, {0, 0, 0}};
+
+double wrapHour(double hour) {
+    const double wrapped = std::fmod(hour, DAY);
+    return wrapped < 0 ? wrapped + DAY : wrapped;
+}
+
+} // namespace
+
+Environment::Environment(const Options& options)
+    : m_operator(options.weather), m_hour(wrapHour(options.time_of_day)),
+      m_time_scale(options.time_scale), m_day_of_year(options.day_of_year) {}
+
+void Environment::connect(LogicBase& logic) {
+    m_logic = &logic;
+    logic.m_sig_command.append({this, &Environment::onCommand});
+    logic.m_sig_weather.append({this, &Environment::onWeather});
+    logic.m_sig_rain.append({this, &Environment::onRain});
+    logic.m_sig_snow.append({this, &Environment::onSnow});
+    logic.m_sig_hail.append({this, &Environment::onHail});
+    logic.m_sig_cloud.append({this, &Environment::onCloud});
+    logic.m_sig_float_2.append({this, &Environment::onWindDirection});
+    logic.m_sig_float_3.append({this, &Environment::onWindSpeed});
+    logic.m_sig_float_4.append({this, &Environment::onVisibility});
+    logic.m_sig_sea.append({this, &Environment::onSea});
+}
+
+void Environment::attach(const World& world) {
+    Node* ocean = world.getNodeByName("ocean");
+    if (ocean && ocean->getType() == OBJECT_OCEAN) m_ocean = static_cast<ObjectOcean*>(ocean);
+    const std::pair<const char*, int Weather::*> kinds[] = {
+        {"rain", &Weather::rain}, {"snow", &Weather::snow}, {"hail", &Weather::hail}};
+    for (const auto& [name, level] : kinds) {
+        Node* node = world.getNodeByName(name);
+        if (!node || node->getType() != OBJECT_PARTICLES) continue;
+        auto* emitter = static_cast<ObjectParticles*>(node);
+        m_precipitation.push_back({emitter, level, emitter->getSpawnRate()});
+    }
+}
+
+// ------------------------------------------------------------------ what is asked for
+
+void Environment::onCloud(CloudInfo* cloud) {
+    const float cover = cloud->enable ? cloud->ratio : 0;
+    if (!std::isfinite(cover + cloud->base + cloud->thickness)) return;
+    m_told.cloud_cover = std::clamp(cover, 0.0f, 1.0f);
+    m_told.cloud_base = cloud->base;
+    m_told.cloud_thickness = cloud->thickness;
+}
+
+void Environment::onWindSpeed(float speed) {
+    if (std::isfinite(speed)) m_told.wind_speed = std::max(speed, 0.0f);
+}
+
+/// A host that leaves the visibility at 0 has nothing to say of it.
+void Environment::onVisibility(float fraction) {
+    if (!std::isfinite(fraction)) return;
+    const float metres = fraction * FULL_VISIBILITY;
+    m_told.visibility = metres > 0 ? std::max(metres, LEAST_VISIBILITY) : -1;
+}
+
+void Environment::onSea(int code) { m_told.beaufort = std::clamp(code, 0, HIGHEST_SEA); }
+
+void Environment::readKeys(const ControlApp& keys) {
+    if (keys.isKeyClick(KEY_F7))
+        m_operator.look = m_operator.look < WEATHER_FOG ? m_operator.look + 1 : -1;
+    if (keys.isKeyClick(KEY_F8)) {
+        const int present[] = {m_operator.rain, m_operator.snow, m_operator.hail};
+        const auto* at = std::find_if(std::begin(SHOWERS), std::end(SHOWERS), [&](const auto& s) {
+            return std::equal(std::begin(s), std::end(s), present);
+        });
+        const bool last = at == std::end(SHOWERS) || at + 1 == std::end(SHOWERS);
+        const int(&next)[3] = last ? SHOWERS[0] : at[1];
+        m_operator.rain = next[0];
+        m_operator.snow = next[1];
+        m_operator.hail = next[2];
+    }
+    if (keys.isKeyClick(KEY_F9)) {
+        const auto* higher =
+            std::upper_bound(std::begin(SEAS), std::end(SEAS), m_operator.beaufort);
+        m_operator.beaufort = higher == std::end(SEAS) ? SEAS[0] : *higher;
+    }
+    if (keys.isKeyClick(KEY_F10)) m_hour = wrapHour(m_hour + (keys.isKeyPress(KEY_SHIFT) ? -1 : 1));
+}
+
+// ------------------------------------------------------------------ what comes of it
+
+void Environment::update(float dt, const Camera& camera, const ControlApp& keys) {
+    readKeys(keys);
+    if (dt > 0) m_hour = wrapHour(m_hour + static_cast<double>(dt) * m_time_scale / 3600);
+    const Weather weather = getWeather();
+    Engine::get()->setWindDirection(weather.wind_direction);
+    Engine::get()->setWindStrength(std::max(weather.wind_speed, 0.0f) * WIND_STRENGTH);
+    if (m_ocean && weather.beaufort >= 0)
+        m_ocean->setBeaufort(static_cast<float>(weather.beaufort));
+    applyPrecipitation(weather, camera);
+    tellLogic(weather);
+}
+
+/// Each emitter hangs level above the eye, so high that its particles fall as far below.
+void Environment::applyPrecipitation(const Weather& weather, const Camera& camera) {
+    const dvec3 eye = Engine::get()->getEllipsoidModel()->toWGS(camera.getWorldPosition(), true);
+    for (const Precipitation& p : m_precipitation) {
+        const int level = std::clamp(weather.*p.level, 0, HEAVY);
+        p.emitter->setEnabled(level > 0);
+        p.emitter->setSpawnRate(p.full_rate * static_cast<float>(level) / HEAVY);
+        if (level == 0) continue;
+        const float fall = std::abs(p.emitter->getLinearVelocity()) * p.emitter->getLife();
+        p.emitter->setWgsPosition({eye.x, eye.y, eye.z + static_cast<double>(fall) / 2});
+        p.emitter->setWgsHPR({});
+    }
+}
+
+/// Its glass, runway and lamps follow rain, snow and hour.
+void Environment::tellLogic(const Weather& weather) {
+    if (!m_logic) return;
+    const auto strength = [](int level) {
+        return static_cast<float>(std::clamp(level, 0, HEAVY)) / HEAVY;
+    };
+    const float rain = strength(weather.rain), snow = strength(weather.snow);
+    const auto hour = static_cast<float>(m_hour);
+    if (rain != m_told_rain) m_logic->setRain(m_told_rain = rain);
+    if (snow != m_told_snow) m_logic->setSnow(m_told_snow = snow);
+    if (hour != m_told_hour) m_logic->setTod(m_told_hour = hour);
+}
+
+void Environment::fillFrame(double longitude, FrameInfo& frame) const {
+    const Sky sky = computeSky(m_hour, longitude, m_day_of_year);
+    frame.sun_direction = sky.sun_direction;
+    frame.moon_direction = sky.moon_direction;
+    frame.sidereal_angle = sky.sidereal_angle;
+    const Weather weather = getWeather();
+    const Look& look = LOOKS[std::clamp<int>(weather.look, WEATHER_CLEAR, WEATHER_FOG)];
+    frame.overcast = look.overcast;
+    frame.cloud_darkness = look.darkness;
+    frame.cloud_cover = weather.cloud_cover >= 0 ? weather.cloud_cover : look.cloud_cover;
+    frame.rain = static_cast<float>(std::max(weather.rain, 0)) / HEAVY;
+    frame.snow = static_cast<float>(std::max(weather.snow, 0)) / HEAVY;
+    if (weather.visibility > 0)
+        frame.visibility = static_cast<double>(weather.visibility);
+    else
+        frame.visibility = weather.look == WEATHER_FOG ? FOG_VISIBILITY : DEFAULT_VISIBILITY;
+}
+
+std::string Environment::describe() const {
+    const char* const commands[] = {"freeze", "run", "stop", "exit"};
+    char text[256];
+    const int minutes = static_cast<int>(m_hour * 60);
+    const std::string weather = getWeather().describe();
+    std::snprintf(text, sizeof text, "%s %02d:%02d%s%s", commands[m_command - CMD_FREEZE],
+                  minutes / 60, minutes % 60, weather.empty() ? "" : " ", weather.c_str());
+    return text;
+}

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Weather.h"
+#include "common/logic/LogicBase.h"
+#include "ig/app/Renderer.h"
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+namespace ig {
+class Camera;
+class ControlApp;
+class ObjectParticles;
+} // namespace ig
+class ObjectOcean;
+struct Options;
+
+/// Light, air and sea of the scene. The flight simulation's weather arrives through the logic's
+/// signals, whose handlers only store it; once a frame it is applied to the sea, the precipitation,
+/// the wind and the picture, and the logic is told what belongs to its own scene. The hour is this
+/// application's own. What the operator asks for, by options or keys, wins over the flight
+/// simulation:
+///
+///   F7   look of the sky: as told, clear, overcast, storm, fog
+///   F8   precipitation: as told, light, medium, heavy rain, heavy snow, heavy hail, none
+///   F9   sea: as told, Beaufort 0, 2, 4, 6, 8
+///   F10  an hour later; with Shift an hour earlier
+class Environment {
+public:
+    explicit Environment(const Options& options);
+    /// Listens from then on; the logic must be there as long as this object is used.
+    void connect(LogicBase& logic);
+    /// Finds the ocean and the emitters "rain", "snow" and "hail", whose rates then count as those
+    /// of the highest level. Called once, when the world is complete.
+    void attach(const ig::World& world);
+
+    /// Once per frame, after the logic's update and before physics and particles. Precipitation
+    /// falls around `camera`.
+    void update(float dt, const ig::Camera& camera, const ig::ControlApp& keys);
+    /// Fills in what concerns the sky; `longitude` (degrees) is where the hour counts.
+    void fillFrame(double longitude, ig::FrameInfo& frame) const;
+
+    /// What holds at present.
+    Weather getWeather() const { return m_told.overriddenBy(m_operator); }
+    double getHour() const { return m_hour; } ///< local solar time, in [0, 24)
+    /// For the status line.
+    std::string describe() const;
+
+private:
+    struct Precipitation {
+        ig::ObjectParticles* emitter;
+        int Weather::*level;
+        float full_rate; ///< particles per second at the highest level
+    };
+
+    void onCommand(CMD_TYPE command) { m_command = command; }
+    void onWeather(WEATHER_TYPE look) { m_told.look = look; }
+    void onRain(WEATHER_DETAIL level) { m_told.rain = level; }
+    void onSnow(WEATHER_DETAIL level) { m_told.snow = level; }
+    void onHail(WEATHER_DETAIL level) { m_told.hail = level; }
+    void onCloud(CloudInfo* cloud);
+    void onWindDirection(float direction) {
+        if (std::isfinite(direction)) m_told.wind_direction = direction;
+    }
+    void onWindSpeed(float speed);
+    void onVisibility(float fraction);
+    void onSea(int code);
+
+    void readKeys(const ig::ControlApp& keys);
+    void applyPrecipitation(const Weather& weather, const ig::Camera& camera);
+    void tellLogic(const Weather& weather);
+
+    LogicBase* m_logic = nullptr;   ///< the host application's
+    ObjectOcean* m_ocean = nullptr; ///< the world's
+    std::vector<Precipitation> m_precipitation;
+    Weather m_told;     ///< by the flight simulation
+    Weather m_operator; ///< by options and keys
+    CMD_TYPE m_command = CMD_RUN;
+    double m_hour;
+    double m_time_scale;
+    int m_day_of_year;
+    float m_told_rain = -1, m_told_snow = -1, m_told_hour = -1; ///< to the logic, last
+};

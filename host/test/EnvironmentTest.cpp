@@ -1,0 +1,218 @@
+// SPDX-License-Identifier: MIT
+#include "Environment.h"
+
+#include "Options.h"
+#include "ig/app/ControlApp.h"
+#include "ig/app/Engine.h"
+#include "ig/scene/Camera.h"
+#include "ig/scene/SceneObjects.h"
+#include "ig/scene/World.h"
+#include "plugins/ocean/ObjectOcean.h"
+
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace {
+
+using namespace ig;
+
+/// A logic that writes down what it is told.
+struct ToldLogic : LogicBase {
+    ToldLogic() : LogicBase(nullptr, nullptr) {}
+    void setRain(float value) override { rain.push_back(value); }
+    void setSnow(float value) override { snow.push_back(value); }
+    void setTod(float value) override { hour = value; }
+    std::vector<float> rain, snow;
+    float hour = -1;
+};
+
+struct EnvironmentTest : testing::Test {
+    EnvironmentTest() {
+        ocean = add<ObjectOcean>("ocean");
+        ocean->setBeaufort(5);
+        for (auto [name, emitter] : {std::pair("rain", &rain), {"snow", &snow}, {"hail", &hail}}) {
+            *emitter = add<ObjectParticles>(name);
+            (*emitter)->setSpawnRate(900);
+            (*emitter)->setLinearVelocity(-9);
+            (*emitter)->setLife(2);
+        }
+        camera.setWgsPosition({-155, 20, 300});
+    }
+    ~EnvironmentTest() override { Engine::get()->reset(); }
+    template <class T>
+    T* add(const char* name) {
+        auto* node = new T();
+        node->setName(name);
+        world.addNode(node);
+        return node;
+    }
+    /// Begins with what `options` ask for.
+    Environment& start() {
+        environment.emplace(options);
+        environment->connect(logic);
+        environment->attach(world);
+        frame();
+        return *environment;
+    }
+    void frame(float dt = 1 / 60.0f) {
+        environment->update(dt, camera, keys);
+        environment->fillFrame(-155, picture);
+    }
+    void press(int key) {
+        keys.keyDown(key);
+        frame(0);
+        keys.endFrame();
+        keys.keyUp(key);
+    }
+    Options options;
+    World world;
+    Camera camera;
+    ControlApp keys;
+    ToldLogic logic;
+    FrameInfo picture;
+    ObjectOcean* ocean;
+    ObjectParticles *rain, *snow, *hail;
+    std::optional<Environment> environment;
+};
+
+TEST_F(EnvironmentTest, UntilSomebodySpeaksTheSceneKeepsItsOwn) {
+    start();
+    EXPECT_EQ(ocean->getBeaufort(), 5);
+    EXPECT_FALSE(rain->isEnabled());
+    EXPECT_EQ(Engine::get()->getWindStrength(), 0);
+    EXPECT_EQ(picture.visibility, 60000);
+    EXPECT_EQ(picture.overcast, 0);
+    EXPECT_EQ(logic.rain, std::vector<float>{0});
+    EXPECT_NEAR(logic.hour, 12, 1e-4);
+}
+
+TEST_F(EnvironmentTest, SignalsActInTheNextFrame) {
+    start();
+    emit(logic.m_sig_weather, WEATHER_STORM);
+    emit(logic.m_sig_rain, DETAIL_MEDIUM);
+    emit(logic.m_sig_hail, DETAIL_HEAVY);
+    emit(logic.m_sig_float_3, 10.0f);
+    emit(logic.m_sig_float_2, -150.0f); // wind from 60 degrees
+    emit(logic.m_sig_float_4, 0.1f);
+    emit(logic.m_sig_sea, 6);
+    CloudInfo clouds{true, 0, 0, 800, 600, 0.7f};
+    emit(logic.m_sig_cloud, &clouds);
+    clouds.ratio = 0.1f; // copied, not kept by address
+    EXPECT_EQ(ocean->getBeaufort(), 5);
+    frame();
+    EXPECT_EQ(ocean->getBeaufort(), 6);
+    EXPECT_EQ(Engine::get()->getWindStrength(), 4000);
+    EXPECT_EQ(Engine::get()->getWindDirection(), -150);
+    EXPECT_TRUE(rain->isEnabled() && hail->isEnabled());
+    EXPECT_FALSE(snow->isEnabled());
+    EXPECT_FLOAT_EQ(rain->getSpawnRate(), 600);
+    EXPECT_FLOAT_EQ(hail->getSpawnRate(), 900);
+    EXPECT_EQ(logic.rain, (std::vector<float>{0, 2 / 3.0f}));
+    EXPECT_EQ(logic.snow, (std::vector<float>{0}));
+    EXPECT_EQ(picture.overcast, 1);
+    EXPECT_GT(picture.cloud_darkness, 0.5f);
+    EXPECT_EQ(picture.cloud_cover, 0.7f);
+    EXPECT_NEAR(picture.visibility, 30000, 0.01);
+    EXPECT_FLOAT_EQ(picture.rain, 2 / 3.0f);
+    EXPECT_EQ(environment->describe(), "run 12:00 storm, rain 2, hail 3, clouds 70 % at 800 m, "
+                                       "sight 30.0 km, wind 060/10 m/s, sea 6");
+    emit(logic.m_sig_rain, DETAIL_NONE);
+    frame();
+    EXPECT_FALSE(rain->isEnabled());
+    emit(logic.m_sig_rain, DETAIL_HEAVY); // and back at the full rate, not at a third of a third
+    emit(logic.m_sig_command, CMD_FREEZE);
+    frame();
+    EXPECT_FLOAT_EQ(rain->getSpawnRate(), 900);
+    EXPECT_EQ(environment->describe().substr(0, 6), "freeze");
+}
+
+TEST_F(EnvironmentTest, PrecipitationFallsAroundTheEyeWhereverItGoes) {
+    options.weather.rain = 3;
+    start();
+    const EllipsoidModel earth;
+    for (const dvec3 eye : {dvec3(-155, 20, 300), dvec3(30, -60, 2000)}) {
+        camera.setWgsPosition(eye);
+        camera.setWgsHPR({100, 70, 20});
+        frame();
+        const dvec3 place = earth.toWGS(rain->getWorldPosition());
+        EXPECT_NEAR(place.x, eye.x, 1e-9);
+        EXPECT_NEAR(place.y, eye.y, 1e-9);
+        EXPECT_NEAR(place.z - eye.z, 9, 1e-6); // half of the 18 m that a drop falls
+        EXPECT_NEAR(rain->getWgsHPR().y, 0, 1e-9);
+        EXPECT_NEAR(rain->getWgsHPR().z, 0, 1e-9);
+    }
+}
+
+TEST_F(EnvironmentTest, AbsurdSignalsDoNoHarm) {
+    start();
+    const float nan = std::nanf(""), infinity = std::numeric_limits<float>::infinity();
+    for (const float absurd : {nan, infinity, -infinity, 3e38f, -3e38f, -1.0f}) {
+        emit(logic.m_sig_float_2, absurd);
+        emit(logic.m_sig_float_3, absurd);
+        emit(logic.m_sig_float_4, absurd);
+        CloudInfo clouds{true, 0, 0, absurd, absurd, absurd};
+        emit(logic.m_sig_cloud, &clouds);
+        frame();
+        EXPECT_GT(picture.visibility, 0);
+        EXPECT_TRUE(std::isfinite(picture.cloud_cover) && picture.cloud_cover >= 0 &&
+                    picture.cloud_cover <= 1);
+        EXPECT_TRUE(std::isfinite(Engine::get()->getWindDirection()));
+        EXPECT_GE(Engine::get()->getWindStrength(), 0);
+        EXPECT_LE(Engine::get()->getWindStrength(), 10000);
+    }
+    emit(logic.m_sig_sea, -1);
+    frame();
+    EXPECT_EQ(ocean->getBeaufort(), 0);
+    emit(logic.m_sig_sea, 32767);
+    frame(std::nanf(""));
+    EXPECT_EQ(ocean->getBeaufort(), 12);
+    EXPECT_GE(environment->getHour(), 0);
+}
+
+TEST_F(EnvironmentTest, WhatTheOperatorAsksForWinsUntilHeGivesItBack) {
+    options.weather.beaufort = 8;
+    start();
+    EXPECT_EQ(ocean->getBeaufort(), 8);
+    emit(logic.m_sig_sea, 3);
+    emit(logic.m_sig_weather, WEATHER_CLEAR);
+    emit(logic.m_sig_rain, DETAIL_LIGHT);
+    frame();
+    EXPECT_EQ(ocean->getBeaufort(), 8);
+    press(KEY_F9); // past the highest: as told
+    EXPECT_EQ(ocean->getBeaufort(), 3);
+    press(KEY_F9);
+    EXPECT_EQ(ocean->getBeaufort(), 0);
+    for (int look : {0, 1, 2, 3, -1, 0}) {
+        press(KEY_F7);
+        EXPECT_EQ(environment->getWeather().look, std::max(look, 0)); // told: clear
+    }
+    EXPECT_FLOAT_EQ(rain->getSpawnRate(), 300);
+    const int showers[][3] = {{1, 0, 0}, {2, 0, 0}, {3, 0, 0},  {0, 3, 0},
+                              {0, 0, 3}, {0, 0, 0}, {1, -1, -1}};
+    for (const auto& [r, s, h] : showers) {
+        press(KEY_F8);
+        EXPECT_EQ(environment->getWeather().rain, r);
+        EXPECT_EQ(environment->getWeather().snow, s);
+        EXPECT_EQ(environment->getWeather().hail, h);
+    }
+}
+
+TEST_F(EnvironmentTest, HourRunsAtItsScaleRoundTheClockAndByKey) {
+    options.time_of_day = 23.5;
+    options.time_scale = 3600;
+    start();
+    for (int i = 0; i < 59; i++)
+        frame();
+    EXPECT_NEAR(environment->getHour(), 0.5, 1e-3);
+    EXPECT_NEAR(logic.hour, 0.5, 1e-3);
+    const dvec3 night = picture.sun_direction;
+    press(KEY_F10);
+    EXPECT_NEAR(environment->getHour(), 1.5, 1e-3);
+    keys.keyDown(KEY_SHIFT);
+    for (int i = 0; i < 3; i++)
+        press(KEY_F10);
+    EXPECT_NEAR(environment->getHour(), 22.5, 1e-3);
+    EXPECT_GT(length(picture.sun_direction - night), 0.1);
+}
+
+} // namespace
