@@ -28,8 +28,9 @@ TYPE_KEYS = {
     "node": set(),
     "mesh": {"mesh", "intersect", "surfaces"},
     "prefab": {"path"},
-    "particles": {"life", "life_spread", "velocity", "velocity_spread", "rate", "material",
-                  "deflectors"},
+    "particles": {"life", "life_spread", "velocity", "velocity_spread", "rate", "duration",
+                  "burst", "material", "deflectors"},
+    "rope": {"radius", "material"},
     "decal": {"width", "height", "material"},
     "light": {"material"},
     "field": {"parameters"},
@@ -192,7 +193,8 @@ class Checker:
             self.expect(isinstance(value, list) and len(value) == 3 and all(
                 isinstance(v, (int, float)) and math.isfinite(v) for v in value), path,
                 f"{where}: {key} is not three numbers")
-        for key in ("life", "life_spread", "velocity", "velocity_spread", "rate"):
+        for key in ("life", "life_spread", "velocity", "velocity_spread", "rate", "duration", "burst",
+                    "radius"):
             self.expect(isinstance(node.get(key, 0), (int, float)), path,
                         f"{where}: {key} is not a number")
         if "material" in node:

@@ -134,6 +134,7 @@ void Channel::frame(float dt) {
     m_logic->update(dt);
     levelAfterJump();
     m_world.updatePhysics(dt);
+    m_world.updateParticles(dt);
     m_logic->swap();
     m_renderer->render(m_world, m_camera);
     m_logic->render();

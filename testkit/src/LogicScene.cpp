@@ -102,6 +102,7 @@ void LogicScene::frame(float dt) {
     Engine::get()->beginFrame(dt);
     logic->update(dt);
     world->updatePhysics(dt);
+    world->updateParticles(dt);
     ui->resize(width, height);
     ui->update(dt);
     logic->swap();

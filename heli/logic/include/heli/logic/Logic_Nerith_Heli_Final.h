@@ -7,8 +7,10 @@
 #include "ig/action/TimerManager.h"
 #include "ig/app/Message.h"
 #include "ig/math/quat.h"
+#include "ig/physics/Physics.h"
 
 namespace ig {
+class Action;
 class Camera;
 class ControlApp;
 class UIButton;
@@ -46,6 +48,11 @@ struct WinchInfo;
 ///   receive.cpp       the receive-and-apply cycle
 ///   feedback.cpp      the feedback datagram
 ///   apply_sea_pose.cpp  the helicopter's pose from the host
+///   torpedo.cpp       the torpedo, and effects shown once
+///   missile_decoy.cpp  missiles and the decoy salvo
+///   destruction.cpp   the helicopter's own end
+///   sonar.cpp         the dipping sonar and thrown buoys
+///   winch.cpp         the rescue winch
 ///   view_modes.cpp    who places the camera
 ///   navigation.cpp    how the camera moves
 ///   input.cpp         keyboard and mouse, polled
@@ -63,6 +70,14 @@ public:
         PLAYER_MODE_FIRST = 0, ///< it rides in the cockpit
         PLAYER_MODE_THIRD = 1, ///< it keeps its distance from the helicopter
         PLAYER_MODE_FREE = 2,  ///< nobody; input moves it
+    };
+
+    /// Told by the physics when a missile runs into something.
+    class MissileCallback : public ig::BodyContactCallbackBase {
+    public:
+        /// Calls the handlers in their order.
+        void onContact(ig::Body* body, int contact) override;
+        ig::SignalList<ig::Body*, int> m_handlers;
     };
 
     // --- entry.cpp
@@ -144,6 +159,67 @@ public:
     /// Poses the helicopter where the record says.
     void apply_heli(UdpRecvData& record);
 
+    // --- torpedo.cpp
+
+    /// Drops a torpedo, 3 m below the helicopter, level and facing north.
+    void emit_torpedo();
+    /// Removes the torpedoes that are in the water, with an explosion and a splash, and those whose
+    /// 40 s are over. Nothing without a sea.
+    void update_torpedo(float dt);
+
+    // --- missile_decoy.cpp
+
+    /// Fires a missile straight ahead: 300 m/s for 20 s.
+    void emit_missile();
+    /// Shows a missile's explosion and takes the missile out of the physics, so that it explodes
+    /// once; it flies on.
+    void on_missile_hit(ig::Body* body, int contact);
+    /// Removes the missiles whose flight is over.
+    void update_missle();
+    /// Ejects a decoy from each of the six dispensers; they are removed after 20 s.
+    void emit_decoy();
+    /// Removes the decoy whose timer is over: the action's data.
+    void on_decoy_delete(ig::Action* action);
+
+    // --- destruction.cpp
+
+    /// Explosion, fire, and in a moment the wreck; the deployed sonar is removed. Always true.
+    bool heli_explosion();
+    /// Shows the wreck instead of the intact airframe.
+    void on_heli_destory(ig::Action* action);
+    /// Removes all living particles of the world's own nodes and its prefabs.
+    void clear_all_particles();
+
+    // --- sonar.cpp
+
+    /// Deploys the dipping sonar, in place of a deployed one. False when there is none to deploy.
+    bool emit_sonar();
+    void release_sonar();        ///< removes the deployed sonar and shows the stowed one
+    void break_sonar_joint();    ///< cuts the sonar loose
+    bool is_break_sonar_joint(); ///< whether the deployed sonar has been cut loose
+    void sonar_down(float dt);   ///< lengthens the cable by 2 m/s, to 16 m
+    void sonar_up(float dt);     ///< shortens it by 2 m/s, to 2 m
+    /// Shows the helicopter's stowed sonar exactly when none is deployed.
+    void update_heli_sonar_enable();
+    /// The deployed sonar's step: shown from the first one on; once cut loose it splashes into the
+    /// sea and then floats.
+    void update_sonar_op();
+    /// Throws a sonar buoy, 1 m below the helicopter.
+    void throw_sonar();
+    /// The thrown buoys' step: they splash into the sea and then float.
+    void update_sonar();
+
+    // --- winch.cpp
+
+    /// Deploys the winch's load, in place of a deployed one. False when there is none to deploy.
+    bool emit_winch();
+    void release_winch();
+    void winch_down(float dt); ///< as the sonar's cable
+    void winch_up(float dt);
+    void update_heli_winch_enable(); ///< nothing: the hoist is never hidden
+    /// The host's load: deployed, its cable's length and its mass set, or released.
+    void apply_hang(UdpRecvData& record);
+
     // --- view_modes.cpp
 
     void set_player_mode(PLAYER_MODE mode);
@@ -217,6 +293,19 @@ private:
     void update_radar_camera();
     void pin_cable(ig::Node* anchor, const ig::dmat4& mount);
 
+    // torpedo.cpp
+    ig::dmat4 place_below_helicopter(double distance) const;
+    bool is_torpedo_over(TorpedoInfo& info, float dt);
+    ig::dvec3 lift(const ig::dvec3& world, double height) const;
+    void play_effect(const ig::jString& path, float duration, const ig::dvec3& position);
+    void announce_effect(const ig::jString& path, float duration, const ig::dvec3& position);
+
+    // destruction.cpp
+    void show_airframe(const char* state, bool on);
+
+    // sonar.cpp
+    ig::dvec3 add_below_mount(ig::ObjectPrefab* prefab, const ig::dmat4& mount, const char* name);
+
     // reset_tracks.cpp
     void reset_helicopter();
     void remove_from_scene(ig::ObjectPrefab* prefab);
@@ -268,6 +357,7 @@ public:
     HandOper* m_cmder = nullptr;          ///< owned; init; the deck commander's hands
     ig::Camera* m_radar_object = nullptr; ///< owned; radar camera above the helicopter
     ig::UISpriteViewport* m_radar_viewport = nullptr;
+    MissileCallback m_missile_callback;
     ig::jVector<TorpedoInfo*> m_torpedo_infos;
     ig::jVector<SonarInfo*> m_thrown_sonars;
     ig::jVector<ig::ObjectPrefab*> m_missiles;
