@@ -36,6 +36,7 @@ void Logic_Nerith_Heli_Final::update(float dt) {
     update_sonar();
     update_sonar_op();
     update_missle();
+    poll_hold_buttons(dt);
     m_action_manager.update(dt);
     if (m_heli && m_sonar_info && m_sonar_info->prefab)
         pin_cable(m_sonar_info->anchor, m_sonar_mount);

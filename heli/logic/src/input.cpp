@@ -21,7 +21,7 @@ void Logic_Nerith_Heli_Final::update_input() {
         if (keys->isKeyPress(KEY_F4) && keys->isKeyPress(KEY_ALT)) std::_Exit(0); // at once
         act_on_command_keys(*keys);
         set_speed_by_keys(*keys);
-        level_or_lower_sonar(*keys);
+        level_or_move_sonar(*keys, dt);
     }
     const bool keyboard_flight =
         m_player_mode == PLAYER_MODE_FIRST || m_player_mode == PLAYER_MODE_THIRD;
@@ -40,6 +40,11 @@ void Logic_Nerith_Heli_Final::act_on_command_keys(ControlApp& keys) {
     };
     static constexpr Command COMMANDS[] = {
         {KEY_F1, [](Logic& logic) { logic.change_view(); }},
+        {KEY_F5, [](Logic& logic) { logic.heli_explosion(); }},
+        {KEY_F6, [](Logic& logic) { logic.emit_torpedo(); }},
+        {KEY_F2, [](Logic& logic) { logic.emit_sonar(); }},
+        {KEY_F3, [](Logic& logic) { logic.break_sonar_joint(); }},
+        {KEY_SPACE, [](Logic& logic) { logic.emit_missile(); }},
     };
     for (const Command& command : COMMANDS) {
         if (!keys.isKeyClick(command.key)) continue;
@@ -65,10 +70,14 @@ void Logic_Nerith_Heli_Final::set_speed_by_keys(ControlApp& keys) {
 }
 
 /// The frame in which Return is clicked does not move the sonar.
-void Logic_Nerith_Heli_Final::level_or_lower_sonar(ControlApp& keys) {
+void Logic_Nerith_Heli_Final::level_or_move_sonar(ControlApp& keys, float dt) {
     if (keys.isKeyClick(KEY_RETURN)) {
         adjust_geo_rotation_forward();
         keys.clearKeyClick(KEY_RETURN);
+    } else if (keys.isKeyPress(KEY_DOWN)) {
+        sonar_down(dt);
+    } else if (keys.isKeyPress(KEY_UP)) {
+        sonar_up(dt);
     }
 }
 

@@ -266,6 +266,15 @@ public:
     void init_ui();
     void init_ui_btns();
     void on_click_radar_weather(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_heli_explosion(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_emit_torpedo(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_emit_sonar(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_close_sonar(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_break_sonar(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_emit_winch(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_close_winch(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_emit_missile(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_emit_decoy(const ig::UIEventMouse*, ig::UIElement*);
     void on_click_heli_wiper(const ig::UIEventMouse*, ig::UIElement*);
     void on_click_reset(const ig::UIEventMouse*, ig::UIElement*);
 
@@ -313,10 +322,13 @@ private:
     // view_modes.cpp
     void place_first_view();
 
+    // command_buttons.cpp
+    void poll_hold_buttons(float dt);
+
     // input.cpp: the steps of update_input
     void act_on_command_keys(ig::ControlApp& keys);
     void set_speed_by_keys(ig::ControlApp& keys);
-    void level_or_lower_sonar(ig::ControlApp& keys);
+    void level_or_move_sonar(ig::ControlApp& keys, float dt);
     void place_camera_by_input(const ig::ControlApp* keys, float dt);
 
 public:
