@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Writes every model of the channel as an OBJ file below the data folder.
+"""Writes every model of the channel as an OBJ file below the data folder, and the lights of the
+airfield.
 
 The same program always writes the same bytes: a test compares them with the files in the
 repository.
@@ -33,9 +34,15 @@ def models():
 
 
 @functools.cache
-def texts():
-    """The content of every file, by path below the data folder."""
+def model_texts():
+    """The content of every model's file, by path below the data folder."""
     return {path: obj_text(parts) for path, parts in models().items()}
+
+
+def texts():
+    """The content of every file that is written."""
+    return {**model_texts(),
+            f"{PREFABS}/airfield/runway_lights.prefab": airfield.lights_prefab()}
 
 
 def main():
