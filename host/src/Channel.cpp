@@ -9,11 +9,13 @@
 #include "ig/net/SocketUDP.h"
 #include "ig/package/PackageManager.h"
 #include "ig/scene/ObjectPrefab.h"
+#include "render/gl/RendererGL.h"
 #include "render/null/RendererNull.h"
 
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstdio>
 #include <cstring>
 #include <unistd.h>
 
@@ -41,7 +43,9 @@ void levelCamera() {
 
 } // namespace
 
-Channel::Channel(const Options& options) : m_options(options), m_camera_control(nullptr) {
+Channel::Channel(const Options& options)
+    : m_options(options), m_camera_control(nullptr), m_environment(m_options),
+      m_screenshots(options.screenshot, options.screenshot_every) {
     m_status.setQuiet(options.quiet);
 }
 
@@ -56,13 +60,13 @@ bool Channel::open() {
         return false;
     }
     if (!m_options.trace.empty() && !m_trace.open(m_options.trace)) return false;
-    m_renderer = std::make_unique<RendererNull>();
-    if (!m_renderer->init(m_options.width, m_options.height)) return false;
+    if (!makeRenderer()) return false;
     Engine::get()->setApp(this);
     Engine::get()->setWorld(&m_world);
     if (!loadLibraries() || !loadWorld()) return false;
     placeCamera();
     m_listener.connect(*m_logic);
+    m_environment.connect(*m_logic);
     if (!m_logic->init()) {
         jLog::error("visual_channel: \"%s\" has no node \"start_heli\" for the helicopter to start "
                     "at",
@@ -74,6 +78,21 @@ bool Channel::open() {
         if (!m_options.allow_sender.empty() && !socket->setAllowedSender(m_options.allow_sender))
             return false;
     return true;
+}
+
+/// Pictures where the machine can draw them; where it can't, the whole channel still runs without,
+/// unless pictures were asked for.
+bool Channel::makeRenderer() {
+    if (m_options.renderer != "null") {
+        m_renderer = std::make_unique<RendererGL>(RendererGL::Surface::none);
+        m_renderer->setScale(m_options.scale > 0 ? m_options.scale : 1);
+        m_renderer->setProfiling(m_options.profile);
+        if (m_renderer->init(m_options.width, m_options.height)) return true;
+        if (m_options.renderer == "gl") return false;
+        jLog::warning("visual_channel: going on without pictures (--renderer null)");
+    }
+    m_renderer = std::make_unique<RendererNull>();
+    return m_renderer->init(m_options.width, m_options.height);
 }
 
 bool Channel::loadLibraries() {
@@ -120,7 +139,10 @@ void Channel::run() {
         m_status.print(m_listener);
         scene_time += static_cast<double>(dt);
     }
+    m_screenshots.afterLast(*m_renderer);
     m_status.printSummary(m_listener);
+    for (const PassTime& pass : m_renderer->getPassTimes())
+        std::printf("  %-12s %7.2f ms\n", pass.name, pass.milliseconds);
 }
 
 bool Channel::isOver(double scene_time, int frames) const {
@@ -136,9 +158,33 @@ void Channel::frame(float dt) {
     m_world.updatePhysics(dt);
     m_world.updateParticles(dt);
     m_logic->swap();
-    m_renderer->render(m_world, m_camera);
+    draw();
     m_logic->render();
     m_control.endFrame();
+}
+
+void Channel::draw() {
+    const double time = Engine::get()->getRunningTime();
+    m_environment.apply(m_world, getLongitude(), time, m_frame_info);
+    m_frame_info.focus = m_listener.m_helicopter;
+    if (m_options.eye.empty()) {
+        m_renderer->render(m_world, m_camera, m_frame_info);
+    } else {
+        const std::vector<double>& eye = m_options.eye;
+        Camera camera;
+        camera.setProjection(m_camera.getProjection());
+        camera.setWgsPosition({eye[0], eye[1], eye[2]});
+        camera.setWgsHPR({eye[3], -eye[4], 0});
+        m_renderer->render(m_world, camera, m_frame_info);
+    }
+    m_screenshots.afterFrame(*m_renderer, time);
+}
+
+/// Of the helicopter, for the sky; of the camera without one.
+double Channel::getLongitude() const {
+    const Node* node = m_listener.m_helicopter;
+    if (!node) node = &m_camera;
+    return Engine::get()->getEllipsoidModel()->toWGS(node->getWorldPosition()).x;
 }
 
 /// Elsewhere on the earth "up" points elsewhere: the camera that came along would hang askew.

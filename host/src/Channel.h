@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Environment.h"
 #include "Library.h"
 #include "LogicListener.h"
 #include "Options.h"
+#include "Screenshots.h"
 #include "Status.h"
 #include "Trace.h"
 #include "ig/app/ControlApp.h"
@@ -39,11 +41,14 @@ public:
     ig::ControlApp* getControl() override { return &m_control; }
 
 private:
+    bool makeRenderer();
     bool loadLibraries();
     bool loadWorld();
     void placeCamera();
     void frame(float dt);
+    void draw();
     void levelAfterJump();
+    double getLongitude() const;
     bool isOver(double scene_time, int frames) const;
 
     Options m_options;
@@ -57,6 +62,9 @@ private:
     LogicBase* m_logic = nullptr; ///< owned
     LogicListener m_listener;
     Status m_status;
+    Environment m_environment;
+    Screenshots m_screenshots;
+    ig::FrameInfo m_frame_info;
     Trace m_trace;
     ig::dvec3 m_last_position; ///< of the helicopter
 };

@@ -2,6 +2,64 @@
 #include "Options.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+/// "1280x720" into the options. False, and nothing changed, when it isn't that.
+bool readSize(const std::string& text, Options& options) {
+    int width = 0, height = 0;
+    char rest = 0;
+    if (std::sscanf(text.c_str(), "%dx%d%c", &width, &height, &rest) != 2) return false;
+    if (std::min(width, height) < 16 || std::max(width, height) > 16384) return false;
+    options.width = width;
+    options.height = height;
+    return true;
+}
+
+void addPictureOptions(CLI::App& app, Options& options) {
+    app.add_option("--renderer", options.renderer,
+                   "gl: pictures or nothing; null: no pictures; auto: pictures where the machine "
+                   "can draw them")
+        ->check(CLI::IsMember({"auto", "gl", "null"}));
+    app.add_flag_function(
+        "--null", [&options](std::int64_t) { options.renderer = "null"; }, "--renderer null");
+    auto* headless = app.add_flag("--headless", options.headless, "No window");
+    app.add_flag("--window", options.window, "A window or nothing")->excludes(headless);
+    app.add_option("--scale", options.scale,
+                   "Rendered pixels per pixel of the picture, 0.25 to 1, or auto: as many as "
+                   "20 frames a second allow")
+        ->transform([](const std::string& text) { return text == "auto" ? "0" : text; })
+        ->check(CLI::Range(0.25, 1.0) | CLI::IsMember({"0"}));
+    app.add_option("--screenshot", options.screenshot, "Write the last frame to this PNG file");
+    app.add_option("--screenshot-every", options.screenshot_every,
+                   "Write a picture each time so many seconds of scene time have passed, numbered "
+                   "after the name of --screenshot")
+        ->check(CLI::NonNegativeNumber);
+    app.add_option("--time", options.time_of_day, "Local solar time, hours")
+        ->check(CLI::Range(0.0, 24.0));
+    app.add_option("--day", options.day_of_year, "Day of the year")->check(CLI::Range(1, 366));
+    app.add_option("--visibility", options.visibility,
+                   "Visibility in metres, whatever the flight simulation says; 0: what it says")
+        ->check(CLI::NonNegativeNumber);
+    app.add_option("--weather", options.weather,
+                   "Sky, whatever the flight simulation says: clear, overcast, storm or fog")
+        ->transform(CLI::CheckedTransformer(
+            std::map<std::string, int>{{"clear", 0}, {"overcast", 1}, {"storm", 2}, {"fog", 3}}))
+        ->default_str("what it says");
+    app.add_option("--beaufort", options.beaufort,
+                   "Sea, whatever the flight simulation says: Beaufort number")
+        ->check(CLI::Range(0, 12))
+        ->default_str("what it says");
+    app.add_option("--eye", options.eye,
+                   "Look from a fixed place: LONGITUDE LATITUDE ALTITUDE HEADING PITCH (down is "
+                   "negative)")
+        ->expected(5);
+    app.add_flag("--profile", options.profile, "Tell milliseconds per pass in the summary");
+}
+
+} // namespace
 
 bool parseOptions(int argc, char** argv, Options& options, int& exit_status) {
     CLI::App app{"The visual channel: loads a scene logic and its world, takes the flight "
@@ -28,6 +86,14 @@ bool parseOptions(int argc, char** argv, Options& options, int& exit_status) {
         ->check(CLI::Range(16, 16384));
     app.add_option("--height", options.height, "Height of the picture, pixels")
         ->check(CLI::Range(16, 16384));
+    app.add_option_function<std::string>(
+           "--size", [&options](const std::string& text) { readSize(text, options); },
+           "Size of the picture, WIDTHxHEIGHT")
+        ->check([](const std::string& text) {
+            Options probe;
+            return readSize(text, probe) ? std::string() : "needs WIDTHxHEIGHT, 16 to 16384";
+        });
+    addPictureOptions(app, options);
     app.add_option("--allow-sender", options.allow_sender,
                    "Take records from this IPv4 address only");
     app.add_option("--trace", options.trace, "Write a CSV line per frame to this file");

@@ -14,9 +14,22 @@ struct Options {
     double seconds = 0;             ///< of scene time until the end; 0: until stopped
     int frames = 0;                 ///< until the end; 0: until stopped
     int width = 1280, height = 720; ///< of the picture
-    std::string allow_sender;       ///< whose records are taken; empty: anybody's
-    std::string trace;              ///< CSV file with a line per frame; empty: none
-    bool quiet = false;             ///< no status line
+    std::string renderer = "auto";  ///< gl, null, or auto: gl where the machine has it
+    bool headless = false;          ///< no window, even with a display
+    bool window = false;            ///< a window or nothing
+    float scale = 1;                ///< of the rendering, 0.25 to 1; 0: so that 20 frames/s hold
+    std::string screenshot;         ///< PNG of the last frame; empty: none
+    double screenshot_every = 0;    ///< s of scene time between numbered pictures; 0: none
+    double time_of_day = 12;        ///< local solar time, hours
+    int day_of_year = 172;          ///< 1 to 366
+    double visibility = 0;          ///< m; 0: what the flight simulation says
+    int weather = -1;               ///< WEATHER_TYPE; negative: what the flight simulation says
+    int beaufort = -1;              ///< of the sea; negative: what the flight simulation says
+    std::vector<double> eye;  ///< longitude, latitude, altitude, heading, pitch of a fixed camera
+    bool profile = false;     ///< milliseconds per pass in the summary
+    std::string allow_sender; ///< whose records are taken; empty: anybody's
+    std::string trace;        ///< CSV file with a line per frame; empty: none
+    bool quiet = false;       ///< no status line
 };
 
 /// Reads the command line. False when the program is to end at once with `exit_status`: after

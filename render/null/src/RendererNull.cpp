@@ -8,6 +8,6 @@ bool RendererNull::init(int, int) {
 
 void RendererNull::resize(int, int) {}
 
-void RendererNull::render(const ig::World&, const ig::Camera&) { m_frames++; }
+void RendererNull::render(const ig::World&, const ig::Camera&, const ig::FrameInfo&) { m_frames++; }
 
 void RendererNull::release() {}

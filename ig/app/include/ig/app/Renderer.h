@@ -1,14 +1,62 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ig/base/jString.h"
+#include "ig/math/mat.h"
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
 namespace ig {
 
 class Camera;
+class Node;
+class UiDrawList;
 class World;
+
+/// What a frame looks like beyond the scene's own nodes: light and air. The host application fills
+/// it, the renderer reads it.
+struct FrameInfo {
+    double time = 0; ///< scene time, s: moves clouds, rain on glass, ripples
+    /// Towards the sun and the moon, earth-centred, unit length.
+    dvec3 sun_direction{0, 0, 1};
+    dvec3 moon_direction{0, 0, -1};
+    double sidereal_angle = 0;      ///< turn of the stars, degrees
+    double visibility = 60000;      ///< meteorological visibility at sea level, m, above 0
+    float cloud_cover = 0.5f;       ///< broken clouds, 0 to 1
+    float overcast = 0;             ///< closed layer of clouds, 0 to 1
+    float cloud_darkness = 0;       ///< of the closed layer, 0 thin to 1 thunderstorm
+    float rain = 0, snow = 0;       ///< 0 to 1
+    const Node* focus = nullptr;    ///< where shadows are sharpest; null: around the camera
+    const UiDrawList* ui = nullptr; ///< drawn last; null: none
+};
+
+/// A picture read back, rows from the top, three bytes (red, green, blue) a pixel.
+struct Picture {
+    int width = 0, height = 0;
+    std::vector<std::uint8_t> rgb;
+    const std::uint8_t* at(int x, int y) const {
+        return &rgb[3 * (static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
+                         static_cast<std::size_t>(x))];
+    }
+};
+
+/// Cost of one pass of the last frame.
+struct PassTime {
+    const char* name = "";
+    double milliseconds = 0;
+};
+
+/// What the renderer holds on the graphics device. All zero after `release`.
+struct RenderResources {
+    int buffers = 0, textures = 0, vertex_arrays = 0, framebuffers = 0, programs = 0;
+    int total() const { return buffers + textures + vertex_arrays + framebuffers + programs; }
+};
 
 /// Draws the scene; decides nothing about it. The host application makes one, calls `init` once
 /// before the first frame, `render` once per frame after the logic's `swap`, and `release` before
-/// the world goes. Implementations: `render/null`, which draws nothing.
+/// the world goes. Implementations: `render/gl` (OpenGL) and `render/null`, which draws nothing.
 class Renderer {
 public:
     virtual ~Renderer() = default;
@@ -17,8 +65,25 @@ public:
     /// False, having logged why, when there is nothing to draw with.
     virtual bool init(int width, int height) = 0;
     virtual void resize(int width, int height) = 0;
-    virtual void render(const World& world, const Camera& camera) = 0;
+    virtual void render(const World& world, const Camera& camera, const FrameInfo& frame) = 0;
     virtual void release() = 0;
+
+    /// Pixels of the scene per pixel of the picture, along each edge, 0.25 to 1: trades sharpness
+    /// for speed. The user interface is always drawn at full size.
+    virtual void setScale(float) {}
+    virtual float getScale() const { return 1; }
+
+    /// The last frame's picture. False when there is none.
+    virtual bool readPicture(Picture&) { return false; }
+    /// Writes it as PNG. False, having logged why, when that is impossible.
+    virtual bool savePicture(const jString&) { return false; }
+
+    /// Measures passes from the next frame on; waits for the device after each, so that frames take
+    /// longer.
+    virtual void setProfiling(bool) {}
+    /// The last frame's passes in order; empty without profiling.
+    virtual std::span<const PassTime> getPassTimes() const { return {}; }
+    virtual RenderResources getResources() const { return {}; }
 };
 
 } // namespace ig

@@ -10,7 +10,8 @@ public:
     const char* getName() const override { return "null"; }
     bool init(int width, int height) override;
     void resize(int width, int height) override;
-    void render(const ig::World& world, const ig::Camera& camera) override;
+    void render(const ig::World& world, const ig::Camera& camera,
+                const ig::FrameInfo& frame) override;
     void release() override;
 
     int getNumFrames() const { return m_frames; }

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ig/app/Renderer.h"
+
+#include <memory>
+
+/// Draws the scene with OpenGL 3.3 core.
+///
+/// Everything is drawn into framebuffers of its own, at the render scale, in linear light; then
+/// toned, filtered, scaled to the size of the picture, and covered with the user interface. With a
+/// window the picture is copied to it; without, it is there to be read back.
+///
+/// One renderer at a time in a process, used from one thread.
+class RendererGL : public ig::Renderer {
+public:
+    enum class Surface {
+        none,  ///< makes a context of its own, without window or display server
+        window ///< draws into the window whose context is current during all calls
+    };
+    explicit RendererGL(Surface surface);
+    ~RendererGL() override;
+
+    const char* getName() const override { return "OpenGL"; }
+    bool init(int width, int height) override;
+    void resize(int width, int height) override;
+    void render(const ig::World& world, const ig::Camera& camera,
+                const ig::FrameInfo& frame) override;
+    void release() override;
+
+    void setScale(float scale) override;
+    float getScale() const override;
+    bool readPicture(ig::Picture& picture) override;
+    bool savePicture(const ig::jString& path) override;
+    void setProfiling(bool on) override;
+    std::span<const ig::PassTime> getPassTimes() const override;
+    ig::RenderResources getResources() const override;
+
+    /// Distance from the eye, along the view axis, of what the last frame shows at a place of the
+    /// picture, (0, 0) top left to (1, 1) bottom right; infinite for the sky.
+    double readDistance(double x, double y);
+    /// Who draws, as the driver tells; empty before `init`.
+    const ig::jString& getDevice() const;
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> m_impl;
+};

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+// What every pass knows about the frame. All positions and directions are in the eye's own
+// east-north-up frame, its origin at the eye: nothing here is far from zero but the far.
+layout(std140) uniform Frame {
+    mat4 uProjection;   // eye (x right, y up, looking along -z) to clip, reversed depth
+    mat4 uView;         // east-north-up to eye
+    mat4 uShadow;       // east-north-up to the shadow map's unit cube
+    vec4 uLightDirection; // towards the sun, or the moon at night; w: 1 with a shadow map
+    vec4 uLight;        // irradiance of that light; w: exposure
+    vec4 uAmbient;      // irradiance of the sky; w: extinction of the air at sea level, 1/m
+    vec4 uAir;          // x: 1 / scale height of the haze, 1/m; y: haze at the eye; z: altitude, m;
+                        // w: dip of the horizon, rad
+    vec4 uScreen;       // width, height, and their inverses, pixels
+    vec4 uSunDirection; // w: brightness of the disc
+    vec4 uMoonDirection; // w: brightness of the disc
+    vec4 uSky;          // x: range of the sky map; y: stars; z: night-to-day turn of the stars, rad;
+                        // w: haze that covers the sky itself
+    vec4 uWeather;      // x: rain, y: snow, z: cloud cover, w: overcast
+    vec4 uTime;         // x: scene time, s; y: angle of a pixel, rad
+};
+uniform sampler2D uSkyMap;
+
+const float PI = 3.14159265;
+
+// The sky map holds the upper half of the sky: the zenith in the middle, r = sqrt(1 - sqrt(z)),
+// which spends most texels near the horizon. What is below the horizon reads the horizon.
+vec2 skyMapPlace(vec3 d) {
+    float z = max(d.z, 0.0) * inversesqrt(max(dot(d.xy, d.xy) + max(d.z, 0.0) * max(d.z, 0.0), 1e-12));
+    float r = sqrt(max(1.0 - sqrt(z), 0.0));
+    return d.xy * inversesqrt(max(dot(d.xy, d.xy), 1e-9)) * (r * 0.496) + 0.5;
+}
+vec3 skyAt(vec3 d, float lod) {
+    vec3 root = textureLod(uSkyMap, skyMapPlace(d), lod).rgb;
+    return root * root * uSky.x;
+}
+vec3 hazeColor(vec2 direction) { return skyAt(vec3(direction, 0.012 * length(direction)), 2.0); }
+
+// Share of light that crosses the air between the eye and p. The haze thins out with height.
+float clearness(vec3 p) {
+    float k = p.z * uAir.x;
+    float mean = abs(k) > 1e-3 ? (1.0 - exp(-k)) / k : 1.0;
+    return exp(-uAmbient.w * uAir.y * mean * length(p));
+}
+
+float hash(vec2 p) {
+    p = fract(p * vec2(123.34, 456.21));
+    p += dot(p, p + 45.32);
+    return fract(p.x * p.y);
+}
+float noise(vec2 p) {
+    vec2 i = floor(p), f = fract(p);
+    f = f * f * (3.0 - 2.0 * f);
+    return mix(mix(hash(i), hash(i + vec2(1, 0)), f.x),
+               mix(hash(i + vec2(0, 1)), hash(i + vec2(1, 1)), f.x), f.y);
+}
+float fbm(vec2 p, int octaves) {
+    float amplitude = 0.5, sum = 0.0;
+    for (int i = 0; i < octaves; i++) {
+        sum += amplitude * noise(p);
+        p = mat2(1.6, 1.2, -1.2, 1.6) * p + 3.1;
+        amplitude *= 0.5;
+    }
+    return sum;
+}

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+layout(location = 0) in vec3 aPosition;
+layout(location = 1) in vec4 aNormal;
+layout(location = 2) in vec2 aPlace;
+// Per instance: the rows of the transform from the mesh to the eye's east-north-up frame, and the
+// colour of the haze in its direction.
+layout(location = 3) in vec4 aRow0;
+layout(location = 4) in vec4 aRow1;
+layout(location = 5) in vec4 aRow2;
+layout(location = 6) in vec4 aHaze;
+out vec3 vPosition;
+out vec3 vNormal;
+out vec2 vPlace;
+out vec3 vHaze;
+out vec3 vOwn; // in the mesh's own frame
+void main() {
+    vec4 p = vec4(aPosition, 1.0);
+    vPosition = vec3(dot(aRow0, p), dot(aRow1, p), dot(aRow2, p));
+    vNormal = vec3(dot(aRow0.xyz, aNormal.xyz), dot(aRow1.xyz, aNormal.xyz),
+                   dot(aRow2.xyz, aNormal.xyz));
+    vPlace = aPlace;
+    vHaze = aHaze.rgb;
+    vOwn = aPosition;
+    gl_Position = uProjection * vec4(mat3(uView) * vPosition, 1.0);
+}

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+// The background: sky map, discs of sun and moon, stars.
+in vec2 vPlace;
+uniform vec4 uRay; // half width and height of the picture at unit distance, and its offset
+out vec4 oColor;
+
+// Stars stand on a grid in a frame that turns with the hours about the celestial pole.
+float stars(vec3 d) {
+    vec3 a = abs(d);
+    vec2 p;
+    float face;
+    if (a.x > a.y && a.x > a.z) { p = d.yz / a.x; face = d.x > 0.0 ? 1.0 : 2.0; }
+    else if (a.y > a.z) { p = d.zx / a.y; face = d.y > 0.0 ? 3.0 : 4.0; }
+    else { p = d.xy / a.z; face = d.z > 0.0 ? 5.0 : 6.0; }
+    float cells = 90.0;
+    vec2 cell = floor(p * cells) + face * 317.0, within = fract(p * cells);
+    float chance = hash(cell * 0.37);
+    if (chance < 0.93) return 0.0;
+    vec2 place = 0.2 + 0.6 * vec2(hash(cell + 7.3), hash(cell + 19.1));
+    float size = max(0.0011, uTime.y * 0.7) * cells;
+    float magnitude = pow((chance - 0.93) / 0.07, 6.0) + 0.03;
+    float spread = 0.0011 * cells / size;
+    return magnitude * spread * spread * smoothstep(size, 0.0, length(within - place));
+}
+
+void main() {
+    vec2 n = vPlace * 2.0 - 1.0;
+    vec3 d = normalize(transpose(mat3(uView)) * vec3(n * uRay.xy + uRay.zw, -1.0));
+    vec3 lifted = d;
+    lifted.z = d.z + uAir.w; // the sky reaches down to the dipped horizon
+    vec3 c = skyAt(lifted, 0.0);
+    float open = (1.0 - uWeather.w) * step(0.0, lifted.z);
+    float mu = dot(d, uSunDirection.xyz);
+    if (mu > 0.9 && uSunDirection.w > 0.0) {
+        float disc = smoothstep(0.99998, 0.999992, mu);
+        c += uLight.rgb * uSunDirection.w * open * (disc * 60.0 + pow(mu, 900.0) * 0.35 + pow(mu, 60.0) * 0.03);
+    }
+    float moon = dot(d, uMoonDirection.xyz);
+    if (moon > 0.99 && uMoonDirection.w > 0.0) {
+        float disc = smoothstep(0.999984, 0.999988, moon);
+        float seas = 0.65 + 0.5 * fbm(cross(d, uMoonDirection.xyz).xy * 700.0 + 3.0, 3);
+        c += vec3(1.0, 0.96, 0.88) * uMoonDirection.w * open * (disc * seas + 0.03 * pow(moon, 9000.0) + 0.004 * pow(moon, 600.0));
+    }
+    if (uSky.y > 0.0 && open > 0.0) {
+        float s = sin(uSky.z), k = cos(uSky.z);
+        vec3 turned = vec3(k * d.x + s * d.z, d.y, k * d.z - s * d.x);
+        c += vec3(0.9, 0.95, 1.0) * stars(turned) * uSky.y * open * smoothstep(0.0, 0.25, lifted.z);
+    }
+    // A fog bank covers the sky too, most where the ray stays long in it.
+    float cover = 1.0 - exp(-uSky.w * uAir.y / max(lifted.z, 0.004));
+    oColor = vec4(mix(c, hazeColor(d.xy), cover), 1.0);
+}

@@ -1,0 +1,188 @@
+// SPDX-License-Identifier: MIT
+#include "GlObjects.h"
+
+#include "ig/base/jLog.h"
+
+#include <cstring>
+#include <string>
+
+namespace gl {
+
+namespace {
+
+struct ShaderSource {
+    std::string_view name, text;
+};
+const ShaderSource SHADERS[] = {
+#include "ShaderSources.inc"
+};
+
+std::string_view findShader(std::string_view name) {
+    for (const ShaderSource& source : SHADERS)
+        if (source.name == name) return source.text;
+    return {};
+}
+
+int& count(Kind kind) {
+    ig::RenderResources& r = resources();
+    switch (kind) {
+    case Kind::buffer:
+        return r.buffers;
+    case Kind::texture:
+        return r.textures;
+    case Kind::vertex_array:
+        return r.vertex_arrays;
+    case Kind::framebuffer:
+        return r.framebuffers;
+    }
+    return r.buffers;
+}
+
+/// Head of every shader, the common declarations, and the files.
+GLuint compile(GLenum stage, std::string_view files) {
+    std::string text = "#version 330 core\n";
+    text += hasClipControl() ? "#define CLIP_Z(z) (z)\n" : "#define CLIP_Z(z) ((z) * 2.0 - 1.0)\n";
+    text += findShader("common.glsl");
+    for (std::size_t at = 0; at < files.size();) {
+        const std::size_t end = std::min(files.find(' ', at), files.size());
+        text += findShader(files.substr(at, end - at));
+        at = end + 1;
+    }
+    const GLuint shader = glCreateShader(stage);
+    const char* source = text.c_str();
+    glShaderSource(shader, 1, &source, nullptr);
+    glCompileShader(shader);
+    GLint good = 0;
+    glGetShaderiv(shader, GL_COMPILE_STATUS, &good);
+    if (good) return shader;
+    char log[2048] = "";
+    glGetShaderInfoLog(shader, sizeof log, nullptr, log);
+    ig::jLog::error("RendererGL: shader \"%.*s\": %s", static_cast<int>(files.size()), files.data(),
+                    log);
+    glDeleteShader(shader);
+    return 0;
+}
+
+} // namespace
+
+ig::RenderResources& resources() {
+    static ig::RenderResources counts;
+    return counts;
+}
+
+bool hasClipControl() {
+    return epoxy_gl_version() >= 45 || epoxy_has_gl_extension("GL_ARB_clip_control");
+}
+
+// ------------------------------------------------------------------ objects
+
+template <Kind kind>
+void Object<kind>::create() {
+    destroy();
+    if constexpr (kind == Kind::buffer) glGenBuffers(1, &m_id);
+    if constexpr (kind == Kind::texture) glGenTextures(1, &m_id);
+    if constexpr (kind == Kind::vertex_array) glGenVertexArrays(1, &m_id);
+    if constexpr (kind == Kind::framebuffer) glGenFramebuffers(1, &m_id);
+    count(kind)++;
+}
+
+template <Kind kind>
+void Object<kind>::destroy() {
+    if (!m_id) return;
+    if constexpr (kind == Kind::buffer) glDeleteBuffers(1, &m_id);
+    if constexpr (kind == Kind::texture) glDeleteTextures(1, &m_id);
+    if constexpr (kind == Kind::vertex_array) glDeleteVertexArrays(1, &m_id);
+    if constexpr (kind == Kind::framebuffer) glDeleteFramebuffers(1, &m_id);
+    m_id = 0;
+    count(kind)--;
+}
+
+template class Object<Kind::buffer>;
+template class Object<Kind::texture>;
+template class Object<Kind::vertex_array>;
+template class Object<Kind::framebuffer>;
+
+void makeTexture(Texture& texture, int width, int height, const TextureFormat& format,
+                 const void* pixels) {
+    texture.create();
+    glActiveTexture(GL_TEXTURE0 + UNIT_FIRST_OWN);
+    glBindTexture(GL_TEXTURE_2D, texture.id());
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+    glTexImage2D(GL_TEXTURE_2D, 0, format.internal, width, height, 0, format.format, format.type,
+                 pixels);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, format.wrap);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, format.wrap);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, format.filter);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER,
+                    format.filter == GL_NEAREST ? GL_NEAREST : GL_LINEAR);
+}
+
+void bindTexture(int unit, const Texture& texture) {
+    glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(unit));
+    glBindTexture(GL_TEXTURE_2D, texture.id());
+}
+
+// ------------------------------------------------------------------ programs
+
+bool Program::build(std::string_view vertex_files, std::string_view fragment_files) {
+    destroy();
+    const GLuint vertex = compile(GL_VERTEX_SHADER, vertex_files);
+    const GLuint fragment = vertex ? compile(GL_FRAGMENT_SHADER, fragment_files) : 0;
+    if (vertex && fragment) {
+        m_id = glCreateProgram();
+        resources().programs++;
+        glAttachShader(m_id, vertex);
+        glAttachShader(m_id, fragment);
+        glLinkProgram(m_id);
+    }
+    if (vertex) glDeleteShader(vertex);
+    if (fragment) glDeleteShader(fragment);
+    if (!m_id) return false;
+    GLint good = 0;
+    glGetProgramiv(m_id, GL_LINK_STATUS, &good);
+    if (!good) {
+        char log[2048] = "";
+        glGetProgramInfoLog(m_id, sizeof log, nullptr, log);
+        ig::jLog::error("RendererGL: shaders \"%.*s\" and \"%.*s\": %s",
+                        static_cast<int>(vertex_files.size()), vertex_files.data(),
+                        static_cast<int>(fragment_files.size()), fragment_files.data(), log);
+        return false;
+    }
+    const GLuint block = glGetUniformBlockIndex(m_id, "Frame");
+    if (block != GL_INVALID_INDEX) glUniformBlockBinding(m_id, block, FRAME_BLOCK);
+    use();
+    set("uSkyMap", UNIT_SKY);
+    set("uShadowMap", UNIT_SHADOW);
+    set("uNoise", UNIT_NOISE);
+    return true;
+}
+
+void Program::destroy() {
+    if (!m_id) return;
+    glDeleteProgram(m_id);
+    m_id = 0;
+    m_locations.clear();
+    resources().programs--;
+}
+
+GLint Program::locate(const char* name) {
+    for (const auto& [known, location] : m_locations)
+        if (known == name || std::strcmp(known, name) == 0) return location;
+    m_locations.emplace_back(name, glGetUniformLocation(m_id, name));
+    return m_locations.back().second;
+}
+
+void Program::set(const char* name, int value) { glUniform1i(locate(name), value); }
+void Program::set(const char* name, float value) { glUniform1f(locate(name), value); }
+void Program::set(const char* name, ig::vec2 value) { glUniform2fv(locate(name), 1, &value.x); }
+void Program::set(const char* name, const ig::vec3& value) {
+    glUniform3fv(locate(name), 1, &value.x);
+}
+void Program::set(const char* name, const ig::vec4& value) {
+    glUniform4fv(locate(name), 1, &value.x);
+}
+void Program::set(const char* name, const ig::vec4* values, int number) {
+    glUniform4fv(locate(name), number, &values->x);
+}
+
+} // namespace gl

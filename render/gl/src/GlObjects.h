@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ig/app/Renderer.h"
+#include "ig/math/mat.h"
+
+#include <epoxy/gl.h>
+
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace gl {
+
+/// How many objects of each kind this process holds, for the check that all are freed.
+ig::RenderResources& resources();
+
+enum class Kind { buffer, texture, vertex_array, framebuffer };
+
+/// Owns one name of OpenGL; empty until `create`. Needs the context that made it to be current when
+/// it goes.
+template <Kind kind>
+class Object {
+public:
+    Object() = default;
+    Object(Object&& other) noexcept : m_id(std::exchange(other.m_id, 0)) {}
+    Object& operator=(Object&& other) noexcept {
+        std::swap(m_id, other.m_id);
+        return *this;
+    }
+    ~Object() { destroy(); }
+
+    void create(); ///< destroys what it held
+    void destroy();
+    GLuint id() const { return m_id; }
+    explicit operator bool() const { return m_id != 0; }
+
+private:
+    GLuint m_id = 0;
+};
+using Buffer = Object<Kind::buffer>;
+using Texture = Object<Kind::texture>;
+using VertexArray = Object<Kind::vertex_array>;
+using Framebuffer = Object<Kind::framebuffer>;
+
+struct TextureFormat {
+    GLint internal = GL_RGBA8;
+    GLenum format = GL_RGBA, type = GL_UNSIGNED_BYTE;
+    GLint wrap = GL_CLAMP_TO_EDGE;
+    GLint filter = GL_LINEAR; ///< for minification; magnification is linear unless this is nearest
+};
+/// A texture of level 0 with `pixels`, which may be null.
+void makeTexture(Texture& texture, int width, int height, const TextureFormat& format,
+                 const void* pixels = nullptr);
+void bindTexture(int unit, const Texture& texture);
+
+/// A linked pair of shaders.
+class Program {
+public:
+    Program() = default;
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+    ~Program() { destroy(); }
+
+    /// From shader files of the library; each name may list several files, separated by blanks,
+    /// whose texts follow one another. False, having logged file and driver's message.
+    bool build(std::string_view vertex_files, std::string_view fragment_files);
+    void destroy();
+    void use() const { glUseProgram(m_id); }
+
+    // Uniforms of the program in use; one that the shader doesn't use is ignored.
+    void set(const char* name, int value);
+    void set(const char* name, float value);
+    void set(const char* name, ig::vec2 value);
+    void set(const char* name, const ig::vec3& value);
+    void set(const char* name, const ig::vec4& value);
+    void set(const char* name, const ig::vec4* values, int count);
+
+private:
+    GLint locate(const char* name);
+
+    GLuint m_id = 0;
+    std::vector<std::pair<const char*, GLint>> m_locations;
+};
+
+/// Binding point of the block `Frame`.
+constexpr GLuint FRAME_BLOCK = 0;
+
+/// Texture units, the same in every pass.
+enum Unit { UNIT_SKY, UNIT_SHADOW, UNIT_NOISE, UNIT_FIRST_OWN };
+
+/// Whether depth can be clipped to 0..1 (`glClipControl`); the shaders' common head and the
+/// projection follow it.
+bool hasClipControl();
+
+} // namespace gl

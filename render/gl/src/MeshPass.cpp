@@ -1,0 +1,185 @@
+// SPDX-License-Identifier: MIT
+#include "MeshPass.h"
+
+#include "SkyPass.h"
+#include "ig/scene/Mesh.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+using namespace ig;
+
+namespace {
+
+struct Vertex {
+    vec3 position;
+    std::uint32_t normal; ///< 10 bits an axis
+    vec2 place;
+};
+
+std::uint32_t packNormal(const vec3& n) {
+    const auto bits = [](float v) {
+        return static_cast<std::uint32_t>(std::lround(std::clamp(v, -1.0f, 1.0f) * 511)) & 0x3ffu;
+    };
+    return bits(n.x) | bits(n.y) << 10 | bits(n.z) << 20;
+}
+
+constexpr int PURGE_INTERVAL = 120; ///< frames between two looks for meshes that nobody holds
+
+} // namespace
+
+bool MeshPass::init() {
+    m_instance_buffer.create();
+    return m_program.build("mesh.vert", "shadow.glsl mesh.frag") &&
+           m_depth_program.build("shadow.vert", "shadow.frag");
+}
+
+void MeshPass::release() {
+    m_meshes.clear();
+    m_instance_buffer.destroy();
+    m_program.destroy();
+    m_depth_program.destroy();
+}
+
+// ------------------------------------------------------------------ meshes on the device
+
+const MeshPass::DeviceMesh& MeshPass::find(const std::shared_ptr<const Mesh>& mesh) {
+    DeviceMesh& device = m_meshes[mesh.get()];
+    if (!device.mesh) {
+        device.mesh = mesh;
+        fill(device, *mesh);
+    }
+    return device;
+}
+
+void MeshPass::fill(DeviceMesh& device, const Mesh& mesh) {
+    std::vector<Vertex> vertices;
+    std::vector<std::uint32_t> indices;
+    for (int i = 0; i < mesh.getNumSurfaces(); i++) {
+        const Mesh::Surface& s = mesh.getSurface(i);
+        const auto base = static_cast<std::uint32_t>(vertices.size());
+        for (std::size_t v = 0; v < s.positions.size(); v++)
+            vertices.push_back(
+                {s.positions[v], packNormal(s.normals[v]), s.uvs.empty() ? vec2{} : s.uvs[v]});
+        device.surfaces.push_back(
+            {indices.size() * sizeof(std::uint32_t), static_cast<int>(s.indices.size())});
+        for (const std::uint32_t index : s.indices)
+            indices.push_back(base + index);
+    }
+    device.vertex_array.create();
+    device.vertices.create();
+    device.indices.create();
+    glBindVertexArray(device.vertex_array.id());
+    glBindBuffer(GL_ARRAY_BUFFER, device.vertices.id());
+    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(vertices.size() * sizeof(Vertex)),
+                 vertices.data(), GL_STATIC_DRAW);
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, device.indices.id());
+    glBufferData(GL_ELEMENT_ARRAY_BUFFER,
+                 static_cast<GLsizeiptr>(indices.size() * sizeof(std::uint32_t)), indices.data(),
+                 GL_STATIC_DRAW);
+    constexpr GLsizei STRIDE = sizeof(Vertex);
+    glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, STRIDE, nullptr);
+    glVertexAttribPointer(1, 4, GL_INT_2_10_10_10_REV, GL_TRUE, STRIDE,
+                          reinterpret_cast<const void*>(offsetof(Vertex, normal)));
+    glVertexAttribPointer(2, 2, GL_FLOAT, GL_FALSE, STRIDE,
+                          reinterpret_cast<const void*>(offsetof(Vertex, place)));
+    for (GLuint i = 0; i < 7; i++)
+        glEnableVertexAttribArray(i);
+    for (GLuint i = 3; i < 7; i++)
+        glVertexAttribDivisor(i, 1);
+}
+
+void MeshPass::purge() {
+    if (++m_frames % PURGE_INTERVAL) return;
+    for (auto entry = m_meshes.begin(); entry != m_meshes.end();)
+        entry = entry->second.mesh.use_count() == 1 ? m_meshes.erase(entry) : std::next(entry);
+}
+
+// ------------------------------------------------------------------ a frame
+
+void MeshPass::upload(const SceneList& list, const SkyPass& sky) {
+    purge();
+    m_draws = 0;
+    m_instances.clear();
+    addBatches(list.casters, m_casters, sky);
+    addBatches(list.opaque, m_opaque, sky);
+    addBatches(list.transparent, m_transparent, sky);
+    // Near ones first, so that what they hide is not shaded.
+    std::sort(m_opaque.begin(), m_opaque.end(),
+              [](const Batch& a, const Batch& b) { return a.distance < b.distance; });
+    glBindBuffer(GL_ARRAY_BUFFER, m_instance_buffer.id());
+    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(m_instances.size() * sizeof(Instance)),
+                 m_instances.data(), GL_STREAM_DRAW);
+}
+
+void MeshPass::addBatches(const std::vector<MeshItem>& items, std::vector<Batch>& batches,
+                          const SkyPass& sky) {
+    batches.clear();
+    for (const MeshItem& item : items) {
+        const MeshItem* last = batches.empty() ? nullptr : batches.back().item;
+        if (last && last->mesh->get() == item.mesh->get() && last->surface == item.surface &&
+            last->look == item.look) {
+            batches.back().count++;
+            batches.back().distance = std::min(batches.back().distance, item.distance);
+        } else {
+            batches.push_back(
+                {&find(*item.mesh), &item, static_cast<int>(m_instances.size()), 1, item.distance});
+        }
+        const auto& c = item.transform.columns;
+        m_instances.push_back({{{c[0].x, c[1].x, c[2].x, c[3].x},
+                                {c[0].y, c[1].y, c[2].y, c[3].y},
+                                {c[0].z, c[1].z, c[2].z, c[3].z}},
+                               {sky.getHaze({c[3].x, c[3].y}), 0}});
+    }
+}
+
+void MeshPass::bindInstances(const Batch& batch) {
+    glBindVertexArray(batch.mesh->vertex_array.id());
+    glBindBuffer(GL_ARRAY_BUFFER, m_instance_buffer.id());
+    for (GLuint i = 0; i < 4; i++)
+        glVertexAttribPointer(
+            3 + i, 4, GL_FLOAT, GL_FALSE, sizeof(Instance),
+            reinterpret_cast<const void*>(static_cast<std::size_t>(batch.first) * sizeof(Instance) +
+                                          i * sizeof(vec4)));
+    const auto& range = batch.mesh->surfaces[static_cast<std::size_t>(batch.item->surface)];
+    glDrawElementsInstanced(GL_TRIANGLES, range.count, GL_UNSIGNED_INT,
+                            reinterpret_cast<const void*>(range.first), batch.count);
+    m_draws++;
+}
+
+void MeshPass::draw(const std::vector<Batch>& batches, bool opaque) {
+    m_program.use();
+    for (const Batch& batch : batches) {
+        const SurfaceLook& look = batch.item->look;
+        m_program.set("uColor", look.color);
+        m_program.set("uSurface", vec4(look.roughness, look.metalness, look.emission, opaque));
+        m_program.set("uCover", vec4(look.wetness, look.ice, look.rain, look.wiper));
+        if (look.two_sided) glDisable(GL_CULL_FACE);
+        bindInstances(batch);
+        if (look.two_sided) glEnable(GL_CULL_FACE);
+    }
+}
+
+void MeshPass::drawOpaque() {
+    glEnable(GL_CULL_FACE);
+    draw(m_opaque, true);
+    glDisable(GL_CULL_FACE);
+}
+
+void MeshPass::drawTransparent() {
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
+    glDepthMask(GL_FALSE);
+    glEnable(GL_CULL_FACE);
+    draw(m_transparent, false);
+    glDisable(GL_CULL_FACE);
+    glDepthMask(GL_TRUE);
+    glDisable(GL_BLEND);
+}
+
+void MeshPass::drawCasters() {
+    m_depth_program.use();
+    for (const Batch& batch : m_casters)
+        bindInstances(batch);
+}

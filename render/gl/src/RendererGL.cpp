@@ -1,0 +1,292 @@
+// SPDX-License-Identifier: MIT
+#include "render/gl/RendererGL.h"
+
+#include "FrameBlock.h"
+#include "FrameView.h"
+#include "GlObjects.h"
+#include "HeadlessContext.h"
+#include "MeshPass.h"
+#include "Png.h"
+#include "SceneList.h"
+#include "ShadowMap.h"
+#include "SkyPass.h"
+#include "Targets.h"
+#include "ig/base/jLog.h"
+#include "ig/scene/Node.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstring>
+
+using namespace ig;
+
+namespace {
+
+double now() {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+/// Measures what follows until the next mark.
+class PassClock {
+public:
+    bool on = false;
+    std::vector<PassTime> times;
+
+    void begin() {
+        times.clear();
+        if (on) m_last = now();
+    }
+    /// Ends a pass: books the time since the last mark under `name`.
+    void mark(const char* name) {
+        if (!on) return;
+        glFinish();
+        const double t = now();
+        times.push_back({name, (t - m_last) * 1e3});
+        m_last = t;
+    }
+
+private:
+    double m_last = 0;
+};
+
+} // namespace
+
+struct RendererGL::Impl {
+    explicit Impl(Surface s) : surface(s) {}
+
+    bool initPasses();
+    void renderScene(const World& world, const Camera& camera, const FrameInfo& frame);
+    void prepare(const World& world, const Camera& camera, const FrameInfo& frame);
+    void uploadBlock();
+    void drawShadows();
+    void drawScene();
+    void finishPicture();
+    void present();
+
+    Surface surface;
+    bool ready = false;
+    float scale = 1;
+    jString device;
+    HeadlessContext context; // before all that lives in it
+    Targets targets;
+    gl::Buffer block_buffer;
+    gl::VertexArray empty;
+    gl::Program tonemap, fxaa;
+    SkyPass sky;
+    ShadowMap shadow;
+    MeshPass meshes;
+    SceneList list;
+    FrameView view;
+    FrameBlock block;
+    PassClock clock;
+};
+
+RendererGL::RendererGL(Surface surface) : m_impl(std::make_unique<Impl>(surface)) {}
+
+RendererGL::~RendererGL() { release(); }
+
+// ------------------------------------------------------------------ start and end
+
+bool RendererGL::init(int width, int height) {
+    Impl& r = *m_impl;
+    if (r.surface == Surface::none && !r.context.create()) return false;
+    if (epoxy_gl_version() < 33) {
+        jLog::error("RendererGL: OpenGL 3.3 is needed, this machine has %d.%d",
+                    epoxy_gl_version() / 10, epoxy_gl_version() % 10);
+        return false;
+    }
+    r.device = jString(reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
+    if (gl::hasClipControl())
+        glClipControl(GL_LOWER_LEFT, GL_ZERO_TO_ONE);
+    else
+        jLog::warning("RendererGL: the driver lacks glClipControl: far things may flicker");
+    glDepthFunc(GL_GEQUAL);
+    glClearDepth(0);
+    r.ready = r.initPasses() && r.targets.make(width, height, r.scale);
+    if (!r.ready) release();
+    return r.ready;
+}
+
+bool RendererGL::Impl::initPasses() {
+    block_buffer.create();
+    glBindBuffer(GL_UNIFORM_BUFFER, block_buffer.id());
+    glBufferData(GL_UNIFORM_BUFFER, sizeof(FrameBlock), nullptr, GL_DYNAMIC_DRAW);
+    glBindBufferBase(GL_UNIFORM_BUFFER, gl::FRAME_BLOCK, block_buffer.id());
+    empty.create();
+    // The software renderer pays for every texel of the bake.
+    const bool software = std::strstr(device.c_str(), "llvmpipe") != nullptr;
+    return tonemap.build("screen.vert", "tonemap.frag") && fxaa.build("screen.vert", "fxaa.frag") &&
+           sky.init(software ? 512 : 1024) && shadow.init() && meshes.init();
+}
+
+void RendererGL::release() {
+    Impl& r = *m_impl;
+    r.ready = false;
+    r.targets.release();
+    r.sky.release();
+    r.shadow.release();
+    r.meshes.release();
+    r.tonemap.destroy();
+    r.fxaa.destroy();
+    r.block_buffer.destroy();
+    r.empty.destroy();
+    r.context.destroy();
+}
+
+void RendererGL::resize(int width, int height) {
+    Impl& r = *m_impl;
+    if (r.ready && (width != r.targets.width() || height != r.targets.height()))
+        r.ready = r.targets.make(width, height, r.scale);
+}
+
+void RendererGL::setScale(float scale) {
+    Impl& r = *m_impl;
+    scale = std::clamp(scale, 0.25f, 1.0f);
+    if (scale == r.scale) return;
+    r.scale = scale;
+    if (r.ready) r.ready = r.targets.make(r.targets.width(), r.targets.height(), scale);
+}
+
+float RendererGL::getScale() const { return m_impl->scale; }
+const jString& RendererGL::getDevice() const { return m_impl->device; }
+void RendererGL::setProfiling(bool on) { m_impl->clock.on = on; }
+std::span<const PassTime> RendererGL::getPassTimes() const { return m_impl->clock.times; }
+RenderResources RendererGL::getResources() const { return gl::resources(); }
+
+// ------------------------------------------------------------------ a frame
+
+void RendererGL::render(const World& world, const Camera& camera, const FrameInfo& frame) {
+    if (m_impl->ready) m_impl->renderScene(world, camera, frame);
+}
+
+void RendererGL::Impl::renderScene(const World& world, const Camera& camera,
+                                   const FrameInfo& frame) {
+    clock.begin();
+    prepare(world, camera, frame);
+    clock.mark("prepare");
+    drawShadows();
+    clock.mark("shadows");
+    drawScene();
+    finishPicture();
+    clock.mark("picture");
+    present();
+    clock.mark("present");
+}
+
+/// Everything that the passes read: the view, the light, what is seen.
+void RendererGL::Impl::prepare(const World& world, const Camera& camera, const FrameInfo& frame) {
+    view = FrameView(camera, targets.sceneHeight(), gl::hasClipControl());
+    block.projection = view.projection;
+    block.view = view.view;
+    const auto w = static_cast<float>(targets.sceneWidth());
+    const auto h = static_cast<float>(targets.sceneHeight());
+    block.screen = {w, h, 1 / w, 1 / h};
+    block.time = {static_cast<float>(std::fmod(frame.time, 4096)), view.pixel_angle, 0, 0};
+    sky.update(view, frame, block);
+    const vec3 center = frame.focus ? vec3(view.toFrame(frame.focus->getWorldPosition())) : vec3();
+    shadow.place(center, block);
+    list.gather(world, view, center, ShadowMap::RADIUS);
+    uploadBlock();
+    meshes.upload(list, sky);
+}
+
+void RendererGL::Impl::uploadBlock() {
+    glBindBuffer(GL_UNIFORM_BUFFER, block_buffer.id());
+    glBufferSubData(GL_UNIFORM_BUFFER, 0, sizeof block, &block);
+}
+
+void RendererGL::Impl::drawShadows() {
+    glEnable(GL_DEPTH_TEST);
+    glDepthMask(GL_TRUE);
+    if (block.light_direction.w > 0) {
+        shadow.begin();
+        meshes.drawCasters();
+        shadow.end();
+    }
+    shadow.bind();
+}
+
+/// Opaque first and near first, so that hidden pixels cost nothing; then the sky where nothing is;
+/// then what lets light through.
+void RendererGL::Impl::drawScene() {
+    glBindFramebuffer(GL_FRAMEBUFFER, targets.scene_target.id());
+    glViewport(0, 0, targets.sceneWidth(), targets.sceneHeight());
+    glClear(GL_DEPTH_BUFFER_BIT);
+    meshes.drawOpaque();
+    clock.mark("meshes");
+    sky.drawBackground(view);
+    clock.mark("sky");
+    meshes.drawTransparent();
+    clock.mark("transparent");
+}
+
+/// Light to picture: tone curve, edge filter, scaling.
+void RendererGL::Impl::finishPicture() {
+    glDisable(GL_DEPTH_TEST);
+    glBindVertexArray(empty.id());
+    glBindFramebuffer(GL_FRAMEBUFFER, targets.toned_target.id());
+    tonemap.use();
+    tonemap.set("uPicture", gl::UNIT_FIRST_OWN);
+    gl::bindTexture(gl::UNIT_FIRST_OWN, targets.light);
+    glDrawArrays(GL_TRIANGLES, 0, 3);
+
+    glBindFramebuffer(GL_FRAMEBUFFER, targets.finished_target.id());
+    glViewport(0, 0, targets.width(), targets.height());
+    fxaa.use();
+    fxaa.set("uPicture", gl::UNIT_FIRST_OWN);
+    fxaa.set("uTexel", vec2{block.screen.z, block.screen.w});
+    gl::bindTexture(gl::UNIT_FIRST_OWN, targets.toned);
+    glDrawArrays(GL_TRIANGLES, 0, 3);
+}
+
+void RendererGL::Impl::present() {
+    if (surface == Surface::none) {
+        glFinish(); // nobody else waits for the device
+        return;
+    }
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, targets.finished_target.id());
+    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, 0);
+    glBlitFramebuffer(0, 0, targets.width(), targets.height(), 0, 0, targets.width(),
+                      targets.height(), GL_COLOR_BUFFER_BIT, GL_NEAREST);
+}
+
+// ------------------------------------------------------------------ reading back
+
+bool RendererGL::readPicture(Picture& picture) {
+    Impl& r = *m_impl;
+    if (!r.ready) return false;
+    picture.width = r.targets.width();
+    picture.height = r.targets.height();
+    const std::size_t row = 3 * static_cast<std::size_t>(picture.width);
+    picture.rgb.resize(row * static_cast<std::size_t>(picture.height));
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, r.targets.finished_target.id());
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glReadPixels(0, 0, picture.width, picture.height, GL_RGB, GL_UNSIGNED_BYTE, picture.rgb.data());
+    auto top = picture.rgb.begin();
+    for (int y = 0; y < picture.height / 2; y++) // OpenGL's rows come from the bottom
+        std::swap_ranges(top + static_cast<std::ptrdiff_t>(row) * y,
+                         top + static_cast<std::ptrdiff_t>(row) * (y + 1),
+                         top + static_cast<std::ptrdiff_t>(row) * (picture.height - 1 - y));
+    return true;
+}
+
+bool RendererGL::savePicture(const jString& path) {
+    Picture picture;
+    if (readPicture(picture)) return writePng(path.c_str(), picture);
+    jLog::error("RendererGL::savePicture: there is no picture for \"%s\"", path.c_str());
+    return false;
+}
+
+double RendererGL::readDistance(double x, double y) {
+    Impl& r = *m_impl;
+    if (!r.ready) return 0;
+    const int w = r.targets.sceneWidth(), h = r.targets.sceneHeight();
+    float depth = 0;
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, r.targets.scene_target.id());
+    glReadPixels(std::clamp(static_cast<int>(x * w), 0, w - 1),
+                 std::clamp(static_cast<int>((1 - y) * h), 0, h - 1), 1, 1, GL_DEPTH_COMPONENT,
+                 GL_FLOAT, &depth);
+    return r.view.toDistance(static_cast<double>(depth));
+}

@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+#include "SceneList.h"
+
+#include "ig/scene/SceneObjects.h"
+#include "ig/scene/World.h"
+#include "plugins/ocean/ObjectOcean.h"
+#include "plugins/terrain/ObjectTerrain.h"
+
+#include <algorithm>
+#include <tuple>
+
+using namespace ig;
+
+void SceneList::gather(const World& world, const FrameView& view, const vec3& shadow_center,
+                       float shadow_radius) {
+    opaque.clear();
+    transparent.clear();
+    casters.clear();
+    lamps.clear();
+    emitters.clear();
+    decals.clear();
+    ocean = nullptr;
+    terrain = nullptr;
+    visited = 0;
+    m_view = &view;
+    m_shadow_center = shadow_center;
+    m_shadow_radius = shadow_radius;
+    for (const Node* node : world.getNodes())
+        visit(*node);
+    sort();
+}
+
+void SceneList::visit(const Node& node) {
+    if (!node.isEnabled()) return;
+    visited++;
+    switch (node.getType()) {
+    case OBJECT_MESH:
+        addMesh(node);
+        break;
+    case OBJECT_LIGHT:
+        addLamp(node);
+        break;
+    case OBJECT_PARTICLES:
+        emitters.push_back(static_cast<const ObjectParticles*>(&node));
+        break;
+    case DECAL_ORTHO:
+        decals.push_back(static_cast<const DecalOrtho*>(&node));
+        break;
+    case OBJECT_OCEAN:
+        ocean = static_cast<const ObjectOcean*>(&node);
+        break;
+    case OBJECT_TERRAIN:
+        terrain = static_cast<const ObjectTerrain*>(&node);
+        break;
+    default:
+        break;
+    }
+    for (int i = 0; i < node.getNumChildren(); i++)
+        visit(*node.getChild(i));
+}
+
+void SceneList::addMesh(const Node& node) {
+    const auto& object = static_cast<const ObjectMesh&>(node);
+    const dmat4& world = node.getWorldTransform();
+    const BoundSphere bounds = object.getMesh()->getBounds().transformed(world);
+    if (bounds.isEmpty()) return;
+    const vec3 center(m_view->toFrame(bounds.center));
+    const float radius = static_cast<float>(bounds.radius), distance = length(center);
+    // Smaller than a third of a pixel: nothing to see.
+    const bool seen = m_view->sees(center, radius) &&
+                      (m_view->orthographic || radius > distance * m_view->pixel_angle / 6);
+    const bool casts = length(center - m_shadow_center) < radius + m_shadow_radius;
+    if (!seen && !casts) return;
+    MeshItem item{&object.getMesh(), 0, m_view->toFrame(world), distance, {}};
+    for (int i = 0; i < object.getNumSurfaces(); i++) {
+        item.surface = i;
+        item.look = SurfaceLook::read(object.getSurfaceMaterial(i));
+        if (seen) (item.look.isOpaque() ? opaque : transparent).push_back(item);
+        if (casts && item.look.isOpaque()) casters.push_back(item);
+    }
+}
+
+void SceneList::addLamp(const Node& node) {
+    const Material* material = static_cast<const Object&>(node).getSurfaceMaterial(0);
+    const float power = readSlider(material, "density", 1);
+    if (power < 0.01f) return;
+    const vec3 position(m_view->toFrame(node.getWorldPosition()));
+    if (!m_view->sees(position, 2)) return;
+    lamps.push_back({position, readValue(material, "diffuse_color", {1, 1, 1, 1}).xyz(), power});
+}
+
+namespace {
+auto batchKey(const MeshItem& item) {
+    const SurfaceLook& l = item.look;
+    return std::make_tuple(item.mesh->get(), item.surface, l.color.x, l.color.y, l.color.z,
+                           l.emission, l.wetness, l.ice);
+}
+} // namespace
+
+void SceneList::sort() {
+    const auto by_batch = [](const MeshItem& a, const MeshItem& b) {
+        return batchKey(a) < batchKey(b);
+    };
+    std::sort(opaque.begin(), opaque.end(), by_batch);
+    std::sort(casters.begin(), casters.end(), by_batch);
+    std::sort(transparent.begin(), transparent.end(),
+              [](const MeshItem& a, const MeshItem& b) { return a.distance > b.distance; });
+}

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "FrameView.h"
+#include "SurfaceLook.h"
+
+#include <memory>
+#include <vector>
+
+namespace ig {
+class DecalOrtho;
+class Mesh;
+class Node;
+class ObjectParticles;
+class World;
+} // namespace ig
+class ObjectOcean;
+class ObjectTerrain;
+
+/// One surface of a mesh to be drawn.
+struct MeshItem {
+    const std::shared_ptr<const ig::Mesh>* mesh; ///< the object's own; valid in this frame
+    int surface;
+    ig::mat4 transform; ///< mesh to E
+    float distance;     ///< of the object's middle from the eye, m
+    SurfaceLook look;
+};
+
+/// A lamp that is seen itself.
+struct LampItem {
+    ig::vec3 position; ///< E
+    ig::vec3 color;
+    float power;
+};
+
+/// What of the scene is to be drawn in a frame: gathered from the world by one walk over its
+/// enabled nodes, without the graphics device. One list is used over and over and keeps its memory.
+class SceneList {
+public:
+    /// Meshes outside the view are left out, those that cast a shadow into the sphere around
+    /// `shadow_center` (E) excepted.
+    void gather(const ig::World& world, const FrameView& view, const ig::vec3& shadow_center,
+                float shadow_radius);
+
+    std::vector<MeshItem> opaque;      ///< near batches first; equal mesh, surface, look adjoin
+    std::vector<MeshItem> transparent; ///< far to near
+    std::vector<MeshItem> casters;     ///< opaque ones near the shadow's centre
+    std::vector<LampItem> lamps;
+    std::vector<const ig::ObjectParticles*> emitters;
+    std::vector<const ig::DecalOrtho*> decals;
+    const ObjectOcean* ocean = nullptr;
+    const ObjectTerrain* terrain = nullptr;
+    int visited = 0; ///< nodes looked at
+
+private:
+    void visit(const ig::Node& node);
+    void addMesh(const ig::Node& node);
+    void addLamp(const ig::Node& node);
+    void sort();
+
+    const FrameView* m_view = nullptr;
+    ig::vec3 m_shadow_center;
+    float m_shadow_radius = 0;
+};

@@ -1,0 +1,237 @@
+// SPDX-License-Identifier: MIT
+#include "SkyPass.h"
+
+#include "ig/math/quat.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+using namespace ig;
+
+namespace {
+
+constexpr int SCATTER_SIZE = 128;    ///< texels; scattering without its phase functions is smooth
+constexpr float SUN_IRRADIANCE = 20; ///< above the air, in the units of the shaders
+constexpr float CLEAR_EXPOSURE = 0.30f;             ///< at noon under a clear sky
+constexpr float CLEAR_LUMINANCE = 4.0f;             ///< of a white ground then
+constexpr float DAY_RANGE = 8, NIGHT_RANGE = 0.08f; ///< brightest value that the sky map can hold
+const vec3 NIGHT_GLOW{0.0022f, 0.0032f, 0.0055f};
+const vec3 MOONLIGHT{0.045f, 0.052f, 0.062f};
+
+float smoothStep(float low, float high, float x) {
+    const float t = std::clamp((x - low) / (high - low), 0.0f, 1.0f);
+    return t * t * (3 - 2 * t);
+}
+float luminance(const vec3& c) { return 0.3f * c.x + 0.6f * c.y + 0.1f * c.z; }
+vec3 multiply(const vec3& a, const vec3& b) { return {a.x * b.x, a.y * b.y, a.z * b.z}; }
+
+/// What the air lets through from a height above the horizon given by its sine: Rayleigh, aerosol
+/// and ozone over Kasten and Young's (1989) air mass.
+vec3 transmittance(float sine) {
+    const float elevation =
+        std::max(std::asin(std::clamp(sine, -1.0f, 1.0f)) * RAD_TO_DEG<float>, -1.0f);
+    const float mass = 1 / (std::max(sine, 0.0f) + 0.15f * std::pow(elevation + 3.885f, -1.253f));
+    const vec3 depth(5.8e-6f * 8000 + 3.3e-6f * 1200 + 0.65e-6f * 6400,
+                     13.5e-6f * 8000 + 3.3e-6f * 1200 + 1.88e-6f * 6400,
+                     33.1e-6f * 8000 + 3.3e-6f * 1200 + 0.085e-6f * 6400);
+    return {std::exp(-depth.x * mass), std::exp(-depth.y * mass), std::exp(-depth.z * mass)};
+}
+
+/// Direct light of the sun: none a degree below the horizon.
+vec3 sunlight(const vec3& direction) {
+    return multiply(transmittance(direction.z), vec3(1, 0.97f, 0.92f)) *
+           (SUN_IRRADIANCE * smoothStep(-0.018f, 0.012f, direction.z));
+}
+vec3 moonlight(const vec3& direction) {
+    return multiply(transmittance(direction.z), MOONLIGHT) * smoothStep(-0.02f, 0.05f, direction.z);
+}
+
+bool sunRules(const vec3& sun) { return sun.z > -0.02f; }
+
+/// Halfway, by its logarithm, from night to day between 12 degrees below and 3 above the horizon.
+float mapRange(const vec3& sun) {
+    const float day = std::clamp((sun.z + 0.2f) / 0.25f, 0.0f, 1.0f);
+    return NIGHT_RANGE * std::pow(DAY_RANGE / NIGHT_RANGE, day);
+}
+
+} // namespace
+
+bool SkyPass::init(int map_size) {
+    m_size = map_size;
+    if (!m_scatter.build("screen.vert", "scatter.frag") ||
+        !m_compose.build("screen.vert", "skymap.frag") ||
+        !m_background.build("screen.vert", "sky.frag"))
+        return false;
+    m_empty.create();
+    const gl::TextureFormat half{GL_RGBA16F, GL_RGBA, GL_FLOAT};
+    m_scatter_target.create();
+    glBindFramebuffer(GL_FRAMEBUFFER, m_scatter_target.id());
+    const GLenum attachments[] = {GL_COLOR_ATTACHMENT0, GL_COLOR_ATTACHMENT1, GL_COLOR_ATTACHMENT2};
+    gl::Texture* textures[] = {&m_rayleigh, &m_mie, &m_multiple};
+    for (int i = 0; i < 3; i++) {
+        gl::makeTexture(*textures[i], SCATTER_SIZE, SCATTER_SIZE, half);
+        glFramebufferTexture2D(GL_FRAMEBUFFER, attachments[i], GL_TEXTURE_2D, textures[i]->id(), 0);
+    }
+    glDrawBuffers(3, attachments);
+    gl::TextureFormat format;
+    format.filter = GL_LINEAR_MIPMAP_LINEAR;
+    gl::makeTexture(m_map, m_size, m_size, format);
+    glGenerateMipmap(GL_TEXTURE_2D);
+    m_map_target.create();
+    glBindFramebuffer(GL_FRAMEBUFFER, m_map_target.id());
+    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, m_map.id(), 0);
+    m_baked = Bake();
+    return true;
+}
+
+void SkyPass::release() {
+    m_scatter.destroy();
+    m_compose.destroy();
+    m_background.destroy();
+    m_empty.destroy();
+    for (gl::Texture* texture : {&m_rayleigh, &m_mie, &m_multiple, &m_map})
+        texture->destroy();
+    m_scatter_target.destroy();
+    m_map_target.destroy();
+}
+
+// ------------------------------------------------------------------ the map
+
+bool SkyPass::isStale(const Bake& wanted) const {
+    const auto turned = [](const vec3& a, const vec3& b) { return length(a - b) > 0.004f; };
+    const auto changed = [](float a, float b) { return std::abs(a - b) > 0.02f; };
+    return turned(wanted.sun, m_baked.sun) || turned(wanted.moon, m_baked.moon) ||
+           changed(wanted.cloud_cover, m_baked.cloud_cover) ||
+           changed(wanted.overcast, m_baked.overcast) ||
+           changed(wanted.darkness, m_baked.darkness) || changed(wanted.drift, m_baked.drift);
+}
+
+void SkyPass::bake(const Bake& wanted, const FrameBlock& block) {
+    m_baked = wanted;
+    m_range = block.sky.x;
+    glDisable(GL_DEPTH_TEST);
+    glDisable(GL_BLEND);
+    glBindVertexArray(m_empty.id());
+    glBindFramebuffer(GL_FRAMEBUFFER, m_scatter_target.id());
+    glViewport(0, 0, SCATTER_SIZE, SCATTER_SIZE);
+    m_scatter.use();
+    glDrawArrays(GL_TRIANGLES, 0, 3);
+
+    glBindFramebuffer(GL_FRAMEBUFFER, m_map_target.id());
+    glViewport(0, 0, m_size, m_size);
+    m_compose.use();
+    const gl::Texture* textures[] = {&m_rayleigh, &m_mie, &m_multiple};
+    const char* names[] = {"uRayleigh", "uMie", "uMultiple"};
+    for (int i = 0; i < 3; i++) {
+        gl::bindTexture(gl::UNIT_FIRST_OWN + i, *textures[i]);
+        m_compose.set(names[i], gl::UNIT_FIRST_OWN + i);
+    }
+    m_compose.set("uClouds",
+                  vec4(wanted.cloud_cover, wanted.overcast, wanted.darkness, wanted.drift));
+    const bool day = sunRules(wanted.sun);
+    m_compose.set("uCloudLight", day ? sunlight(wanted.sun) : moonlight(wanted.moon));
+    const float moon = std::max(wanted.moon.z, 0.0f);
+    m_compose.set("uNight", NIGHT_GLOW * (1 + 1.5f * moon));
+    glDrawArrays(GL_TRIANGLES, 0, 3);
+    gl::bindTexture(gl::UNIT_SKY, m_map);
+    glGenerateMipmap(GL_TEXTURE_2D);
+    readBack();
+}
+
+/// Copies a small level of the map to the processor and sums up the light of the whole sky.
+void SkyPass::readBack() {
+    int level = 0;
+    while (m_size >> level > SMALL)
+        level++;
+    std::array<std::uint8_t, SMALL * SMALL * 4> bytes{};
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glGetTexImage(GL_TEXTURE_2D, level, GL_RGBA, GL_UNSIGNED_BYTE, bytes.data());
+    vec3 sum;
+    float weights = 0;
+    for (int i = 0; i < SMALL * SMALL; i++) {
+        const auto value = [&](int c) {
+            const float root = bytes[static_cast<std::size_t>(4 * i + c)] / 255.0f;
+            return root * root * m_range;
+        };
+        const vec3 color(value(0), value(1), value(2));
+        m_small[static_cast<std::size_t>(i)] = color;
+        const float x = (static_cast<float>(i % SMALL) + 0.5f) / (SMALL / 2) - 1;
+        const float y = (static_cast<float>(i / SMALL) + 0.5f) / (SMALL / 2) - 1;
+        const float r2 = x * x + y * y;
+        if (r2 >= 1) continue;
+        // Height z = (1 − r²)²; a texel covers a solid angle as dz/d(r²), seen at the sine z.
+        const float weight = (1 - r2) * (1 - r2) * 2 * (1 - r2);
+        sum += color * weight;
+        weights += weight;
+    }
+    m_ambient = sum / weights;
+}
+
+vec3 SkyPass::getHaze(vec2 direction) const {
+    const float scale = 0.47f / std::max(std::hypot(direction.x, direction.y), 1e-6f);
+    const auto place = [&](float v) {
+        return std::clamp(static_cast<int>((v * scale + 0.5f) * SMALL), 0, SMALL - 1);
+    };
+    return m_small[static_cast<std::size_t>(place(direction.y) * SMALL + place(direction.x))];
+}
+
+// ------------------------------------------------------------------ a frame
+
+void SkyPass::update(const FrameView& view, const FrameInfo& frame, FrameBlock& block) {
+    const vec3 sun(view.toFrameDirection(frame.sun_direction));
+    const vec3 moon(view.toFrameDirection(frame.moon_direction));
+    const bool day = sunRules(sun);
+    const float open = 1 - 0.97f * frame.overcast;
+    const vec3 light = (day ? sunlight(sun) : moonlight(moon)) * open;
+    block.light_direction = {day ? sun : moon, block.light_direction.w};
+    block.light = {light, block.light.w};
+    block.sun_direction = {sun, sun.z > -0.05f ? 1.0f : 0.0f};
+    block.moon_direction = {moon, 0.25f * smoothStep(0.1f, -0.12f, sun.z) + 0.12f};
+    const float stars = smoothStep(-0.06f, -0.2f, sun.z) * 0.06f;
+    block.sky = {mapRange(sun), stars,
+                 static_cast<float>(frame.sidereal_angle * DEG_TO_RAD<double>), 0};
+    block.weather = {frame.rain, frame.snow, frame.cloud_cover, frame.overcast};
+
+    // Koschmieder: contrast falls to 2 % at the meteorological visibility. Fog is shallow.
+    const float extinction = static_cast<float>(3.912 / std::max(frame.visibility, 10.0));
+    const float scale_height = frame.visibility < 2000 ? 300.0f : 1200.0f;
+    const float altitude = static_cast<float>(std::max(view.geodetic.z, 0.0));
+    constexpr float CLEAR_AIR = 8e-5f; // what the scattering itself shows already
+    block.air = {1 / scale_height, std::exp(-altitude / scale_height), altitude,
+                 std::sqrt(2 * std::max(altitude, 1.0f) / 6371000.0f)};
+    block.sky.w = std::max(extinction - CLEAR_AIR, 0.0f) * scale_height;
+
+    const Bake wanted{sun,
+                      moon,
+                      frame.cloud_cover,
+                      frame.overcast,
+                      frame.cloud_darkness,
+                      static_cast<float>(std::floor(frame.time / 20) * 0.012)};
+    if (isStale(wanted)) {
+        uploadBlock(block);
+        bake(wanted, block);
+    }
+    block.sky.x = m_range;
+    block.ambient = {m_ambient, extinction};
+    const float ground =
+        luminance(m_ambient) + luminance(light) * std::max(block.light_direction.z, 0.0f) / 3.1416f;
+    const float gain = std::pow(CLEAR_LUMINANCE / std::max(ground, 1e-4f), 0.72f);
+    block.light.w = CLEAR_EXPOSURE * std::clamp(gain, 0.8f, 300.0f);
+    gl::bindTexture(gl::UNIT_SKY, m_map);
+}
+
+/// The bake reads the block's directions.
+void SkyPass::uploadBlock(const FrameBlock& block) {
+    glBufferSubData(GL_UNIFORM_BUFFER, 0, sizeof block, &block);
+}
+
+void SkyPass::drawBackground(const FrameView& view) {
+    const auto& p = view.projection.columns;
+    glDepthMask(GL_FALSE);
+    m_background.use();
+    m_background.set("uRay", vec4(1 / p[0].x, 1 / p[1].y, p[2].x / p[0].x, p[2].y / p[1].y));
+    glBindVertexArray(m_empty.id());
+    glDrawArrays(GL_TRIANGLES, 0, 3);
+    glDepthMask(GL_TRUE);
+}

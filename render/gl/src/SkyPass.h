@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "FrameBlock.h"
+#include "FrameView.h"
+#include "GlObjects.h"
+#include "ig/app/Renderer.h"
+
+#include <array>
+
+/// The sky and the light that comes from it. Scattering and clouds are baked into one map of the
+/// upper half of the sky, which the background, reflections, haze and ambient light read; the map
+/// is made anew only when sun, moon or clouds have changed visibly.
+class SkyPass {
+public:
+    /// `map_size` in texels: 512 or more looks right.
+    bool init(int map_size);
+    void release();
+
+    /// Bakes when needed, binds the map, and fills in the frame block what is light and air.
+    void update(const FrameView& view, const ig::FrameInfo& frame, FrameBlock& block);
+    /// Fills the picture where nothing is; last of the opaque passes.
+    void drawBackground(const FrameView& view);
+
+    /// Colour of what is far away in a direction of E (any length).
+    ig::vec3 getHaze(ig::vec2 direction) const;
+
+private:
+    struct Bake { ///< what the map shows
+        ig::vec3 sun, moon;
+        float cloud_cover = -1, overcast = 0, darkness = 0, drift = 0;
+    };
+    static constexpr int SMALL = 32; ///< edge of the copy for the processor, texels
+
+    bool isStale(const Bake& wanted) const;
+    void bake(const Bake& wanted, const FrameBlock& block);
+    void readBack();
+    void uploadBlock(const FrameBlock& block);
+
+    int m_size = 0;
+    gl::Program m_scatter, m_compose, m_background;
+    gl::VertexArray m_empty;
+    gl::Texture m_rayleigh, m_mie, m_multiple, m_map;
+    gl::Framebuffer m_scatter_target, m_map_target;
+    Bake m_baked;
+    float m_range = 1;
+    std::array<ig::vec3, SMALL * SMALL> m_small; ///< the map, decoded
+    ig::vec3 m_ambient;
+};

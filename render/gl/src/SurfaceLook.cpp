@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#include "SurfaceLook.h"
+
+#include "ig/scene/Material.h"
+
+using namespace ig;
+
+namespace {
+// Short tags stay within jString's own storage: asking costs no allocation.
+int find(const Material* material, const char* tag) {
+    return material ? material->findParameterIDByTag(tag) : -1;
+}
+} // namespace
+
+float readSlider(const Material* material, const char* tag, float otherwise) {
+    const int id = find(material, tag);
+    return id < 0 ? otherwise : material->getParameterSlider(id);
+}
+
+vec4 readValue(const Material* material, const char* tag, const vec4& otherwise) {
+    const int id = find(material, tag);
+    return id < 0 ? otherwise : material->getParameterValue(id);
+}
+
+SurfaceLook SurfaceLook::read(const Material* material) {
+    SurfaceLook look;
+    if (!material) return look;
+    look.color = readValue(material, "diffuse_color", look.color);
+    look.roughness = readSlider(material, "roughness", look.roughness);
+    look.metalness = readSlider(material, "metalness", look.metalness);
+    look.emission = readSlider(material, "emission", 0);
+    look.wetness = readSlider(material, "wetness", 0);
+    look.ice = readSlider(material, "ice", 0);
+    look.rain = readSlider(material, "rain_power", 0);
+    look.wiper = readSlider(material, "wiper", 0);
+    look.two_sided = readSlider(material, "two_sided", 0) > 0.5f;
+    return look;
+}

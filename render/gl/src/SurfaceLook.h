@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ig/math/vec.h"
+
+namespace ig {
+class Material;
+}
+
+/// What the mesh shaders take from a material. docs/worlds.md lists the tags.
+struct SurfaceLook {
+    ig::vec4 color{0.6f, 0.6f, 0.6f, 1}; ///< linear; w: opacity
+    float roughness = 0.8f, metalness = 0, emission = 0;
+    float wetness = 0, ice = 0, rain = 0, wiper = 0; ///< 0 to 1
+    bool two_sided = false;
+
+    /// Tags that the material lacks, or all without material, keep their defaults.
+    static SurfaceLook read(const ig::Material* material);
+    bool isOpaque() const { return color.w >= 0.999f; }
+    friend bool operator==(const SurfaceLook&, const SurfaceLook&) = default;
+};
+
+/// The slider of that tag, or `otherwise` when there is no such tag or no material.
+float readSlider(const ig::Material* material, const char* tag, float otherwise);
+/// The value of that tag, likewise.
+ig::vec4 readValue(const ig::Material* material, const char* tag, const ig::vec4& otherwise);

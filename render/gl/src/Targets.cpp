@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#include "Targets.h"
+
+#include "ig/base/jLog.h"
+
+#include <algorithm>
+#include <cmath>
+
+bool Targets::make(int width, int height, float scale) {
+    m_width = std::max(width, 1);
+    m_height = std::max(height, 1);
+    const auto scaled = [scale](int size) {
+        return std::max(static_cast<int>(std::lround(static_cast<float>(size) * scale)), 1);
+    };
+    m_scene_width = scaled(m_width);
+    m_scene_height = scaled(m_height);
+    const gl::TextureFormat light_format{GL_RGBA16F, GL_RGBA, GL_FLOAT};
+    gl::TextureFormat depth_format{GL_DEPTH_COMPONENT32F, GL_DEPTH_COMPONENT, GL_FLOAT};
+    depth_format.filter = GL_NEAREST;
+    gl::makeTexture(light, m_scene_width, m_scene_height, light_format);
+    gl::makeTexture(depth, m_scene_width, m_scene_height, depth_format);
+    gl::makeTexture(toned, m_scene_width, m_scene_height, {});
+    gl::makeTexture(finished, m_width, m_height, {});
+
+    bool complete = true;
+    const auto attach = [&complete](gl::Framebuffer& target, const gl::Texture& color,
+                                    const gl::Texture* with_depth) {
+        target.create();
+        glBindFramebuffer(GL_FRAMEBUFFER, target.id());
+        glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, color.id(), 0);
+        if (with_depth)
+            glFramebufferTexture2D(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_TEXTURE_2D,
+                                   with_depth->id(), 0);
+        complete &= glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
+    };
+    attach(scene_target, light, &depth);
+    attach(toned_target, toned, nullptr);
+    attach(finished_target, finished, nullptr);
+    if (!complete)
+        ig::jLog::error("RendererGL: the driver refuses framebuffers of %d x %d pixels", m_width,
+                        m_height);
+    return complete;
+}
+
+void Targets::release() {
+    for (gl::Texture* texture : {&light, &depth, &toned, &finished})
+        texture->destroy();
+    for (gl::Framebuffer* target : {&scene_target, &toned_target, &finished_target})
+        target->destroy();
+}

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "GlObjects.h"
+
+/// Where the picture comes into being: scene light and depth at the render scale, the toned picture
+/// at the same size, the finished one at full size.
+class Targets {
+public:
+    /// (Re)makes all; sizes in pixels. False, logged, when the driver refuses.
+    bool make(int width, int height, float scale);
+    void release();
+
+    int width() const { return m_width; } ///< of the finished picture
+    int height() const { return m_height; }
+    int sceneWidth() const { return m_scene_width; }
+    int sceneHeight() const { return m_scene_height; }
+
+    gl::Texture light, depth, toned, finished;
+    gl::Framebuffer scene_target, toned_target, finished_target;
+
+private:
+    int m_width = 0, m_height = 0, m_scene_width = 0, m_scene_height = 0;
+};
