@@ -5,6 +5,7 @@
 #include "common/wire/UdpSendData.h"
 #include "heli/kit/UdpDataKit.h"
 #include "ig/net/SocketUDP.h"
+#include "ig/ui/UiDrawList.h"
 #include "ratio.h"
 #include "testkit/LogicScene.h"
 
@@ -98,5 +99,32 @@ void applyRecord(benchmark::State& state) {
     state.counters["apply_us_per_record"] = differences[differences.size() / 2] * 1e6;
 }
 BENCHMARK(applyRecord)->Iterations(2000)->Unit(benchmark::kMicrosecond);
+
+/// One frame of the user interface with the camera on the move, so that all its fields change,
+/// against writing the same numbers; at most 300 µs are allowed.
+void userInterface(benchmark::State& state) {
+    LogicScene scene;
+    scene.useProjectData();
+    scene.start();
+    scene.frame();
+    ig::UiDrawList list;
+    PairedTimes times;
+    ig::dvec3 place(LogicScene::LONGITUDE, LogicScene::LATITUDE, 100);
+    for (auto _ : state) {
+        place = place + ig::dvec3(1e-5, 1e-5, 0.1);
+        scene.logic->set_cam_pos_geo(place);
+        times.measure(
+            [&] {
+                scene.ui->update(1 / 60.0f);
+                scene.ui->draw(list);
+            },
+            [&] {
+                for (const double number : {place.x, place.y, place.z})
+                    benchmark::DoNotOptimize(ig::ToString(number));
+            });
+    }
+    times.report(state);
+}
+BENCHMARK(userInterface)->Iterations(20000)->Unit(benchmark::kMicrosecond);
 
 } // namespace

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Weather.h"
+#include "host/interface/Overlays.h"
 
 #include <string>
 #include <vector>
@@ -26,11 +27,14 @@ struct Options {
     int day_of_year = 172;          ///< 1 to 366
     double time_scale = 1;          ///< seconds by which the hour advances in a second of the scene
     Weather weather;                ///< what is asked for here, whatever the flight simulation says
-    std::vector<double> eye;  ///< longitude, latitude, altitude, heading, pitch of a fixed camera
-    bool profile = false;     ///< milliseconds per pass in the summary
-    std::string allow_sender; ///< whose records are taken; empty: anybody's
-    std::string trace;        ///< CSV file with a line per frame; empty: none
-    bool quiet = false;       ///< no status line
+    std::vector<double> eye;   ///< longitude, latitude, altitude, heading, pitch of a fixed camera
+    bool profile = false;      ///< milliseconds per pass in the summary
+    std::string allow_sender;  ///< whose records are taken; empty: anybody's
+    std::string trace;         ///< CSV file with a line per frame; empty: none
+    bool quiet = false;        ///< no status line
+    bool no_interface = false; ///< pictures without panels and texts
+    bool show_help = false;    ///< the key map, from the start
+    Overlays::Statistics statistics = Overlays::Statistics::off; ///< in the picture
 };
 
 /// Reads the command line. False when the program is to end at once with `exit_status`: after

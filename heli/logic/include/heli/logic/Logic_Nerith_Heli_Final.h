@@ -12,10 +12,13 @@
 namespace ig {
 class Action;
 class Camera;
+class ControlApp;
 class UIButton;
+class UIElement;
 class UIHLayout;
 class UISpriteViewport;
 class UIVLayout;
+struct UIEventMouse;
 } // namespace ig
 
 class HeliEffectsKitCorax;
@@ -55,6 +58,8 @@ struct WinchInfo;
 ///   navigation.cpp    how the camera moves
 ///   input.cpp         keyboard and mouse, polled
 ///   picking.cpp       what a segment meets
+///   command_buttons.cpp  the panel of seventeen buttons
+///   camera_panel.cpp  the row of camera fields
 ///
 /// Ownership: the world owns every prefab in it; this object owns what `init` allocates and frees
 /// it in `release`, never in the destructor. Ships, tracks and the records of weapons still in the
@@ -237,6 +242,7 @@ public:
 
     void set_player_mode(PLAYER_MODE mode);
     void change_view(); ///< the next mode: first, third, free, first, …
+    void on_click_change_view(const ig::UIEventMouse*, ig::UIElement*);
 
     // --- navigation.cpp
 
@@ -248,9 +254,11 @@ public:
     /// Orbits about the point at the third-view distance ahead: degrees about the local vertical
     /// and about the camera's own X axis. False when there is nothing to do.
     bool rot_around(float yaw, float pitch);
-    void cam_mov(float dt);                     ///< free flight by keys, left mouse button held
-    void cam_free_rot(float dx, float dy);      ///< mouse look, a mouse button held; degrees
-    void set_cam_pos_geo(const ig::dvec3& geo); ///< longitude, latitude, altitude
+    void cam_mov(float dt);                ///< free flight by keys, left mouse button held
+    void cam_free_rot(float dx, float dy); ///< mouse look, a mouse button held; degrees
+    /// Longitude, latitude, altitude. Nothing for a place where no camera can look from: not
+    /// finite, near the earth's centre, or farther than the moon.
+    void set_cam_pos_geo(const ig::dvec3& geo);
     ig::dvec3 get_cam_pos_geo() const;
     float get_heli_thr() const; ///< the collective; 0 without a helicopter
 
@@ -269,6 +277,30 @@ public:
     /// camera's own place without camera or application.
     ig::dvec3 get_ray_to(double x, double y) const;
 
+    // --- command_buttons.cpp
+
+    /// Builds all panels; `init` builds them one by one. An application without a user interface
+    /// gets none.
+    void init_ui();
+    void init_ui_btns();
+    void on_click_radar_weather(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_heli_explosion(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_emit_torpedo(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_emit_sonar(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_close_sonar(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_break_sonar(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_emit_winch(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_close_winch(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_emit_missile(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_emit_decoy(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_heli_wiper(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_reset(const ig::UIEventMouse*, ig::UIElement*);
+
+    // --- camera_panel.cpp
+
+    void init_ui_cam();
+    void set_flt(float) {} ///< setter of a field that only shows its value
+
 private:
     // startup.cpp: the steps of init
     void create_helicopter(const ig::Node& start);
@@ -286,6 +318,7 @@ private:
 
     // frame.cpp: the steps of update
     void update_flags(float dt);
+    void place_panels();
     void update_ground_reference();
     void update_radar_camera();
     void pin_cable(ig::Node* anchor, const ig::dmat4& mount);
@@ -310,6 +343,15 @@ private:
 
     // view_modes.cpp
     void place_first_view();
+
+    // command_buttons.cpp
+    void poll_hold_buttons(float dt);
+
+    // input.cpp: the steps of update_input
+    void act_on_command_keys(ig::ControlApp& keys);
+    void set_speed_by_keys(ig::ControlApp& keys);
+    void level_or_move_sonar(ig::ControlApp& keys, float dt);
+    void place_camera_by_input(const ig::ControlApp* keys, float dt);
 
 public:
     // Pointers are null until the operation named sets them. The order is fixed.
