@@ -156,6 +156,7 @@ void Channel::frame(float dt) {
     m_logic->update(dt);
     levelAfterJump();
     m_world.updatePhysics(dt);
+    m_particles.advance(m_world, dt);
     m_logic->swap();
     draw();
     m_logic->render();
@@ -164,26 +165,19 @@ void Channel::frame(float dt) {
 
 void Channel::draw() {
     const double time = Engine::get()->getRunningTime();
-    m_environment.apply(m_world, getLongitude(), time, m_frame_info);
-    m_frame_info.focus = m_listener.m_helicopter;
-    if (m_options.eye.empty()) {
-        m_renderer->render(m_world, m_camera, m_frame_info);
-    } else {
+    Camera fixed;
+    const Camera* camera = &m_camera;
+    if (!m_options.eye.empty()) {
         const std::vector<double>& eye = m_options.eye;
-        Camera camera;
-        camera.setProjection(m_camera.getProjection());
-        camera.setWgsPosition({eye[0], eye[1], eye[2]});
-        camera.setWgsHPR({eye[3], -eye[4], 0});
-        m_renderer->render(m_world, camera, m_frame_info);
+        fixed.setProjection(m_camera.getProjection());
+        fixed.setWgsPosition({eye[0], eye[1], eye[2]});
+        fixed.setWgsHPR({eye[3], -eye[4], 0});
+        camera = &fixed;
     }
+    m_environment.apply(m_world, *camera, m_listener.m_helicopter, time, m_frame_info);
+    m_frame_info.particles = &m_particles;
+    m_renderer->render(m_world, *camera, m_frame_info);
     m_screenshots.afterFrame(*m_renderer, time);
-}
-
-/// Of the helicopter, for the sky; of the camera without one.
-double Channel::getLongitude() const {
-    const Node* node = m_listener.m_helicopter;
-    if (!node) node = &m_camera;
-    return Engine::get()->getEllipsoidModel()->toWGS(node->getWorldPosition()).x;
 }
 
 /// Elsewhere on the earth "up" points elsewhere: the camera that came along would hang askew.
@@ -201,6 +195,7 @@ void Channel::close() {
         m_logic->release();
         if (m_renderer) m_renderer->release();
         m_listener.m_helicopter = nullptr;
+        m_particles.clear();
         m_world.clear();
         delete m_logic;
         m_logic = nullptr;

@@ -13,6 +13,7 @@
 #include "ig/app/Renderer.h"
 #include "ig/scene/Camera.h"
 #include "ig/scene/CameraControl.h"
+#include "ig/scene/ParticleSystem.h"
 #include "ig/scene/World.h"
 
 #include <memory>
@@ -48,7 +49,6 @@ private:
     void frame(float dt);
     void draw();
     void levelAfterJump();
-    double getLongitude() const;
     bool isOver(double scene_time, int frames) const;
 
     Options m_options;
@@ -64,6 +64,7 @@ private:
     Status m_status;
     Environment m_environment;
     Screenshots m_screenshots;
+    ig::ParticleSystem m_particles;
     ig::FrameInfo m_frame_info;
     Trace m_trace;
     ig::dvec3 m_last_position; ///< of the helicopter

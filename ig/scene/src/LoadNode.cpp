@@ -148,15 +148,19 @@ Node* createPrefab(const Package& p) {
 }
 
 Node* createParticles(const Package& p) {
-    reportUnknownKeys(
-        p, {"life", "life_spread", "velocity", "velocity_spread", "rate", "material", "deflectors"},
-        true);
+    reportUnknownKeys(p,
+                      {"life", "life_spread", "velocity", "velocity_spread", "rate", "spread",
+                       "material", "deflectors"},
+                      true);
+    dvec3 spread;
+    if (!readVec3(p, "spread", spread)) return nullptr;
     auto* particles = new ObjectParticles();
     if (p.getItem("life")) particles->setLife(p.getFloat("life"));
     particles->setLifeSpread(p.getFloat("life_spread"));
     particles->setLinearVelocity(p.getFloat("velocity"));
     particles->setLinearVelocitySpread(p.getFloat("velocity_spread"));
     particles->setSpawnRate(p.getFloat("rate"));
+    particles->setSpread(vec3(spread));
     particles->setNumDeflectors(std::clamp(p.getInt("deflectors"), 0, 16));
     particles->setSurfaceMaterial(0, loadMaterial(p));
     particles->setIntersection(0, false);

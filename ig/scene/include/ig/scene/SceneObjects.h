@@ -22,6 +22,10 @@ public:
     float getSpawnRate() const { return m_spawn_rate; } ///< particles per second
     void setSpawnRate(float rate) { m_spawn_rate = rate; }
 
+    /// Half the box that the particles start in, along the emitter's axes; default: a point.
+    const vec3& getSpread() const { return m_spread; }
+    void setSpread(const vec3& spread) { m_spread = spread; }
+
     /// Deflectors remove the particles in their column. World transforms.
     int getNumDeflectors() const { return m_deflectors.size(); }
     void setNumDeflectors(int count) { m_deflectors.resize(count); }
@@ -32,6 +36,7 @@ private:
     float m_life = 1, m_life_spread = 0;
     float m_velocity = 0, m_velocity_spread = 0;
     float m_spawn_rate = 0;
+    vec3 m_spread;
     jVector<dmat4> m_deflectors;
 };
 
