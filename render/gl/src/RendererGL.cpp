@@ -15,6 +15,7 @@
 #include "SpritePass.h"
 #include "Targets.h"
 #include "TerrainPass.h"
+#include "UiPass.h"
 #include "ig/base/jLog.h"
 #include "ig/scene/Node.h"
 #include "plugins/ocean/ObjectOcean.h"
@@ -85,6 +86,7 @@ struct RendererGL::Impl {
     OceanPass ocean;
     TerrainPass terrain;
     SpritePass sprites;
+    UiPass ui;
     Downwash wash;
     gl::Texture noise;
     SceneList list;
@@ -130,7 +132,7 @@ bool RendererGL::Impl::initPasses() {
     const bool software = std::strstr(device.c_str(), "llvmpipe") != nullptr;
     return tonemap.build("screen.vert", "tonemap.frag") && fxaa.build("screen.vert", "fxaa.frag") &&
            sky.init(software ? 512 : 1024) && shadow.init() && meshes.init() && terrain.init() &&
-           sprites.init() && (software ? ocean.init(128, 90) : ocean.init(320, 240));
+           sprites.init() && ui.init() && (software ? ocean.init(128, 90) : ocean.init(320, 240));
 }
 
 void RendererGL::release() {
@@ -143,6 +145,7 @@ void RendererGL::release() {
     r.ocean.release();
     r.terrain.release();
     r.sprites.release();
+    r.ui.release();
     r.noise.destroy();
     r.tonemap.destroy();
     r.fxaa.destroy();
@@ -188,6 +191,8 @@ void RendererGL::Impl::renderScene(const World& world, const Camera& camera,
     drawScene();
     finishPicture();
     clock.mark("picture");
+    if (frame.ui) ui.draw(*frame.ui, targets.width(), targets.height());
+    clock.mark("ui");
     present();
     clock.mark("present");
 }
