@@ -15,6 +15,7 @@
 #include "ig/app/Renderer.h"
 #include "ig/scene/Camera.h"
 #include "ig/scene/CameraControl.h"
+#include "ig/scene/ParticleSystem.h"
 #include "ig/scene/World.h"
 
 #include <memory>
@@ -72,6 +73,7 @@ private:
     Status m_status;
     Environment m_environment;
     Screenshots m_screenshots;
+    ig::ParticleSystem m_particles;
     ig::FrameInfo m_frame_info;
     Trace m_trace;
     ig::dvec3 m_last_position; ///< of the helicopter

@@ -5,7 +5,9 @@
 #include "ig/app/ControlApp.h"
 #include "ig/app/Engine.h"
 #include "ig/app/Sky.h"
+#include "ig/math/jMath.h"
 #include "ig/scene/Camera.h"
+#include "ig/scene/ObjectPrefab.h"
 #include "ig/scene/SceneObjects.h"
 #include "ig/scene/World.h"
 #include "plugins/ocean/ObjectOcean.h"
@@ -25,6 +27,9 @@ constexpr float WIND_STRENGTH = 400;   ///< the scene's wind strength for 1 m/s
 constexpr int HEAVY = 3;               ///< the highest level of precipitation
 constexpr int HIGHEST_SEA = 12;        ///< Beaufort
 constexpr double DAY = 24;             ///< hours
+
+constexpr float ROTOR_RADIUS = 9.5f;                     ///< m
+constexpr float WASH_FADES_FROM = 8, WASH_FADES_TO = 30; ///< altitude over the water, m
 
 /// Looks of the sky by WEATHER_TYPE.
 struct Look {
@@ -132,6 +137,17 @@ void Environment::update(float dt, const Camera& camera, const ControlApp& keys)
         m_ocean->setBeaufort(static_cast<float>(weather.beaufort));
     applyPrecipitation(weather, camera);
     tellLogic(weather);
+}
+
+void Environment::fillDownwash(const ObjectPrefab* helicopter, FrameInfo& frame) {
+    frame.wash_strength = 0;
+    const Node* node = helicopter ? helicopter->getNodeByName("downwash_spe") : nullptr;
+    if (!node || !node->isVisible()) return;
+    frame.wash_position = helicopter->getWorldPosition();
+    frame.wash_radius = ROTOR_RADIUS;
+    const auto altitude =
+        static_cast<float>(Engine::get()->getEllipsoidModel()->getAltitude(frame.wash_position));
+    frame.wash_strength = jMath::getFadeOut(altitude, WASH_FADES_TO, WASH_FADES_FROM);
 }
 
 /// Each emitter hangs level above the eye, so high that its particles fall as far below.

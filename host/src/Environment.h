@@ -41,6 +41,9 @@ public:
     void update(float dt, const ig::Camera& camera, const ig::ControlApp& keys);
     /// Fills in what concerns the sky; `longitude` (degrees) is where the hour counts.
     void fillFrame(double longitude, ig::FrameInfo& frame) const;
+    /// Fills in what the water feels of the rotor, as long as the logic shows its downwash;
+    /// `helicopter` may be null.
+    static void fillDownwash(const ig::ObjectPrefab* helicopter, ig::FrameInfo& frame);
 
     /// What holds at present.
     Weather getWeather() const { return m_told.overriddenBy(m_operator); }

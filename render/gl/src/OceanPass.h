@@ -25,7 +25,9 @@ public:
 
     /// Brings the waves to the device when they have changed.
     void upload(const OceanFrame& frame);
-    void draw(const FrameView& view, const OceanFrame& frame, const Downwash& wash);
+    /// `effects`: slopes, foam and calm around the eye, on a square of `effects_edge` metres.
+    void draw(const FrameView& view, const OceanFrame& frame, const Downwash& wash,
+              const gl::Texture& effects, float effects_edge);
 
 private:
     static constexpr int TILES = 4, DISPLACED = 3;
@@ -44,9 +46,14 @@ private:
     gl::Program m_program;
     gl::VertexArray m_vertex_array;
     gl::Buffer m_vertices, m_indices;
-    gl::Texture m_displacement[DISPLACED], m_slope[TILES], m_effects;
-    unsigned m_version = 0;
-    bool m_uploaded = false;
+    gl::Texture m_displacement[DISPLACED], m_slope[TILES];
+    struct Stamp { ///< tells one sea at one moment from another, be it another ocean's
+        const float* arrays = nullptr;
+        unsigned version = 0;
+        double time = 0, height = 0, direction = 0;
+        friend bool operator==(const Stamp&, const Stamp&) = default;
+    };
+    Stamp m_uploaded;
     float m_slope_scale[TILES] = {};
     /// Whitecaps: see calibrateFoam.
     float m_foam_threshold = 1, m_foam_width = 0.1f, m_foam_spread = 0.1f, m_foam_mean = 0;
