@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Writes every model of the channel below the data folder, as a binary glTF or an OBJ file.
+"""Writes every model of the channel below the data folder, as a binary glTF or an OBJ file, and the
+lights of the airfield.
 
 The same program always writes the same bytes: a test compares them with the files in the
 repository.
@@ -34,10 +35,16 @@ def models():
 
 
 @functools.cache
-def contents():
-    """The bytes of every file, by path below the data folder."""
+def model_contents():
+    """The bytes of every model's file, by path below the data folder."""
     return {path: obj_text(parts).encode() if path.endswith(".obj") else glb_bytes(parts)
             for path, parts in models().items()}
+
+
+def contents():
+    """The bytes of every file that is written."""
+    return {**model_contents(),
+            f"{PREFABS}/airfield/runway_lights.prefab": airfield.lights_prefab().encode()}
 
 
 def main():

@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
 """Checks the data folder: that every file that is named exists and is well formed, that every node
-which the programs look up by name is there once, and that the models are sound and to measure.
+which the programs look up by name is there once, and that models and terrain are sound and to
+measure.
 
-Needs PyYAML. Prints one line for each fault, with the file's path, and exits 1 if there is any.
+Needs PyYAML, numpy and GDAL's Python module. Prints one line for each fault, with the file's path,
+and exits 1 if there is any.
 """
 
 import argparse
@@ -14,9 +16,15 @@ import pathlib
 import struct
 import sys
 
+import numpy as np
 import yaml
+from osgeo import gdal
 
 import build_models
+import build_terrain
+from modelkit import airfield
+
+gdal.UseExceptions()
 
 PROJECT = "data/PELMAR_PROJECT"
 PREFABS = f"{PROJECT}/prefabs"
@@ -25,6 +33,7 @@ HELICOPTER = f"{PREFABS}/KZ_CORAX_CN_NERITH/KZ_CORAX_CN_NERITH.prefab"
 SHIPS = {"SM_055_CN_2023": 6.00, "LNJ_2023": 8.00}  # and their flight decks' heights
 LARGEST_MODELS = 4_000_000  # bytes of all models
 LARGEST_TOTAL = 5_000_000  # bytes of all data
+SHIP_DEPTH, SHIP_ROOM, OPEN_SEA = -12.0, 150.0, 10_000.0  # m below, around and north of a ship
 WHEEL_DEPTH = -1.22
 
 COMMON_KEYS = {"name", "type", "enabled", "position", "rotation", "wgs", "hpr", "children", "body"}
@@ -38,6 +47,7 @@ TYPE_KEYS = {
     "light": {"material"},
     "field": {"parameters"},
     "ocean": set(),
+    "terrain": {"raster", "material"},
 }
 
 EMITTERS = ["out_blade", "out_snow", "h_blade", "leaf_1", "leaf_2", "water"]
@@ -76,8 +86,9 @@ EFFECTS = ["data/art/prefab/vfx/explosion/explosion.prefab",
            "data/art/prefab/vfx/explosion_1/explosion_1.prefab",
            f"{PREFABS}/vfx/water_explosion/water_explosion.prefab",
            f"{PREFABS}/vfx/water_drop/water_drop.prefab"]
-WORLD_NODES = {"start_heli": "node", "ocean": "ocean", "rain": "particles", "hail": "particles",
-               "snow": "particles", "cmder": "prefab", "airfield": "prefab",
+WORLD_NODES = {"start_heli": "node", "ocean": "ocean", "terrain": "terrain",
+               "rain": "particles", "hail": "particles", "snow": "particles",
+               "cmder": "prefab", "airfield": "prefab",
                "SM_055_CN_2023": "prefab", "LNJ_2023": "prefab"}
 TRACKS = [f"{PROJECT}/ANIM/{name}.anim" for name in ("runway_ssr", "runway_ice", "light")]
 # Everything in these belongs to the helicopter or flies from it; the height ray starts among it.
@@ -408,19 +419,58 @@ class Checker:
                     self.expect(channel.get("node") in world_nodes, path,
                                 f'no node "{channel.get("node")}" in the world')
 
+    def check_terrain(self, world_nodes):
+        """The raster and what stands on it or floats over it."""
+        path = world_nodes.get("terrain", {}).get("raster", "")
+        try:
+            raster = gdal.Open(str(self.root / path))
+            heights = raster.ReadAsArray()
+        except RuntimeError as error:
+            self.fault(path, f"cannot be read: {error}")
+            return
+        self.expect(raster.GetSpatialRef() and raster.GetSpatialRef().IsGeographic(), path,
+                    "is not in longitude and latitude")
+        border = np.concatenate([heights[0], heights[-1], heights[:, 0], heights[:, -1]])
+        self.expect(np.all(border < SHIP_DEPTH), path, "does not end below the sea")
+        corner_x, step_x, _, corner_y, _, step_y = raster.GetGeoTransform()
+        x = corner_x + step_x * (np.arange(heights.shape[1]) + 0.5)
+        y = corner_y + step_y * (np.arange(heights.shape[0]) + 0.5)
+
+        def around(node, west, east, south, north):
+            """Heights of the samples in a rectangle in metres around a node."""
+            longitude, latitude, _ = world_nodes.get(node, {}).get("wgs", (0, 0, 0))
+            east_of = (x - longitude) * build_terrain.DEGREE_EAST
+            north_of = (y - latitude) * build_terrain.DEGREE_NORTH
+            return heights[np.ix_((south <= north_of) & (north_of <= north),
+                                  (west <= east_of) & (east_of <= east))]
+
+        ground = np.float32(world_nodes.get("airfield", {}).get("wgs", (0, 0, 0))[2] +
+                            airfield.GROUND_LEVEL)
+        points = [p for part in airfield.parts() for _, corners in part.triangles for p in corners]
+        west, east, south, north = (f(p[axis] for p in points) for axis in (0, 1)
+                                    for f in (min, max))
+        # A sample more on every side: the triangles reach that far.
+        under = around("airfield", west - 20, east + 20, south - 20, north + 20)
+        self.expect(under.size and np.all(under == ground), path,
+                    f"is not level at {ground:.2f} m under the airfield")
+        for ship in SHIPS:
+            sea = around(ship, -SHIP_ROOM, SHIP_ROOM, -SHIP_ROOM, OPEN_SEA)
+            self.expect(sea.size and np.all(sea < SHIP_DEPTH), path,
+                        f"leaves {ship} too little water")
+
     def check_models(self):
         """Sound triangles, and files that are what the model builder writes."""
         total = 0
-        for path, content in build_models.contents().items():
-            path = f"data/{path}"
-            for what in unsound_parts(self.model(path)):
-                self.fault(path, what)
-            file = self.root / path
-            if file.exists():
-                found = file.read_bytes()
-                total += len(found)
-                self.expect(found == content, path, "differs from what build_models.py writes")
+        for path, content in build_models.model_contents().items():
+            total += len(content)
+            for what in unsound_parts(self.model(f"data/{path}")):
+                self.fault(f"data/{path}", what)
         self.expect(total < LARGEST_MODELS, "data", f"{total} bytes of models")
+        for path, content in build_models.contents().items():
+            file = self.root / "data" / path
+            if file.exists():
+                self.expect(file.read_bytes() == content, f"data/{path}",
+                            "differs from what build_models.py writes")
 
     def check_size(self):
         total = sum(f.stat().st_size for f in (self.root / "data").rglob("*")
@@ -431,7 +481,9 @@ class Checker:
         self.check_prefabs()
         self.check_helicopter()
         self.check_ships()
-        self.check_tracks(self.check_world())
+        world_nodes = self.check_world()
+        self.check_tracks(world_nodes)
+        self.check_terrain(world_nodes)
         self.check_models()
         self.check_size()
         return self.faults

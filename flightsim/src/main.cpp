@@ -4,13 +4,15 @@
 #include <CLI/CLI.hpp>
 
 int main(int argc, char** argv) {
-    CLI::App app("The flight simulation's side of the link to the visual channel: flights are sent "
-                 "to it, recorded and examined.",
-                 "flight_sim");
+    CLI::App app(
+        "The flight simulation's side of the link to the visual channel: missions are flown, "
+        "flights are sent, recorded and examined.",
+        "flight_sim");
     app.footer(
         "'flight_sim COMMAND --help' tells more. Exit status: 0 done, 1 failed, 2 wrong use.");
     app.require_subcommand(1);
     flightsim::Command command;
+    flightsim::addFly(app, command);
     flightsim::addReplay(app, command);
     flightsim::addRecord(app, command);
     flightsim::addInfo(app, command);

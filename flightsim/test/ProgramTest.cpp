@@ -5,6 +5,7 @@
 #include "flightsim/Recording.h"
 #include "flightsim/UdpLink.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
@@ -42,6 +43,18 @@ TEST(Program, AnswersWrongUseAndBadFilesWithOneMessage) {
     expectRun("info CMakeLists.txt", 1, "\"CMakeLists.txt\": byte 0: not a recording");
     expectRun("replay " + recorded_flight + " --to 127.0.0.1", 1, "not an address");
     expectRun("record /nowhere/x.hrec --port 0", 1, "cannot create \"/nowhere/x.hrec\"");
+}
+
+TEST(Program, FliesTheDemoMissionWithoutSending) {
+    std::string output;
+    EXPECT_EQ(Program(PROGRAM_PATH, "fly data/missions/demo.yaml --dry-run").finish(&output), 0);
+    EXPECT_NE(output.find("mission   demo, 15 legs, 180.0 s"), std::string::npos) << output;
+    EXPECT_EQ(std::count(output.begin(), output.end(), '\n'), 183) << "a row per second, two heads";
+    expectRun("fly README.absent", 1, "cannot read \"README.absent\"");
+    expectRun("fly CMakePresets.json", 1, "CMakePresets.json:2:3: a mission has no key");
+    expectRun("fly data/missions/demo.yaml --rate 0", 2, "--rate");
+    expectRun("fly data/missions/demo.yaml --dry-run --duration 20", 0,
+              "warning: the mission takes");
 }
 
 TEST(Program, DescribesTheRecordedFlight) {

@@ -1,24 +1,26 @@
 # SPDX-License-Identifier: MIT
-"""The islet with its apron, runway and helipad.
+"""The airfield: helipad, apron, taxiway, runway, buildings and lamps, to stand on level ground.
 
-The origin is the middle of the pad's top; all levels are tangent planes there. X is east, Y north.
+The origin is the middle of the pad's top. X is east, Y north. Heights are drawn level and then bent
+by the curvature of the earth, so that slabs hold their height above the ellipsoid, as the ground
+around them does: a tangent plane would rise above it by 7 cm at the far end of the runway.
 """
 
 import math
 
 from .mesh import Part
 
+EARTH_RADIUS = 6.361e6       # mean at the airfield's latitude; the direction changes it by 0.3 %
 PAD_HALF = 15.0
 APRON_LEVEL = -0.01          # the apron lies 1 cm below the pad
-SEA_LEVEL = -12.45           # the pad's height above the ellipsoid, with its sign turned
-WEST, EAST, SOUTH, NORTH = -150.0, 250.0, -250.0, 450.0
-RUNWAY = (150.0, 180.0, -240.0, 440.0)
+GROUND_LEVEL = -0.05         # the ground lies 4 cm below the apron
 PAINT = 0.01                 # height of the paint above what it is painted on
+STEP = 50.0                  # longest edge along a slab: its middle errs by 0.05 mm
 
-# Rings of the shore around the apron: distance outwards, height, and by how much the distance
-# varies with the bearing.
-SHORE = [(18, -0.25, 4), (70, -2.6, 22), (115, -7.5, 30), (140, -11.4, 32), (165, -14.0, 34),
-         (230, -30.0, 36)]
+# Slabs: west, east, south, north.
+APRON = (-145.0, 70.0, -90.0, 150.0)
+TAXIWAY = (70.0, 150.0, -11.5, 11.5)
+RUNWAY = (150.0, 180.0, -780.0, 420.0)
 
 
 def grid_lines(low, high, step, extra):
@@ -31,22 +33,22 @@ def grid_lines(low, high, step, extra):
     return lines
 
 
-def apron_grid():
-    x = grid_lines(WEST, EAST, 50, (-PAD_HALF, PAD_HALF, RUNWAY[0], RUNWAY[1]))
-    y = grid_lines(SOUTH, NORTH, 50, (-PAD_HALF, PAD_HALF, RUNWAY[2], RUNWAY[3]))
-    return x, y
+def slab(part, material, bounds, level, x_borders=(), y_borders=(), hole=0.0):
+    """A level rectangle in cells, with a square hole of that half-width around the origin."""
+    xs = grid_lines(bounds[0], bounds[1], STEP, (-hole, hole, *x_borders) if hole else x_borders)
+    ys = grid_lines(bounds[2], bounds[3], STEP, (-hole, hole, *y_borders) if hole else y_borders)
+    for x0, x1 in zip(xs, xs[1:]):
+        for y0, y1 in zip(ys, ys[1:]):
+            if max(abs(x0 + x1), abs(y0 + y1)) / 2 >= hole:
+                part.rectangle(material, x0, x1, y0, y1, level)
 
 
 def apron():
-    """Concrete and runway, in cells small enough for per-vertex haze, with a hole for the pad."""
-    part, (xs, ys) = Part("apron"), apron_grid()
-    for x0, x1 in zip(xs, xs[1:]):
-        for y0, y1 in zip(ys, ys[1:]):
-            x, y = (x0 + x1) / 2, (y0 + y1) / 2
-            if abs(x) < PAD_HALF and abs(y) < PAD_HALF:
-                continue
-            on_runway = RUNWAY[0] < x < RUNWAY[1] and RUNWAY[2] < y < RUNWAY[3]
-            part.rectangle("runway" if on_runway else "apron", x0, x1, y0, y1, APRON_LEVEL)
+    """Concrete and runway. Slabs meet at common corners."""
+    part = Part("apron")
+    slab(part, "apron", APRON, APRON_LEVEL, y_borders=TAXIWAY[2:], hole=PAD_HALF)
+    slab(part, "apron", TAXIWAY, APRON_LEVEL)
+    slab(part, "runway", RUNWAY, APRON_LEVEL, y_borders=TAXIWAY[2:])
     return part
 
 
@@ -63,39 +65,6 @@ def pad():
     for (ax, ay), (bx, by) in zip(ring, ring[1:] + ring[:1]):
         part.polygon("pad", [(ax, ay, APRON_LEVEL), (bx, by, APRON_LEVEL), (bx, by, 0),
                              (ax, ay, 0)])
-    return part
-
-
-def apron_border():
-    """The grid's outer corners, counter-clockwise from the south-west."""
-    xs, ys = apron_grid()
-    return ([(x, SOUTH) for x in xs[:-1]] + [(EAST, y) for y in ys[:-1]] +
-            [(x, NORTH) for x in reversed(xs[1:])] + [(WEST, y) for y in reversed(ys[1:])])
-
-
-def shore_point(x, y, distance, variation):
-    """A point outwards of the apron's border, in a direction that turns smoothly at its corners."""
-    middle_x, middle_y = (WEST + EAST) / 2, (SOUTH + NORTH) / 2
-    u, v = (x - middle_x) / (EAST - WEST) * 2, (y - middle_y) / (NORTH - SOUTH) * 2
-    du, dv = u * abs(u) ** 3, v * abs(v) ** 3
-    size = math.hypot(du, dv)
-    bearing = math.atan2(v, u)
-    reach = distance + variation * (0.6 * math.sin(3 * bearing + 0.8) +
-                                    0.4 * math.sin(7 * bearing + 2.1))
-    return (x + du / size * reach, y + dv / size * reach)
-
-
-def shore():
-    """Grass, sand and rock from the apron's border down below the sea."""
-    part, border = Part("shore"), apron_border()
-    rings = [[(x, y, APRON_LEVEL) for x, y in border]]
-    for distance, height, variation in SHORE:
-        rings.append([(*shore_point(x, y, distance, variation), height) for x, y in border])
-    materials = ("grass", "grass", "grass", "sand", "sand", "rock")
-    for material, inner, outer in zip(materials, rings, rings[1:]):
-        for i in range(len(border)):
-            j = (i + 1) % len(border)
-            part.polygon(material, [inner[i], outer[i], outer[j], inner[j]])
     return part
 
 
@@ -117,18 +86,18 @@ def markings():
     for y in range(int(south) + 60, int(north) - 70, 50):
         part.rectangle("marking_white", middle - 0.45, middle + 0.45, y, y + 30, level)
     for x in (west + 0.6, east - 1.5):
-        part.rectangle("marking_white", x, x + 0.9, south, north, level)
+        slab(part, "marking_white", (x, x + 0.9, south, north), level)
     for i in range(8):
         x = west + 3 + i * 3.25
         for y in (south + 6, north - 36):
             part.rectangle("marking_white", x, x + 1.6, y, y + 30, level)
-    part.rectangle("marking_yellow", PAD_HALF, west, -0.15, 0.15, level)
+    slab(part, "marking_yellow", (PAD_HALF, west, -0.15, 0.15), level)
     return part
 
 
 def building(part, x0, x1, y0, y1, height, roof=0.0):
-    """A house with a flat or a gabled roof, its ridge along Y."""
-    base = APRON_LEVEL
+    """A house with a flat or a gabled roof, its ridge along Y, its foot in the ground."""
+    base = GROUND_LEVEL - 0.3
     walls = [(x0, y0), (x1, y0), (x1, y1), (x0, y1)]
     for (ax, ay), (bx, by) in zip(walls, walls[1:] + walls[:1]):
         part.polygon("building", [(ax, ay, base), (bx, by, base), (bx, by, height),
@@ -167,7 +136,7 @@ def lamp_places():
     pad_lights = [(x, y) for x in (-edge, -edge / 3, edge / 3, edge) for y in (-edge, edge)]
     pad_lights += [(x, y) for x in (-edge, edge) for y in (-edge / 3, edge / 3)]
     west, east, south, north = RUNWAY
-    count = 12
+    count = 21
     runway_lights = [(x, south + (north - south) * i / (count - 1)) for i in range(count)
                      for x in (west - 1.0, east + 1.0)]
     return pad_lights, runway_lights
@@ -178,9 +147,36 @@ def lamps():
     pad_lights, runway_lights = lamp_places()
     for material, places in (("pad_light", pad_lights), ("runway_light", runway_lights)):
         for x, y in places:
-            part.cylinder(material, (x, y, APRON_LEVEL), (x, y, 0.28), 0.12, 6)
+            part.cylinder(material, (x, y, GROUND_LEVEL - 0.1), (x, y, 0.28), 0.12, 6)
     return part
 
 
+def bent(point):
+    """A point of the level drawing at its height above the ellipsoid."""
+    x, y, z = point
+    return (x, y, z - (x * x + y * y) / (2 * EARTH_RADIUS))
+
+
 def parts():
-    return [pad(), apron(), shore(), markings(), buildings(), lamps()]
+    result = []
+    for level in (pad(), apron(), markings(), buildings(), lamps()):
+        part = Part(level.name)
+        part.merge(level, bent)
+        result.append(part)
+    return result
+
+
+def lights_prefab():
+    """The file of the lights that shine over the lamps."""
+    lines = ["# SPDX-License-Identifier: MIT",
+             "# Lights of the pad's and the runway's edges, over the lamps of the airfield model, in",
+             "# its frame. Written by tools/build_models.py.",
+             "node:", "  name: runway_lights_root", "  children:"]
+    materials = "data/PELMAR_PROJECT/materials"
+    for edge, places in zip(("pad", "runway"), lamp_places()):
+        lines += [f"    - name: {edge}_edge", "      children:"]
+        for x, y in places:
+            position = ", ".join(f"{v:.6g}" for v in bent((x, y, 0.3)))
+            lines.append(f"        - {{type: light, position: [{position}], "
+                         f"material: {materials}/{edge}_light.mat}}")
+    return "\n".join([*lines, ""])

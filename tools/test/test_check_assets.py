@@ -10,6 +10,8 @@ import sys
 import tempfile
 import unittest
 
+from osgeo import gdal
+
 TOOLS = pathlib.Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(TOOLS))
 
@@ -18,6 +20,7 @@ from check_assets import (Checker, EFFECTS, HELICOPTER, NODES, PREFABS, PROJECT,
 
 FRIGATE = f"{PREFABS}/SM_055_CN_2023/SM_055_CN_2023.prefab"
 MODEL = FRIGATE.replace(".prefab", ".glb")
+TERRAIN = f"{PROJECT}/terrain/coast.tif"
 
 
 class Damage(unittest.TestCase):
@@ -40,7 +43,7 @@ class Damage(unittest.TestCase):
         self.assertEqual(Checker(self.root).run(), [])
 
     def test_missing_files_are_named(self):
-        for path in (WORLD, HELICOPTER, *EFFECTS, f"{PROJECT}/ANIM/light.anim",
+        for path in (WORLD, HELICOPTER, TERRAIN, *EFFECTS, f"{PROJECT}/ANIM/light.anim",
                      f"{PROJECT}/materials/glass.mat", MODEL):
             file = self.root / path
             text = file.read_bytes()
@@ -107,6 +110,25 @@ class Damage(unittest.TestCase):
             file.write_bytes(content)
             faults = [f for f in Checker(self.root).run() if f.startswith(MODEL)]
             self.assertTrue(any(expected in f for f in faults), (expected, faults))
+
+    def test_ground_in_the_wrong_place_is_reported(self):
+        file = self.root / TERRAIN
+        intact = file.read_bytes()
+        places = [((-155.0608, 19.7056), 12.43, "not level at 12.40 m"),    # the runway's far end
+                  ((-155.0911, 19.7900), 3, "does not end below the sea"),  # the northern border
+                  ((-155.0552, 19.7193), -3, "leaves SM_055_CN_2023"),      # shoals off its bow
+                  ((-155.0603, 19.7440), -3, "leaves LNJ_2023")]            # 2 km ahead
+        for (longitude, latitude), height, expected in places:
+            raster = gdal.Open(str(file), gdal.GA_Update)
+            west, step, _, north, _, _ = raster.GetGeoTransform()
+            row = max(0, int((north - latitude) / step))
+            raster.GetRasterBand(1).WriteRaster(int((longitude - west) / step), row, 1, 1,
+                                                struct.pack("f", height), buf_type=gdal.GDT_Float32)
+            del raster
+            faults = Checker(self.root).run()
+            self.assertEqual(len(faults), 1, faults)
+            self.assertIn(expected, faults[0])
+            file.write_bytes(intact)
 
 
 if __name__ == "__main__":

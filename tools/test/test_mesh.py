@@ -7,6 +7,8 @@ import pathlib
 import sys
 import unittest
 
+import yaml
+
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent))
 
 from check_assets import glb_model, obj_model  # noqa: E402
@@ -125,10 +127,12 @@ class Files(unittest.TestCase):
 
 
 class Airfield(unittest.TestCase):
-    def level_at(self, x, y):
-        """Heights of all surfaces straight above and below a place."""
+    def levels_at(self, x, y):
+        """Heights of all slabs straight above and below a place."""
         found = []
-        for part in (airfield.pad(), airfield.apron(), airfield.shore()):
+        for part in airfield.parts():
+            if part.name not in ("pad", "apron"):
+                continue
             for _, corners in part.triangles:
                 weights = [(b[0] - a[0]) * (y - a[1]) - (b[1] - a[1]) * (x - a[0])
                            for a, b in zip(corners, corners[1:] + corners[:1])]
@@ -138,18 +142,27 @@ class Airfield(unittest.TestCase):
                                      for i, w in enumerate(weights)))
         return found
 
-    def test_one_surface_lies_under_every_place(self):
-        self.assertEqual(self.level_at(0, 0), [0.0])
-        # The departure path: 34 m above the pad, then 140 m east and 260 m north.
-        for i in range(1, 21):
-            level, = self.level_at(140 * i / 20 + 0.01, 260 * i / 20)
-            self.assertAlmostEqual(level, 0.0, delta=0.0101)
+    def test_slabs_lie_once_under_every_place_at_their_height_above_the_ellipsoid(self):
+        places = [(0.3, 0.2, 0.0)]
+        places += [(x + 0.31, y + 0.17, airfield.APRON_LEVEL)
+                   for x in range(-140, 70, 13) for y in range(-85, 145, 11)
+                   if max(abs(x), abs(y)) > 16]
+        places += [(x + 0.31, 7.3, airfield.APRON_LEVEL) for x in range(71, 150, 7)]
+        places += [(165.7, y + 0.19, airfield.APRON_LEVEL) for y in range(-779, 419, 17)]
+        for x, y, height in places:
+            level, = self.levels_at(x, y)
+            self.assertAlmostEqual(level + math.hypot(x, y) ** 2 / (2 * 6.361e6), height,
+                                   delta=2e-4, msg=(x, y))
+        self.assertEqual(self.levels_at(200, 100), [])
 
-    def test_the_shore_reaches_below_the_sea_all_round(self):
-        border = len(airfield.apron_border())
-        points = [p for _, corners in airfield.shore().triangles for p in corners]
-        deep = {p for p in points if p[2] < airfield.SEA_LEVEL - 10}
-        self.assertEqual(len(deep), border)
+    def test_lights_shine_over_the_lamps(self):
+        lamps = next(part for part in airfield.parts() if part.name == "lamps")
+        tops = [p for _, corners in lamps.triangles for p in corners if p[2] > 0]
+        lights = yaml.safe_load(airfield.lights_prefab())["node"]["children"]
+        places = [light["position"] for edge in lights for light in edge["children"]]
+        self.assertEqual(len(places), 12 + 42)
+        for place in places:
+            self.assertLess(min(math.dist(place, top) for top in tops), 0.13)
 
 
 if __name__ == "__main__":

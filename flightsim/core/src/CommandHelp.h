@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "flightsim/HostLink.h"
+
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
+#include <memory>
 #include <string>
 
-/// What the subcommands share: checked numbers and the form of a message.
+/// What the subcommands share: checked numbers, the link's options and the form of a message.
 namespace flightsim {
 
 /// Accepts numbers from `least` to `greatest`; unlike the library's own range it refuses "nan".
@@ -22,6 +25,34 @@ inline CLI::Validator numberBetween(double least, double greatest) {
 }
 
 inline constexpr double max_seconds = 366.0 * 86400; ///< as long as a recording may be
+
+/// The options of a subcommand that sends records. `owner` keeps `link` alive.
+inline void addLinkOptions(CLI::App& sub, std::shared_ptr<void> owner, LinkOptions& link) {
+    sub.add_option("--to", link.to, "Where to send the records")
+        ->type_name("HOST:PORT")
+        ->capture_default_str();
+    auto* listen =
+        sub.add_option("--listen", link.listen, "Port of the channel's feedback; 0: any free one")
+            ->type_name("PORT")
+            ->capture_default_str()
+            ->check(numberBetween(0, 65535));
+    auto* no_feedback = sub.add_flag_callback(
+        "--no-feedback", [owner, &link] { link.feedback = false; }, "Receive no feedback");
+    no_feedback->excludes(listen);
+    sub.add_option("--feedback", link.feedback_csv,
+                   "Write every feedback datagram to this CSV file")
+        ->type_name("FILE")
+        ->excludes(no_feedback);
+    sub.add_flag("--quiet", link.quiet, "No table, only the summary");
+}
+
+/// Tells where records go, before the first one.
+inline void printLink(const HostLink& link) {
+    std::printf("sending to %s", link.destination().c_str());
+    if (link.listenPort() != 0) std::printf(", feedback on port %d", link.listenPort());
+    std::printf("\n");
+    std::fflush(stdout);
+}
 
 inline void printWarning(const char* command, const std::string& warning) {
     if (!warning.empty())

@@ -15,10 +15,7 @@ int runReplay(const ReplayOptions& options) {
     std::string message;
     if (!replay.open(options, message)) return printFailure("replay", message);
     printWarning("replay", replay.warning());
-    std::printf("sending to %s", replay.link().destination().c_str());
-    if (options.link.feedback) std::printf(", feedback on port %d", replay.link().listenPort());
-    std::printf("\n");
-    std::fflush(stdout);
+    printLink(replay.link());
     return replay.run(stop, message) ? 0 : printFailure("replay", message);
 }
 
@@ -38,21 +35,7 @@ void addReplay(CLI::App& app, Command& command) {
         "  flight_sim replay flight.hrec --hold 1500 --seconds 5 --feedback feedback.csv\n"
         "Ctrl-C ends it in order, with the summary.");
     sub->add_option("FILE", options->file, "The recording")->required();
-    sub->add_option("--to", options->link.to, "Where to send the records")
-        ->type_name("HOST:PORT")
-        ->capture_default_str();
-    auto* listen = sub->add_option("--listen", options->link.listen,
-                                   "Port of the channel's feedback; 0: any free one")
-                       ->type_name("PORT")
-                       ->capture_default_str()
-                       ->check(numberBetween(0, 65535));
-    auto* no_feedback = sub->add_flag_callback(
-        "--no-feedback", [options] { options->link.feedback = false; }, "Receive no feedback");
-    no_feedback->excludes(listen);
-    sub->add_option("--feedback", options->link.feedback_csv,
-                    "Write every feedback datagram to this CSV file")
-        ->type_name("FILE")
-        ->excludes(no_feedback);
+    addLinkOptions(*sub, options, options->link);
     sub->add_option("--speed", options->speed, "2: twice as fast, 0.5: at half speed")
         ->type_name("X")
         ->capture_default_str()
@@ -70,7 +53,6 @@ void addReplay(CLI::App& app, Command& command) {
         ->type_name("N")
         ->excludes(loop)
         ->excludes(from);
-    sub->add_flag("--quiet", options->link.quiet, "No table, only the summary");
     sub->callback([options, &command] { command = [options] { return runReplay(*options); }; });
 }
 

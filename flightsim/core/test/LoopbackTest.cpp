@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "TestFiles.h"
+#include "flightsim/Fly.h"
 #include "flightsim/Recorder.h"
 #include "flightsim/Replay.h"
 
 #include <algorithm>
+#include <cstring>
 #include <thread>
 
 namespace flightsim {
@@ -269,6 +271,71 @@ TEST(Recorder, StopsAtItsSizeLimit) {
     thread.join();
     EXPECT_LE(out.read().size(), 1'000'000u);
     EXPECT_GT(out.read().size(), 900'000u);
+}
+
+/// A record among what a receiver took.
+UdpRecvData recordOf(const TimedBytes& received) {
+    UdpRecvData record{};
+    EXPECT_EQ(received.bytes.size(), sizeof record);
+    std::memcpy(&record, received.bytes.data(), std::min(received.bytes.size(), sizeof record));
+    return record;
+}
+
+TEST(Fly, SendsRecordsAtItsRateAndTakesFeedback) {
+    const std::string text = "start: {longitude: -155, latitude: 19.7, surface: 12, rotor: 270}\n"
+                             "set: {after: 0.5, weather_type: 3}\n"
+                             "legs: [take_off: 5, hover: 60]\n";
+    TestFile mission("fly.yaml", Bytes(text.begin(), text.end())), out("flown.hrec");
+    Receiver receiver;
+    Quiet quiet;
+    StopFlag stop = false;
+    FlyOptions options;
+    options.file = mission.path;
+    options.link.to = receiver.address();
+    options.link.listen = 0;
+    options.link.out = quiet.out;
+    options.rate = 50;
+    options.speed = 2;
+    options.seconds = 2;
+    options.record = out.path;
+    Fly fly;
+    std::string message;
+    ASSERT_TRUE(fly.open(options, message)) << message;
+    std::thread thread([&] { EXPECT_TRUE(fly.run(stop, message)) << message; });
+    const auto received = receiver.take(50); // 2 s of flight, twice as fast as life
+    UdpSocket channel;
+    const auto to =
+        UdpAddress::parse("127.0.0.1:" + std::to_string(fly.link().listenPort()), message);
+    ASSERT_TRUE(to && channel.open(message)) << message;
+    EXPECT_TRUE(
+        channel.send(*to, Bytes(sizeof(UdpSendData)))); // within the tenth of a second after
+    thread.join();
+    ASSERT_EQ(received.size(), 50u);
+    EXPECT_EQ(fly.link().sent(), 50);
+    EXPECT_EQ(fly.link().feedback().received, 1);
+    const double span_ms = double(received.back().time_ns - received.front().time_ns) * 1e-6;
+    EXPECT_GT(span_ms, 980 - 50);
+
+    for (std::size_t i = 0; i < received.size(); i++) {
+        const UdpRecvData record = recordOf(received[i]);
+        ASSERT_EQ(+record.command, i == 0 ? 6u : 0u) << i;
+        ASSERT_EQ(+record.weather_type, i < 13 ? 1 : 3) << i; // 0.5 s after 12.5 records
+    }
+    const UdpRecvData first = recordOf(received.front()), last = recordOf(received.back());
+    EXPECT_EQ(+first.longitude, -155);
+    EXPECT_EQ(+first.latitude, 19.7);
+    EXPECT_FLOAT_EQ(+first.altitude, 13.22F);
+    EXPECT_GT(+last.altitude, +first.altitude);
+
+    RecordingReader reader;
+    ASSERT_TRUE(reader.open(out.path)) << reader.message();
+    ReadStatus status;
+    const auto recorded = readAll(reader, status);
+    ASSERT_EQ(recorded.size(), received.size());
+    for (std::size_t i = 0; i < received.size(); i++) {
+        ASSERT_EQ(recorded[i].bytes, received[i].bytes) << i;
+        ASSERT_EQ(recorded[i].time_ns, std::int64_t(i) * 20 * ns_per_ms);
+    }
 }
 
 TEST(UdpAddress, RefusesWhatIsNoAddress) {

@@ -13,7 +13,7 @@ using Mode = Logic_Nerith_Heli_Final;
 
 TEST(GroundReference, HigherOfTerrainAndSeaDecides) {
     LogicScene scene;
-    scene.addToWorld("name: ocean, type: ocean");
+    scene.addToWorld("name: ocean, type: ocean, beaufort: 0"); // still water
     auto* terrain = new FlatTerrain(7);
     terrain->setName("terrain");
     scene.extra_nodes.push_back(terrain);

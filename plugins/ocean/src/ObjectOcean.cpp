@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "plugins/ocean/ObjectOcean.h"
 
-#include "ig/math/EllipsoidModel.h"
+#include "SurfaceRay.h"
+#include "WaveField.h"
+#include "ig/app/Engine.h"
+#include "ig/math/quat.h"
+#include "ig/package/Package.h"
 #include "ig/scene/World.h"
 
-#include <cmath>
+#include <limits>
 
 using namespace ig;
 
@@ -12,40 +16,160 @@ namespace {
 
 const EllipsoidModel EARTH;
 
-Node* create(const Package&) { return new ObjectOcean(); }
+constexpr float MAX_BEAUFORT = 12;
+constexpr float MAX_SPEED = 75; ///< m/s; the strongest winds at sea stay below
+
+/// A number under `key`; false when there is none, with a message when there is something else.
+bool readNumber(const Package& p, const char* key, float& value) {
+    const Item* item = p.getItem(key);
+    if (!item) return false;
+    if (item->getKind() != Item::Kind::value) {
+        jLog::error("ObjectOcean: %s:%d: a number is needed in \"%s\"", p.getPath().c_str(),
+                    item->getLine(), key);
+        return false;
+    }
+    return item->getFloats(&value, 1) == 1; // reports what is not a number itself
+}
+
+Node* create(const Package& p) {
+    auto* sea = new ObjectOcean();
+    float value = 0;
+    if (readNumber(p, "beaufort", value)) sea->setBeaufort(value);
+    if (readNumber(p, "speed", value)) sea->setSpeed(value);
+    if (readNumber(p, "angle", value)) sea->setAngle(value);
+    return sea;
+}
 const bool registered = NodeFactory::add("ocean", create);
 
-/// Scales the earth to a unit sphere.
-dvec3 toUnitSphere(const dvec3& world) {
-    constexpr double A = EllipsoidModel::SEMI_MAJOR_AXIS;
-    constexpr double B = A * (1 - EllipsoidModel::FLATTENING);
-    return {world.x / A, world.y / A, world.z / B};
+/// Metres per degree of longitude and of latitude at a latitude in degrees: the radii of curvature
+/// of the prime vertical, times the latitude's cosine, and of the meridian.
+dvec2 metresPerDegree(double latitude) {
+    constexpr double F = EllipsoidModel::FLATTENING, E2 = F * (2 - F);
+    const double phi = latitude * DEG_TO_RAD<double>, sine = std::sin(phi);
+    const double w = 1 - E2 * sine * sine;
+    const double prime_vertical = EllipsoidModel::SEMI_MAJOR_AXIS / std::sqrt(w);
+    return {prime_vertical * std::cos(phi) * DEG_TO_RAD<double>,
+            prime_vertical * (1 - E2) / w * DEG_TO_RAD<double>};
 }
 
 } // namespace
 
-ObjectOcean::ObjectOcean() : Object(OBJECT_OCEAN) { setNumSurfaces(1); }
+ObjectOcean::ObjectOcean()
+    : Object(OBJECT_OCEAN), m_waves(std::make_unique<ocean::WaveField>()),
+      m_anchored_at(std::numeric_limits<double>::quiet_NaN(), 0, 0) {
+    setNumSurfaces(1);
+}
+
+ObjectOcean::~ObjectOcean() = default;
+
+// ------------------------------------------------------------------ settings
+
+/// Clamps a value to its range. False, with the value to be left alone, when it is not finite.
+bool ObjectOcean::accept(const char* operation, float& value, float low, float high,
+                         LogLimiter& limiter) {
+    if (!std::isfinite(value)) {
+        if (limiter.allow()) jLog::warning("%s: a value that is not finite is refused", operation);
+        return false;
+    }
+    const float clamped = std::clamp(value, low, high);
+    if (clamped != value && limiter.allow())
+        jLog::warning("%s: %g is out of range, %g is used", operation, static_cast<double>(value),
+                      static_cast<double>(clamped));
+    value = clamped;
+    return true;
+}
+
+void ObjectOcean::setBeaufort(float beaufort) {
+    if (!accept("ObjectOcean::setBeaufort", beaufort, 0, MAX_BEAUFORT, m_beaufort_limiter)) return;
+    ocean::SeaSettings settings = m_waves->get();
+    settings.beaufort = static_cast<double>(beaufort);
+    m_waves->set(settings);
+}
+
+void ObjectOcean::setSpeed(float speed) {
+    if (!accept("ObjectOcean::setSpeed", speed, 0, MAX_SPEED, m_speed_limiter)) return;
+    ocean::SeaSettings settings = m_waves->get();
+    settings.wind = static_cast<double>(speed);
+    m_waves->set(settings);
+}
+
+void ObjectOcean::setAngle(float angle) {
+    constexpr float ANY = std::numeric_limits<float>::max();
+    if (!accept("ObjectOcean::setAngle", angle, -ANY, ANY, m_angle_limiter)) return;
+    ocean::SeaSettings settings = m_waves->get();
+    settings.angle = std::fmod(static_cast<double>(angle), 360.0);
+    if (settings.angle < 0) settings.angle += 360;
+    m_waves->set(settings);
+}
+
+float ObjectOcean::getBeaufort() const { return static_cast<float>(m_waves->get().beaufort); }
+
+float ObjectOcean::getSpeed() const { return static_cast<float>(m_waves->get().wind); }
+
+float ObjectOcean::getAngle() const { return static_cast<float>(m_waves->get().angle); }
+
+// ------------------------------------------------------------------ the present sea
+
+void ObjectOcean::evolve(double time) {
+    m_waves->evolve(time);
+    m_evolved = true;
+    m_frame = Engine::get()->getFrame();
+}
+
+/// The sea of this frame.
+const ocean::WaveField& ObjectOcean::present() const {
+    const Engine* engine = Engine::get();
+    if (!m_evolved || m_frame != engine->getFrame()) {
+        m_waves->evolve(engine->getRunningTime());
+        m_evolved = true;
+        m_frame = engine->getFrame();
+    }
+    anchor();
+    return *m_waves;
+}
+
+/// Follows the node's place.
+void ObjectOcean::anchor() const {
+    const dvec3 position = getWorldPosition();
+    if (position == m_anchored_at) return;
+    m_anchored_at = position;
+    const dvec3 geodetic = EARTH.toWGS(position);
+    const dvec2 scale = metresPerDegree(geodetic.y);
+    m_waves->setAnchor(geodetic.x, geodetic.y, scale.x, scale.y);
+}
+
+const OceanFrame& ObjectOcean::getFrame() const { return present().getFrame(); }
+
+// ------------------------------------------------------------------ queries
 
 dvec3 ObjectOcean::getWorldPoint(const dvec3& world) const {
+    const ocean::WaveField& waves = present();
     dvec3 geodetic = EARTH.toWGS(world);
-    geodetic.z = 0;
+    const dvec2 place = waves.getFrame().toPlane(geodetic.x, geodetic.y);
+    geodetic.z = waves.getSurface().find(place.x, place.y).altitude;
     return EARTH.toWorld(geodetic);
 }
 
 bool ObjectOcean::getIntersection(int surface, const dvec3& a, const dvec3& b, dvec3* out) const {
     if (!isIntersection(surface)) return false;
-    // |o + t d|² = 1 on the scaled earth; the first root within the segment.
-    const dvec3 o = toUnitSphere(toWorld(a)), d = toUnitSphere(toWorld(b)) - o;
-    const double dd = length2(d), od = dot(o, d);
-    const double discriminant = od * od - dd * (length2(o) - 1);
-    if (!(dd > 0) || !(discriminant >= 0)) return false;
-    const double root = std::sqrt(discriminant);
-    // Of the two forms of each root the one that doesn't cancel.
-    const double q = od > 0 ? -od - root : -od + root;
-    const double t1 = q / dd, t2 = q != 0 ? (length2(o) - 1) / q : t1;
-    double t = std::min(t1, t2);
-    if (t < 0) t = std::max(t1, t2);
-    if (t < 0 || t > 1) return false;
-    if (out) *out = a + (b - a) * t;
-    return true;
+    const ocean::WaveField& waves = present();
+    const dvec3 from = toWorld(a), way = toWorld(b) - from;
+    const auto clearance = [&](double t) {
+        const dvec3 geodetic = EARTH.toWGS(from + way * t);
+        const dvec2 place = waves.getFrame().toPlane(geodetic.x, geodetic.y);
+        return geodetic.z - waves.getSurface().find(place.x, place.y).altitude;
+    };
+    ocean::Stretch stretches[2];
+    const int count =
+        ocean::stretchesNearSea(from, from + way, waves.getFrame().highest_crest, stretches);
+    for (int i = 0; i < count; i++) {
+        const double middle = (stretches[i].begin + stretches[i].end) / 2;
+        const dvec3 up = EARTH.getUp(from + way * middle);
+        const double t = ocean::findCrossing(clearance, stretches[i],
+                                             {length(way), length(way - up * dot(way, up))});
+        if (t < 0) continue;
+        if (out) *out = a + (b - a) * t;
+        return true;
+    }
+    return false;
 }

@@ -15,6 +15,7 @@ using Command = std::function<int()>;
 
 /// Each adds a subcommand with its options and help to `app`. Parsing that subcommand sets
 /// `command`, which must outlive the parsing.
+void addFly(CLI::App& app, Command& command);
 void addReplay(CLI::App& app, Command& command);
 void addRecord(CLI::App& app, Command& command);
 void addInfo(CLI::App& app, Command& command);

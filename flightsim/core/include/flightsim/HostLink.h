@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -46,6 +47,7 @@ public:
     std::int64_t failed() const { return m_failed; } ///< records that the system refused to send
     const PacingStats& pacing() const { return m_pacer.stats(); }
     const FeedbackStats& feedback() const { return m_monitor.stats(); }
+    const std::optional<UdpSendData>& lastFeedback() const { return m_monitor.last(); }
 
 private:
     bool waitUntil(std::int64_t due_ns, const StopFlag& stop);

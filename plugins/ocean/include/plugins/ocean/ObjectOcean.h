@@ -1,20 +1,60 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ig/base/jLog.h"
 #include "ig/scene/Object.h"
+#include "plugins/ocean/OceanFrame.h"
 
-/// The sea: one surface that drawing, floating and queries agree on. A calm one: the ellipsoid at
-/// altitude 0. Node type "ocean" in world files.
+#include <memory>
+
+namespace ocean {
+class WaveField;
+}
+
+/// The sea: one surface that drawing, floating and queries agree on. Node type "ocean" in world
+/// files, with the optional keys `beaufort`, `speed` and `angle`; see docs/ocean.md.
+///
+/// The waves are a function of the engine's running time and of the history of the settings. The
+/// first query or access to the frame record in a frame evolves them to the present moment; all
+/// others in that frame find the same sea. Everything runs on the main thread.
+///
+/// The mean level is altitude 0 of the ellipsoid, everywhere: the node's place only anchors the
+/// plane in which the waves are laid out, and there their lengths and directions are true. 100 km
+/// further north or south, at middle latitudes, they are stretched by one or two per cent.
 class ObjectOcean : public ig::Object {
 public:
     ObjectOcean();
+    ~ObjectOcean() override;
 
     /// The point of the surface above or below a world position, along the local vertical.
     virtual ig::dvec3 getWorldPoint(const ig::dvec3& world) const;
 
-    /// Whether the scene's wind drives the sea instead of its own speed and angle.
+    // --- Settings. What is not finite is refused, what is out of range clamped, with a warning per
+    // second at most. The waves follow within 10 s; what is set before the first query holds at
+    // once.
+
+    /// Height and length of the waves as a Beaufort number, 0 (still water) to 12, default 3.
+    virtual void setBeaufort(float beaufort);
+    virtual float getBeaufort() const;
+    /// Wind over the sea, 0 to 75 m/s, default 0: ripples, whitecaps and streaks, not the waves
+    /// themselves. Counts as at least 0.6 times the wind of the Beaufort number.
+    virtual void setSpeed(float speed);
+    virtual float getSpeed() const;
+    /// Where the waves come from, degrees clockwise from north, any finite value; told back in
+    /// [0, 360). Default 0.
+    virtual void setAngle(float angle);
+    virtual float getAngle() const;
+    /// Whether a wind of the whole scene takes the place of the sea's own speed and angle. This
+    /// engine has no such wind: the sea's own apply either way.
     virtual void setUseGlobalWind(bool on) { m_use_global_wind = on; }
     virtual bool getUseGlobalWind() const { return m_use_global_wind; }
+
+    /// The sea as it stands in this frame, for drawing.
+    const OceanFrame& getFrame() const;
+
+    /// Brings the sea to a time of the caller's choice (s), for tests and tools; it holds until the
+    /// engine begins another frame.
+    void evolve(double time);
 
     bool getIntersection(int surface, const ig::dvec3& a, const ig::dvec3& b,
                          ig::dvec3* out) const override;
@@ -23,5 +63,15 @@ protected:
     ig::BoundSphere getOwnBounds() const override { return ig::BoundSphere::unbounded(); }
 
 private:
+    const ocean::WaveField& present() const;
+    void anchor() const;
+    bool accept(const char* operation, float& value, float low, float high,
+                ig::LogLimiter& limiter);
+
     bool m_use_global_wind = true;
+    std::unique_ptr<ocean::WaveField> m_waves; ///< evolved by const queries: a cache of the moment
+    mutable bool m_evolved = false;
+    mutable int m_frame = 0;         ///< engine frame of the last evolution
+    mutable ig::dvec3 m_anchored_at; ///< the node's position that the plane is anchored at
+    ig::LogLimiter m_beaufort_limiter, m_speed_limiter, m_angle_limiter;
 };

@@ -1,0 +1,345 @@
+// SPDX-License-Identifier: MIT
+#include "flightsim/MissionFlight.h"
+#include "flightsim/MissionFile.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <memory>
+
+/// Missions are flown without a channel and judged by the records alone, as the channel sees them:
+/// velocity and acceleration come from differences of the positions.
+namespace flightsim {
+namespace {
+
+constexpr double step = 0.02;
+
+struct Flown {
+    double time;
+    std::string leg;
+    UdpRecvData record;
+    Enu wind;
+
+    Geodetic place() const { return {record.longitude, record.latitude, record.altitude}; }
+};
+
+std::vector<Flown> flyToEnd(const Mission& mission, std::optional<double> duration) {
+    std::string message;
+    const auto plan = planFlight(mission, duration, message);
+    EXPECT_TRUE(plan) << message;
+    std::vector<Flown> flown;
+    if (!plan) return flown;
+    MissionFlight flight(mission, plan->legs);
+    for (;;) {
+        flown.push_back(
+            {flight.time(), flight.guidance().leg().name, flight.record(), flight.wind()});
+        if (flight.finished() || !flight.fault().empty()) break;
+        flight.advance(step);
+    }
+    EXPECT_EQ(flight.fault(), "");
+    return flown;
+}
+
+Mission missionOf(const std::string& legs) {
+    std::string message;
+    const auto mission = parseMission(
+        "start: {longitude: -155, latitude: 19.7, surface: 12, rotor: 270, heading: 40}\n" + legs,
+        "m.yaml", message);
+    EXPECT_TRUE(mission) << message;
+    return mission.value_or(Mission{});
+}
+
+Mission demo() {
+    std::string message;
+    const auto mission = readMission("data/missions/demo.yaml", message);
+    EXPECT_TRUE(mission) << message;
+    return mission.value_or(Mission{});
+}
+
+/// Over a tenth of a second to both sides: altitudes are single precision.
+constexpr int reach = 5;
+
+Enu velocityAt(const std::vector<Flown>& f, std::size_t i) {
+    return offset(f[i - reach].place(), f[i + reach].place()) * (1 / (2 * reach * step));
+}
+
+Enu accelerationAt(const std::vector<Flown>& f, std::size_t i) {
+    const Enu sum =
+        offset(f[i].place(), f[i + reach].place()) + offset(f[i].place(), f[i - reach].place());
+    return sum * (1 / (reach * step * reach * step));
+}
+
+/// The fuselage's vertical axis: headed clockwise from north, nose up, right side down, in this
+/// order, each a turn of the one before.
+Enu rotorAxis(const UdpRecvData& r) {
+    const double h = r.heading * radians, p = r.pitch * radians, b = r.roll * radians;
+    const Enu forward_of_up{-std::sin(h) * std::sin(p), -std::cos(h) * std::sin(p), std::cos(p)};
+    const Enu right{std::cos(h), -std::sin(h), 0};
+    return forward_of_up * std::cos(b) + right * std::sin(b);
+}
+
+double angleBetween(const Enu& a, const Enu& b) {
+    const double dot = a.east * b.east + a.north * b.north + a.up * b.up;
+    return std::acos(std::clamp(dot / a.length() / b.length(), -1.0, 1.0)) / radians;
+}
+
+/// Seconds in steady turns, and the worst errors of bank and nose there. Steady: more than 10
+/// degrees of bank, level, fast, and nothing of that changes within a second and a half.
+struct Turns {
+    double seconds = 0;
+    double worst = 0;    ///< degrees from the bank of a coordinated turn
+    double sideslip = 0; ///< degrees from the airstream
+};
+
+bool steadyTurn(const std::vector<Flown>& f, std::size_t i) {
+    constexpr std::size_t window = 75;
+    const double bank = f[i].record.roll, speed = velocityAt(f, i).horizontal();
+    if (std::abs(bank) < 10 || speed < 15) return false;
+    for (std::size_t j = i - window; j <= i + window; j++)
+        if (std::abs(f[j].record.roll - bank) > 0.75 || std::abs(accelerationAt(f, j).up) > 0.3 ||
+            std::abs(velocityAt(f, j).horizontal() - speed) > 1)
+            return false;
+    return true;
+}
+
+Turns steadyTurns(const std::vector<Flown>& f) {
+    Turns turns;
+    for (std::size_t i = 80; i + 80 < f.size(); i++) {
+        if (!steadyTurn(f, i)) continue;
+        const double rate =
+            wrap180(f[i + reach].record.heading - f[i - reach].record.heading) / (2 * reach * step);
+        const Enu air = velocityAt(f, i) - f[i].wind;
+        const double air_speed = air.horizontal();
+        const double coordinated = std::atan(air_speed * rate * radians / 9.80665) / radians;
+        turns.seconds += step;
+        turns.worst = std::max(turns.worst, std::abs(f[i].record.roll - coordinated));
+        turns.sideslip =
+            std::max(turns.sideslip, std::abs(wrap180(f[i].record.heading - air.course())));
+    }
+    return turns;
+}
+
+void expectSmoothAndConsistent(const std::vector<Flown>& f) {
+    double worst_step = 0, worst_lean = 0;
+    for (std::size_t i = reach; i + reach + 1 < f.size(); i++) {
+        const Enu a = accelerationAt(f, i);
+        worst_step = std::max(worst_step, (accelerationAt(f, i + 1) - a).length());
+        const bool on_wheels = f[i].record.altitude < 14.2 || a.length() > 8;
+        if (on_wheels) continue;
+        // What the rotor must give: the acceleration, the weight and what the air takes away.
+        const Enu thrust = a + Enu{0, 0, 9.80665} - dragAcceleration(velocityAt(f, i) - f[i].wind);
+        worst_lean = std::max(worst_lean, angleBetween(thrust, rotorAxis(f[i].record)));
+    }
+    EXPECT_LT(worst_step, 1.5) << "m/s² in 20 ms; 5 would be felt as a jerk";
+    EXPECT_LT(worst_lean, 0.5) << "degrees between attitude and acceleration";
+}
+
+/// Height of what lies below in the demo world: the apron, the frigate, or else the sea.
+double demoSurface(const Geodetic& place) {
+    const Enu pad = offset({-155.0625125, 19.7124631, 0}, place);
+    if (std::abs(pad.east) < 200 && std::abs(pad.north) < 350) return 12.45;
+    const Enu ship = offset({-155.0563123, 19.7196898, 0}, place);
+    if (std::abs(ship.east) > 18 || std::abs(ship.north) > 93) return 0; // and a rotor's radius
+    return ship.north < -58 ? 6 : 40;
+}
+
+TEST(DemoMission, IsFlyable) {
+    const Mission mission = demo();
+    for (const double duration : {41.0, 123.0, 180.0}) {
+        SCOPED_TRACE(duration);
+        const auto f = flyToEnd(mission, duration);
+        ASSERT_GT(f.size(), 100u);
+        EXPECT_NEAR(f.back().time, duration, 1);
+        expectSmoothAndConsistent(f);
+        double lowest = 1000;
+        for (const Flown& now : f)
+            lowest = std::min(lowest, now.place().altitude - demoSurface(now.place()));
+        EXPECT_GT(lowest, 1.1) << "the wheels reach down 1.22 m and give a little";
+    }
+}
+
+TEST(DemoMission, TurnsInCoordinationReachesItsPointsAndComesHome) {
+    const auto f = flyToEnd(demo(), std::nullopt);
+    ASSERT_GT(f.size(), 1000u);
+    EXPECT_LT(steadyTurns(f).worst, 1);
+
+    const auto nearest = [&](const Geodetic& to, double altitude) {
+        double best = 1e9;
+        for (const Flown& now : f)
+            best = std::min(best, std::hypot(offset(now.place(), to).horizontal(),
+                                             now.place().altitude - altitude));
+        return best;
+    };
+    const Geodetic pad{-155.0625125, 19.7124631, 13.67};
+    const Geodetic frigate{-155.0563123, 19.7196898, 0};
+    EXPECT_LT(nearest(moved(pad, {330, 260, 0}), 60), 31) << "coast";
+    EXPECT_LT(nearest(moved(pad, {930, 300, 0}), 80), 31) << "open sea";
+    EXPECT_LT(nearest(moved(frigate, {0, -66, 0}), 26), 1) << "20 m over the flight deck";
+    EXPECT_LT(nearest(moved(frigate, {60, -75, 0}), 15), 1) << "the dip";
+
+    const auto last_in_air = std::find_if(
+        f.rbegin(), f.rend(), [](const Flown& now) { return now.record.altitude > 13.67F + 0.1F; });
+    const auto touchdown = static_cast<std::size_t>(f.rend() - last_in_air) - 1;
+    EXPECT_LT(velocityAt(f, touchdown).length(), 0.5);
+    const Enu miss = offset(pad, f.back().place());
+    EXPECT_LT(miss.horizontal(), 0.5);
+    EXPECT_NEAR(miss.up, 0, 0.01);
+    EXPECT_LT(+f.back().record.rotor_speed, 15);
+}
+
+TEST(DemoMission, SetsTheSceneAsItGoes) {
+    const auto f = flyToEnd(demo(), std::nullopt);
+    int resets = 0;
+    float longest = 0, left = 0, right = 0, strongest_sea = 0;
+    for (const Flown& now : f) {
+        resets += now.record.command == 6;
+        longest = std::max(longest, +now.record.hang_length);
+        left = std::min(left, +now.record.radar_sector_offset);
+        right = std::max(right, +now.record.radar_sector_offset);
+        strongest_sea = std::max(strongest_sea, +now.record.sea_speed);
+        EXPECT_TRUE(now.record.hang_enable == 0 || now.leg != "dip");
+    }
+    const auto at_sea = std::ranges::find(f, "out to sea", &Flown::leg);
+    const auto rain =
+        std::ranges::find_if(f, [](const Flown& now) { return now.record.weather_type == 2; });
+    EXPECT_NEAR(rain->time - at_sea->time, 5, 0.03)
+        << "as long after the leg's beginning as it says";
+    EXPECT_EQ(+f.front().record.command, 6u);
+    EXPECT_EQ(resets, 1);
+    EXPECT_EQ(longest, 10);
+    EXPECT_EQ(left, -50);
+    EXPECT_EQ(right, 50);
+    EXPECT_EQ(strongest_sea, 800);
+    EXPECT_EQ(+f.back().record.hang_enable, 0);
+}
+
+TEST(MissionFlight, HoldsItsPlaceAndHeadingInWindAndLeansIntoIt) {
+    const auto f = flyToEnd(missionOf(R"(
+set: {weather_angle: 90, weather_value_a: 15}
+legs:
+  - take_off: 20
+  - turn_to: 0
+  - hover: 10
+)"),
+                            std::nullopt);
+    const Flown& end = f.back();
+    const Enu miss = offset({-155, 19.7, 32}, end.place());
+    EXPECT_LT(miss.length(), 0.3);
+    EXPECT_NEAR(wrap180(end.record.heading), 0, 1);
+    // The wind comes from the right: the thrust must lean that way, tan = drag / g.
+    const double lean = std::atan(dragAcceleration({-15, 0, 0}).length() / 9.80665) / radians;
+    EXPECT_NEAR(end.record.roll, lean, 0.1);
+    EXPECT_NEAR(end.record.pitch, 0, 0.1);
+}
+
+TEST(MissionFlight, StaysWithAMovingShipAndLandsOnIt) {
+    const auto f = flyToEnd(missionOf(R"(
+points:
+  deck: {east: 300, north: 100, surface: 6, velocity: [2, 6]}
+legs:
+  - take_off:
+  - approach: {to: deck, height: 15}
+  - hover: 10
+  - land:
+  - wait: 5
+)"),
+                            std::nullopt);
+    const auto miss = [&](const Flown& now) {
+        const Geodetic deck = moved({-155, 19.7, 6}, Enu{300, 100, 0} + Enu{2, 6, 0} * now.time);
+        return offset(deck, now.place());
+    };
+    const auto landing =
+        std::ranges::find_if(f, [](const Flown& now) { return now.leg == "land"; });
+    ASSERT_NE(landing, f.end());
+    EXPECT_LT(miss(*landing).horizontal(), 0.5);
+    EXPECT_NEAR(miss(*landing).up, 15, 0.3);
+    EXPECT_LT(miss(f.back()).horizontal(), 0.6);
+    EXPECT_NEAR(miss(f.back()).up, 1.22, 0.02);
+}
+
+TEST(MissionFlight, StopsFromFastFlightAndPassesPointsBehind) {
+    const auto f = flyToEnd(missionOf(R"(
+legs:
+  - take_off: 30
+  - fly_to: {to: {east: 0, north: 800}, altitude: 60, speed: 60, acceleration: 4, bank: 30}
+  - fly_to: {to: {east: 30, north: 500}, altitude: 5, speed: 60, bank: 15}
+  - hover: 60
+)"),
+                            std::nullopt);
+    expectSmoothAndConsistent(f);
+    EXPECT_LT(velocityAt(f, f.size() - 10).length(), 0.3);
+    EXPECT_NEAR(f.back().place().altitude, 5, 0.5);
+}
+
+TEST(MissionFlight, BanksAsSpeedAndTurnRateDemand) {
+    for (const char* bank : {"15", "25"}) {
+        const auto f = flyToEnd(missionOf(std::string(R"(
+set: {weather_angle: 200, weather_value_a: 8}
+legs:
+  - take_off: 10
+  - fly_to: {to: {east: 0, north: 1500}, altitude: 100, speed: 40}
+  - fly_to: {to: {east: 400, north: -2000}, speed: 40, bank: )") +
+                                          bank + "}"),
+                                std::nullopt);
+        const Turns turns = steadyTurns(f);
+        EXPECT_GT(turns.seconds, 10) << "of half a circle";
+        EXPECT_LT(turns.worst, 1) << bank;
+        EXPECT_LT(turns.sideslip, 1) << bank;
+    }
+}
+
+UdpSendData feedbackOf(double height) {
+    UdpSendData feedback{};
+    feedback.ground_latitude = 19.7;
+    feedback.height_above_ground = static_cast<float>(height);
+    return feedback;
+}
+
+TEST(MissionFlight, BelievesTheChannelsGroundUnlessItIsFarFromTheMissions) {
+    const Mission mission = missionOf(R"(
+legs:
+  - take_off: 10
+  - hover: {seconds: 40, height: 10}
+  - land:
+)");
+    const auto landedAltitude = [&](auto feedback) {
+        MissionFlight flight(mission, mission.legs);
+        while (!flight.finished() && flight.time() < 200) {
+            flight.takeFeedback(feedback(flight.record().altitude));
+            flight.advance(step);
+        }
+        EXPECT_TRUE(flight.finished());
+        return flight.state().position.altitude;
+    };
+    EXPECT_NEAR(landedAltitude([](double z) { return feedbackOf(z - 14.5); }), 15.72, 0.1);
+    EXPECT_NEAR(landedAltitude([](double z) { return feedbackOf(z - 9); }), 10.22, 0.1);
+    EXPECT_NEAR(landedAltitude([](double z) { return feedbackOf(z - 20); }), 13.22, 0.05);
+    EXPECT_NEAR(landedAltitude([](double) { return feedbackOf(NAN); }), 13.22, 0.05);
+    EXPECT_NEAR(landedAltitude([](double) { return UdpSendData{}; }), 13.22, 0.05);
+    EXPECT_NEAR(landedAltitude([](double) { return feedbackOf(0.5); }), 13.22, 5)
+        << "a ray that hits the helicopter itself must not make it climb for ever";
+}
+
+TEST(MissionFlight, StretchesWhatMayBeStretched) {
+    const Mission mission = missionOf(R"(
+legs:
+  - take_off: 10
+  - hover: 1
+    stretch: 1
+    name: first
+  - {hover: 1, stretch: 3, optional_from: 20}
+  - {land: , optional_below: 100}
+)");
+    std::string message;
+    const auto plan = planFlight(mission, 60, message);
+    ASSERT_TRUE(plan) << message;
+    EXPECT_EQ(plan->warning, "");
+    EXPECT_NEAR(plan->seconds, 60, 0.1);
+    EXPECT_NEAR((plan->legs[2].seconds - 1) / (plan->legs[1].seconds - 1), 3, 1e-6);
+    const auto brief = planFlight(mission, 10, message);
+    ASSERT_TRUE(brief);
+    EXPECT_EQ(brief->legs.size(), 3u);
+    EXPECT_NE(brief->warning, "");
+}
+
+} // namespace
+} // namespace flightsim

@@ -1,0 +1,214 @@
+// SPDX-License-Identifier: MIT
+#include "plugins/ocean/ObjectOcean.h"
+
+#include "ig/app/Engine.h"
+#include "ig/math/EllipsoidModel.h"
+#include "ig/package/Package.h"
+#include "ig/scene/World.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+#include <random>
+#include <string>
+
+namespace {
+
+using namespace ig;
+const EllipsoidModel EARTH;
+constexpr dvec3 PLACE{-155, 19, 0};
+
+class Ocean : public testing::Test {
+protected:
+    Ocean() {
+        Engine::get()->reset();
+        m_ocean.setWgsPosition(PLACE);
+        m_ocean.setWgsHPR({30, 0, 0}); // its own frame must not matter
+        jLog::setSink([this](LogLevel, std::string_view) { m_lines++; });
+    }
+    ~Ocean() override {
+        jLog::setSink({});
+        Engine::get()->reset();
+    }
+    double altitudeAt(double longitude, double latitude, double altitude = 0) const {
+        return EARTH.toWGS(m_ocean.getWorldPoint(EARTH.toWorld({longitude, latitude, altitude}))).z;
+    }
+    /// First crossing between two geodetic places, as a geodetic place.
+    bool query(dvec3 from, dvec3 to, dvec3* hit) const {
+        const dvec3 a = m_ocean.toLocal(EARTH.toWorld(from));
+        const dvec3 b = m_ocean.toLocal(EARTH.toWorld(to));
+        if (!m_ocean.getIntersection(0, a, b, hit)) return false;
+        *hit = EARTH.toWGS(m_ocean.toWorld(*hit));
+        return true;
+    }
+
+    ObjectOcean m_ocean;
+    int m_lines = 0;
+};
+
+TEST_F(Ocean, StillWaterLiesAtAltitudeZero) {
+    m_ocean.setBeaufort(0);
+    dvec3 hit;
+    ASSERT_TRUE(query({-155.2, 19.3, 250}, {-155.2, 19.3, -100000}, &hit));
+    EXPECT_NEAR(hit.z, 0, 1e-8);
+    EXPECT_NEAR(hit.x, -155.2, 1e-12);
+    EXPECT_NEAR(hit.y, 19.3, 1e-9);
+    ASSERT_TRUE(query({-155.2, 19.3, -50}, {-155.2, 19.3, 50}, &hit)); // from below
+    EXPECT_NEAR(hit.z, 0, 1e-8);
+    ASSERT_TRUE(query({-155.2, 19.3, 30}, {-154.2, 19.3, -30}, &hit)); // the first of two crossings
+    EXPECT_LT(hit.x, -154.7);
+    EXPECT_NEAR(hit.z, 0, 1e-6);
+    EXPECT_FALSE(query({-155.2, 19.3, 250}, {-155.2, 19.3, 1}, &hit));
+    EXPECT_FALSE(query({-155.2, 19.3, -3047}, {-155.2, 19.3, -100000}, &hit));
+    m_ocean.setIntersection(0, false);
+    EXPECT_FALSE(query({-155.2, 19.3, 250}, {-155.2, 19.3, -100000}, &hit));
+    for (double latitude : {-90.0, -45.0, 0.0, 90.0})
+        EXPECT_NEAR(altitudeAt(12, latitude, 800), 0, 1e-8);
+}
+
+TEST_F(Ocean, WorldPointIsStraightAboveOrBelowAndTheSameFromAnyAltitude) {
+    m_ocean.setBeaufort(8);
+    m_ocean.evolve(100);
+    for (double altitude : {-3000.0, 0.0, 12000.0}) {
+        const dvec3 g =
+            EARTH.toWGS(m_ocean.getWorldPoint(EARTH.toWorld({-155.01, 19.02, altitude})));
+        EXPECT_NEAR(g.x, -155.01, 1e-12);
+        EXPECT_NEAR(g.y, 19.02, 1e-12);
+        EXPECT_NEAR(g.z, altitudeAt(-155.01, 19.02), 1e-6);
+        EXPECT_GT(std::abs(g.z), 1e-3);
+    }
+}
+
+TEST_F(Ocean, RayStraightDownMeetsTheWorldPoint) {
+    m_ocean.setBeaufort(8);
+    m_ocean.evolve(100);
+    std::mt19937 random(5);
+    for (int i = 0; i < 500; i++) {
+        const double longitude = -155 + random() * 1e-11, latitude = 19 - random() * 1e-11;
+        const dvec3 top = EARTH.toWorld({longitude, latitude, 300});
+        const dvec3 down = EARTH.getUp(top) * -100000.0;
+        dvec3 hit;
+        ASSERT_TRUE(
+            m_ocean.getIntersection(0, m_ocean.toLocal(top), m_ocean.toLocal(top + down), &hit));
+        ASSERT_LT(length(m_ocean.toWorld(hit) - m_ocean.getWorldPoint(top)), 1e-3);
+    }
+}
+
+TEST_F(Ocean, SlantedRayStopsAtTheFirstCrestInItsWay) {
+    m_ocean.setBeaufort(7);
+    m_ocean.evolve(100);
+    std::mt19937 random(6);
+    for (int i = 0; i < 60; i++) {
+        // 2° to 50° down over up to 400 m, from 12 m.
+        const double reach = 0.0001 + random() * 1e-12;
+        const dvec3 from = EARTH.toWorld({-155 + i * 0.001, 19, 12});
+        const dvec3 to = EARTH.toWorld({-155 + i * 0.001 + reach, 19 + reach, -12});
+        const auto clearance = [&](double t) {
+            const dvec3 p = from + (to - from) * t;
+            return EARTH.getAltitude(p) - EARTH.getAltitude(m_ocean.getWorldPoint(p));
+        };
+        double first = 0; // by walking in steps of centimetres
+        const double step = 0.02 / length(to - from);
+        while (clearance(first) > 0)
+            first += step;
+        dvec3 hit;
+        ASSERT_TRUE(m_ocean.getIntersection(0, m_ocean.toLocal(from), m_ocean.toLocal(to), &hit));
+        EXPECT_NEAR(length(m_ocean.toWorld(hit) - from), first * length(to - from), 0.03) << i;
+    }
+}
+
+TEST_F(Ocean, EvolvesOnceAFrameToTheRunningTime) {
+    const double at_start = altitudeAt(-155, 19);
+    const unsigned version = m_ocean.getFrame().version;
+    EXPECT_EQ(altitudeAt(-155, 19), at_start);
+    EXPECT_EQ(m_ocean.getFrame().version, version);
+    Engine::get()->beginFrame(0.5f);
+    EXPECT_NE(altitudeAt(-155, 19), at_start);
+    EXPECT_EQ(m_ocean.getFrame().version, version + 1);
+    EXPECT_EQ(m_ocean.getFrame().time, 0.5);
+
+    ObjectOcean late; // the time counts, not how it passed
+    late.setWgsPosition(PLACE);
+    const dvec3 below = EARTH.toWorld(PLACE);
+    EXPECT_EQ(late.getWorldPoint(below), m_ocean.getWorldPoint(below));
+}
+
+TEST_F(Ocean, WavesAreLaidOutAroundTheNode) {
+    m_ocean.evolve(10);
+    const OceanFrame& frame = m_ocean.getFrame();
+    // A place 3 km away along each axis, against distances over the earth.
+    for (const dvec3& g : {dvec3(-155.03, 19, 0), dvec3(-155, 19.03, 0)}) {
+        const dvec2 place = frame.toPlane(g.x, g.y);
+        EXPECT_NEAR(std::hypot(place.x, place.y), length(EARTH.toWorld(g) - EARTH.toWorld(PLACE)),
+                    0.01);
+    }
+    EXPECT_LT(frame.toPlane(-155.03, 19).x, 0);
+    EXPECT_GT(frame.toPlane(-155, 19.03).y, 0);
+    // Across the date line the way round is the short one.
+    m_ocean.setWgsPosition({179.99, 0, 0});
+    EXPECT_NEAR(m_ocean.getFrame().toPlane(-179.99, 0).x, 0.02 * 111319.49, 0.1);
+}
+
+TEST_F(Ocean, AbsurdSettingsAreRefusedOrClampedWithOneWarningEach) {
+    constexpr float INF = std::numeric_limits<float>::infinity();
+    constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
+    m_ocean.setSpeed(9);
+    m_ocean.setAngle(400);
+    m_ocean.setBeaufort(4);
+    EXPECT_EQ(m_ocean.getAngle(), 40);
+    EXPECT_EQ(m_lines, 0);
+    for (float absurd : {INF, -INF, NOT_A_NUMBER}) {
+        m_ocean.setSpeed(absurd);
+        m_ocean.setAngle(absurd);
+        m_ocean.setBeaufort(absurd);
+    }
+    EXPECT_EQ(m_ocean.getSpeed(), 9);
+    EXPECT_EQ(m_ocean.getAngle(), 40);
+    EXPECT_EQ(m_ocean.getBeaufort(), 4);
+    EXPECT_EQ(m_lines, 3);
+    m_ocean.setSpeed(1e30f);
+    m_ocean.setAngle(-1e30f);
+    m_ocean.setBeaufort(99);
+    EXPECT_EQ(m_ocean.getSpeed(), 75);
+    EXPECT_GE(m_ocean.getAngle(), 0);
+    EXPECT_LT(m_ocean.getAngle(), 360);
+    EXPECT_EQ(m_ocean.getBeaufort(), 12);
+    for (double time : {0.0, 30.0, 60.0}) {
+        m_ocean.evolve(time);
+        EXPECT_LT(std::abs(altitudeAt(-155, 19)), 20);
+        EXPECT_LE(m_ocean.getFrame().whitecap_cover, 0.6);
+    }
+    const double before = altitudeAt(-155, 19);
+    m_ocean.evolve(61);
+    EXPECT_NE(altitudeAt(-155, 19), before); // not frozen
+    m_ocean.setBeaufort(-3);
+    m_ocean.setSpeed(-20);
+    EXPECT_EQ(m_ocean.getBeaufort(), 0);
+    EXPECT_EQ(m_ocean.getSpeed(), 0);
+}
+
+TEST_F(Ocean, PlacesThatAreNoneAnswerWithoutHarm) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    dvec3 hit;
+    EXPECT_FALSE(isFinite(m_ocean.getWorldPoint({nan, 0, 0})));
+    EXPECT_TRUE(isFinite(m_ocean.getWorldPoint({0, 0, 0})));
+    EXPECT_FALSE(m_ocean.getIntersection(0, {nan, 0, 0}, {0, 0, nan}, &hit));
+    EXPECT_FALSE(m_ocean.getIntersection(0, {1, 2, 3}, {1, 2, 3}, &hit));
+}
+
+TEST_F(Ocean, TakesItsSettingsFromTheWorldFile) {
+    Package p;
+    p.setString("type", "ocean");
+    p.setDouble("beaufort", 6);
+    p.setDouble("angle", -90);
+    p.setString("speed", "brisk");
+    const std::unique_ptr<Node> node(World::LoadNode(&p));
+    const auto* sea = dynamic_cast<ObjectOcean*>(node.get());
+    ASSERT_TRUE(sea);
+    EXPECT_EQ(sea->getBeaufort(), 6);
+    EXPECT_EQ(sea->getAngle(), 270);
+    EXPECT_EQ(sea->getSpeed(), 0);
+    EXPECT_EQ(m_lines, 1);
+}
+
+} // namespace

@@ -1,0 +1,329 @@
+// SPDX-License-Identifier: MIT
+#include "WaveField.h"
+
+#include <algorithm>
+#include <cmath>
+#include <complex>
+#include <cstdint>
+#include <gtest/gtest.h>
+#include <numbers>
+#include <random>
+#include <vector>
+
+namespace ocean {
+namespace {
+
+constexpr double TURN = 2 * std::numbers::pi;
+
+/// Places up to 400 km from the anchor, the same in every run and under every library.
+class Places {
+public:
+    double next() { return (m_random() * 0x1p-32 - 0.5) * 8e5; }
+
+private:
+    std::mt19937 m_random{42};
+};
+
+double altitude(const WaveField& sea, double x, double y) {
+    return sea.getSurface().find(x, y).altitude;
+}
+
+TEST(WaveField, HasTheSignificantHeightOfItsBeaufortNumberAroundALevelMean) {
+    for (const auto& [beaufort, height] : {std::pair{3.0, 0.6}, {5, 2.0}, {8, 5.5}, {12, 14.0}}) {
+        WaveField sea({beaufort, 0, 230});
+        Places places;
+        double sum = 0, squares = 0;
+        constexpr int TIMES = 4, COUNT = 20000;
+        for (int t = 0; t < TIMES; t++) {
+            sea.evolve(1000.0 * t);
+            for (int i = 0; i < COUNT; i++) {
+                const double x = places.next(), h = altitude(sea, x, places.next());
+                sum += h;
+                squares += h * h;
+                ASSERT_LE(std::abs(h), sea.getFrame().highest_crest);
+            }
+        }
+        const double mean = sum / (TIMES * COUNT);
+        const double deviation = std::sqrt(squares / (TIMES * COUNT) - mean * mean);
+        EXPECT_NEAR(4 * deviation / height, 1, 0.05) << "Beaufort " << beaufort;
+        EXPECT_NEAR(sea.getFrame().significant_height, height, 1e-3 * height);
+        // The average's own error is the deviation over the root of the number of waves seen.
+        EXPECT_NEAR(mean, 0, std::max(0.02, 4 * deviation / std::sqrt(TIMES * COUNT)))
+            << "Beaufort " << beaufort;
+    }
+}
+
+/// Period at which the spectrum of the altitude over time, averaged over places far apart, peaks.
+double measurePeakPeriod(WaveField& sea) {
+    constexpr int SAMPLES = 256, BUOYS = 24; // one a second
+    std::vector<std::vector<double>> records(BUOYS);
+    for (int t = 0; t < SAMPLES; t++) {
+        sea.evolve(t);
+        Places places;
+        for (auto& record : records) {
+            const double x = places.next();
+            record.push_back(altitude(sea, x, places.next()));
+        }
+    }
+    std::vector<double> power(SAMPLES / 2, 0);
+    for (int f = 2; f < SAMPLES / 2; f++)
+        for (const auto& record : records) {
+            std::complex<double> sum = 0;
+            for (int t = 0; t < SAMPLES; t++) {
+                const double window = 1 - std::cos(TURN * t / SAMPLES);
+                sum += record[static_cast<std::size_t>(t)] * window *
+                       std::polar(1.0, -TURN * f * t / SAMPLES);
+            }
+            power[static_cast<std::size_t>(f)] += std::norm(sum);
+        }
+    std::size_t best = 3;
+    const auto smooth = [&](std::size_t f) { return power[f - 1] + power[f] + power[f + 1]; };
+    for (std::size_t f = 3; f + 1 < power.size(); f++)
+        if (smooth(f) > smooth(best)) best = f;
+    return SAMPLES / static_cast<double>(best);
+}
+
+TEST(WaveField, HasThePeakPeriodOfItsBeaufortNumber) {
+    for (const auto& [beaufort, period] : {std::pair{5.0, 7.1}, {8, 11.1}}) {
+        WaveField sea({beaufort, 0, 230});
+        EXPECT_NEAR(measurePeakPeriod(sea) / period, 1, 0.15) << "Beaufort " << beaufort;
+    }
+}
+
+/// The texel values that the waves of a tile add up to, one by one, in double precision.
+struct Texel {
+    double displacement_x = 0, displacement_y = 0, height = 0, divergence = 0;
+    double slope_x = 0, slope_y = 0;
+};
+
+/// `compensated`: with the waves raised by what bilinear interpolation takes away, as in the
+/// arrays.
+Texel addUp(const Cascade& cascade, double time, double x, double y, bool compensated) {
+    Texel sum;
+    for (const Wave& w : cascade.listWaves()) {
+        const double k = std::hypot(w.kx, w.ky);
+        const double spacing = cascade.getTile() / OceanFrame::RESOLUTION;
+        const double kept =
+            std::sqrt((2 + std::cos(w.kx * spacing)) / 3 * (2 + std::cos(w.ky * spacing)) / 3);
+        const double amplitude = std::sqrt(2 * w.energy) / (compensated ? kept : 1);
+        const double turns = static_cast<double>(
+            std::fmod(std::sqrt(static_cast<long double>(GRAVITY * k)) * time, 2 * M_PIl));
+        const double angle = TURN * w.phase - turns + w.kx * x + w.ky * y;
+        const double c = amplitude * std::cos(angle), s = amplitude * std::sin(angle);
+        sum.height += c;
+        sum.divergence -= k * c;
+        sum.displacement_x -= w.kx / k * s;
+        sum.displacement_y -= w.ky / k * s;
+        sum.slope_x -= w.kx * s;
+        sum.slope_y -= w.ky * s;
+    }
+    return sum;
+}
+
+TEST(WaveField, TexelsAreTheDirectSumOfTheWavesEvenAfterDays) {
+    WaveField sea({8, 0, 230});
+    std::mt19937 random(3);
+    for (double time : {0.0, 90000.25, 30 * 86400.0}) {
+        sea.evolve(time);
+        for (int i = 0; i < OceanFrame::TILES; i++)
+            for (int sample = 0; sample < 5; sample++) {
+                const OceanTile& tile = sea.getFrame().tiles[i];
+                constexpr unsigned N = OceanFrame::RESOLUTION;
+                const unsigned u = random() % N, v = random() % N;
+                const Texel sum = addUp(sea.getCascades()[static_cast<std::size_t>(i)], time,
+                                        u * tile.tile / N, v * tile.tile / N, true);
+                const float* slope = tile.slope + 2 * (v * N + u);
+                EXPECT_NEAR(static_cast<double>(slope[0]), sum.slope_x, 2e-5);
+                EXPECT_NEAR(static_cast<double>(slope[1]), sum.slope_y, 2e-5);
+                if (!tile.displacement) continue;
+                const float* texel = tile.displacement + 4 * (v * N + u);
+                EXPECT_NEAR(static_cast<double>(texel[0]), sum.displacement_x, 1e-4);
+                EXPECT_NEAR(static_cast<double>(texel[1]), sum.displacement_y, 1e-4);
+                EXPECT_NEAR(static_cast<double>(texel[2]), sum.height, 1e-4);
+                EXPECT_NEAR(static_cast<double>(texel[3]), sum.divergence, 2e-5);
+            }
+    }
+}
+
+TEST(WaveField, InterpolatedSurfaceIsWithinTwoCentimetresOfTheDirectSum) {
+    WaveField sea({5, 0, 230});
+    constexpr double TIME = 500;
+    sea.evolve(TIME);
+    const double c = OceanFrame::SECOND_COSINE, s = OceanFrame::SECOND_SINE;
+    const auto& tiles = sea.getCascades();
+    Places places;
+    double squares = 0;
+    constexpr int COUNT = 100;
+    for (int i = 0; i < COUNT; i++) {
+        const double x = places.next(), y = places.next();
+        const double x2 = c * x - s * y + OceanFrame::SECOND_OFFSET_X;
+        const double y2 = s * x + c * y + OceanFrame::SECOND_OFFSET_Y;
+        const double height = sea.getFrame().mean_level +
+                              addUp(tiles[1], TIME, x, y, false).height +
+                              addUp(tiles[2], TIME, x, y, false).height +
+                              std::sqrt(0.5) * (addUp(tiles[0], TIME, x, y, false).height +
+                                                addUp(tiles[0], TIME, x2, y2, false).height);
+        double found[3];
+        sea.getSurface().displace(x, y, found);
+        squares += (found[2] - height) * (found[2] - height);
+    }
+    EXPECT_LT(std::sqrt(squares / COUNT), 0.02); // root mean square, at 2 m significant height
+}
+
+TEST(WaveField, WaterFoundAtAPlaceIsThere) {
+    for (double beaufort : {5.0, 8.0, 12.0}) {
+        WaveField sea({beaufort, 0, 230});
+        Places places;
+        for (double time : {10.0, 777.0, 5000.0}) {
+            sea.evolve(time);
+            for (int i = 0; i < 20000; i++) {
+                const double x = places.next(), y = places.next();
+                const SurfaceSampler::Point water = sea.getSurface().find(x, y);
+                double now[3];
+                sea.getSurface().displace(water.x, water.y, now);
+                ASSERT_LT(std::hypot(water.x + now[0] - x, water.y + now[1] - y), 0.002);
+                ASSERT_NEAR(water.altitude, now[2], 1e-3); // other roundings of the same place
+                ASSERT_LT(water.residual, 0.002);
+            }
+        }
+    }
+}
+
+TEST(WaveField, WavesComeFromTheAngle) {
+    for (double angle : {0.0, 75.0, 230.0}) {
+        WaveField sea({5, 0, angle});
+        constexpr int COUNT = 3000;
+        constexpr double STEP = 2, DT = 0.2; // m, s
+        // For waves h(d·x − c t): the mean of ∂h/∂t ∇h points against d.
+        std::vector<double> before(COUNT), slope_x(COUNT), slope_y(COUNT);
+        double east = 0, north = 0;
+        for (int pass = 0; pass < 2; pass++) {
+            sea.evolve(100 + pass * DT);
+            Places places;
+            for (std::size_t i = 0; i < COUNT; i++) {
+                const double x = places.next(), y = places.next(), h = altitude(sea, x, y);
+                const double sx = altitude(sea, x + STEP, y) - altitude(sea, x - STEP, y);
+                const double sy = altitude(sea, x, y + STEP) - altitude(sea, x, y - STEP);
+                if (pass == 1) {
+                    east -= (h - before[i]) * (slope_x[i] + sx);
+                    north -= (h - before[i]) * (slope_y[i] + sy);
+                }
+                before[i] = h;
+                slope_x[i] = sx;
+                slope_y[i] = sy;
+            }
+        }
+        const double from = std::atan2(-east, -north) * 360 / TURN;
+        EXPECT_NEAR(std::remainder(from - angle, 360), 0, 5) << angle;
+    }
+}
+
+TEST(WaveField, StaysContinuousAndArrivesWhenEverythingChangesEveryFrame) {
+    WaveField sea({6, 0, 230});
+    constexpr double DT = 1.0 / 60;
+    constexpr int PLACES = 60;
+    std::mt19937 random(1);
+    std::vector<double> before;
+    double worst = 0;
+    for (int frame = 0; frame < 1200; frame++) {
+        sea.set({random() % 13 * 1.0, random() % 76 * 1.0, random() % 360 * 1.0});
+        sea.evolve(frame * DT);
+        Places places;
+        std::vector<double> now;
+        for (int i = 0; i < PLACES; i++) {
+            const double x = places.next();
+            double water[3]; // at rest places: crests that pass by don't count as jumps
+            sea.getSurface().displace(x, places.next(), water);
+            now.insert(now.end(), water, water + 3);
+        }
+        for (std::size_t i = 0; i < before.size(); i++)
+            worst = std::max(worst, std::abs(now[i] - before[i]));
+        before = now;
+    }
+    // The highest wave of a hurricane sea, 25 m in 14 s, moves water at π · 25 / 14 = 5.6 m/s, the
+    // short waves on it at some more.
+    EXPECT_LT(worst, 8 * DT);
+    EXPECT_GT(worst, 0.5 * DT);
+
+    sea.set({4, 8, 10});
+    sea.evolve(1200 * DT + 0.1);
+    sea.evolve(1200 * DT + 5.1);
+    EXPECT_GT(sea.getFrame().significant_height, 1.1); // still on its way
+    sea.evolve(1200 * DT + 10.1);
+    EXPECT_NEAR(sea.getFrame().significant_height, 1, 0.02);
+    sea.evolve(1200 * DT + 20.2);
+    EXPECT_NEAR(sea.getFrame().significant_height, 1, 1e-6);
+    EXPECT_EQ(sea.getFrame().wind, 8);
+}
+
+TEST(WaveField, MovesTowardsSettingsThatNeverRest) {
+    WaveField sea({0, 0, 230});
+    for (int frame = 0; frame < 900; frame++) {
+        sea.set({5, 0, 100.0 + frame % 2}); // a host that dithers
+        sea.evolve(frame / 30.0);
+    }
+    EXPECT_NEAR(sea.getFrame().significant_height, 2, 0.1); // 30 s: three time constants
+}
+
+TEST(WaveField, IsTheSameSeaForTheSameHistory) {
+    // FNV-1a over altitudes in tenths of a millimetre. The value belongs to the spectrum, the tiles
+    // and the phases: it changes when these are changed on purpose, and never between compilers,
+    // optimisation levels or libraries.
+    WaveField sea({5, 0, 230}), other({5, 0, 230});
+    std::uint64_t hash = 0xcbf29ce484222325;
+    for (int step = 0; step < 8; step++) {
+        if (step == 3) sea.set({7, 12, 300}), other.set({7, 12, 300});
+        const double time = 60 + 1.75 * step;
+        sea.evolve(time);
+        other.evolve(time);
+        Places places;
+        for (int i = 0; i < 250; i++) {
+            const double x = places.next(), y = places.next(), h = altitude(sea, x, y);
+            ASSERT_EQ(h, altitude(other, x, y));
+            hash = (hash ^ static_cast<std::uint64_t>(std::llround(h * 1e4))) * 0x100000001b3;
+        }
+    }
+    EXPECT_EQ(hash, 9183725954567108387u);
+}
+
+TEST(WaveField, IgnoresTimesThatAreNoneAndGoesBack) {
+    WaveField sea({5, 0, 230});
+    sea.evolve(50);
+    const double h = altitude(sea, 100, 200);
+    sea.evolve(std::numeric_limits<double>::quiet_NaN());
+    sea.evolve(std::numeric_limits<double>::infinity());
+    EXPECT_EQ(altitude(sea, 100, 200), h);
+    sea.set({0, 0, 0});
+    sea.evolve(60);
+    sea.evolve(0); // a restarted clock: the change goes on from here
+    sea.evolve(20);
+    EXPECT_EQ(altitude(sea, 100, 200), 0);
+}
+
+TEST(WaveField, FoamStaysBehindTheCrestsAndFades) {
+    WaveField sea({6, 0, 230});
+    sea.evolve(0);
+    double most = 0;
+    for (int step = 1; step <= 40; step++) {
+        sea.evolve(step * 0.1);
+        for (const OceanTile& tile : sea.getFrame().tiles) {
+            if (!tile.foam) continue;
+            for (int i = 0; i < OceanFrame::RESOLUTION * OceanFrame::RESOLUTION; i++) {
+                ASSERT_GE(tile.foam[i], -tile.displacement[4 * i + 3]);
+                ASSERT_GE(tile.foam[i], 0);
+                most = std::max(most, static_cast<double>(tile.foam[i]));
+            }
+        }
+    }
+    EXPECT_GT(most, 0.2);
+    sea.set({0, 0, 0});
+    sea.evolve(5);
+    sea.evolve(60);
+    for (const OceanTile& tile : sea.getFrame().tiles)
+        if (tile.foam) {
+            EXPECT_LT(*std::max_element(tile.foam, tile.foam + 128 * 128), 1e-3);
+        }
+}
+
+} // namespace
+} // namespace ocean

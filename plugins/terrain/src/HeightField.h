@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "plugins/terrain/ObjectTerrain.h"
+
+#include <limits>
+#include <vector>
+
+/// The triangles of a terrain's grid, in grid coordinates: u counts columns from the west, v rows
+/// from the north, both with a fraction. Immutable.
+class HeightField {
+public:
+    /// `shape` describes `heights` (its pointer and its range are filled in here); at least 2 × 2
+    /// samples.
+    HeightField(const TerrainGrid& shape, std::vector<float> heights);
+
+    const TerrainGrid& getGrid() const { return m_grid; }
+
+    /// Grid coordinates of a geodetic place. The longitude is taken modulo 360, nearest to the
+    /// grid's middle.
+    double getColumn(double longitude) const;
+    double getRow(double latitude) const;
+
+    /// The plane of one triangle: its altitude at a place and its slopes in metres per sample.
+    struct Facet {
+        double altitude = std::numeric_limits<double>::quiet_NaN();
+        double slope_u = 0, slope_v = 0;
+
+        explicit operator bool() const { return !std::isnan(altitude); }
+    };
+    /// The triangle at a place; none beyond the grid and in holes. Edges belong to both sides, with
+    /// a tolerance of a micrometre that takes up the rounding of a conversion to the world and
+    /// back.
+    Facet getFacet(double u, double v) const;
+
+    struct Range {
+        float lowest = std::numeric_limits<float>::infinity();
+        float highest = -std::numeric_limits<float>::infinity(); ///< empty: below `lowest`
+
+        bool isEmpty() const { return highest < lowest; }
+        void expand(float low, float high) {
+            lowest = std::min(lowest, low);
+            highest = std::max(highest, high);
+        }
+    };
+    /// Bounds of all heights over the rectangle [u0, u1] × [v0, v1]; empty where no data is.
+    Range getRange(double u0, double u1, double v0, double v1) const;
+
+    /// Sphere around the surface, in the world.
+    ig::BoundSphere getBounds() const;
+
+    /// Tangent of the latitude in the grid that is farthest from the equator, with half a degree of
+    /// margin.
+    double getSteepestTangent() const { return m_steepest_tangent; }
+    double getToleranceU() const { return m_tolerance_u; } ///< samples in a micrometre
+    double getToleranceV() const { return m_tolerance_v; }
+
+private:
+    /// Heights' bounds of square blocks of cells; each level has blocks twice as wide as the last.
+    struct Level {
+        int columns, rows;
+        std::vector<Range> blocks;
+        Range& at(int i, int j) { return blocks[index(i, j)]; }
+        const Range& at(int i, int j) const { return blocks[index(i, j)]; }
+        std::size_t index(int i, int j) const {
+            return static_cast<std::size_t>(j) * static_cast<std::size_t>(columns) +
+                   static_cast<std::size_t>(i);
+        }
+    };
+    void buildLevels();
+    Range getBlockRange(int block_column, int block_row) const;
+    Facet getFacetOfCell(int column, int row, double u, double v) const;
+
+    TerrainGrid m_grid;
+    std::vector<float> m_heights;
+    std::vector<Level> m_levels;
+    double m_middle_longitude = 0;
+    double m_steepest_tangent = 0;
+    double m_tolerance_u = 0, m_tolerance_v = 0;
+};

@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: MIT
+#include "plugins/terrain/ObjectTerrain.h"
+
+#include "HeightField.h"
+#include "HeightRaster.h"
+#include "SegmentQuery.h"
+
+#include "ig/base/jLog.h"
+#include "ig/math/EllipsoidModel.h"
+#include "ig/math/quat.h"
+#include "ig/package/Package.h"
+#include "ig/scene/World.h"
+
+using namespace ig;
+
+namespace {
+
+const EllipsoidModel EARTH;
+
+Node* create(const Package& p) {
+    auto* terrain = new ObjectTerrain();
+    const jString& raster = p.getString("raster");
+    if (raster.empty())
+        jLog::error("ObjectTerrain: %s:%d: a terrain needs a \"raster\"", p.getPath().c_str(),
+                    p.getLine());
+    else
+        terrain->load(raster); // a terrain without ground stands in for a missing one
+    const jString& material = p.getString("material");
+    if (!material.empty()) terrain->setSurfaceMaterial(0, MaterialManager::get(material));
+    return terrain;
+}
+const bool registered = NodeFactory::add("terrain", create);
+
+/// Length of a degree of longitude and of latitude at a place, m.
+dvec2 getDegreeLengths(double latitude, double altitude) {
+    constexpr double A = EllipsoidModel::SEMI_MAJOR_AXIS, F = EllipsoidModel::FLATTENING;
+    constexpr double E2 = F * (2 - F);
+    const double sine = std::sin(latitude * DEG_TO_RAD<double>);
+    const double w2 = 1 - E2 * sine * sine;
+    const double prime_vertical = A / std::sqrt(w2), meridional = prime_vertical * (1 - E2) / w2;
+    return {(prime_vertical + altitude) * std::cos(latitude * DEG_TO_RAD<double>) *
+                DEG_TO_RAD<double>,
+            (meridional + altitude) * DEG_TO_RAD<double>};
+}
+
+} // namespace
+
+ObjectTerrain::ObjectTerrain() : Object(OBJECT_TERRAIN) { setNumSurfaces(1); }
+
+ObjectTerrain::~ObjectTerrain() = default;
+
+bool ObjectTerrain::load(const jString& path) {
+    m_field.reset();
+    invalidateBounds();
+    HeightRaster raster;
+    std::string failure;
+    if (!raster.read(path, failure)) {
+        jLog::error("ObjectTerrain::load: \"%s\": %s", path.c_str(), failure.c_str());
+        return false;
+    }
+    if (!raster.resampled_from.empty())
+        jLog::message("ObjectTerrain::load: \"%s\" is resampled to longitude and latitude from %s",
+                      path.c_str(), raster.resampled_from.c_str());
+    m_field = std::make_unique<HeightField>(raster.shape, std::move(raster.heights));
+    return true;
+}
+
+bool ObjectTerrain::getAltitudeByLonLat(double longitude, double latitude, double* altitude,
+                                        dvec3* normal) const {
+    if (!m_field) return false;
+    const HeightField::Facet facet =
+        m_field->getFacet(m_field->getColumn(longitude), m_field->getRow(latitude));
+    if (!facet) return false;
+    if (altitude) *altitude = facet.altitude;
+    if (normal) {
+        const TerrainGrid& grid = m_field->getGrid();
+        const dvec2 degree = getDegreeLengths(latitude, facet.altitude);
+        const double east = facet.slope_u / (grid.spacing_longitude * degree.x);
+        const double north = -facet.slope_v / (grid.spacing_latitude * degree.y);
+        const dmat4 frame =
+            EARTH.getWGSTransform(EARTH.toWorld({longitude, latitude, facet.altitude}));
+        *normal = normalize(frame.getZ() - frame.getX() * east - frame.getY() * north);
+    }
+    return true;
+}
+
+bool ObjectTerrain::getIntersection(int surface, const dvec3& a, const dvec3& b, dvec3* out) const {
+    if (!m_field || !isIntersection(surface)) return false;
+    const double t = SegmentQuery(*m_field, toWorld(a), toWorld(b)).solve();
+    if (t < 0) return false;
+    if (out) *out = a + (b - a) * t;
+    return true;
+}
+
+const TerrainGrid& ObjectTerrain::getGrid() const {
+    static const TerrainGrid none;
+    return m_field ? m_field->getGrid() : none;
+}
+
+BoundSphere ObjectTerrain::getOwnBounds() const {
+    if (!m_field) return {};
+    const BoundSphere world = m_field->getBounds();
+    return {toLocal(world.center), world.radius};
+}
+
+void ObjectTerrain::onMoved() {
+    Object::onMoved();
+    invalidateBounds(); // the ground stays where it is, so it moves in the node's frame
+}

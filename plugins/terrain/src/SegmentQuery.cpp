@@ -1,0 +1,208 @@
+// SPDX-License-Identifier: MIT
+#include "SegmentQuery.h"
+
+#include "ig/math/EllipsoidModel.h"
+#include "ig/math/quat.h"
+
+#include <algorithm>
+#include <optional>
+
+using namespace ig;
+
+namespace {
+
+const EllipsoidModel EARTH;
+constexpr double NONE = -1;
+constexpr double NO_DATA = std::numeric_limits<double>::quiet_NaN();
+
+/// By how much a segment may lean sideways in all and still count as vertical, m. The ground rises
+/// by no more than that on a slope of 45°.
+constexpr double VERTICAL_LEAN = 1e-5;
+/// Rounding of earth-centred positions, m: what a segment may fall short of the ground.
+constexpr double ROUNDING = 1e-8;
+/// Pieces up to this length count as straight in (u, v, altitude), m.
+constexpr double STRAIGHT = 32;
+/// Above this length a piece is halved unseen, m: how far it strays is known only for short ones.
+constexpr double LONGEST_PIECE = 20000;
+/// Below the smallest radius of curvature of the ellipsoid and of all land below it, m.
+constexpr double SMALLEST_RADIUS = 6.3e6;
+
+struct Interval {
+    double begin, end;
+};
+
+/// Where the line o + t·d is inside the ellipsoid whose half-axes are the earth's, longer by
+/// `altitude`.
+std::optional<Interval> crossShell(const dvec3& o, const dvec3& d, double altitude) {
+    const double a = EllipsoidModel::SEMI_MAJOR_AXIS + altitude;
+    const double b = EllipsoidModel::SEMI_MAJOR_AXIS * (1 - EllipsoidModel::FLATTENING) + altitude;
+    const dvec3 so(o.x / a, o.y / a, o.z / b), sd(d.x / a, d.y / a, d.z / b);
+    const double dd = length2(sd), od = dot(so, sd);
+    const double discriminant = od * od - dd * (length2(so) - 1);
+    if (!(dd > 0) || !(discriminant > 0)) return {};
+    const double root = std::sqrt(discriminant);
+    return Interval{(-od - root) / dd, (-od + root) / dd};
+}
+
+/// The places where a coordinate that runs linearly from c0 to c1 takes whole values, in order.
+class WholeValues {
+public:
+    WholeValues(double c0, double c1, double begin) : m_c0(c0), m_slope(c1 - c0) {
+        if (std::abs(m_slope) < 1e-12) return; // nowhere, or all along
+        const double c = c0 + m_slope * begin;
+        m_value = m_slope > 0 ? std::floor(c) : std::ceil(c);
+        m_next = begin;
+        pass(begin);
+    }
+    /// Parameter of the next one.
+    double next() const { return m_next; }
+    /// Leaves those up to `s` behind.
+    void pass(double s) {
+        while (m_next <= s) {
+            m_value += m_slope > 0 ? 1 : -1;
+            m_next = (m_value - m_c0) / m_slope;
+        }
+    }
+
+private:
+    double m_c0, m_slope;
+    double m_value = 0;
+    double m_next = std::numeric_limits<double>::infinity();
+};
+
+/// Cuts [s0, s1] to where a coordinate that runs from c0 to c1 lies in [low, high]; false when that
+/// is nowhere.
+bool clip(double c0, double c1, double low, double high, double& s0, double& s1) {
+    const double slope = c1 - c0;
+    if (slope == 0) return c0 >= low && c0 <= high;
+    const double at_low = (low - c0) / slope, at_high = (high - c0) / slope;
+    s0 = std::max(s0, std::min(at_low, at_high));
+    s1 = std::min(s1, std::max(at_low, at_high));
+    return s0 <= s1;
+}
+
+double between(double a, double b, double s) { return a + (b - a) * s; }
+
+} // namespace
+
+SegmentQuery::SegmentQuery(const HeightField& field, const dvec3& a, const dvec3& b)
+    : m_field(field), m_a(a), m_direction(b - a), m_length(length(m_direction)) {}
+
+double SegmentQuery::solve() {
+    if (!isFinite(m_a) || !std::isfinite(m_length) || m_length == 0) return NONE;
+    const Place start = getPlace(0);
+    const double direction = getVerticalDirection(start.altitude);
+    if (direction != 0) return solveVertical(start, direction);
+    const TerrainGrid& grid = m_field.getGrid();
+    // The surface at constant altitude is not quite the ellipsoid with longer axes.
+    const auto margin = [](double altitude) { return 1 + 1e-4 * std::abs(altitude); };
+    const auto outer = crossShell(m_a, m_direction, grid.highest + margin(grid.highest));
+    if (!outer) return NONE;
+    const double begin = std::max(outer->begin, 0.0), end = std::min(outer->end, 1.0);
+    const auto inner = crossShell(m_a, m_direction, grid.lowest - margin(grid.lowest));
+    if (!inner) return solveBetween(begin, end);
+    const double t = solveBetween(begin, std::min(end, inner->begin));
+    return t >= 0 ? t : solveBetween(std::max(begin, inner->end), end);
+}
+
+/// 1 for straight up, −1 for straight down, 0 for any other direction, by the altitude of the
+/// segment's start.
+double SegmentQuery::getVerticalDirection(double altitude) const {
+    if (m_length > SMALLEST_RADIUS / 2) return 0; // beyond the earth's middle lies another place
+    // Where a vertical line meets the ellipsoid, the normal there is its direction. This is cheaper
+    // than the normal below the start and as exact.
+    const dvec3 along = m_direction / m_length;
+    const double direction = dot(along, m_a) > 0 ? 1 : -1;
+    const dvec3 foot = m_a - along * (direction * altitude);
+    constexpr double FLATNESS = 1 - EllipsoidModel::FLATTENING;
+    const dvec3 normal(foot.x, foot.y, foot.z / (FLATNESS * FLATNESS));
+    const double lean2 = length2(cross(m_direction, normal));
+    return lean2 <= VERTICAL_LEAN * VERTICAL_LEAN * length2(normal) ? direction : 0;
+}
+
+double SegmentQuery::solveVertical(const Place& start, double direction) const {
+    const HeightField::Facet facet = m_field.getFacet(start.u, start.v);
+    if (!facet) return NONE;
+    const double t = (facet.altitude - start.altitude) * direction / m_length;
+    const double slack = ROUNDING / m_length;
+    return t >= -slack && t <= 1 + slack ? std::clamp(t, 0.0, 1.0) : NONE;
+}
+
+SegmentQuery::Place SegmentQuery::getPlace(double t) const {
+    const dvec3 g = EARTH.toWGS(m_a + m_direction * t);
+    return {t, m_field.getColumn(g.x), m_field.getRow(g.y), g.z};
+}
+
+double SegmentQuery::solveBetween(double t0, double t1) {
+    return t0 <= t1 ? solvePiece(getPlace(t0), getPlace(t1)) : NONE;
+}
+
+double SegmentQuery::solvePiece(const Place& from, const Place& to) {
+    const double piece_length = (to.t - from.t) * m_length;
+    const double half_earth = 180 / m_field.getGrid().spacing_longitude;
+    const bool wraps = std::abs(to.u - from.u) > half_earth; // passes behind the earth
+    if (piece_length <= STRAIGHT) return wraps ? NONE : walk(from, to);
+    if (piece_length <= LONGEST_PIECE && !wraps && passesClear(from, to, piece_length)) return NONE;
+    const Place middle = getPlace((from.t + to.t) / 2);
+    if (!(middle.t > from.t && middle.t < to.t)) return NONE; // a segment beyond all measure
+    const double t = solvePiece(from, middle);
+    return t >= 0 ? t : solvePiece(middle, to);
+}
+
+bool SegmentQuery::passesClear(const Place& from, const Place& to, double piece_length) const {
+    // The altitude along a straight line sags below its chord by at most L²/8R and never rises
+    // above it; sideways it strays by that times the tangent of the latitude (the bend of parallels
+    // and the convergence of meridians) and by as much again through the change of altitude.
+    const double sag = piece_length * piece_length / (8 * SMALLEST_RADIUS);
+    const double tangent = m_field.getSteepestTangent();
+    const double stray = 2 * sag * (1 + tangent);
+    const TerrainGrid& grid = m_field.getGrid();
+    const double stray_v = stray / (SMALLEST_RADIUS * grid.spacing_latitude * DEG_TO_RAD<double>);
+    const double stray_u = stray * std::sqrt(1 + tangent * tangent) /
+                           (SMALLEST_RADIUS * grid.spacing_longitude * DEG_TO_RAD<double>);
+    const HeightField::Range ground =
+        m_field.getRange(std::min(from.u, to.u) - stray_u, std::max(from.u, to.u) + stray_u,
+                         std::min(from.v, to.v) - stray_v, std::max(from.v, to.v) + stray_v);
+    return std::min(from.altitude, to.altitude) - sag > ground.highest ||
+           std::max(from.altitude, to.altitude) + sag < ground.lowest;
+}
+
+double SegmentQuery::walk(const Place& from, const Place& to) {
+    const TerrainGrid& grid = m_field.getGrid();
+    const double tolerance_u = m_field.getToleranceU(), tolerance_v = m_field.getToleranceV();
+    double s = 0, end = 1;
+    if (!clip(from.u, to.u, -tolerance_u, grid.columns - 1 + tolerance_u, s, end) ||
+        !clip(from.v, to.v, -tolerance_v, grid.rows - 1 + tolerance_v, s, end))
+        return NONE;
+    double height = s == 0 && from.t == m_end ? m_end_height : NO_DATA;
+    // The edges of the triangles are the lines of whole u, whole v and whole u + v.
+    WholeValues columns(from.u, to.u, s), rows(from.v, to.v, s);
+    WholeValues diagonals(from.u + from.v, to.u + to.v, s);
+    while (true) {
+        const double next = std::min({end, columns.next(), rows.next(), diagonals.next()});
+        const double middle = (s + next) / 2;
+        const double u = between(from.u, to.u, middle), v = between(from.v, to.v, middle);
+        const HeightField::Facet facet = m_field.getFacet(u, v);
+        const auto heightAt = [&](double at) {
+            return between(from.altitude, to.altitude, at) - facet.altitude -
+                   facet.slope_u * (between(from.u, to.u, at) - u) -
+                   facet.slope_v * (between(from.v, to.v, at) - v);
+        };
+        if (std::isnan(height)) height = heightAt(s);
+        const double next_height = heightAt(next);
+        if (height * next_height <= 0) { // false where there is no data
+            const double fall = height - next_height;
+            const double crossing = fall != 0 ? s + (next - s) * height / fall : s;
+            return between(from.t, to.t, crossing);
+        }
+        height = next_height;
+        s = next;
+        if (s >= end) break;
+        columns.pass(s);
+        rows.pass(s);
+        diagonals.pass(s);
+    }
+    m_end = end == 1 ? to.t : NONE;
+    m_end_height = height;
+    return NONE;
+}
