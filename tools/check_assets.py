@@ -9,8 +9,11 @@ and exits 1 if there is any.
 """
 
 import argparse
+import functools
+import json
 import math
 import pathlib
+import struct
 import sys
 
 import numpy as np
@@ -28,7 +31,8 @@ PREFABS = f"{PROJECT}/prefabs"
 WORLD = f"{PROJECT}/PELMAR_PROJECT.world"
 HELICOPTER = f"{PREFABS}/KZ_CORAX_CN_NERITH/KZ_CORAX_CN_NERITH.prefab"
 SHIPS = {"SM_055_CN_2023": 6.00, "LNJ_2023": 8.00}  # and their flight decks' heights
-LARGEST_TOTAL = 2_000_000  # bytes of all data
+LARGEST_MODELS = 4_000_000  # bytes of all models
+LARGEST_TOTAL = 5_000_000  # bytes of all data
 SHIP_DEPTH, SHIP_ROOM, OPEN_SEA = -12.0, 150.0, 10_000.0  # m below, around and north of a ship
 WHEEL_DEPTH = -1.22
 
@@ -119,26 +123,67 @@ def kind(node):
 
 
 class Model:
-    """An OBJ file's parts: surfaces in order, and triangles as corner and normal triples."""
+    """A file's parts: surfaces in order, and triangles as corner and normal triples, in the axes of
+    the nodes."""
 
-    def __init__(self, text):
-        points, normals, self.surfaces, self.triangles, part = [], [], {}, {}, None
-        for line in text.splitlines():
-            word, *rest = line.split() or [""]
-            if word == "o":
-                part = rest[0]
-                self.surfaces[part], self.triangles[part] = [], []
-            elif word == "usemtl":
-                self.surfaces[part].append(rest[0])
-            elif word in ("v", "vn"):
-                (points if word == "v" else normals).append(tuple(map(float, rest)))
-            elif word == "f":
-                pairs = [tuple(map(int, corner.split("//"))) for corner in rest]
-                self.triangles[part].append(([points[p - 1] for p, _ in pairs],
-                                             [normals[n - 1] for _, n in pairs]))
+    def __init__(self):
+        self.surfaces, self.triangles = {}, {}
 
     def points(self, part):
         return [p for corners, _ in self.triangles[part] for p in corners]
+
+
+def obj_model(text):
+    model, points, normals, part = Model(), [], [], None
+    for line in text.splitlines():
+        word, *rest = line.split() or [""]
+        if word == "o":
+            part = rest[0]
+            model.surfaces[part], model.triangles[part] = [], []
+        elif word == "usemtl":
+            model.surfaces[part].append(rest[0])
+        elif word in ("v", "vn"):
+            (points if word == "v" else normals).append(tuple(map(float, rest)))
+        elif word == "f":
+            pairs = [tuple(map(int, corner.split("//"))) for corner in rest]
+            model.triangles[part].append(([points[p - 1] for p, _ in pairs],
+                                          [normals[n - 1] for _, n in pairs]))
+    return model
+
+
+def glb_model(content):
+    """Reads what is written here: one node a part, positions, normals and indices."""
+    magic, version, size, json_size, json_kind = struct.unpack_from("<4sII I4s", content)
+    if (magic, version, size, json_kind) != (b"glTF", 2, len(content), b"JSON"):
+        raise ValueError("not a binary glTF 2.0 file")
+    document = json.loads(content[20:20 + json_size])
+    binary = content[28 + json_size:]
+
+    def values(index, code):
+        accessor = document["accessors"][index]
+        width = {"SCALAR": 1, "VEC3": 3}[accessor["type"]]
+        view = document["bufferViews"][accessor["bufferView"]]
+        numbers = struct.unpack_from(f"<{width * accessor['count']}{code}", binary,
+                                     view["byteOffset"] + accessor["byteOffset"])
+        return numbers if width == 1 else [(x, -z, y) for x, y, z in zip(*[iter(numbers)] * 3)]
+
+    model = Model()
+    for node in document["nodes"]:
+        surfaces, triangles = [], []
+        for primitive in document["meshes"][node["mesh"]]["primitives"]:
+            surfaces.append(document["materials"][primitive["material"]]["name"])
+            points = values(primitive["attributes"]["POSITION"], "f")
+            normals = values(primitive["attributes"]["NORMAL"], "f")
+            short = document["accessors"][primitive["indices"]]["componentType"] == 5123
+            for corners in zip(*[iter(values(primitive["indices"], "H" if short else "I"))] * 3):
+                triangles.append(([points[i] for i in corners], [normals[i] for i in corners]))
+        model.surfaces[node["name"]], model.triangles[node["name"]] = surfaces, triangles
+    return model
+
+
+@functools.cache
+def read_model(suffix, content):
+    return glb_model(content) if suffix == ".glb" else obj_model(content.decode())
 
 
 def triangle_normal(corners):
@@ -146,6 +191,22 @@ def triangle_normal(corners):
     (ax, ay, az), (bx, by, bz), (cx, cy, cz) = corners
     ux, uy, uz, vx, vy, vz = bx - ax, by - ay, bz - az, cx - ax, cy - ay, cz - az
     return (uy * vz - uz * vy, uz * vx - ux * vz, ux * vy - uy * vx)
+
+
+@functools.cache
+def unsound_parts(model):
+    """Faults of a model's triangles."""
+    faults = []
+    for part, triangles in model.triangles.items():
+        for corners, normals in triangles:
+            area = triangle_normal(corners)
+            size = math.hypot(*area)
+            if size < 1e-8:
+                faults.append(f'degenerate triangle in "{part}"')
+            elif not all(sum(a * b for a, b in zip(area, n)) > 0.5 * size and
+                         abs(math.hypot(*n) - 1) < 1e-2 for n in normals):
+                faults.append(f'normals of "{part}" do not point the way its triangles face')
+    return faults
 
 
 class Checker:
@@ -182,11 +243,12 @@ class Checker:
     def model(self, path):
         if path not in self.models:
             try:
-                self.models[path] = Model((self.root / path).read_text("utf-8"))
-            except (OSError, ValueError, KeyError, IndexError) as error:
+                file = self.root / path
+                self.models[path] = read_model(file.suffix, file.read_bytes())
+            except (OSError, ValueError, LookupError, TypeError, struct.error) as error:
                 self.fault(path, f"cannot be read: {error}")
                 self.unreadable.add(path)
-                self.models[path] = Model("")
+                self.models[path] = Model()
         return self.models[path]
 
     # ---- nodes
@@ -301,8 +363,8 @@ class Checker:
         file, _, part = wheel["mesh"].partition("#")
         points = self.model(file).points(part) if part in self.model(file).triangles else []
         lowest = wheel.get("position", [0, 0, 0])[2] + min((p[2] for p in points), default=0)
-        self.expect(abs(lowest - WHEEL_DEPTH) < 1e-9, HELICOPTER,
-                    f'"{wheel.get("name")}" stands at {lowest}, not at {WHEEL_DEPTH}')
+        self.expect(abs(lowest - WHEEL_DEPTH) < 1e-6, HELICOPTER,
+                    f'"{wheel.get("name")}" stands at {lowest:.4f}, not at {WHEEL_DEPTH}')
 
     def check_ships(self):
         for ship, height in SHIPS.items():
@@ -400,20 +462,16 @@ class Checker:
 
     def check_models(self):
         """Sound triangles, and files that are what the model builder writes."""
-        for path in build_models.model_texts():
-            path = f"data/{path}"
-            for part, triangles in self.model(path).triangles.items():
-                for corners, normals in triangles:
-                    area = triangle_normal(corners)
-                    size = math.hypot(*area)
-                    self.expect(size > 1e-8, path, f'degenerate triangle in "{part}"')
-                    self.expect(all(sum(a * b for a, b in zip(area, n)) > 0.5 * size and
-                                    abs(math.hypot(*n) - 1) < 1e-2 for n in normals), path,
-                                f'normals of "{part}" do not point the way its triangles face')
-        for path, text in build_models.texts().items():
+        total = 0
+        for path, content in build_models.model_contents().items():
+            total += len(content)
+            for what in unsound_parts(self.model(f"data/{path}")):
+                self.fault(f"data/{path}", what)
+        self.expect(total < LARGEST_MODELS, "data", f"{total} bytes of models")
+        for path, content in build_models.contents().items():
             file = self.root / "data" / path
             if file.exists():
-                self.expect(file.read_text("utf-8") == text, f"data/{path}",
+                self.expect(file.read_bytes() == content, f"data/{path}",
                             "differs from what build_models.py writes")
 
     def check_size(self):

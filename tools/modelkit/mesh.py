@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Solids built from convex polygons, and their OBJ form.
+"""Solids built from convex polygons.
 
 Coordinates are metres, X right, Y forward, Z up. Polygons run counter-clockwise when seen from
 outside, so that the right-hand rule gives the outward normal.
@@ -45,6 +45,14 @@ def rotate_x(p, degrees):
 def rotate_z(p, degrees):
     c, s = math.cos(math.radians(degrees)), math.sin(math.radians(degrees))
     return (c * p[0] - s * p[1], s * p[0] + c * p[1], p[2])
+
+
+def lerp(a, b, t):
+    return add(scale(a, 1 - t), scale(b, t))
+
+
+def flipped_x(p):
+    return (-p[0], p[1], p[2])
 
 
 def mirrored(half):
@@ -163,6 +171,58 @@ class Part:
                            for t in (2 * math.pi * j / sides for j in range(sides))])
         self.loft(levels, material, close=False)
 
+    def solid(self, material, rings):
+        """A closed solid over rings with equally many points, whichever way they run."""
+        skin = Part(self.name)
+        skin.loft(rings, material)
+        inside_out = skin.volume() < 0
+        for name, (a, b, c) in skin.triangles:
+            self.triangles.append((name, (a, c, b) if inside_out else (a, b, c)))
+
+    def lathe(self, material, profile, sides=16, place=lambda p: p):
+        """A body turned about Z: `profile` lists (radius, height) upwards along the outside, and
+        may turn back inside to form a hollow. `material` is a name or a function of the section
+        that answers one. `place` carries the body to where it belongs; it must not mirror."""
+        of = material if callable(material) else lambda section: material
+        turns = [2 * math.pi * i / sides for i in range(sides)]
+        rims = [[place((r * math.cos(t), r * math.sin(t), z)) for t in turns] for r, z in profile]
+        for n, (low, high) in enumerate(zip(rims, rims[1:])):
+            for i in range(sides):
+                j = (i + 1) % sides
+                self.polygon(of(n), [low[i], low[j], high[j], high[i]])
+
+    def pipe(self, material, points, radius, sides=8, hollow=False):
+        """A round bar along a line of points, mitred at the bends; a hollow one lacks its ends."""
+        along = [normalize(sub(b, a)) for a, b in zip(points, points[1:])]
+        side = normalize(cross(along[0], (1, 0, 0) if abs(along[0][0]) < 0.9 else (0, 1, 0)))
+        other = cross(along[0], side)
+        turns = [2 * math.pi * k / sides for k in range(sides)]
+        offsets = [add(scale(side, radius * math.cos(t)), scale(other, radius * math.sin(t)))
+                   for t in turns]
+        rings = []
+        for i, p in enumerate(points):
+            before, after = along[max(i - 1, 0)], along[min(i, len(along) - 1)]
+            mitre = normalize(add(before, after))
+            # Along the bar that ends here to the mitre's plane, then square to the one that begins.
+            cut = [sub(o, scale(before, dot(o, mitre) / max(dot(before, mitre), 0.3)))
+                   for o in offsets]
+            rings.append([add(p, o) for o in cut])
+            offsets = [sub(o, scale(after, dot(o, after))) for o in cut]
+        self.loft(rings, material, close=not hollow)
+
+    def lens(self, material, outline, center):
+        """A slightly domed or flat patch: a fan of `outline`, counter-clockwise seen from outside,
+        around `center`."""
+        for a, b in zip(outline, outline[1:] + outline[:1]):
+            self.polygon(material, [center, a, b])
+
+    def band(self, material, outer, inner):
+        """A flat frame between two outlines with equally many points, counter-clockwise seen from
+        outside."""
+        for i in range(len(outer)):
+            j = (i + 1) % len(outer)
+            self.polygon(material, [outer[i], outer[j], inner[j], inner[i]])
+
     def disc(self, material, inner, outer, z=0.0, sides=48, place=lambda p: p):
         """A flat ring, seen from +Z; `place` carries it into its final plane."""
         def point(radius, i):
@@ -177,10 +237,16 @@ class Part:
         """A level rectangle, seen from above."""
         self.polygon(material, [(x0, y0, z), (x1, y0, z), (x1, y1, z), (x0, y1, z)])
 
-    def merge(self, other, transform=lambda p: p):
-        """Adds a transformed copy; the transform must not mirror."""
-        for material, corners in other.triangles:
-            self.triangles.append((material, tuple(transform(p) for p in corners)))
+    def merge(self, other, transform=lambda p: p, material=None):
+        """Adds a transformed copy, of one material if given; the transform must not mirror."""
+        for name, corners in other.triangles:
+            self.triangles.append((material or name, tuple(transform(p) for p in corners)))
+
+    def merge_both_sides(self, right):
+        """Adds a part of the right side and its mirror image."""
+        self.merge(right)
+        for material, corners in right.triangles:
+            self.triangles.append((material, tuple(flipped_x(p) for p in corners[::-1])))
 
     def volume(self):
         """Signed volume: positive for a closed solid with outward winding."""
@@ -209,33 +275,3 @@ class Part:
 def rounded(p, digits=4):
     """Coordinates as they stand in the file: a tenth of a millimetre, without negative zeros."""
     return tuple(round(v, digits) + 0.0 for v in p)
-
-
-class Indices:
-    """Numbers distinct lines of a file from 1 in the order in which they are first asked for."""
-
-    def __init__(self, keyword, digits):
-        self.keyword, self.digits, self.numbers = keyword, digits, {}
-
-    def of(self, p):
-        return self.numbers.setdefault(rounded(p, self.digits), len(self.numbers) + 1)
-
-    def lines(self):
-        return [f"{self.keyword} " + " ".join(f"{v:g}" if abs(v) < 1 else f"{v:.7g}" for v in p)
-                for p in self.numbers]
-
-
-def obj_text(parts):
-    """The OBJ file that holds `parts`: one `o` group each, one `usemtl` run for each surface."""
-    points, normals = Indices("v", 4), Indices("vn", 3)
-    groups = []
-    for part in parts:
-        groups.append(f"o {part.name}")
-        surfaces = {}
-        for (material, corners), corner_normals in zip(part.triangles, part.corner_normals()):
-            words = [f"{points.of(p)}//{normals.of(n)}" for p, n in zip(corners, corner_normals)]
-            surfaces.setdefault(material, []).append("f " + " ".join(words))
-        for material, faces in surfaces.items():
-            groups += [f"usemtl {material}", *faces]
-    return "\n".join(["# SPDX-License-Identifier: MIT", *points.lines(), *normals.lines(),
-                      *groups, ""])

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """The checker passes the repository's data and reports each kind of damage done to a copy."""
 
+import json
 import pathlib
 import re
 import shutil
@@ -18,6 +19,7 @@ from check_assets import (Checker, EFFECTS, HELICOPTER, NODES, PREFABS, PROJECT,
                           WORLD)
 
 FRIGATE = f"{PREFABS}/SM_055_CN_2023/SM_055_CN_2023.prefab"
+MODEL = FRIGATE.replace(".prefab", ".glb")
 TERRAIN = f"{PROJECT}/terrain/coast.tif"
 
 
@@ -42,7 +44,7 @@ class Damage(unittest.TestCase):
 
     def test_missing_files_are_named(self):
         for path in (WORLD, HELICOPTER, TERRAIN, *EFFECTS, f"{PROJECT}/ANIM/light.anim",
-                     f"{PROJECT}/materials/glass.mat", FRIGATE.replace(".prefab", ".obj")):
+                     f"{PROJECT}/materials/glass.mat", MODEL):
             file = self.root / path
             text = file.read_bytes()
             file.unlink()
@@ -63,16 +65,13 @@ class Damage(unittest.TestCase):
             file.write_text(intact, "utf-8")
 
     def test_other_damage_is_reported(self):
-        model = FRIGATE.replace(".prefab", ".obj")
-        face = next(line for line in (self.root / model).read_text("utf-8").splitlines()
-                    if line.startswith("f "))
-        a, b, c = face.split()[1:]
         cases = [
             (HELICOPTER, "intersect: false", "intersect: true", "takes part in queries"),
-            (HELICOPTER, "position: [1.5, -1.6, -0.87]", "position: [1.5, -1.6, -0.8]", "stands at"),
+            (HELICOPTER, "position: [1.5, -1.6, -0.87]", "position: [1.5, -1.6, -0.8]",
+             "stands at"),
             (HELICOPTER, "name: leaf_2", "name: leaf_1", '2 nodes "leaf_1"'),
             (HELICOPTER, "mass: 10800", "mass: 10800\n    mass: 9", "duplicate key"),
-            (HELICOPTER, "obj#cockpit", "obj#cellar", 'no part "cellar"'),
+            (HELICOPTER, "glb#cockpit", "glb#cellar", 'no part "cellar"'),
             (HELICOPTER, "materials/seat.mat", "materials/tyre.mat", "materials differ"),
             (FRIGATE, "type: decal", "type: sticker", "unknown type"),
             (FRIGATE, "position: [0, 13, 39.8]", "position: [0, 13]", "not three numbers"),
@@ -83,12 +82,34 @@ class Damage(unittest.TestCase):
             (f"{PROJECT}/ANIM/runway_ice.anim", "parameter: ice", "parameter: cold", "no param"),
             (f"{PROJECT}/materials/glass.mat", "rain_power: ", "rain: ", "no rain_power"),
             (f"{PROJECT}/materials/glass.mat", "[0.1, 0.13, 0.14, 0.22]", "[0.1]", "neither"),
-            (model, face, f"f {a} {a} {c}", "degenerate triangle"),
-            (model, face, f"f {b} {a} {c}", "do not point the way"),
         ]
         for path, old, new, expected in cases:
             with self.subTest(path=path, new=new):
                 self.assertIn(expected, self.faults_after(path, old, new))
+
+    def test_unsound_models_are_reported(self):
+        file = self.root / MODEL
+        intact = file.read_bytes()
+        length = struct.unpack_from("<I", intact, 12)[0]
+        document = json.loads(intact[20:20 + length])
+        start = 28 + length + document["bufferViews"][2]["byteOffset"]  # of the first triangle
+        a, b, c = struct.unpack_from("<3H", intact, start)
+
+        def with_triangle(*corners):
+            return intact[:start] + struct.pack("<3H", *corners) + intact[start + 6:]
+
+        cases = [(with_triangle(a, a, c), "degenerate triangle"),
+                 (with_triangle(b, a, c), "do not point the way"),
+                 (with_triangle(a, b, 65535), "cannot be read"),
+                 (intact[:-100], "cannot be read"), (intact[:9], "cannot be read"),
+                 (b"text" + intact[4:], "cannot be read"),
+                 (intact[:20] + b"?" + intact[21:], "cannot be read"),
+                 (intact.replace(b'"nodes"', b'"knots"'), "cannot be read"),
+                 (with_triangle(b, c, a), "differs from what build_models.py writes")]
+        for content, expected in cases:
+            file.write_bytes(content)
+            faults = [f for f in Checker(self.root).run() if f.startswith(MODEL)]
+            self.assertTrue(any(expected in f for f in faults), (expected, faults))
 
     def test_ground_in_the_wrong_place_is_reported(self):
         file = self.root / TERRAIN

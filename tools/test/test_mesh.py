@@ -11,9 +11,12 @@ import yaml
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent))
 
-from check_assets import Model  # noqa: E402
-from modelkit import airfield, equipment, helicopter, ships  # noqa: E402
-from modelkit.mesh import Part, mirrored, obj_text  # noqa: E402
+from check_assets import glb_model, obj_model  # noqa: E402
+from modelkit import airfield, equipment, frigate, landing_ship, rotors  # noqa: E402
+from modelkit.curves import Monotone  # noqa: E402
+from modelkit.glb import glb_bytes  # noqa: E402
+from modelkit.mesh import Part, mirrored  # noqa: E402
+from modelkit.obj import obj_text  # noqa: E402
 
 
 def polygon_factor(sides):
@@ -39,6 +42,14 @@ class Solids(unittest.TestCase):
         self.assertAlmostEqual(self.volume("extrusion", "m", outline, (2, 0, 0)), 2)
         self.assertAlmostEqual(self.volume("ellipsoid", "m", (7, 8, 9), (1, 2, 3), 60, 60),
                                8 * math.pi, delta=0.1)
+        self.assertAlmostEqual(self.volume("pipe", "m", [(0, 0, 0), (0, 0, 2), (0, 3, 2)], 1, 9),
+                               5 * polygon_factor(9))
+        self.assertAlmostEqual(self.volume("lathe", "m", [(0, 0), (2, 0), (2, 3), (1, 3), (1, 1),
+                                                          (0, 1)], 9), 10 * polygon_factor(9))
+        square = [(0, 0), (0, 2), (2, 2), (2, 0)]
+        for order in (1, -1):
+            slices = [[(x, y, z) for x, y in square[::order]] for z in (5, 8)]
+            self.assertAlmostEqual(self.volume("solid", "m", slices), 12)
         ring = [(0, 1), (1, 1), (1, -1), (0, -1)]
         rings = [mirrored([(x, y, z) for x, z in ring]) for y in (0, 5)]
         self.assertAlmostEqual(self.volume("loft", rings, "m"), 20)
@@ -52,10 +63,18 @@ class Solids(unittest.TestCase):
 
     def test_closed_models_face_outwards(self):
         closed = [*equipment.missile(), *equipment.dipping_sonar(), *equipment.decoy(),
-                  *equipment.commander(), helicopter.blade(8, 0.7, 0.5, 0.3),
-                  ships.frigate()[0], ships.landing_ship()[0]]
+                  *equipment.commander(), rotors.blade(8, 0.7, 0.5, 0.3), frigate.hull(),
+                  landing_ship.hull()]
         for part in closed:
             self.assertGreater(part.volume(), 0, part.name)
+
+    def test_a_mirrored_side_faces_outwards_too(self):
+        right, both = Part("right"), Part("both")
+        right.box("m", (1, 1, 1), (2, 0, 0))
+        both.merge_both_sides(right)
+        self.assertAlmostEqual(both.volume(), 2)
+        self.assertEqual({round(sum(p[0] for p in c) / 3) for _, c in both.triangles} & {-2, 2},
+                         {-2, 2})
 
     def test_normals_smooth_gentle_edges_and_keep_sharp_ones(self):
         part = Part("drum")
@@ -67,17 +86,44 @@ class Solids(unittest.TestCase):
                 self.assertLess(math.dist(n, expected), 0.06)
 
 
+class Curves(unittest.TestCase):
+    def test_a_curve_passes_its_points_without_overshooting(self):
+        xs, ys = [0, 1, 1.2, 4, 5, 9], [0, 5, 5, 2, 1.9, -3]
+        curve = Monotone(xs, ys)
+        for x0, x1, y0, y1 in zip(xs, xs[1:], ys, ys[1:]):
+            self.assertAlmostEqual(curve(x0), y0)
+            between = [round(curve(x0 + (x1 - x0) * k / 50), 9) for k in range(51)]
+            self.assertEqual(between, sorted(between, reverse=y1 < y0))
+            self.assertAlmostEqual(between[-1], y1)
+        self.assertEqual((curve(-7), curve(99)), (0, -3))
+
+
 class Files(unittest.TestCase):
-    def test_a_file_reads_back_with_its_parts_and_surfaces_in_order(self):
+    def setUp(self):
         first, second = Part("first"), Part("second")
         first.box("red", (1, 1, 1))
-        first.box("blue", (1, 1, 1), (0, 0, 123.4567))
+        first.box("blue", (1, 2, 3), (10, 20, 123.4567))
         first.box("red", (1, 1, 1), (5, 0, 0))
         second.box("blue", (1, 1, 1))
-        model = Model(obj_text([first, second]))
-        self.assertEqual(model.surfaces, {"first": ["red", "blue"], "second": ["blue"]})
-        self.assertEqual([len(t) for t in model.triangles.values()], [36, 12])
-        self.assertAlmostEqual(max(p[2] for p in model.points("first")), 123.9567)
+        self.parts = [first, second]
+
+    def test_both_kinds_read_back_with_parts_and_surfaces_in_order(self):
+        for model in (obj_model(obj_text(self.parts)), glb_model(glb_bytes(self.parts))):
+            self.assertEqual(model.surfaces, {"first": ["red", "blue"], "second": ["blue"]})
+            self.assertEqual([len(t) for t in model.triangles.values()], [36, 12])
+            highest = max(model.points("first"), key=lambda p: (p[2], p[1], p[0]))
+            self.assertLess(math.dist(highest, (10.5, 21, 124.9567)), 1e-5)
+            for part in self.parts:
+                self.assertEqual({round(sum(v) / 3, 3) for v in model.points(part.name)},
+                                 {round(sum(v) / 3, 3) for _, c in part.triangles for v in c})
+
+    def test_many_corners_get_wide_indices(self):
+        part = Part("grid")
+        for k in range(9000):
+            part.box("m", (0.5, 0.5, 0.5), (k % 100, k // 100, 0))
+        model = glb_model(glb_bytes([part]))
+        self.assertEqual(max(p[1] for p in model.points("grid")), 89.25)
+        self.assertEqual(len(model.triangles["grid"]), 9000 * 12)
 
 
 class Airfield(unittest.TestCase):
