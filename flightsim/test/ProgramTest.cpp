@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "testkit/Program.h"
 #include "common/wire/UdpRecvData.h"
-#include "flightsim/Clock.h"
-#include "flightsim/Recording.h"
 #include "flightsim/UdpLink.h"
 
 #include <algorithm>
@@ -35,12 +33,13 @@ TEST(Program, AnswersWrongUseAndBadFilesWithOneMessage) {
     expectRun("--help", 0, "replay");
     expectRun("replay --help", 0, "--speed");
     expectRun("", 2, "subcommand");
-    expectRun("replay", 2, "FILE");
     expectRun("replay x --speed nan", 2, "--speed");
     expectRun("replay x --hold 1 --loop", 2, "--hold");
     expectRun("record x --port 65536", 2, "--port");
+    expectRun("fly data/missions/demo.yaml --rate 0", 2, "--rate");
     expectRun("replay absent.hrec", 1, "cannot open \"absent.hrec\"");
     expectRun("info CMakeLists.txt", 1, "\"CMakeLists.txt\": byte 0: not a recording");
+    expectRun("fly CMakePresets.json", 1, "CMakePresets.json:2:3: a mission has no key");
     expectRun("replay " + recorded_flight + " --to 127.0.0.1", 1, "not an address");
     expectRun("record /nowhere/x.hrec --port 0", 1, "cannot create \"/nowhere/x.hrec\"");
 }
@@ -49,10 +48,7 @@ TEST(Program, FliesTheDemoMissionWithoutSending) {
     std::string output;
     EXPECT_EQ(Program(PROGRAM_PATH, "fly data/missions/demo.yaml --dry-run").finish(&output), 0);
     EXPECT_NE(output.find("mission   demo, 15 legs, 180.0 s"), std::string::npos) << output;
-    EXPECT_EQ(std::count(output.begin(), output.end(), '\n'), 183) << "a row per second, two heads";
-    expectRun("fly README.absent", 1, "cannot read \"README.absent\"");
-    expectRun("fly CMakePresets.json", 1, "CMakePresets.json:2:3: a mission has no key");
-    expectRun("fly data/missions/demo.yaml --rate 0", 2, "--rate");
+    EXPECT_EQ(std::ranges::count(output, '\n'), 183) << "a row per second, two heads";
     expectRun("fly data/missions/demo.yaml --dry-run --duration 20", 0,
               "warning: the mission takes");
 }
@@ -61,10 +57,9 @@ TEST(Program, DescribesTheRecordedFlight) {
     std::string output;
     EXPECT_EQ(Program(PROGRAM_PATH, "info " + recorded_flight).finish(&output), 0);
     // Figures of an independent decoder.
-    for (const char* text : {"2976 over 62.00 s", "47.99 Hz",
-                             "mean 20.84, sd 7.48, p50 20.00, "
-                             "p99 55.34, max 311.67",
-                             "2976 of 1490 bytes", "6 in record 311"})
+    for (const char* text :
+         {"2976 over 62.00 s, 47.99 Hz", "mean 20.84, sd 7.48, p50 20.00, p99 55.34, max 311.67",
+          "2976 of 1490 bytes", "6 in record 311"})
         EXPECT_NE(output.find(text), std::string::npos) << text << "\n" << output;
 }
 
@@ -84,12 +79,8 @@ TEST(Program, UsesWhatIsWholeOfACutOffRecording) {
     const std::string cut = temporary("cut_off.hrec");
     std::filesystem::copy_file(recorded_flight, cut);
     std::filesystem::resize_file(cut, 2000);
-    std::string output;
-    EXPECT_EQ(Program(PROGRAM_PATH, "replay " + cut + " --no-feedback --to 127.0.0.1:9 --quiet")
-                  .finish(&output),
-              0);
-    EXPECT_NE(output.find("warning: \"" + cut + "\": record "), std::string::npos) << output;
-    EXPECT_NE(output.find("the file ends at byte 2000"), std::string::npos) << output;
+    expectRun("replay " + cut + " --no-feedback --to 127.0.0.1:9 --quiet", 0,
+              "the file ends at byte 2000");
     std::filesystem::resize_file(cut, 1000); // within the first record
     expectRun("replay " + cut, 1, "record 0 at byte 24: the file ends at byte 1000");
     std::filesystem::remove(cut);
@@ -110,12 +101,7 @@ TEST(Program, AnInterruptEndsARecordingInOrder) {
     std::string output;
     EXPECT_EQ(program.finish(&output), 0);
     EXPECT_NE(output.find("3 datagrams"), std::string::npos) << output;
-    EXPECT_NE(output.find("1 of them not of 1490 bytes"), std::string::npos) << output;
-    RecordingReader reader;
-    Survey found;
-    ASSERT_TRUE(reader.open(path));
-    EXPECT_TRUE(survey(reader, path, {}, found, message)) << message;
-    EXPECT_EQ(found.records, 3);
+    expectRun("info " + path, 0, "1 of 0 bytes, 2 of 1490 bytes");
     std::filesystem::remove(path);
 }
 

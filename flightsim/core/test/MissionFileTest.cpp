@@ -23,23 +23,18 @@ std::string faultOfLeg(const std::string& leg) {
 TEST(MissionFile, SaysWhereAndWhatIsWrong) {
     const std::pair<std::string, std::string> cases[] = {
         {"", "1:1: a mission must be a map"},
-        {"[1, 2]", "1:1: a mission must be a map"},
         {"start: {longitude: 1", "1:1: end of map flow not found"},
-        {"legs: [wait: 1]", "1:1: a mission needs \"start\""},
         {head, "1:1: a mission needs a list of \"legs\""},
-        {head + "legs: []", "2:7: a mission needs a list of \"legs\""},
         {"start: {longitude: 1}\nlegs: [wait: 1]", "1:8: start needs \"longitude\" and \"lat"},
         {"start: {longitude: 1, latitude: 90}\n", "1:33: latitude must be a number from -89 to 89"},
         {head + "legs: [wait: 1]\nlegs: [wait: 1]", "3:1: a mission: \"legs\" is given twice"},
         {head + "reste: true", "2:1: a mission has no key \"reste\"; nearest is \"reset\""},
-        {head + "reset: 6", "2:8: reset must be true or false"},
         {head + "points: {a: {east: 1, bearing: 3}}\nlegs: [wait: 1]", "2:13: a point is either"},
         {head + "points: {start: {east: 1}}\nlegs: [wait: 1]", "2:10: the point \"start\" exists"},
         {head + "set: {see_code: 1}", "2:7: set has no key \"see_code\"; nearest is \"sea_code\""},
         {head + "set: {pitch: 1}", "2:14: pitch is flown"},
         {head + "set:\n  - {rain_level: 70000}",
          "3:18: rain_level must be a number from 0 to 65535"},
-        {head + "set: {over: 3}", "2:6: set names no field"},
     };
     for (const auto& [text, fault] : cases)
         EXPECT_EQ(faultOf(text).substr(0, fault.size()), fault) << text;
@@ -47,13 +42,10 @@ TEST(MissionFile, SaysWhereAndWhatIsWrong) {
 
 TEST(MissionFile, SaysWhatIsWrongWithALeg) {
     const std::pair<std::string, std::string> cases[] = {
-        {"5", "3:5: a leg must be a map"},
-        {"{}", "3:5: a leg needs a kind"},
         {"hoover: 3", "3:5: a leg has no key \"hoover\"; nearest is \"hover\""},
         {"{hover: 3, wait: 2}", "3:22: a leg has one kind only"},
         {"hover: {secnods: 3}", "3:13: hover has no key \"secnods\"; nearest is \"seconds\""},
         {"hover: .nan", "3:12: seconds must be a number from 0 to 86400"},
-        {"hover: soon", "3:12: seconds must be a number"},
         {"fly_to: {speed: 20}", "3:5: fly_to needs \"to\""},
         {"fly_to: {to: {east: 9}, speed: 500}", "3:36: speed must be a number from 2 to 80"},
         {"fly_to: strat", "3:13: there is no point \"strat\"; nearest is \"start\""},

@@ -2,6 +2,7 @@
 #include "TestFiles.h"
 #include "flightsim/RecordingTools.h"
 
+#include <algorithm>
 #include <csignal>
 #include <random>
 #include <sys/resource.h>
@@ -63,44 +64,38 @@ TEST(Recording, BothFormatsGiveBackWhatWasWritten) {
 }
 
 TEST(Recording, BytesInTheFileAreTheDocumentedOnes) {
-    const Bytes first = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
+    const Bytes first(12, 7);
     Bytes second = first;
-    second[1] = 0x20;
-    second[11] = 0xc0;
-    const auto whole = ByteBuilder::header(1).record(100, first).record(250, second).bytes;
+    second[1] = second[11] = 9;
+    const auto whole = ByteBuilder::header(1).record(100, first).record(250, second);
     auto compact = ByteBuilder::header(2);
     compact.add(std::int64_t{100}).add(std::uint32_t{12}).add(std::uint16_t{0xffff}).add(first);
     compact.add(std::int64_t{250}).add(std::uint32_t{12}).add(std::uint16_t{2});
-    compact.add(std::uint16_t{1}).add(std::uint16_t{1}).add(std::uint8_t{0x20});
-    compact.add(std::uint16_t{11}).add(std::uint16_t{1}).add(std::uint8_t{0xc0});
-    for (const auto& [format, bytes] : {std::pair(RecordingFormat::whole, whole),
-                                        std::pair(RecordingFormat::compact, compact.bytes)}) {
-        TestFile written("layout"), by_hand("by_hand", bytes);
+    compact.add(std::uint16_t{1}).add(std::uint16_t{1}).add(Bytes{9});
+    compact.add(std::uint16_t{11}).add(std::uint16_t{1}).add(Bytes{9});
+    for (const auto& [format, expected] : {std::pair(RecordingFormat::whole, whole.bytes),
+                                           std::pair(RecordingFormat::compact, compact.bytes)}) {
+        TestFile written("layout");
         writeRecording(written.path, format, {{100, first}, {250, second}});
-        EXPECT_EQ(written.read(), bytes);
-        RecordingReader reader;
-        ASSERT_TRUE(reader.open(by_hand.path));
-        ReadStatus status;
-        EXPECT_EQ(readAll(reader, status), (std::vector<TimedBytes>{{100, first}, {250, second}}));
+        EXPECT_EQ(written.read(), expected);
     }
 }
 
 TEST(Recording, RefusesFilesThatAreNoRecordings) {
     const Bytes good = ByteBuilder::header(1).bytes;
-    Bytes other_magic = good, other_version = good, other_size = good;
-    other_magic[7] = '1';
-    other_version[8] = 3;
-    other_size[12] = 17;
-    const std::pair<Bytes, const char*> cases[] = {{{}, "byte 0: ends"},
-                                                   {Bytes(good.begin(), good.end() - 1), "byte 23"},
-                                                   {other_magic, "byte 0: not a recording"},
-                                                   {other_version, "byte 8: version 3"},
-                                                   {other_size, "byte 12: header"}};
+    const auto changed = [&](std::size_t at, std::uint8_t to) {
+        Bytes bytes = good;
+        bytes[at] = to;
+        return bytes;
+    };
+    const std::pair<Bytes, const char*> cases[] = {{Bytes(good.begin(), good.end() - 1), "byte 23"},
+                                                   {changed(7, '1'), "byte 0: not a recording"},
+                                                   {changed(8, 3), "byte 8: version 3"},
+                                                   {changed(12, 17), "byte 12: header"}};
     for (const auto& [bytes, message] : cases) {
         TestFile file("header", bytes);
         RecordingReader reader;
         EXPECT_FALSE(reader.open(file.path));
-        EXPECT_NE(reader.message().find(file.path), std::string::npos);
         EXPECT_NE(reader.message().find(message), std::string::npos) << reader.message();
     }
     RecordingReader reader;
@@ -152,47 +147,23 @@ TEST(Recording, KeepsWholeRecordsOfAFileCutOffAnywhere) {
         TestFile file("whole");
         writeRecording(file.path, format, records);
         const Bytes all = file.read();
-        std::vector<std::int64_t> ends; // offsets behind each whole record
+        std::vector<std::size_t> ends; // offsets behind the header and each whole record
         RecordingReader whole;
         ASSERT_TRUE(whole.open(file.path));
-        ends.push_back(whole.offset());
-        for (Record r; whole.next(r) == ReadStatus::record;)
-            ends.push_back(whole.offset());
-        ASSERT_EQ(ends.back(), static_cast<std::int64_t>(all.size()));
-        std::size_t n = 0;
-        for (auto size = ends.front(); size <= ends.back(); size++) {
-            if (n < records.size() && size == ends[n + 1]) n++;
-            TestFile cut("cut_off", Bytes(all.begin(), all.begin() + size));
+        for (Record r; ends.size() <= records.size(); whole.next(r))
+            ends.push_back(static_cast<std::size_t>(whole.offset()));
+        ASSERT_EQ(ends.back(), all.size());
+        for (std::size_t size = ends[0]; size <= all.size(); size++) {
+            const auto n = std::ranges::upper_bound(ends, size) - ends.begin() - 1;
+            TestFile cut("cut_off", Bytes(all.begin(), all.begin() + long(size)));
             RecordingReader reader;
             ASSERT_TRUE(reader.open(cut.path));
             ReadStatus status;
-            const auto read = readAll(reader, status);
-            ASSERT_EQ(read, std::vector<TimedBytes>(records.begin(), records.begin() + long(n)));
-            ASSERT_EQ(status, size == ends[n] ? ReadStatus::end : ReadStatus::truncated) << size;
+            ASSERT_EQ(readAll(reader, status), std::vector(records.begin(), records.begin() + n));
+            ASSERT_EQ(status,
+                      size == ends[std::size_t(n)] ? ReadStatus::end : ReadStatus::truncated);
         }
     }
-}
-
-TEST(Recording, SurvivesRandomDamage) {
-    std::mt19937 random(11);
-    TestFile file("sound");
-    writeRecording(file.path, RecordingFormat::compact,
-                   {{1, Bytes(40, 1)}, {2, Bytes(40, 2)}, {3, Bytes(40, 2)}, {4, Bytes(9)}});
-    const Bytes sound = file.read();
-    int noticed = 0;
-    for (int i = 0; i < 500; i++) {
-        Bytes damaged = sound;
-        for (int k = 0; k < 3; k++)
-            damaged[24 + random() % (damaged.size() - 24)] = static_cast<std::uint8_t>(random());
-        TestFile bad("random", damaged);
-        RecordingReader reader;
-        ASSERT_TRUE(reader.open(bad.path));
-        ReadStatus status;
-        for (const auto& r : readAll(reader, status))
-            ASSERT_LE(r.bytes.size(), max_datagram_size);
-        noticed += status != ReadStatus::end;
-    }
-    EXPECT_GT(noticed, 0);
 }
 
 TEST(Recording, AFullDiskLeavesWholeRecords) {
@@ -214,11 +185,7 @@ TEST(Recording, AFullDiskLeavesWholeRecords) {
     EXPECT_LT(appended, 10'000);
     EXPECT_NE(writer.message().find(file.path), std::string::npos);
     EXPECT_FALSE(writer.append(0, {})) << "stays failed";
-    RecordingReader reader;
-    ASSERT_TRUE(reader.open(file.path));
-    ReadStatus status;
-    EXPECT_GT(readAll(reader, status).size(), 100u);
-    EXPECT_EQ(status, ReadStatus::end);
+    EXPECT_GT(readRecording(file.path).size(), 100u);
 }
 
 TEST(Recording, CutsByTimeAndNumberAndConvertsWithoutLoss) {
@@ -253,21 +220,10 @@ TEST(Recording, CutsByTimeAndNumberAndConvertsWithoutLoss) {
     EXPECT_FALSE(cutRecording({in.path, out.path, part, RecordingFormat::whole}, result, message));
 }
 
-template <class T>
-T field(const Bytes& datagram, std::size_t offset) {
-    T value;
-    std::memcpy(&value, datagram.data() + offset, sizeof value);
-    return value;
-}
-
-/// The flight that the project carries. The expected values were decoded from the recording as it
-/// came off the wire, before it was made compact, by a decoder in another language.
+/// The flight that the project carries. The hash was computed from the recording as it came off the
+/// wire, before it was made compact, by a decoder in another language.
 TEST(RecordedFlight, IsTheOneThatWasFlown) {
-    RecordingReader reader;
-    ASSERT_TRUE(reader.open("data/recordings/helicopter_flight.hrec")) << reader.message();
-    ReadStatus status;
-    const auto flight = readAll(reader, status);
-    EXPECT_EQ(status, ReadStatus::end);
+    const auto flight = readRecording("data/recordings/helicopter_flight.hrec");
     ASSERT_EQ(flight.size(), 2976u);
     std::uint64_t hash = 0xcbf29ce484222325; // FNV-1a over times and datagrams
     const auto mix = [&](std::uint8_t byte) { hash = (hash ^ byte) * 0x100000001b3; };
@@ -279,12 +235,6 @@ TEST(RecordedFlight, IsTheOneThatWasFlown) {
             mix(byte);
     }
     EXPECT_EQ(hash, 0x518ec0f5c7f97989u);
-    EXPECT_EQ(field<std::uint32_t>(flight[311].bytes, 4), 6u) << "the one reset";
-    EXPECT_EQ(field<double>(flight[744].bytes, 124), 19.712466011399407);
-    EXPECT_EQ(field<float>(flight[744].bytes, 152), 251.8275146484375f);
-    EXPECT_EQ(field<float>(flight[2232].bytes, 140), 55.93446350097656f);
-    EXPECT_EQ(field<std::uint16_t>(flight[2232].bytes, 12), 2); // overcast
-    EXPECT_EQ(field<std::uint16_t>(flight[2232].bytes, 14), 1); // light rain
 }
 
 } // namespace

@@ -3,11 +3,10 @@
 
 #include "flightsim/Recording.h"
 
+#include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <initializer_list>
 #include <iterator>
 #include <string>
 #include <unistd.h>
@@ -30,8 +29,7 @@ public:
         : path(testing::TempDir() + "flightsim_" + std::to_string(getpid()) + "_" + name) {}
     TestFile(const std::string& name, const Bytes& content) : TestFile(name) {
         std::ofstream file(path, std::ios::binary);
-        file.write(reinterpret_cast<const char*>(content.data()),
-                   static_cast<std::streamsize>(content.size()));
+        std::ranges::copy(content, std::ostreambuf_iterator<char>(file));
     }
     ~TestFile() { unlink(path.c_str()); }
 
@@ -58,8 +56,7 @@ public:
     }
     static ByteBuilder header(std::uint32_t version) {
         ByteBuilder b;
-        for (const char c : {'H', 'R', 'E', 'C', '1', '4', '9', '0'})
-            b.add(c);
+        b.add(Bytes{'H', 'R', 'E', 'C', '1', '4', '9', '0'});
         return b.add(version).add(std::uint32_t{16}).add(std::int64_t{1'700'000'000'000'000'000});
     }
     /// A whole record of version 1.
@@ -87,6 +84,16 @@ inline std::vector<TimedBytes> readAll(RecordingReader& reader, ReadStatus& stat
         EXPECT_EQ(record.number, static_cast<std::int64_t>(records.size()));
         records.push_back({record.time_ns, Bytes(record.datagram.begin(), record.datagram.end())});
     }
+    return records;
+}
+
+/// The records of a file that is whole.
+inline std::vector<TimedBytes> readRecording(const std::string& path) {
+    RecordingReader reader;
+    EXPECT_TRUE(reader.open(path)) << reader.message();
+    ReadStatus status;
+    const auto records = readAll(reader, status);
+    EXPECT_EQ(status, ReadStatus::end) << reader.message();
     return records;
 }
 

@@ -37,28 +37,25 @@ public:
 
     ig::jString writeRaster(const RasterFile& raster, const std::string& name = "heights.tif",
                             const char* format = "GTiff", bool point = false) const {
-        GDALDatasetH memory = GDALCreate(GDALGetDriverByName("MEM"), "", raster.columns,
-                                         raster.rows, 1, raster.type, nullptr);
-        double transform[6];
-        std::copy(raster.transform, raster.transform + 6, transform);
-        GDALSetGeoTransform(memory, transform);
-        if (!raster.system.empty()) {
-            OGRSpatialReferenceH system = OSRNewSpatialReference(nullptr);
-            OSRSetFromUserInput(system, raster.system.c_str());
+        const int width = raster.columns;
+        GDALDatasetH memory =
+            GDALCreate(GDALGetDriverByName("MEM"), "", width, raster.rows, 1, raster.type, nullptr);
+        GDALSetGeoTransform(memory, const_cast<double*>(raster.transform));
+        OGRSpatialReferenceH system = OSRNewSpatialReference(nullptr);
+        if (OSRSetFromUserInput(system, raster.system.c_str()) == OGRERR_NONE)
             GDALSetSpatialRef(memory, system);
-            OSRDestroySpatialReference(system);
-        }
+        OSRDestroySpatialReference(system);
         if (point) GDALSetMetadataItem(memory, "AREA_OR_POINT", "Point", nullptr);
         GDALRasterBandH band = GDALGetRasterBand(memory, 1);
         GDALSetRasterNoDataValue(band, raster.no_data);
         if (raster.scale != 1) GDALSetRasterScale(band, raster.scale);
         if (raster.offset != 0) GDALSetRasterOffset(band, raster.offset);
-        std::vector<double> line(static_cast<std::size_t>(raster.columns));
         for (int row = 0; row < raster.rows; row++) {
-            for (int column = 0; column < raster.columns; column++)
-                line[static_cast<std::size_t>(column)] = raster.height(column, row);
-            EXPECT_EQ(GDALRasterIO(band, GF_Write, 0, row, raster.columns, 1, line.data(),
-                                   raster.columns, 1, GDT_Float64, 0, 0),
+            std::vector<double> line;
+            for (int column = 0; column < width; column++)
+                line.push_back(raster.height(column, row));
+            EXPECT_EQ(GDALRasterIO(band, GF_Write, 0, row, width, 1, line.data(), width, 1,
+                                   GDT_Float64, 0, 0),
                       CE_None);
         }
         GDALDatasetH copy = GDALCreateCopy(GDALGetDriverByName(format), file(name).c_str(), memory,
