@@ -4,6 +4,7 @@
 
 #include "ChannelRun.h"
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -34,6 +35,19 @@ TEST(Pictures, StillsOfTheAskedSizeWithoutADisplay) {
     for (const char* name : {".png", "_0001.png", "_0002.png"})
         EXPECT_EQ(pngSize(stem + name), std::make_pair(160, 90)) << name << "\n" << run.output;
     EXPECT_FALSE(std::filesystem::exists(stem + "_0004.png"));
+}
+
+TEST(Pictures, AWindowOnADisplay) {
+    if (std::system("command -v xvfb-run >/dev/null") != 0) GTEST_SKIP() << "no xvfb-run";
+    TempFolder folder;
+    const std::string picture = (folder.path() / "window.png").string();
+    std::string output;
+    Program run("/usr/bin/xvfb-run", "-a -s '-screen 0 640x480x24 -noreset' " CHANNEL
+                                     " --window --size 320x180 --step 0.1 --fps 0 --frames 4"
+                                     " --screenshot '" +
+                                         picture + "'");
+    EXPECT_EQ(run.finish(&output), 0) << output;
+    EXPECT_EQ(pngSize(picture), std::make_pair(320, 180)) << output;
 }
 
 TEST(Pictures, TheNullRendererRunsTheWholeChannel) {

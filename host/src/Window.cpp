@@ -20,22 +20,34 @@ int toKeyCode(int key) {
     if (key >= GLFW_KEY_F1 && key <= GLFW_KEY_F12) return key - GLFW_KEY_F1 + KEY_F1;
     if (key >= GLFW_KEY_SPACE && key <= GLFW_KEY_GRAVE_ACCENT) return key; // printable: itself
     switch (key) {
-    case GLFW_KEY_ESCAPE: return KEY_ESCAPE;
-    case GLFW_KEY_TAB: return KEY_TAB;
-    case GLFW_KEY_BACKSPACE: return KEY_BACKSPACE;
+    case GLFW_KEY_ESCAPE:
+        return KEY_ESCAPE;
+    case GLFW_KEY_TAB:
+        return KEY_TAB;
+    case GLFW_KEY_BACKSPACE:
+        return KEY_BACKSPACE;
     case GLFW_KEY_ENTER:
-    case GLFW_KEY_KP_ENTER: return KEY_RETURN;
-    case GLFW_KEY_LEFT: return KEY_LEFT;
-    case GLFW_KEY_RIGHT: return KEY_RIGHT;
-    case GLFW_KEY_UP: return KEY_UP;
-    case GLFW_KEY_DOWN: return KEY_DOWN;
+    case GLFW_KEY_KP_ENTER:
+        return KEY_RETURN;
+    case GLFW_KEY_LEFT:
+        return KEY_LEFT;
+    case GLFW_KEY_RIGHT:
+        return KEY_RIGHT;
+    case GLFW_KEY_UP:
+        return KEY_UP;
+    case GLFW_KEY_DOWN:
+        return KEY_DOWN;
     case GLFW_KEY_LEFT_SHIFT:
-    case GLFW_KEY_RIGHT_SHIFT: return KEY_SHIFT;
+    case GLFW_KEY_RIGHT_SHIFT:
+        return KEY_SHIFT;
     case GLFW_KEY_LEFT_CONTROL:
-    case GLFW_KEY_RIGHT_CONTROL: return KEY_CTRL;
+    case GLFW_KEY_RIGHT_CONTROL:
+        return KEY_CTRL;
     case GLFW_KEY_LEFT_ALT:
-    case GLFW_KEY_RIGHT_ALT: return KEY_ALT;
-    default: return -1;
+    case GLFW_KEY_RIGHT_ALT:
+        return KEY_ALT;
+    default:
+        return -1;
     }
 }
 
@@ -45,8 +57,7 @@ std::string toUtf8(unsigned character) {
     };
     if (character < 0x80) return {static_cast<char>(character)};
     if (character < 0x800) return {static_cast<char>(0xc0 | character >> 6), tail(0)};
-    if (character < 0x10000)
-        return {static_cast<char>(0xe0 | character >> 12), tail(6), tail(0)};
+    if (character < 0x10000) return {static_cast<char>(0xe0 | character >> 12), tail(6), tail(0)};
     return {static_cast<char>(0xf0 | character >> 18), tail(12), tail(6), tail(0)};
 }
 
