@@ -28,13 +28,14 @@ TEST(Pictures, StillsOfTheAskedSizeWithoutADisplay) {
     const std::string stem = (run.folder.path() / "still").string();
     run.start("--headless --size 160x90 --step 0.1 --fps 0 --frames 21 --screenshot-every 1 "
               "--screenshot '" +
-              stem + ".png'");
+              stem + ".png' --contact-sheet '" + stem + "s.png'");
     EXPECT_EQ(run.program->finish(&run.output), 0);
     if (run.output.find("going on without pictures") != std::string::npos)
         GTEST_SKIP() << "no OpenGL without a display here";
     for (const char* name : {".png", "_0001.png", "_0002.png"})
         EXPECT_EQ(pngSize(stem + name), std::make_pair(160, 90)) << name << "\n" << run.output;
     EXPECT_FALSE(std::filesystem::exists(stem + "_0004.png"));
+    EXPECT_EQ(pngSize(stem + "s.png"), std::make_pair(3 * 160, 90)); // at 0.1, 1.1 and 2.1 s
 }
 
 TEST(Pictures, AWindowOnADisplay) {

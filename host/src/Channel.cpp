@@ -45,7 +45,7 @@ void levelCamera() {
 
 Channel::Channel(const Options& options)
     : m_options(options), m_window(*this), m_camera_control(nullptr), m_environment(m_options),
-      m_screenshots(options.screenshot, options.screenshot_every) {
+      m_screenshots(options.screenshot, options.screenshot_every, options.contact_sheet) {
     m_status.setQuiet(options.quiet);
 }
 

@@ -37,6 +37,8 @@ void addPictureOptions(CLI::App& app, Options& options) {
                    "Write a picture each time so many seconds of scene time have passed, numbered "
                    "after the name of --screenshot")
         ->check(CLI::NonNegativeNumber);
+    app.add_option("--contact-sheet", options.contact_sheet,
+                   "Write small copies of the numbered pictures, side by side, to this PNG file");
     app.add_option("--time", options.time_of_day, "Local solar time, hours")
         ->check(CLI::Range(0.0, 24.0));
     app.add_option("--day", options.day_of_year, "Day of the year")->check(CLI::Range(1, 366));

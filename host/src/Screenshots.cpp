@@ -18,8 +18,11 @@ void Screenshots::take(ig::Renderer& renderer) {
     const std::size_t dot = path.rfind('.');
     path.insert(dot == std::string::npos ? path.size() : dot, number);
     renderer.savePicture(path);
+    ig::Picture picture;
+    if (!m_sheet_path.empty() && renderer.readPicture(picture)) m_sheet.add(picture);
 }
 
 void Screenshots::afterLast(ig::Renderer& renderer) {
     if (!m_path.empty()) renderer.savePicture(m_path);
+    if (!m_sheet.isEmpty()) renderer.writePicture(m_sheet_path, m_sheet.compose());
 }
