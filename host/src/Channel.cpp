@@ -44,8 +44,9 @@ void levelCamera() {
 } // namespace
 
 Channel::Channel(const Options& options)
-    : m_options(options), m_interface(this, &m_control), m_camera_control(nullptr),
-      m_environment(m_options), m_screenshots(options.screenshot, options.screenshot_every),
+    : m_options(options), m_window(*this), m_interface(this, &m_control), m_camera_control(nullptr),
+      m_environment(m_options),
+      m_screenshots(options.screenshot, options.screenshot_every, options.contact_sheet),
       m_clock(options.frame_rate, options.step) {
     m_status.setQuiet(options.quiet);
 }
@@ -89,8 +90,10 @@ bool Channel::open() {
 /// Pictures where the machine can draw them; where it can't, the whole channel still runs without,
 /// unless pictures were asked for.
 bool Channel::makeRenderer() {
+    if (!openWindow()) return false;
     if (m_options.renderer != "null") {
-        m_renderer = std::make_unique<RendererGL>(RendererGL::Surface::none);
+        m_renderer = std::make_unique<RendererGL>(m_window.isOpen() ? RendererGL::Surface::window
+                                                                    : RendererGL::Surface::none);
         m_renderer->setScale(m_options.scale > 0 ? m_options.scale : 1);
         m_renderer->setProfiling(m_options.profile);
         if (m_renderer->init(m_options.width, m_options.height)) return true;
@@ -121,14 +124,18 @@ bool Channel::loadWorld() {
 
 /// A level camera at the start marker, looking ahead: the logic's views take over from it.
 void Channel::placeCamera() {
-    m_camera.setPerspective(
-        FIELD_OF_VIEW, static_cast<float>(m_options.width) / static_cast<float>(m_options.height),
-        Z_NEAR, Z_FAR);
+    setProjection();
     if (const Node* start = m_world.getNodeByName("start_heli"))
         m_camera.setTransform(start->getWorldTransform() *
                               dmat4(dquat(dvec3(1, 0, 0), 90), dvec3()));
     m_camera_control.setCamera(&m_camera);
     levelCamera();
+}
+
+void Channel::setProjection() {
+    m_camera.setPerspective(
+        FIELD_OF_VIEW, static_cast<float>(m_options.width) / static_cast<float>(m_options.height),
+        Z_NEAR, Z_FAR);
 }
 
 // ------------------------------------------------------------------ frames
@@ -149,11 +156,15 @@ bool Channel::runFrame() {
     if (g_stop || isOver()) return false;
     const float dt = m_clock.beginFrame();
     const double begin = steadyNow();
+    if (m_window.isOpen() && !m_window.poll()) m_close_requested = true;
     const FrameCosts costs = frame(dt);
+    const double work = steadyNow() - begin;
+    if (m_options.scale <= 0) m_renderer->setScale(m_governor.update(work, m_renderer->getScale()));
+    if (m_window.isOpen()) m_window.swap();
     m_interface.getOverlays().addFrame(dt, costs, m_listener.m_records - m_last_records);
     m_last_records = m_listener.m_records;
     m_trace.write(begin, m_listener);
-    m_status.addFrame(dt, steadyNow() - begin);
+    m_status.addFrame(dt, work);
     m_status.print(m_listener, m_environment.describe());
     m_scene_time += static_cast<double>(dt);
     m_frames++;
@@ -212,7 +223,9 @@ void Channel::draw() {
         fixed.setWgsHPR({eye[3], -eye[4], 0});
         camera = &fixed;
     }
-    m_environment.fillFrame(getLongitude(), m_frame_info);
+    m_environment.fillFrame(
+        Engine::get()->getEllipsoidModel()->toWGS(camera->getWorldPosition(), true).x,
+        m_frame_info);
     Environment::fillDownwash(m_listener.m_helicopter, m_frame_info);
     m_frame_info.time = time;
     m_frame_info.focus = m_listener.m_helicopter;
@@ -249,6 +262,7 @@ void Channel::close() {
     PackageManager::release();
     Engine::get()->reset();
     m_renderer.reset();
+    m_window.close();
     m_library.unload();
     m_plugins.clear();
 }

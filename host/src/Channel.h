@@ -6,9 +6,11 @@
 #include "Library.h"
 #include "LogicListener.h"
 #include "Options.h"
+#include "ScaleGovernor.h"
 #include "Screenshots.h"
 #include "Status.h"
 #include "Trace.h"
+#include "Window.h"
 #include "host/interface/OperatorInterface.h"
 #include "ig/app/ControlApp.h"
 #include "ig/app/IApp.h"
@@ -24,7 +26,7 @@ class LogicBase;
 
 /// The application that hosts a scene logic: it loads the libraries and the world, runs the frames,
 /// and ends in order. `docs/architecture.md` tells what happens in a frame.
-class Channel : public ig::IApp {
+class Channel : public ig::IApp, private WindowListener {
 public:
     explicit Channel(const Options& options);
     ~Channel() override { close(); }
@@ -47,6 +49,16 @@ public:
     ig::UIRoot* getUIRoot() const override { return m_interface.getRoot(); }
 
 private:
+    // ChannelWindow.cpp
+    bool openWindow();
+    void onKey(int key, bool down, bool repeat) override;
+    void onText(const char* utf8) override;
+    void onButton(int button, bool down, float x, float y) override;
+    void onMove(float x, float y) override;
+    void onWheel(float notches) override;
+    void onFocusLost() override;
+    void onResized(int width, int height) override;
+
     bool makeRenderer();
     bool loadLibraries();
     bool loadWorld();
@@ -54,13 +66,15 @@ private:
     bool runFrame();
     FrameCosts frame(float dt);
     void askToQuit();
+    void setProjection();
     void draw();
     void levelAfterJump();
-    double getLongitude() const;
     bool isOver() const;
 
     Options m_options;
-    std::unique_ptr<ig::Renderer> m_renderer;
+    Window m_window;
+    std::unique_ptr<ig::Renderer> m_renderer; ///< before the window goes
+    ScaleGovernor m_governor;
     ig::ControlApp m_control;
     OperatorInterface m_interface;
     ig::World m_world;

@@ -49,6 +49,8 @@ void addPictureOptions(CLI::App& app, Options& options) {
                    "Write a picture each time so many seconds of scene time have passed, numbered "
                    "after the name of --screenshot")
         ->check(CLI::NonNegativeNumber);
+    app.add_option("--contact-sheet", options.contact_sheet,
+                   "Write small copies of the numbered pictures, side by side, to this PNG file");
     app.add_option("--eye", options.eye,
                    "Look from a fixed place: LONGITUDE LATITUDE ALTITUDE HEADING PITCH (down is "
                    "negative)")

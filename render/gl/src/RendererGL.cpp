@@ -313,6 +313,10 @@ bool RendererGL::savePicture(const jString& path) {
     return false;
 }
 
+bool RendererGL::writePicture(const jString& path, const Picture& picture) {
+    return writePng(path.c_str(), picture);
+}
+
 double RendererGL::readDistance(double x, double y) {
     Impl& r = *m_impl;
     if (!r.ready) return 0;

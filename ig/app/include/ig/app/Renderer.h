@@ -82,6 +82,8 @@ public:
     virtual bool readPicture(Picture&) { return false; }
     /// Writes it as PNG. False, having logged why, when that is impossible.
     virtual bool savePicture(const jString&) { return false; }
+    /// Writes any picture as PNG, likewise.
+    virtual bool writePicture(const jString&, const Picture&) { return false; }
 
     /// Measures passes from the next frame on; waits for the device after each, so that frames take
     /// longer.

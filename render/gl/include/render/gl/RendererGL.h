@@ -32,6 +32,7 @@ public:
     float getScale() const override;
     bool readPicture(ig::Picture& picture) override;
     bool savePicture(const ig::jString& path) override;
+    bool writePicture(const ig::jString& path, const ig::Picture& picture) override;
     void setProfiling(bool on) override;
     std::span<const ig::PassTime> getPassTimes() const override;
     ig::RenderResources getResources() const override;
