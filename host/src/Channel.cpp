@@ -124,6 +124,11 @@ void Channel::placeCamera() {
                               dmat4(dquat(dvec3(1, 0, 0), 90), dvec3()));
     m_camera_control.setCamera(&m_camera);
     levelCamera();
+    if (m_options.eye.empty()) return;
+    const std::vector<double>& eye = m_options.eye;
+    m_fixed_camera.setProjection(m_camera.getProjection());
+    m_fixed_camera.setWgsPosition({eye[0], eye[1], eye[2]});
+    m_fixed_camera.setWgsHPR({eye[3], -eye[4], 0});
 }
 
 // ------------------------------------------------------------------ frames
@@ -156,9 +161,10 @@ void Channel::frame(float dt) {
     Engine::get()->beginFrame(dt);
     m_logic->update(dt);
     levelAfterJump();
-    m_environment.update(dt, m_camera, m_control);
+    m_environment.update(dt, getEye(), m_control);
     m_world.updatePhysics(dt);
     m_world.updateParticles(dt);
+    m_particles.advance(m_world, dt);
     m_logic->swap();
     draw();
     m_logic->render();
@@ -167,27 +173,10 @@ void Channel::frame(float dt) {
 
 void Channel::draw() {
     const double time = Engine::get()->getRunningTime();
-    m_environment.fillFrame(getLongitude(), m_frame_info);
-    m_frame_info.time = time;
-    m_frame_info.focus = m_listener.m_helicopter;
-    if (m_options.eye.empty()) {
-        m_renderer->render(m_world, m_camera, m_frame_info);
-    } else {
-        const std::vector<double>& eye = m_options.eye;
-        Camera camera;
-        camera.setProjection(m_camera.getProjection());
-        camera.setWgsPosition({eye[0], eye[1], eye[2]});
-        camera.setWgsHPR({eye[3], -eye[4], 0});
-        m_renderer->render(m_world, camera, m_frame_info);
-    }
+    m_environment.fillFrame(getEye(), m_listener.m_helicopter, time, m_frame_info);
+    m_frame_info.particles = &m_particles;
+    m_renderer->render(m_world, getEye(), m_frame_info);
     m_screenshots.afterFrame(*m_renderer, time);
-}
-
-/// Of the helicopter, for the sky; of the camera without one.
-double Channel::getLongitude() const {
-    const Node* node = m_listener.m_helicopter;
-    if (!node) node = &m_camera;
-    return Engine::get()->getEllipsoidModel()->toWGS(node->getWorldPosition()).x;
 }
 
 /// Elsewhere on the earth "up" points elsewhere: the camera that came along would hang askew.
@@ -205,6 +194,7 @@ void Channel::close() {
         m_logic->release();
         if (m_renderer) m_renderer->release();
         m_listener.m_helicopter = nullptr;
+        m_particles.clear();
         m_world.clear();
         delete m_logic;
         m_logic = nullptr;

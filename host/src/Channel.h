@@ -13,6 +13,7 @@
 #include "ig/app/Renderer.h"
 #include "ig/scene/Camera.h"
 #include "ig/scene/CameraControl.h"
+#include "ig/scene/ParticleSystem.h"
 #include "ig/scene/World.h"
 
 #include <memory>
@@ -48,14 +49,15 @@ private:
     void frame(float dt);
     void draw();
     void levelAfterJump();
-    double getLongitude() const;
+    const ig::Camera& getEye() const { return m_options.eye.empty() ? m_camera : m_fixed_camera; }
     bool isOver(double scene_time, int frames) const;
 
     Options m_options;
     std::unique_ptr<ig::Renderer> m_renderer;
     ig::ControlApp m_control;
     ig::World m_world;
-    ig::Camera m_camera;
+    ig::Camera m_camera;       ///< the logic's
+    ig::Camera m_fixed_camera; ///< what is seen through instead when the options say so
     ig::CameraControl m_camera_control;
     std::vector<std::unique_ptr<Library>> m_plugins; ///< unloaded after the logic
     Library m_library;
@@ -64,6 +66,7 @@ private:
     Status m_status;
     Environment m_environment;
     Screenshots m_screenshots;
+    ig::ParticleSystem m_particles;
     ig::FrameInfo m_frame_info;
     Trace m_trace;
     ig::dvec3 m_last_position; ///< of the helicopter

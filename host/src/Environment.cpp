@@ -5,7 +5,9 @@
 #include "ig/app/ControlApp.h"
 #include "ig/app/Engine.h"
 #include "ig/app/Sky.h"
+#include "ig/math/jMath.h"
 #include "ig/scene/Camera.h"
+#include "ig/scene/ObjectPrefab.h"
 #include "ig/scene/SceneObjects.h"
 #include "ig/scene/World.h"
 #include "plugins/ocean/ObjectOcean.h"
@@ -25,6 +27,8 @@ constexpr float WIND_STRENGTH = 400;   ///< the scene's wind strength for 1 m/s
 constexpr int HEAVY = 3;               ///< the highest level of precipitation
 constexpr int HIGHEST_SEA = 12;        ///< Beaufort
 constexpr double DAY = 24;             ///< hours
+constexpr float ROTOR_RADIUS = 9.5f;   ///< m
+constexpr float WASH_FADES_FROM = 8, WASH_FADES_TO = 30; ///< altitude over the water, m
 
 /// Looks of the sky by WEATHER_TYPE.
 struct Look {
@@ -161,7 +165,15 @@ void Environment::tellLogic(const Weather& weather) {
     if (hour != m_told_hour) m_logic->setTod(m_told_hour = hour);
 }
 
-void Environment::fillFrame(double longitude, FrameInfo& frame) const {
+void Environment::fillFrame(const Camera& camera, const ObjectPrefab* helicopter, double time,
+                            FrameInfo& frame) const {
+    frame.time = time;
+    frame.focus = helicopter;
+    fillSky(Engine::get()->getEllipsoidModel()->toWGS(camera.getWorldPosition(), true).x, frame);
+    fillDownwash(helicopter, frame);
+}
+
+void Environment::fillSky(double longitude, FrameInfo& frame) const {
     const Sky sky = computeSky(m_hour, longitude, m_day_of_year);
     frame.sun_direction = sky.sun_direction;
     frame.moon_direction = sky.moon_direction;
@@ -177,6 +189,18 @@ void Environment::fillFrame(double longitude, FrameInfo& frame) const {
         frame.visibility = static_cast<double>(weather.visibility);
     else
         frame.visibility = weather.look == WEATHER_FOG ? FOG_VISIBILITY : DEFAULT_VISIBILITY;
+}
+
+/// The water feels the rotor as long as the logic shows its downwash.
+void Environment::fillDownwash(const ObjectPrefab* helicopter, FrameInfo& frame) {
+    frame.wash_strength = 0;
+    const Node* node = helicopter ? helicopter->getNodeByName("downwash_spe") : nullptr;
+    if (!node || !node->isVisible()) return;
+    frame.wash_position = helicopter->getWorldPosition();
+    frame.wash_radius = ROTOR_RADIUS;
+    const double altitude = Engine::get()->getEllipsoidModel()->getAltitude(frame.wash_position);
+    frame.wash_strength =
+        jMath::getFadeOut(static_cast<float>(altitude), WASH_FADES_TO, WASH_FADES_FROM);
 }
 
 std::string Environment::describe() const {

@@ -39,8 +39,10 @@ public:
     /// Once per frame, after the logic's update and before physics and particles. Precipitation
     /// falls around `camera`.
     void update(float dt, const ig::Camera& camera, const ig::ControlApp& keys);
-    /// Fills in what concerns the sky; `longitude` (degrees) is where the hour counts.
-    void fillFrame(double longitude, ig::FrameInfo& frame) const;
+    /// Fills in what concerns light, air and water. The hour counts at the camera's longitude;
+    /// `helicopter` may be null; `time` is the scene's.
+    void fillFrame(const ig::Camera& camera, const ig::ObjectPrefab* helicopter, double time,
+                   ig::FrameInfo& frame) const;
 
     /// What holds at present.
     Weather getWeather() const { return m_told.overriddenBy(m_operator); }
@@ -71,6 +73,8 @@ private:
     void readKeys(const ig::ControlApp& keys);
     void applyPrecipitation(const Weather& weather, const ig::Camera& camera);
     void tellLogic(const Weather& weather);
+    void fillSky(double longitude, ig::FrameInfo& frame) const;
+    static void fillDownwash(const ig::ObjectPrefab* helicopter, ig::FrameInfo& frame);
 
     LogicBase* m_logic = nullptr;   ///< the host application's
     ObjectOcean* m_ocean = nullptr; ///< the world's

@@ -37,6 +37,7 @@ struct EnvironmentTest : testing::Test {
             (*emitter)->setLife(2);
         }
         camera.setWgsPosition({-155, 20, 300});
+        options.time_of_day = 12;
     }
     ~EnvironmentTest() override { Engine::get()->reset(); }
     template <class T>
@@ -56,7 +57,7 @@ struct EnvironmentTest : testing::Test {
     }
     void frame(float dt = 1 / 60.0f) {
         environment->update(dt, camera, keys);
-        environment->fillFrame(-155, picture);
+        environment->fillFrame(camera, nullptr, 0, picture);
     }
     void press(int key) {
         keys.keyDown(key);

@@ -24,9 +24,9 @@ void main() {
     float bump_y = texture(uNoise, (vPlace.xy + step_.yx) / 9.0).y - fine.y;
     vec3 normal = normalize(normalize(vNormal) - vec3(bump_x, bump_y, 0.0) * 0.7 * near);
 
-    vec3 turf = uTurf * mix(vec3(0.65, 0.72, 0.6), vec3(1.45, 1.25, 1.1), mottle);
-    turf = mix(turf, vec3(0.30, 0.25, 0.12), smoothstep(0.55, 0.95, wide.x * 0.5 + middle.x * 0.5) * 0.55);
-    vec3 shore = uShore * mix(0.8, 1.12, middle.y);
+    vec3 turf = uTurf * mix(vec3(0.34, 0.40, 0.36), vec3(0.80, 0.74, 0.70), mottle);
+    turf = mix(turf, vec3(0.15, 0.13, 0.065), smoothstep(0.55, 0.95, wide.x * 0.5 + middle.x * 0.5) * 0.55);
+    vec3 shore = uShore * mix(0.50, 0.72, middle.y);
     vec3 rock = uRock * mix(0.55, 1.6, middle.x * 0.5 + fine.x * 0.5);
     float edge = uGround.x * (0.7 + 0.6 * mottle);
     vec3 albedo = mix(shore, turf, smoothstep(edge * 0.85, edge * 1.15 + 0.3, vPlace.z));

@@ -60,8 +60,6 @@ bool OceanPass::init(int columns, int rows) {
         setUp(texture, GL_RGBA32F, GL_FLOAT, GL_LINEAR_MIPMAP_LINEAR);
     for (gl::Texture& texture : m_slope)
         setUp(texture, GL_RGBA8, GL_UNSIGNED_BYTE, GL_LINEAR_MIPMAP_LINEAR);
-    const std::uint8_t nothing[4] = {128, 128, 0, 0};
-    gl::makeTexture(m_effects, 1, 1, {}, nothing);
     m_uploaded = false;
     m_foam_cover = -1;
     m_program.use();
@@ -77,7 +75,6 @@ void OceanPass::release() {
     m_vertex_array.destroy();
     m_vertices.destroy();
     m_indices.destroy();
-    m_effects.destroy();
     for (gl::Texture& texture : m_displacement)
         texture.destroy();
     for (gl::Texture& texture : m_slope)
@@ -328,7 +325,8 @@ void OceanPass::setWaveUniforms(const FrameView& view, const OceanFrame& frame) 
                        static_cast<float>(frame.significant_height), 0));
 }
 
-void OceanPass::draw(const FrameView& view, const OceanFrame& frame, const Downwash& wash) {
+void OceanPass::draw(const FrameView& view, const OceanFrame& frame, const Downwash& wash,
+                     const gl::Texture& effects, float effects_edge) {
     m_program.use();
     const Fan fan = fitFan(view, frame);
     m_program.set("uFan", vec4(fan.azimuth, fan.azimuth_range, fan.steepest, fan.flattest));
@@ -337,12 +335,13 @@ void OceanPass::draw(const FrameView& view, const OceanFrame& frame, const Downw
                        fan.row_height, static_cast<float>(1 / (2 * EARTH_RADIUS))));
     setWaveUniforms(view, frame);
     m_program.set("uWash", vec4(wash.position.x, wash.position.y, wash.radius, wash.strength));
-    m_program.set("uEffectsPlace", vec4(0, 0, 0, 0));
+    m_program.set("uEffectsPlace",
+                  vec4(-effects_edge / 2, -effects_edge / 2, 1 / effects_edge, 1 / effects_edge));
     for (int i = 0; i < DISPLACED; i++)
         gl::bindTexture(gl::UNIT_FIRST_OWN + i, m_displacement[i]);
     for (int i = 0; i < TILES; i++)
         gl::bindTexture(gl::UNIT_FIRST_OWN + DISPLACED + i, m_slope[i]);
-    gl::bindTexture(gl::UNIT_FIRST_OWN + DISPLACED + TILES, m_effects);
+    gl::bindTexture(gl::UNIT_FIRST_OWN + DISPLACED + TILES, effects);
     glBindVertexArray(m_vertex_array.id());
     glDrawElements(GL_TRIANGLES, m_num_indices, GL_UNSIGNED_INT, nullptr);
 }

@@ -25,7 +25,9 @@ public:
 
     /// Brings the waves to the device when they have changed.
     void upload(const OceanFrame& frame);
-    void draw(const FrameView& view, const OceanFrame& frame, const Downwash& wash);
+    /// `effects`: slopes, foam and calm around the eye, on a square of `effects_edge` metres.
+    void draw(const FrameView& view, const OceanFrame& frame, const Downwash& wash,
+              const gl::Texture& effects, float effects_edge);
 
 private:
     static constexpr int TILES = 4, DISPLACED = 3;
@@ -44,7 +46,7 @@ private:
     gl::Program m_program;
     gl::VertexArray m_vertex_array;
     gl::Buffer m_vertices, m_indices;
-    gl::Texture m_displacement[DISPLACED], m_slope[TILES], m_effects;
+    gl::Texture m_displacement[DISPLACED], m_slope[TILES];
     unsigned m_version = 0;
     bool m_uploaded = false;
     float m_slope_scale[TILES] = {};

@@ -12,8 +12,10 @@
 #include "SceneList.h"
 #include "ShadowMap.h"
 #include "SkyPass.h"
+#include "SpritePass.h"
 #include "Targets.h"
 #include "TerrainPass.h"
+#include "UiPass.h"
 #include "ig/base/jLog.h"
 #include "ig/scene/Node.h"
 #include "plugins/ocean/ObjectOcean.h"
@@ -83,6 +85,9 @@ struct RendererGL::Impl {
     MeshPass meshes;
     OceanPass ocean;
     TerrainPass terrain;
+    SpritePass sprites;
+    UiPass ui;
+    Downwash wash;
     gl::Texture noise;
     SceneList list;
     FrameView view;
@@ -127,7 +132,7 @@ bool RendererGL::Impl::initPasses() {
     const bool software = std::strstr(device.c_str(), "llvmpipe") != nullptr;
     return tonemap.build("screen.vert", "tonemap.frag") && fxaa.build("screen.vert", "fxaa.frag") &&
            sky.init(software ? 512 : 1024) && shadow.init() && meshes.init() && terrain.init() &&
-           (software ? ocean.init(128, 90) : ocean.init(320, 240));
+           sprites.init() && ui.init() && (software ? ocean.init(128, 90) : ocean.init(320, 240));
 }
 
 void RendererGL::release() {
@@ -139,6 +144,8 @@ void RendererGL::release() {
     r.meshes.release();
     r.ocean.release();
     r.terrain.release();
+    r.sprites.release();
+    r.ui.release();
     r.noise.destroy();
     r.tonemap.destroy();
     r.fxaa.destroy();
@@ -179,10 +186,13 @@ void RendererGL::Impl::renderScene(const World& world, const Camera& camera,
     prepare(world, camera, frame);
     clock.mark("prepare");
     drawShadows();
+    sprites.drawEffects();
     clock.mark("shadows");
     drawScene();
     finishPicture();
     clock.mark("picture");
+    if (frame.ui) ui.draw(*frame.ui, targets.width(), targets.height());
+    clock.mark("ui");
     present();
     clock.mark("present");
 }
@@ -200,6 +210,8 @@ void RendererGL::Impl::prepare(const World& world, const Camera& camera, const F
     const vec3 center = frame.focus ? vec3(view.toFrame(frame.focus->getWorldPosition())) : vec3();
     shadow.place(center, block);
     list.gather(world, view, center, ShadowMap::RADIUS);
+    sprites.gather(view, frame.particles, list.lamps);
+    wash = {vec3(view.toFrame(frame.wash_position)), frame.wash_radius, frame.wash_strength};
     uploadBlock();
     meshes.upload(list, sky);
     if (list.ocean) ocean.upload(list.ocean->getFrame());
@@ -227,17 +239,21 @@ void RendererGL::Impl::drawShadows() {
 void RendererGL::Impl::drawScene() {
     glBindFramebuffer(GL_FRAMEBUFFER, targets.scene_target.id());
     glViewport(0, 0, targets.sceneWidth(), targets.sceneHeight());
+    glEnable(GL_DEPTH_TEST);
     glClear(GL_DEPTH_BUFFER_BIT);
     meshes.drawOpaque();
     clock.mark("meshes");
     if (list.terrain) terrain.draw(view, *list.terrain);
     clock.mark("terrain");
-    if (list.ocean) ocean.draw(view, list.ocean->getFrame(), {});
+    if (list.ocean)
+        ocean.draw(view, list.ocean->getFrame(), wash, sprites.getEffects(), SpritePass::MAP_EDGE);
     clock.mark("ocean");
     sky.drawBackground(view);
     clock.mark("sky");
     meshes.drawTransparent();
     clock.mark("transparent");
+    sprites.draw();
+    clock.mark("sprites");
 }
 
 /// Light to picture: tone curve, edge filter, scaling.

@@ -13,10 +13,11 @@ using namespace ig;
 
 namespace {
 
-constexpr int KEPT = 600;           ///< frames that a chunk outlives its last use
-constexpr float CELL_PIXELS = 10;   ///< a cell larger than this in the picture is split
-constexpr float SEA_BED = -15;      ///< altitude below which the sea hides everything
-constexpr double NOISE_PERIOD = 14400; ///< m; a multiple of all scales that the shaders ask noise at
+constexpr int KEPT = 600;         ///< frames that a chunk outlives its last use
+constexpr float CELL_PIXELS = 10; ///< a cell larger than this in the picture is split
+constexpr float SEA_BED = -15;    ///< altitude below which the sea hides everything
+constexpr double NOISE_PERIOD =
+    14400; ///< m; a multiple of all scales that the shaders ask noise at
 
 struct Vertex {
     vec3 position;
@@ -71,7 +72,8 @@ void TerrainPass::adopt(const TerrainGrid& grid) {
 void TerrainPass::purge() {
     if (m_frame % KEPT) return;
     for (auto entry = m_chunks.begin(); entry != m_chunks.end();)
-        entry = entry->second.last_drawn < m_frame - KEPT ? m_chunks.erase(entry) : std::next(entry);
+        entry =
+            entry->second.last_drawn < m_frame - KEPT ? m_chunks.erase(entry) : std::next(entry);
 }
 
 void TerrainPass::draw(const FrameView& view, const ObjectTerrain& terrain) {
@@ -86,9 +88,10 @@ void TerrainPass::draw(const FrameView& view, const ObjectTerrain& terrain) {
     m_program.set("uTurf", readValue(material, "diffuse_color", {0.16f, 0.21f, 0.07f, 1}).xyz());
     m_program.set("uShore", readValue(material, "shore_color", {0.62f, 0.54f, 0.38f, 1}).xyz());
     m_program.set("uRock", readValue(material, "rock_color", {0.1f, 0.09f, 0.085f, 1}).xyz());
-    m_program.set("uGround", vec4(readSlider(material, "shore_height", 3.5f),
-                                  readSlider(material, "rock_slope", 0.7f),
-                                  readSlider(material, "wetness", 0), readSlider(material, "ice", 0)));
+    m_program.set("uGround",
+                  vec4(readSlider(material, "shore_height", 3.5f),
+                       readSlider(material, "rock_slope", 0.7f), readSlider(material, "wetness", 0),
+                       readSlider(material, "ice", 0)));
     glEnable(GL_CULL_FACE);
     int step = 1;
     while (CELLS * step < std::max(grid.columns, grid.rows) - 1)
@@ -116,7 +119,8 @@ TerrainPass::Extent TerrainPass::measure(const Square& square) {
             }
     } else {
         for (int r = square.row; r <= std::min(square.row + size, grid.rows - 1); r++)
-            for (int c = square.column; c <= std::min(square.column + size, grid.columns - 1); c++) {
+            for (int c = square.column; c <= std::min(square.column + size, grid.columns - 1);
+                 c++) {
                 const float height = grid.getHeight(c, r);
                 if (TerrainGrid::isHole(height)) continue;
                 extent = {std::min(extent.lowest, height), std::max(extent.highest, height)};
@@ -133,13 +137,14 @@ void TerrainPass::visit(const FrameView& view, const TerrainGrid& grid, const Sq
     const double columns = std::min(size, grid.columns - 1.0 - square.column);
     const double rows = std::min(size, grid.rows - 1.0 - square.row);
     const double column = square.column + columns / 2, row = square.row + rows / 2;
-    const double low = static_cast<double>(extent.lowest), high = static_cast<double>(extent.highest);
+    const double low = static_cast<double>(extent.lowest),
+                 high = static_cast<double>(extent.highest);
     const dvec3 middle = EllipsoidModel().toWorld(geodetic(grid, column, row, (low + high) / 2));
     const dvec2 metres = spacing(grid, row);
     const vec3 center(view.toFrame(middle));
-    const auto radius = static_cast<float>(
-        std::hypot(metres.x * columns, metres.y * rows) / 2 + (high - low) / 2 + 1 +
-        metres.y * metres.y * size * size / 5e7); // the earth bends away
+    const auto radius =
+        static_cast<float>(std::hypot(metres.x * columns, metres.y * rows) / 2 + (high - low) / 2 +
+                           1 + metres.y * metres.y * size * size / 5e7); // the earth bends away
     if (!view.sees(center, radius)) return;
     const float distance = std::max(length(center) - radius, 1.0f);
     const auto cell = static_cast<float>(metres.y * square.step);
@@ -162,23 +167,24 @@ void TerrainPass::drawChunk(const FrameView& view, const TerrainGrid& grid, cons
     m_program.set("uRow0", vec4(c[0].x, c[1].x, c[2].x, c[3].x));
     m_program.set("uRow1", vec4(c[0].y, c[1].y, c[2].y, c[3].y));
     m_program.set("uRow2", vec4(c[0].z, c[1].z, c[2].z, c[3].z));
-    m_program.set("uPatch", vec2{static_cast<float>(chunk.patch.x), static_cast<float>(chunk.patch.y)});
+    m_program.set("uPatch",
+                  vec2{static_cast<float>(chunk.patch.x), static_cast<float>(chunk.patch.y)});
     glBindVertexArray(chunk.vertex_array.id());
     glDrawElements(GL_TRIANGLES, chunk.num_indices, GL_UNSIGNED_SHORT, nullptr);
     m_drawn++;
 }
 
 /// Vertices of (CELLS + 1)² samples and a ring around them, the skirt: the samples of the border
-/// once more, lowered. Triangles as the terrain defines them: each cell is split from its north-east
-/// to its south-west corner; those with a corner without data are left out.
+/// once more, lowered. Triangles as the terrain defines them: each cell is split from its
+/// north-east to its south-west corner; those with a corner without data are left out.
 void TerrainPass::fill(Chunk& chunk, const TerrainGrid& grid, const Square& square) {
     const EllipsoidModel earth;
     constexpr int EDGE = CELLS + 3;
     const int step = square.step;
     const double half = CELLS * step / 2.0;
     const dvec2 metres = spacing(grid, square.row + half);
-    chunk.frame =
-        earth.getWGSTransform(earth.toWorld(geodetic(grid, square.column + half, square.row + half, 0)));
+    chunk.frame = earth.getWGSTransform(
+        earth.toWorld(geodetic(grid, square.column + half, square.row + half, 0)));
     chunk.patch = {std::fmod((square.column + half) * metres.x, NOISE_PERIOD),
                    std::fmod((grid.rows - square.row - half) * metres.y, NOISE_PERIOD)};
     const dmat4 to_chunk = inverse(chunk.frame);
@@ -199,7 +205,8 @@ void TerrainPass::fill(Chunk& chunk, const TerrainGrid& grid, const Square& squa
             const bool skirt = ci != i - 1 || cj != j - 1;
             const double lowered = skirt ? metres.y * step * 0.5 : 0;
             const auto slope = [&](float a, float b, double distance) {
-                return std::isfinite(a - b) ? (a - b) / static_cast<float>(2 * step * distance) : 0.0f;
+                return std::isfinite(a - b) ? (a - b) / static_cast<float>(2 * step * distance)
+                                            : 0.0f;
             };
             const vec3 normal = normalize(
                 vec3(slope(height(column - step, row), height(column + step, row), metres.x),

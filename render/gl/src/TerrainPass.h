@@ -8,10 +8,10 @@
 #include <unordered_map>
 #include <vector>
 
-/// Draws the ground. A quadtree over the samples of the terrain: a node is a square of 32 × 32 cells,
-/// of every sample at the leaves, of every second, fourth, ... above. Near the eye nodes are split
-/// until their cells are small in the picture; there the drawn triangles are the very ones that
-/// queries meet. Skirts hide the gaps between neighbours of different detail.
+/// Draws the ground. A quadtree over the samples of the terrain: a node is a square of 32 × 32
+/// cells, of every sample at the leaves, of every second, fourth, ... above. Near the eye nodes are
+/// split until their cells are small in the picture; there the drawn triangles are the very ones
+/// that queries meet. Skirts hide the gaps between neighbours of different detail.
 ///
 /// A chunk's vertices are floats in the frame of the chunk's own middle, so that they are exact
 /// wherever the chunk lies.

@@ -12,6 +12,7 @@ namespace ig {
 
 class Camera;
 class Node;
+class ParticleSystem;
 class UiDrawList;
 class World;
 
@@ -22,13 +23,17 @@ struct FrameInfo {
     /// Towards the sun and the moon, earth-centred, unit length.
     dvec3 sun_direction{0, 0, 1};
     dvec3 moon_direction{0, 0, -1};
-    double sidereal_angle = 0;      ///< turn of the stars, degrees
-    double visibility = 60000;      ///< meteorological visibility at sea level, m, above 0
-    float cloud_cover = 0.5f;       ///< broken clouds, 0 to 1
-    float overcast = 0;             ///< closed layer of clouds, 0 to 1
-    float cloud_darkness = 0;       ///< of the closed layer, 0 thin to 1 thunderstorm
-    float rain = 0, snow = 0;       ///< 0 to 1
-    const Node* focus = nullptr;    ///< where shadows are sharpest; null: around the camera
+    double sidereal_angle = 0;   ///< turn of the stars, degrees
+    double visibility = 60000;   ///< meteorological visibility at sea level, m, above 0
+    float cloud_cover = 0.5f;    ///< broken clouds, 0 to 1
+    float overcast = 0;          ///< closed layer of clouds, 0 to 1
+    float cloud_darkness = 0;    ///< of the closed layer, 0 thin to 1 thunderstorm
+    float rain = 0, snow = 0;    ///< 0 to 1
+    const Node* focus = nullptr; ///< where shadows are sharpest; null: around the camera
+    const ParticleSystem* particles = nullptr;
+    /// A helicopter's downwash on the water: the rotor's middle (world), its radius, 0 to 1.
+    dvec3 wash_position;
+    float wash_radius = 0, wash_strength = 0;
     const UiDrawList* ui = nullptr; ///< drawn last; null: none
 };
 
