@@ -44,7 +44,7 @@ void levelCamera() {
 } // namespace
 
 Channel::Channel(const Options& options)
-    : m_options(options), m_camera_control(nullptr), m_environment(m_options),
+    : m_options(options), m_window(*this), m_camera_control(nullptr), m_environment(m_options),
       m_screenshots(options.screenshot, options.screenshot_every) {
     m_status.setQuiet(options.quiet);
 }
@@ -84,8 +84,10 @@ bool Channel::open() {
 /// Pictures where the machine can draw them; where it can't, the whole channel still runs without,
 /// unless pictures were asked for.
 bool Channel::makeRenderer() {
+    if (!openWindow()) return false;
     if (m_options.renderer != "null") {
-        m_renderer = std::make_unique<RendererGL>(RendererGL::Surface::none);
+        m_renderer = std::make_unique<RendererGL>(m_window.isOpen() ? RendererGL::Surface::window
+                                                                    : RendererGL::Surface::none);
         m_renderer->setScale(m_options.scale > 0 ? m_options.scale : 1);
         m_renderer->setProfiling(m_options.profile);
         if (m_renderer->init(m_options.width, m_options.height)) return true;
@@ -116,9 +118,7 @@ bool Channel::loadWorld() {
 
 /// A level camera at the start marker, looking ahead: the logic's views take over from it.
 void Channel::placeCamera() {
-    m_camera.setPerspective(
-        FIELD_OF_VIEW, static_cast<float>(m_options.width) / static_cast<float>(m_options.height),
-        Z_NEAR, Z_FAR);
+    setProjection();
     if (const Node* start = m_world.getNodeByName("start_heli"))
         m_camera.setTransform(start->getWorldTransform() *
                               dmat4(dquat(dvec3(1, 0, 0), 90), dvec3()));
@@ -126,9 +126,15 @@ void Channel::placeCamera() {
     levelCamera();
     if (m_options.eye.empty()) return;
     const std::vector<double>& eye = m_options.eye;
-    m_fixed_camera.setProjection(m_camera.getProjection());
     m_fixed_camera.setWgsPosition({eye[0], eye[1], eye[2]});
     m_fixed_camera.setWgsHPR({eye[3], -eye[4], 0});
+}
+
+void Channel::setProjection() {
+    m_camera.setPerspective(
+        FIELD_OF_VIEW, static_cast<float>(m_options.width) / static_cast<float>(m_options.height),
+        Z_NEAR, Z_FAR);
+    m_fixed_camera.setProjection(m_camera.getProjection());
 }
 
 // ------------------------------------------------------------------ frames
@@ -139,9 +145,14 @@ void Channel::run() {
     for (int frames = 0; !g_stop && !isOver(scene_time, frames); frames++) {
         const float dt = clock.beginFrame();
         const double begin = steadyNow();
+        if (m_window.isOpen() && !m_window.poll()) break;
         frame(dt);
+        const double work = steadyNow() - begin;
+        if (m_options.scale <= 0)
+            m_renderer->setScale(m_governor.update(work, m_renderer->getScale()));
+        if (m_window.isOpen()) m_window.swap();
         m_trace.write(begin, m_listener);
-        m_status.addFrame(dt, steadyNow() - begin);
+        m_status.addFrame(dt, work);
         m_status.print(m_listener, m_environment.describe());
         scene_time += static_cast<double>(dt);
     }
@@ -204,6 +215,7 @@ void Channel::close() {
     PackageManager::release();
     Engine::get()->reset();
     m_renderer.reset();
+    m_window.close();
     m_library.unload();
     m_plugins.clear();
 }

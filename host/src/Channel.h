@@ -5,9 +5,11 @@
 #include "Library.h"
 #include "LogicListener.h"
 #include "Options.h"
+#include "ScaleGovernor.h"
 #include "Screenshots.h"
 #include "Status.h"
 #include "Trace.h"
+#include "Window.h"
 #include "ig/app/ControlApp.h"
 #include "ig/app/IApp.h"
 #include "ig/app/Renderer.h"
@@ -22,7 +24,7 @@ class LogicBase;
 
 /// The application that hosts a scene logic: it loads the libraries and the world, runs the frames,
 /// and ends in order. `docs/architecture.md` tells what happens in a frame.
-class Channel : public ig::IApp {
+class Channel : public ig::IApp, private WindowListener {
 public:
     explicit Channel(const Options& options);
     ~Channel() override { close(); }
@@ -42,10 +44,21 @@ public:
     ig::ControlApp* getControl() override { return &m_control; }
 
 private:
+    // ChannelWindow.cpp
+    bool openWindow();
+    void onKey(int key, bool down, bool repeat) override;
+    void onText(const char* utf8) override;
+    void onButton(int button, bool down, float x, float y) override;
+    void onMove(float x, float y) override;
+    void onWheel(float notches) override;
+    void onFocusLost() override;
+    void onResized(int width, int height) override;
+
     bool makeRenderer();
     bool loadLibraries();
     bool loadWorld();
     void placeCamera();
+    void setProjection();
     void frame(float dt);
     void draw();
     void levelAfterJump();
@@ -53,7 +66,11 @@ private:
     bool isOver(double scene_time, int frames) const;
 
     Options m_options;
-    std::unique_ptr<ig::Renderer> m_renderer;
+    Window m_window;
+    std::unique_ptr<ig::Renderer> m_renderer; ///< before the window goes
+    ScaleGovernor m_governor;
+    bool m_mouse_known = false;
+    float m_mouse_x = 0, m_mouse_y = 0; ///< pixels from the top left corner
     ig::ControlApp m_control;
     ig::World m_world;
     ig::Camera m_camera;       ///< the logic's

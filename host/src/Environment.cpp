@@ -37,6 +37,7 @@ struct Look {
 constexpr Look LOOKS[] = {{0.5f, 0, 0}, {0.8f, 1, 0.15f}, {0.9f, 1, 0.85f}, {0.5f, 0.9f, 0.1f}};
 
 // What the keys go through; the first of each is "as told".
+constexpr int LOOK_KEY = KEY_F7, SHOWER_KEY = KEY_F8, SEA_KEY = 'b', HOUR_KEY = 't';
 constexpr int SEAS[] = {-1, 0, 2, 4, 6, 8};
 constexpr int SHOWERS[][3] = {{-1, -1, -1}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0},
                               {0, 3, 0},    {0, 0, 3}, {0, 0, 0}};
@@ -103,9 +104,9 @@ void Environment::onVisibility(float fraction) {
 void Environment::onSea(int code) { m_told.beaufort = std::clamp(code, 0, HIGHEST_SEA); }
 
 void Environment::readKeys(const ControlApp& keys) {
-    if (keys.isKeyClick(KEY_F7))
+    if (keys.isKeyClick(LOOK_KEY))
         m_operator.look = m_operator.look < WEATHER_FOG ? m_operator.look + 1 : -1;
-    if (keys.isKeyClick(KEY_F8)) {
+    if (keys.isKeyClick(SHOWER_KEY)) {
         const int present[] = {m_operator.rain, m_operator.snow, m_operator.hail};
         const auto* at = std::find_if(std::begin(SHOWERS), std::end(SHOWERS), [&](const auto& s) {
             return std::equal(std::begin(s), std::end(s), present);
@@ -116,12 +117,13 @@ void Environment::readKeys(const ControlApp& keys) {
         m_operator.snow = next[1];
         m_operator.hail = next[2];
     }
-    if (keys.isKeyClick(KEY_F9)) {
+    if (keys.isKeyClick(SEA_KEY)) {
         const auto* higher =
             std::upper_bound(std::begin(SEAS), std::end(SEAS), m_operator.beaufort);
         m_operator.beaufort = higher == std::end(SEAS) ? SEAS[0] : *higher;
     }
-    if (keys.isKeyClick(KEY_F10)) m_hour = wrapHour(m_hour + (keys.isKeyPress(KEY_SHIFT) ? -1 : 1));
+    if (keys.isKeyClick(HOUR_KEY))
+        m_hour = wrapHour(m_hour + (keys.isKeyPress(KEY_SHIFT) ? -1 : 1));
 }
 
 // ------------------------------------------------------------------ what comes of it

@@ -25,8 +25,8 @@ struct Options;
 ///
 ///   F7   look of the sky: as told, clear, overcast, storm, fog
 ///   F8   precipitation: as told, light, medium, heavy rain, heavy snow, heavy hail, none
-///   F9   sea: as told, Beaufort 0, 2, 4, 6, 8
-///   F10  an hour later; with Shift an hour earlier
+///   b    sea: as told, Beaufort 0, 2, 4, 6, 8
+///   t    an hour later; with Shift an hour earlier
 class Environment {
 public:
     explicit Environment(const Options& options);

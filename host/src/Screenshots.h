@@ -15,6 +15,8 @@ public:
     Screenshots(const std::string& path, double interval) : m_path(path), m_interval(interval) {}
     void afterFrame(ig::Renderer& renderer, double time);
     void afterLast(ig::Renderer& renderer);
+    /// A numbered picture now, under the asked name or "picture.png".
+    void take(ig::Renderer& renderer);
 
 private:
     std::string m_path;

@@ -90,7 +90,8 @@ void ParticleSystem::move(ParticleCloud& cloud, const Motion& motion, float dt) 
 void ParticleSystem::spawn(const ObjectParticles& emitter, Entry& entry, const Motion& motion,
                            float dt) {
     if (!(emitter.getPresentRate() > 0)) return;
-    entry.owed += static_cast<double>(emitter.getPresentRate()) * static_cast<double>(dt);
+    entry.owed = std::min(entry.owed + static_cast<double>(emitter.getPresentRate() * dt),
+                          static_cast<double>(MOST));
     const dmat4& pose = emitter.getWorldTransform();
     const vec3 axes[3] = {vec3(pose.getX()), vec3(pose.getY()), vec3(pose.getZ())};
     const vec3 start(pose.getTranslate() - entry.cloud.origin);

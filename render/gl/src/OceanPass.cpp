@@ -60,7 +60,7 @@ bool OceanPass::init(int columns, int rows) {
         setUp(texture, GL_RGBA32F, GL_FLOAT, GL_LINEAR_MIPMAP_LINEAR);
     for (gl::Texture& texture : m_slope)
         setUp(texture, GL_RGBA8, GL_UNSIGNED_BYTE, GL_LINEAR_MIPMAP_LINEAR);
-    m_uploaded = false;
+    m_uploaded = Stamp();
     m_foam_cover = -1;
     m_program.use();
     const char* names[] = {"uDisplacement0", "uDisplacement1", "uDisplacement2", "uSlope0",
@@ -118,9 +118,10 @@ void OceanPass::makeGrid() {
 // ------------------------------------------------------------------ waves to the device
 
 void OceanPass::upload(const OceanFrame& frame) {
-    if (m_uploaded && frame.version == m_version) return;
-    m_uploaded = true;
-    m_version = frame.version;
+    const Stamp stamp{frame.tiles[0].displacement, frame.version, frame.time,
+                      frame.significant_height, frame.wave_direction};
+    if (stamp == m_uploaded) return;
+    m_uploaded = stamp;
     calibrateFoam(frame);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
     glActiveTexture(GL_TEXTURE0 + gl::UNIT_FIRST_OWN);
@@ -184,7 +185,7 @@ void OceanPass::uploadSlopes(const OceanFrame& frame, int tile) {
 /// asks for, from a sample of the measure itself. Seas change slowly: seldom is enough.
 void OceanPass::calibrateFoam(const OceanFrame& frame) {
     if (std::abs(frame.whitecap_cover - m_foam_cover) < 0.05 * frame.whitecap_cover &&
-        std::abs(frame.time - m_foam_time) < 5)
+        std::abs(frame.time - m_foam_time) < 5 && m_foam_cover >= 0)
         return;
     m_foam_cover = frame.whitecap_cover;
     m_foam_time = frame.time;

@@ -47,8 +47,13 @@ private:
     gl::VertexArray m_vertex_array;
     gl::Buffer m_vertices, m_indices;
     gl::Texture m_displacement[DISPLACED], m_slope[TILES];
-    unsigned m_version = 0;
-    bool m_uploaded = false;
+    struct Stamp { ///< tells one sea at one moment from another, be it another ocean's
+        const float* arrays = nullptr;
+        unsigned version = 0;
+        double time = 0, height = 0, direction = 0;
+        friend bool operator==(const Stamp&, const Stamp&) = default;
+    };
+    Stamp m_uploaded;
     float m_slope_scale[TILES] = {};
     /// Whitecaps: see calibrateFoam.
     float m_foam_threshold = 1, m_foam_width = 0.1f, m_foam_spread = 0.1f, m_foam_mean = 0;

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int SCATTER_SIZE = 128;    ///< texels; scattering without its phase functions is smooth
 constexpr float SUN_IRRADIANCE = 20; ///< above the air, in the units of the shaders
-constexpr float CLEAR_EXPOSURE = 0.27f;             ///< at noon under a clear sky
+constexpr float CLEAR_EXPOSURE = 0.24f;             ///< at noon under a clear sky
 constexpr float CLEAR_LUMINANCE = 4.0f;             ///< of a white ground then
 constexpr float DAY_RANGE = 8, NIGHT_RANGE = 0.08f; ///< brightest value that the sky map can hold
 const vec3 NIGHT_GLOW{0.0022f, 0.0032f, 0.0055f};

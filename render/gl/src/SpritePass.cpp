@@ -92,8 +92,8 @@ void SpritePass::addCloud(const FrameView& view, const ParticleCloud& cloud) {
     for (const Particle& p : cloud.particles) {
         const vec3 place = to_frame * p.position;
         const float radius = size + growth * p.age, youth = p.age / p.life;
-        // In quickly, out slowly.
-        const float opacity = color.w * std::min(youth * 8, 1.0f) * (1 - youth);
+        // In quickly, out slowly; what spreads thins out.
+        const float opacity = color.w * std::min(youth * 8, 1.0f) * (1 - youth) * size / radius;
         if (cloud.flat) {
             const vec2 at{place.x / (MAP_EDGE / 2), place.y / (MAP_EDGE / 2)};
             if (std::abs(at.x) < 1 && std::abs(at.y) < 1)
@@ -110,7 +110,9 @@ void SpritePass::addCloud(const FrameView& view, const ParticleCloud& cloud) {
         }
         if (!view.sees(place, radius + streak)) continue;
         const vec3 stretch = streak > 0 ? turn * normalize(p.velocity) * (streak / 2) : vec3();
-        m_sprites.push_back({place, radius, vec4(color.xyz(), opacity), p.turn, emission,
+        // Nothing pops up right before the eye.
+        const float near = std::clamp(length(place) / (2 * radius) - 0.4f, 0.0f, 1.0f);
+        m_sprites.push_back({place, radius, vec4(color.xyz(), opacity * near), p.turn, emission,
                              emission > 0 ? 1.0f : 0.0f, 0, stretch, 0});
     }
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "render/null/RendererNull.h"
 
+#include "ig/base/jLog.h"
+
 bool RendererNull::init(int, int) {
     m_frames = 0;
     return true;
@@ -11,3 +13,9 @@ void RendererNull::resize(int, int) {}
 void RendererNull::render(const ig::World&, const ig::Camera&, const ig::FrameInfo&) { m_frames++; }
 
 void RendererNull::release() {}
+
+bool RendererNull::savePicture(const ig::jString& path) {
+    ig::jLog::error("RendererNull::savePicture: no picture for \"%s\": nothing is drawn",
+                    path.c_str());
+    return false;
+}

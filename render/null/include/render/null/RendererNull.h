@@ -13,6 +13,7 @@ public:
     void render(const ig::World& world, const ig::Camera& camera,
                 const ig::FrameInfo& frame) override;
     void release() override;
+    bool savePicture(const ig::jString& path) override;
 
     int getNumFrames() const { return m_frames; }
 

@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: MIT
+#include "ig/scene/ParticleSystem.h"
+#include "ig/math/EllipsoidModel.h"
+#include "ig/scene/SceneObjects.h"
+#include "ig/scene/World.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+using namespace ig;
+
+namespace {
+
+struct Particles : testing::Test {
+    Particles() {
+        emitter = new ObjectParticles();
+        emitter->setWgsPosition({-155, 19.7, 100});
+        emitter->setWgsHPR({0, 0, 0});
+        emitter->setLife(2);
+        emitter->setLinearVelocity(3);
+        emitter->setSpawnRate(100);
+        world.addNode(emitter);
+    }
+    void run(double seconds) {
+        for (int i = 0; i < static_cast<int>(seconds * 50); i++)
+            system.advance(world, 0.02f);
+    }
+    /// Altitudes of all particles.
+    std::vector<double> altitudes() const {
+        std::vector<double> out;
+        system.forEach([&out](const ParticleCloud& cloud) {
+            for (const Particle& p : cloud.particles)
+                out.push_back(EllipsoidModel().getAltitude(cloud.origin + dvec3(p.position)));
+        });
+        return out;
+    }
+
+    World world;
+    ObjectParticles* emitter;
+    ParticleSystem system;
+};
+
+} // namespace
+
+TEST_F(Particles, RateTimesLifeAreAlive) {
+    run(1);
+    EXPECT_NEAR(system.getNumParticles(), 100, 2);
+    run(5);
+    EXPECT_NEAR(system.getNumParticles(), 200, 4);
+    emitter->setSpawnRate(0);
+    run(2.1);
+    EXPECT_EQ(system.getNumParticles(), 0);
+}
+
+TEST_F(Particles, FlyAlongTheEmittersAxis) {
+    run(4);
+    double highest = 0;
+    for (const double altitude : altitudes()) {
+        EXPECT_GE(altitude, 100 - 1e-3);
+        highest = std::max(highest, altitude);
+    }
+    EXPECT_NEAR(highest, 106, 0.2); // 3 m/s for 2 s
+}
+
+TEST_F(Particles, StayWhereTheyAreWhenTheEmitterMovesOn) {
+    emitter->setLinearVelocity(0);
+    emitter->setLife(60);
+    run(1);
+    for (int i = 0; i < 40; i++) { // 4 km up: the origin has to follow
+        emitter->setWgsPosition({-155, 19.7, 100 + 100.0 * i});
+        system.advance(world, 0.02f);
+    }
+    const std::vector<double> all = altitudes();
+    const auto stayed =
+        std::count_if(all.begin(), all.end(), [](double a) { return std::abs(a - 100) < 0.002; });
+    EXPECT_NEAR(static_cast<double>(stayed), 102,
+                1); // of the first second and the climb's first step
+}
+
+TEST_F(Particles, DeflectorsClearTheirWholeColumn) {
+    emitter->setSpread({10, 10, 0});
+    emitter->setNumDeflectors(1);
+    Node below; // 50 m under the emitter
+    below.setWgsPosition({-155, 19.7, 50});
+    below.setWgsHPR({0, 0, 0});
+    emitter->setDeflectorTransform(0, below.getWorldTransform());
+    run(3);
+    int within = 0;
+    system.forEach([&](const ParticleCloud& cloud) {
+        for (const Particle& p : cloud.particles) {
+            const dvec3 local = below.toLocal(cloud.origin + dvec3(p.position));
+            within += std::hypot(local.x, local.y) < 2.4;
+        }
+    });
+    EXPECT_EQ(within, 0);
+    EXPECT_GT(system.getNumParticles(), 150);
+}
+
+TEST_F(Particles, AHiddenOrRemovedEmitterHasNone) {
+    run(1);
+    emitter->setEnabled(false);
+    run(0.1);
+    EXPECT_EQ(system.getNumParticles(), 0);
+    emitter->setEnabled(true);
+    run(1);
+    world.removeNode(emitter);
+    system.advance(world, 0.02f);
+    EXPECT_EQ(system.getNumParticles(), 0);
+}
+
+TEST_F(Particles, StrangeSettingsDoNoHarm) {
+    emitter->setLife(-1);
+    run(1);
+    EXPECT_EQ(system.getNumParticles(), 0);
+    emitter->setLife(1e6f);
+    emitter->setSpawnRate(1e9f);
+    system.advance(world, 0.02f);
+    EXPECT_LE(system.getNumParticles(), 12000);
+    system.advance(world, -1);
+    system.advance(world, 1e9f);
+}

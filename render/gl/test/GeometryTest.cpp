@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: MIT
+#include "PictureScene.h"
+#include "plugins/ocean/ObjectOcean.h"
+#include "plugins/terrain/ObjectTerrain.h"
+
+#include <cmath>
+
+using namespace ig;
+
+using Geometry = PictureScene;
+
+TEST_F(Geometry, PointsAppearWhereTheProjectionPutsThem) {
+    look(100, 30, 0);
+    addCard(200, 8, RED, 60, -40); // metres from the axis
+    draw();
+    const auto place = [](double right, double up) { // in the picture
+        return dvec2{0.5 + right / 200 / (2 * HALF_HEIGHT) * HEIGHT / WIDTH,
+                     0.5 - up / 200 / (2 * HALF_HEIGHT)};
+    };
+    for (const double d : {-3.0, 3.0}) // within the card
+        EXPECT_TRUE(isRed(place(60 + d, -40 + d).x, place(60 + d, -40 + d).y));
+    for (const double d : {-6.0, 6.0}) // beside it
+        EXPECT_FALSE(isRed(place(60 + d, -40).x, place(60, -40).y));
+
+    m_camera.setProjection(
+        projection(0.4, -0.2)); // in half widths: the picture moves the other way
+    draw();
+    EXPECT_TRUE(isRed(place(60, -40).x - 0.2, place(60, -40).y - 0.1));
+}
+
+TEST_F(Geometry, FiveCentimetresTellNearFromFarAtFiveKilometres) {
+    look(3000, 0, 10);
+    addCard(5000, 1500, GREEN, -100);
+    addCard(5000.05, 1500, RED, 100);
+    draw();
+    EXPECT_TRUE(isGreen(0.5, 0.5)); // both cover the middle
+    EXPECT_TRUE(isRed(0.5 + 750 / 5000.0 * HEIGHT / WIDTH, 0.5));
+    m_world.clear();
+    addCard(5000, 1500, RED, 100); // the other way round
+    addCard(5000.05, 1500, GREEN, -100);
+    draw();
+    EXPECT_TRUE(isRed(0.5, 0.5));
+}
+
+TEST_F(Geometry, AMillimetreOfTheCameraIsAMillimetreInThePicture) {
+    look(50, 70, 0);
+    const dmat4 start = m_camera.getWorldTransform();
+    addCard(2, 1, RED);
+    for (int step = 0; step <= 20; step++) {
+        m_camera.setTransform(start * translate(dvec3(0, 0, -step * 0.001)));
+        draw();
+        EXPECT_NEAR(s_renderer->readDistance(0.5, 0.5), 2 - step * 0.001, 2e-5);
+    }
+}
+
+TEST_F(Geometry, TheHorizonStandsAtItsDip) {
+    auto* sea = new ObjectOcean();
+    sea->setBeaufort(0);
+    m_world.addNode(sea);
+    for (const double altitude : {30.0, 1500.0}) {
+        look(altitude, 45, 0);
+        draw();
+        const double dip = std::sqrt(2 * altitude / 6371000);
+        const double row = (0.5 + std::tan(dip) / (2 * HALF_HEIGHT)) * HEIGHT;
+        int first = 0;
+        while (first < HEIGHT && std::isinf(s_renderer->readDistance(0.5, (first + 0.5) / HEIGHT)))
+            first++;
+        EXPECT_NEAR(first, row, 1.5) << altitude;
+    }
+}
+
+TEST_F(Geometry, ADeckStandsAtItsAltitude) {
+    addFloor(23.4, 60);
+    look(83.4, 10, 90);
+    draw();
+    EXPECT_NEAR(s_renderer->readDistance(0.5, 0.5), 60, 0.001);
+}
+
+TEST_F(Geometry, TheGroundStandsWhereQueriesMeetIt) {
+    auto* terrain = new ObjectTerrain();
+    ASSERT_TRUE(terrain->load("data/PELMAR_PROJECT/terrain/coast.tif"));
+    m_world.addNode(terrain);
+    int checked = 0;
+    for (int i = 0; i < 25; i++) {
+        const double longitude = -155.09 + 0.0017 * i, latitude = 19.70 - 0.0013 * (i % 5);
+        double altitude = 0;
+        if (!terrain->getAltitudeByLonLat(longitude, latitude, &altitude, nullptr)) continue;
+        if (altitude < 0) continue;
+        m_camera.setWgsPosition({longitude, latitude, altitude + 55});
+        m_camera.setWgsHPR({0, 90, 0});
+        draw();
+        // The middle of the pixel beside the middle of the picture: half a pixel is 0.15 m.
+        EXPECT_NEAR(s_renderer->readDistance(0.5, 0.5), 55, 0.25) << longitude << " " << latitude;
+        const dvec3 met = m_camera.getRayTo(0.5 + 0.5 / WIDTH, 0.5 + -0.5 / HEIGHT,
+                                            s_renderer->readDistance(0.5, 0.499));
+        const dvec3 geodetic = EllipsoidModel().toWGS(met);
+        ASSERT_TRUE(terrain->getAltitudeByLonLat(geodetic.x, geodetic.y, &altitude, nullptr));
+        EXPECT_NEAR(geodetic.z, altitude, 0.05);
+        checked++;
+    }
+    EXPECT_GT(checked, 10);
+}
+
+/// What is seen of the sea lies where queries find the water: within the error that straight lines
+/// between the fan's vertices make.
+TEST_F(Geometry, TheSeaIsDrawnWhereItFloatsShips) {
+    auto* sea = new ObjectOcean();
+    sea->setBeaufort(5);
+    m_world.addNode(sea);
+    double squares = 0, worst = 0;
+    int points = 0;
+    std::uint32_t random = 7;
+    const auto next = [&random] { // 0 to 1
+        random = random * 1664525u + 1013904223u;
+        return (random >> 8) / 16777216.0;
+    };
+    for (int frame = 0; frame < 10; frame++) {
+        sea->evolve(5.3 * frame);
+        look(12, 36 * frame, 40, 70 * frame);
+        draw();
+        for (int i = 0; i < 100; i++) {
+            const int px = static_cast<int>(next() * WIDTH), py = static_cast<int>(next() * HEIGHT);
+            const double x = (px + 0.5) / WIDTH, y = (py + 0.5) / HEIGHT;
+            const double distance = s_renderer->readDistance(x, y);
+            if (distance > 30) continue;
+            const dvec3 seen = m_camera.getRayTo(x, y, distance);
+            const double error = EllipsoidModel().getAltitude(seen) -
+                                 EllipsoidModel().getAltitude(sea->getWorldPoint(seen));
+            squares += error * error;
+            worst = std::max(worst, std::abs(error));
+            points++;
+        }
+    }
+    ASSERT_GT(points, 500);
+    EXPECT_LT(std::sqrt(squares / points), 0.02);
+    EXPECT_LT(worst, 0.12);
+}

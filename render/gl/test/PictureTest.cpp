@@ -1,0 +1,185 @@
+// SPDX-License-Identifier: MIT
+#include "GlyphAtlas.h"
+#include "PictureScene.h"
+#include "Png.h"
+#include "ig/ui/UiDrawList.h"
+#include "plugins/ocean/ObjectOcean.h"
+#include "testkit/LogCapture.h"
+#include "testkit/TempFolder.h"
+
+#include <algorithm>
+#include <cmath>
+
+using namespace ig;
+
+class PictureOf : public PictureScene {
+public:
+    int brightness(double x, double y) {
+        const std::uint8_t* p = pixel(x, y);
+        return p[0] + p[1] + p[2];
+    }
+    void setHour(double hour) {
+        const Sky sky = computeSky(hour, LONGITUDE, 80);
+        m_frame.sun_direction = sky.sun_direction;
+        m_frame.moon_direction = sky.moon_direction;
+    }
+};
+
+TEST_F(PictureOf, WhatStandsInTheSunCastsAShadow) {
+    addFloor(10, 200);
+    auto* roof = new ObjectMesh(square(20));
+    roof->setWgsPosition({LONGITUDE, LATITUDE, 16});
+    roof->setWgsHPR({0, 0, 0});
+    roof->setSurfaceMaterial(0, material({0.3f, 0.3f, 0.3f, 1}, 0));
+    m_world.addNode(roof);
+    Node focus;
+    focus.setWgsPosition({LONGITUDE, LATITUDE, 10});
+    m_frame.focus = &focus;
+    look(14, 0, 20, -30); // under the roof's edge
+    draw();
+    const auto place = [&](double north) { // rows of the floor in the picture
+        const double pitch = 20 * DEG_TO_RAD<double>, down = std::atan2(4, north + 30);
+        return 0.5 + std::tan(down - pitch) / (2 * HALF_HEIGHT);
+    };
+    const int lit = brightness(0.5, place(-18)), shaded = brightness(0.5, place(0));
+    EXPECT_LT(shaded, 0.75 * lit);
+    EXPECT_GT(shaded, 30); // the sky still lights it
+}
+
+TEST_F(PictureOf, NightIsDarkerThanDayAndFogHidesTheFarCard) {
+    m_world.addNode(new ObjectOcean());
+    look(40, 90, 5);
+    draw();
+    const int day = brightness(0.3, 0.2);
+    setHour(0);
+    draw();
+    EXPECT_LT(brightness(0.3, 0.2), 0.7 * day);
+    EXPECT_GT(brightness(0.3, 0.2), 20); // and still there
+
+    setHour(12);
+    m_world.clear();
+    look(40, 90, 0);
+    auto* card = addCard(900, 300, RED);
+    card->setSurfaceMaterial(0, material({0.9f, 0.01f, 0.01f, 1}, 0.5f));
+    const auto redness = [&] {
+        draw();
+        const std::uint8_t* p = pixel(0.5, 0.5);
+        return p[0] - p[2];
+    };
+    const int clear = redness();
+    m_frame.visibility = 300;
+    EXPECT_GT(clear, 60);
+    EXPECT_LT(redness(), clear / 5);
+}
+
+TEST_F(PictureOf, HiddenNodesAreNotDrawn) {
+    look(100, 0, 0);
+    ObjectMesh* card = addCard(50, 20, RED);
+    draw();
+    EXPECT_TRUE(isRed(0.5, 0.5));
+    card->setEnabled(false);
+    draw();
+    EXPECT_FALSE(isRed(0.5, 0.5));
+}
+
+TEST_F(PictureOf, TheUserInterfaceLiesOnTop) {
+    look(100, 0, 0);
+    LogCapture log;
+    UiDrawList ui;
+    ui.addRect(10, 20, 30, 10, {1, 0, 0, 1});
+    ui.addText(100, 50, 16, {1, 1, 1, 1}, "雷达 A");
+    ui.addImage(200, 100, 40, 40, "no_such_picture.png");
+    m_frame.ui = &ui;
+    draw();
+    EXPECT_TRUE(isRed(25.0 / WIDTH, 25.0 / HEIGHT));
+    EXPECT_FALSE(isRed(45.0 / WIDTH, 25.0 / HEIGHT));
+    int white = 0;
+    for (int y = 50; y < 68; y++)
+        for (int x = 100; x < 160; x++) {
+            const std::uint8_t* p = m_picture.at(x, y);
+            white += p[0] > 240 && p[1] > 240 && p[2] > 240;
+        }
+    EXPECT_GT(white, 40); // three characters' strokes
+    const std::uint8_t* missing = m_picture.at(205, 105);
+    EXPECT_TRUE(missing[0] > 200 && missing[1] < 50 && missing[2] > 200);
+    draw();
+    const auto tells = [](const std::string& line) {
+        return line.find("no_such_picture.png") != std::string::npos;
+    };
+    EXPECT_EQ(std::count_if(log.lines.begin(), log.lines.end(), tells), 1); // not once per frame
+}
+
+TEST_F(PictureOf, APictureSurvivesItsFile) {
+    look(20, 0, 0);
+    addCard(50, 20, GREEN, 10);
+    draw();
+    ASSERT_TRUE(s_renderer->readPicture(m_picture));
+    TempFolder folder;
+    const jString path = folder.file("picture.png");
+    ASSERT_TRUE(s_renderer->savePicture(path));
+    Image image;
+    ASSERT_TRUE(readPng(path.c_str(), image));
+    ASSERT_EQ(image.width, WIDTH);
+    ASSERT_EQ(image.height, HEIGHT);
+    for (std::size_t i = 0; i < m_picture.rgb.size(); i += 301)
+        ASSERT_EQ(image.rgba[i / 3 * 4 + i % 3], m_picture.rgb[i]);
+    EXPECT_FALSE(s_renderer->savePicture(folder.file("no_folder/picture.png")));
+}
+
+TEST_F(PictureOf, ResizingAndScalingKeepThePicture) {
+    look(100, 0, 0);
+    addCard(50, 20, RED);
+    s_renderer->setScale(0.5f);
+    draw();
+    EXPECT_TRUE(isRed(0.5, 0.5));
+    s_renderer->setScale(1);
+    s_renderer->resize(WIDTH / 2, HEIGHT / 2);
+    draw();
+    ASSERT_TRUE(s_renderer->readPicture(m_picture));
+    EXPECT_EQ(m_picture.width, WIDTH / 2);
+    s_renderer->resize(WIDTH, HEIGHT);
+}
+
+TEST_F(PictureOf, NothingPilesUpOnTheDevice) {
+    m_world.addNode(new ObjectOcean());
+    look(100, 0, 0);
+    draw();
+    const int before = s_renderer->getResources().total();
+    for (int i = 0; i < 260; i++) { // long enough for unused meshes to be given back
+        ObjectMesh* card = i % 10 == 0 ? addCard(50, 20, RED) : nullptr;
+        if (i % 10 == 0) draw();
+        if (card) m_world.removeNode(card);
+    }
+    m_world.clear();
+    for (int i = 0; i < 240; i++)
+        draw();
+    EXPECT_LE(s_renderer->getResources().total(), before);
+}
+
+TEST(RendererLife, EverythingIsFreedAtTheEnd) {
+    {
+        PictureScene::s_renderer.reset();
+        RendererGL renderer(RendererGL::Surface::none);
+        if (!renderer.init(64, 36)) GTEST_SKIP() << "no OpenGL without a display here";
+        EXPECT_GT(renderer.getResources().total(), 10);
+        renderer.release();
+        EXPECT_EQ(renderer.getResources().total(), 0);
+        EXPECT_TRUE(renderer.init(64, 36)); // and it may begin again
+    }
+    EXPECT_EQ(RendererGL(RendererGL::Surface::none).getResources().total(), 0);
+}
+
+TEST(Utf8, TakesCharactersAndSurvivesNonsense) {
+    const auto all = [](std::string_view text) {
+        std::vector<std::uint32_t> out;
+        while (!text.empty())
+            out.push_back(takeCharacter(text));
+        return out;
+    };
+    EXPECT_EQ(all("Aé雷😀"), (std::vector<std::uint32_t>{'A', 0xe9, 0x96f7, 0x1f600}));
+    EXPECT_EQ(all("\x80"), (std::vector<std::uint32_t>{0xfffd}));
+    EXPECT_EQ(all("\xe9\x9b"), (std::vector<std::uint32_t>{0xfffd, 0xfffd})); // cut short
+    EXPECT_EQ(all("\xff"
+                  "B"),
+              (std::vector<std::uint32_t>{0xfffd, 'B'}));
+}
