@@ -11,7 +11,10 @@
 
 #include <cmath>
 #include <cstring>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <regex>
+#include <sstream>
 #include <thread>
 
 namespace {
@@ -128,11 +131,15 @@ TEST(Link, HeightOverADeckThatStandsAslopeAgreesWithGeometry) {
         std::filesystem::create_symlink(std::filesystem::current_path() / "data/PELMAR_PROJECT" /
                                             part,
                                         run.folder.path() / "data/PELMAR_PROJECT" / part);
+    std::ifstream ship("data/PELMAR_PROJECT/prefabs/SM_055_CN_2023/SM_055_CN_2023.prefab");
+    std::ostringstream prefab;
+    prefab << ship.rdbuf();
+    run.folder.write("still.prefab", // without mass it stays where it is put
+                     std::regex_replace(prefab.str(), std::regex("mass: [0-9.]+"), "mass: 0"));
     run.folder.write(
         "data/PELMAR_PROJECT/PELMAR_PROJECT.world",
         "nodes:\n- {name: start_heli, wgs: [-154, 21, 30]}\n- {name: ship, type: prefab, path: "
-        "data/PELMAR_PROJECT/prefabs/SM_055_CN_2023/SM_055_CN_2023.prefab, wgs: [-154, 21, 0], "
-        "hpr: [50, 2, -3]}\n");
+        "still.prefab, wgs: [-154, 21, 0], hpr: [50, 2, -3]}\n");
     ASSERT_TRUE(run.start("--fps 100"));
 
     // The point of the deck's plane below a place over the deck, by solving for the plane.

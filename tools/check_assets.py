@@ -42,7 +42,7 @@ TYPE_KEYS = {
     "mesh": {"mesh", "intersect", "surfaces"},
     "prefab": {"path"},
     "particles": {"life", "life_spread", "velocity", "velocity_spread", "rate", "duration",
-                  "burst", "area", "material", "deflectors"},
+                  "burst", "spread", "material", "deflectors"},
     "rope": {"radius", "material"},
     "decal": {"width", "height", "material"},
     "light": {"material"},

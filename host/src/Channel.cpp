@@ -130,12 +130,17 @@ void Channel::placeCamera() {
                               dmat4(dquat(dvec3(1, 0, 0), 90), dvec3()));
     m_camera_control.setCamera(&m_camera);
     levelCamera();
+    if (m_options.eye.empty()) return;
+    const std::vector<double>& eye = m_options.eye;
+    m_fixed_camera.setWgsPosition({eye[0], eye[1], eye[2]});
+    m_fixed_camera.setWgsHPR({eye[3], -eye[4], 0});
 }
 
 void Channel::setProjection() {
     m_camera.setPerspective(
         FIELD_OF_VIEW, static_cast<float>(m_options.width) / static_cast<float>(m_options.height),
         Z_NEAR, Z_FAR);
+    m_fixed_camera.setProjection(m_camera.getProjection());
 }
 
 // ------------------------------------------------------------------ frames
@@ -195,7 +200,7 @@ FrameCosts Channel::frame(float dt) {
     Engine::get()->beginFrame(dt);
     m_logic->update(dt);
     levelAfterJump();
-    m_environment.update(dt, m_camera, m_control);
+    m_environment.update(dt, getEye(), m_control);
     costs.update = spent();
     m_world.updatePhysics(dt);
     m_world.updateParticles(dt);
@@ -214,23 +219,9 @@ FrameCosts Channel::frame(float dt) {
 
 void Channel::draw() {
     const double time = Engine::get()->getRunningTime();
-    Camera fixed;
-    const Camera* camera = &m_camera;
-    if (!m_options.eye.empty()) {
-        const std::vector<double>& eye = m_options.eye;
-        fixed.setProjection(m_camera.getProjection());
-        fixed.setWgsPosition({eye[0], eye[1], eye[2]});
-        fixed.setWgsHPR({eye[3], -eye[4], 0});
-        camera = &fixed;
-    }
-    m_environment.fillFrame(
-        Engine::get()->getEllipsoidModel()->toWGS(camera->getWorldPosition(), true).x,
-        m_frame_info);
-    Environment::fillDownwash(m_listener.m_helicopter, m_frame_info);
-    m_frame_info.time = time;
-    m_frame_info.focus = m_listener.m_helicopter;
+    m_environment.fillFrame(getEye(), m_listener.m_helicopter, time, m_frame_info);
     m_frame_info.particles = &m_particles;
-    m_renderer->render(m_world, *camera, m_frame_info);
+    m_renderer->render(m_world, getEye(), m_frame_info);
     m_screenshots.afterFrame(*m_renderer, time);
 }
 

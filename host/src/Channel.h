@@ -69,6 +69,7 @@ private:
     void setProjection();
     void draw();
     void levelAfterJump();
+    const ig::Camera& getEye() const { return m_options.eye.empty() ? m_camera : m_fixed_camera; }
     bool isOver() const;
 
     Options m_options;
@@ -78,7 +79,8 @@ private:
     ig::ControlApp m_control;
     OperatorInterface m_interface;
     ig::World m_world;
-    ig::Camera m_camera;
+    ig::Camera m_camera;       ///< the logic's
+    ig::Camera m_fixed_camera; ///< what is seen through instead when the options say so
     ig::CameraControl m_camera_control;
     std::vector<std::unique_ptr<Library>> m_plugins; ///< unloaded after the logic
     Library m_library;

@@ -27,8 +27,7 @@ constexpr float WIND_STRENGTH = 400;   ///< the scene's wind strength for 1 m/s
 constexpr int HEAVY = 3;               ///< the highest level of precipitation
 constexpr int HIGHEST_SEA = 12;        ///< Beaufort
 constexpr double DAY = 24;             ///< hours
-
-constexpr float ROTOR_RADIUS = 9.5f;                     ///< m
+constexpr float ROTOR_RADIUS = 9.5f;   ///< m
 constexpr float WASH_FADES_FROM = 8, WASH_FADES_TO = 30; ///< altitude over the water, m
 
 /// Looks of the sky by WEATHER_TYPE.
@@ -38,6 +37,7 @@ struct Look {
 constexpr Look LOOKS[] = {{0.5f, 0, 0}, {0.8f, 1, 0.15f}, {0.9f, 1, 0.85f}, {0.5f, 0.9f, 0.1f}};
 
 // What the keys go through; the first of each is "as told".
+constexpr int LOOK_KEY = KEY_F7, SHOWER_KEY = KEY_F8, SEA_KEY = 'b', HOUR_KEY = 't';
 constexpr int SEAS[] = {-1, 0, 2, 4, 6, 8};
 constexpr int SHOWERS[][3] = {{-1, -1, -1}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0},
                               {0, 3, 0},    {0, 0, 3}, {0, 0, 0}};
@@ -104,9 +104,9 @@ void Environment::onVisibility(float fraction) {
 void Environment::onSea(int code) { m_told.beaufort = std::clamp(code, 0, HIGHEST_SEA); }
 
 void Environment::readKeys(const ControlApp& keys) {
-    if (keys.isKeyClick(KEY_F7))
+    if (keys.isKeyClick(LOOK_KEY))
         m_operator.look = m_operator.look < WEATHER_FOG ? m_operator.look + 1 : -1;
-    if (keys.isKeyClick(KEY_F8)) {
+    if (keys.isKeyClick(SHOWER_KEY)) {
         const int present[] = {m_operator.rain, m_operator.snow, m_operator.hail};
         const auto* at = std::find_if(std::begin(SHOWERS), std::end(SHOWERS), [&](const auto& s) {
             return std::equal(std::begin(s), std::end(s), present);
@@ -117,12 +117,13 @@ void Environment::readKeys(const ControlApp& keys) {
         m_operator.snow = next[1];
         m_operator.hail = next[2];
     }
-    if (keys.isKeyClick(KEY_F9)) {
+    if (keys.isKeyClick(SEA_KEY)) {
         const auto* higher =
             std::upper_bound(std::begin(SEAS), std::end(SEAS), m_operator.beaufort);
         m_operator.beaufort = higher == std::end(SEAS) ? SEAS[0] : *higher;
     }
-    if (keys.isKeyClick(KEY_F10)) m_hour = wrapHour(m_hour + (keys.isKeyPress(KEY_SHIFT) ? -1 : 1));
+    if (keys.isKeyClick(HOUR_KEY))
+        m_hour = wrapHour(m_hour + (keys.isKeyPress(KEY_SHIFT) ? -1 : 1));
 }
 
 // ------------------------------------------------------------------ what comes of it
@@ -137,17 +138,6 @@ void Environment::update(float dt, const Camera& camera, const ControlApp& keys)
         m_ocean->setBeaufort(static_cast<float>(weather.beaufort));
     applyPrecipitation(weather, camera);
     tellLogic(weather);
-}
-
-void Environment::fillDownwash(const ObjectPrefab* helicopter, FrameInfo& frame) {
-    frame.wash_strength = 0;
-    const Node* node = helicopter ? helicopter->getNodeByName("downwash_spe") : nullptr;
-    if (!node || !node->isVisible()) return;
-    frame.wash_position = helicopter->getWorldPosition();
-    frame.wash_radius = ROTOR_RADIUS;
-    const auto altitude =
-        static_cast<float>(Engine::get()->getEllipsoidModel()->getAltitude(frame.wash_position));
-    frame.wash_strength = jMath::getFadeOut(altitude, WASH_FADES_TO, WASH_FADES_FROM);
 }
 
 /// Each emitter hangs level above the eye, so high that its particles fall as far below.
@@ -177,7 +167,15 @@ void Environment::tellLogic(const Weather& weather) {
     if (hour != m_told_hour) m_logic->setTod(m_told_hour = hour);
 }
 
-void Environment::fillFrame(double longitude, FrameInfo& frame) const {
+void Environment::fillFrame(const Camera& camera, const ObjectPrefab* helicopter, double time,
+                            FrameInfo& frame) const {
+    frame.time = time;
+    frame.focus = helicopter;
+    fillSky(Engine::get()->getEllipsoidModel()->toWGS(camera.getWorldPosition(), true).x, frame);
+    fillDownwash(helicopter, frame);
+}
+
+void Environment::fillSky(double longitude, FrameInfo& frame) const {
     const Sky sky = computeSky(m_hour, longitude, m_day_of_year);
     frame.sun_direction = sky.sun_direction;
     frame.moon_direction = sky.moon_direction;
@@ -193,6 +191,18 @@ void Environment::fillFrame(double longitude, FrameInfo& frame) const {
         frame.visibility = static_cast<double>(weather.visibility);
     else
         frame.visibility = weather.look == WEATHER_FOG ? FOG_VISIBILITY : DEFAULT_VISIBILITY;
+}
+
+/// The water feels the rotor as long as the logic shows its downwash.
+void Environment::fillDownwash(const ObjectPrefab* helicopter, FrameInfo& frame) {
+    frame.wash_strength = 0;
+    const Node* node = helicopter ? helicopter->getNodeByName("downwash_spe") : nullptr;
+    if (!node || !node->isVisible()) return;
+    frame.wash_position = helicopter->getWorldPosition();
+    frame.wash_radius = ROTOR_RADIUS;
+    const double altitude = Engine::get()->getEllipsoidModel()->getAltitude(frame.wash_position);
+    frame.wash_strength =
+        jMath::getFadeOut(static_cast<float>(altitude), WASH_FADES_TO, WASH_FADES_FROM);
 }
 
 std::string Environment::describe() const {

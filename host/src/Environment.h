@@ -25,8 +25,8 @@ struct Options;
 ///
 ///   F7   look of the sky: as told, clear, overcast, storm, fog
 ///   F8   precipitation: as told, light, medium, heavy rain, heavy snow, heavy hail, none
-///   F9   sea: as told, Beaufort 0, 2, 4, 6, 8
-///   F10  an hour later; with Shift an hour earlier
+///   b    sea: as told, Beaufort 0, 2, 4, 6, 8
+///   t    an hour later; with Shift an hour earlier
 class Environment {
 public:
     explicit Environment(const Options& options);
@@ -39,11 +39,10 @@ public:
     /// Once per frame, after the logic's update and before physics and particles. Precipitation
     /// falls around `camera`.
     void update(float dt, const ig::Camera& camera, const ig::ControlApp& keys);
-    /// Fills in what concerns the sky; `longitude` (degrees) is where the hour counts.
-    void fillFrame(double longitude, ig::FrameInfo& frame) const;
-    /// Fills in what the water feels of the rotor, as long as the logic shows its downwash;
-    /// `helicopter` may be null.
-    static void fillDownwash(const ig::ObjectPrefab* helicopter, ig::FrameInfo& frame);
+    /// Fills in what concerns light, air and water. The hour counts at the camera's longitude;
+    /// `helicopter` may be null; `time` is the scene's.
+    void fillFrame(const ig::Camera& camera, const ig::ObjectPrefab* helicopter, double time,
+                   ig::FrameInfo& frame) const;
 
     /// What holds at present.
     Weather getWeather() const { return m_told.overriddenBy(m_operator); }
@@ -74,6 +73,8 @@ private:
     void readKeys(const ig::ControlApp& keys);
     void applyPrecipitation(const Weather& weather, const ig::Camera& camera);
     void tellLogic(const Weather& weather);
+    void fillSky(double longitude, ig::FrameInfo& frame) const;
+    static void fillDownwash(const ig::ObjectPrefab* helicopter, ig::FrameInfo& frame);
 
     LogicBase* m_logic = nullptr;   ///< the host application's
     ObjectOcean* m_ocean = nullptr; ///< the world's

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "SignalRecorder.h"
+#include "common/ship/Ship.h"
 #include "ig/physics/Body.h"
 
 #include <cmath>
@@ -17,6 +18,8 @@ TEST(Missile, NeverFliesThroughAShipAndExplodesOnce) {
             for (const double height : {0.5, 5.0, 9.0}) { // hull below and above the deck, hangar
                 SeaScene scene;
                 ASSERT_TRUE(scene.start());
+                scene.logic->m_ocean->setBeaufort(0); // no wave in the missile's way
+                scene.logic->m_ship1->setControlMode(0);
                 const Node* ship = scene.world->getNodeByName("SM_055_CN_2023");
                 const double distance = 500 + 7 * side;
                 scene.logic->m_heli->set_transform(ship->getWGSTransform() *

@@ -49,10 +49,11 @@ void ParticleSystem::advanceEmitter(const ObjectParticles& emitter, float dt, bo
     if (!entry.cloud.emitter) {
         entry.cloud.emitter = &emitter;
         entry.cloud.origin = position;
+        entry.cleared = emitter.getNumCleared();
     }
-    entry.cloud.flat = flat;
     if (entry.cleared != emitter.getNumCleared()) entry.cloud.particles.clear();
     entry.cleared = emitter.getNumCleared();
+    entry.cloud.flat = flat;
     entry.round = m_round;
     const Material* material = emitter.getSurfaceMaterial(0);
     const Motion motion{slider(material, "gravity"), slider(material, "drag"),
@@ -88,13 +89,13 @@ void ParticleSystem::move(ParticleCloud& cloud, const Motion& motion, float dt) 
 
 void ParticleSystem::spawn(const ObjectParticles& emitter, Entry& entry, const Motion& motion,
                            float dt) {
-    const float rate = emitter.getPresentRate(); // 0 while it does not run
-    if (!(rate > 0)) return;
-    entry.owed = std::min(entry.owed + static_cast<double>(rate * dt), static_cast<double>(MOST));
+    if (!(emitter.getPresentRate() > 0)) return;
+    entry.owed = std::min(entry.owed + static_cast<double>(emitter.getPresentRate() * dt),
+                          static_cast<double>(MOST));
     const dmat4& pose = emitter.getWorldTransform();
     const vec3 axes[3] = {vec3(pose.getX()), vec3(pose.getY()), vec3(pose.getZ())};
     const vec3 start(pose.getTranslate() - entry.cloud.origin);
-    const vec3 box = emitter.getArea() * 0.5f;
+    const vec3 box = emitter.getSpread();
     for (; entry.owed >= 1; entry.owed -= 1) {
         if (entry.cloud.particles.size() >= MOST) continue;
         Particle p;

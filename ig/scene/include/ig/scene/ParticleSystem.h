@@ -35,10 +35,10 @@ struct ParticleCloud {
 /// Moves the particles of all emitters that can be seen. The host application owns one, advances it
 /// once per frame after the physics, and hands it to the renderer.
 ///
-/// An emitter spawns at its rate from its place, or evenly in its box, along its Z axis at its
-/// velocity; the spread is added in every direction. Drag brakes, gravity pulls (both 0 unless the
-/// emitter's material says otherwise, see docs/worlds.md). Particles in the column of one of the
-/// emitter's deflectors are removed. The particles of an emitter that is hidden are gone.
+/// An emitter spawns at its present rate from its place, or evenly in its box, along its Z axis at
+/// its velocity; the spread is added in every direction. Drag brakes, gravity pulls (both 0 unless
+/// the emitter's material says otherwise, see docs/worlds.md). Particles in the column of one of
+/// the emitter's deflectors are removed. The particles of an emitter that is hidden are gone.
 class ParticleSystem {
 public:
     /// `dt` in seconds; more than 0.5 counts as 0.5.
@@ -58,7 +58,7 @@ private:
         ParticleCloud cloud;
         double owed = 0;      ///< fraction of a particle still to be spawned
         unsigned round = 0;   ///< of the last advance that met the emitter
-        unsigned cleared = 0; ///< the emitter's count of clearings then
+        unsigned cleared = 0; ///< the emitter's clears that it knows of
     };
     struct Motion { ///< what the material says
         float gravity, drag, spin;

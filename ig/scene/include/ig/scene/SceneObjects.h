@@ -46,10 +46,9 @@ public:
     float getPresentRate() const;
     /// Advances the running time by `dt` seconds, of this emitter alone.
     void advance(float dt);
-    /// Edges of the box around the emitter, along its axes, in which particles appear evenly, m;
-    /// default zero, a point.
-    const vec3& getArea() const { return m_area; }
-    void setArea(const vec3& area) { m_area = area; }
+    /// Half the box that the particles start in, along the emitter's axes; default: a point.
+    const vec3& getSpread() const { return m_spread; }
+    void setSpread(const vec3& spread) { m_spread = spread; }
     /// Holds every place that a particle of its present settings can reach from the emitter's
     /// present place.
     WorldBoundBox getWorldBoundBox() const;
@@ -64,7 +63,7 @@ private:
     float m_life = 1, m_life_spread = 0;
     float m_velocity = 0, m_velocity_spread = 0;
     float m_spawn_rate = 0;
-    vec3 m_area;
+    vec3 m_spread;
     float m_duration = 0, m_burst = 0;
     float m_elapsed = 0;
     bool m_running = true;
