@@ -2,6 +2,7 @@
 #include "ig/math/EllipsoidModel.h"
 #include "ig/package/PackageManager.h"
 #include "ig/physics/Body.h"
+#include "ig/physics/Joint.h"
 #include "ig/scene/Camera.h"
 #include "ig/scene/ObjectPrefab.h"
 #include "ig/scene/SceneObjects.h"
@@ -233,6 +234,53 @@ TEST_F(SceneFiles, BodyBelowAMovedNodeIsCarriedAlongAndFallsUndisturbedOtherwise
     world.updatePhysics(1 / 60.0f);
     EXPECT_LT(length(bomb->getPosition() - offset), 0.01);
     EXPECT_LT(length(object("bomb")->getBodyRigid()->getLinearVelocity()), 0.2);
+}
+
+TEST_F(SceneFiles, CableHangsFromItsAnchorAndWhatIsNamedWronglyIsReported) {
+    folder.write("cable.prefab", R"(node:
+  name: root
+  children:
+  - {name: anchor, body: {mass: 0}}
+  - {name: rope, type: rope, radius: 0.01, body: {type: rope, length: 2, factor: 1.5, anchor: anchor}}
+  - name: load
+    body:
+      mass: 50
+      shapes: [{type: sphere, radius: 0.2}]
+      drag: [{node: sail, area: 4}, {node: none, area: 4}]
+      joints:
+      - {name: hook, rope: rope}
+      - {name: hook, rope: anchor}
+  - {name: sail, enabled: false}
+  - {name: bad, type: rope, radius: 0.01, body: {type: rope, length: -1}}
+  - {name: thin, type: rope}
+)");
+    ASSERT_TRUE(
+        load("nodes:\n- {name: cable, type: prefab, path: cable.prefab, wgs: [-155, 20, 90]}\n"));
+    EXPECT_TRUE(logged("cable.prefab:10: drag needs a node"));
+    EXPECT_TRUE(logged("cable.prefab:13: no rope to hang the body from: \"anchor\""));
+    EXPECT_TRUE(logged("cable.prefab:15: a rope needs a positive length"));
+    EXPECT_TRUE(logged("cable.prefab:16: a rope needs a positive radius"));
+    EXPECT_EQ(log.lines.size(), 4u);
+
+    auto* prefab = static_cast<ObjectPrefab*>(object("cable"));
+    const auto altitude = [](const Node* node) {
+        return EllipsoidModel().getAltitude(node->getWorldPosition());
+    };
+    auto* cargo = static_cast<Object*>(prefab->getNodeByName("load"));
+    for (int i = 0; i < 30; i++)
+        world.updatePhysics(1 / 60.0f);
+    EXPECT_NEAR(altitude(cargo), 87, 1e-3);
+    EXPECT_EQ(cargo->getBodyRigid()->getDragArea(), 0);
+    prefab->getNodeByName("sail")->setEnabled(true);
+    prefab->getNodeByName("anchor")->setPosition({0, 0, 50}); // a jump: everything comes along
+    world.updatePhysics(1 / 60.0f);
+    EXPECT_NEAR(altitude(cargo), 137, 1e-3);
+    EXPECT_EQ(cargo->getBodyRigid()->getDragArea(), 4);
+    cargo->getBody()->getJoint(0)->setBroken(true);
+    for (int i = 0; i < 60; i++)
+        world.updatePhysics(1 / 60.0f);
+    EXPECT_LT(altitude(cargo), 134);
+    EXPECT_EQ(prefab->getNodeByName("rope")->getNumChildren(), BodyRope::SEGMENTS);
 }
 
 TEST_F(SceneFiles, TracksDriveSlidersAndSwitches) {
