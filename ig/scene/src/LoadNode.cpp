@@ -168,9 +168,11 @@ Node* createPrefab(const Package& p) {
 
 Node* createParticles(const Package& p) {
     reportUnknownKeys(p,
-                      {"life", "life_spread", "velocity", "velocity_spread", "rate", "duration",
-                       "burst", "material", "deflectors"},
+                      {"life", "life_spread", "velocity", "velocity_spread", "rate", "spread",
+                       "duration", "burst", "material", "deflectors"},
                       true);
+    dvec3 spread;
+    if (!readVec3(p, "spread", spread)) return nullptr;
     auto* particles = new ObjectParticles();
     if (p.getItem("life")) particles->setLife(p.getFloat("life"));
     particles->setLifeSpread(p.getFloat("life_spread"));
@@ -179,6 +181,7 @@ Node* createParticles(const Package& p) {
     particles->setSpawnRate(p.getFloat("rate"));
     particles->setDuration(p.getFloat("duration"));
     particles->setBurst(p.getFloat("burst"));
+    particles->setSpread(vec3(spread));
     particles->setNumDeflectors(std::clamp(p.getInt("deflectors"), 0, 16));
     particles->setSurfaceMaterial(0, loadMaterial(p));
     particles->setIntersection(0, false);

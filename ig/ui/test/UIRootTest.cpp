@@ -123,8 +123,8 @@ TEST_F(UITest, DrawsWhatIsShownFromBottomToTopAndKeepsItsMemory) {
             EXPECT_EQ(command.w, 64);
         }
     }
-    EXPECT_EQ(kinds, "rrtrrtrrtrtvi");
-    EXPECT_EQ(texts, (std::vector<std::string>{"按钮", "按钮", "按钮", "100", "icon.png"}));
+    EXPECT_EQ(kinds, "rrtrrtrrtrttvi");
+    EXPECT_EQ(texts, (std::vector<std::string>{"按钮", "按钮", "按钮", "100", "100", "icon.png"}));
     const void* memory = list.commands().data();
     viewport->setHidden(true);
     root.draw(list);

@@ -46,6 +46,9 @@ public:
     float getPresentRate() const;
     /// Advances the running time by `dt` seconds, of this emitter alone.
     void advance(float dt);
+    /// Half the box that the particles start in, along the emitter's axes; default: a point.
+    const vec3& getSpread() const { return m_spread; }
+    void setSpread(const vec3& spread) { m_spread = spread; }
 
     /// Deflectors remove the particles in their column. World transforms.
     int getNumDeflectors() const { return m_deflectors.size(); }
@@ -61,6 +64,7 @@ private:
     float m_elapsed = 0;
     bool m_running = true;
     unsigned m_cleared = 0;
+    vec3 m_spread;
     jVector<dmat4> m_deflectors;
 };
 
