@@ -18,6 +18,7 @@ import zlib
 SIZE = 32  # pixels: twice what the panel shows, for dense displays
 SAMPLES = 4  # along each edge of a pixel
 INK = (244, 246, 248)
+TILE, TILE_OPACITY = (33, 46, 61), 200  # behind the ink, so that it shows in bright scenes
 
 
 def run(x, y):
@@ -58,7 +59,9 @@ def draw(icon):
                     x = (px + (sx + 0.5) / SAMPLES) / SIZE * 2 - 1
                     y = (py + (sy + 0.5) / SAMPLES) / SIZE * 2 - 1
                     hits += icon(x, y)
-            row.append((*INK, round(255 * hits / SAMPLES**2)))
+            ink = hits / SAMPLES**2
+            color = (round(i * ink + t * (1 - ink)) for i, t in zip(INK, TILE))
+            row.append((*color, round(255 * ink + TILE_OPACITY * (1 - ink))))
         rows.append(row)
     return rows
 

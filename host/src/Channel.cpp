@@ -65,7 +65,7 @@ bool Channel::open() {
     if (!makeRenderer()) return false;
     Engine::get()->setApp(this);
     Engine::get()->setWorld(&m_world);
-    m_interface.resize(m_options.width, m_options.height);
+    prepareInterface();
     if (!loadLibraries() || !loadWorld()) return false;
     placeCamera();
     m_listener.connect(*m_logic);
@@ -102,6 +102,13 @@ bool Channel::makeRenderer() {
     }
     m_renderer = std::make_unique<RendererNull>();
     return m_renderer->init(m_options.width, m_options.height);
+}
+
+void Channel::prepareInterface() {
+    m_interface.resize(m_options.width, m_options.height);
+    if (m_renderer->getTextWidth(16, "0") < 0) return; // it draws no texts
+    m_interface.getRoot()->setTextWidth(
+        [this](float size, std::string_view utf8) { return m_renderer->getTextWidth(size, utf8); });
 }
 
 bool Channel::loadLibraries() {

@@ -60,6 +60,7 @@ private:
     void onResized(int width, int height) override;
 
     bool makeRenderer();
+    void prepareInterface();
     bool loadLibraries();
     bool loadWorld();
     void placeCamera();
