@@ -121,8 +121,15 @@ BENCHMARK(rayDown)->ArgName("beaufort")->Arg(5)->Iterations(1000);
 void evolution(benchmark::State& state) {
     const bool turning = state.range(0) != 0;
     ocean::WaveField sea({5, 8, 230});
-    ocean::Fft fft(ocean::Lattice::BAND);
-    std::vector<float> in(2 * 128 * 128), out(2 * 128 * 128);
+    std::vector<ocean::Fft> transforms; // slopes, displacement, height and divergence
+    std::size_t largest = 0;
+    for (const ocean::Cascade& cascade : sea.getCascades()) {
+        largest = std::max(largest, static_cast<std::size_t>(cascade.getResolution()));
+        for (int i = cascade.isSlopesOnly() ? 2 : 0; i < 3; i++)
+            transforms.emplace_back(cascade.getResolution(), ocean::Lattice::BAND);
+    }
+    constexpr std::size_t IN = ocean::Lattice::SIDE * ocean::Lattice::SIDE;
+    std::vector<float> in(2 * IN), out(2 * largest * largest);
     std::vector<double> times, floors;
     int frame = 0;
     while (state.KeepRunning()) {
@@ -130,8 +137,8 @@ void evolution(benchmark::State& state) {
         if (turning) sea.set({5, 8, 230.0 + frame % 90});
         times.push_back(microseconds([&] { sea.evolve(frame / 60.0); }));
         floors.push_back(microseconds([&] {
-            for (int i = 0; i < 10; i++)
-                fft.inverse(in.data(), in.data() + 128 * 128, out.data(), out.data() + 128 * 128);
+            for (ocean::Fft& fft : transforms)
+                fft.inverse(in.data(), in.data() + IN, out.data(), 2);
         }));
     }
     state.counters["worst_us"] = *std::max_element(times.begin(), times.end());

@@ -13,13 +13,11 @@ namespace ocean {
 /// BAND, one of each pair ±(m, n), and where the pair stands in a spectrum as `Fft` takes it.
 struct Lattice {
     static constexpr int BAND = 32;
+    static constexpr int SIDE = 2 * BAND + 1; ///< a spectrum has SIDE × SIDE values
 
     struct Pair {
         int m, n;
         int plus, minus; ///< index of (m, n) and of (−m, −n)
-        /// Bilinear interpolation damps a wave by ((2 + cos) / 3)^½ along each axis, in the root
-        /// mean square over the places between texels; dividing by it keeps the wave height.
-        float compensation;
     };
     std::vector<Pair> pairs;
 
@@ -34,15 +32,11 @@ struct Wave {
     double energy;    ///< variance, m²
 };
 
-/// Arrays that all tiles share while they evolve: three spectra, their transforms.
+/// What all tiles share while they evolve, one after the other: arrays for a spectrum.
 struct CascadeWorkspace {
-    static constexpr int TEXELS = Fft::SIZE * Fft::SIZE;
-
-    Fft fft{Lattice::BAND};
     Lattice lattice;
-    std::vector<float> spectrum_re[3], spectrum_im[3]; ///< zero off the lattice
-    std::vector<float> field_re[3], field_im[3];
-    std::vector<float> wave_re, wave_im; ///< complex amplitude of each pair's (m, n)
+    std::vector<float> spectrum_re, spectrum_im; ///< zero off the lattice
+    std::vector<float> wave_re, wave_im;         ///< complex amplitude of each pair's (m, n)
 
     CascadeWorkspace();
 };
@@ -53,8 +47,9 @@ struct CascadeWorkspace {
 class Cascade {
 public:
     struct Settings {
-        int id;      ///< seeds the phases
-        double tile; ///< m
+        int id;         ///< seeds the phases
+        double tile;    ///< m
+        int resolution; ///< texels along the edge, a power of two above 2 BAND
         double k_min, k_max;
         bool slopes_only;  ///< too low to float on: tilts the surface, doesn't move it
         double foam_decay; ///< time constant, s
@@ -67,7 +62,7 @@ public:
     double aim(const WaveSpectrum& spectrum, const Lattice& lattice);
     void scaleTarget(double factor);
     /// Sets the amplitudes for the energies as they are now on their way.
-    void blend(const Easing& easing, const Lattice& lattice);
+    void blend(const Easing& easing);
 
     /// Sums over the waves as last blended, E their energies.
     struct Measures {
@@ -83,6 +78,7 @@ public:
     void updateFoam(double dt);
 
     double getTile() const { return m_settings.tile; }
+    int getResolution() const { return m_settings.resolution; }
     bool isSlopesOnly() const { return m_settings.slopes_only; }
     bool isActive() const { return m_measures.variance > 0; } ///< whether any wave carries energy
     const float* getDisplacement() const { return m_displacement.data(); }
@@ -96,17 +92,20 @@ public:
 private:
     void clear();
     void computeWaves(double time, CascadeWorkspace& workspace) const;
-    void scatterSurface(CascadeWorkspace& workspace) const;
-    void scatterSlopes(CascadeWorkspace& workspace, int target) const;
-    void gatherSurface(const CascadeWorkspace& workspace);
-    void gatherSlopes(const CascadeWorkspace& workspace, int source);
+    void scatterSlopes(CascadeWorkspace& workspace) const;
+    void scatterDisplacement(CascadeWorkspace& workspace) const;
+    void scatterHeight(CascadeWorkspace& workspace) const;
+    void measureHighest();
 
     Settings m_settings;
+    Fft m_fft;
     Measures m_measures;
     double m_highest = 0;
     // One element a pair of the lattice; [0] is the wave towards +(m, n), [1] the one against it.
     std::vector<float> m_kx, m_ky, m_k;
     std::vector<double> m_frequency;
+    /// What the waves are raised by against bilinear interpolation, see `compensate`.
+    std::vector<float> m_compensation;
     std::vector<float> m_share[2]; ///< how much of the mode's cell lies in [k_min, k_max)
     std::vector<double> m_phase[2];
     std::vector<float> m_start[2], m_rate[2], m_target[2]; ///< energies, m², and m²/s

@@ -8,7 +8,6 @@ namespace ocean {
 
 namespace {
 
-constexpr int N = OceanFrame::RESOLUTION;
 constexpr double TOLERANCE = 0.002; ///< m, last step of the search for the water at a place
 /// 3 to 5 steps are usual; the steepest crests of a hurricane take more.
 constexpr int MAX_STEPS = 24;
@@ -17,18 +16,19 @@ constexpr int MAX_STEPS = 24;
 /// negative: then a cast to int rounds down, and the low bits are the texel's index.
 constexpr double SAFE_TILES = 16;
 
-double wrapToTexels(double texels) {
-    const double tiles = texels / N;
-    return (tiles - std::floor(tiles) + SAFE_TILES) * N;
+double wrapToTexels(double texels, int resolution) {
+    const double tiles = texels / resolution;
+    return (tiles - std::floor(tiles) + SAFE_TILES) * resolution;
 }
 
 /// Bilinear interpolation of all four floats: one more than needed, for the sake of vector
 /// instructions.
-inline void bilinear(const float* texels, double u, double v, float out[4]) {
+inline void bilinear(const float* texels, int resolution, double u, double v, float out[4]) {
     const int i = static_cast<int>(u), j = static_cast<int>(v);
     const float a = static_cast<float>(u - i), b = static_cast<float>(v - j);
-    const int i0 = i & (N - 1), i1 = (i + 1) & (N - 1);
-    const int j0 = (j & (N - 1)) * N, j1 = ((j + 1) & (N - 1)) * N;
+    const int last = resolution - 1; // the bits of an index
+    const int i0 = i & last, i1 = (i + 1) & last;
+    const int j0 = (j & last) * resolution, j1 = ((j + 1) & last) * resolution;
     const float *p00 = texels + 4 * (j0 + i0), *p10 = texels + 4 * (j0 + i1);
     const float *p01 = texels + 4 * (j1 + i0), *p11 = texels + 4 * (j1 + i1);
     for (int c = 0; c < 4; c++) {
@@ -46,11 +46,12 @@ void SurfaceSampler::setFrame(const OceanFrame& frame) {
     for (int i = 0; i < OceanFrame::TILES; i++) {
         const OceanTile& tile = frame.tiles[i];
         if (!tile.active || !tile.displacement) continue;
-        const double scale = N / tile.tile;
+        const double scale = tile.resolution / tile.tile;
         const float weight = i == 0 ? std::numbers::sqrt2_v<float> / 2 : 1;
-        m_layers[m_count++] = {tile.displacement, 1, 0, 0, 0, scale, weight};
+        m_layers[m_count++] = {tile.displacement, tile.resolution, 1, 0, 0, 0, scale, weight};
         if (i == 0)
             m_layers[m_count++] = {tile.displacement,
+                                   tile.resolution,
                                    OceanFrame::SECOND_COSINE,
                                    OceanFrame::SECOND_SINE,
                                    OceanFrame::SECOND_OFFSET_X,
@@ -64,8 +65,8 @@ SurfaceSampler::Place SurfaceSampler::locate(double x, double y) const {
     Place place;
     for (int n = 0; n < m_count; n++) {
         const Layer& l = m_layers[n];
-        place.u[n] = wrapToTexels((l.cosine * x - l.sine * y + l.offset_x) * l.scale);
-        place.v[n] = wrapToTexels((l.sine * x + l.cosine * y + l.offset_y) * l.scale);
+        place.u[n] = wrapToTexels((l.cosine * x - l.sine * y + l.offset_x) * l.scale, l.resolution);
+        place.v[n] = wrapToTexels((l.sine * x + l.cosine * y + l.offset_y) * l.scale, l.resolution);
     }
     return place;
 }
@@ -76,7 +77,7 @@ void SurfaceSampler::sample(const Place& place, double dx, double dy, float out[
     for (int n = 0; n < m_count; n++) {
         const Layer& l = m_layers[n];
         float d[4];
-        bilinear(l.texels, place.u[n] + (l.cosine * dx - l.sine * dy) * l.scale,
+        bilinear(l.texels, l.resolution, place.u[n] + (l.cosine * dx - l.sine * dy) * l.scale,
                  place.v[n] + (l.sine * dx + l.cosine * dy) * l.scale, d);
         const float cosine = static_cast<float>(l.cosine), sine = static_cast<float>(l.sine);
         out[0] += l.weight * (cosine * d[0] + sine * d[1]);

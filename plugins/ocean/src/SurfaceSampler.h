@@ -28,6 +28,7 @@ private:
     /// One of the samplings that add up to the surface: a tile, possibly turned and shifted.
     struct Layer {
         const float* texels;
+        int resolution; ///< texels along the edge of the tile
         double cosine, sine, offset_x, offset_y;
         double scale; ///< texels per metre
         float weight;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "WaveField.h"
+#include "ig/math/vec.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,6 +13,8 @@
 
 namespace ocean {
 namespace {
+
+using ig::dvec3;
 
 constexpr double TURN = 2 * std::numbers::pi;
 
@@ -96,16 +99,14 @@ struct Texel {
     double slope_x = 0, slope_y = 0;
 };
 
-/// `compensated`: with the waves raised by what bilinear interpolation takes away, as in the
-/// arrays.
-Texel addUp(const Cascade& cascade, double time, double x, double y, bool compensated) {
+/// The waves are raised against bilinear damping, as in the arrays.
+Texel addUp(const Cascade& cascade, double time, double x, double y) {
     Texel sum;
     for (const Wave& w : cascade.listWaves()) {
         const double k = std::hypot(w.kx, w.ky);
-        const double spacing = cascade.getTile() / OceanFrame::RESOLUTION;
-        const double kept =
-            std::sqrt((2 + std::cos(w.kx * spacing)) / 3 * (2 + std::cos(w.ky * spacing)) / 3);
-        const double amplitude = std::sqrt(2 * w.energy) / (compensated ? kept : 1);
+        const double spacing = cascade.getTile() / cascade.getResolution();
+        const double kept = (2 + std::cos(w.kx * spacing)) / 3 * (2 + std::cos(w.ky * spacing)) / 3;
+        const double amplitude = std::sqrt(2 * w.energy) / std::pow(kept, 0.45);
         const double turns = static_cast<double>(
             std::fmod(std::sqrt(static_cast<long double>(GRAVITY * k)) * time, 2 * M_PIl));
         const double angle = TURN * w.phase - turns + w.kx * x + w.ky * y;
@@ -128,10 +129,10 @@ TEST(WaveField, TexelsAreTheDirectSumOfTheWavesEvenAfterDays) {
         for (int i = 0; i < OceanFrame::TILES; i++)
             for (int sample = 0; sample < 5; sample++) {
                 const OceanTile& tile = sea.getFrame().tiles[i];
-                constexpr unsigned N = OceanFrame::RESOLUTION;
+                const unsigned N = static_cast<unsigned>(tile.resolution);
                 const unsigned u = random() % N, v = random() % N;
                 const Texel sum = addUp(sea.getCascades()[static_cast<std::size_t>(i)], time,
-                                        u * tile.tile / N, v * tile.tile / N, true);
+                                        u * tile.tile / N, v * tile.tile / N);
                 const float* slope = tile.slope + 2 * (v * N + u);
                 EXPECT_NEAR(static_cast<double>(slope[0]), sum.slope_x, 2e-5);
                 EXPECT_NEAR(static_cast<double>(slope[1]), sum.slope_y, 2e-5);
@@ -145,29 +146,101 @@ TEST(WaveField, TexelsAreTheDirectSumOfTheWavesEvenAfterDays) {
     }
 }
 
-TEST(WaveField, InterpolatedSurfaceIsWithinTwoCentimetresOfTheDirectSum) {
-    WaveField sea({5, 0, 230});
-    constexpr double TIME = 500;
-    sea.evolve(TIME);
-    const double c = OceanFrame::SECOND_COSINE, s = OceanFrame::SECOND_SINE;
-    const auto& tiles = sea.getCascades();
-    Places places;
-    double squares = 0;
-    constexpr int COUNT = 100;
-    for (int i = 0; i < COUNT; i++) {
-        const double x = places.next(), y = places.next();
-        const double x2 = c * x - s * y + OceanFrame::SECOND_OFFSET_X;
-        const double y2 = s * x + c * y + OceanFrame::SECOND_OFFSET_Y;
-        const double height = sea.getFrame().mean_level +
-                              addUp(tiles[1], TIME, x, y, false).height +
-                              addUp(tiles[2], TIME, x, y, false).height +
-                              std::sqrt(0.5) * (addUp(tiles[0], TIME, x, y, false).height +
-                                                addUp(tiles[0], TIME, x2, y2, false).height);
-        double found[3];
-        sea.getSurface().displace(x, y, found);
-        squares += (found[2] - height) * (found[2] - height);
+/// The waves of one sampling of a tile, at one moment, added up one by one in double precision.
+class DirectTile {
+public:
+    DirectTile(const Cascade& cascade, double time) : m_unit(TURN / cascade.getTile()) {
+        for (const Wave& w : cascade.listWaves()) {
+            const double turns = std::fmod(w.frequency * time, 1.0);
+            m_waves.push_back({static_cast<int>(std::lround(w.kx / m_unit)),
+                               static_cast<int>(std::lround(w.ky / m_unit)), w.kx / length(w),
+                               w.ky / length(w),
+                               std::polar(std::sqrt(2 * w.energy), TURN * (w.phase - turns))});
+        }
     }
-    EXPECT_LT(std::sqrt(squares / COUNT), 0.02); // root mean square, at 2 m significant height
+
+    /// Displacement east and north, height.
+    dvec3 at(double x, double y) const {
+        // exp(i k·q) is the product of two of these powers.
+        std::complex<double> east[2 * BAND + 1], north[2 * BAND + 1];
+        for (int m = -BAND; m <= BAND; m++) {
+            east[BAND + m] = std::polar(1.0, m * m_unit * x);
+            north[BAND + m] = std::polar(1.0, m * m_unit * y);
+        }
+        dvec3 sum;
+        for (const Mode& w : m_waves) {
+            const std::complex<double> h = w.amplitude * east[BAND + w.m] * north[BAND + w.n];
+            sum = sum + dvec3(-w.east * h.imag(), -w.north * h.imag(), h.real());
+        }
+        return sum;
+    }
+
+private:
+    static constexpr int BAND = Lattice::BAND;
+    static double length(const Wave& w) { return std::hypot(w.kx, w.ky); }
+
+    struct Mode {
+        int m, n;
+        double east, north; ///< direction
+        std::complex<double> amplitude;
+    };
+    double m_unit; ///< rad/m
+    std::vector<Mode> m_waves;
+};
+
+/// The sea without texels: what queries would answer if tiles were infinitely fine.
+class DirectSea {
+public:
+    explicit DirectSea(const WaveField& sea)
+        : m_mean_level(sea.getFrame().mean_level), m_tiles{
+                                                       {sea.getCascades()[0], sea.getFrame().time},
+                                                       {sea.getCascades()[1], sea.getFrame().time},
+                                                       {sea.getCascades()[2],
+                                                        sea.getFrame().time}} {}
+
+    double altitude(double x, double y) const {
+        dvec3 water, last(1, 0, 0);
+        for (int step = 0; step < 50 && std::hypot(water.x - last.x, water.y - last.y) > 1e-4;
+             step++) {
+            last = water;
+            water = displace(x - last.x, y - last.y);
+        }
+        return water.z + m_mean_level;
+    }
+
+private:
+    dvec3 displace(double x, double y) const {
+        const double c = OceanFrame::SECOND_COSINE, s = OceanFrame::SECOND_SINE;
+        const dvec3 second = m_tiles[0].at(c * x - s * y + OceanFrame::SECOND_OFFSET_X,
+                                           s * x + c * y + OceanFrame::SECOND_OFFSET_Y);
+        const dvec3 back(c * second.x + s * second.y, c * second.y - s * second.x, second.z);
+        return (m_tiles[0].at(x, y) + back) * std::sqrt(0.5) + m_tiles[1].at(x, y) +
+               m_tiles[2].at(x, y);
+    }
+
+    double m_mean_level;
+    DirectTile m_tiles[3];
+};
+
+TEST(WaveField, QueriesAreWithinTwoCentimetresOfTheDirectSum) {
+    // Not just on average: a hoist or a deck meets single places. A storm may differ by 1 % of its
+    // significant height.
+    for (const auto& [beaufort, tolerance] : {std::pair{3.0, 0.02}, {5, 0.02}, {8, 0.055}}) {
+        WaveField sea({beaufort, 0, 230});
+        Places places;
+        double worst = 0;
+        for (double time : {0.0, 777.25, 5000.5, 86400.0}) {
+            sea.evolve(time);
+            const DirectSea direct(sea);
+            for (int i = 0; i < 1000; i++) {
+                const double x = places.next(), y = places.next();
+                worst = std::max(worst, std::abs(altitude(sea, x, y) - direct.altitude(x, y)));
+            }
+        }
+        EXPECT_LT(worst, tolerance) << "Beaufort " << beaufort;
+        RecordProperty("worst_mm_beaufort_" + std::to_string(static_cast<int>(beaufort)),
+                       std::to_string(worst * 1e3));
+    }
 }
 
 TEST(WaveField, WaterFoundAtAPlaceIsThere) {
@@ -221,11 +294,11 @@ TEST(WaveField, WavesComeFromTheAngle) {
 TEST(WaveField, StaysContinuousAndArrivesWhenEverythingChangesEveryFrame) {
     WaveField sea({6, 0, 230});
     constexpr double DT = 1.0 / 60;
-    constexpr int PLACES = 60;
+    constexpr int PLACES = 60, FRAMES = 600;
     std::mt19937 random(1);
     std::vector<double> before;
     double worst = 0;
-    for (int frame = 0; frame < 1200; frame++) {
+    for (int frame = 0; frame < FRAMES; frame++) {
         sea.set({random() % 13 * 1.0, random() % 76 * 1.0, random() % 360 * 1.0});
         sea.evolve(frame * DT);
         Places places;
@@ -246,21 +319,21 @@ TEST(WaveField, StaysContinuousAndArrivesWhenEverythingChangesEveryFrame) {
     EXPECT_GT(worst, 0.5 * DT);
 
     sea.set({4, 8, 10});
-    sea.evolve(1200 * DT + 0.1);
-    sea.evolve(1200 * DT + 5.1);
+    sea.evolve(FRAMES * DT + 0.1);
+    sea.evolve(FRAMES * DT + 5.1);
     EXPECT_GT(sea.getFrame().significant_height, 1.1); // still on its way
-    sea.evolve(1200 * DT + 10.1);
+    sea.evolve(FRAMES * DT + 10.1);
     EXPECT_NEAR(sea.getFrame().significant_height, 1, 0.02);
-    sea.evolve(1200 * DT + 20.2);
+    sea.evolve(FRAMES * DT + 20.2);
     EXPECT_NEAR(sea.getFrame().significant_height, 1, 1e-6);
     EXPECT_EQ(sea.getFrame().wind, 8);
 }
 
 TEST(WaveField, MovesTowardsSettingsThatNeverRest) {
     WaveField sea({0, 0, 230});
-    for (int frame = 0; frame < 900; frame++) {
+    for (int frame = 0; frame < 450; frame++) {
         sea.set({5, 0, 100.0 + frame % 2}); // a host that dithers
-        sea.evolve(frame / 30.0);
+        sea.evolve(frame / 15.0);
     }
     EXPECT_NEAR(sea.getFrame().significant_height, 2, 0.1); // 30 s: three time constants
 }
@@ -283,7 +356,7 @@ TEST(WaveField, IsTheSameSeaForTheSameHistory) {
             hash = (hash ^ static_cast<std::uint64_t>(std::llround(h * 1e4))) * 0x100000001b3;
         }
     }
-    EXPECT_EQ(hash, 9183725954567108387u);
+    EXPECT_EQ(hash, 7249327858287996263u);
 }
 
 TEST(WaveField, IgnoresTimesThatAreNoneAndGoesBack) {
@@ -308,7 +381,7 @@ TEST(WaveField, FoamStaysBehindTheCrestsAndFades) {
         sea.evolve(step * 0.1);
         for (const OceanTile& tile : sea.getFrame().tiles) {
             if (!tile.foam) continue;
-            for (int i = 0; i < OceanFrame::RESOLUTION * OceanFrame::RESOLUTION; i++) {
+            for (int i = 0; i < tile.resolution * tile.resolution; i++) {
                 ASSERT_GE(tile.foam[i], -tile.displacement[4 * i + 3]);
                 ASSERT_GE(tile.foam[i], 0);
                 most = std::max(most, static_cast<double>(tile.foam[i]));
@@ -321,7 +394,8 @@ TEST(WaveField, FoamStaysBehindTheCrestsAndFades) {
     sea.evolve(60);
     for (const OceanTile& tile : sea.getFrame().tiles)
         if (tile.foam) {
-            EXPECT_LT(*std::max_element(tile.foam, tile.foam + 128 * 128), 1e-3);
+            EXPECT_LT(*std::max_element(tile.foam, tile.foam + tile.resolution * tile.resolution),
+                      1e-3);
         }
 }
 

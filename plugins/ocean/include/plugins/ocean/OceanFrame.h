@@ -3,12 +3,15 @@
 
 #include "ig/math/vec.h"
 
-/// One tile of the sea's surface, RESOLUTION × RESOLUTION texels, repeated without end. Texel
-/// (i, j) lies at x = i · tile / RESOLUTION, y = j · tile / RESOLUTION and at index
-/// j · RESOLUTION + i; between texels the surface is the bilinear interpolation of the four around
+/// One tile of the sea's surface, resolution × resolution texels, repeated without end. Texel
+/// (i, j) lies at x = i · tile / resolution, y = j · tile / resolution and at index
+/// j · resolution + i; between texels the surface is the bilinear interpolation of the four around
 /// a place, nothing else. The arrays belong to the ocean.
 struct OceanTile {
     double tile = 0; ///< edge length, m
+    /// Texels along an edge: a power of two, the same for all arrays of the tile and as long as the
+    /// ocean lives; tiles differ.
+    int resolution = 0;
     /// False while no wave of this tile carries energy; its arrays are zero then.
     bool active = false;
     /// Four floats a texel: displacement east and north, height, and the divergence of the
@@ -33,7 +36,6 @@ struct OceanTile {
 /// 1/√2, and the vectors of the second, displacement and slope, are turned back by Rᵀ. Slopes are
 /// derivatives with respect to q and add up in the same way, over all tiles.
 struct OceanFrame {
-    static constexpr int RESOLUTION = 128;
     static constexpr int TILES = 4;
     static constexpr double SECOND_TURN = 17;                                  ///< degrees
     static constexpr double SECOND_COSINE = 0.956304755963035481;              ///< cos 17°
