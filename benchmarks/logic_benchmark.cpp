@@ -5,8 +5,11 @@
 #include "common/wire/UdpSendData.h"
 #include "heli/kit/UdpDataKit.h"
 #include "ig/net/SocketUDP.h"
+#include "ig/ui/UiDrawList.h"
 #include "ratio.h"
 #include "testkit/LogicScene.h"
+
+#include <random>
 
 namespace {
 
@@ -21,7 +24,7 @@ void updateWithoutRecord(benchmark::State& state) {
     const ig::dvec3 to = from - scene.logic->m_heli->m_prefab->getWGSTransform().getZ() * 1e5;
     PairedTimes times;
     for (auto _ : state) {
-        ig::Engine::get()->beginFrame(1 / 60.0f);
+        // Always in the same engine frame: the waves' evolution is the ocean's own benchmark.
         times.measure([&] { scene.logic->update(1 / 60.0f); },
                       [&] {
                           UdpSendData datagram{};
@@ -35,6 +38,33 @@ void updateWithoutRecord(benchmark::State& state) {
     times.report(state);
 }
 BENCHMARK(updateWithoutRecord)->Iterations(20000)->Unit(benchmark::kMicrosecond);
+
+/// The query of the feedback, 100 km straight down, at random places of the demo world.
+void selectObject(benchmark::State& state) {
+    LogicScene scene;
+    scene.useProjectData();
+    scene.start();
+    scene.frame();
+    std::mt19937_64 random(1);
+    std::uniform_real_distribution<double> u(-0.03, 0.03);
+    const ig::EllipsoidModel earth;
+    std::vector<double> times;
+    int missed = 0;
+    for (auto _ : state) {
+        const ig::dvec3 from = earth.toWorld({-155.0625 + u(random), 19.7125 + u(random), 500});
+        const ig::dvec3 to = from - earth.getUp(from) * 1e5;
+        ig::dvec3 hit;
+        const auto begin = std::chrono::steady_clock::now();
+        missed += !scene.logic->select_object(from, to, &hit);
+        times.push_back(
+            std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
+    }
+    std::nth_element(times.begin(), times.begin() + static_cast<long>(times.size() / 2),
+                     times.end());
+    state.counters["median_us"] = times[times.size() / 2] * 1e6;
+    state.counters["missed"] = missed;
+}
+BENCHMARK(selectObject)->Iterations(20000)->Unit(benchmark::kMicrosecond);
 
 /// Receiving and applying a batch of records, against receiving alone; per record.
 void applyRecord(benchmark::State& state) {
@@ -69,5 +99,32 @@ void applyRecord(benchmark::State& state) {
     state.counters["apply_us_per_record"] = differences[differences.size() / 2] * 1e6;
 }
 BENCHMARK(applyRecord)->Iterations(2000)->Unit(benchmark::kMicrosecond);
+
+/// One frame of the user interface with the camera on the move, so that all its fields change,
+/// against writing the same numbers; at most 300 µs are allowed.
+void userInterface(benchmark::State& state) {
+    LogicScene scene;
+    scene.useProjectData();
+    scene.start();
+    scene.frame();
+    ig::UiDrawList list;
+    PairedTimes times;
+    ig::dvec3 place(LogicScene::LONGITUDE, LogicScene::LATITUDE, 100);
+    for (auto _ : state) {
+        place = place + ig::dvec3(1e-5, 1e-5, 0.1);
+        scene.logic->set_cam_pos_geo(place);
+        times.measure(
+            [&] {
+                scene.ui->update(1 / 60.0f);
+                scene.ui->draw(list);
+            },
+            [&] {
+                for (const double number : {place.x, place.y, place.z})
+                    benchmark::DoNotOptimize(ig::ToString(number));
+            });
+    }
+    times.report(state);
+}
+BENCHMARK(userInterface)->Iterations(20000)->Unit(benchmark::kMicrosecond);
 
 } // namespace

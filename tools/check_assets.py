@@ -38,7 +38,8 @@ TYPE_KEYS = {
     "mesh": {"mesh", "intersect", "surfaces"},
     "prefab": {"path"},
     "particles": {"life", "life_spread", "velocity", "velocity_spread", "rate", "spread",
-                  "material", "deflectors"},
+                  "duration", "burst", "material", "deflectors"},
+    "rope": {"radius", "material"},
     "decal": {"width", "height", "material"},
     "light": {"material"},
     "field": {"parameters"},
@@ -203,7 +204,8 @@ class Checker:
             self.expect(isinstance(value, list) and len(value) == 3 and all(
                 isinstance(v, (int, float)) and math.isfinite(v) for v in value), path,
                 f"{where}: {key} is not three numbers")
-        for key in ("life", "life_spread", "velocity", "velocity_spread", "rate"):
+        for key in ("life", "life_spread", "velocity", "velocity_spread", "rate", "duration", "burst",
+                    "radius"):
             self.expect(isinstance(node.get(key, 0), (int, float)), path,
                         f"{where}: {key} is not a number")
         if "material" in node:

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "Channel.h"
 
-#include "FrameClock.h"
 #include "common/logic/LogicBase.h"
 #include "ig/app/Engine.h"
 #include "ig/app/Message.h"
+#include "ig/app/MsgBox.h"
 #include "ig/base/jLog.h"
 #include "ig/net/SocketUDP.h"
 #include "ig/package/PackageManager.h"
@@ -44,8 +44,10 @@ void levelCamera() {
 } // namespace
 
 Channel::Channel(const Options& options)
-    : m_options(options), m_window(*this), m_camera_control(nullptr), m_environment(m_options),
-      m_screenshots(options.screenshot, options.screenshot_every, options.contact_sheet) {
+    : m_options(options), m_window(*this), m_interface(this, &m_control), m_camera_control(nullptr),
+      m_environment(m_options),
+      m_screenshots(options.screenshot, options.screenshot_every, options.contact_sheet),
+      m_clock(options.frame_rate, options.step) {
     m_status.setQuiet(options.quiet);
 }
 
@@ -63,6 +65,7 @@ bool Channel::open() {
     if (!makeRenderer()) return false;
     Engine::get()->setApp(this);
     Engine::get()->setWorld(&m_world);
+    prepareInterface();
     if (!loadLibraries() || !loadWorld()) return false;
     placeCamera();
     m_listener.connect(*m_logic);
@@ -73,6 +76,9 @@ bool Channel::open() {
                     m_logic->getWorldPath().c_str());
         return false;
     }
+    m_interface.open(m_logic);
+    m_interface.getOverlays().showHelp(m_options.show_help);
+    m_interface.getOverlays().showStatistics(m_options.statistics);
     if (m_listener.m_helicopter) m_last_position = m_listener.m_helicopter->getWorldPosition();
     for (SocketUDP* socket : SocketUDP::getOpenSockets())
         if (!m_options.allow_sender.empty() && !socket->setAllowedSender(m_options.allow_sender))
@@ -95,6 +101,13 @@ bool Channel::makeRenderer() {
     }
     m_renderer = std::make_unique<RendererNull>();
     return m_renderer->init(m_options.width, m_options.height);
+}
+
+void Channel::prepareInterface() {
+    m_interface.resize(m_options.width, m_options.height);
+    if (m_renderer->getTextWidth(16, "0") < 0) return; // it draws no texts
+    m_interface.getRoot()->setTextWidth(
+        [this](float size, std::string_view utf8) { return m_renderer->getTextWidth(size, utf8); });
 }
 
 bool Channel::loadLibraries() {
@@ -134,44 +147,74 @@ void Channel::setProjection() {
 // ------------------------------------------------------------------ frames
 
 void Channel::run() {
-    FrameClock clock(m_options.frame_rate, m_options.step);
-    double scene_time = 0;
-    for (int frames = 0; !g_stop && !isOver(scene_time, frames); frames++) {
-        const float dt = clock.beginFrame();
-        const double begin = steadyNow();
-        if (m_window.isOpen() && !m_window.poll()) break;
-        frame(dt);
-        const double work = steadyNow() - begin;
-        if (m_options.scale <= 0)
-            m_renderer->setScale(m_governor.update(work, m_renderer->getScale()));
-        if (m_window.isOpen()) m_window.swap();
-        m_trace.write(begin, m_listener);
-        m_status.addFrame(dt, work);
-        m_status.print(m_listener);
-        scene_time += static_cast<double>(dt);
-    }
+    // The scene and the link go on while the operator is asked something.
+    m_interface.getRoot()->setModalFrame([this] { return runFrame(); });
+    while (runFrame())
+        if (m_close_requested) askToQuit();
     m_screenshots.afterLast(*m_renderer);
     m_status.printSummary(m_listener);
     for (const PassTime& pass : m_renderer->getPassTimes())
         std::printf("  %-12s %7.2f ms\n", pass.name, pass.milliseconds);
 }
 
-bool Channel::isOver(double scene_time, int frames) const {
-    // Half a frame's worth of allowance: sums of single-precision steps fall short of round times.
-    return (m_options.seconds > 0 && scene_time > m_options.seconds - 1e-3) ||
-           (m_options.frames > 0 && frames >= m_options.frames);
+/// False when the last one has been run.
+bool Channel::runFrame() {
+    if (g_stop || isOver()) return false;
+    const float dt = m_clock.beginFrame();
+    const double begin = steadyNow();
+    if (m_window.isOpen() && !m_window.poll()) requestClose();
+    const FrameCosts costs = frame(dt);
+    const double work = steadyNow() - begin;
+    if (m_options.scale <= 0) m_renderer->setScale(m_governor.update(work, m_renderer->getScale()));
+    if (m_window.isOpen()) m_window.swap();
+    m_interface.getOverlays().addFrame(dt, costs, m_listener.m_records - m_last_records);
+    m_last_records = m_listener.m_records;
+    m_trace.write(begin, m_listener);
+    m_status.addFrame(dt, work);
+    m_status.print(m_listener);
+    m_scene_time += static_cast<double>(dt);
+    m_frames++;
+    return true;
 }
 
-void Channel::frame(float dt) {
+void Channel::askToQuit() {
+    MsgBox box(this, "Quit", "End the visual channel?");
+    box.center();
+    if (box.modality()) requestStop();
+    m_close_requested = false;
+}
+
+bool Channel::isOver() const {
+    // Half a frame's worth of allowance: sums of single-precision steps fall short of round times.
+    return (m_options.seconds > 0 && m_scene_time > m_options.seconds - 1e-3) ||
+           (m_options.frames > 0 && m_frames >= m_options.frames);
+}
+
+FrameCosts Channel::frame(float dt) {
+    FrameCosts costs;
+    double last = steadyNow();
+    const auto spent = [&last] {
+        const double before = last;
+        last = steadyNow();
+        return last - before;
+    };
     Engine::get()->beginFrame(dt);
     m_logic->update(dt);
     levelAfterJump();
+    costs.update = spent();
     m_world.updatePhysics(dt);
+    m_world.updateParticles(dt);
     m_particles.advance(m_world, dt);
+    costs.physics = spent();
+    m_interface.update(dt);
+    m_frame_info.ui = m_options.no_interface ? nullptr : m_interface.draw();
+    costs.interface = spent();
     m_logic->swap();
     draw();
     m_logic->render();
+    costs.draw = spent();
     m_control.endFrame();
+    return costs;
 }
 
 void Channel::draw() {
@@ -206,6 +249,8 @@ void Channel::close() {
         m_logic->release();
         if (m_renderer) m_renderer->release();
         m_listener.m_helicopter = nullptr;
+        m_frame_info.ui = nullptr;
+        m_interface.close();
         m_particles.clear();
         m_world.clear();
         delete m_logic;

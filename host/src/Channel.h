@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Environment.h"
+#include "FrameClock.h"
 #include "Library.h"
 #include "LogicListener.h"
 #include "Options.h"
@@ -10,6 +11,7 @@
 #include "Status.h"
 #include "Trace.h"
 #include "Window.h"
+#include "host/interface/OperatorInterface.h"
 #include "ig/app/ControlApp.h"
 #include "ig/app/IApp.h"
 #include "ig/app/Renderer.h"
@@ -38,10 +40,13 @@ public:
     void close();
     /// Ends `run` after the present frame. May be called from a signal handler.
     static void requestStop();
+    /// The operator wants to close the window: asks back, and then ends `run`.
+    void requestClose() { m_close_requested = true; }
 
     int getWidth() const override { return m_options.width; }
     int getHeight() const override { return m_options.height; }
     ig::ControlApp* getControl() override { return &m_control; }
+    ig::UIRoot* getUIRoot() const override { return m_interface.getRoot(); }
 
 private:
     // ChannelWindow.cpp
@@ -55,22 +60,24 @@ private:
     void onResized(int width, int height) override;
 
     bool makeRenderer();
+    void prepareInterface();
     bool loadLibraries();
     bool loadWorld();
     void placeCamera();
     void setProjection();
-    void frame(float dt);
+    bool runFrame();
+    FrameCosts frame(float dt);
+    void askToQuit();
     void draw();
     void levelAfterJump();
-    bool isOver(double scene_time, int frames) const;
+    bool isOver() const;
 
     Options m_options;
     Window m_window;
     std::unique_ptr<ig::Renderer> m_renderer; ///< before the window goes
     ScaleGovernor m_governor;
-    bool m_mouse_known = false;
-    float m_mouse_x = 0, m_mouse_y = 0; ///< pixels from the top left corner
     ig::ControlApp m_control;
+    OperatorInterface m_interface;
     ig::World m_world;
     ig::Camera m_camera;
     ig::CameraControl m_camera_control;
@@ -85,4 +92,9 @@ private:
     ig::FrameInfo m_frame_info;
     Trace m_trace;
     ig::dvec3 m_last_position; ///< of the helicopter
+    FrameClock m_clock;
+    double m_scene_time = 0; ///< s
+    int m_frames = 0;
+    bool m_close_requested = false;
+    int m_last_records = 0; ///< applied up to the frame before
 };

@@ -3,8 +3,6 @@
 // The channel's window: whether there is one, and what happens in it.
 
 #include "Channel.h"
-#include "common/logic/LogicBase.h"
-#include "ig/base/jLog.h"
 #include "ig/ui/KeyCode.h"
 
 using namespace ig;
@@ -29,6 +27,7 @@ void Channel::onResized(int width, int height) {
     m_options.width = width;
     m_options.height = height;
     m_renderer->resize(width, height);
+    m_interface.resize(width, height);
     setProjection();
     m_camera_control.setCamera(&m_camera);
 }
@@ -36,47 +35,25 @@ void Channel::onResized(int width, int height) {
 void Channel::onKey(int key, bool down, bool repeat) {
     if (down && !repeat && key == KEY_FULL_SCREEN) return m_window.toggleFullScreen();
     if (down && !repeat && key == KEY_PICTURE) return m_screenshots.take(*m_renderer);
-    if (repeat) return;
-    const GUIEventKey event{key};
-    if (down) {
-        m_control.keyDown(key);
-        m_logic->onKeyPress(event, this);
-    } else {
-        m_control.keyUp(key);
-        m_logic->onKeyRelease(event, this);
-    }
+    if (down)
+        m_interface.keyDown(key, repeat);
+    else
+        m_interface.keyUp(key);
 }
 
-void Channel::onText(const char*) {}
+void Channel::onText(const char* utf8) { m_interface.text(utf8); }
 
 void Channel::onButton(int button, bool down, float x, float y) {
-    if (button == 0) m_control.setLeftButton(down);
-    if (button == 1) m_control.setRightButton(down);
-    const GUIEventMouse event{button, x, y};
     if (down)
-        m_logic->onMouseDown(event, this);
+        m_interface.mouseDown(button, x, y);
     else
-        m_logic->onMouseUp(event, this);
+        m_interface.mouseUp(button, x, y);
 }
 
-void Channel::onMove(float x, float y) {
-    if (m_mouse_known) m_control.moveMouse(x - m_mouse_x, y - m_mouse_y);
-    m_mouse_known = true;
-    m_mouse_x = x;
-    m_mouse_y = y;
-    m_logic->onMouseMove({0, x, y}, this);
-}
+void Channel::onMove(float x, float y) { m_interface.mouseMove(x, y); }
 
 void Channel::onWheel(float notches) {
-    if (notches == 0) return; // sideways
-    m_control.rollWheel(notches);
-    GUIEventWheel event;
-    event.delta = 120 * notches;
-    event.flag = notches > 0;
-    m_logic->onMouseWheel(event, this);
+    if (notches != 0) m_interface.wheel(notches); // zero: sideways
 }
 
-void Channel::onFocusLost() {
-    m_control.releaseAll();
-    m_mouse_known = false;
-}
+void Channel::onFocusLost() { m_interface.focusLost(); }

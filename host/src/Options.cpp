@@ -18,6 +18,18 @@ bool readSize(const std::string& text, Options& options) {
     return true;
 }
 
+void addInterfaceOptions(CLI::App& app, Options& options) {
+    app.add_flag("--no-ui", options.no_interface, "Pictures without panels and texts");
+    app.add_flag("--help-overlay", options.show_help, "Begin with the key map over the picture");
+    app.add_option("--statistics", options.statistics,
+                   "In the picture: off, rate or full; F11 steps through them")
+        ->transform(CLI::CheckedTransformer(
+            std::map<std::string, Overlays::Statistics>{{"off", Overlays::Statistics::off},
+                                                        {"rate", Overlays::Statistics::rate},
+                                                        {"full", Overlays::Statistics::full}}))
+        ->default_str("off");
+}
+
 void addPictureOptions(CLI::App& app, Options& options) {
     app.add_option("--renderer", options.renderer,
                    "gl: pictures or nothing; null: no pictures; auto: pictures where the machine "
@@ -96,6 +108,7 @@ bool parseOptions(int argc, char** argv, Options& options, int& exit_status) {
             return readSize(text, probe) ? std::string() : "needs WIDTHxHEIGHT, 16 to 16384";
         });
     addPictureOptions(app, options);
+    addInterfaceOptions(app, options);
     app.add_option("--allow-sender", options.allow_sender,
                    "Take records from this IPv4 address only");
     app.add_option("--trace", options.trace, "Write a CSV line per frame to this file");

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "host/interface/Overlays.h"
+
 #include <string>
 #include <vector>
 
@@ -26,11 +28,14 @@ struct Options {
     double visibility = 0;          ///< m; 0: what the flight simulation says
     int weather = -1;               ///< WEATHER_TYPE; negative: what the flight simulation says
     int beaufort = -1;              ///< of the sea; negative: what the flight simulation says
-    std::vector<double> eye;  ///< longitude, latitude, altitude, heading, pitch of a fixed camera
-    bool profile = false;     ///< milliseconds per pass in the summary
-    std::string allow_sender; ///< whose records are taken; empty: anybody's
-    std::string trace;        ///< CSV file with a line per frame; empty: none
-    bool quiet = false;       ///< no status line
+    std::vector<double> eye;   ///< longitude, latitude, altitude, heading, pitch of a fixed camera
+    bool profile = false;      ///< milliseconds per pass in the summary
+    std::string allow_sender;  ///< whose records are taken; empty: anybody's
+    std::string trace;         ///< CSV file with a line per frame; empty: none
+    bool quiet = false;        ///< no status line
+    bool no_interface = false; ///< pictures without panels and texts
+    bool show_help = false;    ///< the key map, from the start
+    Overlays::Statistics statistics = Overlays::Statistics::off; ///< in the picture
 };
 
 /// Reads the command line. False when the program is to end at once with `exit_status`: after

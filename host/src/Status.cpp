@@ -2,46 +2,14 @@
 #include "Status.h"
 
 #include "LogicListener.h"
+#include "host/interface/LinkState.h"
 #include "ig/math/EllipsoidModel.h"
-#include "ig/net/SocketUDP.h"
 #include "ig/scene/ObjectPrefab.h"
 
 #include <algorithm>
-#include <chrono>
-#include <cstdint>
 #include <cstdio>
 
 using namespace ig;
-
-namespace {
-
-/// What passed over all sockets of the process: the logic's link.
-struct Link {
-    std::uint64_t received = 0, sent = 0, truncated = 0, filtered = 0, empty = 0, failed = 0;
-    double last = 0; ///< steady clock, s; 0 before the first
-};
-
-Link readLink() {
-    Link link;
-    for (const SocketUDP* socket : SocketUDP::getOpenSockets()) {
-        const SocketStatistics& s = socket->getStatistics();
-        link.received += s.datagrams_received;
-        link.sent += s.datagrams_sent;
-        link.truncated += s.truncated;
-        link.filtered += s.filtered;
-        link.empty += s.empty;
-        link.failed += s.send_failures;
-        link.last = std::max(link.last, s.last_received);
-    }
-    return link;
-}
-
-double steadyNow() {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
-        .count();
-}
-
-} // namespace
 
 void Status::addFrame(float dt, double work) {
     m_frames++;
@@ -56,10 +24,9 @@ void Status::print(const LogicListener& listener) {
     m_last_time = m_time;
     m_last_frames = m_frames;
     if (m_quiet) return;
-    const Link link = readLink();
+    const LinkState link = LinkState::read();
     char age[32] = "none yet";
-    if (link.last > 0)
-        std::snprintf(age, sizeof age, "%.0f ms ago", (steadyNow() - link.last) * 1e3);
+    if (link.age() >= 0) std::snprintf(age, sizeof age, "%.0f ms ago", link.age() * 1e3);
     std::printf("%7.1f s %6.1f fps | records %llu received, %d applied, last %s", m_time, rate,
                 static_cast<unsigned long long>(link.received), listener.m_records, age);
     if (const Node* helicopter = listener.m_helicopter) {
@@ -73,7 +40,7 @@ void Status::print(const LogicListener& listener) {
 }
 
 void Status::printSummary(const LogicListener& listener) const {
-    const Link link = readLink();
+    const LinkState link = LinkState::read();
     std::printf("%d frames in %.2f s of scene time; work per frame %.3f ms mean, %.3f ms worst\n"
                 "records: %llu received, %d applied, %llu cut, %llu from others, %llu empty; "
                 "%d resets\nfeedback: %llu sent, %llu failed\n",

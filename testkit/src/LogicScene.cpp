@@ -82,6 +82,7 @@ std::string LogicScene::helicopterPrefab() {
 bool LogicScene::start() {
     if (!m_world_file.empty()) folder.write(WORLD, m_world_file);
     Engine::get()->setApp(this);
+    ui->resize(width, height);
     world.emplace();
     Engine::get()->setWorld(&*world);
     logic = static_cast<Logic_Nerith_Heli_Final*>(CreateLogic(&*world, &camera_control));
@@ -101,12 +102,16 @@ void LogicScene::frame(float dt) {
     Engine::get()->beginFrame(dt);
     logic->update(dt);
     world->updatePhysics(dt);
+    world->updateParticles(dt);
+    ui->resize(width, height);
+    ui->update(dt);
     logic->swap();
     control.endFrame();
 }
 
 void LogicScene::stop() {
     if (logic) logic->release();
+    ui.reset();
     if (world) world->clear();
     delete static_cast<LogicBase*>(logic);
     logic = nullptr;

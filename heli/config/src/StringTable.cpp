@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "heli/config/StringTable.h"
 
+#include "ig/app/MsgBox.h"
 #include "ig/base/jLog.h"
 #include "ig/package/Package.h"
 #include "ig/package/mjl.h"
@@ -37,3 +38,12 @@ const jString& tr(const char* key) {
 }
 
 const jString& tr(const jString& key) { return tr(key.c_str()); }
+
+bool show_message(const jString& title, const jString& text, const IApp* app, bool cancel) {
+    MsgBox box(app, title, text);
+    box.getOkButton()->setText(tr("OK"));
+    box.getCancelButton()->setText(tr("Cancel"));
+    box.hideCancelButton(!cancel);
+    box.center();
+    return box.modality();
+}

@@ -5,8 +5,10 @@
 #include "heli/logic/Logic_Nerith_Heli_Final.h"
 #include "heli/logic/records.h"
 #include "ig/app/Engine.h"
+#include "ig/app/IApp.h"
 #include "ig/scene/Camera.h"
 #include "ig/scene/ObjectPrefab.h"
+#include "ig/ui/UILayout.h"
 #include "memory.h"
 #include "plugins/ocean/ObjectOcean.h"
 #include "plugins/terrain/ObjectTerrain.h"
@@ -24,17 +26,41 @@ constexpr double RADAR_HEIGHT = 10.0; ///< of the radar camera above the helicop
 void Logic_Nerith_Heli_Final::update(float dt) {
     m_timers.update(dt); // applies the host's records
     if (m_cmder) m_cmder->update(dt);
+    place_panels();
     if (m_heli) {
         update_ground_reference();
         update_radar_camera();
     }
     update_input();
+    update_torpedo(dt);
+    update_sonar();
+    update_sonar_op();
+    update_missle();
+    poll_hold_buttons(dt);
     m_action_manager.update(dt);
     if (m_heli && m_sonar_info && m_sonar_info->prefab)
         pin_cable(m_sonar_info->anchor, m_sonar_mount);
     if (m_heli && m_winch_info && m_winch_info->prefab)
         pin_cable(m_winch_info->anchor, m_winch_mount);
     send_udp();
+}
+
+/// Keeps the panels in the window's corners, whatever its size.
+void Logic_Nerith_Heli_Final::place_panels() {
+    const IApp* app = Engine::get()->getApp();
+    if (!app) return;
+    const auto width = static_cast<float>(app->getWidth());
+    const auto height = static_cast<float>(app->getHeight());
+    const auto place = [](UIElement* panel, float right, float bottom) {
+        // Beyond the panel's own size, so that its far edge is there; 0 keeps the near edge at 0.
+        if (!panel) return;
+        const float x = right > 0 ? right - static_cast<float>(panel->getWidth()) : 0;
+        const float y = bottom > 0 ? bottom - static_cast<float>(panel->getHeight()) : 0;
+        panel->setPosition(static_cast<int>(x), static_cast<int>(y));
+    };
+    place(m_btn_panel, width, height);
+    place(m_cam_panel, 0, height);
+    place(m_radar_panel, width, 0);
 }
 
 /// Measures what lies below the helicopter, for the model and its effects.

@@ -12,8 +12,9 @@ using namespace ig;
 
 namespace {
 
-constexpr float MIN_THIRD_DIST = 1.0f; ///< metres
-constexpr float FAST = 4.0f;           ///< times the speed with Shift
+constexpr float MIN_THIRD_DIST = 1.0f;                             ///< metres
+constexpr double MIN_CAMERA_RADIUS = 1e6, MAX_CAMERA_RADIUS = 1e9; ///< from the centre, metres
+constexpr float FAST = 4.0f;                                       ///< times the speed with Shift
 
 const EllipsoidModel& earth() { return *Engine::get()->getEllipsoidModel(); }
 
@@ -102,7 +103,10 @@ void Logic_Nerith_Heli_Final::cam_free_rot(float dx, float dy) {
 }
 
 void Logic_Nerith_Heli_Final::set_cam_pos_geo(const dvec3& geo) {
-    m_camera_control->m_position = earth().toWorld(geo, true);
+    const dvec3 position = earth().toWorld(geo, true);
+    const double radius = length(position);
+    if (!(radius > MIN_CAMERA_RADIUS && radius < MAX_CAMERA_RADIUS)) return;
+    m_camera_control->m_position = position;
     m_camera_control->updateView();
 }
 

@@ -21,6 +21,7 @@ void Logic_Nerith_Heli_Final::recv_udp(TimerManager::Timer*) {
         emit(m_sig_float_4, static_cast<float>(record.weather_value_b) / VISIBILITY_SCALE);
         apply_heli(record);
         apply_leida(record);
+        apply_hang(record);
     }
     m_udp_recv->m_records.clear();
 }

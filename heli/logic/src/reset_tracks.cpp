@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "heli/kit/HelicopterCorax.h"
+#include "heli/kit/LogicActions.h"
 #include "heli/logic/Logic_Nerith_Heli_Final.h"
 #include "heli/logic/records.h"
 #include "ig/base/jLog.h"
@@ -40,9 +41,16 @@ Track* Logic_Nerith_Heli_Final::get_track(const jString& path) const {
 void Logic_Nerith_Heli_Final::reset() {
     m_action_manager.removeAllActions();
     reset_helicopter();
+    clear_all_particles();
     // The host application clears what it keeps of the old scene.
     emit(m_sig_code, 25);
     emit(m_sig_code, 26);
+    for (TorpedoInfo* info : m_torpedo_infos) {
+        m_action_manager.removeAction(info->action);
+        remove_from_scene(info->prefab);
+        destroy(info, "Logic_Nerith_Heli_Final::reset");
+    }
+    m_torpedo_infos.clear();
     for (SonarInfo* info : m_thrown_sonars) {
         remove_from_scene(info->prefab);
         destroy(info, "Logic_Nerith_Heli_Final::reset");
@@ -53,7 +61,7 @@ void Logic_Nerith_Heli_Final::reset() {
     m_decoys.clear();
     if (m_sonar_info->prefab) remove_from_scene(m_sonar_info->prefab);
     *m_sonar_info = {};
-    if (Node* stowed = m_heli->m_prefab->getNodeByName("sonar")) stowed->setEnabled(true);
+    update_heli_sonar_enable();
 }
 
 /// Intact, at rest, at the start marker.
@@ -64,14 +72,9 @@ void Logic_Nerith_Heli_Final::reset_helicopter() {
         m_heli->m_body->setLinearVelocity(vec3_zero);
         m_heli->m_body->setAngularVelocity(vec3_zero);
     }
-    const Node* root = m_heli->m_prefab->getRoot();
-    const auto show = [root](const char* name, bool on) {
-        Node* state = root ? root->getChildByName(name, false) : nullptr;
-        if (state) state->setEnabled(on);
-    };
-    show("fire", false);
-    show("destroyed", false);
-    show("normal", true);
+    show_airframe("fire", false);
+    show_airframe("destroyed", false);
+    show_airframe("normal", true);
     if (const Node* start = m_world->getNodeByName("start_heli"))
         m_heli->set_transform(start->getWorldTransform());
 }

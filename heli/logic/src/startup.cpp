@@ -8,6 +8,7 @@
 #include "ig/scene/CameraControl.h"
 #include "ig/scene/ObjectPrefab.h"
 #include "ig/scene/World.h"
+#include "ig/ui/UIButton.h"
 #include "memory.h"
 #include "plugins/ocean/ObjectOcean.h"
 #include "plugins/terrain/ObjectTerrain.h"
@@ -57,6 +58,9 @@ bool Logic_Nerith_Heli_Final::init() {
     create_helicopter(*start);
     read_mounts();
     find_weather_and_surfaces();
+    update_third_view();
+    init_ui_cam();
+    init_ui_btns();
     place_start_camera();
     create_records();
     find_commander();
@@ -104,11 +108,11 @@ void Logic_Nerith_Heli_Final::find_weather_and_surfaces() {
 }
 
 void Logic_Nerith_Heli_Final::place_start_camera() {
-    update_third_view();
     m_camera_control->m_rotation = m_third_cam_rot;
     m_camera_control->updateView();
     m_camera_control->m_position = m_third_cam_pos;
     m_camera_control->updateView();
+    if (m_btn_view) m_btn_view->setText("第三视角");
     m_player_mode = PLAYER_MODE_THIRD;
 }
 

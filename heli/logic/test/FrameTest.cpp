@@ -76,6 +76,7 @@ TEST(Cables, AnchorsArePinnedToTheirMountsAfterTheHelicopterMoved) {
     UdpRecvData record = LogicScene::record();
     record.heading = 90;
     record.altitude = 100;
+    record.hang_enable = 1; // or the record would release it
     scene.send(record);
     scene.frame();
     const dvec3 expected = scene.helicopterNode("winch")->getWorldPosition();

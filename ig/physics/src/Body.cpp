@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "bullet.h"
+#include "ig/physics/Joint.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace ig {
 
 Body::~Body() {
+    while (!m_joints.empty())
+        delete m_joints.back(); // takes itself off both lists
     for (Shape* shape : m_shapes)
         delete shape;
 }
@@ -42,16 +46,28 @@ dmat4 BodyRigid::getTransform() const {
 void BodyRigid::setTransform(const dmat4& transform) {
     if (!isFinite(transform)) return;
     m_simulation->pose = transform;
+    m_impulse = {};
     if (!m_simulation->inserted) return;
     m_simulation->body->setWorldTransform(toBullet(transform * translate(dvec3(m_center))));
     setLinearVelocity({});
     setAngularVelocity({});
+    m_physics->refresh(this);
+}
+
+void BodyRigid::setHeldTransform(const dmat4& transform) {
+    if (!m_simulation->inserted && isFinite(transform)) m_simulation->pose = transform;
+}
+
+bool BodyRigid::isHeld() const {
+    return std::any_of(m_joints.begin(), m_joints.end(),
+                       [](const Joint* joint) { return !joint->isBroken(); });
 }
 
 void BodyRigid::setPreserveTransform(const dmat4& transform) {
     if (!m_simulation->inserted || !isFinite(transform)) return;
     m_simulation->pose = transform;
     m_simulation->body->setWorldTransform(toBullet(transform * translate(dvec3(m_center))));
+    m_physics->refresh(this);
     wake();
 }
 
@@ -99,6 +115,39 @@ void BodyRigid::addTorque(const vec3& torque) {
     if (!m_simulation->inserted || !isFinite(torque)) return;
     if (isFinite(m_torque + torque)) m_torque += torque;
     wake();
+}
+
+void BodyRigid::addImpulse(const vec3& local_point, const vec3& impulse) {
+    if (!m_enabled || m_mass == 0 || !isFinite(local_point) || !isFinite(impulse)) return;
+    if (!m_simulation->inserted) {
+        m_impulse = impulse;
+        m_impulse_point = local_point;
+        return;
+    }
+    btRigidBody& body = *m_simulation->body;
+    body.activate(true);
+    body.applyImpulse(toBullet(impulse),
+                      body.getWorldTransform().getBasis() * toBullet(local_point - m_center));
+}
+
+void BodyRigid::changeShapeMass(Shape& shape, float mass) {
+    if (m_mass == 0) return;
+    for (Shape* other : m_shapes)
+        other->m_mass = other->getMass(); // the others keep their even share
+    shape.m_mass = mass;
+    float total = 0;
+    for (const Shape* each : m_shapes)
+        total += each->m_mass;
+    m_mass = total;
+    if (m_simulation->body) applyMass();
+}
+
+void BodyRigid::applyMass() {
+    btVector3 inertia(0, 0, 0);
+    if (m_mass > 0 && getNumShapes() > 0)
+        m_simulation->compound.calculateLocalInertia(m_mass, inertia);
+    m_simulation->body->setMassProps(m_mass, inertia);
+    m_simulation->body->updateInertiaTensor();
 }
 
 void BodyRigid::wake() { m_simulation->body->activate(true); }

@@ -3,7 +3,9 @@
 
 #include "bullet.h"
 #include "ig/math/EllipsoidModel.h"
+#include "ig/physics/BodyRope.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace ig {
@@ -12,6 +14,7 @@ namespace {
 
 const EllipsoidModel EARTH;
 constexpr double SUBSTEP = 1.0 / 60;
+constexpr double AIR_DENSITY = 1.225; ///< kg/m³, standard atmosphere at sea level
 
 std::unique_ptr<btCollisionShape> makeShape(const Shape& shape) {
     const vec3 size = shape.getSize();
@@ -44,23 +47,21 @@ Physics::~Physics() {
 void Physics::addBody(Body* body) {
     if (m_bodies.find(body) >= 0) return;
     m_bodies.append(body);
-    auto* rigid = static_cast<BodyRigid*>(body);
-    rigid->m_physics = this;
-    if (rigid->isEnabled()) insert(rigid);
+    body->m_physics = this;
+    if (BodyRigid* rigid = asRigid(body); rigid && rigid->isEnabled()) insert(rigid);
 }
 
 void Physics::removeBody(Body* body) {
     const int i = m_bodies.find(body);
     if (i < 0) return;
-    auto* rigid = static_cast<BodyRigid*>(body);
-    extract(rigid);
-    rigid->m_physics = nullptr;
+    if (BodyRigid* rigid = asRigid(body)) extract(rigid);
+    body->m_physics = nullptr;
     m_bodies.removeFast(i);
 }
 
 void Physics::insert(BodyRigid* body) {
     BodyRigid::Simulation& s = *body->m_simulation;
-    if (s.inserted) return;
+    if (s.inserted || body->isHeld()) return;
     const dmat4 to_center = translate(dvec3(body->m_center));
     if (!s.body) {
         const btTransform from_center = toBullet(translate(-dvec3(body->m_center)));
@@ -69,11 +70,9 @@ void Physics::insert(BodyRigid* body) {
             s.compound.addChildShape(from_center * toBullet(dmat4(body->getShapeTransform(i))),
                                      s.shapes.back().get());
         }
-        btVector3 inertia(0, 0, 0);
-        if (body->m_mass > 0 && body->getNumShapes() > 0)
-            s.compound.calculateLocalInertia(body->m_mass, inertia);
-        btRigidBody::btRigidBodyConstructionInfo info(body->m_mass, nullptr, &s.compound, inertia);
-        s.body = std::make_unique<btRigidBody>(info);
+        s.body = std::make_unique<btRigidBody>(
+            btRigidBody::btRigidBodyConstructionInfo(0, nullptr, &s.compound));
+        body->applyMass();
         s.body->setFlags(s.body->getFlags() | BT_DISABLE_WORLD_GRAVITY);
         s.body->setDamping(0, 0); // ours, per substep: the solver's is clamped to 1
         s.body->setUserPointer(body);
@@ -82,8 +81,14 @@ void Physics::insert(BodyRigid* body) {
     s.body->setLinearVelocity({0, 0, 0});
     s.body->setAngularVelocity({0, 0, 0});
     s.inserted = true;
-    m_solver->world.addRigidBody(s.body.get());
+    s.last = s.body->getWorldTransform();
+    if (body->m_sensor) // in nobody's mask, so that only sweeps see what it meets
+        m_solver->world.addRigidBody(s.body.get(), btBroadphaseProxy::SensorTrigger, 0);
+    else
+        m_solver->world.addRigidBody(s.body.get());
     s.body->forceActivationState(body->m_freezable ? ACTIVE_TAG : DISABLE_DEACTIVATION);
+    body->addImpulse(body->m_impulse_point, body->m_impulse);
+    body->m_impulse = {};
 }
 
 void Physics::extract(BodyRigid* body) {
@@ -94,33 +99,52 @@ void Physics::extract(BodyRigid* body) {
     s.inserted = false;
 }
 
+void Physics::refresh(BodyRigid* body) {
+    btRigidBody* placed = body->m_simulation->body.get();
+    // The bounds reach to the pose predicted last: from an old one they would span half the earth,
+    // and the solver would drop the body.
+    placed->setInterpolationWorldTransform(placed->getWorldTransform());
+    m_solver->world.updateSingleAabb(placed);
+}
+
 void Physics::update(float dt) {
     if (!(dt > 0) || !std::isfinite(dt)) return;
     const double time = std::min<double>(dt, MAX_FRAME_TIME);
+    for (Body* body : m_bodies)
+        if (body->getType() == Body::BODY_ROPE && body->isEnabled())
+            static_cast<BodyRope*>(body)->step(time);
     // The small allowance keeps a frame of exactly 1/60 s, rounded up, from becoming two substeps.
     const int steps = std::max(1, static_cast<int>(std::ceil(time / SUBSTEP - 1e-4)));
-    const double h = time / steps;
-    for (int step = 0; step < steps; step++) {
-        for (Body* body : m_bodies) {
-            auto* rigid = static_cast<BodyRigid*>(body);
-            const auto& s = *rigid->m_simulation;
-            if (!s.inserted || rigid->m_mass == 0 || !s.body->isActive()) continue;
-            const dvec3 up = EARTH.getUp(fromBullet(s.body->getCenterOfMassPosition()));
-            const dvec3 acceleration =
-                dvec3(rigid->m_force) / double(rigid->m_mass) - up * double(GRAVITY);
-            s.body->setLinearVelocity((s.body->getLinearVelocity() + toBullet(acceleration) * h) /
-                                      (1 + rigid->m_linear_damping * h));
-            s.body->setAngularVelocity(
-                (s.body->getAngularVelocity() +
-                 s.body->getInvInertiaTensorWorld() * toBullet(rigid->m_torque) * h) /
-                (1 + rigid->m_angular_damping * h));
-        }
-        m_solver->world.stepSimulation(h, 0);
-    }
+    for (int step = 0; step < steps; step++)
+        substep(time / steps);
     for (Body* body : m_bodies) {
-        auto* rigid = static_cast<BodyRigid*>(body);
+        BodyRigid* rigid = asRigid(body);
+        if (!rigid) continue;
         rigid->m_force = rigid->m_torque = {};
+        if (rigid->m_landing) land(rigid);
     }
+    reportContacts();
+}
+
+void Physics::substep(double h) {
+    for (Body* body : m_bodies) {
+        BodyRigid* rigid = asRigid(body);
+        if (!rigid) continue;
+        const auto& s = *rigid->m_simulation;
+        if (!s.inserted || rigid->m_mass == 0 || !s.body->isActive()) continue;
+        const dvec3 up = EARTH.getUp(fromBullet(s.body->getCenterOfMassPosition()));
+        const dvec3 acceleration =
+            dvec3(rigid->m_force) / double(rigid->m_mass) - up * double(GRAVITY);
+        const btVector3 v = s.body->getLinearVelocity();
+        const double drag = 0.5 * AIR_DENSITY * rigid->m_drag_area * v.length() / rigid->m_mass;
+        s.body->setLinearVelocity((v + toBullet(acceleration) * h) /
+                                  (1 + (rigid->m_linear_damping + drag) * h));
+        s.body->setAngularVelocity(
+            (s.body->getAngularVelocity() +
+             s.body->getInvInertiaTensorWorld() * toBullet(rigid->m_torque) * h) /
+            (1 + rigid->m_angular_damping * h));
+    }
+    m_solver->world.stepSimulation(h, 0);
 }
 
 } // namespace ig

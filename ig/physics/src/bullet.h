@@ -27,12 +27,18 @@ inline dmat4 fromBullet(const btTransform& t) {
         fromBullet(t.getOrigin())};
 }
 
+/// The body when it is a rigid one, else null.
+inline BodyRigid* asRigid(Body* body) {
+    return body->getType() == Body::BODY_RIGID ? static_cast<BodyRigid*>(body) : nullptr;
+}
+
 struct BodyRigid::Simulation {
     std::vector<std::unique_ptr<btCollisionShape>> shapes;
     btCompoundShape compound; // children shifted so that its origin is the centre of mass
     std::unique_ptr<btRigidBody> body;
     dmat4 pose; // of the body's frame; what holds while the body doesn't simulate
     bool inserted = false;
+    btTransform last; // of the solver's body at the last update; where a sweep begins
 };
 
 struct Physics::Solver {

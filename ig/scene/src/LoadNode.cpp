@@ -91,9 +91,26 @@ Shape* loadShape(const Package& p) {
     return nullptr;
 }
 
-BodyRigid* loadBody(const Package& p) {
-    reportUnknownKeys(p,
-                      {"mass", "center", "linear_damping", "angular_damping", "enabled", "shapes"});
+Body* loadRope(const Package& p) {
+    reportUnknownKeys(p, {"type", "length", "factor", "anchor"});
+    const float length = p.getFloat("length");
+    const float factor = p.getItem("factor") ? p.getFloat("factor") : 1;
+    if (length > 0 && std::isfinite(length) && factor > 0 && std::isfinite(factor))
+        return new BodyRope(length, factor);
+    report(p, p.getLine(), "a rope needs a positive length and factor, not a length of",
+           p.getString("length"));
+    return nullptr;
+}
+
+/// Without what names other nodes of the prefab: `connectBodies` adds that.
+Body* loadBody(const Package& p) {
+    if (p.getString("type") == "rope") return loadRope(p);
+    reportUnknownKeys(p, {"type", "mass", "center", "linear_damping", "angular_damping", "enabled",
+                          "sensor", "landing", "drag", "joints", "shapes"});
+    if (p.getItem("type") && p.getString("type") != "rigid") {
+        report(p, p.getLine(), "unknown type of body", p.getString("type"));
+        return nullptr;
+    }
     dvec3 center;
     if (!readVec3(p, "center", center)) return nullptr;
     auto body = std::make_unique<BodyRigid>(p.getFloat("mass"), vec3(center));
@@ -101,6 +118,8 @@ BodyRigid* loadBody(const Package& p) {
         if (Shape* shape = loadShape(*description)) body->addShape(shape);
     body->setLinearDamping(p.getFloat("linear_damping"));
     body->setAngularDamping(p.getFloat("angular_damping"));
+    body->setSensor(p.getBool("sensor"));
+    body->setLanding(p.getBool("landing"));
     if (p.getItem("enabled")) body->setEnabled(p.getBool("enabled"));
     return body.release();
 }
@@ -150,7 +169,7 @@ Node* createPrefab(const Package& p) {
 Node* createParticles(const Package& p) {
     reportUnknownKeys(p,
                       {"life", "life_spread", "velocity", "velocity_spread", "rate", "spread",
-                       "material", "deflectors"},
+                       "duration", "burst", "material", "deflectors"},
                       true);
     dvec3 spread;
     if (!readVec3(p, "spread", spread)) return nullptr;
@@ -160,6 +179,8 @@ Node* createParticles(const Package& p) {
     particles->setLinearVelocity(p.getFloat("velocity"));
     particles->setLinearVelocitySpread(p.getFloat("velocity_spread"));
     particles->setSpawnRate(p.getFloat("rate"));
+    particles->setDuration(p.getFloat("duration"));
+    particles->setBurst(p.getFloat("burst"));
     particles->setSpread(vec3(spread));
     particles->setNumDeflectors(std::clamp(p.getInt("deflectors"), 0, 16));
     particles->setSurfaceMaterial(0, loadMaterial(p));
@@ -183,6 +204,16 @@ Node* createLight(const Package& p) {
     return light;
 }
 
+Node* createRope(const Package& p) {
+    reportUnknownKeys(p, {"radius", "material"}, true);
+    const float radius = p.getFloat("radius");
+    if (!(radius > 0) || !std::isfinite(radius)) {
+        report(p, p.getLine(), "a rope needs a positive radius, not", p.getString("radius"));
+        return nullptr;
+    }
+    return new ObjectRope(radius, loadMaterial(p));
+}
+
 Node* createField(const Package& p) {
     reportUnknownKeys(p, {"parameters"}, true);
     auto* field = new NodeField();
@@ -204,6 +235,7 @@ std::map<jString, Creator>& creators() {
         {"", createNode},         {"node", createNode},   {"mesh", createMesh},
         {"prefab", createPrefab}, {"decal", createDecal}, {"particles", createParticles},
         {"light", createLight},   {"field", createField}, {"camera", createCamera},
+        {"rope", createRope},
     };
     return map;
 }
@@ -241,7 +273,7 @@ void giveBody(const Package& p, Node& node) {
     if (!node.isObject())
         report(p, description->getLine(),
                "this type of node can't have a body:", p.getString("type"));
-    else if (BodyRigid* body = loadBody(*description))
+    else if (Body* body = loadBody(*description))
         static_cast<Object&>(node).setBody(body);
 }
 

@@ -94,6 +94,15 @@ void Object::poseBody() {
     m_body_version = getPoseVersion();
 }
 
+void Object::applyDrag() {
+    BodyRigid* body = m_drags.empty() ? nullptr : getBodyRigid();
+    if (!body) return;
+    float area = 0;
+    for (const Drag& drag : m_drags)
+        if (drag.node->isVisible()) area += drag.area;
+    body->setDragArea(area);
+}
+
 void Object::onMoved() { poseBody(); }
 
 void Object::onWorldChanged(World* world) {

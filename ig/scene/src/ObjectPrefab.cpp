@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ig/scene/ObjectPrefab.h"
 
+#include "connectBodies.h"
 #include "ig/base/jLog.h"
 #include "ig/package/Package.h"
 #include "ig/package/PackageManager.h"
@@ -39,6 +40,7 @@ ObjectPrefab::ObjectPrefab(const jString& path) : Object(OBJECT_PREFAB), m_path(
     if (!m_root) return;
     addChild(m_root);
     collect(m_root);
+    connectBodies(*description, *this);
 }
 
 void ObjectPrefab::collect(Node* node) {

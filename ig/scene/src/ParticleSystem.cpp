@@ -50,6 +50,8 @@ void ParticleSystem::advanceEmitter(const ObjectParticles& emitter, float dt, bo
         entry.cloud.emitter = &emitter;
         entry.cloud.origin = position;
     }
+    if (entry.cleared != emitter.getNumCleared()) entry.cloud.particles.clear();
+    entry.cleared = emitter.getNumCleared();
     entry.cloud.flat = flat;
     entry.round = m_round;
     const Material* material = emitter.getSurfaceMaterial(0);
@@ -86,8 +88,8 @@ void ParticleSystem::move(ParticleCloud& cloud, const Motion& motion, float dt) 
 
 void ParticleSystem::spawn(const ObjectParticles& emitter, Entry& entry, const Motion& motion,
                            float dt) {
-    if (!(emitter.getSpawnRate() > 0)) return;
-    entry.owed = std::min(entry.owed + static_cast<double>(emitter.getSpawnRate() * dt),
+    if (!(emitter.getPresentRate() > 0)) return;
+    entry.owed = std::min(entry.owed + static_cast<double>(emitter.getPresentRate() * dt),
                           static_cast<double>(MOST));
     const dmat4& pose = emitter.getWorldTransform();
     const vec3 axes[3] = {vec3(pose.getX()), vec3(pose.getY()), vec3(pose.getZ())};

@@ -6,6 +6,7 @@
 #include "ig/package/PackageManager.h"
 #include "ig/physics/Body.h"
 #include "ig/scene/ObjectPrefab.h"
+#include "ig/scene/SceneObjects.h"
 #include "readList.h"
 
 namespace ig {
@@ -84,11 +85,57 @@ bool World::getIntersection(const dvec3& p0, const dvec3& p1, jVector<Node*>& no
 
 void World::updatePhysics(float dt) {
     // What an ancestor moved since the last step: the scene's pose holds, and stops the body.
-    for (Body* body : m_physics.getBodies())
+    for (Body* body : m_physics.getBodies()) {
         static_cast<Object*>(body->getOwner())->poseBody();
+        static_cast<Object*>(body->getOwner())->applyDrag();
+    }
     m_physics.update(dt);
     for (Body* body : m_physics.getBodies())
         if (body->isEnabled()) static_cast<Object*>(body->getOwner())->followBody();
+}
+
+void World::updateParticles(float dt) {
+    const auto advance = [dt](const auto& self, Node* node) -> void {
+        if (node->getType() == OBJECT_PARTICLES) static_cast<ObjectParticles*>(node)->advance(dt);
+        for (int i = 0; i < node->getNumChildren(); i++)
+            self(self, node->getChild(i));
+    };
+    for (Node* node : m_nodes)
+        advance(advance, node);
+}
+
+namespace {
+/// Cuts the segment from → to short where it meets the object.
+bool shorten(const Object& object, const dvec3& from, dvec3& to) {
+    bool met = false;
+    for (int surface = 0; surface < object.getNumSurfaces(); surface++) {
+        dvec3 hit;
+        if (!object.isIntersection(surface)) continue;
+        if (!object.getIntersection(surface, object.toLocal(from), object.toLocal(to), &hit))
+            continue;
+        to = object.toWorld(hit);
+        met = true;
+    }
+    return met;
+}
+} // namespace
+
+bool World::meet(const dvec3& from, const dvec3& to, bool sea, dvec3* point) const {
+    jVector<Node*> nodes;
+    if (!getIntersection(from, to, nodes)) return false;
+    dvec3 end = to;
+    bool met = false;
+    for (const Node* node : nodes) {
+        if (!node->isObject() || !node->isVisible()) continue;
+        if (node->getType() == OBJECT_PREFAB) {
+            for (const Object* object : static_cast<const ObjectPrefab*>(node)->getObjects())
+                if (object->isVisible()) met = shorten(*object, from, end) || met;
+        } else if (sea || node->getType() != OBJECT_OCEAN) {
+            met = shorten(static_cast<const Object&>(*node), from, end) || met;
+        }
+    }
+    if (met && point) *point = end;
+    return met;
 }
 
 } // namespace ig

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "UiPass.h"
 
-#include "Png.h"
+#include "ImageFile.h"
 #include "ig/ui/UiDrawList.h"
 
 #include <cmath>
@@ -39,7 +39,7 @@ const gl::Texture& UiPass::findImage(std::string_view path) {
     if (known != m_images.end()) return known->second;
     gl::Texture& texture = m_images[std::string(path)];
     Image image;
-    if (readPng(std::string(path), image)) {
+    if (readImage(std::string(path), image)) {
         gl::makeTexture(texture, image.width, image.height, {}, image.rgba.data());
     } else {
         const std::uint8_t chequers[] = {255, 0, 255, 255, 0,   0, 0,   255,
@@ -79,6 +79,14 @@ void UiPass::addText(float x, float y, float size, const vec4& color, std::strin
                 glyph->low, glyph->high, color);
         pen += glyph->advance;
     }
+}
+
+float UiPass::getTextWidth(float size, std::string_view utf8) {
+    const int em = static_cast<int>(std::lround(size));
+    float width = 0;
+    while (!utf8.empty())
+        if (const Glyph* glyph = m_atlas.find(takeCharacter(utf8), em)) width += glyph->advance;
+    return width;
 }
 
 void UiPass::draw(const UiDrawList& list, int width, int height) {

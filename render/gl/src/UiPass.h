@@ -17,6 +17,8 @@ class UiPass {
 public:
     bool init();
     void release();
+    /// Of a line as `draw` sets it, pixels.
+    float getTextWidth(float size, std::string_view utf8);
     /// Onto the bound framebuffer of that size.
     void draw(const ig::UiDrawList& list, int width, int height);
 

@@ -7,15 +7,18 @@
 #include "heli/logic/Logic_Nerith_Heli_Final.h"
 #include "ig/app/ControlApp.h"
 #include "ig/app/Engine.h"
+#include "ig/app/InputRouter.h"
 #include "ig/scene/Camera.h"
 #include "ig/scene/CameraControl.h"
 #include "ig/scene/ObjectPrefab.h"
 #include "ig/scene/World.h"
+#include "ig/ui/UIRoot.h"
 #include "plugins/terrain/ObjectTerrain.h"
 #include "testkit/LogCapture.h"
 #include "testkit/TempFolder.h"
 #include "testkit/UdpPeer.h"
 
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -69,15 +72,19 @@ public:
         return logic->m_heli->m_prefab->getNodeByName(name);
     }
 
-    int getWidth() const override { return 1280; }
-    int getHeight() const override { return 720; }
+    int getWidth() const override { return width; }
+    int getHeight() const override { return height; }
     ig::ControlApp* getControl() override { return &control; }
+    ig::UIRoot* getUIRoot() const override { return ui.get(); }
 
     WorkingFolder folder;
     LogCapture log;
     UdpPeer peer;
     int receive_port = UdpPeer::freePort();
+    int width = 1280, height = 720; ///< of the window
     ig::ControlApp control;
+    std::unique_ptr<ig::UIRoot> ui = std::make_unique<ig::UIRoot>();
+    ig::InputRouter input{ui.get(), &control};
     std::optional<ig::World> world;
     ig::Camera camera;
     ig::CameraControl camera_control{&camera};

@@ -7,13 +7,18 @@
 #include "ig/action/TimerManager.h"
 #include "ig/app/Message.h"
 #include "ig/math/quat.h"
+#include "ig/physics/Physics.h"
 
 namespace ig {
+class Action;
 class Camera;
+class ControlApp;
 class UIButton;
+class UIElement;
 class UIHLayout;
 class UISpriteViewport;
 class UIVLayout;
+struct UIEventMouse;
 } // namespace ig
 
 class FlagOper;
@@ -43,10 +48,17 @@ struct WinchInfo;
 ///   receive.cpp       the receive-and-apply cycle
 ///   feedback.cpp      the feedback datagram
 ///   apply_sea_pose.cpp  the helicopter's pose from the host
+///   torpedo.cpp       the torpedo, and effects shown once
+///   missile_decoy.cpp  missiles and the decoy salvo
+///   destruction.cpp   the helicopter's own end
+///   sonar.cpp         the dipping sonar and thrown buoys
+///   winch.cpp         the rescue winch
 ///   view_modes.cpp    who places the camera
 ///   navigation.cpp    how the camera moves
 ///   input.cpp         keyboard and mouse, polled
 ///   picking.cpp       what a segment meets
+///   command_buttons.cpp  the panel of seventeen buttons
+///   camera_panel.cpp  the row of camera fields
 ///
 /// Ownership: the world owns every prefab in it; this object owns what `init` allocates and frees
 /// it in `release`, never in the destructor. Ships, tracks and the records of weapons still in the
@@ -58,6 +70,14 @@ public:
         PLAYER_MODE_FIRST = 0, ///< it rides in the cockpit
         PLAYER_MODE_THIRD = 1, ///< it keeps its distance from the helicopter
         PLAYER_MODE_FREE = 2,  ///< nobody; input moves it
+    };
+
+    /// Told by the physics when a missile runs into something.
+    class MissileCallback : public ig::BodyContactCallbackBase {
+    public:
+        /// Calls the handlers in their order.
+        void onContact(ig::Body* body, int contact) override;
+        ig::SignalList<ig::Body*, int> m_handlers;
     };
 
     // --- entry.cpp
@@ -139,10 +159,72 @@ public:
     /// Poses the helicopter where the record says.
     void apply_heli(UdpRecvData& record);
 
+    // --- torpedo.cpp
+
+    /// Drops a torpedo, 3 m below the helicopter, level and facing north.
+    void emit_torpedo();
+    /// Removes the torpedoes that are in the water, with an explosion and a splash, and those whose
+    /// 40 s are over. Nothing without a sea.
+    void update_torpedo(float dt);
+
+    // --- missile_decoy.cpp
+
+    /// Fires a missile straight ahead: 300 m/s for 20 s.
+    void emit_missile();
+    /// Shows a missile's explosion and takes the missile out of the physics, so that it explodes
+    /// once; it flies on.
+    void on_missile_hit(ig::Body* body, int contact);
+    /// Removes the missiles whose flight is over.
+    void update_missle();
+    /// Ejects a decoy from each of the six dispensers; they are removed after 20 s.
+    void emit_decoy();
+    /// Removes the decoy whose timer is over: the action's data.
+    void on_decoy_delete(ig::Action* action);
+
+    // --- destruction.cpp
+
+    /// Explosion, fire, and in a moment the wreck; the deployed sonar is removed. Always true.
+    bool heli_explosion();
+    /// Shows the wreck instead of the intact airframe.
+    void on_heli_destory(ig::Action* action);
+    /// Removes all living particles of the world's own nodes and its prefabs.
+    void clear_all_particles();
+
+    // --- sonar.cpp
+
+    /// Deploys the dipping sonar, in place of a deployed one. False when there is none to deploy.
+    bool emit_sonar();
+    void release_sonar();        ///< removes the deployed sonar and shows the stowed one
+    void break_sonar_joint();    ///< cuts the sonar loose
+    bool is_break_sonar_joint(); ///< whether the deployed sonar has been cut loose
+    void sonar_down(float dt);   ///< lengthens the cable by 2 m/s, to 16 m
+    void sonar_up(float dt);     ///< shortens it by 2 m/s, to 2 m
+    /// Shows the helicopter's stowed sonar exactly when none is deployed.
+    void update_heli_sonar_enable();
+    /// The deployed sonar's step: shown from the first one on; once cut loose it splashes into the
+    /// sea and then floats.
+    void update_sonar_op();
+    /// Throws a sonar buoy, 1 m below the helicopter.
+    void throw_sonar();
+    /// The thrown buoys' step: they splash into the sea and then float.
+    void update_sonar();
+
+    // --- winch.cpp
+
+    /// Deploys the winch's load, in place of a deployed one. False when there is none to deploy.
+    bool emit_winch();
+    void release_winch();
+    void winch_down(float dt); ///< as the sonar's cable
+    void winch_up(float dt);
+    void update_heli_winch_enable(); ///< nothing: the hoist is never hidden
+    /// The host's load: deployed, its cable's length and its mass set, or released.
+    void apply_hang(UdpRecvData& record);
+
     // --- view_modes.cpp
 
     void set_player_mode(PLAYER_MODE mode);
     void change_view(); ///< the next mode: first, third, free, first, …
+    void on_click_change_view(const ig::UIEventMouse*, ig::UIElement*);
 
     // --- navigation.cpp
 
@@ -154,9 +236,11 @@ public:
     /// Orbits about the point at the third-view distance ahead: degrees about the local vertical
     /// and about the camera's own X axis. False when there is nothing to do.
     bool rot_around(float yaw, float pitch);
-    void cam_mov(float dt);                     ///< free flight by keys, left mouse button held
-    void cam_free_rot(float dx, float dy);      ///< mouse look, a mouse button held; degrees
-    void set_cam_pos_geo(const ig::dvec3& geo); ///< longitude, latitude, altitude
+    void cam_mov(float dt);                ///< free flight by keys, left mouse button held
+    void cam_free_rot(float dx, float dy); ///< mouse look, a mouse button held; degrees
+    /// Longitude, latitude, altitude. Nothing for a place where no camera can look from: not
+    /// finite, near the earth's centre, or farther than the moon.
+    void set_cam_pos_geo(const ig::dvec3& geo);
     ig::dvec3 get_cam_pos_geo() const;
     float get_heli_thr() const; ///< the collective; 0 without a helicopter
 
@@ -175,6 +259,30 @@ public:
     /// camera's own place without camera or application.
     ig::dvec3 get_ray_to(double x, double y) const;
 
+    // --- command_buttons.cpp
+
+    /// Builds all panels; `init` builds them one by one. An application without a user interface
+    /// gets none.
+    void init_ui();
+    void init_ui_btns();
+    void on_click_radar_weather(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_heli_explosion(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_emit_torpedo(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_emit_sonar(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_close_sonar(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_break_sonar(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_emit_winch(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_close_winch(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_emit_missile(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_emit_decoy(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_heli_wiper(const ig::UIEventMouse*, ig::UIElement*);
+    void on_click_reset(const ig::UIEventMouse*, ig::UIElement*);
+
+    // --- camera_panel.cpp
+
+    void init_ui_cam();
+    void set_flt(float) {} ///< setter of a field that only shows its value
+
 private:
     // startup.cpp: the steps of init
     void create_helicopter(const ig::Node& start);
@@ -189,9 +297,23 @@ private:
     void open_link();
 
     // frame.cpp: the steps of update
+    void place_panels();
     void update_ground_reference();
     void update_radar_camera();
     void pin_cable(ig::Node* anchor, const ig::dmat4& mount);
+
+    // torpedo.cpp
+    ig::dmat4 place_below_helicopter(double distance) const;
+    bool is_torpedo_over(TorpedoInfo& info, float dt);
+    ig::dvec3 lift(const ig::dvec3& world, double height) const;
+    void play_effect(const ig::jString& path, float duration, const ig::dvec3& position);
+    void announce_effect(const ig::jString& path, float duration, const ig::dvec3& position);
+
+    // destruction.cpp
+    void show_airframe(const char* state, bool on);
+
+    // sonar.cpp
+    ig::dvec3 add_below_mount(ig::ObjectPrefab* prefab, const ig::dmat4& mount, const char* name);
 
     // reset_tracks.cpp
     void reset_helicopter();
@@ -199,6 +321,15 @@ private:
 
     // view_modes.cpp
     void place_first_view();
+
+    // command_buttons.cpp
+    void poll_hold_buttons(float dt);
+
+    // input.cpp: the steps of update_input
+    void act_on_command_keys(ig::ControlApp& keys);
+    void set_speed_by_keys(ig::ControlApp& keys);
+    void level_or_move_sonar(ig::ControlApp& keys, float dt);
+    void place_camera_by_input(const ig::ControlApp* keys, float dt);
 
 public:
     // Pointers are null until the operation named sets them. The order is fixed.
@@ -238,6 +369,7 @@ public:
     HandOper* m_cmder = nullptr;          ///< owned; init; the deck commander's hands
     ig::Camera* m_radar_object = nullptr; ///< owned; radar camera above the helicopter
     ig::UISpriteViewport* m_radar_viewport = nullptr;
+    MissileCallback m_missile_callback;
     ig::jVector<TorpedoInfo*> m_torpedo_infos;
     ig::jVector<SonarInfo*> m_thrown_sonars;
     ig::jVector<ig::ObjectPrefab*> m_missiles;

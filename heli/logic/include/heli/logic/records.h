@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "heli/kit/TorpedoInfo.h"
+
 namespace ig {
 class Node;
 class ObjectPrefab;

@@ -4,6 +4,7 @@
 namespace ig {
 
 class ControlApp;
+class UIRoot;
 
 /// The application that drives the engine: its window and its input. Implemented by the host.
 class IApp {
@@ -12,6 +13,8 @@ public:
     virtual int getWidth() const = 0;  ///< of the picture, pixels
     virtual int getHeight() const = 0; ///< of the picture, pixels
     virtual ControlApp* getControl() = 0;
+    /// The user interface of the window; null for an application without one.
+    virtual UIRoot* getUIRoot() const { return nullptr; }
 };
 
 /// Input events, as they reach the logic between frames.

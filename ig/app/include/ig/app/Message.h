@@ -8,6 +8,7 @@ namespace ig {
 /// A user-interface message; the identifier tells what it is about.
 struct UiMsg {
     int id = 0;
+    void* ptr = nullptr; ///< what it carries, for receivers that know the identifier; not owned
 };
 
 /// A receiver of user-interface messages. From `attach` to `detach` every message sent through
@@ -38,6 +39,12 @@ public:
     /// To every attached node, in the order in which they attached. Nodes that attach meanwhile
     /// don't get this message; nodes that detach meanwhile may be destroyed.
     void send(UiMsg* message);
+    /// Sends a message made of an identifier, or of one and what it carries.
+    void notifyHelper(int id) { notifyHelperPtr(id, nullptr); }
+    void notifyHelperPtr(int id, void* ptr) {
+        UiMsg message{id, ptr};
+        send(&message);
+    }
 
 private:
     friend class MsgNode;

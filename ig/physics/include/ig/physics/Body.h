@@ -10,7 +10,9 @@
 
 namespace ig {
 
+class BodyContactCallbackBase;
 class BodyRigid;
+class Joint;
 class Physics;
 
 /// The physical side of a scene object: shapes and a pose. An object owns its body and adds it to
@@ -40,19 +42,40 @@ public:
     virtual void setPreserveTransform(const dmat4& transform) = 0;
 
     /// Takes ownership. Shapes are added before the body first enters a world.
-    void addShape(Shape* shape) { m_shapes.append(shape); }
+    void addShape(Shape* shape) {
+        shape->m_body = this;
+        m_shapes.append(shape);
+    }
     int getNumShapes() const { return m_shapes.size(); }
     /// Null when out of range.
     Shape* getShape(int i) const { return i >= 0 && i < m_shapes.size() ? m_shapes[i] : nullptr; }
     /// Placement of shape `i` in the body's frame; the identity when out of range.
     mat4 getShapeTransform(int i) const;
 
+    /// The joints that hold the body or that it holds, broken ones included.
+    int getNumJoints() const { return m_joints.size(); }
+    Joint* getJoint(int i) const { return m_joints[i]; }
+
+    /// Who is told when the body runs into something (see `Physics`); null: nobody. Not owned, and
+    /// must outlive the body.
+    void setContactCallback(BodyContactCallbackBase* callback) { m_contact_callback = callback; }
+    BodyContactCallbackBase* getContactCallback() const { return m_contact_callback; }
+
 protected:
+    /// A shape was given a mass of its own.
+    virtual void changeShapeMass(Shape&, float) {}
+
     bool m_enabled = true;
+    Physics* m_physics = nullptr; ///< the world's, while the body is in one
+    jVector<Joint*> m_joints;     ///< shared with the body at the other end
+    jVector<Shape*> m_shapes;
 
 private:
+    friend class Joint;
+    friend class Physics;
+    friend class Shape;
     void* m_owner = nullptr;
-    jVector<Shape*> m_shapes;
+    BodyContactCallbackBase* m_contact_callback = nullptr;
 };
 
 /// A rigid body, dynamic when its mass is positive and static when it is 0.
@@ -61,6 +84,9 @@ private:
 /// then cleared. Damping d (1/s) divides the velocity by 1 + d·h in every substep of h seconds, so
 /// that any d from 0 up is stable; others are ignored. Velocities and forces are in world axes;
 /// m/s, rad/s, N, N·m.
+///
+/// A body that a joint ties to a rope is carried by the rope and takes part again when the joint
+/// breaks.
 class BodyRigid : public Body {
 public:
     /// `mass` in kg, negative or non-finite values count as 0 (static).
@@ -93,20 +119,44 @@ public:
     /// At a point given relative to the centre of mass, in world axes.
     void addForce(const vec3& relative_point, const vec3& force);
     void addTorque(const vec3& torque);
+    /// Changes the velocities at once, N·s, at a point of the body's frame. Given before the body
+    /// is in a world, it waits until then; `setTransform` takes it back.
+    void addImpulse(const vec3& local_point, const vec3& impulse);
+
+    /// Drag area (coefficient × area, m²) of what brakes the body in still air, such as an open
+    /// parachute: force ½·ρ·area·v² against the motion. Default 0; negative or non-finite: ignored.
+    void setDragArea(float area) { setDamping(m_drag_area, area); }
+    float getDragArea() const { return m_drag_area; }
+    /// A sensor passes through everything and only reports what it meets. Default false; set before
+    /// the body first enters a world.
+    void setSensor(bool sensor) { m_sensor = sensor; }
+    /// Whether the body comes to rest where it meets ground that has no body of its own
+    /// (`PhysicsSurfaces`). Default false.
+    void setLanding(bool landing) { m_landing = landing; }
+
+protected:
+    void changeShapeMass(Shape& shape, float mass) override;
 
 private:
+    friend class BodyRope;
+    friend class Joint;
     friend class Physics;
     struct Simulation; // the solver's objects, kept out of this header
     void wake();
+    bool isHeld() const; // by a rope
+    void setHeldTransform(const dmat4& transform);
+    void applyMass();
     static void setDamping(float& damping, float value);
 
     float m_mass;
     vec3 m_center;
     float m_linear_damping = 0, m_angular_damping = 0;
     bool m_freezable = true;
+    float m_drag_area = 0;
+    bool m_sensor = false, m_landing = false;
     vec3 m_force, m_torque;
+    vec3 m_impulse, m_impulse_point; // given before the body takes part
     std::unique_ptr<Simulation> m_simulation;
-    Physics* m_physics = nullptr; // the world's, while the body is in one
 };
 
 } // namespace ig

@@ -10,10 +10,37 @@ namespace ig {
 
 class Body;
 class BodyRigid;
+class Joint;
+
+/// Told what a body with a contact callback runs into. Called on the thread and at the end of
+/// `Physics::update`, when nothing is being walked over: it may add, remove, enable and disable.
+class BodyContactCallbackBase {
+public:
+    virtual ~BodyContactCallbackBase() = default;
+    /// `body` is the one that carries the callback; `contact` counts what it met in this frame,
+    /// from 0, nearest first.
+    virtual void onContact(Body* body, int contact) = 0;
+};
+
+/// What bodies can meet that has no body of its own: the ground, decks, the sea.
+class PhysicsSurfaces {
+public:
+    /// The first crossing of the segment from → to with the ground, and with the sea when `sea`;
+    /// false when there is none. World coordinates; `point` may be null.
+    virtual bool meet(const dvec3& from, const dvec3& to, bool sea, dvec3* point) const = 0;
+
+protected:
+    ~PhysicsSurfaces() = default;
+};
 
 /// The physics of one world, which owns it. Gravity acts on every body along the normal of the
 /// ellipsoid at its own place; gravity towards the earth's centre would let things slide (the two
 /// differ by up to 0.19 degrees). A frame is cut into equal substeps of at most 1/60 s.
+///
+/// Contacts: a body with a contact callback is swept once per frame, from where it stood at the
+/// last update (at first, where it entered) to where it stands, so that however fast it is it
+/// passes through nothing. Other bodies are met by their shapes, surfaces by the path of the
+/// body's tip.
 class Physics {
 public:
     /// A longer frame counts as this, seconds: what floats explodes at steps beyond 0.3 s.
@@ -25,6 +52,8 @@ public:
 
     /// Gravity in the local east-north-up frame.
     vec3 getGravity() const { return {0, 0, -GRAVITY}; }
+    /// Not owned; null: there are none.
+    void setSurfaces(const PhysicsSurfaces* surfaces) { m_surfaces = surfaces; }
 
     /// The body stays owned by its object, which removes it before it goes.
     void addBody(Body* body);
@@ -36,11 +65,19 @@ public:
 
 private:
     friend class BodyRigid;
+    friend class Joint;
     struct Solver;
+    struct Contact;
     void insert(BodyRigid* body); // makes an enabled body take part
     void extract(BodyRigid* body);
+    void refresh(BodyRigid* body); // after the solver's body was placed
+    void substep(double h);
+    void land(BodyRigid* body);
+    void sweep(BodyRigid* body, jVector<Contact>& contacts);
+    void reportContacts();
 
     jVector<Body*> m_bodies;
+    const PhysicsSurfaces* m_surfaces = nullptr;
     std::unique_ptr<Solver> m_solver;
 };
 

@@ -6,7 +6,10 @@
 
 namespace ig {
 
-/// A collision shape of a body: a primitive in the body's frame. Owned by its body, immutable.
+class Body;
+
+/// A collision shape of a body: a primitive in the body's frame. Owned by its body; its form never
+/// changes.
 class Shape : public jObject {
 public:
     /// Type codes.
@@ -25,12 +28,23 @@ public:
     /// Placement in the body's frame.
     const mat4& getTransform() const { return m_transform; }
 
+    /// The shape's part of its body's mass, kg: an even share until it is set. Setting it changes
+    /// the mass of the body; one below 1 kg counts as 1 kg and one that is not finite is refused,
+    /// with one warning a shape. A static body stays static.
+    void setMass(float mass);
+    float getMass() const;
+
 private:
+    friend class Body;
+    friend class BodyRigid;
     Shape(Type type, const vec3& size, const mat4& transform)
         : m_type(type), m_size(size), m_transform(transform) {}
     Type m_type;
     vec3 m_size;
     mat4 m_transform;
+    Body* m_body = nullptr;
+    float m_mass = -1; // negative: the even share
+    bool m_warned = false;
 };
 
 } // namespace ig

@@ -23,6 +23,7 @@ enum NodeType {
     OBJECT_OCEAN = 21,
     OBJECT_TERRAIN = 22,
     OBJECT_LIGHT = 25, ///< a lamp that is seen itself, such as the tail light
+    OBJECT_ROPE = 26,
     NODE_CAMERA_RADAR = 44,
 };
 

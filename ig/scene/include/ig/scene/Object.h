@@ -45,10 +45,15 @@ public:
     /// Gives the body away; the caller owns it then. Null when there is none.
     Body* releaseBody();
     /// Moves the object where its body has gone. The world calls it after a physics step.
-    void followBody();
+    virtual void followBody();
     /// Moves the body, and stops it, where the object or one of its ancestors was moved by the
     /// scene since the last call. The world calls it before a physics step.
     void poseBody();
+    /// The body is braked by `area` m² (coefficient × area) while `node`, which lives as long as
+    /// this object, can be seen. For a rigid body.
+    void addDrag(const Node* node, float area) { m_drags.push_back({node, area}); }
+    /// Tells the body what brakes it now. The world calls it before a physics step.
+    void applyDrag();
 
 protected:
     void setNumSurfaces(int count) { m_slots.resize(static_cast<std::size_t>(count)); }
@@ -64,7 +69,12 @@ private:
     const Slot* getSlot(int surface) const;
     Slot* getSlot(int surface);
 
+    struct Drag {
+        const Node* node;
+        float area;
+    };
     std::vector<Slot> m_slots;
+    std::vector<Drag> m_drags;
     Body* m_body = nullptr;
     unsigned m_body_version = ~0u; ///< pose version that the body stands at
 };

@@ -56,8 +56,9 @@ public:
 private:
     struct Entry {
         ParticleCloud cloud;
-        double owed = 0;    ///< fraction of a particle still to be spawned
-        unsigned round = 0; ///< of the last advance that met the emitter
+        double owed = 0;      ///< fraction of a particle still to be spawned
+        unsigned round = 0;   ///< of the last advance that met the emitter
+        unsigned cleared = 0; ///< the emitter's count when last looked
     };
     struct Motion { ///< what the material says
         float gravity, drag, spin;

@@ -1,12 +1,17 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ig/physics/BodyRope.h"
 #include "ig/scene/Object.h"
 
 namespace ig {
 
 /// A particle emitter as the scene describes it; surface 0 carries the particles' material. The
 /// emitter's data is fixed by its file.
+///
+/// An emitter runs from the beginning, and again from each `play`, for its duration; whether it
+/// runs doesn't depend on its being drawn. Effects last as long as their longest use and spawn only
+/// during their burst, so that an effect that is kept running doesn't start over.
 class ObjectParticles : public Object {
 public:
     ObjectParticles() : Object(OBJECT_PARTICLES) { setNumSurfaces(1); }
@@ -22,6 +27,25 @@ public:
     float getSpawnRate() const { return m_spawn_rate; } ///< particles per second
     void setSpawnRate(float rate) { m_spawn_rate = rate; }
 
+    float getDuration() const { return m_duration; } ///< s that it runs; 0: until stopped
+    void setDuration(float duration) { m_duration = duration; }
+    float getBurst() const { return m_burst; } ///< s of them in which it spawns; 0: all
+    void setBurst(float burst) { m_burst = burst; }
+
+    /// Runs from the beginning, with the emitters among its children.
+    void play();
+    /// Spawns no more, nor do the emitters among its children; what lives lives on.
+    void stop();
+    bool isEmitterEnabled() const { return m_running; }
+    /// Removes the particles that live, its own and those of the emitters among its children.
+    void clearParticles();
+    /// Changes with every `clearParticles`: whoever keeps the particles then drops them.
+    unsigned getNumCleared() const { return m_cleared; }
+    float getElapsed() const { return m_elapsed; } ///< s since it was last played
+    /// What it spawns now, particles per second: 0 unless it runs and is within its burst.
+    float getPresentRate() const;
+    /// Advances the running time by `dt` seconds, of this emitter alone.
+    void advance(float dt);
     /// Half the box that the particles start in, along the emitter's axes; default: a point.
     const vec3& getSpread() const { return m_spread; }
     void setSpread(const vec3& spread) { m_spread = spread; }
@@ -36,8 +60,26 @@ private:
     float m_life = 1, m_life_spread = 0;
     float m_velocity = 0, m_velocity_spread = 0;
     float m_spawn_rate = 0;
+    float m_duration = 0, m_burst = 0;
+    float m_elapsed = 0;
+    bool m_running = true;
+    unsigned m_cleared = 0;
     vec3 m_spread;
     jVector<dmat4> m_deflectors;
+};
+
+/// A cable: an object with a rope body that shows it. Each segment is a child mesh, stretched from
+/// one point of the cable to the next whenever the physics has moved it.
+class ObjectRope : public Object {
+public:
+    /// `radius` of the drawn cable, m; `material` of all segments, may be null.
+    ObjectRope(float radius, Material* material);
+    float getRadius() const { return m_radius; }
+    void followBody() override;
+
+private:
+    float m_radius;
+    ObjectMesh* m_segments[BodyRope::SEGMENTS]; ///< children
 };
 
 /// A picture laid down onto what lies below it, straight along −Z; surface 0 carries the material.

@@ -11,10 +11,11 @@ namespace ig {
 class Package;
 
 /// The scene: the nodes without parent, and the physics of their bodies. The host application owns
-/// it, loads a world file into it, and steps its physics once per frame after the logic.
-class World {
+/// it, loads a world file into it, and once per frame, after the logic, steps its physics and then
+/// its particles. What segment queries meet is also what bodies meet as ground and sea.
+class World final : private PhysicsSurfaces {
 public:
-    World() = default;
+    World() { m_physics.setSurfaces(this); }
     World(const World&) = delete;
     World& operator=(const World&) = delete;
     ~World();
@@ -44,10 +45,14 @@ public:
     Physics& getPhysics() { return m_physics; }
     /// Advances the physics and carries the poses of the bodies to their objects.
     void updatePhysics(float dt);
+    /// Advances the running times of all particle emitters.
+    void updateParticles(float dt);
     /// Destroys all nodes.
     void clear();
 
 private:
+    bool meet(const dvec3& from, const dvec3& to, bool sea, dvec3* point) const override;
+
     Physics m_physics; // before the nodes, whose bodies leave it when they go
     jVector<Node*> m_nodes;
 };

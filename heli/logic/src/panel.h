@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+// What the operator panels have in common.
+
+#include "ig/app/Engine.h"
+#include "ig/app/IApp.h"
+#include "ig/ui/UILayout.h"
+#include "ig/ui/UIRoot.h"
+#include "memory.h"
+
+namespace logic_panels {
+
+inline constexpr ig::vec4 HALF{0.5f, 0.5f, 0.5f, 0.5f}; ///< background of layouts and fields
+
+/// An empty panel that the frame update places, added to the application's user interface, which
+/// owns it. Null when there is no user interface or no memory. `function` is the qualified name of
+/// the building operation.
+template <class Layout>
+Layout* create(const char* function) {
+    const ig::IApp* app = ig::Engine::get()->getApp();
+    ig::UIRoot* root = app ? app->getUIRoot() : nullptr;
+    Layout* panel = root ? logic_memory::create<Layout>(function, root, 0, 0) : nullptr;
+    if (!panel) return nullptr;
+    panel->setAlignFree(true);
+    panel->setShowBackground(false);
+    panel->setSpace(1, 0);
+    panel->setBackgroundColor(HALF);
+    panel->setContentAligns(ig::UI_ALIGN_RIGHT | ig::UI_ALIGN_BOTTOM);
+    root->addChild(panel, ig::UI_EXPAND_NONE, -1);
+    return panel;
+}
+
+} // namespace logic_panels

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+#include "bodies.h"
+#include "cable.h"
+#include "heli/kit/HelicopterCorax.h"
+#include "heli/logic/Logic_Nerith_Heli_Final.h"
+#include "heli/logic/records.h"
+#include "ig/scene/ObjectPrefab.h"
+#include "memory.h"
+
+using namespace ig;
+using namespace logic_bodies;
+using namespace logic_memory;
+
+namespace {
+// Not the prefab that start-up warms up: what is lowered is the car in its sling.
+const char* const LOAD = "data/PELMAR_PROJECT/prefabs/rope_car/rope_car.prefab";
+} // namespace
+
+bool Logic_Nerith_Heli_Final::emit_winch() {
+    release_winch();
+    if (!m_heli) return false;
+    auto* prefab = create<ObjectPrefab>("Logic_Nerith_Heli_Final::emit_winch", LOAD);
+    if (!prefab) return false;
+    const dvec3 mount = add_below_mount(prefab, m_winch_mount, "_winch_");
+    WinchInfo& info = *m_winch_info;
+    info.prefab = prefab;
+    info.root = prefab->getNodeByName("root");
+    info.anchor = prefab->getNodeByName("anchor");
+    info.rope = prefab->getNodeByName("rope");
+    info.obj = prefab->getNodeByName("obj");
+    if (info.anchor) info.anchor->setWorldPosition(mount);
+    emit(m_sig_prefab_added, prefab, false);
+    return true;
+}
+
+void Logic_Nerith_Heli_Final::release_winch() {
+    if (!m_winch_info) return;
+    if (m_winch_info->prefab) remove_from_scene(m_winch_info->prefab);
+    *m_winch_info = {};
+}
+
+void Logic_Nerith_Heli_Final::winch_down(float dt) {
+    if (BodyRope* rope = m_winch_info ? ropeOf(m_winch_info->rope) : nullptr)
+        rope->setLength(cable::payOut(rope->getLength(), cable::SPEED * dt));
+}
+
+void Logic_Nerith_Heli_Final::winch_up(float dt) {
+    if (BodyRope* rope = m_winch_info ? ropeOf(m_winch_info->rope) : nullptr)
+        rope->setLength(cable::payOut(rope->getLength(), -cable::SPEED * dt));
+}
+
+// The hoist stays in sight while its cable is out.
+void Logic_Nerith_Heli_Final::update_heli_winch_enable() {}
+
+void Logic_Nerith_Heli_Final::apply_hang(UdpRecvData& record) {
+    if (record.hang_enable == 0) {
+        release_winch();
+        return;
+    }
+    if (!m_winch_info) return;
+    if (!m_winch_info->prefab) emit_winch();
+    if (!m_winch_info->prefab) return; // the next record tries again
+    if (BodyRope* rope = ropeOf(m_winch_info->rope))
+        rope->setLength(cable::fromDisplayed(record.hang_length));
+    const Body* load = bodyOf(m_winch_info->obj);
+    if (Shape* shape = load ? load->getShape(0) : nullptr)
+        shape->setMass(static_cast<float>(record.hang_mass));
+}

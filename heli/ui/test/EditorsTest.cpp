@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: MIT
+#include "heli/ui/editors.h"
+#include "ig/app/Message.h"
+#include "ig/ui/KeyCode.h"
+#include "ig/ui/UIRoot.h"
+
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace ig;
+
+/// Something with values, and what reaches it.
+struct Owner {
+    int getInt() const { return whole; }
+    void setInt(int value) { whole = value, sets++; }
+    float getFloat() const { return number; }
+    void setFloat(float value) { number = value, sets++; }
+    dvec3 getVector() const { return vector; }
+    void setVector(const dvec3& value) { vector = value, sets++; }
+
+    int whole = 255;
+    float number = 0.1f;
+    dvec3 vector{-155.06, 19.71, 40};
+    int sets = 0;
+};
+
+struct Messages final : MsgNode {
+    Messages() { attach(); }
+    void processMsg(UiMsg* message) override {
+        seen.push_back(message->id);
+        ptr = message->ptr;
+    }
+    std::vector<int> seen;
+    void* ptr = nullptr;
+};
+
+struct EditorsTest : testing::Test {
+    EditorsTest() : root(std::make_unique<UIRoot>()), panel(new UIHLayout(root.get(), 0, 0)) {
+        root->addChild(panel);
+        whole = new UIInt(&owner, &Owner::setInt, &Owner::getInt, panel, 7, "");
+        number = new UIFloat(&owner, &Owner::setFloat, &Owner::getFloat, panel, -1, "");
+        vector = new UIDVec3(&owner, &Owner::setVector, &Owner::getVector, panel, 8, "");
+        panel->addWrap(whole);
+        panel->addWrap(number);
+        panel->addWrap(vector);
+    }
+    /// What the operator does: into the field, type, out again.
+    void enter(UIEditLine* field, const char* text) {
+        root->setFocus(field);
+        root->keyDown({'a', false, true});
+        root->keyDown({KEY_DELETE});
+        root->text(text);
+        root->setFocus(nullptr);
+    }
+
+    Owner owner;
+    Messages messages;
+    std::unique_ptr<UIRoot> root;
+    UIHLayout* panel;
+    UIInt* whole;
+    UIFloat* number;
+    UIDVec3* vector;
+};
+
+TEST_F(EditorsTest, FieldsShowTheValueAtOnceAndFollowIt) {
+    EXPECT_EQ(whole->getEdit()->getText(), "255");
+    EXPECT_EQ(number->getEdit()->getText(), "0.1");
+    EXPECT_EQ(vector->getEdit(1)->getText(), "19.71");
+    EXPECT_FALSE(whole->refresh());
+    owner.whole = -3;
+    owner.number = 1 / 3.0f;
+    owner.vector.z = 1e-3;
+    root->update(0);
+    EXPECT_EQ(whole->getEdit()->getText(), "-3");
+    EXPECT_EQ(number->getEdit()->getText().toFloat(), 1 / 3.0f);
+    EXPECT_EQ(vector->getEdit(2)->getText(), "0.001");
+    owner.vector.z += 9e-7; // the same, as far as a field goes
+    EXPECT_FALSE(vector->refresh());
+    owner.vector.z += 9e-7;
+    EXPECT_TRUE(vector->refresh());
+    EXPECT_EQ(owner.sets, 0);
+}
+
+TEST_F(EditorsTest, AFieldWithTheFocusKeepsWhatIsTypedAndLeavingItApplies) {
+    root->setFocus(vector->getEdit(1));
+    root->text("-20.5");
+    owner.vector.x = 7;
+    EXPECT_FALSE(vector->refresh()); // none of the three
+    EXPECT_EQ(vector->getEdit(1)->getText(), "-20.5");
+    EXPECT_EQ(owner.sets, 0);
+    root->setFocus(nullptr);
+    EXPECT_EQ(owner.sets, 1);
+    EXPECT_EQ(owner.vector, dvec3(-155.06, -20.5, 40));
+    EXPECT_EQ(messages.seen, std::vector<int>{8});
+    enter(vector->getEdit(1), "-20.5000005"); // no other value
+    EXPECT_EQ(owner.sets, 1);
+    enter(number->getEdit(), "0.25"); // −1 sends nothing
+    EXPECT_EQ(owner.number, 0.25f);
+    enter(whole->getEdit(), "500");
+    EXPECT_EQ(owner.whole, 500);
+    EXPECT_EQ(messages.seen, (std::vector<int>{8, 7}));
+    enter(whole->getEdit(), "500");
+    EXPECT_EQ(messages.seen.size(), 2u);
+}
+
+TEST_F(EditorsTest, TextThatIsNoNumberCountsAsZeroAndTooLargeOnesAreLimited) {
+    enter(whole->getEdit(), "");
+    EXPECT_EQ(owner.whole, 0);
+    enter(whole->getEdit(), "99999999999999999999999");
+    EXPECT_EQ(owner.whole, 2147483647);
+    enter(whole->getEdit(), "-99999999999");
+    EXPECT_EQ(owner.whole, -2147483647 - 1);
+    enter(number->getEdit(), "-");
+    EXPECT_EQ(owner.number, 0);
+    enter(vector->getEdit(0), "1e999");
+    EXPECT_EQ(owner.vector.x, 0);
+}
+
+TEST_F(EditorsTest, HexadecimalIsWrittenWithItsPrefixAndReadWithOrWithout) {
+    whole->setBase(BASE_HEXADECIMAL);
+    EXPECT_TRUE(whole->refresh());
+    EXPECT_EQ(whole->getEdit()->getText(), "0xff");
+    enter(whole->getEdit(), "1f");
+    EXPECT_EQ(owner.whole, 31);
+    enter(whole->getEdit(), "0x20");
+    EXPECT_EQ(owner.whole, 32);
+    owner.whole = -1;
+    whole->refresh();
+    EXPECT_EQ(whole->getEdit()->getText(), "0xffffffff");
+    EXPECT_FALSE(whole->refresh()); // reads back as −1
+}
+
+TEST_F(EditorsTest, TheWheelSetsTheValueWhereverTheFocusIs) {
+    root->resize(900, 50);
+    root->update(0);
+    const UIEditLine* field = whole->getEdit();
+    root->mouseMove(static_cast<float>(field->getX() + 3), static_cast<float>(field->getY() + 3));
+    root->wheel(2);
+    EXPECT_EQ(owner.whole, 257);
+    EXPECT_EQ(messages.seen, std::vector<int>{7});
+}
+
+TEST_F(EditorsTest, SettersAndMessagePayload) {
+    Owner other;
+    whole->addSetter({&other, &Owner::setInt});
+    whole->addSetter({&other, &Owner::setInt}); // the same target
+    whole->setMsgPtr(&other);
+    whole->setValue(12); // by the program: no message
+    EXPECT_EQ(owner.whole, 12);
+    EXPECT_EQ(other.sets, 1);
+    EXPECT_EQ(whole->getEdit()->getText(), "12");
+    whole->setValue(12);
+    EXPECT_EQ(other.sets, 1);
+    EXPECT_TRUE(messages.seen.empty());
+    enter(whole->getEdit(), "13");
+    EXPECT_EQ(other.whole, 13);
+    EXPECT_EQ(messages.ptr, &other);
+}
+
+TEST_F(EditorsTest, ADetachedEditorIsTheCallersAndLetsItsFieldsGo) {
+    UIEditLine* field = whole->getEdit();
+    whole->detach();
+    EXPECT_EQ(whole->getLayout(), nullptr);
+    owner.whole = 1;
+    root->update(0);
+    EXPECT_EQ(field->getText(), "255");
+    delete whole;
+    enter(field, "9"); // nobody listens any more
+    EXPECT_EQ(owner.sets, 0);
+    root.reset(); // the others go with their layout
+}
+
+} // namespace

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ig/ui/UILayout.h"
+
+#include <string>
+
+namespace ig {
+class UILabel;
+}
+
+/// Work of one frame, seconds.
+struct FrameCosts {
+    double update = 0; ///< the logic's
+    double physics = 0;
+    double interface = 0;
+    double draw = 0;
+};
+
+/// What the operator can lay over the picture besides the panels: the key map, and how the channel
+/// is doing.
+class Overlays {
+public:
+    enum class Statistics { off, rate, full };
+
+    /// Adds the overlays, hidden, to the user interface, which owns them.
+    void open(ig::UIRoot* root);
+    /// F12 or h shows and hides the key map, F11 steps through the statistics. Others are left
+    /// alone.
+    void onKey(int key);
+    void showHelp(bool show);
+    void showStatistics(Statistics statistics);
+    /// After every frame: its duration, what it cost, and the records that were applied in it.
+    /// Twice a second the statistics are written anew.
+    void addFrame(float dt, const FrameCosts& costs, int records);
+    /// Keeps the key map in the middle of the picture; before the layout.
+    void place();
+
+private:
+    static constexpr int BUCKETS = 4; ///< frames with 0, 1, 2 and more records
+
+    /// Sums since the statistics were written.
+    struct Sums {
+        double time = 0;
+        int frames = 0, records = 0;
+        int frames_with[BUCKETS] = {};
+        FrameCosts costs;
+    };
+    void write();
+
+    ig::UIRoot* m_root = nullptr;
+    ig::UIHLayout* m_help = nullptr; ///< the root's, as the label
+    ig::UILabel* m_label = nullptr;
+    Statistics m_statistics = Statistics::off;
+    Sums m_sums;
+};

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ig/base/jString.h"
+#include "ig/ui/UIElement.h"
+
+namespace ig {
+
+/// A picture from a file, scaled to the element's size: 32 × 32 unless it is set. The renderer
+/// reads the file; one that can't be read is not drawn.
+class UISprite : public UIElement {
+public:
+    /// `flags` is kept for the caller.
+    UISprite(UIRoot* root, const jString& path, int flags)
+        : UIElement(root), m_path(path), m_flags(flags) {}
+
+    const jString& getPath() const { return m_path; }
+    int getFlags() const { return m_flags; }
+
+    void draw(UiDrawList& list) const override;
+
+protected:
+    void measure(int& width, int& height) const override;
+
+private:
+    jString m_path;
+    int m_flags;
+};
+
+} // namespace ig
