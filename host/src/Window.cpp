@@ -141,7 +141,9 @@ void Window::tellButton(int button, bool down) {
 
 bool Window::poll() {
     glfwPollEvents();
-    return !glfwWindowShouldClose(m_window);
+    const bool close = glfwWindowShouldClose(m_window);
+    glfwSetWindowShouldClose(m_window, GLFW_FALSE); // told once; the operator may say no
+    return !close;
 }
 
 void Window::swap() { glfwSwapBuffers(m_window); }

@@ -108,6 +108,19 @@ TEST_F(Particles, AHiddenOrRemovedEmitterHasNone) {
     EXPECT_EQ(system.getNumParticles(), 0);
 }
 
+TEST_F(Particles, StoppedAndClearedEmittersObey) {
+    run(1);
+    emitter->stop();
+    run(0.5);
+    EXPECT_NEAR(system.getNumParticles(), 100, 2); // what lives lives on
+    emitter->clearParticles();
+    system.advance(world, 0.02f);
+    EXPECT_EQ(system.getNumParticles(), 0);
+    emitter->play();
+    run(0.5);
+    EXPECT_NEAR(system.getNumParticles(), 50, 2);
+}
+
 TEST_F(Particles, StrangeSettingsDoNoHarm) {
     emitter->setLife(-1);
     run(1);

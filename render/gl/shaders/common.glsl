@@ -33,7 +33,10 @@ vec3 skyAt(vec3 d, float lod) {
     vec3 root = textureLod(uSkyMap, skyMapPlace(d), lod).rgb;
     return root * root * uSky.x;
 }
-vec3 hazeColor(vec2 direction) { return skyAt(vec3(direction, 0.012 * length(direction)), 2.0); }
+// Under a closed layer the horizon is blurred, else its clouds would draw stripes down the fog.
+vec3 hazeColor(vec2 direction) {
+    return skyAt(vec3(direction, 0.012 * length(direction)), 2.0 + 3.0 * uWeather.w);
+}
 
 // Share of light that crosses the air between the eye and p. The haze thins out with height.
 float clearness(vec3 p) {

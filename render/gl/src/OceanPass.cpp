@@ -14,7 +14,6 @@ using namespace ig;
 
 namespace {
 
-constexpr int N = OceanFrame::RESOLUTION;
 constexpr int BLOCK = 31; ///< cells of the grid along an edge whose vertices stay in the cache
 constexpr double EARTH_RADIUS = 6371000; ///< m; mean
 constexpr double NOISE_PERIOD =
@@ -42,6 +41,16 @@ float wrapped(double x) {
     return static_cast<float>(x - std::floor(x / NOISE_PERIOD) * NOISE_PERIOD);
 }
 
+/// A texture of a tile with all its levels.
+void makeTile(gl::Texture& texture, int edge, GLint internal, GLenum type) {
+    gl::makeTexture(texture, edge, edge,
+                    {internal, GL_RGBA, type, GL_REPEAT, GL_LINEAR_MIPMAP_LINEAR});
+    int level = 1;
+    for (edge /= 2; edge >= 1; edge /= 2, level++)
+        glTexImage2D(GL_TEXTURE_2D, level, internal, edge, edge, 0, GL_RGBA, type, nullptr);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, level - 1);
+}
+
 } // namespace
 
 bool OceanPass::init(int columns, int rows) {
@@ -49,17 +58,6 @@ bool OceanPass::init(int columns, int rows) {
     m_rows = rows;
     if (!m_program.build("ocean.vert", "shadow.glsl ocean.frag")) return false;
     makeGrid();
-    const auto setUp = [](gl::Texture& texture, GLint internal, GLenum type, GLint filter) {
-        gl::makeTexture(texture, N, N, {internal, GL_RGBA, type, GL_REPEAT, filter});
-        int level = 1;
-        for (int edge = N / 2; edge >= 1; edge /= 2, level++)
-            glTexImage2D(GL_TEXTURE_2D, level, internal, edge, edge, 0, GL_RGBA, type, nullptr);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, level - 1);
-    };
-    for (gl::Texture& texture : m_displacement)
-        setUp(texture, GL_RGBA32F, GL_FLOAT, GL_LINEAR_MIPMAP_LINEAR);
-    for (gl::Texture& texture : m_slope)
-        setUp(texture, GL_RGBA8, GL_UNSIGNED_BYTE, GL_LINEAR_MIPMAP_LINEAR);
     m_uploaded = Stamp();
     m_foam_cover = -1;
     m_program.use();
@@ -79,6 +77,7 @@ void OceanPass::release() {
         texture.destroy();
     for (gl::Texture& texture : m_slope)
         texture.destroy();
+    std::fill(std::begin(m_edges), std::end(m_edges), 0);
 }
 
 void OceanPass::makeGrid() {
@@ -125,6 +124,13 @@ void OceanPass::upload(const OceanFrame& frame) {
     calibrateFoam(frame);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
     glActiveTexture(GL_TEXTURE0 + gl::UNIT_FIRST_OWN);
+    for (int i = 0; i < TILES; i++) {
+        const int edge = frame.tiles[i].resolution;
+        if (m_edges[i] == edge) continue;
+        m_edges[i] = edge;
+        if (i < DISPLACED) makeTile(m_displacement[i], edge, GL_RGBA32F, GL_FLOAT);
+        makeTile(m_slope[i], edge, GL_RGBA8, GL_UNSIGNED_BYTE);
+    }
     for (int i = 0; i < DISPLACED; i++)
         uploadDisplacement(frame, i);
     for (int i = 0; i < TILES; i++)
@@ -132,10 +138,11 @@ void OceanPass::upload(const OceanFrame& frame) {
 }
 
 void OceanPass::uploadDisplacement(const OceanFrame& frame, int tile) {
+    const int n = frame.tiles[tile].resolution;
     const float* texels = frame.tiles[tile].displacement;
     glBindTexture(GL_TEXTURE_2D, m_displacement[tile].id());
-    m_levels.resize(static_cast<std::size_t>(N) * N);
-    for (int edge = N, level = 0; edge >= 1; edge /= 2, level++) {
+    m_levels.resize(static_cast<std::size_t>(n) * static_cast<std::size_t>(n));
+    for (int edge = n, level = 0; edge >= 1; edge /= 2, level++) {
         glTexSubImage2D(GL_TEXTURE_2D, level, 0, 0, edge, edge, GL_RGBA, GL_FLOAT, texels);
         if (edge > 1) halve(texels, m_levels.data(), edge, 4);
         texels = m_levels.data(); // later levels overwrite what they have read
@@ -145,9 +152,11 @@ void OceanPass::uploadDisplacement(const OceanFrame& frame, int tile) {
 /// Slopes (128 is level), the share of the slopes' variance that the level has averaged away, foam.
 void OceanPass::uploadSlopes(const OceanFrame& frame, int tile) {
     const OceanTile& t = frame.tiles[tile];
+    const int n = t.resolution;
+    const std::size_t count = static_cast<std::size_t>(n) * static_cast<std::size_t>(n);
     float mean_square = 0;
-    m_levels.resize(static_cast<std::size_t>(N) * N * 4);
-    for (std::size_t i = 0; i < static_cast<std::size_t>(N) * N; i++) {
+    m_levels.resize(count * 4);
+    for (std::size_t i = 0; i < count; i++) {
         const float x = t.slope[2 * i], y = t.slope[2 * i + 1];
         float* out = &m_levels[4 * i];
         out[0] = x;
@@ -156,7 +165,7 @@ void OceanPass::uploadSlopes(const OceanFrame& frame, int tile) {
         out[3] = t.foam ? t.foam[i] : 0;
         mean_square += out[2];
     }
-    mean_square /= N * N;
+    mean_square /= static_cast<float>(count);
     m_slope_scale[tile] = std::max(0.02f, 6 * std::sqrt(t.slope_variance / 2));
     const float encode = 0.5f / m_slope_scale[tile];
     const float share = mean_square > 0 ? 1 / mean_square : 0;
@@ -164,8 +173,8 @@ void OceanPass::uploadSlopes(const OceanFrame& frame, int tile) {
         return static_cast<std::uint8_t>(std::clamp(v * 255 + 0.5f, 0.0f, 255.0f));
     };
     glBindTexture(GL_TEXTURE_2D, m_slope[tile].id());
-    m_bytes.resize(static_cast<std::size_t>(N) * N * 4);
-    for (int edge = N, level = 0; edge >= 1; edge /= 2, level++) {
+    m_bytes.resize(count * 4);
+    for (int edge = n, level = 0; edge >= 1; edge /= 2, level++) {
         for (std::size_t i = 0; i < static_cast<std::size_t>(edge) * static_cast<std::size_t>(edge);
              i++) {
             const float* p = &m_levels[4 * i];
@@ -190,14 +199,17 @@ void OceanPass::calibrateFoam(const OceanFrame& frame) {
     m_foam_cover = frame.whitecap_cover;
     m_foam_time = frame.time;
     constexpr int SAMPLES = 4096;
-    static_assert(N * N % SAMPLES == 0);
     std::vector<float> measure(SAMPLES);
     double sum = 0, squares = 0, mean_fine = 0;
     std::uint32_t random = 1;
     for (float& m : measure) {
         for (int i = 0; i < DISPLACED; i++) {
             random = random * 1664525u + 1013904223u; // independent places in each tile
-            const float foam = std::clamp(frame.tiles[i].foam[(random >> 8) % (N * N)], 0.0f, 1.0f);
+            const float foam = std::clamp(
+                frame.tiles[i]
+                    .foam[(random >> 8) % static_cast<std::uint32_t>(frame.tiles[i].resolution *
+                                                                     frame.tiles[i].resolution)],
+                0.0f, 1.0f);
             m += BREAKING_WEIGHTS[i] * foam;
             if (i == 2) mean_fine += static_cast<double>(foam);
         }
@@ -297,9 +309,10 @@ void OceanPass::setWaveUniforms(const FrameView& view, const OceanFrame& frame) 
     float* variances[] = {&variance.x, &variance.y, &variance.z, &variance.w};
     for (int i = 0; i < TILES; i++) {
         const double edge = frame.tiles[i].tile;
+        const int n = frame.tiles[i].resolution;
         tiles[i] = {
-            static_cast<float>(1 / edge), static_cast<float>(fraction(nadir.x / edge + 0.5 / N)),
-            static_cast<float>(fraction(nadir.y / edge + 0.5 / N)), static_cast<float>(edge / N)};
+            static_cast<float>(1 / edge), static_cast<float>(fraction(nadir.x / edge + 0.5 / n)),
+            static_cast<float>(fraction(nadir.y / edge + 0.5 / n)), static_cast<float>(edge / n)};
         *scales[i] = m_slope_scale[i];
         *variances[i] = frame.tiles[i].slope_variance / 2;
     }
@@ -308,11 +321,12 @@ void OceanPass::setWaveUniforms(const FrameView& view, const OceanFrame& frame) 
     m_program.set("uSlopeVariance", variance);
     constexpr double C = OceanFrame::SECOND_COSINE, S = OceanFrame::SECOND_SINE;
     const double edge = frame.tiles[0].tile;
+    const int n = frame.tiles[0].resolution;
     const double x = C * nadir.x - S * nadir.y + OceanFrame::SECOND_OFFSET_X;
     const double y = S * nadir.x + C * nadir.y + OceanFrame::SECOND_OFFSET_Y;
     m_program.set("uTurned", vec4(static_cast<float>(C), static_cast<float>(S),
-                                  static_cast<float>(fraction(x / edge + 0.5 / N)),
-                                  static_cast<float>(fraction(y / edge + 0.5 / N))));
+                                  static_cast<float>(fraction(x / edge + 0.5 / n)),
+                                  static_cast<float>(fraction(y / edge + 0.5 / n))));
 
     const double towards = (frame.wave_direction + 180) * DEG_TO_RAD<double>;
     const double wx = std::sin(towards), wy = std::cos(towards);

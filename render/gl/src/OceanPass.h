@@ -47,6 +47,7 @@ private:
     gl::VertexArray m_vertex_array;
     gl::Buffer m_vertices, m_indices;
     gl::Texture m_displacement[DISPLACED], m_slope[TILES];
+    int m_edges[TILES] = {}; ///< texels along an edge that the textures were made for
     struct Stamp { ///< tells one sea at one moment from another, be it another ocean's
         const float* arrays = nullptr;
         unsigned version = 0;
