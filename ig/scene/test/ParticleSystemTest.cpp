@@ -78,7 +78,7 @@ TEST_F(Particles, StayWhereTheyAreWhenTheEmitterMovesOn) {
 }
 
 TEST_F(Particles, DeflectorsClearTheirWholeColumn) {
-    emitter->setArea({20, 20, 0});
+    emitter->setSpread({10, 10, 0});
     emitter->setNumDeflectors(1);
     Node below; // 50 m under the emitter
     below.setWgsPosition({-155, 19.7, 50});
