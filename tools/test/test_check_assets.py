@@ -15,7 +15,7 @@ TOOLS = pathlib.Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(TOOLS))
 
 from check_assets import (Checker, EFFECTS, HELICOPTER, NODES, PREFABS, PROJECT,  # noqa: E402
-                          WORLD)
+                          RADAR_FAN, WORLD)
 
 FRIGATE = f"{PREFABS}/SM_055_CN_2023/SM_055_CN_2023.prefab"
 TERRAIN = f"{PROJECT}/terrain/coast.tif"
@@ -83,6 +83,7 @@ class Damage(unittest.TestCase):
             (f"{PROJECT}/ANIM/runway_ice.anim", "parameter: ice", "parameter: cold", "no param"),
             (f"{PROJECT}/materials/glass.mat", "rain_power: ", "rain: ", "no rain_power"),
             (f"{PROJECT}/materials/glass.mat", "[0.1, 0.13, 0.14, 0.22]", "[0.1]", "neither"),
+            (RADAR_FAN, "max_angle", "max", "no angles"),
             (model, face, f"f {a} {a} {c}", "degenerate triangle"),
             (model, face, f"f {b} {a} {c}", "do not point the way"),
         ]
