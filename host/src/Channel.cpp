@@ -64,7 +64,7 @@ bool Channel::open() {
     if (!makeRenderer()) return false;
     Engine::get()->setApp(this);
     Engine::get()->setWorld(&m_world);
-    m_interface.resize(m_options.width, m_options.height);
+    prepareInterface();
     if (!loadLibraries() || !loadWorld()) return false;
     placeCamera();
     m_listener.connect(*m_logic);
@@ -98,6 +98,13 @@ bool Channel::makeRenderer() {
     }
     m_renderer = std::make_unique<RendererNull>();
     return m_renderer->init(m_options.width, m_options.height);
+}
+
+void Channel::prepareInterface() {
+    m_interface.resize(m_options.width, m_options.height);
+    if (m_renderer->getTextWidth(16, "0") < 0) return; // it draws no texts
+    m_interface.getRoot()->setTextWidth(
+        [this](float size, std::string_view utf8) { return m_renderer->getTextWidth(size, utf8); });
 }
 
 bool Channel::loadLibraries() {
@@ -186,6 +193,7 @@ FrameCosts Channel::frame(float dt) {
     costs.update = spent();
     m_world.updatePhysics(dt);
     m_world.updateParticles(dt);
+    m_particles.advance(m_world, dt);
     costs.physics = spent();
     m_interface.update(dt);
     m_frame_info.ui = m_options.no_interface ? nullptr : m_interface.draw();
@@ -200,26 +208,19 @@ FrameCosts Channel::frame(float dt) {
 
 void Channel::draw() {
     const double time = Engine::get()->getRunningTime();
-    m_environment.apply(m_world, getLongitude(), time, m_frame_info);
-    m_frame_info.focus = m_listener.m_helicopter;
-    if (m_options.eye.empty()) {
-        m_renderer->render(m_world, m_camera, m_frame_info);
-    } else {
+    Camera fixed;
+    const Camera* camera = &m_camera;
+    if (!m_options.eye.empty()) {
         const std::vector<double>& eye = m_options.eye;
-        Camera camera;
-        camera.setProjection(m_camera.getProjection());
-        camera.setWgsPosition({eye[0], eye[1], eye[2]});
-        camera.setWgsHPR({eye[3], -eye[4], 0});
-        m_renderer->render(m_world, camera, m_frame_info);
+        fixed.setProjection(m_camera.getProjection());
+        fixed.setWgsPosition({eye[0], eye[1], eye[2]});
+        fixed.setWgsHPR({eye[3], -eye[4], 0});
+        camera = &fixed;
     }
+    m_environment.apply(m_world, *camera, m_listener.m_helicopter, time, m_frame_info);
+    m_frame_info.particles = &m_particles;
+    m_renderer->render(m_world, *camera, m_frame_info);
     m_screenshots.afterFrame(*m_renderer, time);
-}
-
-/// Of the helicopter, for the sky; of the camera without one.
-double Channel::getLongitude() const {
-    const Node* node = m_listener.m_helicopter;
-    if (!node) node = &m_camera;
-    return Engine::get()->getEllipsoidModel()->toWGS(node->getWorldPosition()).x;
 }
 
 /// Elsewhere on the earth "up" points elsewhere: the camera that came along would hang askew.
@@ -239,6 +240,7 @@ void Channel::close() {
         m_listener.m_helicopter = nullptr;
         m_frame_info.ui = nullptr;
         m_interface.close();
+        m_particles.clear();
         m_world.clear();
         delete m_logic;
         m_logic = nullptr;

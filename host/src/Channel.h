@@ -5,16 +5,17 @@
 #include "FrameClock.h"
 #include "Library.h"
 #include "LogicListener.h"
-#include "OperatorInterface.h"
 #include "Options.h"
 #include "Screenshots.h"
 #include "Status.h"
 #include "Trace.h"
+#include "host/interface/OperatorInterface.h"
 #include "ig/app/ControlApp.h"
 #include "ig/app/IApp.h"
 #include "ig/app/Renderer.h"
 #include "ig/scene/Camera.h"
 #include "ig/scene/CameraControl.h"
+#include "ig/scene/ParticleSystem.h"
 #include "ig/scene/World.h"
 
 #include <memory>
@@ -47,6 +48,7 @@ public:
 
 private:
     bool makeRenderer();
+    void prepareInterface();
     bool loadLibraries();
     bool loadWorld();
     void placeCamera();
@@ -55,7 +57,6 @@ private:
     void askToQuit();
     void draw();
     void levelAfterJump();
-    double getLongitude() const;
     bool isOver() const;
 
     Options m_options;
@@ -72,6 +73,7 @@ private:
     Status m_status;
     Environment m_environment;
     Screenshots m_screenshots;
+    ig::ParticleSystem m_particles;
     ig::FrameInfo m_frame_info;
     Trace m_trace;
     ig::dvec3 m_last_position; ///< of the helicopter

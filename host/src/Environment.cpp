@@ -3,7 +3,10 @@
 
 #include "Options.h"
 #include "ig/app/Sky.h"
-#include "ig/scene/Node.h"
+#include "ig/math/EllipsoidModel.h"
+#include "ig/math/jMath.h"
+#include "ig/scene/Camera.h"
+#include "ig/scene/ObjectPrefab.h"
 #include "ig/scene/World.h"
 #include "plugins/ocean/ObjectOcean.h"
 
@@ -17,8 +20,11 @@ namespace {
 constexpr float FULL_VISIBILITY = 300000; ///< metres, at fraction 1
 constexpr double DEFAULT_VISIBILITY = 60000;
 constexpr float FOG_VISIBILITY =
-    800;                   ///< metres, when the host asks for fog without saying how thick
-constexpr float HEAVY = 3; ///< the highest level of precipitation
+    800; ///< metres, when the host asks for fog without saying how thick
+constexpr double PRECIPITATION_HEIGHT = 6;               ///< of the emitters above the eye, m
+constexpr float ROTOR_RADIUS = 9.5f;                     ///< m
+constexpr float WASH_FADES_FROM = 8, WASH_FADES_TO = 30; ///< altitude over the water, m
+constexpr float HEAVY = 3;                               ///< the highest level of precipitation
 
 /// Looks of the sky by WEATHER_TYPE.
 struct Look {
@@ -43,11 +49,25 @@ void Environment::connect(LogicBase& logic) {
     logic.m_sig_sea.append({this, &Environment::onSea});
 }
 
-void Environment::apply(const World& world, double longitude, double time, FrameInfo& frame) {
-    applySky(longitude, time, frame);
-    applyPrecipitation(world);
+void Environment::apply(const World& world, const Camera& camera, const ObjectPrefab* helicopter,
+                        double time, FrameInfo& frame) {
+    applySky(EllipsoidModel().toWGS(camera.getWorldPosition()).x, time, frame);
+    frame.focus = helicopter;
+    applyDownwash(helicopter, frame);
+    applyPrecipitation(world, camera);
     applySea(world);
     tellLogic();
+}
+
+/// The water feels the rotor as long as the logic shows its downwash.
+void Environment::applyDownwash(const ObjectPrefab* helicopter, FrameInfo& frame) {
+    frame.wash_strength = 0;
+    const Node* node = helicopter ? helicopter->getNodeByName("downwash_spe") : nullptr;
+    if (!node || !node->isVisible()) return;
+    frame.wash_position = helicopter->getWorldPosition();
+    frame.wash_radius = ROTOR_RADIUS;
+    const auto altitude = static_cast<float>(EllipsoidModel().getAltitude(frame.wash_position));
+    frame.wash_strength = jMath::getFadeOut(altitude, WASH_FADES_TO, WASH_FADES_FROM);
 }
 
 void Environment::applySky(double longitude, double time, FrameInfo& frame) const {
@@ -71,9 +91,15 @@ void Environment::applySky(double longitude, double time, FrameInfo& frame) cons
         frame.visibility = weather == WEATHER_FOG ? FOG_VISIBILITY : DEFAULT_VISIBILITY;
 }
 
-void Environment::applyPrecipitation(const World& world) {
-    const auto enable = [&world](const char* name, bool on) {
-        if (Node* node = world.getNodeByName(name)) node->setEnabled(on);
+/// It falls around the eye, wherever that is.
+void Environment::applyPrecipitation(const World& world, const Camera& camera) {
+    const dvec3 eye = camera.getWorldPosition();
+    const dvec3 above = eye + EllipsoidModel().getUp(eye) * PRECIPITATION_HEIGHT;
+    const auto enable = [&](const char* name, bool on) {
+        Node* node = world.getNodeByName(name);
+        if (!node) return;
+        node->setEnabled(on);
+        if (on) node->setWgsPosition(EllipsoidModel().toWGS(above));
     };
     enable("rain", m_rain > 0);
     enable("snow", m_snow > 0);

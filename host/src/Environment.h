@@ -4,7 +4,9 @@
 #include "common/logic/LogicBase.h"
 #include "ig/app/Renderer.h"
 
-class ObjectOcean;
+namespace ig {
+class Camera;
+}
 struct Options;
 
 /// Light, air and sea of the scene. The flight simulation's weather arrives through the logic's
@@ -17,8 +19,9 @@ public:
     void connect(LogicBase& logic);
     /// Once per frame, after the logic's update: sets the world's sea and precipitation, tells the
     /// logic rain, snow and the hour where they have changed, and fills in `frame` what concerns
-    /// the sky. `longitude` (degrees) is where the hour counts.
-    void apply(const ig::World& world, double longitude, double time, ig::FrameInfo& frame);
+    /// light and air. The hour counts at the camera's longitude; `helicopter` may be null.
+    void apply(const ig::World& world, const ig::Camera& camera, const ig::ObjectPrefab* helicopter,
+               double time, ig::FrameInfo& frame);
 
 private:
     void onWeather(WEATHER_TYPE type) { m_weather = type; }
@@ -35,7 +38,8 @@ private:
     void onSea(int code) { m_sea = code; }
 
     void applySky(double longitude, double time, ig::FrameInfo& frame) const;
-    void applyPrecipitation(const ig::World& world);
+    static void applyDownwash(const ig::ObjectPrefab* helicopter, ig::FrameInfo& frame);
+    void applyPrecipitation(const ig::World& world, const ig::Camera& camera);
     void applySea(const ig::World& world);
     void tellLogic();
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Overlays.h"
+#include "host/interface/Overlays.h"
 
 #include <string>
 #include <vector>
@@ -22,7 +22,7 @@ struct Options {
     float scale = 1;                ///< of the rendering, 0.25 to 1; 0: so that 20 frames/s hold
     std::string screenshot;         ///< PNG of the last frame; empty: none
     double screenshot_every = 0;    ///< s of scene time between numbered pictures; 0: none
-    double time_of_day = 12;        ///< local solar time, hours
+    double time_of_day = 10;        ///< local solar time, hours
     int day_of_year = 172;          ///< 1 to 366
     double visibility = 0;          ///< m; 0: what the flight simulation says
     int weather = -1;               ///< WEATHER_TYPE; negative: what the flight simulation says

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Status.h"
 
-#include "LinkState.h"
 #include "LogicListener.h"
+#include "host/interface/LinkState.h"
 #include "ig/math/EllipsoidModel.h"
 #include "ig/scene/ObjectPrefab.h"
 

@@ -19,7 +19,7 @@ constexpr double GRAVITY = Physics::GRAVITY;
 constexpr double SUBSTEP = 1.0 / 120;
 constexpr double FOLLOWER_RATE = 2;     ///< ω, rad/s: slower than record jitter, as fast as flight
 constexpr double MAX_ACCELERATION = 6;  ///< m/s², of the follower; a hard manoeuvre
-constexpr double START_TIME = 0.5;      ///< s over which the first velocity is averaged
+constexpr double START_TIME = 1;        ///< s of the first line through the anchor
 constexpr double JUMP = 15;             ///< m in one step: faster than any helicopter
 constexpr double LOAD_DAMPING = 0.4;    ///< 1/s, the air's; lets a swing die away in seconds
 constexpr double MAX_REEL_SPEED = 8;    ///< m/s
@@ -33,6 +33,10 @@ constexpr int CHAIN_PASSES = 6;              ///< enough for the eye; the load d
 BodyRope::BodyRope(float length, float factor)
     : m_length(length), m_factor(factor),
       m_hanging(std::max(MIN_LENGTH, static_cast<double>(length * factor))) {}
+
+BodyRope::~BodyRope() {
+    if (m_physics) m_physics->removeBody(this);
+}
 
 void BodyRope::setTransform(const dmat4& transform) {
     if (isFinite(transform) && !m_anchor) m_frame = EARTH.getWGSTransform(transform.getTranslate());
@@ -103,10 +107,8 @@ void BodyRope::start(const dvec3& anchor) {
 }
 
 void BodyRope::followAnchor(const dvec3& anchor, double h) {
-    if (m_age < START_TIME) {
-        m_age += h;
-        m_follower = anchor;
-        m_follower_velocity = (anchor - m_first_place) / m_age;
+    if (m_fit.time < START_TIME) {
+        startFollower(anchor, h);
         return;
     }
     dvec3 a = (anchor - m_follower) * (FOLLOWER_RATE * FOLLOWER_RATE) -
@@ -115,6 +117,24 @@ void BodyRope::followAnchor(const dvec3& anchor, double h) {
     m_follower += m_follower_velocity * h;
     const double size = length(a);
     m_follower_acceleration = size > MAX_ACCELERATION ? a * (MAX_ACCELERATION / size) : a;
+}
+
+/// Lays a straight line through the anchor's places so far, and the follower at its distance
+/// behind.
+void BodyRope::startFollower(const dvec3& anchor, double h) {
+    Fit& f = m_fit;
+    const dvec3 x = anchor - m_first_place;
+    f.time += h;
+    f.n++;
+    f.t += f.time;
+    f.tt += f.time * f.time;
+    f.x += x;
+    f.tx += x * f.time;
+    const double spread = f.n * f.tt - f.t * f.t;
+    const dvec3 velocity = spread > 0 ? (f.tx * f.n - f.x * f.t) / spread : dvec3();
+    const dvec3 place = (f.x - velocity * f.t) / f.n + velocity * f.time;
+    m_follower_velocity = velocity;
+    m_follower = m_first_place + place - velocity * (2 / FOLLOWER_RATE);
 }
 
 void BodyRope::reel(double h) {
@@ -150,7 +170,10 @@ void BodyRope::moveChain(const dvec3& up, double h) {
         m_last_points[i] = m_points[i];
         m_points[i] += move - up * (GRAVITY * h * h);
     }
-    if (loaded) m_points[SEGMENTS] = m_load;
+    if (loaded) {
+        m_last_points[SEGMENTS] = m_points[SEGMENTS];
+        m_points[SEGMENTS] = m_load;
+    }
     const double segment = m_hanging / SEGMENTS;
     for (int pass = 0; pass < CHAIN_PASSES; pass++)
         for (std::size_t i = 0; i < SEGMENTS; i++) {

@@ -100,7 +100,11 @@ void Physics::extract(BodyRigid* body) {
 }
 
 void Physics::refresh(BodyRigid* body) {
-    m_solver->world.updateSingleAabb(body->m_simulation->body.get());
+    btRigidBody* placed = body->m_simulation->body.get();
+    // The bounds reach to the pose predicted last: from an old one they would span half the earth,
+    // and the solver would drop the body.
+    placed->setInterpolationWorldTransform(placed->getWorldTransform());
+    m_solver->world.updateSingleAabb(placed);
 }
 
 void Physics::update(float dt) {
@@ -131,9 +135,10 @@ void Physics::substep(double h) {
         const dvec3 up = EARTH.getUp(fromBullet(s.body->getCenterOfMassPosition()));
         const dvec3 acceleration =
             dvec3(rigid->m_force) / double(rigid->m_mass) - up * double(GRAVITY);
-        const btVector3 v = s.body->getLinearVelocity() + toBullet(acceleration) * h;
+        const btVector3 v = s.body->getLinearVelocity();
         const double drag = 0.5 * AIR_DENSITY * rigid->m_drag_area * v.length() / rigid->m_mass;
-        s.body->setLinearVelocity(v / (1 + (rigid->m_linear_damping + drag) * h));
+        s.body->setLinearVelocity((v + toBullet(acceleration) * h) /
+                                  (1 + (rigid->m_linear_damping + drag) * h));
         s.body->setAngularVelocity(
             (s.body->getAngularVelocity() +
              s.body->getInvInertiaTensorWorld() * toBullet(rigid->m_torque) * h) /

@@ -176,9 +176,11 @@ ObjectParticles::Surface readSurface(const Package& p) {
 
 Node* createParticles(const Package& p) {
     reportUnknownKeys(p,
-                      {"life", "life_spread", "velocity", "velocity_spread", "rate", "duration",
-                       "burst", "surface", "material", "deflectors"},
+                      {"life", "life_spread", "velocity", "velocity_spread", "rate", "spread",
+                       "duration", "burst", "surface", "material", "deflectors"},
                       true);
+    dvec3 spread;
+    if (!readVec3(p, "spread", spread)) return nullptr;
     auto* particles = new ObjectParticles();
     if (p.getItem("life")) particles->setLife(p.getFloat("life"));
     particles->setLifeSpread(p.getFloat("life_spread"));
@@ -187,6 +189,7 @@ Node* createParticles(const Package& p) {
     particles->setSpawnRate(p.getFloat("rate"));
     particles->setDuration(p.getFloat("duration"));
     particles->setBurst(p.getFloat("burst"));
+    particles->setSpread(vec3(spread));
     particles->setSurface(readSurface(p));
     particles->setNumDeflectors(std::clamp(p.getInt("deflectors"), 0, 16));
     particles->setSurfaceMaterial(0, loadMaterial(p));

@@ -24,6 +24,7 @@ constexpr std::size_t MAX_NUMBER = 40; ///< bytes of a number that can be typed
 constexpr double BLINK = 1.0;          ///< period, s
 
 const vec4 TEXT_COLOR(0.95f, 0.96f, 0.97f, 1);
+const vec4 SHADOW_COLOR(0, 0, 0, 0.75f);
 const vec4 FOCUS_FACE(0.05f, 0.07f, 0.09f, 0.90f);
 const vec4 FOCUS_EDGE(1.00f, 0.75f, 0.35f, 1);
 const vec4 SELECTION(0.20f, 0.45f, 0.75f, 0.80f);
@@ -304,7 +305,10 @@ void UIEditLine::drawText(UiDrawList& list) const {
         if (begin < end)
             list.addRect(x + advance(m_first, begin), y, advance(begin, end), size, SELECTION);
     }
-    list.addText(x, y, size, TEXT_COLOR, m_text.view().substr(m_first, m_last - m_first));
+    const std::string_view shown = m_text.view().substr(m_first, m_last - m_first);
+    const auto shadow = static_cast<float>(pixels(1)); // the field lets bright scenes through
+    list.addText(x + shadow, y + shadow, size, SHADOW_COLOR, shown);
+    list.addText(x, y, size, TEXT_COLOR, shown);
     if (!isFocused()) return;
     if (std::fmod(getRoot()->getTime() - m_caret_time, BLINK) < BLINK / 2)
         list.addRect(x + advance(m_first, std::min(m_caret, m_last)), y,

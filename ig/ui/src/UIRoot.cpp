@@ -95,7 +95,7 @@ bool UIRoot::mouseMove(float x, float y) {
 }
 
 bool UIRoot::mouseDown(const UIEventMouse& event) {
-    cancelPress(); // a release that was never reported
+    if (event.button == 0) cancelPress(); // a release that was never reported
     mouseMove(event.x, event.y);
     UIElement* element = m_hover;
     if (event.button == 0) {

@@ -6,13 +6,19 @@
 #include "GlObjects.h"
 #include "HeadlessContext.h"
 #include "MeshPass.h"
+#include "NoiseTexture.h"
+#include "OceanPass.h"
 #include "Png.h"
 #include "SceneList.h"
 #include "ShadowMap.h"
 #include "SkyPass.h"
+#include "SpritePass.h"
 #include "Targets.h"
+#include "TerrainPass.h"
+#include "UiPass.h"
 #include "ig/base/jLog.h"
 #include "ig/scene/Node.h"
+#include "plugins/ocean/ObjectOcean.h"
 
 #include <algorithm>
 #include <chrono>
@@ -77,6 +83,12 @@ struct RendererGL::Impl {
     SkyPass sky;
     ShadowMap shadow;
     MeshPass meshes;
+    OceanPass ocean;
+    TerrainPass terrain;
+    SpritePass sprites;
+    UiPass ui;
+    Downwash wash;
+    gl::Texture noise;
     SceneList list;
     FrameView view;
     FrameBlock block;
@@ -115,10 +127,12 @@ bool RendererGL::Impl::initPasses() {
     glBufferData(GL_UNIFORM_BUFFER, sizeof(FrameBlock), nullptr, GL_DYNAMIC_DRAW);
     glBindBufferBase(GL_UNIFORM_BUFFER, gl::FRAME_BLOCK, block_buffer.id());
     empty.create();
+    makeNoiseTexture(noise);
     // The software renderer pays for every texel of the bake.
     const bool software = std::strstr(device.c_str(), "llvmpipe") != nullptr;
     return tonemap.build("screen.vert", "tonemap.frag") && fxaa.build("screen.vert", "fxaa.frag") &&
-           sky.init(software ? 512 : 1024) && shadow.init() && meshes.init();
+           sky.init(software ? 512 : 1024) && shadow.init() && meshes.init() && terrain.init() &&
+           sprites.init() && ui.init() && (software ? ocean.init(128, 90) : ocean.init(320, 240));
 }
 
 void RendererGL::release() {
@@ -128,6 +142,11 @@ void RendererGL::release() {
     r.sky.release();
     r.shadow.release();
     r.meshes.release();
+    r.ocean.release();
+    r.terrain.release();
+    r.sprites.release();
+    r.ui.release();
+    r.noise.destroy();
     r.tonemap.destroy();
     r.fxaa.destroy();
     r.block_buffer.destroy();
@@ -149,6 +168,9 @@ void RendererGL::setScale(float scale) {
     if (r.ready) r.ready = r.targets.make(r.targets.width(), r.targets.height(), scale);
 }
 
+float RendererGL::getTextWidth(float size, std::string_view utf8) {
+    return m_impl->ready ? m_impl->ui.getTextWidth(size, utf8) : -1;
+}
 float RendererGL::getScale() const { return m_impl->scale; }
 const jString& RendererGL::getDevice() const { return m_impl->device; }
 void RendererGL::setProfiling(bool on) { m_impl->clock.on = on; }
@@ -167,10 +189,13 @@ void RendererGL::Impl::renderScene(const World& world, const Camera& camera,
     prepare(world, camera, frame);
     clock.mark("prepare");
     drawShadows();
+    sprites.drawEffects();
     clock.mark("shadows");
     drawScene();
     finishPicture();
     clock.mark("picture");
+    if (frame.ui) ui.draw(*frame.ui, targets.width(), targets.height());
+    clock.mark("ui");
     present();
     clock.mark("present");
 }
@@ -188,8 +213,12 @@ void RendererGL::Impl::prepare(const World& world, const Camera& camera, const F
     const vec3 center = frame.focus ? vec3(view.toFrame(frame.focus->getWorldPosition())) : vec3();
     shadow.place(center, block);
     list.gather(world, view, center, ShadowMap::RADIUS);
+    sprites.gather(view, frame.particles, list.lamps);
+    wash = {vec3(view.toFrame(frame.wash_position)), frame.wash_radius, frame.wash_strength};
     uploadBlock();
     meshes.upload(list, sky);
+    if (list.ocean) ocean.upload(list.ocean->getFrame());
+    gl::bindTexture(gl::UNIT_NOISE, noise);
 }
 
 void RendererGL::Impl::uploadBlock() {
@@ -213,13 +242,21 @@ void RendererGL::Impl::drawShadows() {
 void RendererGL::Impl::drawScene() {
     glBindFramebuffer(GL_FRAMEBUFFER, targets.scene_target.id());
     glViewport(0, 0, targets.sceneWidth(), targets.sceneHeight());
+    glEnable(GL_DEPTH_TEST);
     glClear(GL_DEPTH_BUFFER_BIT);
     meshes.drawOpaque();
     clock.mark("meshes");
+    if (list.terrain) terrain.draw(view, *list.terrain);
+    clock.mark("terrain");
+    if (list.ocean)
+        ocean.draw(view, list.ocean->getFrame(), wash, sprites.getEffects(), SpritePass::MAP_EDGE);
+    clock.mark("ocean");
     sky.drawBackground(view);
     clock.mark("sky");
     meshes.drawTransparent();
     clock.mark("transparent");
+    sprites.draw();
+    clock.mark("sprites");
 }
 
 /// Light to picture: tone curve, edge filter, scaling.

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int SCATTER_SIZE = 128;    ///< texels; scattering without its phase functions is smooth
 constexpr float SUN_IRRADIANCE = 20; ///< above the air, in the units of the shaders
-constexpr float CLEAR_EXPOSURE = 0.30f;             ///< at noon under a clear sky
+constexpr float CLEAR_EXPOSURE = 0.27f;             ///< at noon under a clear sky
 constexpr float CLEAR_LUMINANCE = 4.0f;             ///< of a white ground then
 constexpr float DAY_RANGE = 8, NIGHT_RANGE = 0.08f; ///< brightest value that the sky map can hold
 const vec3 NIGHT_GLOW{0.0022f, 0.0032f, 0.0055f};
@@ -216,8 +216,8 @@ void SkyPass::update(const FrameView& view, const FrameInfo& frame, FrameBlock& 
     block.ambient = {m_ambient, extinction};
     const float ground =
         luminance(m_ambient) + luminance(light) * std::max(block.light_direction.z, 0.0f) / 3.1416f;
-    const float gain = std::pow(CLEAR_LUMINANCE / std::max(ground, 1e-4f), 0.72f);
-    block.light.w = CLEAR_EXPOSURE * std::clamp(gain, 0.8f, 300.0f);
+    const float gain = std::pow(CLEAR_LUMINANCE / std::max(ground, 1e-4f), 0.66f);
+    block.light.w = CLEAR_EXPOSURE * (1 - 0.3f * frame.overcast) * std::clamp(gain, 0.6f, 300.0f);
     gl::bindTexture(gl::UNIT_SKY, m_map);
 }
 

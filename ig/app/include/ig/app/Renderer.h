@@ -6,12 +6,14 @@
 
 #include <cstdint>
 #include <span>
+#include <string_view>
 #include <vector>
 
 namespace ig {
 
 class Camera;
 class Node;
+class ParticleSystem;
 class UiDrawList;
 class World;
 
@@ -22,13 +24,17 @@ struct FrameInfo {
     /// Towards the sun and the moon, earth-centred, unit length.
     dvec3 sun_direction{0, 0, 1};
     dvec3 moon_direction{0, 0, -1};
-    double sidereal_angle = 0;      ///< turn of the stars, degrees
-    double visibility = 60000;      ///< meteorological visibility at sea level, m, above 0
-    float cloud_cover = 0.5f;       ///< broken clouds, 0 to 1
-    float overcast = 0;             ///< closed layer of clouds, 0 to 1
-    float cloud_darkness = 0;       ///< of the closed layer, 0 thin to 1 thunderstorm
-    float rain = 0, snow = 0;       ///< 0 to 1
-    const Node* focus = nullptr;    ///< where shadows are sharpest; null: around the camera
+    double sidereal_angle = 0;   ///< turn of the stars, degrees
+    double visibility = 60000;   ///< meteorological visibility at sea level, m, above 0
+    float cloud_cover = 0.5f;    ///< broken clouds, 0 to 1
+    float overcast = 0;          ///< closed layer of clouds, 0 to 1
+    float cloud_darkness = 0;    ///< of the closed layer, 0 thin to 1 thunderstorm
+    float rain = 0, snow = 0;    ///< 0 to 1
+    const Node* focus = nullptr; ///< where shadows are sharpest; null: around the camera
+    const ParticleSystem* particles = nullptr;
+    /// A helicopter's downwash on the water: the rotor's middle (world), its radius, 0 to 1.
+    dvec3 wash_position;
+    float wash_radius = 0, wash_strength = 0;
     const UiDrawList* ui = nullptr; ///< drawn last; null: none
 };
 
@@ -72,6 +78,10 @@ public:
     /// for speed. The user interface is always drawn at full size.
     virtual void setScale(float) {}
     virtual float getScale() const { return 1; }
+
+    /// Width of a line of text as it draws the user interface's, pixels; negative when it draws
+    /// none.
+    virtual float getTextWidth(float, std::string_view) { return -1; }
 
     /// The last frame's picture. False when there is none.
     virtual bool readPicture(Picture&) { return false; }

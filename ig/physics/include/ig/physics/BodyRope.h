@@ -20,10 +20,11 @@ namespace ig {
 /// r" = g − a − c r', projected back to the length of the cable. Towards an observer on the
 /// helicopter the load is smooth; in the world it moves exactly as the helicopter is drawn.
 ///
-/// The follower starts with the mean velocity of the anchor's first half second, so that a load put
-/// out in flight does not fall behind as if it had been at rest. An anchor that moves more than
-/// 15 m in one step has been put elsewhere: everything is carried along and keeps its attitude to
-/// the local vertical.
+/// The follower starts on the straight line that fits the anchor's first second, with its velocity
+/// v and at the distance 2 v / ω that it keeps behind an even motion, so that a load put out in
+/// flight does not fall behind as if it had been at rest. An anchor that moves more than 15 m in
+/// one step has been put elsewhere: everything is carried along and keeps its attitude to the local
+/// vertical.
 ///
 /// The cable itself is a chain of points without mass, pinned at the anchor and at the load.
 class BodyRope : public Body {
@@ -33,6 +34,7 @@ public:
 
     /// `length` as `setLength`; the cable hangs `length` × `factor` metres long.
     BodyRope(float length, float factor);
+    ~BodyRope() override;
 
     Type getType() const override { return BODY_ROPE; }
     void setEnabled(bool enabled) override { m_enabled = enabled; }
@@ -67,6 +69,7 @@ private:
     bool isLoaded() const;
     void start(const dvec3& anchor);
     void followAnchor(const dvec3& anchor, double h);
+    void startFollower(const dvec3& anchor, double h);
     void reel(double h);
     void swing(const dvec3& up, double h);
     void moveChain(const dvec3& up, double h);
@@ -78,7 +81,10 @@ private:
     const Body* m_anchor = nullptr;
     dmat4 m_frame;
     bool m_started = false;
-    double m_age = 0;    // seconds since the start
+    struct Fit { // sums over the anchor's places since the start: time, place
+        double time = 0, n = 0, t = 0, tt = 0;
+        dvec3 x, tx;
+    } m_fit;
     dvec3 m_first_place; // the anchor's at the start
     dvec3 m_place;       // the anchor's as of the last substep
     dvec3 m_follower, m_follower_velocity, m_follower_acceleration;

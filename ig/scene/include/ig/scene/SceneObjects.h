@@ -57,6 +57,9 @@ public:
     float getPresentRate() const;
     /// Advances the running time by `dt` seconds, of this emitter alone.
     void advance(float dt);
+    /// Half the box that the particles start in, along the emitter's axes; default: a point.
+    const vec3& getSpread() const { return m_spread; }
+    void setSpread(const vec3& spread) { m_spread = spread; }
 
     /// Deflectors remove the particles in their column. World transforms.
     int getNumDeflectors() const { return m_deflectors.size(); }
@@ -74,6 +77,7 @@ private:
     Surface m_surface = Surface::any;
     bool m_silent = false;
     unsigned m_cleared = 0;
+    vec3 m_spread;
     jVector<dmat4> m_deflectors;
 };
 

@@ -30,6 +30,7 @@ public:
 
     void setScale(float scale) override;
     float getScale() const override;
+    float getTextWidth(float size, std::string_view utf8) override;
     bool readPicture(ig::Picture& picture) override;
     bool savePicture(const ig::jString& path) override;
     void setProfiling(bool on) override;

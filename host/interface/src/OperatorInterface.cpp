@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "OperatorInterface.h"
+#include "host/interface/OperatorInterface.h"
 
 #include "common/logic/LogicBase.h"
 #include "ig/app/IApp.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Overlays.h"
+#include "host/interface/Overlays.h"
 #include "ig/app/InputRouter.h"
 #include "ig/ui/UIRoot.h"
 #include "ig/ui/UiDrawList.h"

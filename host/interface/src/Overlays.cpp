@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "Overlays.h"
+#include "host/interface/Overlays.h"
 
-#include "LinkState.h"
+#include "host/interface/LinkState.h"
 #include "ig/ui/KeyCode.h"
 #include "ig/ui/UILabel.h"
 #include "ig/ui/UIRoot.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "LinkState.h"
+#include "host/interface/LinkState.h"
 
 #include "ig/net/SocketUDP.h"
 

@@ -1,0 +1,289 @@
+// SPDX-License-Identifier: MIT
+#include "cable.h"
+#include "SignalRecorder.h"
+#include "heli/logic/records.h"
+#include "ig/physics/BodyRope.h"
+
+#include <algorithm>
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+#include <random>
+
+namespace {
+
+using namespace ig;
+const char* const DROP = "data/PELMAR_PROJECT/prefabs/vfx/water_drop/water_drop.prefab";
+
+struct CableTest : testing::Test {
+    SonarInfo& sonar() { return *scene.logic->m_sonar_info; }
+    WinchInfo& winch() { return *scene.logic->m_winch_info; }
+    // Of nodes that are known to have them.
+    static BodyRope& ropeOf(Node* node) {
+        return static_cast<BodyRope&>(*static_cast<Object*>(node)->getBody());
+    }
+    static BodyRigid& loadOf(Node* node) {
+        return static_cast<BodyRigid&>(*static_cast<Object*>(node)->getBody());
+    }
+    double hanging(const Node* load, const char* mount) {
+        const dvec3 top = scene.helicopterNode(mount)->getWorldPosition();
+        return length(load->getWorldPosition() - top);
+    }
+    void frames(int n) {
+        for (int i = 0; i < n; i++)
+            scene.frame();
+    }
+    SeaScene scene;
+};
+
+TEST(CableLaw, PaysOutWithinTheButtonsReach) {
+    EXPECT_FLOAT_EQ(cable::payOut(4, 0.5f), 6.5f / 1.5f);
+    EXPECT_FLOAT_EQ(cable::payOut(10, 3), 16 / 1.5f);
+    EXPECT_FLOAT_EQ(cable::payOut(20, -0.1f), 16 / 1.5f); // set by the host, back within reach
+    EXPECT_FLOAT_EQ(cable::payOut(2, -3), 2 / 1.5f);
+}
+
+TEST_F(CableTest, SonarIsLoweredAndRaisedBetweenTwoAndSixteenMetres) {
+    ASSERT_TRUE(scene.startAt(60));
+    SignalRecorder signals(*scene.logic);
+    EXPECT_TRUE(scene.logic->emit_sonar());
+    EXPECT_EQ(signals.added_flags, (std::vector<bool>{false}));
+    EXPECT_EQ(sonar().prefab->getName(), "_sonar_");
+    EXPECT_FALSE(sonar().prefab->isEnabled()); // until its first step
+    EXPECT_FALSE(scene.helicopterNode("sonar")->isEnabled());
+    scene.frame();
+    EXPECT_TRUE(sonar().prefab->isEnabled());
+    EXPECT_NEAR(hanging(sonar().sonar, "sonar"), 2, 0.01);
+    const auto hold = [&](bool down, int n) {
+        for (int i = 0; i < n; i++) {
+            down ? scene.logic->sonar_down(1 / 60.0f) : scene.logic->sonar_up(1 / 60.0f);
+            scene.frame();
+        }
+    };
+    hold(true, 120); // 2 m/s, and the cable follows
+    EXPECT_NEAR(ropeOf(sonar().rope).getLength() * 1.5, 6, 1e-3);
+    EXPECT_NEAR(hanging(sonar().sonar, "sonar"), 6, 0.6);
+    hold(true, 480);
+    EXPECT_FLOAT_EQ(ropeOf(sonar().rope).getLength() * 1.5f, 16);
+    EXPECT_NEAR(hanging(sonar().sonar, "sonar"), 16, 0.01);
+    hold(false, 600);
+    EXPECT_FLOAT_EQ(ropeOf(sonar().rope).getLength() * 1.5f, 2);
+    EXPECT_NEAR(hanging(sonar().sonar, "sonar"), 2, 0.01);
+    // The drawn cable reaches from the mount to the load.
+    const Node* rope = sonar().rope;
+    const dmat4 first = rope->getChild(0)->getWorldTransform();
+    const dmat4 last = rope->getChild(rope->getNumChildren() - 1)->getWorldTransform();
+    const dvec3 mount = scene.helicopterNode("sonar")->getWorldPosition();
+    EXPECT_LT(length(first.getTranslate() - mount), 1e-6);
+    EXPECT_LT(length(last * dvec3(0, 0, 1) - sonar().sonar->getWorldPosition()), 1e-6);
+
+    const Node* before = sonar().prefab;
+    scene.logic->emit_sonar(); // in place of the first
+    EXPECT_EQ(signals.removed, (std::vector<Node*>{const_cast<Node*>(before)}));
+    scene.logic->release_sonar();
+    EXPECT_EQ(signals.removed.size(), 2u);
+    EXPECT_EQ(sonar().prefab, nullptr);
+    EXPECT_TRUE(scene.helicopterNode("sonar")->isEnabled());
+    scene.logic->release_sonar();
+    scene.logic->sonar_down(1);
+    scene.logic->break_sonar_joint();
+    EXPECT_FALSE(scene.logic->is_break_sonar_joint());
+    EXPECT_EQ(signals.removed.size(), 2u);
+    EXPECT_TRUE(signals.texts.empty());
+}
+
+TEST_F(CableTest, SonarCutAboveTheSeaFallsSplashesAndFloats) {
+    ASSERT_TRUE(scene.startAt(60));
+    SignalRecorder signals(*scene.logic);
+    scene.logic->emit_sonar();
+    frames(60);
+    const double start = SeaScene::altitude(sonar().sonar->getWorldPosition());
+    EXPECT_FALSE(scene.logic->is_break_sonar_joint());
+    scene.logic->break_sonar_joint();
+    scene.logic->break_sonar_joint();
+    EXPECT_TRUE(scene.logic->is_break_sonar_joint());
+    EXPECT_EQ(signals.texts, (std::vector<std::string>{"sonar", "sonar"}));
+    double time = 0;
+    for (; time < 10 && signals.effects.empty(); time += 1 / 60.0)
+        scene.frame();
+    // Free fall with the body's damping of 0.1 1/s: about t²·g/2·(1 − 0.1 t/3).
+    const double fall = std::sqrt(2 * start / 9.80665);
+    EXPECT_NEAR(time, fall * (1 + 0.1 * fall / 6), 0.05 * fall);
+    ASSERT_EQ(signals.effects.size(), 1u);
+    EXPECT_EQ(signals.effects[0].path, DROP);
+    EXPECT_EQ(signals.effects[0].duration, 3);
+    EXPECT_NEAR(SeaScene::altitude(signals.effects[0].place),
+                scene.sea(signals.effects[0].place) + 1, 0.05);
+    EXPECT_FALSE(sonar().sonar_mesh->isEnabled());
+    EXPECT_FALSE(loadOf(sonar().sonar).isEnabled());
+    frames(120);
+    const dvec3 place = sonar().sonar->getWorldPosition();
+    EXPECT_NEAR(SeaScene::altitude(place), scene.sea(place), 0.05);
+    EXPECT_TRUE(sonar().buoy->isVisible());
+    EXPECT_EQ(signals.effects.size(), 1u);
+}
+
+TEST_F(CableTest, DippedSonarSplashesOnlyOnceItIsCut) {
+    ASSERT_TRUE(scene.startAt(6));
+    SignalRecorder signals(*scene.logic);
+    scene.logic->emit_sonar();
+    for (int i = 0; i < 360; i++) {
+        scene.logic->sonar_down(1 / 60.0f);
+        scene.frame();
+    }
+    EXPECT_LT(SeaScene::altitude(sonar().sonar_mesh->getWorldPosition()), -3);
+    EXPECT_TRUE(signals.effects.empty());
+    scene.logic->break_sonar_joint();
+    scene.frame();
+    EXPECT_EQ(signals.effects.size(), 1u);
+    // The cable stays with the helicopter and hangs free.
+    scene.place(40);
+    frames(300);
+    const Node* rope = sonar().rope;
+    EXPECT_LT(hanging(rope->getChild(0), "sonar"), 1e-6);
+    const double end = SeaScene::altitude(rope->getChild(15)->getWorldPosition());
+    EXPECT_NEAR(end, 40 - 0.7 - 13.7, 1); // 14 m hang, of which the last piece begins above
+}
+
+TEST_F(CableTest, ThrownBuoySplashesAndFloats) {
+    ASSERT_TRUE(scene.startAt(30));
+    SignalRecorder signals(*scene.logic);
+    scene.logic->throw_sonar();
+    ASSERT_EQ(scene.logic->m_thrown_sonars.size(), 1);
+    const SonarInfo& buoy = *scene.logic->m_thrown_sonars[0];
+    EXPECT_EQ(buoy.sonar, buoy.sonar_mesh);
+    EXPECT_NEAR(SeaScene::altitude(buoy.prefab->getWorldPosition()), 29, 1e-6);
+    frames(120);
+    EXPECT_TRUE(signals.effects.empty());
+    frames(60);
+    EXPECT_EQ(signals.effects.size(), 1u);
+    EXPECT_FALSE(buoy.sonar->isEnabled());
+    EXPECT_FALSE(buoy.prefab->getBody()->isEnabled());
+    frames(60);
+    const dvec3 place = buoy.prefab->getWorldPosition();
+    EXPECT_NEAR(SeaScene::altitude(place), scene.sea(place), 0.05);
+    EXPECT_EQ(signals.effects.size(), 1u);
+}
+
+TEST_F(CableTest, WinchFollowsTheHostsRecords) {
+    ASSERT_TRUE(scene.startAt(100));
+    SignalRecorder signals(*scene.logic);
+    UdpRecvData record = LogicScene::record();
+    record.longitude = SeaScene::SEA_LONGITUDE;
+    record.latitude = SeaScene::SEA_LATITUDE;
+    record.altitude = 100;
+    record.hang_enable = 1;
+    record.hang_length = 9;
+    record.hang_mass = 250;
+    const auto send = [&] {
+        scene.send(record);
+        frames(1);
+    };
+    send();
+    ASSERT_NE(winch().prefab, nullptr);
+    EXPECT_EQ(winch().prefab->getName(), "_winch_");
+    EXPECT_TRUE(winch().prefab->isEnabled());
+    EXPECT_EQ(ropeOf(winch().rope).getLength(), 6);
+    EXPECT_EQ(loadOf(winch().obj).getMass(), 250);
+    scene.log.lines.clear();
+    for (int mass : {0, -5}) {
+        record.hang_mass = static_cast<std::int16_t>(mass);
+        record.hang_length = 30; // beyond the buttons' reach
+        send();
+        EXPECT_EQ(loadOf(winch().obj).getMass(), 1);
+    }
+    EXPECT_EQ(scene.log.lines.size(), 1u); // one warning
+    EXPECT_EQ(ropeOf(winch().rope).getLength(), 20);
+    frames(60 * 8);
+    EXPECT_NEAR(hanging(winch().obj, "winch"), 30, 0.01);
+    scene.logic->winch_up(1 / 60.0f);
+    EXPECT_FLOAT_EQ(ropeOf(winch().rope).getLength(), 16 / 1.5f);
+    record.hang_length = std::numeric_limits<float>::quiet_NaN();
+    send();
+    EXPECT_FLOAT_EQ(ropeOf(winch().rope).getLength(), 16 / 1.5f);
+    EXPECT_EQ(signals.added.size(), 1u); // never deployed anew
+    record.hang_enable = 0;
+    send();
+    EXPECT_EQ(winch().prefab, nullptr);
+    EXPECT_EQ(signals.removed.size(), 1u);
+    EXPECT_TRUE(scene.logic->emit_winch()); // by the operator, while the host says otherwise
+    frames(1);
+    EXPECT_NE(winch().prefab, nullptr);
+    send();
+    EXPECT_EQ(winch().prefab, nullptr);
+    // The reset comes first, the rest of its record after it.
+    record.command = 6;
+    record.hang_enable = 1;
+    send();
+    EXPECT_NE(winch().prefab, nullptr);
+    EXPECT_NEAR(scene.helicopterWgs().z, 100, 1e-6);
+}
+
+TEST_F(CableTest, LoadHangsSmoothlyBelowAHelicopterThatAHostFliesAtSixtyMetresPerSecond) {
+    ASSERT_TRUE(scene.startAt(100));
+    std::mt19937 random(11);
+    std::uniform_real_distribution<double> jitter(0, 0.004);
+    UdpRecvData record = LogicScene::record();
+    record.longitude = SeaScene::SEA_LONGITUDE;
+    record.altitude = 100;
+    record.hang_enable = 1;
+    record.hang_mass = 300;
+    record.hang_length = 2;
+    double sent = 0, worst = 0, angle = 0;
+    dvec3 before, before_that;
+    for (int frame = 0; frame < 60 * 30; frame++) {
+        const double now = frame / 60.0;
+        for (; sent + jitter(random) <= now; sent += 0.01) { // 100 Hz: none to three a frame
+            record.latitude = SeaScene::SEA_LATITUDE + 60 * sent / 110700 +
+                              (sent > 12 ? 1000 / 110700.0 : 0); // with a jump
+            record.hang_length = sent > 6 && sent < 18 ? 20 : 2;
+            scene.send(record);
+        }
+        scene.frame();
+        if (!winch().prefab) continue;
+        const dmat4 local = scene.logic->m_heli->m_prefab->getWGSTransform();
+        const dvec3 r = transpose(local.getMat3()) *
+                        (winch().obj->getWorldPosition() - winch().anchor->getWorldPosition());
+        if (frame > 3) worst = std::max(worst, length(r - before * 2.0 + before_that) * 3600);
+        angle = std::max(angle, std::atan2(std::hypot(r.x, r.y), -r.z) * 57.3);
+        before_that = before;
+        before = r;
+    }
+    EXPECT_LT(worst, 15);
+    EXPECT_LT(angle, 10);
+    EXPECT_NEAR(length(before), 2, 0.01);
+}
+
+TEST_F(CableTest, PrefabsWithoutTheirNodesAreDeployedAndRemoved) {
+    LogicScene empty; // its data folder has none of the files
+    empty.addToWorld("name: ocean, type: ocean");
+    ASSERT_TRUE(empty.start());
+    const int nodes = empty.world->getNodes().size();
+    EXPECT_TRUE(empty.logic->emit_sonar());
+    EXPECT_TRUE(empty.logic->emit_winch());
+    empty.logic->throw_sonar();
+    empty.logic->throw_sonar();
+    empty.logic->sonar_down(1);
+    empty.logic->winch_up(1);
+    empty.logic->break_sonar_joint();
+    UdpRecvData record = LogicScene::record();
+    record.hang_enable = 1;
+    record.hang_length = 5;
+    empty.send(record);
+    for (int i = 0; i < 10; i++)
+        empty.frame();
+    EXPECT_EQ(empty.world->getNodes().size(), nodes + 4);
+    EXPECT_FALSE(empty.logic->m_sonar_info->prefab->isEnabled()); // no mesh to measure
+    empty.logic->reset();
+    empty.logic->release_winch();
+    EXPECT_EQ(empty.world->getNodes().size(), nodes);
+    HelicopterCorax* heli = empty.logic->m_heli;
+    empty.logic->m_heli = nullptr;
+    EXPECT_FALSE(empty.logic->emit_sonar());
+    EXPECT_FALSE(empty.logic->emit_winch());
+    empty.logic->throw_sonar();
+    EXPECT_EQ(empty.world->getNodes().size(), nodes);
+    empty.logic->m_heli = heli;
+}
+
+} // namespace

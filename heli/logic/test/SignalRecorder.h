@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "plugins/ocean/ObjectOcean.h"
+#include "testkit/LogicScene.h"
+
+#include <string>
+#include <vector>
+
+/// What the logic tells the host application about its weapons, in order.
+struct SignalRecorder {
+    struct Effect {
+        std::string path;
+        float duration;
+        ig::dvec3 place;
+    };
+    explicit SignalRecorder(Logic_Nerith_Heli_Final& logic) {
+        logic.m_sig_play_spe_once.append({this, &SignalRecorder::onEffect});
+        logic.m_sig_node_removed.append({this, &SignalRecorder::onRemoved});
+        logic.m_sig_prefab_added.append({this, &SignalRecorder::onAdded});
+        logic.m_sig_node_text.append({this, &SignalRecorder::onText});
+    }
+    void onEffect(SynCoder::CMDPlaySpeOnceInfo* info) {
+        effects.push_back({info->path.c_str(), info->duration, info->transform.getTranslate()});
+    }
+    void onRemoved(ig::Node* node) { removed.push_back(node); }
+    void onAdded(ig::ObjectPrefab* prefab, bool flag) {
+        added.push_back(prefab);
+        added_flags.push_back(flag);
+    }
+    void onText(ig::Node*, const ig::jString& text) { texts.push_back(text.c_str()); }
+
+    std::vector<Effect> effects;
+    std::vector<ig::Node*> removed, added;
+    std::vector<bool> added_flags;
+    std::vector<std::string> texts;
+};
+
+/// The project's own scene, the helicopter over the open sea.
+struct SeaScene : LogicScene {
+    static constexpr double SEA_LONGITUDE = -155.0, SEA_LATITUDE = 19.9;
+    SeaScene() { useProjectData(); }
+    /// Starts, with the helicopter at that altitude.
+    bool startAt(double altitude) {
+        if (!start()) return false;
+        place(altitude);
+        return true;
+    }
+    void place(double altitude, const ig::dvec3& hpr = {}) {
+        ig::ObjectPrefab* prefab = logic->m_heli->m_prefab;
+        prefab->setWgsHPR(hpr);
+        prefab->setWgsPosition({SEA_LONGITUDE, SEA_LATITUDE, altitude});
+    }
+    static double altitude(const ig::dvec3& point) {
+        return ig::EllipsoidModel().getAltitude(point);
+    }
+    double sea(const ig::dvec3& point) const {
+        return altitude(logic->m_ocean->getWorldPoint(point));
+    }
+    int bodies() { return world->getPhysics().getBodies().size(); }
+};

@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: MIT
+#include "SignalRecorder.h"
+#include "heli/logic/records.h"
+#include "plugins/ocean/ObjectOcean.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace ig;
+
+/// When a torpedo dropped at that height is down, by the closed forms: 1.5 s of free fall, then
+/// fall against drag ½ρAv² from the speed reached.
+double fallTime(double height) {
+    const double g = 9.80665, free = 1.5, speed = g * free;
+    if (height < speed * free / 2) return std::sqrt(2 * height / g);
+    const double end = std::sqrt(2 * 235 * g / (1.225 * 8)); // terminal speed
+    const double rest = height - speed * free / 2;
+    double low = 0, high = 600;
+    for (int i = 0; i < 60; i++) {
+        const double t = (low + high) / 2, x = g * t / end;
+        const double way = end * end / g * std::log(std::cosh(x) + speed / end * std::sinh(x));
+        (way < rest ? low : high) = t;
+    }
+    return free + low;
+}
+
+TEST(Torpedo, EntersTheWaterWhenBallisticsTellsWithExactlyItsTwoEffects) {
+    for (const double height : {30.0, 150.0})
+        for (const bool stalls : {false, true}) {
+            SeaScene scene;
+            ASSERT_TRUE(scene.startAt(height + 3));
+            SignalRecorder signals(*scene.logic);
+            scene.logic->emit_torpedo();
+            const auto* prefab = scene.logic->m_torpedo_infos[0]->prefab;
+            const Node* torpedo = prefab->getNodeByName("torpedo");
+            EXPECT_NEAR(SeaScene::altitude(torpedo->getWorldPosition()), height, 1e-6);
+            EXPECT_NEAR(prefab->getWgsHPR().x, 0, 1e-9);
+            double time = 0;
+            dvec3 last;
+            for (int i = 0; i < 2000 && signals.effects.empty(); i++) {
+                const float dt = stalls && i % 25 == 10 ? 0.1f : 1 / 60.0f;
+                last = torpedo->getWorldPosition();
+                scene.frame(dt);
+                time += static_cast<double>(dt);
+            }
+            EXPECT_NEAR(time, fallTime(height), 0.05 * fallTime(height));
+            ASSERT_EQ(signals.effects.size(), 2u);
+            EXPECT_EQ(signals.effects[0].path,
+                      "data/art/prefab/vfx/explosion_1/explosion_1.prefab");
+            EXPECT_EQ(signals.effects[0].duration, 20);
+            EXPECT_LT(length(signals.effects[0].place - last), 1e-6);
+            EXPECT_EQ(signals.effects[1].path,
+                      "data/PELMAR_PROJECT/prefabs/vfx/water_explosion/water_explosion.prefab");
+            EXPECT_EQ(signals.effects[1].duration, 3);
+            EXPECT_NEAR(SeaScene::altitude(signals.effects[1].place), scene.sea(last) + 1, 0.05);
+            EXPECT_EQ(signals.removed, (std::vector<Node*>(1, const_cast<ObjectPrefab*>(prefab))));
+            EXPECT_TRUE(scene.logic->m_torpedo_infos.empty());
+            EXPECT_EQ(scene.logic->m_action_manager.size(), 2); // the effects
+            for (int i = 0; i < 60; i++)
+                scene.frame();
+            EXPECT_EQ(signals.effects.size(), 2u);
+        }
+}
+
+TEST(Torpedo, OverLandItLiesOnTheGroundUntilItsTimeIsOver) {
+    SeaScene scene;
+    ASSERT_TRUE(scene.start()); // at the airfield
+    Node* start = scene.world->getNodeByName("start_heli");
+    dmat4 pose = start->getWorldTransform();
+    pose.setTranslate(pose.getTranslate() + pose.getZ() * 60.0);
+    scene.logic->m_heli->set_transform(pose);
+    SignalRecorder signals(*scene.logic);
+    scene.logic->emit_torpedo();
+    const Node* torpedo = scene.logic->m_torpedo_infos[0]->torpedo;
+    for (int i = 0; i < 60 * 39; i++)
+        scene.frame();
+    ASSERT_EQ(scene.logic->m_torpedo_infos.size(), 1);
+    // On the pad, top at 12.45 m, its middle 1.4 m above its nose.
+    EXPECT_NEAR(SeaScene::altitude(torpedo->getWorldPosition()), 12.45 + 1.4, 0.05);
+    for (int i = 0; i < 62; i++)
+        scene.frame();
+    EXPECT_TRUE(scene.logic->m_torpedo_infos.empty());
+    EXPECT_EQ(signals.removed.size(), 1u);
+    EXPECT_TRUE(signals.effects.empty());
+    EXPECT_EQ(scene.logic->m_action_manager.size(), 0);
+}
+
+TEST(Torpedo, EachIsTrackedAloneAndTheLastTakesTheFreedPlace) {
+    SeaScene scene;
+    ASSERT_TRUE(scene.startAt(100));
+    SignalRecorder signals(*scene.logic);
+    for (int i = 0; i < 3; i++)
+        scene.logic->emit_torpedo();
+    EXPECT_EQ(signals.added_flags, (std::vector<bool>{false, false, false}));
+    auto& infos = scene.logic->m_torpedo_infos;
+    TorpedoInfo* second = infos[1];
+    TorpedoInfo* third = infos[2];
+    infos[0]->torpedo->setWorldPosition(
+        scene.logic->m_ocean->getWorldPoint(infos[0]->torpedo->getWorldPosition()));
+    second->prefab->setEnabled(false); // its time stands still
+    scene.frame();
+    ASSERT_EQ(infos.size(), 2); // level with the sea counts as in it
+    EXPECT_EQ(infos[0], third);
+    EXPECT_EQ(infos[1], second);
+    EXPECT_EQ(second->time_left, 40);
+    EXPECT_LT(third->time_left, 40);
+    EXPECT_EQ(signals.effects.size(), 2u);
+}
+
+TEST(Torpedo, ActionThatEndedIsNotTakenForTheNextOne) {
+    SeaScene scene;
+    ASSERT_TRUE(scene.startAt(1000));
+    scene.logic->emit_torpedo();
+    TorpedoInfo* first = scene.logic->m_torpedo_infos[0];
+    ASSERT_NE(first->action, nullptr);
+    scene.logic->m_action_manager.removeAllActions();
+    EXPECT_EQ(first->action, nullptr);
+    scene.logic->emit_torpedo(); // its action may get the same address
+    first->time_left = 0;
+    scene.frame();
+    EXPECT_EQ(scene.logic->m_torpedo_infos.size(), 1);
+    EXPECT_EQ(scene.logic->m_action_manager.size(), 1);
+}
+
+TEST(Torpedo, WithoutFilePartsOrSeaItIsKeptAsFarAsItCan) {
+    LogicScene scene; // its data folder has no torpedo
+    scene.addToWorld("name: ocean, type: ocean");
+    ASSERT_TRUE(scene.start());
+    scene.logic->emit_torpedo();
+    ASSERT_EQ(scene.logic->m_torpedo_infos.size(), 1);
+    EXPECT_EQ(scene.logic->m_torpedo_infos[0]->torpedo, nullptr);
+    scene.logic->m_torpedo_infos[0]->time_left = 0.5f;
+    for (int i = 0; i < 40; i++)
+        scene.frame();
+    EXPECT_TRUE(scene.logic->m_torpedo_infos.empty());
+
+    ObjectOcean* ocean = scene.logic->m_ocean;
+    scene.logic->m_ocean = nullptr;
+    scene.logic->emit_torpedo();
+    scene.frame();
+    EXPECT_EQ(scene.logic->m_torpedo_infos[0]->time_left, 40); // never looked at
+    scene.logic->m_ocean = ocean;
+    HelicopterCorax* heli = scene.logic->m_heli;
+    scene.logic->m_heli = nullptr;
+    scene.logic->emit_torpedo();
+    EXPECT_EQ(scene.logic->m_torpedo_infos.size(), 1);
+    scene.logic->m_heli = heli;
+}
+
+} // namespace

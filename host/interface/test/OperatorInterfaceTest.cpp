@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: MIT
+#include "host/interface/OperatorInterface.h"
+#include "common/logic/LogicBase.h"
+#include "ig/app/ControlApp.h"
+#include "ig/ui/KeyCode.h"
+#include "ig/ui/UIButton.h"
+#include "ig/ui/UIEditLine.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace ig;
+
+/// Writes down the events that reach it.
+struct Recorder final : LogicBase {
+    Recorder() : LogicBase(nullptr, nullptr) {}
+    void onMouseDown(const GUIEventMouse& e, IApp*) override { add("down", e.button); }
+    void onMouseUp(const GUIEventMouse& e, IApp*) override { add("up", e.button); }
+    void onMouseMove(const GUIEventMouse& e, IApp*) override { add("move", e.x); }
+    void onMouseWheel(const GUIEventWheel& e, IApp*) override {
+        add("wheel", e.delta);
+        add("flag", e.flag);
+    }
+    void onKeyPress(const GUIEventKey& e, IApp*) override { add("press", e.key); }
+    void onKeyRelease(const GUIEventKey& e, IApp*) override { add("release", e.key); }
+    template <class T>
+    void add(const char* name, T value) {
+        events += std::string(name) + std::to_string(static_cast<int>(value)) + ' ';
+    }
+    std::string take() { return std::exchange(events, {}); }
+    std::string events;
+};
+
+struct OperatorInterfaceTest : testing::Test {
+    OperatorInterfaceTest() {
+        channel.resize(1280, 720);
+        channel.getRoot()->addChild(button);
+        field->setAlignFree(true);
+        field->setPosition(0, 100);
+        channel.getRoot()->addChild(field);
+        channel.open(&logic);
+        channel.update(0);
+    }
+    void stroke(int key) {
+        channel.keyDown(key, false);
+        channel.keyUp(key);
+        logic.take();
+    }
+    /// Whether a text that holds `part` is drawn.
+    bool shows(const char* part) {
+        channel.update(0);
+        const UiDrawList& list = *channel.draw();
+        bool found = false;
+        for (const UiDrawList::Command& command : list.commands())
+            if (list.text(command).find(part) != std::string_view::npos) found = true;
+        return found;
+    }
+    void frames(int count, int records) {
+        for (int i = 0; i < count; i++)
+            channel.getOverlays().addFrame(1 / 64.0f, {0.001, 0.002, 0.0001, 0.008}, records);
+    }
+
+    Recorder logic;
+    ControlApp control;
+    OperatorInterface channel{nullptr, &control};
+    UIButton* button = new UIButton(channel.getRoot(), "b"); // at the top left
+    UIEditLine* field = new UIEditLine(channel.getRoot(), "");
+};
+
+TEST_F(OperatorInterfaceTest, TheLogicHearsWhatIsTheScenes) {
+    channel.mouseMove(600, 400);
+    channel.mouseDown(1, 600, 400);
+    channel.mouseUp(1, 600, 400);
+    channel.wheel(1);
+    channel.wheel(-2);
+    channel.wheel(0);
+    channel.keyDown('g', false);
+    channel.keyDown('g', true);
+    channel.keyUp('g');
+    EXPECT_EQ(logic.take(),
+              "move600 down1 up1 wheel120 flag1 wheel-240 flag0 press103 release103 ");
+    channel.mouseDown(0, 5, 5);
+    channel.mouseUp(0, 5, 5);
+    channel.mouseDown(0, 5, 105);
+    channel.mouseUp(0, 5, 105);
+    channel.keyDown('g', false);
+    channel.text("g");
+    channel.keyUp('g');
+    channel.wheel(1);
+    EXPECT_EQ(logic.take(), "");
+    EXPECT_EQ(field->getText(), "g");
+}
+
+TEST_F(OperatorInterfaceTest, HelpComesAndGoesAndIsNoCommandWhileTyping) {
+    EXPECT_FALSE(shows("dipping sonar"));
+    stroke(KEY_F12);
+    EXPECT_TRUE(shows("dipping sonar"));
+    stroke('h');
+    EXPECT_FALSE(shows("dipping sonar"));
+    channel.mouseDown(0, 5, 105);
+    channel.mouseUp(0, 5, 105);
+    channel.keyDown('h', false);
+    channel.text("h");
+    channel.keyUp('h');
+    EXPECT_FALSE(shows("dipping sonar"));
+    stroke(KEY_F12); // no text
+    EXPECT_TRUE(shows("dipping sonar"));
+    channel.mouseDown(0, 640, 360); // it takes the mouse where it lies
+    EXPECT_EQ(logic.take(), "");
+}
+
+TEST_F(OperatorInterfaceTest, HelpFitsEveryUsualWindow) {
+    channel.getOverlays().showHelp(true);
+    for (const auto& [width, height, density] :
+         {std::tuple(1280, 720, 1.0f), {3840, 2160, 2.0f}, {1920, 1080, 1.0f}, {800, 600, 1.0f}}) {
+        channel.resize(width, height, density);
+        channel.update(0);
+        for (const UiDrawList::Command& command : channel.draw()->commands()) {
+            EXPECT_GE(command.x, 0);
+            EXPECT_GE(command.y, 0);
+            EXPECT_LE(command.x + command.w, width);
+            EXPECT_LE(command.y + command.h, height);
+            if (command.kind == UiDrawList::Kind::text) {
+                EXPECT_GE(command.h, 9); // readable
+            }
+        }
+    }
+}
+
+TEST_F(OperatorInterfaceTest, StatisticsStepThroughTheirFormsAndCountOverHalfASecond) {
+    EXPECT_FALSE(shows("frames/s"));
+    stroke(KEY_F11);
+    frames(32, 1);
+    EXPECT_TRUE(shows("64.0 frames/s"));
+    EXPECT_FALSE(shows("records"));
+    stroke(KEY_F11);
+    frames(16, 0);
+    frames(8, 1);
+    frames(4, 2);
+    frames(4, 7);
+    EXPECT_TRUE(shows("update 1.00, physics 2.00, interface 0.10, draw 8.00 ms"));
+    EXPECT_TRUE(shows("none 50 %, one 25 %, two 12 %, more 12 %"));
+    EXPECT_TRUE(shows("records 88.0/s, the last none yet")); // 44 in half a second
+    stroke(KEY_F11);
+    EXPECT_FALSE(shows("frames/s"));
+}
+
+} // namespace

@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ig/math/mat.h"
+
+#include <cstdint>
+#include <map>
+#include <vector>
+
+namespace ig {
+
+class Node;
+class ObjectParticles;
+class World;
+
+/// One particle. Places and velocities are relative to its cloud's origin, in world axes.
+struct Particle {
+    vec3 position, velocity;  ///< m, m/s
+    float age = 0, life = 1;  ///< s
+    float turn = 0, spin = 0; ///< rad, rad/s, about the line of sight
+};
+
+/// The particles of one emitter: floats about an origin of their own, which is a world position
+/// near the emitter, so that they are exact to a millimetre anywhere on earth. They stay where they
+/// are when the emitter moves on.
+struct ParticleCloud {
+    const ObjectParticles* emitter = nullptr;
+    /// Whether they are painted onto what lies below, as those below a decal node are.
+    bool flat = false;
+    dvec3 origin; ///< world
+    vec3 up;      ///< local vertical at the origin
+    std::vector<Particle> particles;
+};
+
+/// Moves the particles of all emitters that can be seen. The host application owns one, advances it
+/// once per frame after the physics, and hands it to the renderer.
+///
+/// An emitter spawns at its rate from its place, or evenly in its box, along its Z axis at its
+/// velocity; the spread is added in every direction. Drag brakes, gravity pulls (both 0 unless the
+/// emitter's material says otherwise, see docs/worlds.md). Particles in the column of one of the
+/// emitter's deflectors are removed. The particles of an emitter that is hidden are gone.
+class ParticleSystem {
+public:
+    /// `dt` in seconds; more than 0.5 counts as 0.5.
+    void advance(const World& world, float dt);
+    void clear() { m_clouds.clear(); }
+
+    /// Clouds with particles, by emitter.
+    template <class Visitor>
+    void forEach(Visitor&& visitor) const {
+        for (const auto& [id, entry] : m_clouds)
+            if (!entry.cloud.particles.empty()) visitor(entry.cloud);
+    }
+    int getNumParticles() const;
+
+private:
+    struct Entry {
+        ParticleCloud cloud;
+        double owed = 0;    ///< fraction of a particle still to be spawned
+        unsigned round = 0; ///< of the last advance that met the emitter
+    };
+    struct Motion { ///< what the material says
+        float gravity, drag, spin;
+    };
+    void visit(const Node& node, float dt, bool below_decal);
+    void advanceEmitter(const ObjectParticles& emitter, float dt, bool flat);
+    void spawn(const ObjectParticles& emitter, Entry& entry, const Motion& motion, float dt);
+    static void move(ParticleCloud& cloud, const Motion& motion, float dt);
+    static void deflect(const ObjectParticles& emitter, ParticleCloud& cloud);
+    static void keepNear(const dvec3& position, ParticleCloud& cloud);
+    float random(); ///< −1 to 1
+
+    std::map<int, Entry> m_clouds; ///< by the emitter's id
+    unsigned m_round = 0;
+    std::uint32_t m_random = 1;
+};
+
+} // namespace ig

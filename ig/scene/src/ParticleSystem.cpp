@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: MIT
+#include "ig/scene/ParticleSystem.h"
+
+#include "ig/math/EllipsoidModel.h"
+#include "ig/scene/SceneObjects.h"
+#include "ig/scene/World.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace ig {
+
+namespace {
+
+constexpr float LONGEST_STEP = 0.5f;  ///< s
+constexpr double FARTHEST = 1000;     ///< m from the origin before it is moved along
+constexpr std::size_t MOST = 12000;   ///< particles of one emitter
+constexpr float GRAVITY = 9.81f;      ///< m/s²
+constexpr double COLUMN_RADIUS = 2.5; ///< m: half a deflector's width when it has no scale
+
+float slider(const Material* material, const char* tag) {
+    const int id = material ? material->findParameterIDByTag(tag) : -1;
+    return id < 0 ? 0 : material->getParameterSlider(id);
+}
+
+} // namespace
+
+void ParticleSystem::advance(const World& world, float dt) {
+    if (!(dt > 0)) return;
+    m_round++;
+    for (const Node* node : world.getNodes())
+        visit(*node, std::min(dt, LONGEST_STEP), false);
+    // Emitters that are gone or hidden.
+    std::erase_if(m_clouds, [this](const auto& item) { return item.second.round != m_round; });
+}
+
+void ParticleSystem::visit(const Node& node, float dt, bool below_decal) {
+    if (!node.isEnabled()) return;
+    if (node.getType() == OBJECT_PARTICLES)
+        advanceEmitter(static_cast<const ObjectParticles&>(node), dt, below_decal);
+    below_decal |= node.getType() == DECAL_ORTHO;
+    for (int i = 0; i < node.getNumChildren(); i++)
+        visit(*node.getChild(i), dt, below_decal);
+}
+
+void ParticleSystem::advanceEmitter(const ObjectParticles& emitter, float dt, bool flat) {
+    Entry& entry = m_clouds[emitter.getID()];
+    const dvec3 position = emitter.getWorldPosition();
+    if (!entry.cloud.emitter) {
+        entry.cloud.emitter = &emitter;
+        entry.cloud.origin = position;
+    }
+    entry.cloud.flat = flat;
+    entry.round = m_round;
+    const Material* material = emitter.getSurfaceMaterial(0);
+    const Motion motion{slider(material, "gravity"), slider(material, "drag"),
+                        slider(material, "spin")};
+    keepNear(position, entry.cloud);
+    move(entry.cloud, motion, dt);
+    spawn(emitter, entry, motion, dt);
+    deflect(emitter, entry.cloud);
+}
+
+/// Moves the origin to the emitter when that has gone far.
+void ParticleSystem::keepNear(const dvec3& position, ParticleCloud& cloud) {
+    const dvec3 moved = position - cloud.origin;
+    if (length(moved) > FARTHEST) {
+        for (Particle& particle : cloud.particles)
+            particle.position = vec3(dvec3(particle.position) - moved);
+        cloud.origin = position;
+    }
+    cloud.up = vec3(EllipsoidModel().getUp(cloud.origin));
+}
+
+void ParticleSystem::move(ParticleCloud& cloud, const Motion& motion, float dt) {
+    const float brake = 1 / (1 + motion.drag * dt);
+    const vec3 fall = cloud.up * (-GRAVITY * motion.gravity * dt);
+    for (Particle& p : cloud.particles) {
+        p.velocity = (p.velocity + fall) * brake;
+        p.position += p.velocity * dt;
+        p.turn += p.spin * dt;
+        p.age += dt;
+    }
+    std::erase_if(cloud.particles, [](const Particle& p) { return p.age >= p.life; });
+}
+
+void ParticleSystem::spawn(const ObjectParticles& emitter, Entry& entry, const Motion& motion,
+                           float dt) {
+    if (!(emitter.getPresentRate() > 0)) return;
+    entry.owed += static_cast<double>(emitter.getPresentRate()) * static_cast<double>(dt);
+    const dmat4& pose = emitter.getWorldTransform();
+    const vec3 axes[3] = {vec3(pose.getX()), vec3(pose.getY()), vec3(pose.getZ())};
+    const vec3 start(pose.getTranslate() - entry.cloud.origin);
+    const vec3 box = emitter.getSpread();
+    for (; entry.owed >= 1; entry.owed -= 1) {
+        if (entry.cloud.particles.size() >= MOST) continue;
+        Particle p;
+        p.life = emitter.getLife() + emitter.getLifeSpread() * random();
+        if (!(p.life > 0)) continue;
+        // Born anywhere in the step, so that a fast emitter leaves a trail and no bursts.
+        p.age = dt * 0.5f * (1 + random());
+        p.velocity = axes[2] * emitter.getLinearVelocity() +
+                     vec3(random(), random(), random()) * emitter.getLinearVelocitySpread();
+        p.position = start + axes[0] * (box.x * random()) + axes[1] * (box.y * random()) +
+                     axes[2] * (box.z * random()) + p.velocity * p.age;
+        p.turn = 3.1416f * random();
+        p.spin = motion.spin * random();
+        entry.cloud.particles.push_back(p);
+    }
+}
+
+/// A deflector keeps its whole vertical column free.
+void ParticleSystem::deflect(const ObjectParticles& emitter, ParticleCloud& cloud) {
+    for (int i = 0; i < emitter.getNumDeflectors(); i++) {
+        const dmat4& deflector = emitter.getDeflectorTransform(i);
+        const vec3 middle(deflector.getTranslate() - cloud.origin);
+        const auto radius = static_cast<float>(COLUMN_RADIUS * length(deflector.getX()));
+        std::erase_if(cloud.particles, [&](const Particle& p) {
+            const vec3 d = p.position - middle;
+            return length2(d - cloud.up * dot(d, cloud.up)) < radius * radius;
+        });
+    }
+}
+
+float ParticleSystem::random() {
+    m_random = m_random * 1664525u + 1013904223u;
+    return static_cast<float>(m_random >> 8) / 8388608.0f - 1;
+}
+
+int ParticleSystem::getNumParticles() const {
+    std::size_t sum = 0;
+    for (const auto& [id, entry] : m_clouds)
+        sum += entry.cloud.particles.size();
+    return static_cast<int>(sum);
+}
+
+} // namespace ig

@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: MIT
+#include "GlyphAtlas.h"
+
+#include "ig/base/jLog.h"
+
+#include <algorithm>
+#include <cstring>
+#include <ft2build.h>
+#include FT_FREETYPE_H
+
+using namespace ig;
+
+namespace {
+/// In order of preference; the first has Latin and Chinese characters.
+constexpr const char* FONTS[] = {"/usr/share/fonts/truetype/wqy/wqy-microhei.ttc",
+                                 "/usr/share/fonts/truetype/wqy/wqy-zenhei.ttc",
+                                 "/usr/share/fonts/opentype/noto/NotoSansCJK-Regular.ttc",
+                                 "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"};
+constexpr int SOLID = 4; ///< texels of the covered square in the corner
+} // namespace
+
+bool GlyphAtlas::init() {
+    gl::makeTexture(m_texture, SIZE, SIZE, {GL_R8, GL_RED, GL_UNSIGNED_BYTE});
+    clear();
+    if (FT_Init_FreeType(&m_library) == 0)
+        for (const char* path : FONTS)
+            if (FT_New_Face(m_library, path, 0, &m_face) == 0) return true;
+    jLog::error("GlyphAtlas::init: no font, so no text (Debian: fonts-wqy-microhei)");
+    m_face = nullptr;
+    return false;
+}
+
+void GlyphAtlas::release() {
+    if (m_face) FT_Done_Face(m_face);
+    if (m_library) FT_Done_FreeType(m_library);
+    m_face = nullptr;
+    m_library = nullptr;
+    m_texture.destroy();
+    m_glyphs.clear();
+}
+
+void GlyphAtlas::clear() {
+    m_glyphs.clear();
+    m_pixels.assign(static_cast<std::size_t>(SIZE) * SIZE, 0);
+    for (int y = 0; y < SOLID; y++)
+        std::fill_n(m_pixels.begin() + y * SIZE, SOLID, std::uint8_t{255});
+    m_x = SOLID + 1;
+    m_y = 0;
+    m_row_height = SOLID;
+    m_dirty_from = 0;
+    m_dirty_to = SIZE;
+}
+
+vec2 GlyphAtlas::getSolid() const { return {SOLID / 2.0f / SIZE, SOLID / 2.0f / SIZE}; }
+
+bool GlyphAtlas::findRoom(int width, int height, int& x, int& y) {
+    if (m_x + width > SIZE) {
+        m_x = 0;
+        m_y += m_row_height + 1;
+        m_row_height = 0;
+    }
+    if (width > SIZE || m_y + height > SIZE) return false;
+    x = m_x;
+    y = m_y;
+    m_x += width + 1;
+    m_row_height = std::max(m_row_height, height);
+    return true;
+}
+
+const Glyph* GlyphAtlas::find(std::uint32_t character, int size) {
+    if (!m_face || size < 1) return nullptr;
+    const std::uint64_t key = static_cast<std::uint64_t>(size) << 32 | character;
+    const auto known = m_glyphs.find(key);
+    if (known != m_glyphs.end()) return &known->second;
+    FT_Set_Pixel_Sizes(m_face, 0, static_cast<FT_UInt>(size));
+    if (FT_Load_Char(m_face, character, FT_LOAD_RENDER | FT_LOAD_TARGET_LIGHT) != 0) return nullptr;
+    const FT_GlyphSlot slot = m_face->glyph;
+    const FT_Bitmap& bitmap = slot->bitmap;
+    const int width = static_cast<int>(bitmap.width), height = static_cast<int>(bitmap.rows);
+    int x = 0, y = 0;
+    if (!findRoom(width, height, x, y)) {
+        clear();
+        if (!findRoom(width, height, x, y)) return nullptr;
+    }
+    for (int row = 0; row < height; row++)
+        std::memcpy(&m_pixels[static_cast<std::size_t>((y + row) * SIZE + x)],
+                    bitmap.buffer + row * bitmap.pitch, static_cast<std::size_t>(width));
+    m_dirty_from = std::min(m_dirty_from, y);
+    m_dirty_to = std::max(m_dirty_to, y + height);
+    const auto texel = [](int v) { return static_cast<float>(v) / SIZE; };
+    const Glyph glyph{{texel(x), texel(y)},
+                      {texel(x + width), texel(y + height)},
+                      width,
+                      height,
+                      slot->bitmap_left,
+                      slot->bitmap_top,
+                      static_cast<float>(slot->advance.x) / 64};
+    return &(m_glyphs[key] = glyph);
+}
+
+float GlyphAtlas::getAscent(int size) const {
+    if (!m_face || m_face->units_per_EM == 0) return static_cast<float>(size);
+    return static_cast<float>(size) * static_cast<float>(m_face->ascender) /
+           static_cast<float>(m_face->ascender - m_face->descender);
+}
+
+void GlyphAtlas::bind(int unit) {
+    gl::bindTexture(unit, m_texture);
+    if (m_dirty_from >= m_dirty_to) return;
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, m_dirty_from, SIZE, m_dirty_to - m_dirty_from, GL_RED,
+                    GL_UNSIGNED_BYTE, &m_pixels[static_cast<std::size_t>(m_dirty_from) * SIZE]);
+    m_dirty_from = SIZE;
+    m_dirty_to = 0;
+}
+
+std::uint32_t takeCharacter(std::string_view& text) {
+    constexpr std::uint32_t BAD = 0xfffd;
+    const auto byte = [&text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    const unsigned char first = byte(0);
+    const std::size_t length = first < 0x80 ? 1 : first < 0xe0 ? 2 : first < 0xf0 ? 3 : 4;
+    if (first < 0x80) {
+        text.remove_prefix(1);
+        return first;
+    }
+    std::uint32_t character = first & (0x7fu >> length);
+    bool good = first >= 0xc2 && first < 0xf5 && text.size() >= length;
+    for (std::size_t i = 1; good && i < length; i++) {
+        good = (byte(i) & 0xc0) == 0x80;
+        character = character << 6 | (byte(i) & 0x3fu);
+    }
+    text.remove_prefix(good ? length : 1);
+    return good ? character : BAD;
+}

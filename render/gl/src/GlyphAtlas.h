@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "GlObjects.h"
+
+#include <cstdint>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+struct FT_LibraryRec_;
+struct FT_FaceRec_;
+
+/// Coverage of one character at one size.
+struct Glyph {
+    ig::vec2 low, high;        ///< corners in the atlas, 0 to 1
+    int width = 0, height = 0; ///< pixels
+    int left = 0, top = 0;     ///< of the bitmap from the pen, to the right and upwards
+    float advance = 0;         ///< of the pen
+};
+
+/// The characters that were asked for so far, rendered when first needed, in one texture. When it
+/// is full it starts over.
+class GlyphAtlas {
+public:
+    /// False, logged once, without a font: text is then left out.
+    bool init();
+    void release();
+
+    /// The character in an em of `size` pixels; null without a font or such a character's room.
+    const Glyph* find(std::uint32_t character, int size);
+    /// From the top of the em box to the line that letters stand on, pixels.
+    float getAscent(int size) const;
+    /// A place in the atlas that is fully covered, for plain rectangles.
+    ig::vec2 getSolid() const;
+    /// Brings new characters to the device and binds the texture.
+    void bind(int unit);
+
+private:
+    static constexpr int SIZE = 1024; ///< texels
+    bool findRoom(int width, int height, int& x, int& y);
+    void clear();
+
+    FT_LibraryRec_* m_library = nullptr;
+    FT_FaceRec_* m_face = nullptr;
+    gl::Texture m_texture;
+    std::vector<std::uint8_t> m_pixels;
+    std::unordered_map<std::uint64_t, Glyph> m_glyphs;
+    int m_x = 0, m_y = 0, m_row_height = 0;  ///< where the next one goes
+    int m_dirty_from = SIZE, m_dirty_to = 0; ///< rows that the device lacks
+};
+
+/// Takes the first character off UTF-8 text, which must not be empty. What is malformed reads as
+/// U+FFFD, a byte at a time.
+std::uint32_t takeCharacter(std::string_view& text);

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+#include "ImageFile.h"
+
+#include "ig/base/jLog.h"
+
+#include <cstring>
+#include <fstream>
+
+using ig::jLog;
+
+namespace {
+
+constexpr std::size_t HEADER = 128;          ///< bytes before the pixels
+constexpr std::uint32_t MAX_SIZE = 16384;    ///< pixels along an edge
+constexpr std::uint32_t RGB_WITH_ALPHA = 65; ///< flags of the pixel format: 0x41
+
+std::uint32_t wordAt(const char* bytes, std::size_t offset) {
+    unsigned char b[4];
+    std::memcpy(b, bytes + offset, 4);
+    return static_cast<std::uint32_t>(b[0]) | static_cast<std::uint32_t>(b[1]) << 8 |
+           static_cast<std::uint32_t>(b[2]) << 16 | static_cast<std::uint32_t>(b[3]) << 24;
+}
+
+bool isPlainBgra(const char* header) {
+    return wordAt(header, 4) == 124 && wordAt(header, 80) == RGB_WITH_ALPHA &&
+           wordAt(header, 88) == 32 && wordAt(header, 92) == 0xFF0000 &&
+           wordAt(header, 100) == 0xFF && wordAt(header, 104) == 0xFF000000;
+}
+
+bool readDds(std::istream& file, Image& image) {
+    char header[HEADER];
+    if (!file.read(header, HEADER) || !isPlainBgra(header)) return false;
+    const std::uint32_t height = wordAt(header, 12), width = wordAt(header, 16);
+    if (width - 1 >= MAX_SIZE || height - 1 >= MAX_SIZE) return false; // 0 wraps around
+    const std::size_t size = std::size_t{4} * width * height;
+    image.rgba.resize(size);
+    if (!file.read(reinterpret_cast<char*>(image.rgba.data()), static_cast<std::streamsize>(size)))
+        return false;
+    image.width = static_cast<int>(width);
+    image.height = static_cast<int>(height);
+    for (std::size_t i = 0; i < size; i += 4)
+        std::swap(image.rgba[i], image.rgba[i + 2]);
+    return true;
+}
+
+} // namespace
+
+bool readImage(const std::string& path, Image& image) {
+    std::ifstream file(path, std::ios::binary);
+    char magic[4] = {};
+    if (!file.read(magic, 4) || std::memcmp(magic, "DDS ", 4) != 0) return readPng(path, image);
+    file.seekg(0);
+    if (readDds(file, image)) return true;
+    jLog::error("readImage: \"%s\": not a DDS file of 32-bit pixels", path.c_str());
+    return false;
+}

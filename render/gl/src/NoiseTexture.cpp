@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+#include "NoiseTexture.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <numeric>
+
+namespace {
+
+constexpr int SIZE = 256; ///< texels
+
+float hash(int x, int y) {
+    auto h =
+        static_cast<std::uint32_t>(x) * 374761393u + static_cast<std::uint32_t>(y) * 668265263u;
+    h = (h ^ (h >> 13)) * 1274126177u;
+    return static_cast<float>((h ^ (h >> 16)) & 0xffffffu) / 16777216.0f;
+}
+
+int wrap(int i, int cells) { return ((i % cells) + cells) % cells; }
+
+/// Value noise of `cells` per period at (x, y) in cells.
+float valueNoise(float x, float y, int cells) {
+    const int i = static_cast<int>(std::floor(x)), j = static_cast<int>(std::floor(y));
+    float u = x - static_cast<float>(i), v = y - static_cast<float>(j);
+    u = u * u * (3 - 2 * u);
+    v = v * v * (3 - 2 * v);
+    const auto at = [cells](int a, int b) {
+        return hash(wrap(a, cells) + 7 * cells, wrap(b, cells));
+    };
+    return std::lerp(std::lerp(at(i, j), at(i + 1, j), u),
+                     std::lerp(at(i, j + 1), at(i + 1, j + 1), u), v);
+}
+
+/// Walls between the cells of scattered points: 1 on a wall, 0 well inside.
+float cellWalls(float x, float y, int cells) {
+    const int i = static_cast<int>(std::floor(x)), j = static_cast<int>(std::floor(y));
+    float nearest = 9, second = 9;
+    for (int b = j - 1; b <= j + 1; b++)
+        for (int a = i - 1; a <= i + 1; a++) {
+            const int wa = wrap(a, cells), wb = wrap(b, cells);
+            const float dx = static_cast<float>(a) + hash(wa + cells, wb) - x;
+            const float dy = static_cast<float>(b) + hash(wa + 91, wb + 37 + cells) - y;
+            const float d = std::sqrt(dx * dx + dy * dy);
+            second = std::min(second, std::max(nearest, d));
+            nearest = std::min(nearest, d);
+        }
+    return 1 - std::clamp((second - nearest) * 1.6f, 0.0f, 1.0f);
+}
+
+/// Replaces each value by its rank, so that all values are equally frequent.
+void spreadEvenly(std::vector<float>& values) {
+    std::vector<int> order(values.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::sort(order.begin(), order.end(), [&values](int a, int b) {
+        return values[static_cast<std::size_t>(a)] < values[static_cast<std::size_t>(b)];
+    });
+    for (std::size_t i = 0; i < order.size(); i++)
+        values[static_cast<std::size_t>(order[i])] =
+            static_cast<float>(i) / static_cast<float>(order.size() - 1);
+}
+
+} // namespace
+
+void makeNoiseTexture(gl::Texture& texture) {
+    std::vector<float> lace, clouds;
+    for (int y = 0; y < SIZE; y++)
+        for (int x = 0; x < SIZE; x++) {
+            const float u = static_cast<float>(x) / SIZE, v = static_cast<float>(y) / SIZE;
+            float cloud = 0, amplitude = 0.5f;
+            for (int cells = 5; cells <= 80; cells *= 2) {
+                const auto n = static_cast<float>(cells);
+                cloud += amplitude * valueNoise(u * n, v * n, cells);
+                amplitude *= 0.55f;
+            }
+            // Cells pushed about a little, else their walls run too straight.
+            const float wu = u + 0.02f * (valueNoise(u * 9, v * 9, 9) - 0.5f);
+            const float wv = v + 0.02f * (valueNoise(v * 9 + 0.5f, u * 9, 9) - 0.5f);
+            lace.push_back(0.45f * cellWalls(wu * 17, wv * 17, 17) +
+                           0.3f * cellWalls(wu * 37, wv * 37, 37) +
+                           0.15f * cellWalls(wu * 71, wv * 71, 71) + 0.9f * cloud);
+            clouds.push_back(cloud);
+        }
+    spreadEvenly(lace);
+    spreadEvenly(clouds);
+    std::vector<std::uint8_t> bytes;
+    for (std::size_t i = 0; i < lace.size(); i++) {
+        bytes.push_back(static_cast<std::uint8_t>(lace[i] * 255));
+        bytes.push_back(static_cast<std::uint8_t>(clouds[i] * 255));
+    }
+    gl::TextureFormat format{GL_RG8, GL_RG, GL_UNSIGNED_BYTE, GL_REPEAT};
+    format.filter = GL_LINEAR_MIPMAP_LINEAR;
+    gl::makeTexture(texture, SIZE, SIZE, format, bytes.data());
+    glGenerateMipmap(GL_TEXTURE_2D);
+}

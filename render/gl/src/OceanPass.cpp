@@ -1,0 +1,347 @@
+// SPDX-License-Identifier: MIT
+#include "OceanPass.h"
+
+#include "ig/math/EllipsoidModel.h"
+#include "ig/math/quat.h"
+#include "plugins/ocean/OceanFrame.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+
+using namespace ig;
+
+namespace {
+
+constexpr int N = OceanFrame::RESOLUTION;
+constexpr int BLOCK = 31; ///< cells of the grid along an edge whose vertices stay in the cache
+constexpr double EARTH_RADIUS = 6371000; ///< m; mean
+constexpr double NOISE_PERIOD =
+    14400; ///< m; a multiple of all scales that the shaders ask noise at
+/// Above these altitudes (m) waves move from geometry into the surface's roughness.
+constexpr double FLATTEN_FROM = 500, FLATTEN_TO = 950;
+
+/// Weights of the tiles in the measure of breaking, as in the shader.
+constexpr float BREAKING_WEIGHTS[] = {1.6f, 1.1f, 0.45f};
+
+/// Averages squares of four texels with `channels` values each; in place when `to` is `from`.
+void halve(const float* from, float* to, int edge, int channels) {
+    const int half = edge / 2;
+    for (int y = 0; y < half; y++)
+        for (int x = 0; x < half; x++)
+            for (int k = 0; k < channels; k++) {
+                const float* p = from + ((2 * y) * edge + 2 * x) * channels + k;
+                to[(y * half + x) * channels + k] =
+                    0.25f * (p[0] + p[channels] + p[edge * channels] + p[(edge + 1) * channels]);
+            }
+}
+
+double fraction(double x) { return x - std::floor(x); }
+float wrapped(double x) {
+    return static_cast<float>(x - std::floor(x / NOISE_PERIOD) * NOISE_PERIOD);
+}
+
+} // namespace
+
+bool OceanPass::init(int columns, int rows) {
+    m_columns = columns;
+    m_rows = rows;
+    if (!m_program.build("ocean.vert", "shadow.glsl ocean.frag")) return false;
+    makeGrid();
+    const auto setUp = [](gl::Texture& texture, GLint internal, GLenum type, GLint filter) {
+        gl::makeTexture(texture, N, N, {internal, GL_RGBA, type, GL_REPEAT, filter});
+        int level = 1;
+        for (int edge = N / 2; edge >= 1; edge /= 2, level++)
+            glTexImage2D(GL_TEXTURE_2D, level, internal, edge, edge, 0, GL_RGBA, type, nullptr);
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, level - 1);
+    };
+    for (gl::Texture& texture : m_displacement)
+        setUp(texture, GL_RGBA32F, GL_FLOAT, GL_LINEAR_MIPMAP_LINEAR);
+    for (gl::Texture& texture : m_slope)
+        setUp(texture, GL_RGBA8, GL_UNSIGNED_BYTE, GL_LINEAR_MIPMAP_LINEAR);
+    m_uploaded = false;
+    m_foam_cover = -1;
+    m_program.use();
+    const char* names[] = {"uDisplacement0", "uDisplacement1", "uDisplacement2", "uSlope0",
+                           "uSlope1",        "uSlope2",        "uSlope3",        "uEffects"};
+    for (int i = 0; i < 8; i++)
+        m_program.set(names[i], gl::UNIT_FIRST_OWN + i);
+    return true;
+}
+
+void OceanPass::release() {
+    m_program.destroy();
+    m_vertex_array.destroy();
+    m_vertices.destroy();
+    m_indices.destroy();
+    for (gl::Texture& texture : m_displacement)
+        texture.destroy();
+    for (gl::Texture& texture : m_slope)
+        texture.destroy();
+}
+
+void OceanPass::makeGrid() {
+    std::vector<vec2> cells;
+    for (int j = 0; j < m_rows; j++)
+        for (int i = 0; i < m_columns; i++)
+            cells.push_back({static_cast<float>(i) / static_cast<float>(m_columns - 1),
+                             static_cast<float>(j) / static_cast<float>(m_rows - 1)});
+    std::vector<std::uint32_t> indices;
+    const auto addCell = [&](int i, int j) {
+        const auto a = static_cast<std::uint32_t>(j * m_columns + i);
+        const auto c = a + static_cast<std::uint32_t>(m_columns);
+        for (const std::uint32_t index : {a, a + 1, c + 1, a, c + 1, c})
+            indices.push_back(index);
+    };
+    for (int bj = 0; bj < m_rows - 1; bj += BLOCK)
+        for (int bi = 0; bi < m_columns - 1; bi += BLOCK)
+            for (int j = bj; j < std::min(bj + BLOCK, m_rows - 1); j++)
+                for (int i = bi; i < std::min(bi + BLOCK, m_columns - 1); i++)
+                    addCell(i, j);
+    m_num_indices = static_cast<int>(indices.size());
+    m_vertex_array.create();
+    m_vertices.create();
+    m_indices.create();
+    glBindVertexArray(m_vertex_array.id());
+    glBindBuffer(GL_ARRAY_BUFFER, m_vertices.id());
+    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(cells.size() * sizeof(vec2)),
+                 cells.data(), GL_STATIC_DRAW);
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, m_indices.id());
+    glBufferData(GL_ELEMENT_ARRAY_BUFFER,
+                 static_cast<GLsizeiptr>(indices.size() * sizeof(std::uint32_t)), indices.data(),
+                 GL_STATIC_DRAW);
+    glEnableVertexAttribArray(0);
+    glVertexAttribPointer(0, 2, GL_FLOAT, GL_FALSE, 0, nullptr);
+}
+
+// ------------------------------------------------------------------ waves to the device
+
+void OceanPass::upload(const OceanFrame& frame) {
+    if (m_uploaded && frame.version == m_version) return;
+    m_uploaded = true;
+    m_version = frame.version;
+    calibrateFoam(frame);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+    glActiveTexture(GL_TEXTURE0 + gl::UNIT_FIRST_OWN);
+    for (int i = 0; i < DISPLACED; i++)
+        uploadDisplacement(frame, i);
+    for (int i = 0; i < TILES; i++)
+        uploadSlopes(frame, i);
+}
+
+void OceanPass::uploadDisplacement(const OceanFrame& frame, int tile) {
+    const float* texels = frame.tiles[tile].displacement;
+    glBindTexture(GL_TEXTURE_2D, m_displacement[tile].id());
+    m_levels.resize(static_cast<std::size_t>(N) * N);
+    for (int edge = N, level = 0; edge >= 1; edge /= 2, level++) {
+        glTexSubImage2D(GL_TEXTURE_2D, level, 0, 0, edge, edge, GL_RGBA, GL_FLOAT, texels);
+        if (edge > 1) halve(texels, m_levels.data(), edge, 4);
+        texels = m_levels.data(); // later levels overwrite what they have read
+    }
+}
+
+/// Slopes (128 is level), the share of the slopes' variance that the level has averaged away, foam.
+void OceanPass::uploadSlopes(const OceanFrame& frame, int tile) {
+    const OceanTile& t = frame.tiles[tile];
+    float mean_square = 0;
+    m_levels.resize(static_cast<std::size_t>(N) * N * 4);
+    for (std::size_t i = 0; i < static_cast<std::size_t>(N) * N; i++) {
+        const float x = t.slope[2 * i], y = t.slope[2 * i + 1];
+        float* out = &m_levels[4 * i];
+        out[0] = x;
+        out[1] = y;
+        out[2] = x * x + y * y;
+        out[3] = t.foam ? t.foam[i] : 0;
+        mean_square += out[2];
+    }
+    mean_square /= N * N;
+    m_slope_scale[tile] = std::max(0.02f, 6 * std::sqrt(t.slope_variance / 2));
+    const float encode = 0.5f / m_slope_scale[tile];
+    const float share = mean_square > 0 ? 1 / mean_square : 0;
+    const auto byte = [](float v) {
+        return static_cast<std::uint8_t>(std::clamp(v * 255 + 0.5f, 0.0f, 255.0f));
+    };
+    glBindTexture(GL_TEXTURE_2D, m_slope[tile].id());
+    m_bytes.resize(static_cast<std::size_t>(N) * N * 4);
+    for (int edge = N, level = 0; edge >= 1; edge /= 2, level++) {
+        for (std::size_t i = 0; i < static_cast<std::size_t>(edge) * static_cast<std::size_t>(edge);
+             i++) {
+            const float* p = &m_levels[4 * i];
+            std::uint8_t* q = &m_bytes[4 * i];
+            q[0] = byte(p[0] * encode + 128 / 255.0f);
+            q[1] = byte(p[1] * encode + 128 / 255.0f);
+            q[2] = byte(level ? (p[2] - p[0] * p[0] - p[1] * p[1]) * share : 0);
+            q[3] = byte(p[3]);
+        }
+        glTexSubImage2D(GL_TEXTURE_2D, level, 0, 0, edge, edge, GL_RGBA, GL_UNSIGNED_BYTE,
+                        m_bytes.data());
+        if (edge > 1) halve(m_levels.data(), m_levels.data(), edge, 4);
+    }
+}
+
+/// Finds the threshold of the breaking measure above which as much of the sea is white as the wind
+/// asks for, from a sample of the measure itself. Seas change slowly: seldom is enough.
+void OceanPass::calibrateFoam(const OceanFrame& frame) {
+    if (std::abs(frame.whitecap_cover - m_foam_cover) < 0.05 * frame.whitecap_cover &&
+        std::abs(frame.time - m_foam_time) < 5)
+        return;
+    m_foam_cover = frame.whitecap_cover;
+    m_foam_time = frame.time;
+    constexpr int SAMPLES = 4096;
+    static_assert(N * N % SAMPLES == 0);
+    std::vector<float> measure(SAMPLES);
+    double sum = 0, squares = 0, mean_fine = 0;
+    std::uint32_t random = 1;
+    for (float& m : measure) {
+        for (int i = 0; i < DISPLACED; i++) {
+            random = random * 1664525u + 1013904223u; // independent places in each tile
+            const float foam = std::clamp(frame.tiles[i].foam[(random >> 8) % (N * N)], 0.0f, 1.0f);
+            m += BREAKING_WEIGHTS[i] * foam;
+            if (i == 2) mean_fine += static_cast<double>(foam);
+        }
+        sum += static_cast<double>(m);
+        squares += static_cast<double>(m) * static_cast<double>(m);
+    }
+    const double mean = sum / SAMPLES;
+    m_foam_mean = static_cast<float>(mean_fine / SAMPLES);
+    m_foam_spread = std::max(
+        static_cast<float>(std::sqrt(std::max(squares / SAMPLES - mean * mean, 0.0))), 0.01f);
+    m_foam_width = 0.33f * m_foam_spread;
+    float low = 0, high = 5;
+    for (int step = 0; step < 24; step++) {
+        m_foam_threshold = (low + high) / 2;
+        float cover = 0;
+        for (const float m : measure)
+            cover += std::clamp(
+                1.08f / (1 + std::exp(-(m - m_foam_threshold) / m_foam_width)) - 0.04f, 0.0f, 1.0f);
+        (cover / SAMPLES > static_cast<float>(frame.whitecap_cover) ? low : high) =
+            m_foam_threshold;
+    }
+}
+
+// ------------------------------------------------------------------ drawing
+
+/// The azimuths that the view can see, with a margin for crests that come in from the side, and its
+/// depression angles. The whole circle when it sees what is straight below.
+OceanPass::Fan OceanPass::fitFan(const FrameView& view, const OceanFrame& frame) {
+    constexpr float PI = 3.14159265f;
+    const auto altitude = static_cast<float>(view.geodetic.z);
+    const auto waves = static_cast<float>(frame.significant_height);
+    Fan fan{};
+    fan.row_height = std::max(altitude, 4 + 4 * waves);
+    const float horizon =
+        1.02f * (std::sqrt(2 * static_cast<float>(EARTH_RADIUS) * std::max(altitude, 1.0f)) + 4000);
+    fan.flattest = fan.row_height / horizon;
+    fan.azimuth = -PI;
+    fan.azimuth_range = 2 * PI;
+    fan.steepest = 1.5706f;
+    if (view.orthographic) return fan;
+
+    const auto& p = view.projection.columns;
+    const auto direction = [&](float x, float y) { // of a place in the picture, −1 to 1
+        const vec3 ray((x + p[2].x) / p[0].x, (y + p[2].y) / p[1].y, -1);
+        const auto& c = view.view.columns; // E to eye; its transpose leads back
+        return normalize(vec3(dot(c[0].xyz(), ray), dot(c[1].xyz(), ray), dot(c[2].xyz(), ray)));
+    };
+    const vec3 middle = direction(0, 0);
+    bool below = true; // whether the nadir is in the picture, or nearly
+    for (int i = 0; i < 4; i++)
+        below &= -view.side_normals[i].z > -0.35f;
+    if (below || std::hypot(middle.x, middle.y) < 0.05f) return fan;
+
+    const float center = std::atan2(middle.x, middle.y);
+    float half_width = 0, depression = 0.05f;
+    for (const float x : {-1.0f, 0.0f, 1.0f})
+        for (const float y : {-1.0f, 0.0f, 1.0f}) {
+            const vec3 d = direction(x, y);
+            half_width = std::max(half_width,
+                                  std::abs(std::remainder(std::atan2(d.x, d.y) - center, 2 * PI)));
+            depression = std::max(depression, -std::asin(std::clamp(d.z, -1.0f, 1.0f)));
+        }
+    half_width += 0.06f + std::min(0.9f, 0.9f * waves / std::max(altitude, 1.0f));
+    if (half_width >= PI) return fan;
+    fan.azimuth = center - half_width;
+    fan.azimuth_range = 2 * half_width;
+    const float nearest = std::max(
+        1.0f, altitude / std::tan(std::min(depression + 0.05f, 1.5f)) * 0.75f - 6 - 2 * waves);
+    fan.steepest = std::min(std::atan(fan.row_height / nearest) + 0.02f, 1.5706f);
+    return fan;
+}
+
+void OceanPass::setWaveUniforms(const FrameView& view, const OceanFrame& frame) {
+    const double altitude = view.geodetic.z, latitude = view.geodetic.y * DEG_TO_RAD<double>;
+    const double t = std::clamp((altitude - FLATTEN_FROM) / (FLATTEN_TO - FLATTEN_FROM), 0.0, 1.0);
+    const double amplitude = 1 - t * t * (3 - 2 * t);
+    m_program.set("uWaves", vec4(static_cast<float>(altitude), static_cast<float>(amplitude),
+                                 static_cast<float>(frame.mean_level),
+                                 static_cast<float>(frame.significant_height)));
+
+    // The plane of the waves around the eye, to the second order: radii of curvature at its place
+    // against the metres per degree at the anchor.
+    constexpr double F = EllipsoidModel::FLATTENING, E2 = F * (2 - F);
+    const double w = 1 - E2 * std::sin(latitude) * std::sin(latitude);
+    const double prime = EllipsoidModel::SEMI_MAJOR_AXIS / std::sqrt(w);
+    const double meridian = prime * (1 - E2) / w;
+    const double cosine = std::max(std::cos(latitude), 1e-3), tangent = std::tan(latitude);
+    const double kx = frame.metres_per_longitude / (prime * cosine * DEG_TO_RAD<double>);
+    const double ky = frame.metres_per_latitude / (meridian * DEG_TO_RAD<double>);
+    m_program.set("uPlane", vec4(static_cast<float>(kx), static_cast<float>(ky),
+                                 static_cast<float>(tangent / meridian),
+                                 static_cast<float>(tangent / (2 * prime))));
+
+    const dvec2 nadir = frame.toPlane(view.geodetic.x, view.geodetic.y);
+    vec4 tiles[TILES], scale, variance;
+    float* scales[] = {&scale.x, &scale.y, &scale.z, &scale.w};
+    float* variances[] = {&variance.x, &variance.y, &variance.z, &variance.w};
+    for (int i = 0; i < TILES; i++) {
+        const double edge = frame.tiles[i].tile;
+        tiles[i] = {
+            static_cast<float>(1 / edge), static_cast<float>(fraction(nadir.x / edge + 0.5 / N)),
+            static_cast<float>(fraction(nadir.y / edge + 0.5 / N)), static_cast<float>(edge / N)};
+        *scales[i] = m_slope_scale[i];
+        *variances[i] = frame.tiles[i].slope_variance / 2;
+    }
+    m_program.set("uTile", tiles, TILES);
+    m_program.set("uSlopeScale", scale);
+    m_program.set("uSlopeVariance", variance);
+    constexpr double C = OceanFrame::SECOND_COSINE, S = OceanFrame::SECOND_SINE;
+    const double edge = frame.tiles[0].tile;
+    const double x = C * nadir.x - S * nadir.y + OceanFrame::SECOND_OFFSET_X;
+    const double y = S * nadir.x + C * nadir.y + OceanFrame::SECOND_OFFSET_Y;
+    m_program.set("uTurned", vec4(static_cast<float>(C), static_cast<float>(S),
+                                  static_cast<float>(fraction(x / edge + 0.5 / N)),
+                                  static_cast<float>(fraction(y / edge + 0.5 / N))));
+
+    const double towards = (frame.wave_direction + 180) * DEG_TO_RAD<double>;
+    const double wx = std::sin(towards), wy = std::cos(towards);
+    m_program.set("uWind", vec4(static_cast<float>(wx), static_cast<float>(wy),
+                                static_cast<float>(frame.ripple_slope_variance),
+                                std::clamp(static_cast<float>(frame.wind - 8) / 10, 0.0f, 1.3f)));
+    m_program.set("uFoam", vec4(m_foam_threshold, m_foam_width, m_foam_spread, m_foam_mean));
+    m_program.set("uPatch", vec2{wrapped(nadir.x), wrapped(nadir.y)});
+    m_program.set("uFoamOrigin",
+                  vec4(wrapped(nadir.x * wx + nadir.y * wy), wrapped(nadir.y * wx - nadir.x * wy),
+                       static_cast<float>(frame.significant_height), 0));
+}
+
+void OceanPass::draw(const FrameView& view, const OceanFrame& frame, const Downwash& wash,
+                     const gl::Texture& effects, float effects_edge) {
+    m_program.use();
+    const Fan fan = fitFan(view, frame);
+    m_program.set("uFan", vec4(fan.azimuth, fan.azimuth_range, fan.steepest, fan.flattest));
+    m_program.set("uFanSize",
+                  vec4(static_cast<float>(m_columns - 1), static_cast<float>(m_rows - 1),
+                       fan.row_height, static_cast<float>(1 / (2 * EARTH_RADIUS))));
+    setWaveUniforms(view, frame);
+    m_program.set("uWash", vec4(wash.position.x, wash.position.y, wash.radius, wash.strength));
+    m_program.set("uEffectsPlace",
+                  vec4(-effects_edge / 2, -effects_edge / 2, 1 / effects_edge, 1 / effects_edge));
+    for (int i = 0; i < DISPLACED; i++)
+        gl::bindTexture(gl::UNIT_FIRST_OWN + i, m_displacement[i]);
+    for (int i = 0; i < TILES; i++)
+        gl::bindTexture(gl::UNIT_FIRST_OWN + DISPLACED + i, m_slope[i]);
+    gl::bindTexture(gl::UNIT_FIRST_OWN + DISPLACED + TILES, effects);
+    glBindVertexArray(m_vertex_array.id());
+    glDrawElements(GL_TRIANGLES, m_num_indices, GL_UNSIGNED_INT, nullptr);
+}

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "FrameView.h"
+#include "GlObjects.h"
+
+#include <vector>
+
+struct OceanFrame;
+
+/// A helicopter's downwash on the water.
+struct Downwash {
+    ig::vec3 position;  ///< of the rotor, E
+    float radius = 0;   ///< of the rotor, m
+    float strength = 0; ///< 0 to 1
+};
+
+/// Draws the sea from the very arrays that queries read, so that what floats sits in the water
+/// that one sees.
+class OceanPass {
+public:
+    /// `columns` and `rows` of the fan of triangles.
+    bool init(int columns, int rows);
+    void release();
+
+    /// Brings the waves to the device when they have changed.
+    void upload(const OceanFrame& frame);
+    /// `effects`: slopes, foam and calm around the eye, on a square of `effects_edge` metres.
+    void draw(const FrameView& view, const OceanFrame& frame, const Downwash& wash,
+              const gl::Texture& effects, float effects_edge);
+
+private:
+    static constexpr int TILES = 4, DISPLACED = 3;
+    struct Fan { ///< part of the sea around the eye that the view can see
+        float azimuth, azimuth_range, steepest, flattest, row_height;
+    };
+
+    void makeGrid();
+    void uploadDisplacement(const OceanFrame& frame, int tile);
+    void uploadSlopes(const OceanFrame& frame, int tile);
+    void calibrateFoam(const OceanFrame& frame);
+    static Fan fitFan(const FrameView& view, const OceanFrame& frame);
+    void setWaveUniforms(const FrameView& view, const OceanFrame& frame);
+
+    int m_columns = 0, m_rows = 0, m_num_indices = 0;
+    gl::Program m_program;
+    gl::VertexArray m_vertex_array;
+    gl::Buffer m_vertices, m_indices;
+    gl::Texture m_displacement[DISPLACED], m_slope[TILES];
+    unsigned m_version = 0;
+    bool m_uploaded = false;
+    float m_slope_scale[TILES] = {};
+    /// Whitecaps: see calibrateFoam.
+    float m_foam_threshold = 1, m_foam_width = 0.1f, m_foam_spread = 0.1f, m_foam_mean = 0;
+    double m_foam_cover = -1, m_foam_time = -1e9;
+    std::vector<float> m_levels;       ///< scratch for mip levels
+    std::vector<std::uint8_t> m_bytes; ///< scratch for the encoded slopes
+};

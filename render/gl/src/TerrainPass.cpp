@@ -1,0 +1,251 @@
+// SPDX-License-Identifier: MIT
+#include "TerrainPass.h"
+
+#include "SurfaceLook.h"
+#include "ig/math/EllipsoidModel.h"
+#include "ig/math/quat.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+using namespace ig;
+
+namespace {
+
+constexpr int KEPT = 600;         ///< frames that a chunk outlives its last use
+constexpr float CELL_PIXELS = 10; ///< a cell larger than this in the picture is split
+constexpr float SEA_BED = -15;    ///< altitude below which the sea hides everything
+constexpr double NOISE_PERIOD =
+    14400; ///< m; a multiple of all scales that the shaders ask noise at
+
+struct Vertex {
+    vec3 position;
+    std::uint32_t normal; ///< 10 bits an axis
+    float altitude;
+};
+
+std::uint32_t packNormal(const vec3& n) {
+    const auto bits = [](float v) {
+        return static_cast<std::uint32_t>(std::lround(std::clamp(v, -1.0f, 1.0f) * 511)) & 0x3ffu;
+    };
+    return bits(n.x) | bits(n.y) << 10 | bits(n.z) << 20;
+}
+
+/// Metres per sample to the east and to the north at a row.
+dvec2 spacing(const TerrainGrid& grid, double row) {
+    const double latitude = (grid.north - row * grid.spacing_latitude) * DEG_TO_RAD<double>;
+    constexpr double DEGREE = EllipsoidModel::SEMI_MAJOR_AXIS * DEG_TO_RAD<double>;
+    return {grid.spacing_longitude * DEGREE * std::max(std::cos(latitude), 0.01),
+            grid.spacing_latitude * DEGREE};
+}
+
+dvec3 geodetic(const TerrainGrid& grid, double column, double row, double altitude) {
+    return {grid.west + column * grid.spacing_longitude, grid.north - row * grid.spacing_latitude,
+            altitude};
+}
+
+} // namespace
+
+bool TerrainPass::init() { return m_program.build("terrain.vert", "shadow.glsl terrain.frag"); }
+
+void TerrainPass::release() {
+    m_program.destroy();
+    m_chunks.clear();
+    m_extents.clear();
+    m_heights = nullptr;
+}
+
+std::uint64_t TerrainPass::key(const Square& square) {
+    return static_cast<std::uint64_t>(square.step) << 48 |
+           static_cast<std::uint64_t>(square.row) << 24 | static_cast<std::uint64_t>(square.column);
+}
+
+void TerrainPass::adopt(const TerrainGrid& grid) {
+    m_grid = &grid;
+    if (grid.heights == m_heights) return;
+    m_heights = grid.heights;
+    m_chunks.clear();
+    m_extents.clear();
+}
+
+void TerrainPass::purge() {
+    if (m_frame % KEPT) return;
+    for (auto entry = m_chunks.begin(); entry != m_chunks.end();)
+        entry =
+            entry->second.last_drawn < m_frame - KEPT ? m_chunks.erase(entry) : std::next(entry);
+}
+
+void TerrainPass::draw(const FrameView& view, const ObjectTerrain& terrain) {
+    const TerrainGrid& grid = terrain.getGrid();
+    m_drawn = 0;
+    m_frame++;
+    if (grid.empty()) return;
+    adopt(grid);
+    purge();
+    m_program.use();
+    const Material* material = terrain.getSurfaceMaterial(0);
+    m_program.set("uTurf", readValue(material, "diffuse_color", {0.16f, 0.21f, 0.07f, 1}).xyz());
+    m_program.set("uShore", readValue(material, "shore_color", {0.62f, 0.54f, 0.38f, 1}).xyz());
+    m_program.set("uRock", readValue(material, "rock_color", {0.1f, 0.09f, 0.085f, 1}).xyz());
+    m_program.set("uGround",
+                  vec4(readSlider(material, "shore_height", 3.5f),
+                       readSlider(material, "rock_slope", 0.7f), readSlider(material, "wetness", 0),
+                       readSlider(material, "ice", 0)));
+    glEnable(GL_CULL_FACE);
+    int step = 1;
+    while (CELLS * step < std::max(grid.columns, grid.rows) - 1)
+        step *= 2;
+    visit(view, grid, {0, 0, step});
+    glDisable(GL_CULL_FACE);
+}
+
+/// Lowest and highest sample of a square; kept.
+TerrainPass::Extent TerrainPass::measure(const Square& square) {
+    const auto [entry, is_new] = m_extents.try_emplace(key(square), Extent{1, 0});
+    if (!is_new) return entry->second;
+    const TerrainGrid& grid = *m_grid;
+    Extent extent{1e9f, -1e9f};
+    const int size = CELLS * square.step;
+    if (square.step > 1) { // from the four below
+        const int half = size / 2;
+        for (const int dr : {0, half})
+            for (const int dc : {0, half}) {
+                const Square child{square.column + dc, square.row + dr, square.step / 2};
+                if (child.column >= grid.columns - 1 || child.row >= grid.rows - 1) continue;
+                const Extent part = measure(child);
+                extent = {std::min(extent.lowest, part.lowest),
+                          std::max(extent.highest, part.highest)};
+            }
+    } else {
+        for (int r = square.row; r <= std::min(square.row + size, grid.rows - 1); r++)
+            for (int c = square.column; c <= std::min(square.column + size, grid.columns - 1);
+                 c++) {
+                const float height = grid.getHeight(c, r);
+                if (TerrainGrid::isHole(height)) continue;
+                extent = {std::min(extent.lowest, height), std::max(extent.highest, height)};
+            }
+    }
+    return m_extents[key(square)] = extent;
+}
+
+void TerrainPass::visit(const FrameView& view, const TerrainGrid& grid, const Square& square) {
+    if (square.column >= grid.columns - 1 || square.row >= grid.rows - 1) return;
+    const Extent extent = measure(square);
+    if (extent.highest < SEA_BED) return;
+    const double size = CELLS * square.step;
+    const double columns = std::min(size, grid.columns - 1.0 - square.column);
+    const double rows = std::min(size, grid.rows - 1.0 - square.row);
+    const double column = square.column + columns / 2, row = square.row + rows / 2;
+    const double low = static_cast<double>(extent.lowest),
+                 high = static_cast<double>(extent.highest);
+    const dvec3 middle = EllipsoidModel().toWorld(geodetic(grid, column, row, (low + high) / 2));
+    const dvec2 metres = spacing(grid, row);
+    const vec3 center(view.toFrame(middle));
+    const auto radius =
+        static_cast<float>(std::hypot(metres.x * columns, metres.y * rows) / 2 + (high - low) / 2 +
+                           1 + metres.y * metres.y * size * size / 5e7); // the earth bends away
+    if (!view.sees(center, radius)) return;
+    const float distance = std::max(length(center) - radius, 1.0f);
+    const auto cell = static_cast<float>(metres.y * square.step);
+    if (square.step > 1 && cell > CELL_PIXELS * view.pixel_angle * distance) {
+        const int half = CELLS * square.step / 2;
+        for (const int dr : {0, half})
+            for (const int dc : {0, half})
+                visit(view, grid, {square.column + dc, square.row + dr, square.step / 2});
+        return;
+    }
+    drawChunk(view, grid, square);
+}
+
+void TerrainPass::drawChunk(const FrameView& view, const TerrainGrid& grid, const Square& square) {
+    Chunk& chunk = m_chunks[key(square)];
+    if (!chunk.vertex_array) fill(chunk, grid, square);
+    chunk.last_drawn = m_frame;
+    const mat4 transform = view.toFrame(chunk.frame);
+    const auto& c = transform.columns;
+    m_program.set("uRow0", vec4(c[0].x, c[1].x, c[2].x, c[3].x));
+    m_program.set("uRow1", vec4(c[0].y, c[1].y, c[2].y, c[3].y));
+    m_program.set("uRow2", vec4(c[0].z, c[1].z, c[2].z, c[3].z));
+    m_program.set("uPatch",
+                  vec2{static_cast<float>(chunk.patch.x), static_cast<float>(chunk.patch.y)});
+    glBindVertexArray(chunk.vertex_array.id());
+    glDrawElements(GL_TRIANGLES, chunk.num_indices, GL_UNSIGNED_SHORT, nullptr);
+    m_drawn++;
+}
+
+/// Vertices of (CELLS + 1)² samples and a ring around them, the skirt: the samples of the border
+/// once more, lowered. Triangles as the terrain defines them: each cell is split from its
+/// north-east to its south-west corner; those with a corner without data are left out.
+void TerrainPass::fill(Chunk& chunk, const TerrainGrid& grid, const Square& square) {
+    const EllipsoidModel earth;
+    constexpr int EDGE = CELLS + 3;
+    const int step = square.step;
+    const double half = CELLS * step / 2.0;
+    const dvec2 metres = spacing(grid, square.row + half);
+    chunk.frame = earth.getWGSTransform(
+        earth.toWorld(geodetic(grid, square.column + half, square.row + half, 0)));
+    chunk.patch = {std::fmod((square.column + half) * metres.x, NOISE_PERIOD),
+                   std::fmod((grid.rows - square.row - half) * metres.y, NOISE_PERIOD)};
+    const dmat4 to_chunk = inverse(chunk.frame);
+    const auto height = [&grid](int column, int row) {
+        return grid.getHeight(std::clamp(column, 0, grid.columns - 1),
+                              std::clamp(row, 0, grid.rows - 1));
+    };
+    std::vector<Vertex> vertices;
+    std::vector<char> has_data;
+    for (int j = 0; j < EDGE; j++)
+        for (int i = 0; i < EDGE; i++) {
+            const int ci = std::clamp(i - 1, 0, CELLS), cj = std::clamp(j - 1, 0, CELLS);
+            const int column = std::min(square.column + ci * step, grid.columns - 1);
+            const int row = std::min(square.row + cj * step, grid.rows - 1);
+            const float altitude = height(column, row);
+            has_data.push_back(!TerrainGrid::isHole(altitude));
+            const float known = has_data.back() ? altitude : 0;
+            const bool skirt = ci != i - 1 || cj != j - 1;
+            const double lowered = skirt ? metres.y * step * 0.5 : 0;
+            const auto slope = [&](float a, float b, double distance) {
+                return std::isfinite(a - b) ? (a - b) / static_cast<float>(2 * step * distance)
+                                            : 0.0f;
+            };
+            const vec3 normal = normalize(
+                vec3(slope(height(column - step, row), height(column + step, row), metres.x),
+                     slope(height(column, row + step), height(column, row - step), metres.y), 1));
+            const dvec3 world =
+                earth.toWorld(geodetic(grid, column, row, static_cast<double>(known) - lowered));
+            vertices.push_back({vec3(to_chunk * world), packNormal(normal), known});
+        }
+    std::vector<std::uint16_t> indices;
+    const auto addTriangle = [&](int a, int b, int c) {
+        const auto good = [&has_data](int v) { return has_data[static_cast<std::size_t>(v)] != 0; };
+        if (!good(a) || !good(b) || !good(c)) return;
+        for (const int v : {a, b, c})
+            indices.push_back(static_cast<std::uint16_t>(v));
+    };
+    for (int j = 0; j < EDGE - 1; j++)
+        for (int i = 0; i < EDGE - 1; i++) {
+            const int nw = j * EDGE + i, ne = nw + 1, sw = nw + EDGE, se = sw + 1;
+            addTriangle(nw, sw, ne);
+            addTriangle(ne, sw, se);
+        }
+    chunk.num_indices = static_cast<int>(indices.size());
+    chunk.vertex_array.create();
+    chunk.vertices.create();
+    chunk.indices.create();
+    glBindVertexArray(chunk.vertex_array.id());
+    glBindBuffer(GL_ARRAY_BUFFER, chunk.vertices.id());
+    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(vertices.size() * sizeof(Vertex)),
+                 vertices.data(), GL_STATIC_DRAW);
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, chunk.indices.id());
+    glBufferData(GL_ELEMENT_ARRAY_BUFFER,
+                 static_cast<GLsizeiptr>(indices.size() * sizeof(std::uint16_t)), indices.data(),
+                 GL_STATIC_DRAW);
+    constexpr GLsizei STRIDE = sizeof(Vertex);
+    glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, STRIDE, nullptr);
+    glVertexAttribPointer(1, 4, GL_INT_2_10_10_10_REV, GL_TRUE, STRIDE,
+                          reinterpret_cast<const void*>(offsetof(Vertex, normal)));
+    glVertexAttribPointer(2, 1, GL_FLOAT, GL_FALSE, STRIDE,
+                          reinterpret_cast<const void*>(offsetof(Vertex, altitude)));
+    for (GLuint i = 0; i < 3; i++)
+        glEnableVertexAttribArray(i);
+}

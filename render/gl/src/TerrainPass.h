@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "FrameView.h"
+#include "GlObjects.h"
+#include "plugins/terrain/ObjectTerrain.h"
+
+#include <unordered_map>
+#include <vector>
+
+/// Draws the ground. A quadtree over the samples of the terrain: a node is a square of 32 × 32
+/// cells, of every sample at the leaves, of every second, fourth, ... above. Near the eye nodes are
+/// split until their cells are small in the picture; there the drawn triangles are the very ones
+/// that queries meet. Skirts hide the gaps between neighbours of different detail.
+///
+/// A chunk's vertices are floats in the frame of the chunk's own middle, so that they are exact
+/// wherever the chunk lies.
+class TerrainPass {
+public:
+    bool init();
+    void release();
+    void draw(const FrameView& view, const ObjectTerrain& terrain);
+    int getNumChunks() const { return m_drawn; } ///< drawn in the last frame
+
+private:
+    static constexpr int CELLS = 32;
+    struct Chunk {
+        gl::VertexArray vertex_array;
+        gl::Buffer vertices, indices;
+        int num_indices = 0;
+        ig::dmat4 frame; ///< of the chunk's middle, world
+        ig::dvec2 patch; ///< place of the middle in the noise, m
+        int last_drawn = 0;
+    };
+    struct Square { ///< of the quadtree
+        int column, row, step;
+    };
+    struct Extent {
+        float lowest, highest; ///< altitude; lowest above highest: no data
+    };
+
+    void adopt(const TerrainGrid& grid);
+    Extent measure(const Square& square);
+    void visit(const FrameView& view, const TerrainGrid& grid, const Square& square);
+    void drawChunk(const FrameView& view, const TerrainGrid& grid, const Square& square);
+    void fill(Chunk& chunk, const TerrainGrid& grid, const Square& square);
+    void purge();
+    static std::uint64_t key(const Square& square);
+
+    gl::Program m_program;
+    std::unordered_map<std::uint64_t, Chunk> m_chunks;
+    std::unordered_map<std::uint64_t, Extent> m_extents;
+    const float* m_heights = nullptr; ///< whose chunks these are
+    const TerrainGrid* m_grid = nullptr;
+    int m_frame = 0, m_drawn = 0;
+};

@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: MIT
+#include "UiPass.h"
+
+#include "ImageFile.h"
+#include "ig/ui/UiDrawList.h"
+
+#include <cmath>
+#include <cstddef>
+
+using namespace ig;
+
+bool UiPass::init() {
+    if (!m_program.build("ui.vert", "ui.frag")) return false;
+    m_program.set("uTexture", gl::UNIT_FIRST_OWN);
+    m_atlas.init(); // without a font the rest is still drawn
+    m_vertex_array.create();
+    m_buffer.create();
+    glBindVertexArray(m_vertex_array.id());
+    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.id());
+    glEnableVertexAttribArray(0);
+    glEnableVertexAttribArray(1);
+    glVertexAttribPointer(0, 4, GL_FLOAT, GL_FALSE, sizeof(Vertex), nullptr);
+    glVertexAttribPointer(1, 4, GL_FLOAT, GL_FALSE, sizeof(Vertex),
+                          reinterpret_cast<const void*>(offsetof(Vertex, color)));
+    return true;
+}
+
+void UiPass::release() {
+    m_program.destroy();
+    m_vertex_array.destroy();
+    m_buffer.destroy();
+    m_atlas.release();
+    m_images.clear();
+}
+
+/// A file that can't be read, reported once, shows as a chequered square.
+const gl::Texture& UiPass::findImage(std::string_view path) {
+    const auto known = m_images.find(path);
+    if (known != m_images.end()) return known->second;
+    gl::Texture& texture = m_images[std::string(path)];
+    Image image;
+    if (readImage(std::string(path), image)) {
+        gl::makeTexture(texture, image.width, image.height, {}, image.rgba.data());
+    } else {
+        const std::uint8_t chequers[] = {255, 0, 255, 255, 0,   0, 0,   255,
+                                         0,   0, 0,   255, 255, 0, 255, 255};
+        gl::TextureFormat format;
+        format.filter = GL_NEAREST;
+        gl::makeTexture(texture, 2, 2, format, chequers);
+    }
+    return texture;
+}
+
+void UiPass::addQuad(const gl::Texture* image, vec2 low, vec2 high, vec2 texture_low,
+                     vec2 texture_high, const vec4& color) {
+    if (m_runs.empty() || m_runs.back().image != image)
+        m_runs.push_back({image, static_cast<int>(m_vertices.size()), 0});
+    const Vertex corners[4] = {{low, texture_low, color},
+                               {{high.x, low.y}, {texture_high.x, texture_low.y}, color},
+                               {high, texture_high, color},
+                               {{low.x, high.y}, {texture_low.x, texture_high.y}, color}};
+    for (const int i : {0, 1, 2, 0, 2, 3})
+        m_vertices.push_back(corners[i]);
+    m_runs.back().count += 6;
+}
+
+/// Characters stand on whole pixels, so that they stay sharp.
+void UiPass::addText(float x, float y, float size, const vec4& color, std::string_view utf8) {
+    const int em = static_cast<int>(std::lround(size));
+    float pen = std::round(x);
+    const float line = std::round(y + m_atlas.getAscent(em));
+    while (!utf8.empty()) {
+        const Glyph* glyph = m_atlas.find(takeCharacter(utf8), em);
+        if (!glyph) continue;
+        const float left = std::round(pen) + static_cast<float>(glyph->left);
+        const float top = line - static_cast<float>(glyph->top);
+        addQuad(nullptr, {left, top},
+                {left + static_cast<float>(glyph->width), top + static_cast<float>(glyph->height)},
+                glyph->low, glyph->high, color);
+        pen += glyph->advance;
+    }
+}
+
+float UiPass::getTextWidth(float size, std::string_view utf8) {
+    const int em = static_cast<int>(std::lround(size));
+    float width = 0;
+    while (!utf8.empty())
+        if (const Glyph* glyph = m_atlas.find(takeCharacter(utf8), em)) width += glyph->advance;
+    return width;
+}
+
+void UiPass::draw(const UiDrawList& list, int width, int height) {
+    m_vertices.clear();
+    m_runs.clear();
+    for (const UiDrawList::Command& c : list.commands()) {
+        const vec2 low{c.x, c.y}, high{c.x + c.w, c.y + c.h}, solid = m_atlas.getSolid();
+        switch (c.kind) {
+        case UiDrawList::Kind::rect:
+            addQuad(nullptr, low, high, solid, solid, c.rgba);
+            break;
+        case UiDrawList::Kind::text:
+            addText(c.x, c.y, c.h, c.rgba, list.text(c));
+            break;
+        case UiDrawList::Kind::image:
+            addQuad(&findImage(list.text(c)), low, high, {0, 0}, {1, 1}, c.rgba);
+            break;
+        case UiDrawList::Kind::viewport: // dark until somebody draws for it
+            addQuad(nullptr, low, high, solid, solid, {0, 0.02f, 0, 0.9f});
+            break;
+        }
+    }
+    if (m_vertices.empty()) return;
+    m_program.use();
+    m_program.set("uSize", vec2{static_cast<float>(width), static_cast<float>(height)});
+    glBindVertexArray(m_vertex_array.id());
+    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.id());
+    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(m_vertices.size() * sizeof(Vertex)),
+                 m_vertices.data(), GL_STREAM_DRAW);
+    glDisable(GL_DEPTH_TEST);
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
+    for (const Run& run : m_runs) {
+        if (run.image)
+            gl::bindTexture(gl::UNIT_FIRST_OWN, *run.image);
+        else
+            m_atlas.bind(gl::UNIT_FIRST_OWN);
+        m_program.set("uIsText", run.image ? 0 : 1);
+        glDrawArrays(GL_TRIANGLES, run.first, run.count);
+    }
+    glDisable(GL_BLEND);
+}

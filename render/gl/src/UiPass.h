@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "GlObjects.h"
+#include "GlyphAtlas.h"
+
+#include <map>
+#include <string>
+
+namespace ig {
+class UiDrawList;
+}
+
+/// Draws the user interface over the finished picture. Rectangles and texts between two images go
+/// in one call.
+class UiPass {
+public:
+    bool init();
+    void release();
+    /// Of a line as `draw` sets it, pixels.
+    float getTextWidth(float size, std::string_view utf8);
+    /// Onto the bound framebuffer of that size.
+    void draw(const ig::UiDrawList& list, int width, int height);
+
+private:
+    struct Vertex {
+        ig::vec2 place, texture;
+        ig::vec4 color;
+    };
+    struct Run {                  ///< of vertices with one texture
+        const gl::Texture* image; ///< null: the atlas
+        int first, count;
+    };
+    void addQuad(const gl::Texture* image, ig::vec2 low, ig::vec2 high, ig::vec2 texture_low,
+                 ig::vec2 texture_high, const ig::vec4& color);
+    void addText(float x, float y, float size, const ig::vec4& color, std::string_view utf8);
+    const gl::Texture& findImage(std::string_view path);
+
+    gl::Program m_program;
+    gl::VertexArray m_vertex_array;
+    gl::Buffer m_buffer;
+    GlyphAtlas m_atlas;
+    std::map<std::string, gl::Texture, std::less<>> m_images;
+    std::vector<Vertex> m_vertices;
+    std::vector<Run> m_runs;
+};
