@@ -41,8 +41,8 @@ TYPE_KEYS = {
     "node": set(),
     "mesh": {"mesh", "intersect", "surfaces"},
     "prefab": {"path"},
-    "particles": {"life", "life_spread", "velocity", "velocity_spread", "rate", "duration",
-                  "burst", "spread", "material", "deflectors"},
+    "particles": {"life", "life_spread", "velocity", "velocity_spread", "rate", "spread",
+                  "duration", "burst", "surface", "material", "deflectors"},
     "rope": {"radius", "material"},
     "decal": {"width", "height", "material"},
     "light": {"material"},
@@ -91,6 +91,7 @@ WORLD_NODES = {"start_heli": "node", "ocean": "ocean", "terrain": "terrain",
                "rain": "particles", "hail": "particles", "snow": "particles",
                "cmder": "prefab", "airfield": "prefab",
                "SM_055_CN_2023": "prefab", "LNJ_2023": "prefab"}
+RADAR_FAN = "data/core/post/post_radar.mat"
 TRACKS = [f"{PROJECT}/ANIM/{name}.anim" for name in ("runway_ssr", "runway_ice", "light")]
 # Everything in these belongs to the helicopter or flies from it; the height ray starts among it.
 UNSEEN_BY_RAYS = [p for p in NODES if not any(ship in p for ship in SHIPS)]
@@ -298,6 +299,11 @@ class Checker:
                         (not isinstance(value, list) or 2 <= len(value) <= 4), path,
                         f'parameter "{tag}" is neither a number nor a list of two to four')
 
+    def check_radar(self):
+        fan = self.read(RADAR_FAN)
+        self.expect("fan" in (fan.get("states") or {}), RADAR_FAN, 'no state "fan"')
+        self.expect({"min_angle", "max_angle"} <= self.tags(RADAR_FAN), RADAR_FAN, "no angles")
+
     def check_prefab(self, path):
         root = self.read(path).get("node") or {}
         for node in walk(root):
@@ -487,6 +493,7 @@ class Checker:
         self.check_tracks(world_nodes)
         self.check_terrain(world_nodes)
         self.check_models()
+        self.check_radar()
         self.check_size()
         return self.faults
 

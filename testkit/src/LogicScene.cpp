@@ -63,6 +63,7 @@ std::string LogicScene::helicopterPrefab() {
   - {name: sonar, position: [0, 1, -1]}
   - {name: winch, position: [1.5, 1, 1]}
   - {name: deflector, position: [0, 3, 2]}
+  - {name: downwash, children: [{name: downwash_spe, type: particles}]}
   - {name: normal}
   - {name: destroyed, enabled: false}
   - {name: fire, enabled: false}

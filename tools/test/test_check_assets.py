@@ -16,7 +16,7 @@ TOOLS = pathlib.Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(TOOLS))
 
 from check_assets import (Checker, EFFECTS, HELICOPTER, NODES, PREFABS, PROJECT,  # noqa: E402
-                          WORLD)
+                          RADAR_FAN, WORLD)
 
 FRIGATE = f"{PREFABS}/SM_055_CN_2023/SM_055_CN_2023.prefab"
 MODEL = FRIGATE.replace(".prefab", ".glb")
@@ -82,6 +82,7 @@ class Damage(unittest.TestCase):
             (f"{PROJECT}/ANIM/runway_ice.anim", "parameter: ice", "parameter: cold", "no param"),
             (f"{PROJECT}/materials/glass.mat", "rain_power: ", "rain: ", "no rain_power"),
             (f"{PROJECT}/materials/glass.mat", "[0.1, 0.13, 0.14, 0.22]", "[0.1]", "neither"),
+            (RADAR_FAN, "max_angle", "max", "no angles"),
         ]
         for path, old, new, expected in cases:
             with self.subTest(path=path, new=new):

@@ -15,6 +15,7 @@ const char* const INIT_UI_BTNS = "Logic_Nerith_Heli_Final::init_ui_btns";
 void Logic_Nerith_Heli_Final::init_ui() {
     init_ui_cam();
     init_ui_btns();
+    init_ui_radar();
 }
 
 /// The column in the lower right corner. Buttons with a handler act once per click; those without

@@ -2,6 +2,7 @@
 #include "common/ship/FlagOper.h"
 #include "common/ship/Ship.h"
 #include "common/ship/Wakes.h"
+#include "heli/kit/HeliEffectsKitCorax.h"
 #include "heli/kit/HelicopterCorax.h"
 #include "heli/kit/UdpDataKit.h"
 #include "heli/logic/HandOper.h"
@@ -12,6 +13,7 @@
 #include "ig/scene/Camera.h"
 #include "ig/scene/ObjectPrefab.h"
 #include "ig/ui/UILayout.h"
+#include "ig/ui/UISpriteViewport.h"
 #include "memory.h"
 #include "plugins/ocean/ObjectOcean.h"
 #include "plugins/terrain/ObjectTerrain.h"
@@ -39,6 +41,7 @@ void Logic_Nerith_Heli_Final::update(float dt) {
     place_panels();
     if (m_heli) {
         update_ground_reference();
+        update_precipitation_deflector();
         update_radar_camera();
     }
     update_ship(m_ship1);
@@ -49,6 +52,7 @@ void Logic_Nerith_Heli_Final::update(float dt) {
     update_sonar_op();
     update_missle();
     poll_hold_buttons(dt);
+    update_effects();
     m_action_manager.update(dt);
     if (m_heli && m_sonar_info && m_sonar_info->prefab)
         pin_cable(m_sonar_info->anchor, m_sonar_mount);
@@ -100,6 +104,11 @@ void Logic_Nerith_Heli_Final::update_ground_reference() {
     m_heli->set_ground_height(ground);
 }
 
+void Logic_Nerith_Heli_Final::update_precipitation_deflector() {
+    for (Node* weather : {m_rain, m_hail, m_snow})
+        update_deflector(weather);
+}
+
 /// Carries the radar camera above the helicopter, looking straight down, its top ahead.
 void Logic_Nerith_Heli_Final::update_radar_camera() {
     if (!m_radar_object) return;
@@ -108,6 +117,13 @@ void Logic_Nerith_Heli_Final::update_radar_camera() {
     const double heading = m_heli->m_prefab ? m_heli->m_prefab->getWgsHPR().x : 0;
     m_radar_object->setWgsHPR({heading, 90.0, 0.0});
     m_radar_object->setWgsPosition(geodetic);
+}
+
+/// The downwash is stronger with more collective, and weaker over high ground.
+void Logic_Nerith_Heli_Final::update_effects() {
+    if (!m_effects || !m_heli) return;
+    m_effects->update();
+    m_effects->update_fade((10.0f - m_heli->get_ground_height() / 25.0f) * m_heli->m_collective);
 }
 
 void Logic_Nerith_Heli_Final::pin_cable(Node* anchor, const dmat4& mount) {
@@ -128,8 +144,12 @@ void Logic_Nerith_Heli_Final::release() {
     destroy(m_udp_recv, RELEASE);
     if (m_udp_send) m_udp_send->release();
     destroy(m_udp_send, RELEASE);
-    if (m_radar_object) m_radar_object->release();
+    if (m_radar_object) {
+        if (m_radar_viewport) m_radar_viewport->setCamera(nullptr); // the interface is still there
+        m_radar_object->release();
+    }
     destroy(m_radar_object, RELEASE);
+    destroy(m_effects, RELEASE);
     if (m_heli) m_heli->remove_prefab();
     destroy(m_heli, RELEASE);
     destroy(m_sonar_info, RELEASE);

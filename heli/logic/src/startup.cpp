@@ -3,6 +3,7 @@
 #include "common/ship/Ship.h"
 #include "common/ship/Wakes.h"
 #include "heli/config/AppData.h"
+#include "heli/kit/HeliEffectsKitCorax.h"
 #include "heli/kit/HelicopterCorax.h"
 #include "heli/kit/UdpDataKit.h"
 #include "heli/logic/HandOper.h"
@@ -77,9 +78,11 @@ bool Logic_Nerith_Heli_Final::init() {
     create_helicopter(*start);
     read_mounts();
     find_weather_and_surfaces();
+    create_effects();
     update_third_view();
     init_ui_cam();
     init_ui_btns();
+    init_ui_radar();
     place_start_camera();
     create_records();
     create_first_ship();
@@ -126,6 +129,12 @@ void Logic_Nerith_Heli_Final::find_weather_and_surfaces() {
     m_terrain = dynamic_cast<ObjectTerrain*>(m_world->getNodeByName("terrain"));
     m_ocean = dynamic_cast<ObjectOcean*>(m_world->getNodeByName("ocean"));
     if (m_ocean) m_ocean->setUseGlobalWind(false); // the host drives it
+}
+
+/// A helicopter without downwash has said so, and shows none.
+void Logic_Nerith_Heli_Final::create_effects() {
+    m_effects = create<HeliEffectsKitCorax>(INIT);
+    if (m_effects->init(m_heli)) m_effects->announce(m_sig_object);
 }
 
 void Logic_Nerith_Heli_Final::place_start_camera() {

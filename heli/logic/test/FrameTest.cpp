@@ -88,8 +88,7 @@ TEST(Cables, AnchorsArePinnedToTheirMountsAfterTheHelicopterMoved) {
 TEST(RadarCamera, HangsAboveTheHelicopterLookingDownWithItsHeadingUp) {
     LogicScene scene;
     ASSERT_TRUE(scene.start());
-    Camera radar(NODE_CAMERA_RADAR);
-    scene.logic->m_radar_object = &radar;
+    const Camera& radar = *scene.logic->m_radar_object;
     UdpRecvData record = LogicScene::record();
     record.heading = 120;
     record.pitch = 8;
@@ -102,7 +101,6 @@ TEST(RadarCamera, HangsAboveTheHelicopterLookingDownWithItsHeadingUp) {
     EXPECT_NEAR(view.getZ().z, 1, 1e-9); // looks along −Z: straight down
     EXPECT_NEAR(view.getY().x, std::sin(120 * DEG_TO_RAD<double>), 1e-9);
     EXPECT_NEAR(view.getY().y, std::cos(120 * DEG_TO_RAD<double>), 1e-9);
-    scene.logic->m_radar_object = nullptr;
 }
 
 TEST(Views, F1CyclesAndEachModePlacesTheCamera) {

@@ -102,11 +102,8 @@ TEST_F(PanelTest, SeventeenButtonsStandInOrderAtTheRightEdge) {
 }
 
 TEST_F(PanelTest, PanelsHugTheirCornersAtEverySize) {
-    auto* radar = new UIVLayout(scene.ui.get(), 0, 0);
-    radar->addChild(new UISpriteViewport(scene.ui.get(), 256, 256));
-    radar->setAlignFree(true);
-    scene.ui->addChild(radar);
-    logic().m_radar_panel = radar;
+    const UIElement* radar = logic().m_radar_panel;
+    logic().m_radar_viewport->setHidden(false);
     for (const auto& [width, height] : {std::pair(1280, 720), {1920, 1080}, {801, 667}}) {
         scene.width = width;
         scene.height = height;

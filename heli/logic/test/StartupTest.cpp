@@ -131,6 +131,7 @@ TEST(Startup, AnnouncesInOrderAndPreloadsEveryPathOnceEvenWhenFilesAreMissing) {
     const std::vector<std::string> expected = {
         "object tail_light0",
         "prefab helicopter!",
+        "object downwash_spe0",
         "object glass_top_left0", // "windows" is no object here
         "track",                  // of the three only light.anim exists
         "data/PELMAR_PROJECT/prefabs/yulei_CORAXF/yulei.prefab",

@@ -166,10 +166,18 @@ Node* createPrefab(const Package& p) {
     return new ObjectPrefab(p.getString("path")); // an empty one stands in for a missing file
 }
 
+ObjectParticles::Surface readSurface(const Package& p) {
+    const jString& name = p.getString("surface");
+    if (name == "land") return ObjectParticles::Surface::land;
+    if (name == "water") return ObjectParticles::Surface::water;
+    if (!name.empty()) report(p, p.getLine(), "neither land nor water:", name);
+    return ObjectParticles::Surface::any;
+}
+
 Node* createParticles(const Package& p) {
     reportUnknownKeys(p,
-                      {"life", "life_spread", "velocity", "velocity_spread", "rate", "duration",
-                       "burst", "spread", "material", "deflectors"},
+                      {"life", "life_spread", "velocity", "velocity_spread", "rate", "spread",
+                       "duration", "burst", "surface", "material", "deflectors"},
                       true);
     dvec3 spread;
     if (!readVec3(p, "spread", spread)) return nullptr;
@@ -182,6 +190,7 @@ Node* createParticles(const Package& p) {
     particles->setDuration(p.getFloat("duration"));
     particles->setBurst(p.getFloat("burst"));
     particles->setSpread(vec3(spread));
+    particles->setSurface(readSurface(p));
     particles->setNumDeflectors(std::clamp(p.getInt("deflectors"), 0, 16));
     particles->setSurfaceMaterial(0, loadMaterial(p));
     particles->setIntersection(0, false);

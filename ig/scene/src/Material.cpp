@@ -19,8 +19,13 @@ bool Material::load(const jString& path) {
         jLog::error("Material::load: %s:1: there is no map \"parameters\"", path.c_str());
         return false;
     }
-    for (int i = 0; i < parameters->getItemCount(); i++) {
-        const Item& item = parameters->getItemAt(i);
+    const Package* states = file->getPackage("states");
+    return loadParameters(*parameters) && (!states || loadStates(*states));
+}
+
+bool Material::loadParameters(const Package& parameters) {
+    for (int i = 0; i < parameters.getItemCount(); i++) {
+        const Item& item = parameters.getItemAt(i);
         float values[4];
         const int count = item.getFloats(values, 4);
         if (count == 1 && item.getKind() == Item::Kind::value) {
@@ -30,9 +35,23 @@ bool Material::load(const jString& path) {
             addValue(item.getName(), {values[0], values[1], values[2], values[3]});
         } else {
             jLog::error("Material::load: %s:%d: \"%s\" is neither a number nor 2 to 4 numbers",
-                        path.c_str(), item.getLine(), item.getName().c_str());
+                        m_path.c_str(), item.getLine(), item.getName().c_str());
             return false;
         }
+    }
+    return true;
+}
+
+bool Material::loadStates(const Package& states) {
+    for (int i = 0; i < states.getItemCount(); i++) {
+        const Item& item = states.getItemAt(i);
+        double value = 0;
+        if (item.getKind() != Item::Kind::value || item.getDoubles(&value, 1) != 1) {
+            jLog::error("Material::load: %s:%d: state \"%s\" is no number", m_path.c_str(),
+                        item.getLine(), item.getName().c_str());
+            return false;
+        }
+        addState(item.getName(), item.getInt());
     }
     return true;
 }
@@ -67,6 +86,32 @@ void Material::setParameterValue(int id, const vec4& value) {
 }
 
 vec4 Material::getParameterValue(int id) const { return has(id) ? m_parameters[id].value : vec4(); }
+
+void Material::setParameterSliderByName(const jString& tag, float value) {
+    setParameterSlider(findParameterIDByTag(tag), value);
+}
+
+int Material::addState(const jString& name, int value) {
+    int id = findStateID(name);
+    if (id < 0) {
+        id = m_states.size();
+        m_states.append({name, 0});
+    }
+    m_states[id].value = value;
+    return id;
+}
+
+int Material::findStateID(const jString& name) const {
+    for (int i = 0; i < m_states.size(); i++)
+        if (m_states[i].name == name) return i;
+    return -1;
+}
+
+void Material::setStateValue(int id, int value) {
+    if (hasState(id)) m_states[id].value = value;
+}
+
+int Material::getStateValue(int id) const { return hasState(id) ? m_states[id].value : 0; }
 
 namespace {
 std::map<jString, std::unique_ptr<Material>>& materials() {

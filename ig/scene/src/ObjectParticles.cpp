@@ -41,7 +41,8 @@ WorldBoundBox ObjectParticles::getWorldBoundBox() const {
 }
 
 float ObjectParticles::getPresentRate() const {
-    return m_running && (m_burst <= 0 || m_elapsed < m_burst) ? m_spawn_rate : 0;
+    const bool spawns = m_running && !m_silent && (m_burst <= 0 || m_elapsed < m_burst);
+    return spawns ? m_spawn_rate : 0;
 }
 
 void ObjectParticles::advance(float dt) {

@@ -95,13 +95,31 @@ void World::updatePhysics(float dt) {
 }
 
 void World::updateParticles(float dt) {
-    const auto advance = [dt](const auto& self, Node* node) -> void {
-        if (node->getType() == OBJECT_PARTICLES) static_cast<ObjectParticles*>(node)->advance(dt);
+    const auto advance = [this, dt](const auto& self, Node* node) -> void {
+        if (node->getType() == OBJECT_PARTICLES) {
+            auto& emitter = static_cast<ObjectParticles&>(*node);
+            emitter.advance(dt);
+            tellSurface(emitter);
+        }
         for (int i = 0; i < node->getNumChildren(); i++)
             self(self, node->getChild(i));
     };
     for (Node* node : m_nodes)
         advance(advance, node);
+}
+
+void World::tellSurface(ObjectParticles& emitter) const {
+    using Surface = ObjectParticles::Surface;
+    if (emitter.getSurface() == Surface::any || !emitter.isVisible()) return;
+    // From above the crests: an emitter that is laid onto the sea may lie just below it.
+    constexpr double ABOVE = 5, BELOW = 100;
+    const dmat4 level = emitter.getWGSTransform();
+    const dvec3 from = level * dvec3(0, 0, ABOVE), to = level * dvec3(0, 0, -BELOW);
+    dvec3 any, land;
+    const bool met = meet(from, to, true, &any);
+    const bool over_water =
+        met && (!meet(from, to, false, &land) || length(any - from) < length(land - from));
+    emitter.setSilent(met && over_water != (emitter.getSurface() == Surface::water));
 }
 
 namespace {

@@ -117,6 +117,7 @@ TEST_F(SceneFiles, EverySlipIsReportedWithItsLineAndTheRestIsLoaded) {
     folder.write("lines.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nl 1 2\nf 1 2 3\n");
     folder.write("huge.obj", "v 3e38 0 0\nv -3e38 0 0\nv 0 1 0\nf 1 2 3\n");
     folder.write("bad.mat", "parameters:\n  a: 1\n  b: red\n");
+    folder.write("bad_state.mat", "parameters: {a: 1}\nstates:\n  fan: [1, 2]\n");
     ASSERT_TRUE(load("nodes:\n"
                      "- {name: good, position: [1, 2, 3]}\n"
                      "- {name: typo, tpye: mesh}\n"
@@ -132,6 +133,7 @@ TEST_F(SceneFiles, EverySlipIsReportedWithItsLineAndTheRestIsLoaded) {
                      "- {name: lines, type: mesh, mesh: lines.obj}\n"
                      "- {name: huge, type: mesh, mesh: huge.obj}\n"
                      "- {name: twice, type: mesh, mesh: nowhere.obj}\n"
+                     "- {name: spray, type: particles, surface: air, material: bad_state.mat}\n"
                      "- {name: moor, children: [{name: buoy, wgs: [1, 2, 3]}]}\n"));
     EXPECT_NE(world.getNodeByName("good"), nullptr);
     for (const char* name : {"short", "text", "alien", "lost", "points", "kid", "huge", "buoy"})
@@ -142,7 +144,8 @@ TEST_F(SceneFiles, EverySlipIsReportedWithItsLineAndTheRestIsLoaded) {
          {"a.world:3: unknown key \"tpye\"", "a.world:4:", "a.world:5:",
           "a.world:6: unknown type of node \"spaceship\"", "a.world:7: no mesh", "nowhere.obj",
           "a.world:9: unknown shape", "bad.mat:3:", "a.world:11: unknown type of node \"ufo\"",
-          "a.world:12: a map is needed", "1e7 m", "a.world:16: \"wgs\""})
+          "a.world:12: a map is needed", "1e7 m", "a.world:16: neither land nor water",
+          "bad_state.mat:3: state \"fan\"", "a.world:17: \"wgs\""})
         EXPECT_TRUE(logged(part)) << part;
     EXPECT_EQ(std::count_if(log.lines.begin(), log.lines.end(),
                             [](const std::string& line) {

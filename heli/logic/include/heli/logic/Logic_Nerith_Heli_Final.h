@@ -49,6 +49,7 @@ struct WinchInfo;
 ///   feedback.cpp      the feedback datagram
 ///   apply_weather.cpp weather from the host to the signals, and from the application to the scene
 ///   apply_sea_pose.cpp  the sea and the helicopter's pose from the host
+///   deflector.cpp     what keeps precipitation out of the cabin
 ///   torpedo.cpp       the torpedo, and effects shown once
 ///   missile_decoy.cpp  missiles and the decoy salvo
 ///   destruction.cpp   the helicopter's own end
@@ -60,6 +61,7 @@ struct WinchInfo;
 ///   picking.cpp       what a segment meets
 ///   command_buttons.cpp  the panel of seventeen buttons
 ///   camera_panel.cpp  the row of camera fields
+///   radar_display.cpp  the weather radar's picture
 ///
 /// Ownership: the world owns every prefab in it; this object owns what `init` allocates and frees
 /// it in `release`, never in the destructor. Ships, tracks and the records of weapons still in the
@@ -176,6 +178,12 @@ public:
     void apply_ocean(UdpRecvData& record);
     /// Poses the helicopter where the record says.
     void apply_heli(UdpRecvData& record);
+
+    // --- deflector.cpp
+
+    /// Places the first deflector of a weather node above the helicopter's cabin, at the height of
+    /// the weather node, which the mount then keeps. Nothing for what is no particle system.
+    void update_deflector(ig::Node* particles);
 
     // --- torpedo.cpp
 
@@ -301,11 +309,22 @@ public:
     void init_ui_cam();
     void set_flt(float) {} ///< setter of a field that only shows its value
 
+    // --- radar_display.cpp
+
+    /// Builds the display, hidden: the world from above the helicopter, which the frame update
+    /// carries along.
+    void init_ui_radar();
+    /// Bound to the viewport's signals around every drawing of its picture: the host's sector and
+    /// gain hold between the two only.
+    void on_viewport_radar_update_begin(ig::UISpriteViewport*);
+    void on_viewport_radar_update_end(ig::UISpriteViewport*);
+
 private:
     // startup.cpp: the steps of init
     void create_helicopter(const ig::Node& start);
     void read_mounts();
     void find_weather_and_surfaces();
+    void create_effects();
     void place_start_camera();
     void create_records();
     void create_first_ship();
@@ -320,7 +339,9 @@ private:
     void update_flags(float dt);
     void place_panels();
     void update_ground_reference();
+    void update_precipitation_deflector();
     void update_radar_camera();
+    void update_effects();
     void pin_cable(ig::Node* anchor, const ig::dmat4& mount);
 
     // torpedo.cpp

@@ -11,13 +11,25 @@ namespace ig {
 /// Geodetic attitudes differ from other nodes': Rz(−heading) · Rx(90 − pitch) · Rz(−roll), so that
 /// the pitch counts down from the horizon; 90 looks straight down with the picture's top towards
 /// the heading, and a positive roll turns the camera clockwise.
+///
+/// A radar camera (`NODE_CAMERA_RADAR`) is orthographic and is carried above its helicopter,
+/// looking straight down with the heading up. It sees `RADAR_RANGE` metres to each side, and what
+/// stands higher than itself as well. The renderer leaves its helicopter, the node that the
+/// application calls the frame's focus, out of its picture.
 class Camera : public Node {
 public:
-    explicit Camera(int type = NODE_CAMERA) : Node(type) {}
+    static constexpr double RADAR_RANGE = 20000; ///< metres
+
+    explicit Camera(int type = NODE_CAMERA);
 
     /// Symmetric perspective: vertical field of view in degrees, width over height, clip distances.
     void setPerspective(float fov_v, float aspect, double z_near, double z_far);
-    float getFovV() const { return m_fov_v; } ///< degrees
+    /// Parallel projection of what lies `half_width` metres to the left and right of the view axis
+    /// and `half_height` above and below it. `z_near` may be negative: what lies behind the eye.
+    void setOrtho(double half_width, double half_height, double z_near, double z_far);
+    bool isOrtho() const { return m_projection.columns[3].w != 0; }
+    /// The last perspective's, degrees.
+    float getFovV() const { return m_fov_v; }
     float getFovH() const { return m_fov_h; }
     double getZNear() const { return m_near; }
     double getZFar() const { return m_far; }

@@ -10,13 +10,14 @@ namespace ig {
 
 class Package;
 
-/// How a surface looks: a set of parameters found by tag, each either a slider (one number) or a
-/// value (four). A material read from a file is shared by all its users and owned by the
-/// `MaterialManager`; a copy of its own is owned by the object that asked for it.
+/// How a surface or a finished picture looks: a set of parameters found by tag, each either a
+/// slider (one number) or a value (four), and of states found by name, which choose between ways to
+/// draw. A material read from a file is shared by all its users and owned by the `MaterialManager`;
+/// a copy of its own is owned by the object that asked for it.
 class Material : public jObject {
 public:
-    /// Reads the parameters of a material file. False, with one log line, when something in it is
-    /// not what the format asks for; what was read before that stays.
+    /// Reads the parameters and states of a material file. False, with one log line, when something
+    /// in it is not what the format asks for; what was read before that stays.
     bool load(const jString& path);
     const jString& getPath() const { return m_path; }
 
@@ -32,17 +33,35 @@ public:
     float getParameterSlider(int id) const;
     void setParameterValue(int id, const vec4& value);
     vec4 getParameterValue(int id) const;
+    /// Sets the slider of that tag; nothing when there is none.
+    void setParameterSliderByName(const jString& tag, float value);
+
+    /// Adds a state; an existing one is set. Returns its id.
+    int addState(const jString& name, int value);
+    /// The id of the state with that name, or −1.
+    int findStateID(const jString& name) const;
+    /// An id out of range is ignored, and reads as 0.
+    void setStateValue(int id, int value);
+    int getStateValue(int id) const;
 
 private:
+    struct State {
+        jString name;
+        int value;
+    };
     struct Parameter {
         jString tag;
         vec4 value; // a slider is its x
     };
     Parameter& add(const jString& tag);
+    bool loadParameters(const Package& parameters);
+    bool loadStates(const Package& states);
     bool has(int id) const { return id >= 0 && id < m_parameters.size(); }
+    bool hasState(int id) const { return id >= 0 && id < m_states.size(); }
 
     jString m_path;
     jVector<Parameter> m_parameters;
+    jVector<State> m_states;
 };
 
 /// The shared materials of the process, by path.

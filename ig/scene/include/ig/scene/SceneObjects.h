@@ -9,6 +9,9 @@ namespace ig {
 /// A particle emitter as the scene describes it; surface 0 carries the particles' material. The
 /// emitter's data is fixed by its file.
 ///
+/// An emitter may name the surface that it throws its particles up from; it is silent while the
+/// other one lies below it. The surface is what segment queries meet.
+///
 /// An emitter runs from the beginning, and again from each `play`, for its duration; whether it
 /// runs doesn't depend on its being drawn. Effects last as long as their longest use and spawn only
 /// during their burst, so that an effect that is kept running doesn't start over.
@@ -32,6 +35,13 @@ public:
     float getBurst() const { return m_burst; } ///< s of them in which it spawns; 0: all
     void setBurst(float burst) { m_burst = burst; }
 
+    enum class Surface { any, land, water };
+    Surface getSurface() const { return m_surface; }
+    void setSurface(Surface surface) { m_surface = surface; }
+    /// Whether the other surface lies below it, as the world found at the last step.
+    bool isSilent() const { return m_silent; }
+    void setSilent(bool silent) { m_silent = silent; }
+
     /// Runs from the beginning, with the emitters among its children.
     void play();
     /// Spawns no more, nor do the emitters among its children; what lives lives on.
@@ -42,7 +52,8 @@ public:
     /// Changes with every `clearParticles`: whoever keeps the particles then drops them.
     unsigned getNumCleared() const { return m_cleared; }
     float getElapsed() const { return m_elapsed; } ///< s since it was last played
-    /// What it spawns now, particles per second: 0 unless it runs and is within its burst.
+    /// What it spawns now, particles per second: 0 unless it runs, is within its burst and is not
+    /// silent.
     float getPresentRate() const;
     /// Advances the running time by `dt` seconds, of this emitter alone.
     void advance(float dt);
@@ -67,6 +78,8 @@ private:
     float m_duration = 0, m_burst = 0;
     float m_elapsed = 0;
     bool m_running = true;
+    Surface m_surface = Surface::any;
+    bool m_silent = false;
     unsigned m_cleared = 0;
     jVector<dmat4> m_deflectors;
 };

@@ -8,6 +8,7 @@
 
 namespace ig {
 
+class ObjectParticles;
 class Package;
 
 /// The scene: the nodes without parent, and the physics of their bodies. The host application owns
@@ -45,12 +46,14 @@ public:
     Physics& getPhysics() { return m_physics; }
     /// Advances the physics and carries the poses of the bodies to their objects.
     void updatePhysics(float dt);
-    /// Advances the running times of all particle emitters.
+    /// Advances the running times of all particle emitters, and tells those that name a surface
+    /// and can be seen what lies below them.
     void updateParticles(float dt);
     /// Destroys all nodes.
     void clear();
 
 private:
+    void tellSurface(ObjectParticles& emitter) const;
     bool meet(const dvec3& from, const dvec3& to, bool sea, dvec3* point) const override;
 
     Physics m_physics; // before the nodes, whose bodies leave it when they go

@@ -10,6 +10,14 @@ namespace ig {
 class Camera;
 class World;
 
+/// Which picture a viewport shows.
+enum VISION_MODE {
+    VISION_PLAIN = 0,
+    /// What a weather radar sees: echoes of land, ships, sea clutter and precipitation, their
+    /// strength scaled by the engine's `ENVIRONMENT_SENSOR_GAIN` while the picture is drawn.
+    VISION_RADAR = 3,
+};
+
 /// A second view of a world, drawn into the user interface. The renderer finds the viewports in
 /// `UIRoot::getViewports`, draws those that are not hidden, at a rate of its choice and between
 /// `beginUpdate` and `endUpdate`, into a picture of its own, and shows it where the draw list says.
@@ -26,10 +34,10 @@ public:
     const World* getWorld() const { return m_world; }
     void setCamera(const Camera* camera) { m_camera = camera; }
     const Camera* getCamera() const { return m_camera; }
-    /// Which picture a sensor would see; 0 is the plain one.
+    /// A `VISION_MODE`.
     void setVisionMode(int mode) { m_vision_mode = mode; }
     int getVisionMode() const { return m_vision_mode; }
-    /// Names of the post-process materials that the picture passes through.
+    /// Name of the post-process material that the picture passes through (`RPost`); empty: none.
     void setPostMaterials(const jString& names) { m_post_materials = names; }
     const jString& getPostMaterials() const { return m_post_materials; }
 
@@ -47,7 +55,7 @@ protected:
 private:
     int m_id;
     int m_natural_width, m_natural_height; ///< units of the set-up
-    int m_vision_mode = 0;
+    int m_vision_mode = VISION_PLAIN;
     const World* m_world = nullptr;
     const Camera* m_camera = nullptr;
     jString m_post_materials;

@@ -1,0 +1,232 @@
+// SPDX-License-Identifier: MIT
+#include "heli/kit/HeliEffectsKitCorax.h"
+#include "heli/kit/HelicopterCorax.h"
+#include "ig/app/Engine.h"
+#include "ig/package/PackageManager.h"
+#include "ig/scene/ObjectPrefab.h"
+#include "ig/scene/SceneObjects.h"
+#include "ig/scene/World.h"
+#include "testkit/LogCapture.h"
+#include "testkit/TempFolder.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+#include <optional>
+
+namespace {
+
+using namespace ig;
+
+const EllipsoidModel EARTH;
+constexpr double LONGITUDE = -155.05, LATITUDE = 19.72;
+constexpr float NO_NUMBER = std::numeric_limits<float>::quiet_NaN();
+
+const std::string ALL = R"(node:
+  name: helicopter
+  children:
+  - name: downwash
+    children:
+    - name: downwash_spe
+      type: particles
+      material: spray.mat
+      children:
+      - {name: out_blade, type: particles, enabled: false, material: blade.mat}
+      - {name: out_snow, type: particles, enabled: false, material: plain.mat}
+      - {name: h_blade, enabled: false}
+      - {name: leaf_1, type: particles, material: leaf_1.mat}
+      - {name: leaf_2, type: particles, material: leaf_2.mat}
+      - {name: water, type: particles, material: water.mat}
+  - {name: field_anim, type: field, parameters: [2, 0.6, 0.4]}
+)";
+
+/// A helicopter with the nodes of a prefab of the test's own, and the kit on it.
+struct EffectsTest : testing::Test {
+    ~EffectsTest() override {
+        world.clear();
+        MaterialManager::release();
+        PackageManager::release();
+        Engine::get()->reset();
+    }
+    bool make(const std::string& prefab = ALL) {
+        for (const char* name : {"spray", "blade", "leaf_1", "leaf_2", "water"})
+            folder.write(std::string(name) + ".mat",
+                         "parameters: {size: 1, diffuse_color: [0.1, 0.2, 0.3, 0.9]}\n");
+        folder.write("plain.mat", "parameters: {size: 1}\n");
+        folder.write("heli.prefab", prefab);
+        heli.emplace(&world, "heli.prefab", false);
+        return kit.init(&*heli);
+    }
+    /// One step at a height above the surface.
+    void fly(double height, float ground = 12.25f, bool over_water = false) {
+        const dvec3 place(LONGITUDE, LATITUDE, static_cast<double>(ground) + height);
+        heli->set_transform(EARTH.getWGSTransform(EARTH.toWorld(place)));
+        heli->m_prefab->setWgsHPR({77, 8, -12});
+        heli->set_ground_height(ground);
+        heli->set_over_water(over_water);
+        kit.update();
+    }
+    Node* node(const char* name) { return heli->m_prefab->getNodeByName(name); }
+    /// One letter for each effect that is seen.
+    std::string seen() {
+        std::string letters;
+        const std::pair<const char*, char> NODES[] = {
+            {"downwash_spe", 'D'}, {"out_blade", 'b'}, {"out_snow", 's'}, {"h_blade", 'h'},
+            {"leaf_1", '1'},       {"leaf_2", '2'},    {"water", 'w'}};
+        for (const auto& [name, letter] : NODES)
+            if (node(name)->isVisible()) letters += letter;
+        return letters;
+    }
+    vec4 color(const char* name) {
+        const Material* material = static_cast<Object*>(node(name))->getSurfaceMaterial(0);
+        return material->getParameterValue(material->findParameterIDByTag("diffuse_color"));
+    }
+    float field(int i) { return static_cast<NodeField*>(node("field_anim"))->getParameter(i); }
+
+    WorkingFolder folder;
+    World world;
+    std::optional<HelicopterCorax> heli;
+    HeliEffectsKitCorax kit;
+};
+
+TEST_F(EffectsTest, BandsSwitchOnTheWayDownAndOffOnTheWayUp) {
+    ASSERT_TRUE(make());
+    struct Step {
+        double height;
+        const char* seen;
+    };
+    const Step STEPS[] = {{30, ""},      {25, ""},    {24.9, "D"},     {19, "D"},
+                          {18.9, "Db"},  {15, "Db"},  {14.9, "Dbs"},   {10, "Dbs"},
+                          {9.9, "Dbsh"}, {5, "Dbsh"}, {4.9, "Dbsh12"}, {0, "Dbsh12"}};
+    for (const bool over_water : {false, true}) {
+        const float ground = over_water ? -0.75f : 12.25f; // in a trough
+        const auto check = [&](const Step& step) {
+            fly(step.height, ground, over_water);
+            const bool spray = over_water && *step.seen;
+            EXPECT_EQ(seen(), std::string(step.seen) + (spray ? "w" : "")) << step.height;
+            EXPECT_NEAR(kit.m_height, step.height, 1e-6);
+        };
+        for (const Step& step : STEPS)
+            check(step);
+        for (auto step = std::rbegin(STEPS); step != std::rend(STEPS); ++step)
+            check(*step);
+    }
+}
+
+TEST_F(EffectsTest, WhatLiesBelowTheBandIsLeftAlone) {
+    ASSERT_TRUE(make());
+    fly(4);
+    fly(12); // a jump: the leaves are switched by the bands between, which were never flown
+    EXPECT_TRUE(node("leaf_2")->isEnabled());
+    EXPECT_FALSE(node("leaf_1")->isEnabled() || node("h_blade")->isEnabled());
+    fly(4);
+    fly(40);
+    EXPECT_EQ(seen(), "");
+    for (const char* name : {"out_blade", "out_snow", "h_blade", "leaf_1", "leaf_2"})
+        EXPECT_TRUE(node(name)->isEnabled()) << name;
+}
+
+TEST_F(EffectsTest, TheCarrierLiesLevelOnTheSurfaceBelow) {
+    ASSERT_TRUE(make());
+    fly(18, -1.5f, true);
+    const dmat4 carrier = node("downwash")->getWorldTransform();
+    const dvec3 below = EARTH.toWorld({LONGITUDE, LATITUDE, -1.5});
+    EXPECT_LT(length(carrier.getTranslate() - below), 1e-6);
+    const dmat4 level = EARTH.getWGSTransform(below);
+    EXPECT_LT(length(carrier.getY() - level.getY()), 1e-8); // north, whatever the attitude
+    EXPECT_LT(length(carrier.getZ() - level.getZ()), 1e-8);
+    fly(18, -1e9f); // no surface anywhere
+    EXPECT_EQ(seen(), "");
+}
+
+TEST_F(EffectsTest, OpacityFadesWithHeightAndLevelAndKeepsTheColour) {
+    ASSERT_TRUE(make());
+    struct Step {
+        double height;
+        float level, alpha;
+    };
+    const float inf = std::numeric_limits<float>::infinity();
+    for (const Step& step : {Step{20, 0.5f, 0.25f}, Step{15, 0.5f, 0.5f}, Step{3, 0.8f, 0.8f},
+                             Step{24, 7, 0.1f}, Step{25, 1, 0}, Step{3, 0, 0}, Step{3, -2, 0},
+                             Step{3, inf, 1}, Step{3, -inf, 0}, Step{3, NO_NUMBER, 0}}) {
+        fly(step.height);
+        kit.update_fade(step.level);
+        for (const char* name : {"downwash_spe", "out_blade", "leaf_1", "leaf_2", "water"}) {
+            EXPECT_NEAR(color(name).w, step.alpha, 1e-5) << name << ' ' << step.level;
+            EXPECT_EQ(color(name).xyz(), vec3(0.1f, 0.2f, 0.3f));
+        }
+    }
+}
+
+TEST_F(EffectsTest, TheFieldFluttersWithTheCollective) {
+    ASSERT_TRUE(make());
+    double time = 0;
+    const float dt = 0.1f;
+    for (float collective : {1.0f, 0.5f, 0.0f}) {
+        Engine::get()->beginFrame(dt);
+        time += static_cast<double>(dt);
+        heli->m_collective = collective;
+        fly(10);
+        const double c = static_cast<double>(collective);
+        EXPECT_NEAR(field(0), c * 2 * (0.7 + 0.3 * std::sin(25 * time)), 1e-6);
+        EXPECT_NEAR(field(1), c * 0.6, 1e-6);
+        EXPECT_NEAR(field(2), c * 0.4, 1e-6);
+    }
+    heli->m_collective = NO_NUMBER;
+    fly(10);
+    EXPECT_EQ(field(0), 0);
+    EXPECT_EQ(field(2), 0);
+}
+
+TEST_F(EffectsTest, ParticleObjectsAreAnnouncedInOrder) {
+    ASSERT_TRUE(make());
+    std::string heard;
+    SignalList<Object*, int> listeners;
+    listeners.append({this, [&](Object* object, int value) {
+                          heard += std::string(object->getName()) + std::to_string(value) + ' ';
+                      }});
+    kit.announce(listeners);
+    EXPECT_EQ(heard, "downwash_spe0 out_blade0 out_snow0 leaf_10 leaf_20 water0 "); // h_blade: none
+}
+
+TEST_F(EffectsTest, OnlyDirectChildrenOfTheSprayBelongToIt) {
+    ASSERT_TRUE(make("node: {name: h, children: [{name: downwash, children: [{name: downwash_spe, "
+                     "type: particles, children: [{name: a, children: [{name: out_blade}, "
+                     "{name: water}]}]}]}, {name: leaf_1}, {name: field_anim}]}\n"));
+    fly(3, 0, true);
+    kit.update_fade(1); // the spray has no material
+    EXPECT_EQ(kit.m_out_blade, nullptr);
+    EXPECT_EQ(kit.m_leaf_1, nullptr);
+    EXPECT_EQ(kit.m_field_anim, nullptr); // no field
+    EXPECT_TRUE(node("leaf_1")->isEnabled());
+}
+
+TEST_F(EffectsTest, WithoutItsNodesItSaysSoOnceAndDoesNothing) {
+    struct Case {
+        const char* prefab;
+        const char* message;
+    };
+    const char* const BARE = "node: {name: h, children: [";
+    for (const auto& [rest, message] :
+         {Case{"{name: downwash_spe, type: particles}]}\n", "can not find \"downwash\" node"},
+          Case{"{name: downwash, enabled: false}]}\n", "can not find \"downwash_spe\" node"},
+          Case{"{name: downwash, enabled: false, children: [{name: downwash_spe}]}]}\n",
+               "\"downwash_spe\" node is not a particle"}}) {
+        LogCapture log;
+        EXPECT_FALSE(make(std::string(BARE) + rest));
+        EXPECT_EQ(log.lines,
+                  (std::vector<std::string>{std::string("HeliEffectsKitCorax::init:") + message}));
+        fly(3);
+        kit.update_fade(1);
+        EXPECT_FALSE(kit.m_downwash && kit.m_downwash->isEnabled());
+        PackageManager::release();
+        kit = {};
+    }
+    LogCapture log;
+    EXPECT_FALSE(kit.init(nullptr));
+    kit.update();
+    kit.update_fade(1);
+    EXPECT_TRUE(log.lines.empty());
+}
+
+} // namespace

@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: MIT
+#include "heli/kit/HeliEffectsKitCorax.h"
+#include "ig/scene/SceneObjects.h"
+#include "plugins/ocean/ObjectOcean.h"
+#include "testkit/LogicScene.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace ig;
+
+/// The helicopter of the demo world, held where a record puts it.
+struct EffectsFrame : testing::Test {
+    void SetUp() override {
+        scene.useProjectData();
+        ASSERT_TRUE(scene.start());
+    }
+    /// At a height above what lies below; `rotor` as the host tells it, 270 is full collective.
+    void hover(double longitude, double latitude, float height, float rotor) {
+        UdpRecvData record{};
+        record.longitude = longitude;
+        record.latitude = latitude;
+        record.rotor_speed = rotor;
+        record.altitude = 500;
+        scene.send(record); // to measure the surface
+        scene.frame();
+        record.altitude = scene.logic->m_heli->get_ground_height() + height;
+        scene.send(record);
+        scene.frame();
+    }
+    ObjectParticles* emitter(const char* name) {
+        return static_cast<ObjectParticles*>(scene.helicopterNode(name));
+    }
+    float alpha(const char* name) {
+        const Material* material = emitter(name)->getSurfaceMaterial(0);
+        return material->getParameterValue(material->findParameterIDByTag("diffuse_color")).w;
+    }
+    LogicScene scene;
+};
+
+TEST_F(EffectsFrame, OverTheSeaSprayAndNoLeaves) {
+    scene.logic->m_ocean->setBeaufort(0);
+    hover(-155.05, 19.74, 4, 13.5f); // collective 0.05
+    EXPECT_TRUE(emitter("water")->isVisible());
+    EXPECT_TRUE(emitter("downwash_spe")->isVisible());
+    EXPECT_GT(emitter("water")->getPresentRate(), 0);
+    EXPECT_GT(emitter("downwash_spe")->getPresentRate(), 0);
+    for (const char* name : {"out_snow", "leaf_1", "leaf_2"})
+        EXPECT_EQ(emitter(name)->getPresentRate(), 0) << name;
+    EXPECT_NEAR(alpha("water"), 0.5, 1e-3); // 10 − 0 / 25, by 0.05
+    const double sea = static_cast<double>(scene.logic->m_heli->get_ground_height());
+    EXPECT_NEAR(EllipsoidModel().toWGS(scene.helicopterNode("downwash")->getWorldPosition()).z, sea,
+                1e-4);
+}
+
+TEST_F(EffectsFrame, OverLandLeavesAndNoSpray) {
+    hover(-155.0625125, 19.7124631, 4, 13.5f); // over the helipad
+    EXPECT_FALSE(emitter("water")->isVisible());
+    for (const char* name : {"out_snow", "leaf_1", "leaf_2"}) {
+        EXPECT_TRUE(emitter(name)->isVisible()) << name;
+        EXPECT_GT(emitter(name)->getPresentRate(), 0) << name;
+    }
+    const float ground = scene.logic->m_heli->get_ground_height();
+    EXPECT_GT(ground, 10);
+    EXPECT_NEAR(alpha("leaf_1"), (10 - ground / 25) * 0.05f, 1e-5);
+}
+
+// The emitters that name a surface ask for it themselves, so that a deck stops the leaves too.
+TEST_F(EffectsFrame, EmittersAreSilentOverTheOtherSurface) {
+    auto* spray = new ObjectParticles();
+    spray->setSpawnRate(5);
+    spray->setSurface(ObjectParticles::Surface::water);
+    scene.world->addNode(spray);
+    const Node* ship = scene.world->getNodeByName("LNJ_2023");
+    const dvec3 deck = ship->getWorldTransform() * dvec3(0, -40, 9);
+    spray->setWorldPosition(deck);
+    scene.frame();
+    EXPECT_TRUE(spray->isSilent());
+    EXPECT_EQ(spray->getPresentRate(), 0);
+    spray->setWorldPosition(ship->getWorldTransform() * dvec3(80, 0, 1));
+    scene.frame();
+    EXPECT_FALSE(spray->isSilent());
+    spray->setWgsPosition({10, 10, 90000}); // nothing within reach: it doesn't know, and runs
+    scene.frame();
+    EXPECT_EQ(spray->getPresentRate(), 5);
+}
+
+TEST(Deflector, TakesItsHeightFromTheWeatherAndKeepsItsPlace) {
+    LogicScene scene;
+    scene.addToWorld("name: rain, type: particles, deflectors: 1");
+    scene.addToWorld("name: hail, type: particles"); // without a deflector of its own
+    scene.addToWorld("name: snow");                  // no particle system
+    ASSERT_TRUE(scene.start());
+    auto& rain = static_cast<ObjectParticles&>(*scene.logic->m_rain);
+    auto& hail = static_cast<ObjectParticles&>(*scene.logic->m_hail);
+    UdpRecvData record = LogicScene::record();
+    record.heading = 100;
+    record.pitch = 6;
+    scene.send(record);
+    scene.frame();
+    const dmat4 heli = scene.logic->m_heli->get_world_transform();
+    // Somewhere else above: only the height counts. Hail comes second and has the last word on the
+    // mount, for the next frame's rain as well as nobody's.
+    rain.setWorldTransform(heli * dmat4(dquat(10, 20, 30), dvec3(14, -9, 25)));
+    hail.setWorldTransform(heli * dmat4(dquat(0, 0, 0), dvec3(1, 2, 18)));
+    scene.frame();
+    const dvec3 place = inverse(heli) * rain.getDeflectorTransform(0).getTranslate();
+    EXPECT_LT(length(place - dvec3(0, 3, 25)), 1e-6);
+    const dvec3 up = rain.getDeflectorTransform(0).getZ();
+    EXPECT_NEAR(dot(up, heli.getZ()), 1, 1e-9); // turns with the helicopter, not with the rain
+    EXPECT_LT(length(scene.logic->m_deflector_mount.getTranslate() - dvec3(0, 3, 18)), 1e-6);
+
+    scene.logic->m_hail = nullptr;
+    scene.logic->update_deflector(nullptr);
+    rain.setWorldTransform(heli * dmat4(dquat(0, 0, 0), dvec3(0, 0, -7)));
+    scene.frame();
+    EXPECT_NEAR((inverse(heli) * rain.getDeflectorTransform(0).getTranslate()).z, -7, 1e-6);
+}
+
+} // namespace
