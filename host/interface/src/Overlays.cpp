@@ -44,6 +44,9 @@ const HelpLine HELP[] = {
     {"", "the wheel steps (10 times with Shift, a tenth with Ctrl)"},
     {"F11", "statistics: off, frame rate, all"},
     {"F12 or h", "this help"},
+    {"F7 F8 b t", "sky, precipitation, sea, hour"},
+    {"Alt + Return", "full screen"},
+    {"Alt + p", "save a picture"},
     {"Alt + F4", "end at once"},
 };
 
