@@ -83,9 +83,7 @@ TEST_F(WeatherTest, CodesAreMappedAndThoseOutsideTheirTablesAreSilent) {
         UdpRecvData record = LogicScene::record();
         change(record);
         (scene.logic->*apply)(record);
-        std::string first;
-        if (!log->heard.empty()) first = log->heard.front();
-        return first;
+        return log->heard.empty() ? std::string() : log->heard.front();
     };
     using Logic = Logic_Nerith_Heli_Final;
     const char* const commands[] = {"", "command 2", "command 1", "command 3", "command 4", ""};
