@@ -78,12 +78,14 @@ TEST_F(WeatherTest, OneRecordSignalsInItsFixedOrder) {
 
 TEST_F(WeatherTest, CodesAreMappedAndThoseOutsideTheirTablesAreSilent) {
     start();
-    const auto heardFor = [&](auto change, auto apply) {
-        log->heard.clear();
+    Logic_Nerith_Heli_Final& logic = *scene.logic;
+    Heard& heard = log->heard;
+    const auto heardFor = [&logic, &heard](auto change, auto apply) {
+        heard.clear();
         UdpRecvData record = LogicScene::record();
         change(record);
-        (scene.logic->*apply)(record);
-        return log->heard.empty() ? std::string() : log->heard.front();
+        (logic.*apply)(record);
+        return heard.empty() ? std::string() : heard.front();
     };
     using Logic = Logic_Nerith_Heli_Final;
     const char* const commands[] = {"", "command 2", "command 1", "command 3", "command 4", ""};
