@@ -39,6 +39,7 @@ TEST(Program, AnswersWrongUseAndBadFilesWithOneMessage) {
     expectRun("fly data/missions/demo.yaml --rate 0", 2, "--rate");
     expectRun("replay absent.hrec", 1, "cannot open \"absent.hrec\"");
     expectRun("info CMakeLists.txt", 1, "\"CMakeLists.txt\": byte 0: not a recording");
+    expectRun("fly .", 1, "cannot read \".\": Is a directory");
     expectRun("fly CMakePresets.json", 1, "CMakePresets.json:2:3: a mission has no key");
     expectRun("replay " + recorded_flight + " --to 127.0.0.1", 1, "not an address");
     expectRun("record /nowhere/x.hrec --port 0", 1, "cannot create \"/nowhere/x.hrec\"");

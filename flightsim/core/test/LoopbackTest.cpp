@@ -288,9 +288,7 @@ TEST(UdpAddress, RefusesWhatIsNoAddress) {
     for (const char* text : {"", ":", "127.0.0.1", "127.0.0.1:", ":10004", "127.0.0.1:0",
                              "127.0.0.1:65536", "127.0.0.1:-1", "127.0.0.1:10004x"})
         EXPECT_FALSE(UdpAddress::parse(text, message)) << text;
-    const auto good = UdpAddress::parse("127.0.0.1:10004", message);
-    ASSERT_TRUE(good);
-    EXPECT_EQ(good->text(), "127.0.0.1:10004");
+    EXPECT_EQ(UdpAddress::parse("127.0.0.1:65535", message).value().text(), "127.0.0.1:65535");
 }
 
 } // namespace

@@ -95,13 +95,5 @@ legs:
     EXPECT_EQ(selectLegs(*mission, 90, message)->size(), 4u);
 }
 
-TEST(MissionFile, TellsOfAFileThatCannotBeRead) {
-    std::string message;
-    EXPECT_FALSE(readMission("absent.yaml", message));
-    EXPECT_EQ(message, "cannot read \"absent.yaml\": No such file or directory");
-    EXPECT_FALSE(readMission(".", message));
-    EXPECT_EQ(message, "cannot read \".\": Is a directory");
-}
-
 } // namespace
 } // namespace flightsim

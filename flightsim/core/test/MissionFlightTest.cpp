@@ -295,27 +295,5 @@ legs:
     }
 }
 
-TEST(MissionFlight, StretchesWhatMayBeStretched) {
-    const Mission mission = missionOf(R"(
-legs:
-  - take_off: 10
-  - hover: 1
-    stretch: 1
-    name: first
-  - {hover: 1, stretch: 3, optional_from: 20}
-  - {land: , optional_below: 100}
-)");
-    std::string message;
-    const auto plan = planFlight(mission, 60, message);
-    ASSERT_TRUE(plan) << message;
-    EXPECT_EQ(plan->warning, "");
-    EXPECT_NEAR(plan->seconds, 60, 0.1);
-    EXPECT_NEAR((plan->legs[2].seconds - 1) / (plan->legs[1].seconds - 1), 3, 1e-6);
-    const auto brief = planFlight(mission, 10, message);
-    ASSERT_TRUE(brief);
-    EXPECT_EQ(brief->legs.size(), 3u);
-    EXPECT_NE(brief->warning, "");
-}
-
 } // namespace
 } // namespace flightsim

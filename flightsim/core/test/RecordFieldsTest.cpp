@@ -3,7 +3,6 @@
 
 #include <cstring>
 #include <gtest/gtest.h>
-#include <vector>
 
 namespace flightsim {
 namespace {
@@ -63,19 +62,6 @@ TEST(RecordSchedule, RampsQuantitiesAndSwitchesCodes) {
     EXPECT_EQ(at(99), 0);
     record.sea_speed = 5; // it's over: nothing writes any more
     EXPECT_EQ(at(100), 5);
-}
-
-TEST(RecordSchedule, SendsACommandInOneRecord) {
-    RecordSchedule schedule;
-    UdpRecvData record{};
-    schedule.add(change(0, 5, {{"command", 6}}), 0);
-    schedule.add(change(1.005, 0, {{"command", 7}}), 0);
-    std::vector<std::pair<int, std::uint32_t>> sent;
-    for (int n = 0; n < 300; n++) {
-        schedule.apply(n * 0.01, record);
-        if (record.command) sent.emplace_back(n, record.command);
-    }
-    EXPECT_EQ(sent, (std::vector<std::pair<int, std::uint32_t>>{{0, 6}, {101, 7}}));
 }
 
 } // namespace

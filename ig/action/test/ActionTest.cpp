@@ -178,7 +178,10 @@ TEST_F(ActionTest, a_removed_multi_completes_no_other_action) {
     a->hooks['t'] = [&] { manager.removeAllActions(); };
     EXPECT_EQ(update(1), "a.ataradbrbdcrcd");
     add(ActionMulti::Create({d, make('e', 1)}));
-    d->hooks['.'] = [&] { manager.removeAllActions(); };
+    d->hooks['.'] = [&] {
+        d->forceDone();
+        manager.removeAllActions();
+    };
     EXPECT_EQ(update(1), "d.drddered");
 }
 

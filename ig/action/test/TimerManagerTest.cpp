@@ -47,7 +47,7 @@ TEST(TimerManager, expires_in_every_frame_up_to_its_own_rate_and_keeps_its_perio
 
 TEST(TimerManager, long_frames_expire_once_and_keep_the_phase) {
     Counted c(1);
-    // Due at 4 from 3.75 on: nearer to the third advance's end. 4.75 is nearer to 5 than 5.5 is.
+    // 3.75 missed 2 and 3. 4 itself is nearer to 4 than 3.875 is, and 4.75 nearer to 5 than 5.5.
     const std::pair<float, int> steps[] = {
         {3.75f, 1}, {0.125f, 1}, {0.125f, 2}, {0.75f, 3}, {0.25f, 3}};
     for (const auto& [dt, count] : steps) {

@@ -142,7 +142,7 @@ TEST_F(MjlTest, damaged_files_never_throw) {
                               "d:\n  - *x\n  - e: >-\n      folded\n# end\n%k: !!int 5\n";
     std::mt19937 random(7);
     const std::string_view alphabet = "[]{}:,-?&*!|>%@`\"'#\n\t \\x0\xc3\xff";
-    for (std::size_t i = 0; i < 3000; i++) {
+    for (std::size_t i = 0; i < 1500; i++) {
         std::string bytes = valid.substr(0, i);
         for (int k = 0; i >= valid.size() && k < 3; k++)
             bytes[random() % bytes.size()] = alphabet[random() % alphabet.size()];

@@ -36,7 +36,7 @@ public:
     RasterFolder() { GDALAllRegister(); }
 
     ig::jString writeRaster(const RasterFile& raster, const std::string& name = "heights.tif",
-                            const char* format = "GTiff", bool point = false) const {
+                            const char* format = "GTiff") const {
         const int width = raster.columns;
         GDALDatasetH memory =
             GDALCreate(GDALGetDriverByName("MEM"), "", width, raster.rows, 1, raster.type, nullptr);
@@ -45,7 +45,6 @@ public:
         if (OSRSetFromUserInput(system, raster.system.c_str()) == OGRERR_NONE)
             GDALSetSpatialRef(memory, system);
         OSRDestroySpatialReference(system);
-        if (point) GDALSetMetadataItem(memory, "AREA_OR_POINT", "Point", nullptr);
         GDALRasterBandH band = GDALGetRasterBand(memory, 1);
         GDALSetRasterNoDataValue(band, raster.no_data);
         if (raster.scale != 1) GDALSetRasterScale(band, raster.scale);
