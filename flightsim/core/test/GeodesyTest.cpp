@@ -37,20 +37,5 @@ TEST(Geodesy, OffsetsHaveTheLengthOfTheChordAlsoAcrossTheDateLine) {
     }
 }
 
-TEST(Geodesy, ManySmallStepsAddUpToTheArc) {
-    Geodetic place{10, 40, 100};
-    for (int i = 0; i < 10'000; i++)
-        place = moved(place, {0, 10, 0});
-    // The meridian's arc by Simpson's rule over its radius of curvature.
-    const auto radius = [](double latitude) {
-        const double s = std::sin(latitude * radians);
-        return a * (1 - e2) / std::pow(1 - e2 * s * s, 1.5) + 100;
-    };
-    const double north = place.latitude;
-    const double arc = (radius(40) + 4 * radius((40 + north) / 2) + radius(north)) / 6;
-    EXPECT_NEAR(arc * (north - 40) * radians, 100'000, 0.01);
-    EXPECT_EQ(place.longitude, 10);
-}
-
 } // namespace
 } // namespace flightsim

@@ -93,7 +93,7 @@ TEST_F(MjlTest, malformed_files_name_line_and_column) {
         {"a: &x [1]\n*x : 2\n", "2:1: ", "key"},
         {std::string("a: 1\nb: \0\n", 10), "2:4: ", "UTF-8"},
         {"a: \xc0\xaf\n", "1:4: ", "UTF-8"},
-        {"a: \xc3(\n", "1:4: ", "UTF-8"},
+        {"a: \xc3\xc3\n", "1:4: ", "UTF-8"},
         {"a: \xe2\x82", "1:4: ", "UTF-8"},
     };
     for (const auto& [bytes, where, what] : cases)
