@@ -20,6 +20,9 @@ if(VC_SANITIZE)
     target_compile_options(vc_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
         -fno-omit-frame-pointer -O1)
     target_link_options(vc_flags INTERFACE -fsanitize=address,undefined)
+    set(VC_TEST_SECONDS 300) # instrumented, a minute of scene takes about a minute
+else()
+    set(VC_TEST_SECONDS 120)
 endif()
 
 function(room)
@@ -81,6 +84,6 @@ macro(room_tests)
         endif()
         target_link_libraries(${ROOM_NAME}_test PRIVATE ${ROOM_TEST_LINKS} vc_flags GTest::gtest_main)
         gtest_discover_tests(${ROOM_NAME}_test DISCOVERY_MODE PRE_TEST
-            WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} PROPERTIES TIMEOUT 120)
+            WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} PROPERTIES TIMEOUT ${VC_TEST_SECONDS})
     endif()
 endmacro()
