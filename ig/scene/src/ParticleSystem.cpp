@@ -92,6 +92,7 @@ void ParticleSystem::spawn(const ObjectParticles& emitter, Entry& entry, const M
     if (!(emitter.getPresentRate() > 0)) return;
     entry.owed = std::min(entry.owed + static_cast<double>(emitter.getPresentRate() * dt),
                           static_cast<double>(MOST));
+    makeRoom(emitter, entry.cloud.particles);
     const dmat4& pose = emitter.getWorldTransform();
     const vec3 axes[3] = {vec3(pose.getX()), vec3(pose.getY()), vec3(pose.getZ())};
     const vec3 start(pose.getTranslate() - entry.cloud.origin);
@@ -111,6 +112,15 @@ void ParticleSystem::spawn(const ObjectParticles& emitter, Entry& entry, const M
         p.spin = motion.spin * random();
         entry.cloud.particles.push_back(p);
     }
+}
+
+/// As much as the present rate comes to in the long run, so that a steady emitter allocates once.
+void ParticleSystem::makeRoom(const ObjectParticles& emitter, std::vector<Particle>& particles) {
+    const float steady =
+        emitter.getPresentRate() * (emitter.getLife() + std::abs(emitter.getLifeSpread()));
+    const auto needed = static_cast<std::size_t>(std::clamp(steady, 0.0f, MOST - 1.0f)) + 1;
+    if (particles.capacity() < needed)
+        particles.reserve(std::max(needed, 2 * particles.capacity())); // a rate may creep upwards
 }
 
 /// A deflector keeps its whole vertical column free.

@@ -139,11 +139,10 @@ bool shorten(const Object& object, const dvec3& from, dvec3& to) {
 } // namespace
 
 bool World::meet(const dvec3& from, const dvec3& to, bool sea, dvec3* point) const {
-    jVector<Node*> nodes;
-    if (!getIntersection(from, to, nodes)) return false;
+    if (!getIntersection(from, to, m_crossed)) return false;
     dvec3 end = to;
     bool met = false;
-    for (const Node* node : nodes) {
+    for (const Node* node : m_crossed) {
         if (!node->isObject() || !node->isVisible()) continue;
         if (node->getType() == OBJECT_PREFAB) {
             for (const Object* object : static_cast<const ObjectPrefab*>(node)->getObjects())

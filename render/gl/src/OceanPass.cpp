@@ -199,10 +199,10 @@ void OceanPass::calibrateFoam(const OceanFrame& frame) {
     m_foam_cover = frame.whitecap_cover;
     m_foam_time = frame.time;
     constexpr int SAMPLES = 4096;
-    std::vector<float> measure(SAMPLES);
+    m_measure.assign(SAMPLES, 0);
     double sum = 0, squares = 0, mean_fine = 0;
     std::uint32_t random = 1;
-    for (float& m : measure) {
+    for (float& m : m_measure) {
         for (int i = 0; i < DISPLACED; i++) {
             random = random * 1664525u + 1013904223u; // independent places in each tile
             const float foam = std::clamp(
@@ -225,7 +225,7 @@ void OceanPass::calibrateFoam(const OceanFrame& frame) {
     for (int step = 0; step < 24; step++) {
         m_foam_threshold = (low + high) / 2;
         float cover = 0;
-        for (const float m : measure)
+        for (const float m : m_measure)
             cover += std::clamp(
                 1.08f / (1 + std::exp(-(m - m_foam_threshold) / m_foam_width)) - 0.04f, 0.0f, 1.0f);
         (cover / SAMPLES > static_cast<float>(frame.whitecap_cover) ? low : high) =

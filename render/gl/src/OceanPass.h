@@ -61,4 +61,5 @@ private:
     double m_foam_cover = -1, m_foam_time = -1e9;
     std::vector<float> m_levels;       ///< scratch for mip levels
     std::vector<std::uint8_t> m_bytes; ///< scratch for the encoded slopes
+    std::vector<float> m_measure;      ///< scratch for the foam's calibration
 };

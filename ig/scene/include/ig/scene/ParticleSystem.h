@@ -66,6 +66,7 @@ private:
     void visit(const Node& node, float dt, bool below_decal);
     void advanceEmitter(const ObjectParticles& emitter, float dt, bool flat);
     void spawn(const ObjectParticles& emitter, Entry& entry, const Motion& motion, float dt);
+    static void makeRoom(const ObjectParticles& emitter, std::vector<Particle>& particles);
     static void move(ParticleCloud& cloud, const Motion& motion, float dt);
     static void deflect(const ObjectParticles& emitter, ParticleCloud& cloud);
     static void keepNear(const dvec3& position, ParticleCloud& cloud);

@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: MIT
+
+// The renderer's own work: culling, sorting, uploads, submission, with a driver that only counts.
+
+#include "heli/kit/HelicopterCorax.h"
+#include "ig/app/Sky.h"
+#include "ig/math/quat.h"
+#include "ig/scene/ParticleSystem.h"
+#include "ig/scene/SceneObjects.h"
+#include "ig/ui/UiDrawList.h"
+#include "plugins/ocean/ObjectOcean.h"
+#include "ratio.h"
+#include "render/gl/RendererGL.h"
+#include "testkit/AllocationCounter.h"
+#include "testkit/CountingDriver.h"
+#include "testkit/LogicScene.h"
+
+namespace {
+
+using namespace ig;
+
+constexpr float STEP = 1 / 60.0f;
+
+/// A renderer on the counting driver, at noon.
+struct CountedRenderer {
+    CountedRenderer() {
+        const Sky sky = computeSky(12, LogicScene::LONGITUDE, 80);
+        frame.sun_direction = sky.sun_direction;
+        frame.moon_direction = sky.moon_direction;
+        frame.particles = &particles;
+        renderer.init(1280, 720);
+    }
+    ~CountedRenderer() { renderer.release(); }
+
+    CountingDriver driver;
+    RendererGL renderer{RendererGL::Surface::window};
+    ParticleSystem particles;
+    FrameInfo frame;
+};
+
+/// Pictures of the demo world from behind the helicopter as it hovers over the pad, with panels and
+/// waves that move; at most 1 ms is allowed.
+void demoWorld(benchmark::State& state) {
+    LogicScene scene;
+    scene.useProjectData();
+    scene.start();
+    CountedRenderer r;
+    UiDrawList list;
+    r.frame.ui = &list;
+    r.frame.focus = scene.logic->m_heli->m_prefab;
+    scene.camera.setWgsPosition({LogicScene::LONGITUDE, LogicScene::LATITUDE, 30});
+    scene.camera.setWgsHPR({20, 8, 0});
+    CpuTimes times;
+    std::uint64_t allocations = 0;
+    for (auto _ : state) {
+        scene.frame();
+        r.particles.advance(*scene.world, STEP);
+        r.frame.time += static_cast<double>(STEP);
+        scene.ui->draw(list);
+        CountingDriver::counts() = {};
+        const AllocationCounter counter;
+        times.measure([&] { r.renderer.render(*scene.world, scene.camera, r.frame); });
+        allocations = counter.count();
+    }
+    const CountingDriver::Counts& counts = CountingDriver::counts();
+    state.counters["calls"] = static_cast<double>(counts.calls);
+    state.counters["draws"] = static_cast<double>(counts.draws);
+    state.counters["instances"] = static_cast<double>(counts.instances);
+    state.counters["allocations"] = static_cast<double>(allocations);
+    times.report(state, 1000);
+}
+BENCHMARK(demoWorld)->Iterations(600)->Unit(benchmark::kMicrosecond);
+
+/// So many boxes in view in ten looks; the cost of each should not depend on their number.
+void visibleObjects(benchmark::State& state) {
+    CountedRenderer r;
+    World world;
+    Camera camera;
+    camera.setPerspective(50, 16.0f / 9, 0.1, 1e7);
+    camera.setWgsPosition({LogicScene::LONGITUDE, LogicScene::LATITUDE, 60});
+    Mesh::Surface surface;
+    surface.positions = {{-1, -1, 0}, {1, -1, 0}, {0, 1, 0}};
+    surface.normals.assign(3, {0, 0, 1});
+    surface.indices = {0, 1, 2};
+    const auto mesh = std::make_shared<Mesh>(std::vector<Mesh::Surface>{surface});
+    Material looks[10];
+    for (int i = 0; i < 10; i++)
+        looks[i].addValue("diffuse_color", {static_cast<float>(i) / 10, 0.5f, 0.5f, 1});
+    const auto count = static_cast<int>(state.range(0));
+    for (int i = 0; i < count; i++) {
+        auto* object = new ObjectMesh(mesh);
+        object->setSurfaceMaterial(0, &looks[i * 7 % 10]);
+        object->setTransform(camera.getWorldTransform() *
+                             translate(dvec3(i % 100 - 50, i / 100 % 50 - 25, -200 - i % 7)));
+        world.addNode(object);
+    }
+    CpuTimes times;
+    for (auto _ : state)
+        times.measure([&] { r.renderer.render(world, camera, r.frame); });
+    state.counters["ns_each"] = times.getMedian() * 1e9 / count;
+    state.counters["instances"] =
+        static_cast<double>(CountingDriver::counts().instances) / static_cast<double>(count);
+    times.report(state, 0);
+}
+BENCHMARK(visibleObjects)
+    ->Arg(100)
+    ->Arg(1000)
+    ->Arg(10000)
+    ->Iterations(200)
+    ->Unit(benchmark::kMicrosecond);
+
+/// Ten thousand particles that live, all in view: their step, and their way to the device; at most
+/// 1 ms is allowed for both.
+void particles(benchmark::State& state) {
+    CountedRenderer r;
+    World world;
+    Camera camera;
+    camera.setPerspective(50, 16.0f / 9, 0.1, 1e7);
+    camera.setWgsPosition({LogicScene::LONGITUDE, LogicScene::LATITUDE, 60});
+    for (int i = 0; i < 10; i++) {
+        auto* emitter = new ObjectParticles();
+        emitter->setTransform(camera.getWorldTransform() * translate(dvec3(i - 5, 0, -100)));
+        emitter->setLife(2);
+        emitter->setSpawnRate(500);
+        emitter->setLinearVelocity(5);
+        emitter->setSpread({3, 3, 3});
+        world.addNode(emitter);
+    }
+    for (int i = 0; i < 300; i++)
+        r.particles.advance(world, STEP);
+    CpuTimes step, both;
+    for (auto _ : state)
+        both.measure([&] {
+            step.measure([&] { r.particles.advance(world, STEP); });
+            r.renderer.render(world, camera, r.frame);
+        });
+    state.counters["live"] = r.particles.getNumParticles();
+    state.counters["step_us"] = step.getMedian() * 1e6;
+    both.report(state, 1000);
+}
+BENCHMARK(particles)->Iterations(600)->Unit(benchmark::kMicrosecond);
+
+} // namespace
