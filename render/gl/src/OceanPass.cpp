@@ -24,16 +24,68 @@ constexpr double FLATTEN_FROM = 500, FLATTEN_TO = 950;
 /// Weights of the tiles in the measure of breaking, as in the shader.
 constexpr float BREAKING_WEIGHTS[] = {1.6f, 1.1f, 0.45f};
 
-/// Averages squares of four texels with `channels` values each; in place when `to` is `from`.
-void halve(const float* from, float* to, int edge, int channels) {
-    const int half = edge / 2;
+constexpr int CHANNELS = 4; ///< values of a texel
+
+/// Averages squares of four texels; in place when `to` is `from`.
+void halve(const float* from, float* to, int edge) {
+    const int half = edge / 2, row = edge * CHANNELS;
     for (int y = 0; y < half; y++)
-        for (int x = 0; x < half; x++)
-            for (int k = 0; k < channels; k++) {
-                const float* p = from + ((2 * y) * edge + 2 * x) * channels + k;
-                to[(y * half + x) * channels + k] =
-                    0.25f * (p[0] + p[channels] + p[edge * channels] + p[(edge + 1) * channels]);
-            }
+        for (int x = 0; x < half; x++) {
+            const float* p = from + 2 * (y * row + x * CHANNELS);
+            float mean[CHANNELS]; // all are read before any is written: one vector instruction each
+            for (int k = 0; k < CHANNELS; k++)
+                mean[k] = 0.25f * (p[k] + p[CHANNELS + k] + p[row + k] + p[row + CHANNELS + k]);
+            std::copy_n(mean, CHANNELS, to + (y * half + x) * CHANNELS);
+        }
+}
+
+/// Four values of 0 to 1 as GL_UNSIGNED_INT_8_8_8_8_REV has them. Words instead of bytes keep the
+/// loops around it free of shuffles.
+std::uint32_t packTexel(float r, float g, float b, float a) {
+    const auto byte = [](float v) {
+        return static_cast<std::uint32_t>(
+            static_cast<int>(std::min(std::max(v * 255 + 0.5f, 0.0f), 255.0f)));
+    };
+    return byte(r) | byte(g) << 8 | byte(b) << 16 | byte(a) << 24;
+}
+
+constexpr float LEVEL = 128 / 255.0f; ///< how no slope is encoded
+
+/// The texels of level 0, which hides no variance.
+void encodeSlopes(const OceanTile& tile, float encode, std::uint32_t* __restrict out) {
+    const float *slope = tile.slope, *foam = tile.foam;
+    const int count = tile.resolution * tile.resolution;
+    for (int i = 0; i < count; i++)
+        out[i] = packTexel(slope[2 * i] * encode + LEVEL, slope[2 * i + 1] * encode + LEVEL, 0,
+                           foam ? foam[i] : 0);
+}
+
+/// The texels of a higher level, from means of x, y, square and foam; `share` is what variance is
+/// multiplied with.
+void encodeMeans(const float* means, int count, float encode, float share,
+                 std::uint32_t* __restrict out) {
+    for (int i = 0; i < count; i++) {
+        const float x = means[4 * i], y = means[4 * i + 1];
+        out[i] = packTexel(x * encode + LEVEL, y * encode + LEVEL,
+                           (means[4 * i + 2] - x * x - y * y) * share, means[4 * i + 3]);
+    }
+}
+
+/// Level 1 of those means.
+void averageSlopes(const OceanTile& tile, float* __restrict means) {
+    const int n = tile.resolution, half = n / 2;
+    for (int y = 0; y < half; y++) {
+        const float *a = tile.slope + 4 * y * n, *b = a + 2 * n; // two rows of (x, y)
+        const float* f = tile.foam ? tile.foam + 2 * y * n : nullptr;
+        for (int x = 0; x < half; x++, a += 4, b += 4, means += CHANNELS) {
+            means[0] = 0.25f * (a[0] + a[2] + b[0] + b[2]);
+            means[1] = 0.25f * (a[1] + a[3] + b[1] + b[3]);
+            means[2] = 0.25f * (a[0] * a[0] + a[1] * a[1] + a[2] * a[2] + a[3] * a[3] +
+                                b[0] * b[0] + b[1] * b[1] + b[2] * b[2] + b[3] * b[3]);
+            const int i = 2 * x;
+            means[3] = f ? 0.25f * (f[i] + f[i + 1] + f[n + i] + f[n + i + 1]) : 0;
+        }
+    }
 }
 
 double fraction(double x) { return x - std::floor(x); }
@@ -141,10 +193,10 @@ void OceanPass::uploadDisplacement(const OceanFrame& frame, int tile) {
     const int n = frame.tiles[tile].resolution;
     const float* texels = frame.tiles[tile].displacement;
     glBindTexture(GL_TEXTURE_2D, m_displacement[tile].id());
-    m_levels.resize(static_cast<std::size_t>(n) * static_cast<std::size_t>(n));
+    m_levels.resize(static_cast<std::size_t>(n) * static_cast<std::size_t>(n)); // a quarter of it
     for (int edge = n, level = 0; edge >= 1; edge /= 2, level++) {
         glTexSubImage2D(GL_TEXTURE_2D, level, 0, 0, edge, edge, GL_RGBA, GL_FLOAT, texels);
-        if (edge > 1) halve(texels, m_levels.data(), edge, 4);
+        if (edge > 1) halve(texels, m_levels.data(), edge);
         texels = m_levels.data(); // later levels overwrite what they have read
     }
 }
@@ -154,39 +206,30 @@ void OceanPass::uploadSlopes(const OceanFrame& frame, int tile) {
     const OceanTile& t = frame.tiles[tile];
     const int n = t.resolution;
     const std::size_t count = static_cast<std::size_t>(n) * static_cast<std::size_t>(n);
-    float mean_square = 0;
-    m_levels.resize(count * 4);
-    for (std::size_t i = 0; i < count; i++) {
-        const float x = t.slope[2 * i], y = t.slope[2 * i + 1];
-        float* out = &m_levels[4 * i];
-        out[0] = x;
-        out[1] = y;
-        out[2] = x * x + y * y;
-        out[3] = t.foam ? t.foam[i] : 0;
-        mean_square += out[2];
-    }
-    mean_square /= static_cast<float>(count);
     m_slope_scale[tile] = std::max(0.02f, 6 * std::sqrt(t.slope_variance / 2));
     const float encode = 0.5f / m_slope_scale[tile];
-    const float share = mean_square > 0 ? 1 / mean_square : 0;
-    const auto byte = [](float v) {
-        return static_cast<std::uint8_t>(std::clamp(v * 255 + 0.5f, 0.0f, 255.0f));
-    };
+    // Level after level, four values a texel: together a third more than the first, which has as
+    // many values as the tile has texels.
+    m_levels.resize(count + count / 2);
+    float* last = m_levels.data();
+    averageSlopes(t, last);
+    for (int edge = n / 2; edge > 1; edge /= 2) {
+        halve(last, last + edge * edge * CHANNELS, edge);
+        last += edge * edge * CHANNELS;
+    }
+    const float mean_square = last[2], share = mean_square > 0 ? 1 / mean_square : 0;
+
     glBindTexture(GL_TEXTURE_2D, m_slope[tile].id());
-    m_bytes.resize(count * 4);
+    m_texels.resize(count);
+    encodeSlopes(t, encode, m_texels.data());
+    const float* means = m_levels.data();
     for (int edge = n, level = 0; edge >= 1; edge /= 2, level++) {
-        for (std::size_t i = 0; i < static_cast<std::size_t>(edge) * static_cast<std::size_t>(edge);
-             i++) {
-            const float* p = &m_levels[4 * i];
-            std::uint8_t* q = &m_bytes[4 * i];
-            q[0] = byte(p[0] * encode + 128 / 255.0f);
-            q[1] = byte(p[1] * encode + 128 / 255.0f);
-            q[2] = byte(level ? (p[2] - p[0] * p[0] - p[1] * p[1]) * share : 0);
-            q[3] = byte(p[3]);
+        if (level > 0) {
+            encodeMeans(means, edge * edge, encode, share, m_texels.data());
+            means += edge * edge * CHANNELS;
         }
-        glTexSubImage2D(GL_TEXTURE_2D, level, 0, 0, edge, edge, GL_RGBA, GL_UNSIGNED_BYTE,
-                        m_bytes.data());
-        if (edge > 1) halve(m_levels.data(), m_levels.data(), edge, 4);
+        glTexSubImage2D(GL_TEXTURE_2D, level, 0, 0, edge, edge, GL_RGBA,
+                        GL_UNSIGNED_INT_8_8_8_8_REV, m_texels.data());
     }
 }
 

@@ -48,7 +48,7 @@ private:
     gl::Buffer m_vertices, m_indices;
     gl::Texture m_displacement[DISPLACED], m_slope[TILES];
     int m_edges[TILES] = {}; ///< texels along an edge that the textures were made for
-    struct Stamp { ///< tells one sea at one moment from another, be it another ocean's
+    struct Stamp {           ///< tells one sea at one moment from another, be it another ocean's
         const float* arrays = nullptr;
         unsigned version = 0;
         double time = 0, height = 0, direction = 0;
@@ -59,7 +59,7 @@ private:
     /// Whitecaps: see calibrateFoam.
     float m_foam_threshold = 1, m_foam_width = 0.1f, m_foam_spread = 0.1f, m_foam_mean = 0;
     double m_foam_cover = -1, m_foam_time = -1e9;
-    std::vector<float> m_levels;       ///< scratch for mip levels
-    std::vector<std::uint8_t> m_bytes; ///< scratch for the encoded slopes
-    std::vector<float> m_measure;      ///< scratch for the foam's calibration
+    std::vector<float> m_levels;         ///< scratch for mip levels
+    std::vector<std::uint32_t> m_texels; ///< scratch for the encoded slopes
+    std::vector<float> m_measure;        ///< scratch for the foam's calibration
 };
