@@ -373,15 +373,15 @@ def flag_staff(part, at, height):
 
 
 def flag(name, material, length, width):
-    """A cloth that streams from its staff along -X, hanging from the pivot downwards; its material
-    is seen from both sides."""
+    """A cloth that streams from its staff along X, hanging from the pivot downwards; its material is
+    seen from both sides."""
     part = Part(name)
     columns, rows = 12, 4
 
     def at(i, j):
         u, v = i / columns, j / rows
         wave = 0.16 * length * u * math.sin(7.5 * u - 1.2 * v) * 0.5
-        return (-length * u, wave, -width * v - 0.10 * length * u * u)
+        return (length * u, wave, -width * v - 0.10 * length * u * u)
 
     for i in range(columns):
         for j in range(rows):

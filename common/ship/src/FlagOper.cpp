@@ -15,6 +15,8 @@ using namespace ig;
 namespace {
 
 constexpr float FULL_WIND = 10000.0f; ///< strength at which a flag lies fully along the wind
+constexpr float ASTERN = -90.0f;      ///< turn of the node that points X astern
+constexpr float DOWNWIND = 180.0f;    ///< turn from where the wind comes from to where it goes
 
 /// The angle from the ship's heading to north, degrees, counter-clockwise seen from above.
 float angleToNorth(const Node& ship) {
@@ -42,9 +44,9 @@ void FlagOper::update(float dt) {
         return;
     }
     const float wind = Engine::get()->getWindStrength() / FULL_WIND;
-    const float direction = Engine::get()->getWindDirection() * jMath::sign(wind);
-    const quat calm(0, 0, angleToNorth(*ship) + m_phase + m_offset - 90);
-    const quat windy(0, 0, direction + m_phase + m_offset + 180);
+    const float origin = Engine::get()->getWindOrigin() * jMath::sign(wind);
+    const quat calm(0, 0, angleToNorth(*ship) + m_phase + m_offset + ASTERN);
+    const quat windy(0, 0, origin + m_phase + m_offset + DOWNWIND);
     m_node->setRotation(dquat(normalize(slerp(calm, windy, wind))));
     swing(dt);
 }

@@ -81,8 +81,8 @@ void Ship::update() {
 void Ship::propel() {
     const dmat4 pose = m_body->getTransform();
     const double x = static_cast<double>(m_control.x), y = static_cast<double>(m_control.y);
-    const auto power = static_cast<double>((x < 0 ? m_reverse_thrust : m_thrust) * m_volume);
-    m_body->addForce(vec3(pose.getY() * (x * power)));
+    const auto thrust = static_cast<double>(x < 0 ? m_reverse_thrust : m_thrust);
+    m_body->addForce(vec3(pose.getY() * (x * static_cast<double>(m_volume) * thrust)));
     m_body->addTorque(vec3(pose.getY() * (-y * static_cast<double>(m_roll_torque))));
     m_body->addTorque(vec3(pose.getZ() * (y * static_cast<double>(m_yaw_torque))));
     m_body->addTorque(vec3(pose.getX() * (x * static_cast<double>(m_pitch_torque))));

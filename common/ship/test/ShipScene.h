@@ -25,7 +25,7 @@
 inline constexpr double LONGITUDE = -155.0563123, LATITUDE = 19.7196898;
 inline const ig::EllipsoidModel EARTH;
 
-/// A sea of 24 straight-crested deep-water waves, spread about one direction, whose heights add up
+/// A sea of 12 straight-crested deep-water waves, spread about one direction, whose heights add up
 /// to a significant height and whose lengths lie about a peak period: a stand-in that shares no
 /// code with the real one. Beaufort 0: altitude `m_level` everywhere.
 class SwellSea : public ObjectOcean {
@@ -34,7 +34,7 @@ public:
         m_beaufort = beaufort;
         m_waves.clear();
         if (significant_height == 0) return;
-        constexpr int COUNT = 24;
+        constexpr int COUNT = 12;
         std::mt19937 random(7);
         std::uniform_real_distribution<double> u(-1, 1);
         for (int i = 0; i < COUNT; i++) {

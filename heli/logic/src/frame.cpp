@@ -70,18 +70,12 @@ void Logic_Nerith_Heli_Final::update_flags(float dt) {
 void Logic_Nerith_Heli_Final::place_panels() {
     const IApp* app = Engine::get()->getApp();
     if (!app) return;
-    const auto width = static_cast<float>(app->getWidth());
-    const auto height = static_cast<float>(app->getHeight());
-    const auto place = [](UIElement* panel, float right, float bottom) {
-        // Beyond the panel's own size, so that its far edge is there; 0 keeps the near edge at 0.
-        if (!panel) return;
-        const float x = right > 0 ? right - static_cast<float>(panel->getWidth()) : 0;
-        const float y = bottom > 0 ? bottom - static_cast<float>(panel->getHeight()) : 0;
-        panel->setPosition(static_cast<int>(x), static_cast<int>(y));
-    };
-    place(m_btn_panel, width, height);
-    place(m_cam_panel, 0, height);
-    place(m_radar_panel, width, 0);
+    const int width = app->getWidth(), height = app->getHeight();
+    if (m_btn_panel)
+        m_btn_panel->setPosition(width - m_btn_panel->getWidth(),
+                                 height - m_btn_panel->getHeight());
+    if (m_cam_panel) m_cam_panel->setPosition(0, height - m_cam_panel->getHeight());
+    if (m_radar_panel) m_radar_panel->setPosition(width - m_radar_panel->getWidth(), 0);
 }
 
 /// Measures what lies below the helicopter, for the model and its effects.

@@ -17,6 +17,10 @@ void Engine::beginFrame(float dt) {
     m_running_time += static_cast<double>(dt);
 }
 
+void Engine::setEnvironment(EnvironmentValue which, float value) {
+    if (std::isfinite(value)) m_environment[which] = value;
+}
+
 void Engine::setWindDirection(float direction) {
     if (std::isfinite(direction)) m_wind_direction = direction;
 }

@@ -97,8 +97,9 @@ void ObjectOcean::setAngle(float angle) {
     constexpr float ANY = std::numeric_limits<float>::max();
     if (!accept("ObjectOcean::setAngle", angle, -ANY, ANY, m_angle_limiter)) return;
     ocean::SeaSettings settings = m_waves->get();
-    settings.angle = std::fmod(static_cast<double>(angle), 360.0);
-    if (settings.angle < 0) settings.angle += 360;
+    angle = std::fmod(angle, 360.0f);
+    if (angle < 0) angle += 360;
+    settings.angle = static_cast<double>(angle < 360 ? angle : 0); // a hair below 0 rounds up
     m_waves->set(settings);
 }
 

@@ -180,6 +180,8 @@ TEST_F(Ocean, AbsurdSettingsAreRefusedOrClampedWithOneWarningEach) {
     EXPECT_EQ(m_ocean.getSpeed(), 75);
     EXPECT_GE(m_ocean.getAngle(), 0);
     EXPECT_LT(m_ocean.getAngle(), 360);
+    m_ocean.setAngle(-1e-9f); // 360 after rounding, but told back as 0
+    EXPECT_EQ(m_ocean.getAngle(), 0);
     EXPECT_EQ(m_ocean.getBeaufort(), 12);
     for (double time : {0.0, 30.0, 60.0}) {
         m_ocean.evolve(time);

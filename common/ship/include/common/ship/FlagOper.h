@@ -5,10 +5,14 @@ namespace ig {
 class Node;
 }
 
-/// Swings a flag about its staff and turns it between the ship's heading, in a calm, and the
-/// scene's wind, at full strength. The logic creates one per flag at start-up, sets it up when the
-/// scene has the flag, and advances it every frame; without a flag it is inert. The flag hangs
-/// along −X of its node, which turns about Z. Zero-filled at creation.
+/// Swings a flag about its staff and turns it between two directions: in a calm the wind that the
+/// ship makes for itself, which blows the flag astern, at full strength the scene's wind, and in
+/// proportion between, the shorter way round. The flag hangs along X of its node, which turns about
+/// the ship's vertical. Both ends are right for a ship that heads north. On a heading h the calm end
+/// is off by h to the left and the windy end by h to the right.
+///
+/// The logic creates one per flag at start-up, sets it up when the scene has the flag, and advances
+/// it every frame; without a flag it is inert. Zero-filled at creation.
 struct FlagOper {
     /// A fresh swing between ±`amplitude` degrees at `speed` degrees per second.
     void init(ig::Node* node, float amplitude, float speed);

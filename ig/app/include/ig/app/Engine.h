@@ -35,13 +35,16 @@ public:
     double getRunningTime() const { return m_running_time; } ///< sum of all frames, s
 
     float getEnvironment(EnvironmentValue which) const { return m_environment[which]; }
-    void setEnvironment(EnvironmentValue which, float value) { m_environment[which] = value; }
+    /// What is not finite is ignored.
+    void setEnvironment(EnvironmentValue which, float value);
 
     /// The wind of the scene: where it blows to, degrees counter-clockwise from east, and its
     /// strength, 0 none to 10000, where light things such as flags lie fully along it. Strengths
     /// outside are clamped, what is not finite is ignored.
     void setWindDirection(float direction);
     float getWindDirection() const { return m_wind_direction; }
+    /// Where it comes from, degrees counter-clockwise from east.
+    float getWindOrigin() const { return m_wind_direction + 180; }
     void setWindStrength(float strength);
     float getWindStrength() const { return m_wind_strength; }
 
