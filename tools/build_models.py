@@ -29,7 +29,7 @@ def models():
         f"{PREFABS}/yulei_CORAXF/yulei.glb": equipment.torpedo(),
         f"{PREFABS}/missile/missile.glb": equipment.missile(),
         f"{PREFABS}/sonar/sonar.glb": equipment.sonobuoy() + equipment.dipping_sonar(),
-        f"{PREFABS}/rope_car/rope_car.glb": equipment.rescue_car(),
+        f"{PREFABS}/rope_car/rope_car.glb": equipment.rescue_basket(),
         f"{PREFABS}/vfx/decoy/decoy.glb": equipment.decoy(),
     }
 

@@ -131,34 +131,45 @@ def sonobuoy():
     return [part]
 
 
-def rescue_car():
-    """The load of the winch: a small vehicle in a sling whose ring is at the origin; and the bare
+def rescue_basket():
+    """The load of the winch: a rescue basket below a ring at the origin, 1.3 m high; and the bare
     hook."""
-    load, hook = Part("car"), Part("hook")
-    low = [(-1.55, -2.30), (-1.50, -2.02), (-1.42, -1.96), (0.55, -1.95), (1.42, -2.02),
-           (1.55, -2.16), (1.55, -2.36), (1.35, -2.48), (-1.45, -2.48)]
-    load.solid("cargo_green", [[(x, y * s, z) for y, z in low] for x, s in
-                               ((-0.74, 0.97), (-0.70, 1.0), (0.70, 1.0), (0.74, 0.97))])
-    cab = [(-1.15, -1.97, 0.66), (-1.05, -1.55, 0.62), (0.05, -1.52, 0.62), (0.50, -1.95, 0.66)]
-    load.solid("cargo_green", [[(side * w, y, z) for y, z, w in cab] for side in (-1, 1)])
-    load.polygon("window_dark", [(0.54, 0.453, -1.895), (-0.54, 0.453, -1.895),
-                                 (-0.52, 0.115, -1.568), (0.52, 0.115, -1.568)])
-    panes = Part("panes")
-    for y0, y1 in ((-1.0, -0.55), (-0.47, 0.0)):
-        panes.polygon("window_dark", [(0.664, y0, -1.90), (0.664, y1, -1.90), (0.638, y1, -1.60),
-                                      (0.638, y0, -1.60)])
-    panes.box("light_white", (0.18, 0.03, 0.10), (0.52, 1.55, -2.17))
-    panes.box("light_red", (0.10, 0.03, 0.16), (0.60, -1.53, -2.2))
-    panes.box("weapon_dark", (0.68, 0.08, 0.12), (0.34, 1.57, -2.36))
-    for y in (-1.0, 1.0):  # wheels
-        panes.lathe("tyre", [(0.0, 0.02), (0.16, 0.0), (0.27, 0.0), (0.30, 0.03), (0.30, 0.17),
-                             (0.27, 0.20), (0.16, 0.20)], 20, lambda p,
-                    y=y: (0.60 + p[2], y + p[0], p[1] - 2.6))
-        panes.lathe("heli_metal", [(0.16, 0.20), (0.10, 0.16), (0.0, 0.16)], 20,
-                    lambda p, y=y: (0.60 + p[2], y + p[0], p[1] - 2.6))
-        panes.pipe("harness", [(0.0, 0.0, -0.04), (0.66, 1.2 * y, -1.98), (0.77, 1.15 * y, -2.3)],
-                   0.022, 6)
-    load.merge_both_sides(panes)
+    load, hook = Part("basket"), Part("hook")
+    floor, rim = -1.30, -0.86
+
+    def outline(half_width, half_length, z):  # closed, with rounded corners
+        points = [(x * (half_width - u), y * (half_length - v), z)
+                  for x, y, corner in ((1, 1, ((0, 0.12), (0.04, 0.04), (0.12, 0))),
+                                       (-1, 1, ((0.12, 0), (0.04, 0.04), (0, 0.12))),
+                                       (-1, -1, ((0, 0.12), (0.04, 0.04), (0.12, 0))),
+                                       (1, -1, ((0.12, 0), (0.04, 0.04), (0, 0.12))))
+                  for u, v in corner]
+        middle = (half_width, 0, z)
+        return [middle] + points + [middle]
+
+    for width, length, z, radius in ((0.36, 0.62, rim, 0.022), (0.345, 0.60, -1.08, 0.012),
+                                     (0.32, 0.56, floor + 0.02, 0.02)):
+        load.pipe("heli_metal", outline(width, length, z), radius, 6)
+    for y in (-0.44, -0.22, 0.0, 0.22, 0.44):  # ribs down the sides and across below
+        load.pipe("heli_metal", [(-0.36, y, rim), (-0.32, y, floor + 0.02), (0.32, y, floor + 0.02),
+                                 (0.36, y, rim)], 0.012, 5)
+    for x in (-0.16, 0.16):
+        load.pipe("heli_metal", [(x, -0.62, rim), (x, -0.56, floor + 0.02),
+                                 (x, 0.56, floor + 0.02), (x, 0.62, rim)], 0.012, 5)
+    load.box("weapon_dark", (0.58, 1.04, 0.03), (0, 0, floor + 0.055))
+    float_profile = [(0.0, -0.30), (0.10, -0.29), (0.135, -0.24), (0.135, 0.24), (0.10, 0.29),
+                     (0.0, 0.30)]
+    for y in (-0.77, 0.77):  # they carry it on the sea
+        load.lathe("boat_orange", float_profile, 16, lambda p, y=y: (p[2], y + p[0], p[1] - 1.14))
+        for x in (-0.15, 0.15):
+            load.lathe("harness", [(0.137, x - 0.025), (0.141, x - 0.02), (0.141, x + 0.02),
+                                   (0.137, x + 0.025)], 16,
+                       lambda p, y=y: (p[2], y + p[0], p[1] - 1.14))
+    for x in (-1, 1):
+        for y in (-1, 1):  # two bails
+            load.pipe("boat_orange", [(0.36 * x, 0.46 * y, rim), (0.34 * x, 0.42 * y, -0.58),
+                                      (0.24 * x, 0.27 * y, -0.30), (0.03 * x, 0.03 * y, -0.10)],
+                      0.018, 6)
     load.lathe("heli_metal", ring_profile(0.075, 0.016), 16, lambda p: (p[0], -p[2], p[1] - 0.03))
     hook.lathe("heli_dark", [(0.0, -0.24), (0.05, -0.23), (0.055, -0.05), (0.03, 0.04),
                              (0.0, 0.05)], 14)

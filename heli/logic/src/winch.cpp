@@ -12,7 +12,7 @@ using namespace logic_bodies;
 using namespace logic_memory;
 
 namespace {
-// Not the prefab that start-up warms up: what is lowered is the car in its sling.
+// Not the prefab that start-up warms up: what is lowered is the basket.
 const char* const LOAD = "data/PELMAR_PROJECT/prefabs/rope_car/rope_car.prefab";
 } // namespace
 

@@ -126,7 +126,7 @@ void Physics::update(float dt) {
     const double time = std::min<double>(dt, MAX_FRAME_TIME);
     for (Body* body : m_bodies)
         if (body->getType() == Body::BODY_ROPE && body->isEnabled())
-            static_cast<BodyRope*>(body)->step(time);
+            static_cast<BodyRope*>(body)->step(time, m_surfaces);
     // The small allowance keeps a frame of exactly 1/60 s, rounded up, from becoming two substeps.
     const int steps = std::max(1, static_cast<int>(std::ceil(time / SUBSTEP - 1e-4)));
     for (int step = 0; step < steps; step++) {

@@ -108,7 +108,7 @@ void Physics::land(BodyRigid* body) {
     const dvec3 from = fromBullet(s.last.getOrigin() - down * LANDING_LIFT);
     const dvec3 lowest = center + fromBullet(down * depth);
     dvec3 ground;
-    if (!m_surfaces->meet(from, lowest, false, &ground)) return;
+    if (!m_surfaces->meet(from, lowest, body->m_floating, &ground)) return;
     btTransform rest = s.body->getWorldTransform();
     rest.setOrigin(toBullet(ground) - down * depth);
     s.body->setWorldTransform(rest);

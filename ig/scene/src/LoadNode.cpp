@@ -106,7 +106,7 @@ Body* loadRope(const Package& p) {
 Body* loadBody(const Package& p) {
     if (p.getString("type") == "rope") return loadRope(p);
     reportUnknownKeys(p, {"type", "mass", "center", "linear_damping", "angular_damping", "enabled",
-                          "sensor", "landing", "drag", "joints", "shapes"});
+                          "sensor", "landing", "floating", "drag", "joints", "shapes"});
     if (p.getItem("type") && p.getString("type") != "rigid") {
         report(p, p.getLine(), "unknown type of body", p.getString("type"));
         return nullptr;
@@ -120,6 +120,7 @@ Body* loadBody(const Package& p) {
     body->setAngularDamping(p.getFloat("angular_damping"));
     body->setSensor(p.getBool("sensor"));
     body->setLanding(p.getBool("landing"));
+    body->setFloating(p.getBool("floating"));
     if (p.getItem("enabled")) body->setEnabled(p.getBool("enabled"));
     return body.release();
 }

@@ -139,8 +139,12 @@ public:
     /// the body first enters a world.
     void setSensor(bool sensor) { m_sensor = sensor; }
     /// Whether the body comes to rest where it meets ground that has no body of its own
-    /// (`PhysicsSurfaces`). Default false.
+    /// (`PhysicsSurfaces`), also while it hangs from a rope. Default false.
     void setLanding(bool landing) { m_landing = landing; }
+    bool isLanding() const { return m_landing; }
+    /// Whether the sea counts as ground to a body that lands. Default false.
+    void setFloating(bool floating) { m_floating = floating; }
+    bool isFloating() const { return m_floating; }
 
 protected:
     void changeShapeMass(Shape& shape, float mass) override;
@@ -164,7 +168,7 @@ private:
     float m_linear_damping = 0, m_angular_damping = 0;
     bool m_freezable = true;
     float m_drag_area = 0;
-    bool m_sensor = false, m_landing = false;
+    bool m_sensor = false, m_landing = false, m_floating = false;
     vec3 m_force, m_torque;
     vec3 m_impulse, m_impulse_point; // given before the body takes part
     std::unique_ptr<Simulation> m_simulation;

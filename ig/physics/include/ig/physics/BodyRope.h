@@ -7,6 +7,8 @@
 
 namespace ig {
 
+class PhysicsSurfaces;
+
 /// A cable that hangs from an anchor and carries, through joints, a load.
 ///
 /// The anchor moves as its node is posed: by a host that sends no, one or two poses in a frame.
@@ -25,6 +27,10 @@ namespace ig {
 /// flight does not fall behind as if it had been at rest. An anchor that moves more than 15 m in
 /// one step has been put elsewhere: everything is carried along and keeps its attitude to the local
 /// vertical.
+///
+/// A load whose body lands is held up by the surface below it and stands there, upright, as long as
+/// the cable is slack. It then keeps its place below the helicopter: nobody says how fast a deck
+/// steams ahead, and one that is lowered onto is followed by the helicopter.
 ///
 /// The cable itself is a chain of points without mass, pinned at the anchor and at the load.
 class BodyRope : public Body {
@@ -60,18 +66,23 @@ public:
     /// Point `i` of the cable, 0 at the anchor to SEGMENTS at the lower end, in the rope's frame.
     dvec3 getPoint(int i) const;
 
-    /// Advances by `dt` seconds. Called by the physics.
-    void step(double dt);
+    /// Advances by `dt` seconds, over what `surfaces`, which may be null, hold. Called by the
+    /// physics.
+    void step(double dt, const PhysicsSurfaces* surfaces = nullptr);
     /// Starts to hold a load where it is.
     void catchLoad(const dvec3& place);
 
 private:
     bool isLoaded() const;
     void start(const dvec3& anchor);
+    void jump(const dmat3& before, const dvec3& target);
+    void findGround(const PhysicsSurfaces* surfaces, bool placed);
     void followAnchor(const dvec3& anchor, double h);
     void startFollower(const dvec3& anchor, double h);
     void reel(double h);
     void swing(const dvec3& up, double h);
+    bool settle(dvec3& load, const dvec3& up) const;
+    void brakeOnGround(const dvec3& up, double h);
     void moveChain(const dvec3& up, double h);
     void carryLoads();
 
@@ -91,6 +102,9 @@ private:
     double m_hanging, m_reel_speed = 0;
     dvec3 m_load, m_load_velocity;                           // relative to the anchor, world axes
     std::array<dvec3, SEGMENTS + 1> m_points, m_last_points; // likewise
+    bool m_over_ground = false, m_resting = false;
+    dvec3 m_ground;     // below the load as of this step, world
+    double m_reach = 0; // of the load below the cable's end, m
 };
 
 } // namespace ig
