@@ -44,8 +44,8 @@ void levelCamera() {
 } // namespace
 
 Channel::Channel(const Options& options)
-    : m_options(options), m_window(*this), m_interface(this, &m_control), m_camera_control(nullptr),
-      m_environment(m_options),
+    : m_options(options), m_window(*this), m_interface(this, &m_control),
+      m_script(*this, *m_interface.getRoot()), m_camera_control(nullptr), m_environment(m_options),
       m_screenshots(options.screenshot, options.screenshot_every, options.contact_sheet),
       m_clock(options.frame_rate, options.step) {
     m_status.setQuiet(options.quiet);
@@ -61,6 +61,7 @@ bool Channel::open() {
                     std::strerror(errno));
         return false;
     }
+    if (!loadScript()) return false;
     if (!m_options.trace.empty() && !m_trace.open(m_options.trace)) return false;
     if (!makeRenderer()) return false;
     Engine::get()->setApp(this);
@@ -84,6 +85,17 @@ bool Channel::open() {
     for (SocketUDP* socket : SocketUDP::getOpenSockets())
         if (!m_options.allow_sender.empty() && !socket->setAllowedSender(m_options.allow_sender))
             return false;
+    return true;
+}
+
+bool Channel::loadScript() {
+    Script script;
+    std::string message;
+    if (!m_options.script.empty() && !readScript(m_options.script, script, message)) {
+        jLog::error("visual_channel: %s", message.c_str());
+        return false;
+    }
+    m_script.open(std::move(script));
     return true;
 }
 
@@ -169,7 +181,10 @@ bool Channel::runFrame() {
     const float dt = m_clock.beginFrame();
     const double begin = steadyNow();
     if (m_window.isOpen() && !m_window.poll()) m_close_requested = true;
+    if (m_frames > 0) playScript(); // before, no button has been laid out
     const FrameCosts costs = frame(dt);
+    if (!m_script.getPictureName().empty())
+        m_screenshots.take(*m_renderer, m_script.getPictureName());
     const double work = steadyNow() - begin;
     if (m_options.scale <= 0) m_renderer->setScale(m_governor.update(work, m_renderer->getScale()));
     if (m_window.isOpen()) m_window.swap();
@@ -181,6 +196,11 @@ bool Channel::runFrame() {
     m_scene_time += static_cast<double>(dt);
     m_frames++;
     return true;
+}
+
+void Channel::playScript() {
+    m_script.play(m_scene_time, m_listener.m_records > 0);
+    if (m_script.hasQuit()) requestStop();
 }
 
 void Channel::askToQuit() {

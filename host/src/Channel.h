@@ -8,6 +8,7 @@
 #include "Options.h"
 #include "ScaleGovernor.h"
 #include "Screenshots.h"
+#include "ScriptPlayer.h"
 #include "Status.h"
 #include "Trace.h"
 #include "Window.h"
@@ -36,6 +37,8 @@ public:
     bool open();
     /// Runs frames until the time or the number of frames is up, or until `requestStop`.
     void run();
+    /// After `run`: 0, or 1 when a command of the script could not be done.
+    int getExitStatus() const { return m_script.getFailures() > 0 ? 1 : 0; }
     /// Releases everything in the order that the objects need; a second call does nothing.
     void close();
     /// Ends `run` after the present frame. May be called from a signal handler.
@@ -67,6 +70,8 @@ private:
     bool runFrame();
     FrameCosts frame(float dt);
     void askToQuit();
+    bool loadScript();
+    void playScript();
     void setProjection();
     void draw();
     void levelAfterJump();
@@ -79,6 +84,7 @@ private:
     ScaleGovernor m_governor;
     ig::ControlApp m_control;
     OperatorInterface m_interface;
+    ScriptPlayer m_script;
     ig::World m_world;
     ig::Camera m_camera;       ///< the logic's
     ig::Camera m_fixed_camera; ///< what is seen through instead when the options say so

@@ -19,6 +19,8 @@ bool readSize(const std::string& text, Options& options) {
 }
 
 void addInterfaceOptions(CLI::App& app, Options& options) {
+    app.add_option("--script", options.script,
+                   "Do the timed operator commands in this file (docs/operator.md)");
     app.add_flag("--no-ui", options.no_interface, "Pictures without panels and texts");
     app.add_flag("--help-overlay", options.show_help, "Begin with the key map over the picture");
     app.add_option("--statistics", options.statistics,
@@ -136,8 +138,10 @@ bool parseOptions(int argc, char** argv, Options& options, int& exit_status) {
                    "Take records from this IPv4 address only");
     app.add_option("--trace", options.trace, "Write a CSV line per frame to this file");
     app.add_flag("--quiet", options.quiet, "No status line every second");
-    app.footer("Stop with Ctrl-C. Exit status: 0 after an orderly end, 1 when the logic, the world "
-               "or its start marker is missing, 2 for a wrong command line.");
+    app.footer(
+        "Stop with Ctrl-C. Exit status: 0 after an orderly end, 1 when the logic, the world "
+        "or its start marker is missing or a script could not be done, 2 for a wrong command "
+        "line.");
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

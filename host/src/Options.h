@@ -30,6 +30,7 @@ struct Options {
     Weather weather;                ///< what is asked for here, whatever the flight simulation says
     std::vector<double> eye;   ///< longitude, latitude, altitude, heading, pitch of a fixed camera
     bool profile = false;      ///< milliseconds per pass in the summary
+    std::string script;        ///< file of timed operator commands; empty: none
     std::string allow_sender;  ///< whose records are taken; empty: anybody's
     std::string trace;         ///< CSV file with a line per frame; empty: none
     bool quiet = false;        ///< no status line

@@ -17,6 +17,15 @@ void Screenshots::take(ig::Renderer& renderer) {
     std::string path = m_path.empty() ? "picture.png" : m_path;
     const std::size_t dot = path.rfind('.');
     path.insert(dot == std::string::npos ? path.size() : dot, number);
+    keep(renderer, path);
+}
+
+void Screenshots::take(ig::Renderer& renderer, const std::string& name) {
+    const std::size_t slash = m_path.rfind('/');
+    keep(renderer, m_path.substr(0, slash == std::string::npos ? 0 : slash + 1) + name + ".png");
+}
+
+void Screenshots::keep(ig::Renderer& renderer, const std::string& path) {
     renderer.savePicture(path);
     ig::Picture picture;
     if (!m_sheet_path.empty() && renderer.readPicture(picture)) m_sheet.add(picture);

@@ -18,8 +18,12 @@ public:
     void afterLast(ig::Renderer& renderer);
     /// A numbered picture now, under the asked name or "picture.png".
     void take(ig::Renderer& renderer);
+    /// The last frame now, as NAME.png in the folder of the asked name.
+    void take(ig::Renderer& renderer, const std::string& name);
 
 private:
+    void keep(ig::Renderer& renderer, const std::string& path);
+
     std::string m_path, m_sheet_path;
     ContactSheet m_sheet;
     double m_interval;

@@ -20,5 +20,5 @@ int main(int argc, char** argv) {
     Channel channel(options);
     if (!channel.open()) return 1;
     channel.run();
-    return 0;
+    return channel.getExitStatus();
 }

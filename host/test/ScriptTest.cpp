@@ -1,0 +1,226 @@
+// SPDX-License-Identifier: MIT
+#include "Script.h"
+#include "ScriptPlayer.h"
+#include "Window.h"
+#include "heli/logic/records.h"
+#include "ig/physics/BodyRope.h"
+#include "ig/ui/UIButton.h"
+#include "ig/ui/UILabel.h"
+#include "testkit/LogicScene.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace ig;
+using Kind = ScriptCommand::Kind;
+
+Script scriptOf(const std::string& commands) {
+    Script script;
+    std::string message;
+    EXPECT_TRUE(parseScript("from: start\ncommands:\n" + commands, "s.yaml", script, message))
+        << message;
+    return script;
+}
+
+TEST(ScriptFile, CommandsAreReadInTheOrderOfTheirTimes) {
+    const Script script = scriptOf("- {at: 9, click: 下放声呐, hold: 3}\n"
+                                   "- {at: 1.5, key: Shift+t}\n"
+                                   "- {at: 9, key: +, hold: 1}\n"
+                                   "- {at: 2, drag: [300, -40], over: 2, button: right}\n"
+                                   "- {at: 4, wheel: -3}\n"
+                                   "- {at: 9, key: F12}\n");
+    ASSERT_EQ(script.commands.size(), 6u);
+    EXPECT_EQ(script.commands[0].keys, (std::vector<int>{KEY_SHIFT, 't'}));
+    EXPECT_EQ(script.commands[1].y, -40);
+    EXPECT_EQ(script.commands[1].button, 1);
+    EXPECT_EQ(script.commands[1].duration, 2);
+    EXPECT_EQ(script.commands[2].notches, -3);
+    EXPECT_EQ(script.commands[3].text, "下放声呐");
+    EXPECT_EQ(script.commands[3].duration, 3);
+    EXPECT_EQ(script.commands[3].line, 3);
+    EXPECT_EQ(script.commands[4].keys, std::vector<int>{'+'});
+    EXPECT_EQ(script.commands[5].keys, std::vector<int>{KEY_F12});
+}
+
+TEST(ScriptFile, FaultsAreToldWithTheirPlace) {
+    const std::pair<const char*, const char*> faults[] = {
+        {"", "s.yaml:1:1: a script must be a map"},
+        {"from: start\n", "s.yaml:1:1: a script needs a list"},
+        {"form: start\n", "s.yaml:1:1: a script has no key \"form\""},
+        {"from: now\n", "s.yaml:1:7: from must be"},
+        {"commands: [\n", "s.yaml:2:1: "},
+        {"commands:\n- F1\n", "s.yaml:2:3: a command must be a map"},
+        {"commands:\n- {key: F1}\n", "s.yaml:2:3: a command needs \"at\""},
+        {"commands:\n- {at: 1}\n", "s.yaml:2:3: a command does one thing"},
+        {"commands:\n- {at: 1, key: F1, type: a}\n", "s.yaml:2:3: a command does one thing"},
+        {"commands:\n- {at: 1, at: 2, key: F1}\n", "s.yaml:2:11: \"at\" is given twice"},
+        {"commands:\n- {at: -1, key: F1}\n", "s.yaml:2:8: at must be a number from 0"},
+        {"commands:\n- {at: .nan, key: F1}\n", "s.yaml:2:8: at must be a number"},
+        {"commands:\n- {at: 1, press: F1}\n", "s.yaml:2:11: a command has no key \"press\""},
+        {"commands:\n- {at: 1, click: ''}\n", "s.yaml:2:18: click needs a text"},
+        {"commands:\n- {at: 1, key: F13}\n", "s.yaml:2:16: there is no key \"F13\""},
+        {"commands:\n- {at: 1, key: Shift+}\n", "s.yaml:2:16: there is no key \"\""},
+        {"commands:\n- {at: 1, key: A}\n", "s.yaml:2:16: there is no key \"A\""},
+        {"commands:\n- {at: 1, drag: [1, 2, 3]}\n", "s.yaml:2:17: drag needs"},
+        {"commands:\n- {at: 1, drag: [1, .inf]}\n", "s.yaml:2:21: drag must be a number"},
+        {"commands:\n- {at: 1, wheel: 0.5}\n", "s.yaml:2:18: wheel needs whole notches"},
+        {"commands:\n- {at: 1, screenshot: ../x}\n", "s.yaml:2:23: screenshot needs a plain name"},
+        {"commands:\n- {at: 1, wheel: 1, hold: 2}\n", "s.yaml:2:3: hold belongs to"},
+        {"commands:\n- {at: 3, wheel: 1}\n- {at: 1, click: a, hold: 2.5}\n",
+         "s.yaml:2:1: the mouse is still held by the command in line 3"},
+    };
+    for (const auto& [text, expected] : faults) {
+        Script script;
+        std::string message;
+        EXPECT_FALSE(parseScript(text, "s.yaml", script, message)) << text;
+        EXPECT_EQ(message.rfind(expected, 0), 0u) << text << message;
+    }
+    Script script;
+    std::string message;
+    EXPECT_FALSE(readScript("none.yaml", script, message));
+    EXPECT_EQ(message, "\"none.yaml\": No such file or directory");
+}
+
+/// Hears what a script does, frame by frame.
+struct Recorder final : WindowListener {
+    void onKey(int key, bool down, bool) override { add(down ? "down" : "up", key); }
+    void onText(const char* utf8) override { events += std::string("'") + utf8 + "' "; }
+    void onButton(int button, bool down, float x, float y) override {
+        add(down ? "press" : "release", button);
+        const UIEventMouse event{button, x, y};
+        down ? ui.mouseDown(event) : ui.mouseUp(event);
+    }
+    void onMove(float x, float y) override {
+        add("move", static_cast<int>(x));
+        ui.mouseMove(x, y);
+    }
+    void onWheel(float notches) override { add("wheel", static_cast<int>(notches)); }
+    void onFocusLost() override {}
+    void onResized(int, int) override {}
+    void add(const char* name, int value) { events += name + std::to_string(value) + ' '; }
+    std::string events;
+    UIRoot ui;
+};
+
+struct ScriptPlayerTest : testing::Test {
+    ScriptPlayerTest() {
+        listener.ui.resize(800, 600);
+        auto* button = new UIButton(&listener.ui, "Drop");
+        button->setFixSize(80, 20);
+        listener.ui.addChild(button);
+        auto* label = new UILabel(&listener.ui, "Only a text");
+        label->setAlignFree(true);
+        label->setPosition(0, 50);
+        listener.ui.addChild(label);
+        listener.ui.update(0);
+    }
+    /// What happens before the frame of that time.
+    std::string at(double time) {
+        player.play(time, true);
+        return std::exchange(listener.events, {});
+    }
+    LogCapture log;
+    Recorder listener;
+    ScriptPlayer player{listener, listener.ui};
+};
+
+TEST_F(ScriptPlayerTest, PressesStayForAFrameAndKeepTheirOrderHoweverSlowTheFrames) {
+    player.open(scriptOf("- {at: 0, click: Drop}\n- {at: 0.2, key: Shift+g}\n"
+                         "- {at: 0.3, drag: [100, 0], over: 1}\n- {at: 1.5, screenshot: a}\n"
+                         "- {at: 1.5, wheel: -2}\n- {at: 1.6, type: a5é}\n- {at: 1.7, quit: }\n"));
+    EXPECT_EQ(at(0), "move40 press0 ");
+    EXPECT_EQ(at(2), "release0 down270 down103 move400 "); // from the button to the middle
+    EXPECT_EQ(player.getPictureName(), "a");
+    EXPECT_EQ(at(2), "press0 "); // keys have 0.1 s to go; the wheel waits for the mouse
+    EXPECT_EQ(at(2.5), "up103 up270 move450 "); // half of the way
+    EXPECT_EQ(player.getPictureName(), "");
+    EXPECT_EQ(at(3.1), "move500 release0 move400 wheel-1 ");
+    EXPECT_FALSE(player.hasQuit());
+    EXPECT_EQ(at(3.1), "wheel-1 ");
+    EXPECT_EQ(at(3.2), "down97 'a' up97 down53 '5' up53 'é' ");
+    EXPECT_TRUE(player.hasQuit());
+    EXPECT_EQ(player.getFailures(), 0);
+}
+
+TEST_F(ScriptPlayerTest, TimesCountFromTheFirstRecordUnlessTheScriptSaysOtherwise) {
+    Script script;
+    std::string message;
+    ASSERT_TRUE(parseScript("commands: [{at: 1, key: g}]", "s.yaml", script, message)) << message;
+    player.open(script);
+    player.play(5, false);
+    EXPECT_EQ(at(7), "");
+    EXPECT_EQ(at(7.9), "");
+    EXPECT_EQ(at(8), "down103 'g' "); // as a keyboard tells both
+}
+
+TEST_F(ScriptPlayerTest, WhatIsNoButtonIsToldOnceWithThoseThatThereAre) {
+    player.open(scriptOf("- {at: 0, click: Only a text}\n- {at: 0.1, click: Drop}\n"));
+    EXPECT_EQ(at(0).find("press"), std::string::npos);
+    EXPECT_NE(at(0.1).find("press0"), std::string::npos) << "the next command is done";
+    EXPECT_EQ(player.getFailures(), 1);
+    ASSERT_EQ(log.lines.size(), 1u);
+    EXPECT_EQ(log.lines[0],
+              "s.yaml:3: there is no button \"Only a text\" to click; there are \"Drop\"");
+}
+
+/// The real logic, worked as a window's operator works it.
+struct ScriptedScene : LogicScene, WindowListener {
+    void onKey(int key, bool down, bool) override { down ? input.keyDown(key) : input.keyUp(key); }
+    void onText(const char* utf8) override { input.text(utf8); }
+    void onButton(int button, bool down, float x, float y) override {
+        down ? input.mouseDown(button, x, y) : input.mouseUp(button, x, y);
+    }
+    void onMove(float x, float y) override { input.mouseMove(x, y); }
+    void onWheel(float notches) override { input.wheel(notches); }
+    void onFocusLost() override {}
+    void onResized(int, int) override {}
+    void runUntil(double end) {
+        for (; time < end; time += 1 / 60.0) {
+            player->play(time, false);
+            frame();
+        }
+    }
+    std::optional<ScriptPlayer> player;
+    double time = 0;
+};
+
+TEST(ScriptedLogic, DoesWhatTheOperatorAsksFor) {
+    ScriptedScene scene;
+    scene.useProjectData();
+    ASSERT_TRUE(scene.start());
+    scene.frame(); // the panels find their places
+    scene.player.emplace(scene, *scene.ui);
+    scene.player->open(scriptOf("- {at: 0.1, click: 投放鱼雷}\n- {at: 0.3, click: 打开声呐}\n"
+                                "- {at: 1, click: 下放声呐, hold: 3}\n"
+                                "- {at: 4.5, drag: [0, 60], over: 0.5}\n"
+                                "- {at: 5.5, wheel: -3}\n- {at: 6, key: F1}\n"
+                                "- {at: 6.2, click: 自由视角}\n- {at: 6.4, click: \"100\"}\n"
+                                "- {at: 6.6, type: \"250\"}\n- {at: 6.7, key: Return}\n"
+                                "- {at: 7, click: 场景重置}\n"));
+    const Logic_Nerith_Heli_Final& logic = *scene.logic;
+    scene.runUntil(1);
+    EXPECT_EQ(logic.m_torpedo_infos.size(), 1);
+    ASSERT_NE(logic.m_sonar_info->prefab, nullptr);
+    const auto* rope =
+        static_cast<const BodyRope*>(static_cast<Object*>(logic.m_sonar_info->rope)->getBody());
+    const float before = rope->getLength() * 1.5f;
+    scene.runUntil(4.4);
+    EXPECT_NEAR(rope->getLength() * 1.5f, before + 6, 0.1); // 3 s at 2 m/s
+    const dvec3 level = logic.m_third_cam_pos;
+    scene.runUntil(5.4);
+    EXPECT_GT(EllipsoidModel().toWGS(logic.m_third_cam_pos).z, EllipsoidModel().toWGS(level).z + 5);
+    scene.runUntil(5.9);
+    EXPECT_NEAR(logic.m_third_dist, 25 * 1.1 * 1.1 * 1.1, 0.01);
+    scene.runUntil(6.15);
+    EXPECT_EQ(logic.m_player_mode, Logic_Nerith_Heli_Final::PLAYER_MODE_FREE);
+    scene.runUntil(6.9);
+    EXPECT_EQ(logic.m_player_mode, Logic_Nerith_Heli_Final::PLAYER_MODE_FIRST);
+    EXPECT_EQ(logic.getCamSpeed(), 250);
+    scene.runUntil(7.2);
+    EXPECT_EQ(logic.m_torpedo_infos.size(), 0);
+    EXPECT_EQ(logic.m_sonar_info->prefab, nullptr);
+    EXPECT_EQ(scene.player->getFailures(), 0);
+}
+
+} // namespace
