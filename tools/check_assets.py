@@ -146,7 +146,7 @@ def obj_model(text):
         elif word in ("v", "vn"):
             (points if word == "v" else normals).append(tuple(map(float, rest)))
         elif word == "f":
-            pairs = [tuple(map(int, corner.split("//"))) for corner in rest]
+            pairs = [tuple(map(int, corner.split("/")[::2])) for corner in rest]
             model.triangles[part].append(([points[p - 1] for p, _ in pairs],
                                           [normals[n - 1] for _, n in pairs]))
     return model

@@ -70,13 +70,17 @@ class Part:
     def __init__(self, name):
         self.name = name
         self.triangles = []  # (material, (a, b, c))
+        self.places = {}  # texture coordinates of the corners, by the triangle's number, if it has any
 
-    def polygon(self, material, points):
+    def polygon(self, material, points, places=None):
         """A convex polygon, as a fan. Corners that coincide are dropped."""
-        for b, c in zip(points[1:], points[2:]):
-            double_area = cross(sub(b, points[0]), sub(c, points[0]))
+        for i in range(1, len(points) - 1):
+            corners = (points[0], points[i], points[i + 1])
+            double_area = cross(sub(corners[1], corners[0]), sub(corners[2], corners[0]))
             if math.sqrt(dot(double_area, double_area)) > 2 * SMALLEST_AREA:
-                self.triangles.append((material, (points[0], b, c)))
+                if places:
+                    self.places[len(self.triangles)] = (places[0], places[i], places[i + 1])
+                self.triangles.append((material, corners))
 
     def hexahedron(self, material, bottom, top):
         """A solid between two quadrilaterals that run counter-clockwise seen from the top."""
@@ -239,6 +243,8 @@ class Part:
 
     def merge(self, other, transform=lambda p: p, material=None):
         """Adds a transformed copy, of one material if given; the transform must not mirror."""
+        for number, places in other.places.items():
+            self.places[len(self.triangles) + number] = places
         for name, corners in other.triangles:
             self.triangles.append((material or name, tuple(transform(p) for p in corners)))
 

@@ -20,15 +20,18 @@ class Indices:
 
 def obj_text(parts):
     """The OBJ file that holds `parts`: one `o` group each, one `usemtl` run for each surface."""
-    points, normals = Indices("v", 4), Indices("vn", 3)
+    points, places, normals = Indices("v", 4), Indices("vt", 4), Indices("vn", 3)
     groups = []
     for part in parts:
         groups.append(f"o {part.name}")
         surfaces = {}
-        for (material, corners), corner_normals in zip(part.triangles, part.corner_normals()):
-            words = [f"{points.of(p)}//{normals.of(n)}" for p, n in zip(corners, corner_normals)]
+        triangles = zip(part.triangles, part.corner_normals())
+        for number, ((material, corners), corner_normals) in enumerate(triangles):
+            at = [places.of(uv) for uv in part.places.get(number, ())] or [""] * 3
+            words = [f"{points.of(p)}/{t}/{normals.of(n)}"
+                     for p, t, n in zip(corners, at, corner_normals)]
             surfaces.setdefault(material, []).append("f " + " ".join(words))
         for material, faces in surfaces.items():
             groups += [f"usemtl {material}", *faces]
-    return "\n".join(["# SPDX-License-Identifier: MIT", *points.lines(), *normals.lines(),
-                      *groups, ""])
+    return "\n".join(["# SPDX-License-Identifier: MIT", *points.lines(), *places.lines(),
+                      *normals.lines(), *groups, ""])

@@ -20,7 +20,9 @@ bool Material::load(const jString& path) {
         return false;
     }
     const Package* states = file->getPackage("states");
-    return loadParameters(*parameters) && (!states || loadStates(*states));
+    const Package* textures = file->getPackage("textures");
+    return loadParameters(*parameters) && (!states || loadStates(*states)) &&
+           (!textures || loadTextures(*textures));
 }
 
 bool Material::loadParameters(const Package& parameters) {
@@ -52,6 +54,19 @@ bool Material::loadStates(const Package& states) {
             return false;
         }
         addState(item.getName(), item.getInt());
+    }
+    return true;
+}
+
+bool Material::loadTextures(const Package& textures) {
+    for (int i = 0; i < textures.getItemCount(); i++) {
+        const Item& item = textures.getItemAt(i);
+        if (item.getKind() != Item::Kind::value || item.getString().empty()) {
+            jLog::error("Material::load: %s:%d: texture \"%s\" is no path", m_path.c_str(),
+                        item.getLine(), item.getName().c_str());
+            return false;
+        }
+        setTexture(item.getName(), item.getString());
     }
     return true;
 }
@@ -112,6 +127,21 @@ void Material::setStateValue(int id, int value) {
 }
 
 int Material::getStateValue(int id) const { return hasState(id) ? m_states[id].value : 0; }
+
+void Material::setTexture(const jString& name, const jString& path) {
+    for (int i = 0; i < m_textures.size(); i++)
+        if (m_textures[i].name == name) {
+            m_textures[i].path = path;
+            return;
+        }
+    m_textures.append({name, path});
+}
+
+const jString* Material::findTexture(const jString& name) const {
+    for (int i = 0; i < m_textures.size(); i++)
+        if (m_textures[i].name == name) return &m_textures[i].path;
+    return nullptr;
+}
 
 namespace {
 std::map<jString, std::unique_ptr<Material>>& materials() {

@@ -23,6 +23,13 @@ struct Axes {
     }
 };
 
+/// The file that surfaces are taken from.
+struct Source {
+    const aiScene& scene;
+    Axes axes;
+    std::string folder; ///< with its closing slash, or empty
+};
+
 bool isGltf(const std::string& path) { return path.ends_with(".gltf") || path.ends_with(".glb"); }
 
 /// Larger ones than the earth are mistakes, and would overflow what is computed from them.
@@ -37,7 +44,17 @@ bool isSane(const aiMesh& mesh) {
     return true;
 }
 
-void appendMesh(const aiScene& scene, const aiMesh& mesh, const aiMatrix4x4& transform, Axes axes,
+/// Path of the base colour's picture, which stands beside the model. A picture packed into the
+/// model itself keeps the importer's name, which no file has: it is missed where it is looked for.
+jString texturePath(const aiMaterial& material, const std::string& folder) {
+    aiString name;
+    if (material.GetTexture(aiTextureType_BASE_COLOR, 0, &name) != aiReturn_SUCCESS &&
+        material.GetTexture(aiTextureType_DIFFUSE, 0, &name) != aiReturn_SUCCESS)
+        return {};
+    return jString((folder + name.C_Str()).c_str());
+}
+
+void appendMesh(const Source& source, const aiMesh& mesh, const aiMatrix4x4& transform,
                 std::vector<Mesh::Surface>& surfaces) {
     if (!(mesh.mPrimitiveTypes & aiPrimitiveType_TRIANGLE) || !mesh.HasNormals()) return;
     if (!isSane(mesh)) {
@@ -46,13 +63,15 @@ void appendMesh(const aiScene& scene, const aiMesh& mesh, const aiMatrix4x4& tra
         return;
     }
     Mesh::Surface surface;
-    surface.name = scene.mMaterials[mesh.mMaterialIndex]->GetName().C_Str();
+    const aiMaterial& material = *source.scene.mMaterials[mesh.mMaterialIndex];
+    surface.name = material.GetName().C_Str();
+    surface.texture = texturePath(material, source.folder);
     aiMatrix3x3 turn(transform);
     turn.Inverse().Transpose(); // normals need the inverse transpose
     for (unsigned i = 0; i < mesh.mNumVertices; i++) {
-        surface.positions.push_back(axes(transform * mesh.mVertices[i]));
+        surface.positions.push_back(source.axes(transform * mesh.mVertices[i]));
         aiVector3D normal = turn * mesh.mNormals[i];
-        surface.normals.push_back(axes(normal.NormalizeSafe()));
+        surface.normals.push_back(source.axes(normal.NormalizeSafe()));
         if (mesh.HasTextureCoords(0))
             surface.uvs.push_back({mesh.mTextureCoords[0][i].x, mesh.mTextureCoords[0][i].y});
     }
@@ -64,12 +83,12 @@ void appendMesh(const aiScene& scene, const aiMesh& mesh, const aiMatrix4x4& tra
     if (!surface.indices.empty()) surfaces.push_back(std::move(surface));
 }
 
-void appendNode(const aiScene& scene, const aiNode& node, const aiMatrix4x4& transform, Axes axes,
+void appendNode(const Source& source, const aiNode& node, const aiMatrix4x4& transform,
                 std::vector<Mesh::Surface>& surfaces) {
     for (unsigned i = 0; i < node.mNumMeshes; i++)
-        appendMesh(scene, *scene.mMeshes[node.mMeshes[i]], transform, axes, surfaces);
+        appendMesh(source, *source.scene.mMeshes[node.mMeshes[i]], transform, surfaces);
     for (unsigned i = 0; i < node.mNumChildren; i++)
-        appendNode(scene, *node.mChildren[i], transform * node.mChildren[i]->mTransformation, axes,
+        appendNode(source, *node.mChildren[i], transform * node.mChildren[i]->mTransformation,
                    surfaces);
 }
 
@@ -101,10 +120,10 @@ std::shared_ptr<const Mesh> read(const std::string& reference) {
     const std::string path = reference.substr(0, hash);
     const aiScene* scene = import(path);
     if (!scene) return nullptr;
-    const Axes axes{isGltf(path)};
+    const Source source{*scene, {isGltf(path)}, path.substr(0, path.find_last_of('/') + 1)};
     std::vector<Mesh::Surface> surfaces;
     if (hash == std::string::npos) {
-        appendNode(*scene, *scene->mRootNode, scene->mRootNode->mTransformation, axes, surfaces);
+        appendNode(source, *scene->mRootNode, scene->mRootNode->mTransformation, surfaces);
     } else {
         const std::string part = reference.substr(hash + 1);
         const aiNode* node = scene->mRootNode->FindNode(part.c_str());
@@ -112,7 +131,7 @@ std::shared_ptr<const Mesh> read(const std::string& reference) {
             jLog::error("Mesh::get: \"%s\" has no part \"%s\"", path.c_str(), part.c_str());
             return nullptr;
         }
-        appendNode(*scene, *node, aiMatrix4x4(), axes, surfaces);
+        appendNode(source, *node, aiMatrix4x4(), surfaces);
     }
     if (surfaces.empty()) {
         jLog::error("Mesh::get: \"%s\" has no triangles", reference.c_str());

@@ -1,14 +1,66 @@
 // SPDX-License-Identifier: MIT
+// Surfaces of models. One of these words is defined: PLAIN; TEXTURED: with a picture; PAVED: slabs
+// of concrete or lanes of asphalt; PAINTED: markings with soft edges; GLASS: what lets light through.
 in vec3 vPosition;
 in vec3 vNormal;
 in vec2 vPlace;
 in vec3 vHaze;
 in vec3 vOwn;
 uniform vec4 uColor;      // w: opacity
-uniform vec4 uSurface;    // roughness, metalness, emission, whether opaque
+uniform vec4 uSurface;    // roughness, metalness, emission, width over which paint frays, m
 uniform vec4 uCover;      // wetness, ice, rain on glass, wiper
+uniform vec4 uPaving;     // slab's edges along x and y, m; half a joint, m; spread of tones
+uniform sampler2D uNoise;
 out vec4 oColor;
 
+#ifdef TEXTURED
+in vec3 vOwnNormal;
+uniform sampler2D uTexture;
+uniform float uTiles;     // pictures per metre; 0: by texture coordinates
+vec3 picture() {
+    vec3 side = abs(vOwnNormal);
+    vec2 own = side.z > max(side.x, side.y) ? vOwn.xy : side.x > side.y ? vOwn.yz : vOwn.xz;
+    return texture(uTexture, uTiles > 0.0 ? own * uTiles : vPlace).rgb;
+}
+#endif
+
+#ifdef PAVED
+// Share of a pixel that a joint covers, for each of the two directions; w: size of the pixel, m.
+vec2 joints(vec2 p, vec2 w) {
+    vec2 cell = p / uPaving.xy;
+    vec2 away = (0.5 - abs(fract(cell) - 0.5)) * uPaving.xy;
+    return clamp((uPaving.z - away) / w + 0.5, 0.0, 1.0) - clamp((-uPaving.z - away) / w + 0.5, 0.0, 1.0);
+}
+// Tone of the paving: slabs that were poured on different days, stains, grain, and joints.
+// `puddle`: 1 where water stays.
+float paving(vec2 p, out float puddle) {
+    vec2 w = fwidth(p) + 1e-4;
+    float wide = texture(uNoise, p / 173.0).y;
+    vec2 middle = texture(uNoise, p.yx / 31.0).xy;
+    float fine = texture(uNoise, p / 4.3).y, grain = texture(uNoise, p.yx / 0.7).y;
+    vec2 slab = floor(p / uPaving.xy);
+    float poured = (hash(slab) - 0.5) * clamp(1.5 - 2.0 * max(w.x / uPaving.x, w.y / uPaving.y), 0.0, 1.0);
+    float tone = 0.88 + 0.24 * (wide - 0.5) + uPaving.w * poured + 0.16 * (fine - 0.5) + 0.22 * (grain - 0.5);
+    tone *= 1.0 - 0.30 * smoothstep(0.66, 0.95, middle.y * 0.7 + fine * 0.3);
+    vec2 gap = joints(p, w);
+    puddle = smoothstep(0.45, 0.75, wide * 0.35 + middle.y * 0.35 + fine * 0.3);
+    return tone * (1.0 - 0.55 * max(gap.x, gap.y));
+}
+#endif
+
+#ifdef PAINTED
+// The first texture coordinate is the distance from the edge, m, inwards positive: covered is what
+// of the pixel lies within. Paint that frays ends where noise lets it.
+float coverage() {
+    float fray = uSurface.w, wear = texture(uNoise, vOwn.xy / 2.3).y, flake = texture(uNoise, vOwn.yx / 0.4).y;
+    float w = fwidth(vPlace.x) + 1e-4;
+    float inside = vPlace.x + fray * (0.7 * wear + 0.5 * flake - 0.9);
+    float solid = clamp(inside / (w + 0.5 * fray) + 0.5, 0.0, 1.0);
+    return solid * (1.0 - 0.55 * smoothstep(0.55, 0.95, 0.6 * wear + 0.4 * flake));
+}
+#endif
+
+#ifdef GLASS
 // Drops that run down a pane: tilts the normal and scatters light.
 vec3 rainOnGlass(vec3 normal, inout float opacity) {
     vec2 cell = vOwn.xz * 34.0 + vec2(0.0, uTime.x * (0.6 + 0.8 * uCover.w));
@@ -19,6 +71,7 @@ vec3 rainOnGlass(vec3 normal, inout float opacity) {
     opacity = max(opacity, 0.25 * uCover.z * (1.0 - uCover.w));
     return normalize(normal + drop * vec3(within.x, within.y, 0.0) * 2.0);
 }
+#endif
 
 void main() {
     float range = length(vPosition);
@@ -27,8 +80,22 @@ void main() {
     if (!gl_FrontFacing) normal = -normal;
     vec3 albedo = uColor.rgb;
     float opacity = uColor.a, rough = uSurface.x, metal = uSurface.y;
-    if (uCover.z > 0.0 && opacity < 0.999) normal = rainOnGlass(normal, opacity);
-    float wet = uCover.x * smoothstep(0.2, 0.9, normal.z), ice = uCover.y * smoothstep(0.0, 0.7, normal.z);
+    float soaked = uCover.x;
+#ifdef GLASS
+    if (uCover.z > 0.0) normal = rainOnGlass(normal, opacity);
+#endif
+#ifdef TEXTURED
+    albedo *= picture();
+#endif
+#ifdef PAVED
+    float puddle;
+    albedo *= paving(vOwn.xy, puddle);
+    soaked *= 0.45 + 0.55 * puddle;
+#endif
+#ifdef PAINTED
+    opacity *= coverage();
+#endif
+    float wet = soaked * smoothstep(0.2, 0.9, normal.z), ice = uCover.y * smoothstep(0.0, 0.7, normal.z);
     albedo = mix(albedo * (1.0 - 0.5 * wet), vec3(0.62, 0.70, 0.76), ice * 0.8);
     rough = mix(mix(rough, 0.12, wet), 0.22, ice * 0.8);
 
@@ -40,8 +107,8 @@ void main() {
 
     // Trowbridge-Reitz highlight with Schlick's Fresnel term.
     vec3 f0 = mix(vec3(0.04), albedo, metal);
-    float view = max(dot(toEye, normal), 0.0);
-    vec3 fresnel = f0 + (max(vec3(1.0 - rough), f0) - f0) * pow(1.0 - view, 5.0);
+    float view = max(dot(toEye, normal), 0.0), away = 1.0 - view, away2 = away * away;
+    vec3 fresnel = f0 + (max(vec3(1.0 - rough), f0) - f0) * (away2 * away2 * away);
     vec3 half_way = normalize(toEye + toLight);
     float alpha = max(rough * rough, 0.02), a2 = alpha * alpha;
     float nh = max(dot(normal, half_way), 0.0);
@@ -54,11 +121,13 @@ void main() {
     vec3 specular = light * facing * lobe * fresnel * 0.25 + environment * fresnel * mix(1.0, 0.3, rough);
     vec3 glow = uColor.rgb * uSurface.z;
     float clear = clearness(vPosition);
-    if (uSurface.w > 0.5) {
-        oColor = vec4(mix(vHaze, diffuse + specular + glow, clear), 1.0);
-    } else { // premultiplied: a pane keeps its reflections however clear it is
-        float a = clamp(opacity + fresnel.g * 0.8, 0.0, 1.0);
-        vec3 color = diffuse * opacity + specular + glow * opacity;
-        oColor = vec4(mix(vHaze * a, color, clear), a);
-    }
+#if defined(GLASS) // premultiplied: a pane keeps its reflections however clear it is
+    float a = clamp(opacity + fresnel.g * 0.8, 0.0, 1.0);
+    vec3 color = diffuse * opacity + specular + glow * opacity;
+    oColor = vec4(mix(vHaze * a, color, clear), a);
+#elif defined(PAINTED)
+    oColor = vec4(mix(vHaze, diffuse + specular + glow, clear) * opacity, opacity);
+#else
+    oColor = vec4(mix(vHaze, diffuse + specular + glow, clear), 1.0);
+#endif
 }

@@ -13,6 +13,9 @@ out vec3 vNormal;
 out vec2 vPlace;
 out vec3 vHaze;
 out vec3 vOwn; // in the mesh's own frame
+#ifdef TEXTURED
+out vec3 vOwnNormal;
+#endif
 void main() {
     vec4 p = vec4(aPosition, 1.0);
     vPosition = vec3(dot(aRow0, p), dot(aRow1, p), dot(aRow2, p));
@@ -21,5 +24,8 @@ void main() {
     vPlace = aPlace;
     vHaze = aHaze.rgb;
     vOwn = aPosition;
+#ifdef TEXTURED
+    vOwnNormal = aNormal.xyz;
+#endif
     gl_Position = uProjection * vec4(mat3(uView) * vPosition, 1.0);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// What covers the ground goes by height and slope, broken up by noise of three sizes so that
-// neither tiles nor borders show.
+// What covers the ground goes by height, slope and noise of five sizes: lush and dry grass, scrub,
+// bare soil, scree, rock, beach. Each size fades out where the pixel is coarser than it, so that
+// neither tiles nor borders show, and the wide ones keep the far hills from one plain colour.
 in vec3 vPosition;
 in vec3 vNormal;
 in vec3 vPlace;
@@ -10,34 +11,47 @@ uniform sampler2D uNoise;
 uniform vec3 uTurf, uShore, uRock;
 uniform vec4 uGround; // shore height, rock slope, wetness, ice
 out vec4 oColor;
+
 void main() {
     float range = length(vPosition), footprint = range * uTime.y;
-    vec2 wide = texture(uNoise, vPlace.xy / 720.0).xy, middle = texture(uNoise, vPlace.xy / 48.0).xy;
+    vec2 p = vPlace.xy;
+    float vast = texture(uNoise, p.yx / 2880.0).y, wide = texture(uNoise, p / 720.0).y;
+    vec4 middle = texture(uNoise, p / 96.0), fine = texture(uNoise, p / 14.4);
+    // Pushed about by the wide noises, the narrower ones no longer line up with their own repetition.
+    vec2 warped = p.yx + vec2(vast, -wide) * 45.0;
+    float patches = texture(uNoise, warped / 57.6).y, tufts = texture(uNoise, warped / 7.2).y;
     float near = smoothstep(0.5, 0.02, footprint);
-    vec2 fine = mix(vec2(0.5), texture(uNoise, vPlace.xy / 9.0).xy, near);
-    float grain = mix(0.5, texture(uNoise, vPlace.yx / 1.5).x, smoothstep(0.06, 0.004, footprint));
-    float mottle = wide.y * 0.45 + middle.y * 0.35 + fine.y * 0.2;
+    vec2 grain = mix(vec2(0.5), vec2(texture(uNoise, p.yx / 1.8).y, texture(uNoise, p / 0.45).y),
+                     smoothstep(0.06, 0.004, footprint));
+    float rough = (fine.y - 0.5) * 0.5 + (grain.x - 0.5) * 0.35 + (grain.y - 0.5) * 0.25;
 
-    // Bumps that light plays on, where the pixel is finer than they are.
-    vec2 step_ = vec2(0.9, 0.0);
-    float bump_x = texture(uNoise, (vPlace.xy + step_.xy) / 9.0).y - fine.y;
-    float bump_y = texture(uNoise, (vPlace.xy + step_.yx) / 9.0).y - fine.y;
-    vec3 normal = normalize(normalize(vNormal) - vec3(bump_x, bump_y, 0.0) * 0.7 * near);
+    vec2 tilt = (fine.zw - 0.5) * (1.6 * near) + (middle.zw - 0.5);
+    vec3 normal = normalize(normalize(vNormal) - vec3(tilt, 0.0));
 
-    vec3 turf = uTurf * mix(vec3(0.34, 0.40, 0.36), vec3(0.80, 0.74, 0.70), mottle);
-    turf = mix(turf, vec3(0.15, 0.13, 0.065), smoothstep(0.55, 0.95, wide.x * 0.5 + middle.x * 0.5) * 0.55);
-    vec3 shore = uShore * mix(0.50, 0.72, middle.y);
-    vec3 rock = uRock * mix(0.55, 1.6, middle.x * 0.5 + fine.x * 0.5);
-    float edge = uGround.x * (0.7 + 0.6 * mottle);
+    // Grass: greener in hollows of the noise, drier on the heights; clumps of scrub; trodden soil.
+    float dryness = vast * 0.45 + wide * 0.35 + middle.y * 0.3 + rough * 0.5
+                    + clamp(vPlace.z / 500.0, 0.0, 0.35) - 0.1;
+    vec3 turf = mix(uTurf * vec3(0.36, 0.40, 0.45), uTurf * vec3(0.92, 0.68, 0.98), smoothstep(0.2, 0.8, dryness));
+    float scrub = smoothstep(0.58, 0.70, vast * 0.2 + wide * 0.2 + patches * 0.4 + tufts * 0.2 - rough * 0.12);
+    turf = mix(turf, uTurf * vec3(0.20, 0.23, 0.30), scrub * 0.8);
+    float worn = smoothstep(0.66, 0.88, wide * 0.3 + middle.y * 0.25 + (1.0 - patches) * 0.2 + fine.y * 0.25 + rough * 0.25
+                                        + smoothstep(0.12, 0.5, vSlope) * 0.22);
+    vec3 soil = vec3(0.155, 0.115, 0.07) * (0.75 + 0.5 * fine.y);
+    turf = mix(turf, soil, worn * 0.8);
+
+    vec3 shore = uShore * (0.42 + 0.22 * middle.y + 0.12 * fine.y);
+    vec3 rock = uRock * (0.55 + 0.7 * middle.x + 0.6 * fine.x);
+    float edge = uGround.x * (0.65 + 0.35 * middle.y + 0.35 * fine.y);
     vec3 albedo = mix(shore, turf, smoothstep(edge * 0.85, edge * 1.15 + 0.3, vPlace.z));
-    float steep = uGround.y * (0.75 + 0.5 * mottle);
-    float bare = smoothstep(steep * 0.8, steep * 1.15, vSlope);
+    float steep = uGround.y * (0.45 + 0.5 * middle.y + 0.3 * fine.y);
+    float bare = smoothstep(steep * 0.75, steep * 1.15, vSlope);
     bare = max(bare, smoothstep(-1.0, -4.0, vPlace.z)); // the sea bed
     albedo = mix(albedo, rock, bare);
-    albedo *= 0.82 + 0.36 * grain;
+    albedo *= 0.60 + 0.35 * grain.x + 0.45 * grain.y;
     float damp = smoothstep(1.1, 0.2, vPlace.z) * 0.45;
     float wet = max(damp, 0.5 * uGround.z);
-    albedo = mix(albedo * (1.0 - wet), vec3(0.62, 0.68, 0.74), uGround.w * 0.8);
+    float frost = uGround.w * smoothstep(0.15, 0.55, normal.z - 0.35 * vSlope + (fine.y - 0.5) * 0.3);
+    albedo = mix(albedo * (1.0 - wet), vec3(0.62, 0.68, 0.74) * (0.85 + 0.15 * grain.x), frost * 0.85);
 
     vec3 light = uLight.rgb * lightReaching(vPosition + normal * 0.05);
     vec3 ambient = uAmbient.rgb * mix(vec3(0.35), vec3(1.0), normal.z * 0.5 + 0.5);

@@ -39,8 +39,9 @@ int& count(Kind kind) {
 }
 
 /// Head of every shader, the common declarations, and the files.
-GLuint compile(GLenum stage, std::string_view files) {
+GLuint compile(GLenum stage, std::string_view files, std::string_view variant) {
     std::string text = "#version 330 core\n";
+    if (!variant.empty()) text += "#define " + std::string(variant) + "\n";
     text += hasClipControl() ? "#define CLIP_Z(z) (z)\n" : "#define CLIP_Z(z) ((z) * 2.0 - 1.0)\n";
     text += findShader("common.glsl");
     for (std::size_t at = 0; at < files.size();) {
@@ -124,10 +125,11 @@ void bindTexture(int unit, const Texture& texture) {
 
 // ------------------------------------------------------------------ programs
 
-bool Program::build(std::string_view vertex_files, std::string_view fragment_files) {
+bool Program::build(std::string_view vertex_files, std::string_view fragment_files,
+                    std::string_view variant) {
     destroy();
-    const GLuint vertex = compile(GL_VERTEX_SHADER, vertex_files);
-    const GLuint fragment = vertex ? compile(GL_FRAGMENT_SHADER, fragment_files) : 0;
+    const GLuint vertex = compile(GL_VERTEX_SHADER, vertex_files, variant);
+    const GLuint fragment = vertex ? compile(GL_FRAGMENT_SHADER, fragment_files, variant) : 0;
     if (vertex && fragment) {
         m_id = glCreateProgram();
         resources().programs++;

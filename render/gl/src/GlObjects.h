@@ -63,8 +63,10 @@ public:
     ~Program() { destroy(); }
 
     /// From shader files of the library; each name may list several files, separated by blanks,
-    /// whose texts follow one another. False, having logged file and driver's message.
-    bool build(std::string_view vertex_files, std::string_view fragment_files);
+    /// whose texts follow one another. `variant` is a word that both shaders find defined, so that
+    /// one text serves several programs. False, having logged file and driver's message.
+    bool build(std::string_view vertex_files, std::string_view fragment_files,
+               std::string_view variant = {});
     void destroy();
     void use() const { glUseProgram(m_id); }
 

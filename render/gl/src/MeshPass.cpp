@@ -31,14 +31,18 @@ constexpr int PURGE_INTERVAL = 120; ///< frames between two looks for meshes tha
 
 bool MeshPass::init() {
     m_instance_buffer.create();
-    return m_program.build("mesh.vert", "shadow.glsl mesh.frag") &&
-           m_depth_program.build("shadow.vert", "shadow.frag");
+    const char* const variants[NUM_SHADINGS] = {"PLAIN", "TEXTURED", "PAVED", "PAINTED", "GLASS"};
+    for (int i = 0; i < NUM_SHADINGS; i++)
+        if (!m_programs[i].build("mesh.vert", "shadow.glsl mesh.frag", variants[i])) return false;
+    return m_depth_program.build("shadow.vert", "shadow.frag");
 }
 
 void MeshPass::release() {
     m_meshes.clear();
     m_instance_buffer.destroy();
-    m_program.destroy();
+    for (gl::Program& program : m_programs)
+        program.destroy();
+    m_textures.release();
     m_depth_program.destroy();
 }
 
@@ -62,8 +66,8 @@ void MeshPass::fill(DeviceMesh& device, const Mesh& mesh) {
         for (std::size_t v = 0; v < s.positions.size(); v++)
             vertices.push_back(
                 {s.positions[v], packNormal(s.normals[v]), s.uvs.empty() ? vec2{} : s.uvs[v]});
-        device.surfaces.push_back(
-            {indices.size() * sizeof(std::uint32_t), static_cast<int>(s.indices.size())});
+        device.surfaces.push_back({indices.size() * sizeof(std::uint32_t),
+                                   static_cast<int>(s.indices.size()), !s.uvs.empty()});
         for (const std::uint32_t index : s.indices)
             indices.push_back(base + index);
     }
@@ -142,19 +146,39 @@ void MeshPass::bindInstances(const Batch& batch) {
             3 + i, 4, GL_FLOAT, GL_FALSE, sizeof(Instance),
             reinterpret_cast<const void*>(static_cast<std::size_t>(batch.first) * sizeof(Instance) +
                                           i * sizeof(vec4)));
-    const auto& range = batch.mesh->surfaces[static_cast<std::size_t>(batch.item->surface)];
+    const DeviceMesh::Range& range = batch.getRange();
     glDrawElementsInstanced(GL_TRIANGLES, range.count, GL_UNSIGNED_INT,
                             reinterpret_cast<const void*>(range.first), batch.count);
     m_draws++;
 }
 
-void MeshPass::draw(const std::vector<Batch>& batches, bool opaque) {
-    m_program.use();
+MeshPass::Shading MeshPass::choose(const SurfaceLook& look) {
+    if (look.paint >= 0) return PAINTED;
+    if (!look.isOpaque()) return GLASS;
+    if (look.paving.x > 0 && look.paving.y > 0) return PAVED;
+    return look.texture ? TEXTURED : PLAIN;
+}
+
+void MeshPass::setLook(gl::Program& program, const SurfaceLook& look, bool has_places) {
+    program.set("uColor", look.color);
+    program.set("uSurface", vec4(look.roughness, look.metalness, look.emission, look.paint));
+    program.set("uCover", vec4(look.wetness, look.ice, look.rain, look.wiper));
+    program.set("uPaving", look.paving);
+    if (choose(look) != TEXTURED) return;
+    gl::bindTexture(gl::UNIT_FIRST_OWN, m_textures.get(*look.texture));
+    program.set("uTexture", gl::UNIT_FIRST_OWN);
+    // Without texture coordinates: so many pictures a metre, laid on from the nearest side.
+    program.set("uTiles", has_places ? 0.0f : 1 / std::max(look.tile, 0.01f));
+}
+
+void MeshPass::draw(const std::vector<Batch>& batches) {
+    const gl::Program* used = nullptr;
     for (const Batch& batch : batches) {
         const SurfaceLook& look = batch.item->look;
-        m_program.set("uColor", look.color);
-        m_program.set("uSurface", vec4(look.roughness, look.metalness, look.emission, opaque));
-        m_program.set("uCover", vec4(look.wetness, look.ice, look.rain, look.wiper));
+        gl::Program& program = m_programs[choose(look)];
+        if (&program != used) program.use();
+        used = &program;
+        setLook(program, look, batch.getRange().has_places);
         if (look.two_sided) glDisable(GL_CULL_FACE);
         bindInstances(batch);
         if (look.two_sided) glEnable(GL_CULL_FACE);
@@ -163,7 +187,7 @@ void MeshPass::draw(const std::vector<Batch>& batches, bool opaque) {
 
 void MeshPass::drawOpaque() {
     glEnable(GL_CULL_FACE);
-    draw(m_opaque, true);
+    draw(m_opaque);
     glDisable(GL_CULL_FACE);
 }
 
@@ -172,7 +196,7 @@ void MeshPass::drawTransparent() {
     glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     glDepthMask(GL_FALSE);
     glEnable(GL_CULL_FACE);
-    draw(m_transparent, false);
+    draw(m_transparent);
     glDisable(GL_CULL_FACE);
     glDepthMask(GL_TRUE);
     glDisable(GL_BLEND);

@@ -3,6 +3,7 @@
 
 #include "GlObjects.h"
 #include "SceneList.h"
+#include "TextureStore.h"
 
 #include <unordered_map>
 
@@ -32,6 +33,7 @@ private:
         struct Range {
             std::size_t first; ///< byte of the first index
             int count;
+            bool has_places; ///< texture coordinates
         };
         std::vector<Range> surfaces;
     };
@@ -41,21 +43,30 @@ private:
         const MeshItem* item; ///< the first, for surface and look
         int first, count;     ///< instances
         float distance;
+        const DeviceMesh::Range& getRange() const {
+            return mesh->surfaces[static_cast<std::size_t>(item->surface)];
+        }
     };
     struct Instance {
         ig::vec4 rows[3];
         ig::vec4 haze;
     };
 
+    /// Ways to shade, one program each: what a surface doesn't need, no pixel of it pays for.
+    enum Shading { PLAIN, TEXTURED, PAVED, PAINTED, GLASS, NUM_SHADINGS };
+    static Shading choose(const SurfaceLook& look);
+
     const DeviceMesh& find(const std::shared_ptr<const ig::Mesh>& mesh);
     static void fill(DeviceMesh& device, const ig::Mesh& mesh);
     void addBatches(const std::vector<MeshItem>& items, std::vector<Batch>& batches,
                     const SkyPass& sky);
     void bindInstances(const Batch& batch);
-    void draw(const std::vector<Batch>& batches, bool opaque);
+    void draw(const std::vector<Batch>& batches);
+    void setLook(gl::Program& program, const SurfaceLook& look, bool has_places);
     void purge();
 
-    gl::Program m_program, m_depth_program;
+    gl::Program m_programs[NUM_SHADINGS], m_depth_program;
+    TextureStore m_textures;
     gl::Buffer m_instance_buffer;
     std::unordered_map<const ig::Mesh*, DeviceMesh> m_meshes;
     std::vector<Instance> m_instances;

@@ -83,12 +83,22 @@ void makeNoiseTexture(gl::Texture& texture) {
         }
     spreadEvenly(lace);
     spreadEvenly(clouds);
+    const auto cloudAt = [&clouds](int x, int y) {
+        return clouds[static_cast<std::size_t>(wrap(y, SIZE) * SIZE + wrap(x, SIZE))];
+    };
+    const auto toByte = [](float value) {
+        return static_cast<std::uint8_t>(std::clamp(value, 0.0f, 1.0f) * 255);
+    };
     std::vector<std::uint8_t> bytes;
-    for (std::size_t i = 0; i < lace.size(); i++) {
-        bytes.push_back(static_cast<std::uint8_t>(lace[i] * 255));
-        bytes.push_back(static_cast<std::uint8_t>(clouds[i] * 255));
-    }
-    gl::TextureFormat format{GL_RG8, GL_RG, GL_UNSIGNED_BYTE, GL_REPEAT};
+    for (int y = 0; y < SIZE; y++)
+        for (int x = 0; x < SIZE; x++) {
+            bytes.push_back(toByte(lace[static_cast<std::size_t>(y * SIZE + x)]));
+            bytes.push_back(toByte(cloudAt(x, y)));
+            // Over ten texels, as wide as what the light shall play on.
+            bytes.push_back(toByte(0.5f + (cloudAt(x + 5, y) - cloudAt(x - 5, y)) / 2));
+            bytes.push_back(toByte(0.5f + (cloudAt(x, y + 5) - cloudAt(x, y - 5)) / 2));
+        }
+    gl::TextureFormat format{GL_RGBA8, GL_RGBA, GL_UNSIGNED_BYTE, GL_REPEAT};
     format.filter = GL_LINEAR_MIPMAP_LINEAR;
     gl::makeTexture(texture, SIZE, SIZE, format, bytes.data());
     glGenerateMipmap(GL_TEXTURE_2D);

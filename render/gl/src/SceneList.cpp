@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "SceneList.h"
 
+#include "ig/scene/Mesh.h"
 #include "ig/scene/SceneObjects.h"
 #include "ig/scene/World.h"
 #include "plugins/ocean/ObjectOcean.h"
@@ -75,6 +76,8 @@ void SceneList::addMesh(const Node& node) {
     for (int i = 0; i < object.getNumSurfaces(); i++) {
         item.surface = i;
         item.look = SurfaceLook::read(object.getSurfaceMaterial(i));
+        const Mesh::Surface& surface = object.getMesh()->getSurface(i);
+        if (!item.look.texture && !surface.texture.empty()) item.look.texture = &surface.texture;
         if (seen) (item.look.isOpaque() ? opaque : transparent).push_back(item);
         if (casts && item.look.isOpaque()) casters.push_back(item);
     }
@@ -93,7 +96,7 @@ namespace {
 auto batchKey(const MeshItem& item) {
     const SurfaceLook& l = item.look;
     return std::make_tuple(item.mesh->get(), item.surface, l.color.x, l.color.y, l.color.z,
-                           l.emission, l.wetness, l.ice);
+                           l.emission, l.wetness, l.ice, l.texture);
 }
 } // namespace
 

@@ -34,5 +34,10 @@ SurfaceLook SurfaceLook::read(const Material* material) {
     look.rain = readSlider(material, "rain_power", 0);
     look.wiper = readSlider(material, "wiper", 0);
     look.two_sided = readSlider(material, "two_sided", 0) > 0.5f;
+    look.paving = readValue(material, "paving", look.paving);
+    look.paint = readSlider(material, "paint", look.paint);
+    look.tile = readSlider(material, "texture_size", 0);
+    static const jString BASE_COLOR = "base_color";
+    look.texture = material->findTexture(BASE_COLOR);
     return look;
 }

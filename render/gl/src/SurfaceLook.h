@@ -3,6 +3,8 @@
 
 #include "ig/math/vec.h"
 
+#include "ig/base/jString.h"
+
 namespace ig {
 class Material;
 }
@@ -13,10 +15,15 @@ struct SurfaceLook {
     float roughness = 0.8f, metalness = 0, emission = 0;
     float wetness = 0, ice = 0, rain = 0, wiper = 0; ///< 0 to 1
     bool two_sided = false;
+    ig::vec4 paving;  ///< slab's edges along X and Y, m, half a joint, m, spread of tones; 0: none
+    float paint = -1; ///< width over which paint frays, m; negative: no paint
+    float tile = 0;   ///< m of one texture's edge on meshes without texture coordinates
+    /// Base colour's picture file, or null; the material's or the mesh's own.
+    const ig::jString* texture = nullptr;
 
     /// Tags that the material lacks, or all without material, keep their defaults.
     static SurfaceLook read(const ig::Material* material);
-    bool isOpaque() const { return color.w >= 0.999f; }
+    bool isOpaque() const { return color.w >= 0.999f && paint < 0; }
     friend bool operator==(const SurfaceLook&, const SurfaceLook&) = default;
 };
 

@@ -11,12 +11,12 @@ namespace ig {
 class Package;
 
 /// How a surface or a finished picture looks: a set of parameters found by tag, each either a
-/// slider (one number) or a value (four), and of states found by name, which choose between ways to
-/// draw. A material read from a file is shared by all its users and owned by the `MaterialManager`;
+/// slider (one number) or a value (four), of states found by name, which choose between ways to draw,
+/// and of textures found by name: picture files. A material read from a file is shared by all its users and owned by the `MaterialManager`;
 /// a copy of its own is owned by the object that asked for it.
 class Material : public jObject {
 public:
-    /// Reads the parameters and states of a material file. False, with one log line, when something
+    /// Reads the parameters, states and textures of a material file. False, with one log line, when something
     /// in it is not what the format asks for; what was read before that stays.
     bool load(const jString& path);
     const jString& getPath() const { return m_path; }
@@ -44,10 +44,19 @@ public:
     void setStateValue(int id, int value);
     int getStateValue(int id) const;
 
+    /// Names the picture file of a texture; an existing one is replaced.
+    void setTexture(const jString& name, const jString& path);
+    /// The path of the texture with that name, or null. Valid until textures are added or the
+    /// material goes.
+    const jString* findTexture(const jString& name) const;
+
 private:
     struct State {
         jString name;
         int value;
+    };
+    struct Texture {
+        jString name, path;
     };
     struct Parameter {
         jString tag;
@@ -56,12 +65,14 @@ private:
     Parameter& add(const jString& tag);
     bool loadParameters(const Package& parameters);
     bool loadStates(const Package& states);
+    bool loadTextures(const Package& textures);
     bool has(int id) const { return id >= 0 && id < m_parameters.size(); }
     bool hasState(int id) const { return id >= 0 && id < m_states.size(); }
 
     jString m_path;
     jVector<Parameter> m_parameters;
     jVector<State> m_states;
+    jVector<Texture> m_textures;
 };
 
 /// The shared materials of the process, by path.

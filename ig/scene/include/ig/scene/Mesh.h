@@ -18,7 +18,10 @@ public:
         jString name; ///< the file's material name
         std::vector<vec3> positions;
         std::vector<vec3> normals; ///< as many as positions
-        std::vector<vec2> uvs;     ///< as many as positions, or none
+        std::vector<vec2> uvs;     ///< as many as positions, or none; v runs up the picture
+        /// Picture file of the base colour that the file's material names, its folder included; for
+        /// those whose object gives no material with a texture. Empty: none.
+        jString texture;
         std::vector<std::uint32_t> indices;
     };
 

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+#include "TextureStore.h"
+
+#include "ImageFile.h"
+
+#include <algorithm>
+#include <cstring>
+
+using namespace ig;
+
+namespace {
+
+constexpr float ANISOTROPY =
+    4; ///< ground seen at a flat angle stays sharp; more costs, shows little
+
+/// What can't be overlooked: four by four fields of magenta and black.
+Image makePlaceholder() {
+    Image image{4, 4, {}};
+    for (int i = 0; i < 16; i++) {
+        const bool bright = (i + i / 4) % 2 == 0;
+        for (const int value : {bright ? 255 : 0, 0, bright ? 255 : 0, 255})
+            image.rgba.push_back(static_cast<std::uint8_t>(value));
+    }
+    return image;
+}
+
+/// The device's rows run upwards.
+void flip(Image& image) {
+    const auto row = static_cast<std::ptrdiff_t>(image.width) * 4;
+    auto top = image.rgba.begin();
+    for (int y = 0; y < image.height / 2; y++)
+        std::swap_ranges(top + row * y, top + row * (y + 1), top + row * (image.height - 1 - y));
+}
+
+} // namespace
+
+const gl::Texture& TextureStore::get(const jString& path) {
+    gl::Texture& texture = m_textures[path];
+    if (!texture) fill(texture, path);
+    return texture;
+}
+
+void TextureStore::fill(gl::Texture& texture, const jString& path) {
+    Image image;
+    const bool good = readImage(path.c_str(), image);
+    if (!good) image = makePlaceholder();
+    flip(image);
+    gl::TextureFormat format{GL_SRGB8_ALPHA8, GL_RGBA, GL_UNSIGNED_BYTE, GL_REPEAT};
+    format.filter = good ? GL_LINEAR_MIPMAP_LINEAR : GL_NEAREST;
+    gl::makeTexture(texture, image.width, image.height, format, image.rgba.data());
+    if (!good) return;
+    glGenerateMipmap(GL_TEXTURE_2D);
+    if (epoxy_has_gl_extension("GL_EXT_texture_filter_anisotropic") ||
+        epoxy_has_gl_extension("GL_ARB_texture_filter_anisotropic"))
+        glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_MAX_ANISOTROPY_EXT, ANISOTROPY);
+}
+
+void TextureStore::release() { m_textures.clear(); }
