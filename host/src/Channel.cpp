@@ -47,7 +47,7 @@ Channel::Channel(const Options& options)
     : m_options(options), m_window(*this), m_interface(this, &m_control),
       m_script(*this, *m_interface.getRoot()), m_camera_control(nullptr), m_environment(m_options),
       m_screenshots(options.screenshot, options.screenshot_every, options.contact_sheet),
-      m_clock(options.frame_rate, options.step) {
+      m_video(options.video), m_clock(options.frame_rate, options.step) {
     m_status.setQuiet(options.quiet);
 }
 
@@ -117,9 +117,14 @@ bool Channel::makeRenderer() {
 }
 
 void Channel::prepareInterface() {
-    m_interface.resize(m_options.width, m_options.height);
+    m_interface.resize(m_options.width, m_options.height, m_window.getDensity());
+    UIRoot* root = m_interface.getRoot();
+    // The scene and the link go on while the operator is asked something.
+    root->setModalFrame([this] { return runFrame(); });
+    root->setClipboard([this] { return jString(m_window.readClipboard()); },
+                       [this](const jString& text) { m_window.writeClipboard(text.c_str()); });
     if (m_renderer->getTextWidth(16, "0") < 0) return; // it draws no texts
-    m_interface.getRoot()->setTextWidth(
+    root->setTextWidth(
         [this](float size, std::string_view utf8) { return m_renderer->getTextWidth(size, utf8); });
 }
 
@@ -165,19 +170,17 @@ void Channel::setProjection() {
 // ------------------------------------------------------------------ frames
 
 void Channel::run() {
-    // The scene and the link go on while the operator is asked something.
-    m_interface.getRoot()->setModalFrame([this] { return runFrame(); });
     while (runFrame())
         if (m_close_requested) askToQuit();
     m_screenshots.afterLast(*m_renderer);
+    m_video.close();
     m_status.printSummary(m_listener);
     for (const PassTime& pass : m_renderer->getPassTimes())
         std::printf("  %-12s %7.2f ms\n", pass.name, pass.milliseconds);
 }
 
-/// False when the last one has been run.
 bool Channel::runFrame() {
-    if (g_stop || isOver()) return false;
+    if (g_stop || m_quit || isOver()) return false;
     const float dt = m_clock.beginFrame();
     const double begin = steadyNow();
     if (m_window.isOpen() && !m_window.poll()) m_close_requested = true;
@@ -186,8 +189,9 @@ bool Channel::runFrame() {
     if (!m_script.getPictureName().empty())
         m_screenshots.take(*m_renderer, m_script.getPictureName());
     const double work = steadyNow() - begin;
-    if (m_options.scale <= 0) m_renderer->setScale(m_governor.update(work, m_renderer->getScale()));
-    if (m_window.isOpen()) m_window.swap();
+    if (m_window.isOpen()) m_window.swap(); // waits for a graphics device that is still drawing
+    if (m_options.scale <= 0)
+        m_renderer->setScale(m_governor.update(steadyNow() - begin, m_renderer->getScale()));
     m_interface.getOverlays().addFrame(dt, costs, m_listener.m_records - m_last_records);
     m_last_records = m_listener.m_records;
     m_trace.write(begin, m_listener);
@@ -206,7 +210,7 @@ void Channel::playScript() {
 void Channel::askToQuit() {
     MsgBox box(this, "Quit", "End the visual channel?");
     box.center();
-    if (box.modality()) requestStop();
+    if (box.modality()) m_quit = true;
     m_close_requested = false;
 }
 
@@ -250,6 +254,7 @@ void Channel::draw() {
     m_frame_info.particles = &m_particles;
     m_renderer->render(m_world, getEye(), m_frame_info);
     m_screenshots.afterFrame(*m_renderer, time);
+    m_video.afterFrame(*m_renderer, time);
 }
 
 /// Elsewhere on the earth "up" points elsewhere: the camera that came along would hang askew.

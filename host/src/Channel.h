@@ -11,6 +11,7 @@
 #include "ScriptPlayer.h"
 #include "Status.h"
 #include "Trace.h"
+#include "Video.h"
 #include "Window.h"
 #include "host/interface/OperatorInterface.h"
 #include "ig/app/ControlApp.h"
@@ -35,16 +36,21 @@ public:
     /// Everything up to the first frame. False, with a message, when the logic, the world or its
     /// start marker is missing.
     bool open();
-    /// Runs frames until the time or the number of frames is up, or until `requestStop`.
+    /// Runs frames until the time or the number of frames is up, until `requestStop`, or until the
+    /// operator closes the window and confirms it.
     void run();
     /// After `run`: 0, or 1 when a command of the script could not be done.
     int getExitStatus() const { return m_script.getFailures() > 0 ? 1 : 0; }
+    /// One of these frames. False, with nothing done, after the last one.
+    bool runFrame();
     /// Releases everything in the order that the objects need; a second call does nothing.
     void close();
     /// Ends `run` after the present frame. May be called from a signal handler.
     static void requestStop();
     /// The operator wants to close the window: asks back, and then ends `run`.
     void requestClose() { m_close_requested = true; }
+    /// Null before `open` and after `close`.
+    LogicBase* getLogic() const { return m_logic; }
 
     int getWidth() const override { return m_options.width; }
     int getHeight() const override { return m_options.height; }
@@ -60,14 +66,13 @@ private:
     void onMove(float x, float y) override;
     void onWheel(float notches) override;
     void onFocusLost() override;
-    void onResized(int width, int height) override;
+    void onResized(int width, int height, float density) override;
 
     bool makeRenderer();
     void prepareInterface();
     bool loadLibraries();
     bool loadWorld();
     void placeCamera();
-    bool runFrame();
     FrameCosts frame(float dt);
     void askToQuit();
     bool loadScript();
@@ -96,6 +101,7 @@ private:
     Status m_status;
     Environment m_environment;
     Screenshots m_screenshots;
+    Video m_video;
     ig::ParticleSystem m_particles;
     ig::FrameInfo m_frame_info;
     Trace m_trace;
@@ -104,5 +110,6 @@ private:
     double m_scene_time = 0; ///< s
     int m_frames = 0;
     bool m_close_requested = false;
+    bool m_quit = false;    ///< the operator has confirmed it
     int m_last_records = 0; ///< applied up to the frame before
 };

@@ -22,11 +22,11 @@ bool Channel::openWindow() {
     return true;
 }
 
-void Channel::onResized(int width, int height) {
+void Channel::onResized(int width, int height, float density) {
     m_options.width = width;
     m_options.height = height;
     m_renderer->resize(width, height);
-    m_interface.resize(width, height);
+    m_interface.resize(width, height, density);
     setProjection();
     m_camera_control.setCamera(&m_camera);
 }

@@ -53,6 +53,9 @@ void addPictureOptions(CLI::App& app, Options& options) {
         ->check(CLI::NonNegativeNumber);
     app.add_option("--contact-sheet", options.contact_sheet,
                    "Write small copies of the numbered pictures, side by side, to this PNG file");
+    app.add_option("--video", options.video,
+                   "Write a video of the pictures to this file, with ffmpeg, which must be "
+                   "installed; the suffix says in which format");
     app.add_option("--eye", options.eye,
                    "Look from a fixed place: LONGITUDE LATITUDE ALTITUDE HEADING PITCH (down is "
                    "negative)")

@@ -23,6 +23,7 @@ struct Options {
     float scale = 1;                ///< of the rendering, 0.25 to 1; 0: so that 20 frames/s hold
     std::string screenshot;         ///< PNG of the last frame; empty: none
     std::string contact_sheet;      ///< PNG of all numbered pictures; empty: none
+    std::string video;              ///< file for ffmpeg to write; empty: none
     double screenshot_every = 0;    ///< s of scene time between numbered pictures; 0: none
     double time_of_day = 10;        ///< local solar time, hours
     int day_of_year = 172;          ///< 1 to 366

@@ -29,6 +29,12 @@ int toKeyCode(int key) {
     case GLFW_KEY_ENTER:
     case GLFW_KEY_KP_ENTER:
         return KEY_RETURN;
+    case GLFW_KEY_DELETE:
+        return KEY_DELETE;
+    case GLFW_KEY_HOME:
+        return KEY_HOME;
+    case GLFW_KEY_END:
+        return KEY_END;
     case GLFW_KEY_LEFT:
         return KEY_LEFT;
     case GLFW_KEY_RIGHT:
@@ -91,6 +97,7 @@ bool Window::open(int width, int height) {
     glfwGetFramebufferSize(m_window, &m_width, &m_height);
     glfwSetWindowUserPointer(m_window, this);
     setCallbacks();
+    setInputCallbacks();
     return true;
 }
 
@@ -105,6 +112,15 @@ Window& Window::from(GLFWwindow* window) {
 }
 
 void Window::setCallbacks() {
+    glfwSetWindowFocusCallback(m_window, [](GLFWwindow* w, int focused) {
+        if (!focused) from(w).m_listener.onFocusLost();
+    });
+    glfwSetFramebufferSizeCallback(m_window, [](GLFWwindow* w, int, int) { from(w).tellSize(); });
+    glfwSetWindowContentScaleCallback(m_window,
+                                      [](GLFWwindow* w, float, float) { from(w).tellSize(); });
+}
+
+void Window::setInputCallbacks() {
     glfwSetKeyCallback(m_window, [](GLFWwindow* w, int key, int, int action, int) {
         const int code = toKeyCode(key);
         if (code >= 0)
@@ -117,26 +133,49 @@ void Window::setCallbacks() {
         if (button <= GLFW_MOUSE_BUTTON_MIDDLE) from(w).tellButton(button, action == GLFW_PRESS);
     });
     glfwSetCursorPosCallback(m_window, [](GLFWwindow* w, double x, double y) {
-        from(w).m_listener.onMove(static_cast<float>(x), static_cast<float>(y));
+        Window& window = from(w);
+        window.m_listener.onMove(window.toPixels(x), window.toPixels(y));
     });
     glfwSetScrollCallback(m_window, [](GLFWwindow* w, double, double y) {
         from(w).m_listener.onWheel(static_cast<float>(y));
-    });
-    glfwSetWindowFocusCallback(m_window, [](GLFWwindow* w, int focused) {
-        if (!focused) from(w).m_listener.onFocusLost();
-    });
-    glfwSetFramebufferSizeCallback(m_window, [](GLFWwindow* w, int width, int height) {
-        if (width <= 0 || height <= 0) return; // iconified
-        from(w).m_width = width;
-        from(w).m_height = height;
-        from(w).m_listener.onResized(width, height);
     });
 }
 
 void Window::tellButton(int button, bool down) {
     double x = 0, y = 0;
     glfwGetCursorPos(m_window, &x, &y);
-    m_listener.onButton(button, down, static_cast<float>(x), static_cast<float>(y));
+    m_listener.onButton(button, down, toPixels(x), toPixels(y));
+}
+
+void Window::tellSize() {
+    int width = 0, height = 0;
+    glfwGetFramebufferSize(m_window, &width, &height);
+    if (width <= 0 || height <= 0) return; // iconified
+    m_width = width;
+    m_height = height;
+    m_listener.onResized(width, height, getDensity());
+}
+
+/// Some window systems measure windows, and places in them, in units of several pixels.
+float Window::toPixels(double length) const {
+    int width = 0, height = 0;
+    glfwGetWindowSize(m_window, &width, &height);
+    return static_cast<float>(width > 0 ? length * m_width / width : length);
+}
+
+float Window::getDensity() const {
+    float x = 1, y = 1;
+    if (m_window) glfwGetWindowContentScale(m_window, &x, &y);
+    return y > 0 ? y : 1;
+}
+
+std::string Window::readClipboard() const {
+    const char* text = m_window ? glfwGetClipboardString(m_window) : nullptr;
+    return text ? text : "";
+}
+
+void Window::writeClipboard(const std::string& text) const {
+    if (m_window) glfwSetClipboardString(m_window, text.c_str());
 }
 
 bool Window::poll() {

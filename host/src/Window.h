@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <string>
+
 struct GLFWwindow;
 
 /// Hears what happens in the window, during `Window::poll`.
@@ -15,7 +17,9 @@ public:
     virtual void onMove(float x, float y) = 0;
     virtual void onWheel(float notches) = 0; ///< positive when rolled up
     virtual void onFocusLost() = 0;
-    virtual void onResized(int width, int height) = 0; ///< of the picture, pixels
+    /// Size of the picture, pixels, and how many of them a unit of 1/96 inch has: the window was
+    /// resized, or went to another monitor.
+    virtual void onResized(int width, int height, float density) = 0;
 };
 
 /// The window that shows the picture, with an OpenGL 3.3 core context that is current as long as
@@ -41,11 +45,20 @@ public:
 
     int getWidth() const { return m_width; } ///< of the picture, pixels
     int getHeight() const { return m_height; }
+    /// Pixels of the picture per unit of 1/96 inch, as the desktop is set for its monitor.
+    float getDensity() const;
+
+    /// The text that another program, or this one, offers; empty when there is none.
+    std::string readClipboard() const;
+    void writeClipboard(const std::string& text) const;
 
 private:
     static Window& from(GLFWwindow* window);
     void setCallbacks();
+    void setInputCallbacks();
     void tellButton(int button, bool down);
+    void tellSize();
+    float toPixels(double length) const;
 
     WindowListener& m_listener;
     GLFWwindow* m_window = nullptr;

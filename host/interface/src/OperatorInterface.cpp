@@ -3,16 +3,18 @@
 
 #include "common/logic/LogicBase.h"
 #include "ig/app/IApp.h"
+#include "ig/ui/UISpriteViewport.h"
 
 #include <algorithm>
 
 using namespace ig;
 
 namespace {
-/// Pixels of height that panels and radar picture need one above the other. In lower windows
-/// everything shrinks, down to where texts can just be read.
-constexpr float FULL_HEIGHT = 680;
-constexpr float SMALLEST = 0.7f;
+// Units that the panels need, with what rounding to whole pixels adds: the row of fields and the
+// column of buttons side by side; the column; the radar picture above the column.
+constexpr float FULL_WIDTH = 760, COLUMN_HEIGHT = 455, FULL_HEIGHT = 256 + COLUMN_HEIGHT;
+/// Pixels per unit where texts can just be read.
+constexpr float READABLE = 0.7f;
 } // namespace
 
 OperatorInterface::OperatorInterface(IApp* app, ControlApp* control)
@@ -29,8 +31,23 @@ void OperatorInterface::close() {
 }
 
 void OperatorInterface::resize(int width, int height, float density) {
-    const float room = static_cast<float>(height) / (FULL_HEIGHT * density);
-    m_root->resize(width, height, density * std::clamp(room, SMALLEST, 1.0f));
+    m_width = width;
+    m_height = height;
+    m_density = density;
+    fit();
+}
+
+/// In windows that are too small for everything the panels shrink, down to where texts can just be
+/// read; in still lower ones so far that no button is cut off, or covered by a radar picture.
+void OperatorInterface::fit() {
+    const auto& viewports = m_root->getViewports();
+    const bool radar = std::any_of(viewports.begin(), viewports.end(),
+                                   [](const UISpriteViewport* v) { return !v->isHidden(); });
+    const float width = static_cast<float>(m_width) / m_density;
+    const float height = static_cast<float>(m_height) / m_density;
+    const float all = std::min({1.0f, width / FULL_WIDTH, height / FULL_HEIGHT});
+    const float shown = height / (radar ? FULL_HEIGHT : COLUMN_HEIGHT);
+    m_root->resize(m_width, m_height, m_density * std::max(all, std::min(READABLE, shown)));
 }
 
 void OperatorInterface::keyDown(int key, bool repeat) {
@@ -61,6 +78,7 @@ void OperatorInterface::wheel(float notches) {
 }
 
 void OperatorInterface::update(float dt) {
+    fit();
     m_overlays.place();
     m_root->update(dt);
 }

@@ -15,6 +15,8 @@ namespace {
 
 constexpr double REFRESH = 0.5; ///< s between two texts of the statistics
 constexpr int MARGIN = 8;       ///< of the statistics from the corner
+constexpr int HELP_FONT = 15;   ///< of the key map, where the picture is large enough
+constexpr int SMALLEST_FONT = 5;
 
 const vec4 FACE(0.05f, 0.07f, 0.10f, 0.86f);
 const vec4 KEY_COLOR(1.00f, 0.80f, 0.45f, 1);
@@ -66,10 +68,11 @@ void Overlays::open(UIRoot* root) {
     m_help = new UIHLayout(root, 24, 20);
     m_help->setAlignFree(true);
     m_help->setBackgroundColor(FACE);
-    UILabel* keys = makeColumn(root, &HelpLine::keys);
-    keys->setColor(KEY_COLOR);
-    m_help->addChild(keys);
-    m_help->addChild(makeColumn(root, &HelpLine::action));
+    m_help_columns[0] = makeColumn(root, &HelpLine::keys);
+    m_help_columns[0]->setColor(KEY_COLOR);
+    m_help_columns[1] = makeColumn(root, &HelpLine::action);
+    for (UILabel* column : m_help_columns)
+        m_help->addChild(column);
     m_label = new UILabel(root, "");
     m_label->setAlignFree(true);
     m_label->setBackgroundColor(FACE);
@@ -109,7 +112,20 @@ void Overlays::addFrame(float dt, const FrameCosts& costs, int records) {
     m_sums = {};
 }
 
+/// In the largest font in which the picture shows all of it.
+void Overlays::fitHelp() {
+    const int size[] = {m_root->getWidth(), m_root->getHeight(), m_root->getTextRevision()};
+    if (std::equal(std::begin(size), std::end(size), m_fitted)) return;
+    std::copy(std::begin(size), std::end(size), m_fitted);
+    for (int font = HELP_FONT; font >= SMALLEST_FONT; font--) {
+        for (UILabel* column : m_help_columns)
+            column->setFontSize(font);
+        if (m_help->getWidth() <= size[0] && m_help->getHeight() <= size[1]) return;
+    }
+}
+
 void Overlays::place() {
+    fitHelp();
     const int x = (m_root->getWidth() - m_help->getWidth()) / 2;
     const int y = (m_root->getHeight() - m_help->getHeight()) / 2;
     m_help->setPosition(std::max(x, 0), std::max(y, 0));

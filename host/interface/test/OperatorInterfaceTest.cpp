@@ -6,6 +6,7 @@
 #include "ig/ui/UIButton.h"
 #include "ig/ui/UIEditLine.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
@@ -112,10 +113,14 @@ TEST_F(OperatorInterfaceTest, HelpComesAndGoesAndIsNoCommandWhileTyping) {
     EXPECT_EQ(logic.take(), "");
 }
 
-TEST_F(OperatorInterfaceTest, HelpFitsEveryUsualWindow) {
+TEST_F(OperatorInterfaceTest, HelpFitsEveryWindow) {
     channel.getOverlays().showHelp(true);
-    for (const auto& [width, height, density] :
-         {std::tuple(1280, 720, 1.0f), {3840, 2160, 2.0f}, {1920, 1080, 1.0f}, {800, 600, 1.0f}}) {
+    for (const auto& [width, height, density] : {std::tuple(1280, 720, 1.0f),
+                                                 {3840, 2160, 2.0f},
+                                                 {1920, 1080, 1.0f},
+                                                 {800, 600, 1.0f},
+                                                 {320, 200, 1.0f},
+                                                 {240, 900, 1.0f}}) {
         channel.resize(width, height, density);
         channel.update(0);
         for (const UiDrawList::Command& command : channel.draw()->commands()) {
@@ -123,7 +128,7 @@ TEST_F(OperatorInterfaceTest, HelpFitsEveryUsualWindow) {
             EXPECT_GE(command.y, 0);
             EXPECT_LE(command.x + command.w, width);
             EXPECT_LE(command.y + command.h, height);
-            if (command.kind == UiDrawList::Kind::text) {
+            if (command.kind == UiDrawList::Kind::text && std::min(width, height) >= 600) {
                 EXPECT_GE(command.h, 9); // readable
             }
         }

@@ -45,15 +45,20 @@ public:
 
     // --- frame
 
+    /// Fits the panels to the picture, and refreshes and lays out everything.
     void update(float dt);
     /// What is to be drawn; valid until the next call.
     const ig::UiDrawList* draw();
 
 private:
+    void fit();
+
     ig::IApp* m_app;
     LogicBase* m_logic = nullptr;
     std::unique_ptr<ig::UIRoot> m_root;
     ig::InputRouter m_input;
     ig::UiDrawList m_list;
     Overlays m_overlays;
+    int m_width = 0, m_height = 0; ///< of the picture, pixels
+    float m_density = 1;           ///< pixels per unit of 1/96 inch
 };

@@ -33,7 +33,7 @@ public:
     /// After every frame: its duration, what it cost, and the records that were applied in it.
     /// Twice a second the statistics are written anew.
     void addFrame(float dt, const FrameCosts& costs, int records);
-    /// Keeps the key map in the middle of the picture; before the layout.
+    /// Keeps the key map in the middle of the picture, all of it; before the layout.
     void place();
 
 private:
@@ -47,9 +47,12 @@ private:
         FrameCosts costs;
     };
     void write();
+    void fitHelp();
 
     ig::UIRoot* m_root = nullptr;
     ig::UIHLayout* m_help = nullptr; ///< the root's, as the label
+    ig::UILabel* m_help_columns[2] = {};
+    int m_fitted[3] = {}; ///< width, height and text revision that the key map was fitted to
     ig::UILabel* m_label = nullptr;
     Statistics m_statistics = Statistics::off;
     Sums m_sums;

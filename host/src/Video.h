@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+namespace ig {
+class Renderer;
+struct Picture;
+} // namespace ig
+
+/// A video of the pictures, made by the program ffmpeg, to which the pictures go through a pipe. It
+/// runs at the scene's pace: RATE pictures for every second of scene time, however many frames that
+/// took. Whatever goes wrong is told once; the frames go on without the video.
+class Video {
+public:
+    static constexpr int RATE = 30; ///< pictures a second
+
+    /// An empty path: no video. The first frame starts it.
+    explicit Video(const std::string& path) : m_path(path) {}
+    Video(const Video&) = delete;
+    Video& operator=(const Video&) = delete;
+    ~Video() { close(); }
+
+    /// After every frame; `time` is the scene's, seconds.
+    void afterFrame(ig::Renderer& renderer, double time);
+    /// Waits until the file is complete.
+    void close();
+
+private:
+    bool start(const ig::Picture& picture);
+    void fit(const ig::Picture& picture);
+    bool send();
+    void fail(const char* why);
+    int stop(double patience);
+
+    std::string m_path; ///< empty when there is nothing more to write
+    int m_pipe = -1;
+    pid_t m_program = -1;
+    int m_width = 0, m_height = 0;     ///< of the video
+    std::vector<std::uint8_t> m_bytes; ///< one of its pictures
+    double m_begin = 0;                ///< scene time, s
+    long long m_count = 0;             ///< pictures due so far
+};

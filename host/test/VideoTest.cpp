@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: MIT
+
+// The video, with small scripts in the place of ffmpeg.
+
+#include "Video.h"
+#include "ig/app/Renderer.h"
+#include "testkit/LogCapture.h"
+#include "testkit/TempFolder.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sstream>
+
+namespace {
+
+using namespace ig;
+
+/// Shows one grey; the n-th picture read back is n bright.
+struct GreyRenderer final : Renderer {
+    const char* getName() const override { return "grey"; }
+    bool init(int, int) override { return true; }
+    void resize(int w, int h) override { width = w, height = h; }
+    void render(const World&, const Camera&, const FrameInfo&) override {}
+    void release() override {}
+    bool readPicture(Picture& picture) override {
+        if (width == 0) return false;
+        picture.width = width;
+        picture.height = height;
+        picture.rgb.assign(static_cast<std::size_t>(3 * width * height), ++number);
+        return true;
+    }
+    int width = 64, height = 32;
+    std::uint8_t number = 0;
+};
+
+struct VideoTest : testing::Test {
+    static constexpr std::size_t PICTURE = 3 * 64 * 32; ///< bytes
+
+    VideoTest() { setenv("PATH", (folder.path().string() + ":" + path).c_str(), 1); }
+    ~VideoTest() override { setenv("PATH", path.c_str(), 1); }
+
+    /// What is found under the name of ffmpeg.
+    void ffmpeg(const std::string& script) {
+        folder.write("ffmpeg", "#!/bin/sh\ncd '" + folder.path().string() + "'\n" + script + "\n");
+        std::filesystem::permissions(folder.path() / "ffmpeg", std::filesystem::perms::owner_all);
+    }
+    std::string read(const char* name) const {
+        std::ifstream file(folder.path() / name, std::ios::binary);
+        std::ostringstream bytes;
+        bytes << file.rdbuf();
+        return bytes.str();
+    }
+    /// A second of scene in so many frames.
+    void second(int frames) {
+        for (int i = 0; i < frames; i++)
+            video.afterFrame(renderer, time += 1.0 / frames);
+    }
+    /// One report, that holds all these.
+    void expectOneReport(std::initializer_list<const char*> parts) const {
+        ASSERT_EQ(log.lines.size(), 1u);
+        for (const char* part : parts)
+            EXPECT_NE(log.lines[0].find(part), std::string::npos) << log.lines[0];
+    }
+
+    const std::string path = std::getenv("PATH");
+    TempFolder folder;
+    LogCapture log;
+    GreyRenderer renderer;
+    Video video{"-my flight.mp4"};
+    double time = 100;
+};
+
+TEST_F(VideoTest, EverySecondOfTheSceneGivesAsManyPictures) {
+    ffmpeg("printf '%s\\n' \"$@\" > arguments; cat > pictures");
+    second(60); // more frames than pictures
+    second(10); // fewer: they are shown longer
+    video.close();
+    const std::string arguments = read("arguments"), pictures = read("pictures");
+    for (const char* part : {"\n-video_size\n64x32\n", "\n-pixel_format\nrgb24\n",
+                             "\n-framerate\n30\n", "\nfile:-my flight.mp4\n"})
+        EXPECT_NE(arguments.find(part), std::string::npos) << arguments;
+    ASSERT_EQ(pictures.size() % PICTURE, 0u);
+    EXPECT_NEAR(static_cast<double>(pictures.size() / PICTURE), 2 * Video::RATE, 1);
+    EXPECT_EQ(pictures[0], 1);
+    EXPECT_EQ(pictures.back(), renderer.number);
+    EXPECT_LE(renderer.number, 42); // only what the video needs is read back
+    EXPECT_TRUE(log.lines.empty());
+}
+
+TEST_F(VideoTest, AStallGivesNoMoreThanASecondAndAResizeKeepsTheSize) {
+    ffmpeg("cat > pictures");
+    second(30);
+    time += 1000;
+    renderer.resize(32, 100);
+    second(30);
+    video.close();
+    const std::string pictures = read("pictures");
+    ASSERT_EQ(pictures.size() % PICTURE, 0u);
+    EXPECT_NEAR(static_cast<double>(pictures.size() / PICTURE), 3 * Video::RATE, 1);
+    const std::size_t last = pictures.size() - PICTURE;
+    EXPECT_EQ(pictures[last], renderer.number);
+    EXPECT_EQ(pictures[last + 3 * 40], 0); // beside the narrower picture
+}
+
+TEST_F(VideoTest, WithoutTheProgramOrPicturesThereIsOneMessage) {
+    setenv("PATH", folder.path().c_str(), 1);
+    second(30);
+    expectOneReport({"ffmpeg is not installed", "my flight.mp4"});
+    video.close();
+    EXPECT_EQ(log.lines.size(), 1u);
+    log.lines.clear();
+    renderer.resize(0, 0);
+    Video none("none.mp4");
+    for (int i = 0; i < 30; i++)
+        none.afterFrame(renderer, i);
+    expectOneReport({"no pictures"});
+}
+
+TEST_F(VideoTest, AProgramThatEndsOrHangsEndsTheVideoOnly) {
+    ffmpeg("head -c 10000 > pictures");
+    for (int i = 0; i < 100 && log.lines.empty(); i++)
+        second(30);
+    second(30);
+    video.close();
+    expectOneReport({"ffmpeg has ended", "my flight.mp4"});
+
+    log.lines.clear();
+    ffmpeg("exec sleep 100");
+    renderer.resize(1024, 512);
+    Video hanging("b.mp4");
+    for (int i = 0; i < 30; i++)
+        hanging.afterFrame(renderer, i);
+    hanging.close();
+    expectOneReport({"takes no more pictures"});
+
+    log.lines.clear();
+    ffmpeg("cat > pictures; exit 3"); // only at the end it finds that it can't
+    Video incomplete("c.mp4");
+    incomplete.afterFrame(renderer, 0);
+    incomplete.close();
+    expectOneReport({"not complete", "c.mp4"});
+}
+
+} // namespace

@@ -1,0 +1,522 @@
+// SPDX-License-Identifier: MIT
+
+// The channel in a real window, worked with a real mouse and keyboard as far as it can tell: what
+// is clicked is clicked where it is drawn, and what comes of it is seen in the scene.
+
+#include "Channel.h"
+#include "VirtualScreen.h"
+#include "heli/config/AppData.h"
+#include "heli/kit/HelicopterCorax.h"
+#include "heli/logic/Logic_Nerith_Heli_Final.h"
+#include "heli/logic/records.h"
+#include "ig/math/EllipsoidModel.h"
+#include "ig/physics/BodyRope.h"
+#include "ig/scene/ObjectPrefab.h"
+#include "ig/ui/UISpriteViewport.h"
+#include "testkit/LogCapture.h"
+#include "testkit/TempFolder.h"
+#include "testkit/UdpPeer.h"
+
+#define XK_MISCELLANY
+#include <X11/keysymdef.h>
+#include <chrono>
+#include <cmath>
+#include <gtest/gtest.h>
+#include <numbers>
+#include <optional>
+#include <string>
+
+namespace {
+
+using namespace ig;
+using namespace std::chrono_literals;
+using Logic = Logic_Nerith_Heli_Final;
+
+const char* const BUTTONS[] = {"第三视角", "气象雷达", "飞机损毁", "开闭雨刷", "投放鱼雷",
+                               "打开声呐", "关闭声呐", "释放声呐", "下放声呐", "上拉声呐",
+                               "打开吊索", "关闭吊索", "下放吊索", "上拉吊索", "发射导弹",
+                               "发射诱饵", "场景重置"};
+
+struct Messages final : MsgNode {
+    Messages() { attach(); }
+    void processMsg(UiMsg* message) override { seen.push_back(message->id); }
+    std::vector<int> take() { return std::exchange(seen, {}); }
+    std::vector<int> seen;
+};
+
+struct WindowTest : testing::Test {
+    static constexpr int WIDTH = 640, HEIGHT = 480;
+
+    void SetUp() override {
+        if (!VirtualScreen::isInstalled())
+            GTEST_SKIP() << "there is no Xvfb to open a window on: nothing of the window is tested";
+        open();
+    }
+    void TearDown() override {
+        channel.reset();
+        AppData::destroy_instance();
+    }
+    void open() {
+        screen.emplace(dpi);
+        ASSERT_TRUE(screen->isOpen());
+        std::filesystem::create_symlink(folder.before() / "data", folder.path() / "data");
+        UdpPeer peer;
+        folder.write("config/Logic_Nerith_Heli_Final.cfg",
+                     "recv_from_flightSimulation_port: " + std::to_string(UdpPeer::freePort()) +
+                         "\nsend_to_flightSimulation_port: " + std::to_string(peer.port()) + "\n");
+        Options options;
+        options.window = true;
+        options.width = WIDTH;
+        options.height = HEIGHT;
+        options.scale = 0.25f;
+        options.eye = {0, 0, 3000, 0, 80}; // the sky: quick to draw
+        options.frame_rate = 0;
+        options.step = 1 / 16.0;
+        options.quiet = true;
+        channel.emplace(options);
+        ASSERT_TRUE(channel->open());
+        ASSERT_TRUE(screen->watch("Visual channel"));
+        frames(3);
+    }
+
+    void frames(int count = 2) {
+        for (int i = 0; i < count; i++)
+            ASSERT_TRUE(channel->runFrame());
+    }
+    Logic& logic() { return static_cast<Logic&>(*channel->getLogic()); }
+
+    /// Where the picture shows a text, or an image of that path; the command's rectangle.
+    std::optional<UiDrawList::Command> drawn(const std::string& text) {
+        channel->getUIRoot()->draw(list);
+        for (const UiDrawList::Command& command : list.commands())
+            if (list.text(command) == text) return command;
+        return {};
+    }
+    bool shows(const std::string& part) {
+        channel->getUIRoot()->draw(list);
+        for (const UiDrawList::Command& command : list.commands())
+            if (list.text(command).find(part) != std::string_view::npos) return true;
+        return false;
+    }
+    /// The mouse goes to the middle of a line of ideographs.
+    void pointAt(const std::string& text) {
+        const auto at = drawn(text);
+        ASSERT_TRUE(at) << text << " is not drawn";
+        const auto count = static_cast<float>(text.size() / 3); // three bytes each, square
+        screen->move(at->x + count * at->h / 2, at->y + at->h / 2);
+    }
+    void click(const std::string& text) {
+        pointAt(text);
+        clickHere();
+    }
+    void clickHere() {
+        screen->button(1, true);
+        frames(1);
+        screen->button(1, false);
+        frames(2);
+    }
+    /// Clicks into the first field to the right of an icon.
+    void clickField(const std::string& icon) {
+        const auto at = drawn(icon);
+        ASSERT_TRUE(at) << icon << " is not drawn";
+        screen->move(at->x + at->w + 12, at->y + at->h / 2);
+        clickHere();
+    }
+    void stroke(unsigned long symbol) {
+        screen->stroke(symbol);
+        frames();
+    }
+    /// Length that a rope gains while the left button is held on a text for half a second.
+    float gain(const std::string& text, Node* node) {
+        const float before = ropeLength(node);
+        pointAt(text);
+        screen->button(1, true);
+        frames(8);
+        screen->button(1, false);
+        frames(3);
+        return ropeLength(node) - before;
+    }
+    static float ropeLength(Node* node) {
+        Body* body = node && node->isObject() ? static_cast<Object*>(node)->getBody() : nullptr;
+        if (!body || body->getType() != Body::BODY_ROPE) return -1;
+        return static_cast<BodyRope*>(body)->getLength() * 1.5f; // as displayed
+    }
+    Node* helicopterNode(const char* name) { return logic().m_heli->m_prefab->getNodeByName(name); }
+
+    int dpi = 0; ///< of the desktop; 0: it says nothing
+    WorkingFolder folder;
+    LogCapture log;
+    std::optional<VirtualScreen> screen;
+    std::optional<Channel> channel;
+    UiDrawList list;
+    const std::string SPEED = "data/core/editor/gui/run.dds";
+    const std::string POSITION = "data/core/editor/gui/position.dds";
+};
+
+// ------------------------------------------------------------------ the panels
+
+TEST_F(WindowTest, EveryButtonIsClickedWhereItIsDrawn) {
+    click("第三视角");
+    EXPECT_EQ(logic().m_player_mode, Logic::PLAYER_MODE_FREE);
+    click("自由视角"); // the button names the view that is on
+    EXPECT_EQ(logic().m_player_mode, Logic::PLAYER_MODE_FIRST);
+    click("第一视角");
+    EXPECT_EQ(logic().m_player_mode, Logic::PLAYER_MODE_THIRD);
+    EXPECT_TRUE(drawn("第三视角"));
+
+    click("气象雷达");
+    EXPECT_FALSE(logic().m_radar_viewport->isHidden());
+    click("气象雷达");
+    EXPECT_TRUE(logic().m_radar_viewport->isHidden());
+    click("开闭雨刷");
+    EXPECT_TRUE(logic().m_heli->is_wiper_on());
+
+    click("打开声呐");
+    ASSERT_NE(logic().m_sonar_info->prefab, nullptr);
+    EXPECT_NEAR(gain("下放声呐", logic().m_sonar_info->rope), 1, 0.1); // 2 m/s
+    EXPECT_NEAR(gain("上拉声呐", logic().m_sonar_info->rope), -1, 0.1);
+    click("释放声呐");
+    EXPECT_TRUE(logic().is_break_sonar_joint());
+    click("关闭声呐");
+    EXPECT_EQ(logic().m_sonar_info->prefab, nullptr);
+
+    click("打开吊索");
+    ASSERT_NE(logic().m_winch_info->prefab, nullptr);
+    EXPECT_NEAR(gain("下放吊索", logic().m_winch_info->rope), 1, 0.1);
+    EXPECT_NEAR(gain("上拉吊索", logic().m_winch_info->rope), -1, 0.1);
+    click("关闭吊索");
+    EXPECT_EQ(logic().m_winch_info->prefab, nullptr);
+
+    click("投放鱼雷");
+    EXPECT_EQ(logic().m_torpedo_infos.size(), 1);
+    click("发射导弹");
+    EXPECT_EQ(logic().m_missiles.size(), 1);
+    click("发射诱饵");
+    EXPECT_EQ(logic().m_decoys.size(), 6);
+    int resets = 0;
+    logic().m_sig_code.append({&resets, [&](int) { resets++; }});
+    click("飞机损毁");
+    EXPECT_TRUE(helicopterNode("fire")->isEnabled());
+    click("场景重置");
+    EXPECT_FALSE(helicopterNode("fire")->isEnabled());
+    EXPECT_EQ(resets, 2); // its beginning and its end
+    EXPECT_EQ(logic().m_torpedo_infos.size() + logic().m_decoys.size(), 0);
+}
+
+TEST_F(WindowTest, HitAreasFollowThePanelAndEveryButtonFitsEveryWindow) {
+    const auto before = drawn("气象雷达");
+    ASSERT_TRUE(before);
+    for (const auto& [width, height] :
+         {std::pair(1000, 700), {640, 440}, {500, 300}, {420, 200}, {300, 900}}) {
+        screen->resize(width, height);
+        frames(3);
+        ASSERT_EQ(channel->getWidth(), width);
+        ASSERT_EQ(channel->getHeight(), height);
+        for (const char* text : BUTTONS) {
+            const auto at = drawn(text);
+            ASSERT_TRUE(at) << text;
+            EXPECT_GE(at->y, 0) << text << " at " << width << " x " << height;
+            EXPECT_LE(at->y + at->h, height) << text << " at " << width << " x " << height;
+            EXPECT_LE(at->x + 4 * at->h, width) << text << " at " << width << " x " << height;
+        }
+        const bool hidden = logic().m_radar_viewport->isHidden();
+        click("气象雷达");
+        EXPECT_NE(logic().m_radar_viewport->isHidden(), hidden) << width << " x " << height;
+        const int missiles = logic().m_missiles.size();
+        click("发射导弹"); // near the lower end
+        EXPECT_EQ(logic().m_missiles.size(), missiles + 1) << width << " x " << height;
+    }
+    screen->resize(1000, 700);
+    frames(3);
+    const bool hidden = logic().m_radar_viewport->isHidden();
+    screen->move(before->x + before->h, before->y + before->h / 2); // where it was at first
+    clickHere();
+    EXPECT_EQ(logic().m_radar_viewport->isHidden(), hidden);
+}
+
+TEST_F(WindowTest, FieldsTakeWhatIsTypedAndTypingIsNoCommand) {
+    Messages messages;
+    logic().setCamSpeed(1000);
+    frames(1);
+    clickField(SPEED);
+    screen->type("5");
+    stroke(' ');
+    screen->type("abch");
+    screen->type("00");
+    stroke('g');
+    EXPECT_TRUE(drawn("500"));
+    EXPECT_EQ(logic().getCamSpeed(), 1000); // not yet, and no 5's speed either
+    EXPECT_EQ(logic().m_missiles.size(), 0);
+    EXPECT_FALSE(shows("dipping sonar"));
+    stroke(XK_Return);
+    EXPECT_EQ(logic().getCamSpeed(), 500);
+    EXPECT_EQ(messages.take(), std::vector<int>{123456});
+    stroke('3'); // the field is left
+    EXPECT_EQ(logic().getCamSpeed(), 1000);
+    EXPECT_TRUE(drawn("1000"));
+
+    stroke(XK_F1); // the free camera stays where it is put
+    clickField(POSITION);
+    screen->type("-154.5");
+    stroke(XK_Tab);
+    screen->type("19.25");
+    stroke(XK_Tab);
+    screen->type("1234");
+    stroke(XK_Return);
+    const dvec3 geo = logic().get_cam_pos_geo();
+    EXPECT_NEAR(geo.x, -154.5, 1e-6);
+    EXPECT_NEAR(geo.y, 19.25, 1e-6);
+    EXPECT_NEAR(geo.z, 1234, 1e-3);
+    EXPECT_EQ(messages.take(), std::vector<int>(3, 654321));
+
+    clickField(SPEED);
+    screen->type("1239");
+    stroke(XK_Home);
+    stroke(XK_Delete);
+    stroke(XK_End);
+    stroke(XK_BackSpace);
+    EXPECT_TRUE(drawn("23"));
+    screen->roll(true); // the mouse is over the field
+    frames();
+    EXPECT_TRUE(drawn("24"));
+    EXPECT_EQ(logic().getCamSpeed(), 24);
+    stroke(XK_Escape);
+}
+
+TEST_F(WindowTest, CopyAndPasteGoThroughTheDesktopsClipboard) {
+    const auto control = [this](unsigned long symbol) {
+        screen->key(XK_Control_L, true);
+        stroke(symbol);
+        screen->key(XK_Control_L, false);
+    };
+    clickField(SPEED);
+    screen->type("4711");
+    frames();
+    control('a');
+    control('c');
+    screen->askForClipboard();
+    frames();
+    EXPECT_EQ(screen->takeClipboard(), "4711");
+    control('v'); // over the selection
+    control('v'); // after it
+    EXPECT_TRUE(drawn("47114711"));
+    control('a');
+    control('x');
+    EXPECT_FALSE(drawn("47114711"));
+    screen->type("5");
+    stroke(XK_Return);
+    EXPECT_EQ(logic().getCamSpeed(), 5);
+}
+
+struct DenseWindowTest : WindowTest {
+    DenseWindowTest() { dpi = 192; }
+};
+
+TEST_F(DenseWindowTest, PanelsKeepTheirSizeInInches) {
+    screen->resize(1500, 1100);
+    frames(3);
+    const auto at = drawn("场景重置");
+    ASSERT_TRUE(at);
+    EXPECT_NEAR(at->h, 15 * 2 * 550 / 711.0f, 1); // twice, in a window of 550 units of height
+    EXPECT_GT(at->y + 2 * at->h, 1100);           // in the corner
+    click("气象雷达");
+    EXPECT_FALSE(logic().m_radar_viewport->isHidden());
+}
+
+// ------------------------------------------------------------------ the scene
+
+TEST_F(WindowTest, KeysCommandTheScene) {
+    for (const Logic::PLAYER_MODE mode :
+         {Logic::PLAYER_MODE_FREE, Logic::PLAYER_MODE_FIRST, Logic::PLAYER_MODE_THIRD}) {
+        stroke(XK_F1);
+        EXPECT_EQ(logic().m_player_mode, mode);
+    }
+    const int speeds[] = {10, 200, 1000, 10000, 10000};
+    for (unsigned i = 0; i < 5; i++) {
+        logic().setCamSpeed(1);
+        stroke('1' + i);
+        EXPECT_EQ(logic().getCamSpeed(), speeds[i]);
+    }
+    const bool projector = logic().m_heli->m_front_proj->isEnabled();
+    stroke('g');
+    EXPECT_NE(logic().m_heli->m_front_proj->isEnabled(), projector);
+    stroke(' ');
+    EXPECT_EQ(logic().m_missiles.size(), 1);
+    stroke(XK_F6);
+    EXPECT_EQ(logic().m_torpedo_infos.size(), 1);
+
+    stroke(XK_F2);
+    Node* rope = logic().m_sonar_info->rope;
+    ASSERT_NE(rope, nullptr);
+    for (const auto& [key, change] : {std::pair(XK_Down, 1.0f), {XK_Up, -1.0f}}) {
+        const float before = ropeLength(rope);
+        screen->key(static_cast<unsigned long>(key), true);
+        frames(8);
+        screen->key(static_cast<unsigned long>(key), false);
+        frames(2);
+        EXPECT_NEAR(ropeLength(rope) - before, change, 0.1);
+    }
+    stroke(XK_F3);
+    EXPECT_TRUE(logic().is_break_sonar_joint());
+    stroke(XK_F5);
+    EXPECT_TRUE(helicopterNode("fire")->isEnabled());
+
+    EXPECT_FALSE(shows("dipping sonar"));
+    stroke(XK_F12);
+    EXPECT_TRUE(shows("dipping sonar"));
+    stroke('h');
+    EXPECT_FALSE(shows("dipping sonar"));
+    stroke(XK_F11);
+    frames(10);
+    EXPECT_TRUE(shows("frames/s"));
+    stroke(XK_F11);
+    frames(10);
+    EXPECT_TRUE(shows("records per frame"));
+    stroke(XK_F11);
+    EXPECT_FALSE(shows("frames/s"));
+
+    screen->key(XK_Alt_L, true);
+    stroke('p');
+    screen->key(XK_Alt_L, false);
+    EXPECT_TRUE(std::filesystem::exists("picture_0001.png"));
+}
+
+TEST_F(WindowTest, TheMouseMovesTheCameras) {
+    const auto drag = [this](int button, float x, float y) {
+        screen->move(300, 200);
+        frames(1);
+        screen->button(button, true);
+        frames(1);
+        screen->move(300 + x, 200 + y);
+        frames(2);
+        screen->button(button, false);
+        frames(1);
+    };
+    const auto distance = [this] {
+        return length(logic().m_third_cam_pos - logic().m_heli->get_world_position());
+    };
+    screen->move(300, 200);
+    screen->roll(true);
+    frames();
+    EXPECT_NEAR(logic().m_third_dist, (25 - 1) * 0.9,
+                1e-4); // a metre by the event, a tenth by poll
+    screen->roll(false);
+    frames();
+    EXPECT_NEAR(logic().m_third_dist, (21.6 + 1) * 1.1, 1e-4);
+
+    const dvec3 behind = logic().m_third_cam_pos;
+    drag(3, 80, 0); // the right button orbits nothing
+    EXPECT_LT(length(logic().m_third_cam_pos - behind), 0.1);
+    drag(1, 80, 0); // 20 degrees
+    const double moved = length(logic().m_third_cam_pos - behind);
+    EXPECT_NEAR(moved, 2 * distance() * std::sin(10 * std::numbers::pi / 180), 1.0);
+    EXPECT_NEAR(distance(), static_cast<double>(logic().m_third_dist), 0.1);
+
+    stroke(XK_F1);
+    const auto position = [this] { return EllipsoidModel().toWorld(logic().get_cam_pos_geo()); };
+    const auto ahead = [&] { return normalize(logic().get_ray_to(320, 240) - position()); };
+    const dvec3 place = position(), looked = ahead();
+    drag(3, 40, 0); // 10 degrees
+    EXPECT_NEAR(dot(looked, ahead()), std::cos(10 * std::numbers::pi / 180), 0.01);
+    stroke('1');
+    screen->button(1, true);
+    screen->key('w', true);
+    frames(16);
+    screen->key('w', false);
+    screen->button(1, false);
+    frames(1);
+    EXPECT_NEAR(length(position() - place), 10, 0.1); // 10 m/s
+}
+
+TEST_F(WindowTest, NothingStaysHeldThatWasLetGo) {
+    screen->setRepeat(100, 10);
+    using Clock = std::chrono::steady_clock;
+    const auto wait = [this](std::chrono::milliseconds time) {
+        for (const auto end = Clock::now() + time; Clock::now() < end;)
+            frames(1);
+    };
+    screen->key(XK_F1, true); // it repeats, and is one press
+    wait(400ms);
+    screen->key(XK_F1, false);
+    frames();
+    EXPECT_EQ(logic().m_player_mode, Logic::PLAYER_MODE_FREE);
+    clickField(SPEED);
+    screen->type("123456789");
+    frames();
+    screen->key(XK_BackSpace, true); // while in a text it does repeat
+    wait(400ms);
+    screen->key(XK_BackSpace, false);
+    frames();
+    EXPECT_FALSE(shows("12345678"));
+    EXPECT_FALSE(shows("1234567"));
+    stroke(XK_Escape);
+
+    click("打开声呐");
+    Node* rope = logic().m_sonar_info->rope;
+    const auto stands = [&] {
+        const float before = ropeLength(rope);
+        frames(4);
+        return ropeLength(rope) == before;
+    };
+    screen->key(XK_Down, true);
+    frames();
+    EXPECT_FALSE(stands());
+    screen->focus(false); // let go while another window has the keyboard
+    frames();
+    EXPECT_TRUE(stands());
+    screen->key(XK_Down, false);
+    screen->focus(true);
+    frames();
+    EXPECT_TRUE(stands());
+    pointAt("下放声呐");
+    screen->button(1, true);
+    frames();
+    EXPECT_FALSE(stands());
+    screen->move(100, 100); // off the button
+    frames();
+    EXPECT_TRUE(stands());
+    pointAt("下放声呐"); // back on it, still held
+    frames();
+    EXPECT_FALSE(stands());
+    screen->focus(false);
+    frames();
+    EXPECT_TRUE(stands());
+    screen->button(1, false);
+    screen->focus(true);
+    frames();
+    EXPECT_TRUE(stands());
+}
+
+// ------------------------------------------------------------------ the end
+
+/// Acts in every frame, also in those that run while the channel waits for an answer.
+struct EveryFrame final : UIElement {
+    EveryFrame(UIRoot* root, std::function<void()> act_in_frame)
+        : UIElement(root), act(std::move(act_in_frame)) {
+        setHidden(true);
+    }
+    void refresh() override { act(); }
+    void measure(int&, int&) const override {}
+    std::function<void()> act;
+};
+
+TEST_F(WindowTest, TheCloseButtonAsksBackAndTheSceneGoesOnMeanwhile) {
+    const std::string question = "End the visual channel?";
+    int frame = 0, asked = 0, answered = 0;
+    channel->getUIRoot()->addChild(new EveryFrame(channel->getUIRoot(), [&] {
+        frame++;
+        if (frame % 30 == 1) screen->pressCloseButton();
+        if (!shows(question)) return;
+        asked++;
+        if (frame % 30 != 15) return;
+        answered++;
+        screen->stroke(answered == 1 ? XK_Escape : XK_Return);
+    }));
+    channel->run();
+    EXPECT_EQ(answered, 2); // no, then yes
+    EXPECT_GT(asked, 20);   // frames went on below the question
+    EXPECT_LE(frame, 30 + 20);
+    EXPECT_FALSE(channel->runFrame());
+}
+
+} // namespace
