@@ -14,6 +14,7 @@ namespace {
 
 constexpr float LONGEST_STEP = 0.5f;  ///< s
 constexpr double FARTHEST = 1000;     ///< m from the origin before it is moved along
+constexpr double WAKE_SPEED = 5;      ///< m/s at which a flat emitter reaches its rate
 constexpr std::size_t MOST = 12000;   ///< particles of one emitter
 constexpr float GRAVITY = 9.81f;      ///< m/s²
 constexpr double COLUMN_RADIUS = 2.5; ///< m: half a deflector's width when it has no scale
@@ -49,6 +50,7 @@ void ParticleSystem::advanceEmitter(const ObjectParticles& emitter, float dt, bo
     if (!entry.cloud.emitter) {
         entry.cloud.emitter = &emitter;
         entry.cloud.origin = position;
+        entry.position = position;
         entry.cleared = emitter.getNumCleared();
     }
     if (entry.cleared != emitter.getNumCleared()) entry.cloud.particles.clear();
@@ -58,9 +60,13 @@ void ParticleSystem::advanceEmitter(const ObjectParticles& emitter, float dt, bo
     const Material* material = emitter.getSurfaceMaterial(0);
     const Motion motion{slider(material, "gravity"), slider(material, "drag"),
                         slider(material, "spin")};
+    // Foam lies where a hull has gone: it doesn't pile up around a still one.
+    const double speed = length(position - entry.position) / static_cast<double>(dt);
+    const double share = flat ? std::min(speed / WAKE_SPEED, 1.0) : 1;
+    entry.position = position;
     keepNear(position, entry.cloud);
     move(entry.cloud, motion, dt);
-    spawn(emitter, entry, motion, dt);
+    spawn(emitter, entry, motion, static_cast<float>(share), dt);
     deflect(emitter, entry.cloud);
 }
 
@@ -88,10 +94,10 @@ void ParticleSystem::move(ParticleCloud& cloud, const Motion& motion, float dt) 
 }
 
 void ParticleSystem::spawn(const ObjectParticles& emitter, Entry& entry, const Motion& motion,
-                           float dt) {
-    if (!(emitter.getPresentRate() > 0)) return;
-    entry.owed = std::min(entry.owed + static_cast<double>(emitter.getPresentRate() * dt),
-                          static_cast<double>(MOST));
+                           float share, float dt) {
+    const float rate = emitter.getPresentRate() * share;
+    if (!(rate > 0)) return;
+    entry.owed = std::min(entry.owed + static_cast<double>(rate * dt), static_cast<double>(MOST));
     makeRoom(emitter, entry.cloud.particles);
     const dmat4& pose = emitter.getWorldTransform();
     const vec3 axes[3] = {vec3(pose.getX()), vec3(pose.getY()), vec3(pose.getZ())};

@@ -77,6 +77,27 @@ TEST_F(Particles, StayWhereTheyAreWhenTheEmitterMovesOn) {
                 1); // of the first second and the climb's first step
 }
 
+TEST_F(Particles, FoamLiesWhereAHullHasGoneAndNotAroundAStillOne) {
+    auto* decal = new DecalOrtho();
+    auto* foam = new ObjectParticles();
+    foam->setLife(60);
+    foam->setSpawnRate(100);
+    decal->addChild(foam);
+    world.removeNode(emitter);
+    world.addNode(decal);
+    decal->setWgsPosition({-155, 19.7, 0});
+    run(3);
+    EXPECT_EQ(system.getNumParticles(), 0);
+    for (int i = 1; i <= 100; i++) { // 10 m/s
+        decal->setWorldPosition(decal->getWorldPosition() +
+                                decal->getWorldTransform().getY() * 0.2);
+        system.advance(world, 0.02f);
+    }
+    EXPECT_NEAR(system.getNumParticles(), 200, 3);
+    run(2);
+    EXPECT_NEAR(system.getNumParticles(), 200, 3); // it stays, and no more comes
+}
+
 TEST_F(Particles, DeflectorsClearTheirWholeColumn) {
     emitter->setSpread({10, 10, 0});
     emitter->setNumDeflectors(1);

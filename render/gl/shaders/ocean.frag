@@ -15,8 +15,8 @@ uniform vec4 uFoamOrigin;    // nadir along and across the wind in the noise's p
 uniform vec4 uWash;          // rotor downwash: place in the plane from the nadir, radius, strength
 uniform sampler2D uSlope0, uSlope1, uSlope2, uSlope3;
 uniform sampler2D uNoise;
-uniform sampler2D uEffects;  // slopes, foam and calm of wakes around the eye
-uniform vec4 uEffectsPlace;  // corner in the plane from the nadir, 1 / edge
+uniform sampler2D uEffects, uFarEffects;       // slopes, foam and calm of wakes around the eye
+uniform vec4 uEffectsPlace, uFarEffectsPlace; // corner in the plane from the nadir, 1 / edge
 out vec4 oColor;
 
 const vec3 WATER = vec3(0.006, 0.036, 0.052), CREST = vec3(0.010, 0.085, 0.070);
@@ -72,6 +72,16 @@ Sea waves(float footprint) {
     return sea;
 }
 
+/// Near the eye the fine map of effects, beyond it the coarse one.
+vec4 effectsHere() {
+    vec2 place = (vPlane - uEffectsPlace.xy) * uEffectsPlace.z;
+    vec2 far_place = (vPlane - uFarEffectsPlace.xy) * uFarEffectsPlace.z;
+    vec2 off = abs(place - 0.5) * 2.0;
+    float beyond = smoothstep(0.84, 0.94, max(off.x, off.y));
+    vec4 near = texture(uEffects, place), far = texture(uFarEffects, far_place);
+    return mix(near, far, beyond);
+}
+
 /// Rings that run outwards under a rotor, and the foam that they tear off. Returns the foam.
 float downwash(inout Sea sea) {
     vec2 q = vPlane - uWash.xy;
@@ -95,7 +105,7 @@ void main() {
     float range = length(vPosition), footprint = range * uTime.y;
     vec3 toEye = -vPosition / range;
     Sea sea = waves(footprint);
-    vec4 effects = texture(uEffects, (vPlane - uEffectsPlace.xy) * uEffectsPlace.zw);
+    vec4 effects = effectsHere();
     sea.slope = sea.slope * (1.0 - 0.5 * effects.w) + (effects.xy - 0.50196078) * 0.5;
     sea.variance *= 1.0 - 0.75 * effects.w;
     float torn_off = downwash(sea);

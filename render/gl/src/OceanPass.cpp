@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "OceanPass.h"
 
+#include "WakePass.h"
 #include "ig/math/EllipsoidModel.h"
 #include "ig/math/quat.h"
 #include "plugins/ocean/OceanFrame.h"
@@ -113,9 +114,10 @@ bool OceanPass::init(int columns, int rows) {
     m_uploaded = Stamp();
     m_foam_cover = -1;
     m_program.use();
-    const char* names[] = {"uDisplacement0", "uDisplacement1", "uDisplacement2", "uSlope0",
-                           "uSlope1",        "uSlope2",        "uSlope3",        "uEffects"};
-    for (int i = 0; i < 8; i++)
+    const char* names[] = {"uDisplacement0", "uDisplacement1", "uDisplacement2",
+                           "uSlope0",        "uSlope1",        "uSlope2",
+                           "uSlope3",        "uEffects",       "uFarEffects"};
+    for (int i = 0; i < 9; i++)
         m_program.set(names[i], gl::UNIT_FIRST_OWN + i);
     return true;
 }
@@ -384,7 +386,7 @@ void OceanPass::setWaveUniforms(const FrameView& view, const OceanFrame& frame) 
 }
 
 void OceanPass::draw(const FrameView& view, const OceanFrame& frame, const Downwash& wash,
-                     const gl::Texture& effects, float effects_edge) {
+                     const WakePass& wakes) {
     m_program.use();
     const Fan fan = fitFan(view, frame);
     m_program.set("uFan", vec4(fan.azimuth, fan.azimuth_range, fan.steepest, fan.flattest));
@@ -393,13 +395,15 @@ void OceanPass::draw(const FrameView& view, const OceanFrame& frame, const Downw
                        fan.row_height, static_cast<float>(1 / (2 * EARTH_RADIUS))));
     setWaveUniforms(view, frame);
     m_program.set("uWash", vec4(wash.position.x, wash.position.y, wash.radius, wash.strength));
-    m_program.set("uEffectsPlace",
-                  vec4(-effects_edge / 2, -effects_edge / 2, 1 / effects_edge, 1 / effects_edge));
+    const WakePass::Map &near = wakes.getNear(), &far = wakes.getFar();
+    m_program.set("uEffectsPlace", vec4(near.corner.x, near.corner.y, 1 / near.edge, 0));
+    m_program.set("uFarEffectsPlace", vec4(far.corner.x, far.corner.y, 1 / far.edge, 0));
     for (int i = 0; i < DISPLACED; i++)
         gl::bindTexture(gl::UNIT_FIRST_OWN + i, m_displacement[i]);
     for (int i = 0; i < TILES; i++)
         gl::bindTexture(gl::UNIT_FIRST_OWN + DISPLACED + i, m_slope[i]);
-    gl::bindTexture(gl::UNIT_FIRST_OWN + DISPLACED + TILES, effects);
+    gl::bindTexture(gl::UNIT_FIRST_OWN + DISPLACED + TILES, near.texture);
+    gl::bindTexture(gl::UNIT_FIRST_OWN + DISPLACED + TILES + 1, far.texture);
     glBindVertexArray(m_vertex_array.id());
     glDrawElements(GL_TRIANGLES, m_num_indices, GL_UNSIGNED_INT, nullptr);
 }

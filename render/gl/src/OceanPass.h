@@ -7,6 +7,7 @@
 #include <vector>
 
 struct OceanFrame;
+class WakePass;
 
 /// A helicopter's downwash on the water.
 struct Downwash {
@@ -25,9 +26,8 @@ public:
 
     /// Brings the waves to the device when they have changed.
     void upload(const OceanFrame& frame);
-    /// `effects`: slopes, foam and calm around the eye, on a square of `effects_edge` metres.
     void draw(const FrameView& view, const OceanFrame& frame, const Downwash& wash,
-              const gl::Texture& effects, float effects_edge);
+              const WakePass& wakes);
 
 private:
     static constexpr int TILES = 4, DISPLACED = 3;

@@ -16,6 +16,7 @@
 #include "Targets.h"
 #include "TerrainPass.h"
 #include "UiPass.h"
+#include "WakePass.h"
 #include "ig/base/jLog.h"
 #include "ig/scene/Node.h"
 #include "plugins/ocean/ObjectOcean.h"
@@ -86,6 +87,7 @@ struct RendererGL::Impl {
     OceanPass ocean;
     TerrainPass terrain;
     SpritePass sprites;
+    WakePass wakes;
     UiPass ui;
     Downwash wash;
     gl::Texture noise;
@@ -132,7 +134,8 @@ bool RendererGL::Impl::initPasses() {
     const bool software = std::strstr(device.c_str(), "llvmpipe") != nullptr;
     return tonemap.build("screen.vert", "tonemap.frag") && fxaa.build("screen.vert", "fxaa.frag") &&
            sky.init(software ? 512 : 1024) && shadow.init() && meshes.init() && terrain.init() &&
-           sprites.init() && ui.init() && (software ? ocean.init(128, 90) : ocean.init(320, 240));
+           sprites.init() && wakes.init() && ui.init() &&
+           (software ? ocean.init(128, 90) : ocean.init(320, 240));
 }
 
 void RendererGL::release() {
@@ -145,6 +148,7 @@ void RendererGL::release() {
     r.ocean.release();
     r.terrain.release();
     r.sprites.release();
+    r.wakes.release();
     r.ui.release();
     r.noise.destroy();
     r.tonemap.destroy();
@@ -189,8 +193,9 @@ void RendererGL::Impl::renderScene(const World& world, const Camera& camera,
     prepare(world, camera, frame);
     clock.mark("prepare");
     drawShadows();
-    sprites.drawEffects();
     clock.mark("shadows");
+    if (list.ocean) wakes.draw(view, list.ocean->getFrame());
+    clock.mark("wakes");
     drawScene();
     finishPicture();
     clock.mark("picture");
@@ -214,6 +219,7 @@ void RendererGL::Impl::prepare(const World& world, const Camera& camera, const F
     shadow.place(center, block);
     list.gather(world, view, center, ShadowMap::RADIUS);
     sprites.gather(view, frame.particles, list.lamps);
+    wakes.gather(view, frame.particles, list.decals);
     wash = {vec3(view.toFrame(frame.wash_position)), frame.wash_radius, frame.wash_strength};
     uploadBlock();
     meshes.upload(list, sky);
@@ -248,8 +254,7 @@ void RendererGL::Impl::drawScene() {
     clock.mark("meshes");
     if (list.terrain) terrain.draw(view, *list.terrain);
     clock.mark("terrain");
-    if (list.ocean)
-        ocean.draw(view, list.ocean->getFrame(), wash, sprites.getEffects(), SpritePass::MAP_EDGE);
+    if (list.ocean) ocean.draw(view, list.ocean->getFrame(), wash, wakes);
     clock.mark("ocean");
     sky.drawBackground(view);
     clock.mark("sky");

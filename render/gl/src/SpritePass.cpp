@@ -17,9 +17,7 @@ constexpr float LAMP_LIGHT = 9;    ///< at density 1
 } // namespace
 
 bool SpritePass::init() {
-    if (!m_program.build("sprite.vert", "sprite.frag") ||
-        !m_splat.build("splat.vert", "splat.frag"))
-        return false;
+    if (!m_program.build("sprite.vert", "sprite.frag")) return false;
     m_buffer.create();
     m_vertex_array.create();
     glBindVertexArray(m_vertex_array.id());
@@ -35,24 +33,13 @@ bool SpritePass::init() {
     attribute(1, 4, offsetof(Sprite, color));
     attribute(2, 4, offsetof(Sprite, turn));
     attribute(3, 3, offsetof(Sprite, stretch));
-    gl::TextureFormat format;
-    format.filter = GL_LINEAR_MIPMAP_LINEAR;
-    gl::makeTexture(m_effects, MAP_SIZE, MAP_SIZE, format);
-    glGenerateMipmap(GL_TEXTURE_2D);
-    m_effects_target.create();
-    glBindFramebuffer(GL_FRAMEBUFFER, m_effects_target.id());
-    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, m_effects.id(), 0);
-    m_effects_dirty = true;
     return true;
 }
 
 void SpritePass::release() {
     m_program.destroy();
-    m_splat.destroy();
     m_buffer.destroy();
     m_vertex_array.destroy();
-    m_effects.destroy();
-    m_effects_target.destroy();
 }
 
 // ------------------------------------------------------------------ gathering
@@ -60,8 +47,10 @@ void SpritePass::release() {
 void SpritePass::gather(const FrameView& view, const ParticleSystem* particles,
                         const std::vector<LampItem>& lamps) {
     m_sprites.clear();
-    m_flat.clear();
-    if (particles) particles->forEach([&](const ParticleCloud& cloud) { addCloud(view, cloud); });
+    if (particles)
+        particles->forEach([&](const ParticleCloud& cloud) {
+            if (!cloud.flat) addCloud(view, cloud);
+        });
     for (const LampItem& lamp : lamps)
         m_sprites.push_back({lamp.position,
                              LAMP_SIZE,
@@ -94,20 +83,6 @@ void SpritePass::addCloud(const FrameView& view, const ParticleCloud& cloud) {
         const float radius = size + growth * p.age, youth = p.age / p.life;
         // In quickly, out slowly; what spreads thins out.
         const float opacity = color.w * std::min(youth * 8, 1.0f) * (1 - youth) * size / radius;
-        if (cloud.flat) {
-            const vec2 at{place.x / (MAP_EDGE / 2), place.y / (MAP_EDGE / 2)};
-            if (std::abs(at.x) < 1 && std::abs(at.y) < 1)
-                m_flat.push_back({{at.x, at.y, radius / (MAP_EDGE / 2)},
-                                  p.turn,
-                                  vec4(color.xyz(), opacity),
-                                  0,
-                                  0,
-                                  0,
-                                  0,
-                                  {},
-                                  0});
-            continue;
-        }
         if (!view.sees(place, radius + streak)) continue;
         const vec3 stretch = streak > 0 ? turn * normalize(p.velocity) * (streak / 2) : vec3();
         // Nothing pops up right before the eye.
@@ -119,36 +94,12 @@ void SpritePass::addCloud(const FrameView& view, const ParticleCloud& cloud) {
 
 // ------------------------------------------------------------------ drawing
 
-void SpritePass::upload(const std::vector<Sprite>& sprites) {
-    glBindVertexArray(m_vertex_array.id());
-    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.id());
-    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(sprites.size() * sizeof(Sprite)),
-                 sprites.data(), GL_STREAM_DRAW);
-}
-
-void SpritePass::drawEffects() {
-    if (m_flat.empty() && !m_effects_dirty) return;
-    m_effects_dirty = !m_flat.empty();
-    glBindFramebuffer(GL_FRAMEBUFFER, m_effects_target.id());
-    glViewport(0, 0, MAP_SIZE, MAP_SIZE);
-    glDisable(GL_DEPTH_TEST);
-    glClearColor(128 / 255.0f, 128 / 255.0f, 0, 0);
-    glClear(GL_COLOR_BUFFER_BIT);
-    if (!m_flat.empty()) {
-        upload(m_flat);
-        glEnable(GL_BLEND);
-        glBlendFunc(GL_ONE, GL_ONE);
-        m_splat.use();
-        glDrawArraysInstanced(GL_TRIANGLE_STRIP, 0, 4, static_cast<GLsizei>(m_flat.size()));
-        glDisable(GL_BLEND);
-    }
-    gl::bindTexture(gl::UNIT_FIRST_OWN, m_effects);
-    glGenerateMipmap(GL_TEXTURE_2D);
-}
-
 void SpritePass::draw() {
     if (m_sprites.empty()) return;
-    upload(m_sprites);
+    glBindVertexArray(m_vertex_array.id());
+    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.id());
+    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(m_sprites.size() * sizeof(Sprite)),
+                 m_sprites.data(), GL_STREAM_DRAW);
     glEnable(GL_BLEND);
     glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     glDepthMask(GL_FALSE);

@@ -37,8 +37,9 @@ struct ParticleCloud {
 ///
 /// An emitter spawns at its present rate from its place, or evenly in its box, along its Z axis at
 /// its velocity; the spread is added in every direction. Drag brakes, gravity pulls (both 0 unless
-/// the emitter's material says otherwise, see docs/worlds.md). Particles in the column of one of
-/// the emitter's deflectors are removed. The particles of an emitter that is hidden are gone.
+/// the emitter's material says otherwise, see docs/worlds.md). A flat emitter spawns less the
+/// slower it is carried, and nothing while it stands. Particles in the column of one of the
+/// emitter's deflectors are removed. The particles of an emitter that is hidden are gone.
 class ParticleSystem {
 public:
     /// `dt` in seconds; more than 0.5 counts as 0.5.
@@ -56,6 +57,7 @@ public:
 private:
     struct Entry {
         ParticleCloud cloud;
+        dvec3 position;       ///< of the emitter at the last advance, world
         double owed = 0;      ///< fraction of a particle still to be spawned
         unsigned round = 0;   ///< of the last advance that met the emitter
         unsigned cleared = 0; ///< the emitter's clears that it knows of
@@ -65,7 +67,8 @@ private:
     };
     void visit(const Node& node, float dt, bool below_decal);
     void advanceEmitter(const ObjectParticles& emitter, float dt, bool flat);
-    void spawn(const ObjectParticles& emitter, Entry& entry, const Motion& motion, float dt);
+    void spawn(const ObjectParticles& emitter, Entry& entry, const Motion& motion, float share,
+               float dt);
     static void makeRoom(const ObjectParticles& emitter, std::vector<Particle>& particles);
     static void move(ParticleCloud& cloud, const Motion& motion, float dt);
     static void deflect(const ObjectParticles& emitter, ParticleCloud& cloud);

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+// What ships leave on the water, onto a map of effects around the eye: the Kelvin waves of bow and
+// stern, foam along the hull, in the bow waves' arms and where the screws churn, and the lane that
+// lies calm astern. Where rectangles of two ships overlap, each draws both.
+const int MOST = 4;
+in vec2 vPlane;
+uniform vec4 uHull[MOST];   // place from the eye; unit vector ahead
+uniform vec4 uMotion[MOST]; // speed, length, beam, life of foam, s
+uniform vec4 uMap;          // corner from the nadir, edge, reach of wakes per m/s
+uniform vec4 uNadir;        // in the noise's period; texel of the map, m; number of ships
+uniform vec2 uExtent;       // of the Kelvin waves' map, in their lengths
+uniform sampler2D uKelvin, uNoise;
+out vec4 oColor;
+
+vec2 kelvin(float x, float behind, float wave_length) {
+    vec2 place = vec2(abs(x), behind) / wave_length / uExtent;
+    if (behind < 0.0 || place.x > 1.0 || place.y > 1.0) return vec2(0.0);
+    float level = log2(max(uNadir.z / (wave_length * uExtent.y) * float(textureSize(uKelvin, 0).y), 1.0));
+    vec2 slope = textureLod(uKelvin, place, level).xy;
+    return vec2(slope.x * sign(x), slope.y) * (1.0 - smoothstep(0.6, 1.0, place.y));
+}
+float bell(float x) { return exp(-x * x); }
+
+void main() {
+    float ragged = texture(uNoise, (vPlane + uNadir.xy) / 36.0).y;
+    float fine = texture(uNoise, (vPlane + uNadir.xy).yx / 14.4).y;
+    vec2 slope = vec2(0.0);
+    float foam = 0.0, calm = 0.0;
+    for (int i = 0; i < int(uNadir.w); i++) {
+        vec2 ahead = uHull[i].zw, d = vPlane - uHull[i].xy;
+        float speed = uMotion[i].x, half_length = 0.5 * uMotion[i].y, beam = uMotion[i].z;
+        float x = d.x * ahead.y - d.y * ahead.x, y = dot(d, ahead);
+        float behind_bow = half_length - y, astern = -half_length - y;
+        float outside = abs(x) - 0.4 * max(behind_bow, 0.0) - 2.0 * beam;
+        if (behind_bow < -12.0 || astern > speed * uMap.w || outside > 0.0) continue;
+        float moving = smoothstep(0.7, 6.0, speed);
+
+        float wave_length = 2.0 * PI * speed * speed / 9.81;
+        vec2 s = kelvin(x, behind_bow - 0.04 * uMotion[i].y, wave_length) +
+                 0.7 * kelvin(x, astern + 0.04 * uMotion[i].y, wave_length);
+        s *= 0.115 * moving * exp(-max(astern, 0.0) / (speed * 60.0 + 1.0));
+        slope += s.x * vec2(ahead.y, -ahead.x) + s.y * ahead;
+
+        // The waterline: full amidships, fine at the bow.
+        float station = clamp(y / half_length, -1.0, 1.0);
+        float half_beam = 0.5 * beam * (1.0 - pow(max(station - 0.1, 0.0) / 0.9, 2.2));
+        if (astern < 0.0) {
+            float off = abs(x) - half_beam, along = max(behind_bow, 0.0);
+            float skirt = bell(max(off, 0.0) / (1.1 + 0.02 * along)) * step(-4.0, off);
+            foam = max(foam, moving * skirt * (0.30 + 0.65 * exp(-along / (0.16 * uMotion[i].y))) *
+                                 smoothstep(-2.0, 3.0, behind_bow));
+        }
+        float arm = abs(x) - (1.0 + 0.55 * beam * smoothstep(0.0, 60.0, behind_bow) +
+                              0.17 * max(behind_bow, 0.0));
+        foam = max(foam, moving * 0.85 * bell(arm / (1.2 + 0.035 * max(behind_bow, 0.0))) *
+                             exp(-max(behind_bow, 0.0) / (7.0 * speed + 1.0)) *
+                             smoothstep(1.0, 9.0, behind_bow) * (0.35 + 0.9 * fine));
+        if (astern > -6.0) {
+            float age = max(astern, 0.0) / max(speed, 0.5), life = uMotion[i].w;
+            float width = 0.42 * beam + 0.6 * sqrt(max(astern, 0.0)) + (3.0 + 0.03 * astern) * (ragged - 0.5);
+            float across = abs(x) / width, lane = exp(-pow(across, 6.0));
+            float fading = smoothstep(1.0, 0.55, astern / (speed * uMap.w));
+            float churn = 0.62 * exp(-age / (0.25 * life)) + 0.42 * exp(-age / (1.6 * life));
+            float edges = 0.5 + 0.7 * across * across;
+            foam = max(foam, moving * lane * churn * edges * (0.35 + 0.6 * ragged + 0.7 * fine) *
+                                 smoothstep(-6.0, 3.0, astern) * fading);
+            calm = max(calm, moving * 0.9 * exp(-pow(across * 0.85, 6.0)) * fading);
+        }
+    }
+    vec2 inside = 1.0 - abs((vPlane - uMap.xy) / uMap.z * 2.0 - 1.0);
+    float edge = smoothstep(0.0, 0.06, min(inside.x, inside.y));
+    oColor = vec4(slope * (2.0 * edge) + 0.50196078, vec2(foam, calm) * edge);
+}

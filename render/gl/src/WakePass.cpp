@@ -1,0 +1,233 @@
+// SPDX-License-Identifier: MIT
+#include "WakePass.h"
+
+#include "SurfaceLook.h"
+#include "ig/physics/Body.h"
+#include "ig/physics/Shape.h"
+#include "ig/scene/ParticleSystem.h"
+#include "ig/scene/SceneObjects.h"
+#include "plugins/ocean/OceanFrame.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+using namespace ig;
+
+namespace {
+
+constexpr int MAP_SIZE = 512;                          ///< texels
+constexpr float NEAR_EDGE = 800, FAR_EDGE = 3600;      ///< m
+constexpr float FAR_ALTITUDE = 1500;                   ///< m, above which the far map grows
+constexpr int KELVIN_WIDTH = 160, KELVIN_LENGTH = 512; ///< texels
+constexpr vec2 KELVIN_EXTENT{7.5f, 20};                ///< to the side and behind, wave lengths
+constexpr float REACH = 110;                           ///< m that a wake is long per m/s
+constexpr float SLOWEST = 0.7f;                        ///< m/s that leave a wake
+constexpr float FOAM_LIFE = 30;                        ///< s, of a wake without emitters
+constexpr double NOISE_PERIOD = 14400; ///< m; a multiple of all scales that noise is asked at
+
+constexpr double NEAR_EVERY = 0.04, FAR_EVERY = 0.5; ///< s between paintings
+
+float remainderOf(double x, double period) {
+    return static_cast<float>(x - std::floor(x / period) * period);
+}
+
+void makeMap(WakePass::Map& map, double every) {
+    gl::TextureFormat format;
+    format.filter = GL_LINEAR_MIPMAP_LINEAR;
+    gl::makeTexture(map.texture, MAP_SIZE, MAP_SIZE, format);
+    glGenerateMipmap(GL_TEXTURE_2D);
+    map.target.create();
+    glBindFramebuffer(GL_FRAMEBUFFER, map.target.id());
+    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, map.texture.id(),
+                           0);
+    map.every = every;
+    map.empty = false;
+    map.painted = -1e9;
+}
+
+} // namespace
+
+bool WakePass::init() {
+    if (!m_kelvin.build("screen.vert", "kelvin.frag") || !m_wake.build("wake.vert", "wake.frag") ||
+        !m_patch.build("splat.vert", "splat.frag"))
+        return false;
+    m_empty.create();
+    m_buffer.create();
+    m_vertex_array.create();
+    glBindVertexArray(m_vertex_array.id());
+    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.id());
+    glEnableVertexAttribArray(0);
+    glVertexAttribPointer(0, 4, GL_FLOAT, GL_FALSE, sizeof(Patch), nullptr);
+    glVertexAttribDivisor(0, 1);
+    makeMap(m_near, NEAR_EVERY);
+    makeMap(m_far, FAR_EVERY);
+    return true;
+}
+
+void WakePass::release() {
+    for (gl::Program* program : {&m_kelvin, &m_wake, &m_patch})
+        program->destroy();
+    m_empty.destroy();
+    m_vertex_array.destroy();
+    m_buffer.destroy();
+    m_kelvin_map.destroy();
+    for (Map* map : {&m_near, &m_far}) {
+        map->texture.destroy();
+        map->target.destroy();
+    }
+}
+
+// ------------------------------------------------------------------ gathering
+
+void WakePass::gather(const FrameView& view, const ParticleSystem* particles,
+                      const std::vector<const DecalOrtho*>& decals) {
+    m_patches.clear();
+    m_wakes.clear();
+    if (particles)
+        particles->forEach([&](const ParticleCloud& cloud) {
+            if (cloud.flat) addPatches(view, cloud);
+        });
+    for (const DecalOrtho* decal : decals)
+        addWake(view, *decal);
+    const auto distance = [](const Wake& w) { return std::hypot(w.hull.x, w.hull.y); };
+    std::sort(m_wakes.begin(), m_wakes.end(),
+              [&](const Wake& a, const Wake& b) { return distance(a) < distance(b); });
+    if (m_wakes.size() > MOST) m_wakes.resize(MOST);
+}
+
+void WakePass::addPatches(const FrameView& view, const ParticleCloud& cloud) {
+    const Material* material = cloud.emitter->getSurfaceMaterial(0);
+    const float opacity = readValue(material, "diffuse_color", {1, 1, 1, 1}).w;
+    const float size = readSlider(material, "particle_size", 0.3f);
+    const float growth = readSlider(material, "particle_growth", 0);
+    const mat4 to_frame = view.toFrame(dmat4(dmat3(), cloud.origin));
+    for (const Particle& p : cloud.particles) {
+        const vec3 place = to_frame * p.position;
+        const float radius = size + growth * p.age, youth = p.age / p.life;
+        m_patches.push_back({{place.x, place.y},
+                             radius,
+                             opacity * std::min(youth * 8, 1.0f) * (1 - youth) * size / radius});
+    }
+}
+
+void WakePass::addWake(const FrameView& view, const DecalOrtho& decal) {
+    const BodyRigid* body = nullptr;
+    for (const Node* node = decal.getParent(); node && !body; node = node->getParent())
+        if (node->isObject()) body = static_cast<const Object*>(node)->getBodyRigid();
+    const Shape* hull = body ? body->getShape(0) : nullptr;
+    if (!hull || hull->getType() != Shape::SHAPE_BOX) return;
+    const dmat4 pose = body->getTransform();
+    const vec3 ahead(view.toFrameDirection(pose.getY()));
+    const vec3 velocity(view.toFrameDirection(dvec3(body->getLinearVelocity())));
+    const vec3 place(view.toFrame(pose.getTranslate()));
+    const float level = std::hypot(ahead.x, ahead.y);
+    if (level < 0.1f) return; // it stands on end
+    const float x = ahead.x / level, y = ahead.y / level;
+    const float speed = velocity.x * x + velocity.y * y;
+    if (!(speed > SLOWEST)) return;
+    float life = FOAM_LIFE;
+    if (decal.getNumChildren() > 0 && decal.getChild(0)->getType() == OBJECT_PARTICLES)
+        life = static_cast<const ObjectParticles*>(decal.getChild(0))->getLife();
+    if (!(life > 0)) return; // the sea is too rough for it
+    m_wakes.push_back(
+        {{place.x, place.y, x, y}, {speed, hull->getSize().y, hull->getSize().x, life}});
+}
+
+// ------------------------------------------------------------------ painting
+
+void WakePass::bakeKelvin() {
+    const gl::TextureFormat format{GL_RG16F, GL_RG, GL_FLOAT, GL_CLAMP_TO_EDGE,
+                                   GL_LINEAR_MIPMAP_LINEAR};
+    gl::makeTexture(m_kelvin_map, KELVIN_WIDTH, KELVIN_LENGTH, format);
+    gl::Framebuffer target;
+    target.create();
+    glBindFramebuffer(GL_FRAMEBUFFER, target.id());
+    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, m_kelvin_map.id(),
+                           0);
+    glViewport(0, 0, KELVIN_WIDTH, KELVIN_LENGTH);
+    m_kelvin.use();
+    m_kelvin.set("uExtent", KELVIN_EXTENT);
+    glBindVertexArray(m_empty.id());
+    glDrawArrays(GL_TRIANGLES, 0, 3);
+    gl::bindTexture(gl::UNIT_FIRST_OWN, m_kelvin_map);
+    glGenerateMipmap(GL_TEXTURE_2D);
+}
+
+void WakePass::draw(const FrameView& view, const OceanFrame& ocean) {
+    glDisable(GL_DEPTH_TEST);
+    glDisable(GL_BLEND);
+    if (!m_wakes.empty() && !m_kelvin_map) bakeKelvin();
+    const dvec2 nadir = ocean.toPlane(view.geodetic.x, view.geodetic.y);
+    refresh(m_near, NEAR_EDGE, nadir, ocean.time);
+    // In doublings, so that texels don't crawl while the eye climbs.
+    const float high = static_cast<float>(view.geodetic.z) / FAR_ALTITUDE;
+    const float doublings = std::ceil(std::log2(std::clamp(high, 1.0f, 64.0f)));
+    refresh(m_far, FAR_EDGE * std::exp2(doublings), nadir, ocean.time);
+}
+
+/// Paints a map anew when it has become old or the eye has left its middle.
+void WakePass::refresh(Map& map, float edge, dvec2 nadir, double time) {
+    const auto update_corner = [&] {
+        map.corner = {static_cast<float>(map.place.x - nadir.x),
+                      static_cast<float>(map.place.y - nadir.y)};
+    };
+    update_corner();
+    const bool empty = m_wakes.empty() && m_patches.empty();
+    if (empty && map.empty) return;
+    const float off =
+        std::max(std::abs(map.corner.x + edge / 2), std::abs(map.corner.y + edge / 2));
+    if (!empty && edge == map.edge && off < 0.03f * edge &&
+        std::abs(time - map.painted) < map.every)
+        return;
+    map.edge = edge;
+    map.empty = empty;
+    map.painted = time;
+    // Texels stay on their places in the water, else foam would shimmer as the eye moves.
+    const double texel = static_cast<double>(edge) / MAP_SIZE;
+    map.place = {nadir.x - static_cast<double>(edge) / 2, nadir.y - static_cast<double>(edge) / 2};
+    map.place = {std::floor(map.place.x / texel) * texel, std::floor(map.place.y / texel) * texel};
+    update_corner();
+    glBindFramebuffer(GL_FRAMEBUFFER, map.target.id());
+    glViewport(0, 0, MAP_SIZE, MAP_SIZE);
+    glClearColor(128 / 255.0f, 128 / 255.0f, 0, 0);
+    glClear(GL_COLOR_BUFFER_BIT);
+    if (!m_wakes.empty()) paintWakes(map, nadir);
+    if (!m_patches.empty()) paintPatches(map);
+    gl::bindTexture(gl::UNIT_FIRST_OWN, map.texture);
+    glGenerateMipmap(GL_TEXTURE_2D);
+}
+
+void WakePass::paintWakes(const Map& map, dvec2 nadir) {
+    vec4 hulls[MOST], motions[MOST];
+    for (std::size_t i = 0; i < m_wakes.size(); i++) {
+        hulls[i] = m_wakes[i].hull;
+        motions[i] = m_wakes[i].motion;
+    }
+    const auto count = static_cast<GLsizei>(m_wakes.size());
+    m_wake.use();
+    m_wake.set("uHull", hulls, count);
+    m_wake.set("uMotion", motions, count);
+    m_wake.set("uMap", vec4(map.corner.x, map.corner.y, map.edge, REACH));
+    m_wake.set("uNadir",
+               vec4(remainderOf(nadir.x, NOISE_PERIOD), remainderOf(nadir.y, NOISE_PERIOD),
+                    map.edge / MAP_SIZE, static_cast<float>(count)));
+    m_wake.set("uExtent", KELVIN_EXTENT);
+    m_wake.set("uKelvin", gl::UNIT_FIRST_OWN);
+    gl::bindTexture(gl::UNIT_FIRST_OWN, m_kelvin_map);
+    glBindVertexArray(m_empty.id());
+    glDrawArraysInstanced(GL_TRIANGLE_STRIP, 0, 4, count);
+}
+
+void WakePass::paintPatches(const Map& map) {
+    glBindVertexArray(m_vertex_array.id());
+    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.id());
+    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(m_patches.size() * sizeof(Patch)),
+                 m_patches.data(), GL_STREAM_DRAW);
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_ONE, GL_ONE);
+    m_patch.use();
+    m_patch.set("uMap", vec4(map.corner.x, map.corner.y, map.edge, 0));
+    glDrawArraysInstanced(GL_TRIANGLE_STRIP, 0, 4, static_cast<GLsizei>(m_patches.size()));
+    glDisable(GL_BLEND);
+}

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "FrameView.h"
+#include "GlObjects.h"
+
+#include <vector>
+
+namespace ig {
+class DecalOrtho;
+class ParticleSystem;
+struct ParticleCloud;
+} // namespace ig
+struct OceanFrame;
+
+/// Paints what ships leave on the water onto two maps of effects around the eye, which the sea
+/// reads: slopes east and north (128 is level, 255 a slope of 1/4), foam, calm. The near map shows
+/// foam as fine as a helicopter over the deck sees it, the far one carries it out to 1,800 m, and
+/// further from high above.
+///
+/// A wake is drawn for every decal that hangs below an object with a box for a rigid body, as long
+/// and as wide as that box, for the speed that the body makes: a still ship leaves nothing. Flat
+/// particles are added as patches of foam.
+class WakePass {
+public:
+    struct Map {
+        gl::Texture texture;
+        gl::Framebuffer target;
+        ig::vec2 corner;       ///< in the waves' plane, from this frame's nadir, m
+        float edge = 1;        ///< m
+        double every = 0;      ///< s of scene time between paintings
+        bool empty = false;    ///< holds nothing
+        double painted = -1e9; ///< the sea's time then, s
+        ig::dvec2 place;       ///< of the corner in the waves' plane, m
+    };
+
+    bool init();
+    void release();
+    /// Gathers the frame's wakes; `particles` may be null.
+    void gather(const FrameView& view, const ig::ParticleSystem* particles,
+                const std::vector<const ig::DecalOrtho*>& decals);
+    /// Brings both maps up to date, each at its own rate; the caller sets target and viewport back.
+    void draw(const FrameView& view, const OceanFrame& ocean);
+
+    const Map& getNear() const { return m_near; }
+    const Map& getFar() const { return m_far; }
+
+private:
+    static constexpr int MOST = 4; ///< wakes at once, the nearest, as in the shaders
+    struct Patch {
+        ig::vec2 place; ///< E
+        float radius, opacity;
+    };
+    struct Wake {
+        ig::vec4 hull;   ///< place (E), unit vector ahead
+        ig::vec4 motion; ///< speed, length, beam, life of foam
+    };
+    void addPatches(const FrameView& view, const ig::ParticleCloud& cloud);
+    void addWake(const FrameView& view, const ig::DecalOrtho& decal);
+    void bakeKelvin();
+    void refresh(Map& map, float edge, ig::dvec2 nadir, double time);
+    void paintWakes(const Map& map, ig::dvec2 nadir);
+    void paintPatches(const Map& map);
+
+    gl::Program m_kelvin, m_wake, m_patch;
+    gl::VertexArray m_empty, m_vertex_array;
+    gl::Buffer m_buffer;
+    gl::Texture m_kelvin_map; ///< baked when the first ship moves
+    Map m_near, m_far;
+    std::vector<Patch> m_patches;
+    std::vector<Wake> m_wakes;
+};

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#include "PictureScene.h"
+#include "ig/app/Engine.h"
+#include "ig/physics/Body.h"
+#include "ig/physics/Shape.h"
+#include "ig/scene/SceneObjects.h"
+#include "plugins/ocean/ObjectOcean.h"
+
+#include <cmath>
+
+using namespace ig;
+
+/// A hull of 160 m heads east in the middle of the picture; nothing but its wake is drawn of it.
+class WakeOf : public PictureScene {
+public:
+    static constexpr double ALTITUDE = 250, DISTANCE = 1500;
+
+    void SetUp() override {
+        PictureScene::SetUp();
+        if (IsSkipped()) return;
+        m_world.addNode(new ObjectOcean());
+        hull = new Object(NODE_DUMMY);
+        hull->setWgsPosition({LONGITUDE, LATITUDE, 0});
+        hull->setWgsHPR({90, 0, 0});
+        body = new BodyRigid(100000, {});
+        body->addShape(Shape::createBox({20, 160, 4}));
+        hull->setBody(body);
+        hull->addChild(new DecalOrtho());
+        m_world.addNode(hull);
+        look(ALTITUDE, 0, std::atan2(ALTITUDE, DISTANCE) * RAD_TO_DEG<double>, -DISTANCE);
+    }
+    /// A second later: maps of wakes are as old as their rate allows.
+    void steam(double speed) {
+        body->setLinearVelocity(vec3(hull->getWorldTransform().getY() * speed));
+        Engine::get()->beginFrame(1);
+    }
+    /// Mean brightness of the sea from `first` to `last` metres east of the hull's middle.
+    double brightness(double first, double last) {
+        draw();
+        double sum = 0;
+        for (int i = 0; i <= 20; i++) {
+            const double east = std::lerp(first, last, i / 20.0);
+            const double across = east / std::hypot(ALTITUDE, DISTANCE) / (2 * HALF_HEIGHT);
+            const std::uint8_t* p = pixel(0.5 + across * HEIGHT / WIDTH, 0.5);
+            sum += (p[0] + p[1] + p[2]) / (3 * 21.0);
+        }
+        return sum;
+    }
+    Object* hull = nullptr;
+    BodyRigid* body = nullptr;
+};
+
+TEST_F(WakeOf, AMovingHullIsSeenFromFarAndOnlyAstern) {
+    const double astern = brightness(-250, -100), ahead = brightness(110, 250);
+    steam(7);
+    EXPECT_GT(brightness(-250, -100), astern + 12);
+    EXPECT_NEAR(brightness(110, 250), ahead, 3);
+}
+
+TEST_F(WakeOf, TheWakeFollowsTheSpeedAndFadesWithItsLength) {
+    const double still = brightness(-200, -100);
+    steam(0.5); // no more than a hull that rides the waves
+    EXPECT_NEAR(brightness(-200, -100), still, 1);
+    steam(3);
+    const double slow = brightness(-200, -100);
+    steam(8);
+    const double fast = brightness(-200, -100), far = brightness(-600, -500);
+    EXPECT_GT(slow, still + 3);
+    EXPECT_GT(fast, slow + 3);
+    EXPECT_GT(fast, far + 5);
+    steam(-4); // astern there is no such wake
+    EXPECT_NEAR(brightness(-200, -100), still, 1);
+}
