@@ -97,7 +97,7 @@ struct Recorder final : WindowListener {
     }
     void onWheel(float notches) override { add("wheel", static_cast<int>(notches)); }
     void onFocusLost() override {}
-    void onResized(int, int) override {}
+    void onResized(int, int, float) override {}
     void add(const char* name, int value) { events += name + std::to_string(value) + ' '; }
     std::string events;
     UIRoot ui;
@@ -174,7 +174,7 @@ struct ScriptedScene : LogicScene, WindowListener {
     void onMove(float x, float y) override { input.mouseMove(x, y); }
     void onWheel(float notches) override { input.wheel(notches); }
     void onFocusLost() override {}
-    void onResized(int, int) override {}
+    void onResized(int, int, float) override {}
     void runUntil(double end) {
         for (; time < end; time += 1 / 60.0) {
             player->play(time, false);
