@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <optional>
 
 namespace {
 
@@ -38,6 +39,23 @@ TEST(Pictures, StillsOfTheAskedSizeWithoutADisplay) {
     EXPECT_EQ(pngSize(stem + "s.png"), std::make_pair(3 * 160, 90)); // at 0.1, 1.1 and 2.1 s
 }
 
+TEST(Pictures, TheFirstOneComesSoon) {
+    { // warm the caches
+        ChannelRun run;
+        run.start("--headless --frames 2");
+        run.program->finish();
+    }
+    ChannelRun run;
+    [[maybe_unused]] const double begin = steadyNow();
+    ASSERT_TRUE(run.start("--headless --frames 2"));
+    run.peer.receive(10000);
+    EXPECT_EQ(run.peer.receive(10000).size(), 108u); // of the second frame: the first is drawn
+#ifndef __SANITIZE_ADDRESS__
+    EXPECT_LT(steadyNow() - begin, 2);
+#endif
+    EXPECT_EQ(run.program->finish(), 0);
+}
+
 TEST(Pictures, AWindowOnADisplay) {
     if (std::system("command -v xvfb-run >/dev/null") != 0) GTEST_SKIP() << "no xvfb-run";
     TempFolder folder;
@@ -57,6 +75,61 @@ TEST(Pictures, TheNullRendererRunsTheWholeChannel) {
     EXPECT_EQ(run.program->finish(&run.output), 0) << run.output;
     EXPECT_NE(run.output.find("20 frames"), std::string::npos);
     EXPECT_FALSE(std::filesystem::exists(run.folder.path() / "none.png"));
+}
+
+/// An environment variable for the programs that a test starts.
+struct Environment {
+    Environment(const char* name, const std::string& value) : m_name(name) {
+        if (const char* before = std::getenv(name)) m_before = before;
+        setenv(name, value.c_str(), 1);
+    }
+    ~Environment() {
+        if (m_before)
+            setenv(m_name, m_before->c_str(), 1);
+        else
+            unsetenv(m_name);
+    }
+    const char* m_name;
+    std::optional<std::string> m_before;
+};
+
+TEST(Pictures, WithoutOpenGLTheChannelAdvisesAndRunsWithoutPictures) {
+    const Environment no_driver("__EGL_VENDOR_LIBRARY_FILENAMES", "/nowhere.json");
+    const auto run = [](const std::string& options, int exit_status) {
+        ChannelRun channel;
+        channel.start("--headless --step 0.1 --fps 0 --frames 5 " + options);
+        EXPECT_EQ(channel.program->finish(&channel.output), exit_status) << options;
+        EXPECT_EQ(channel.readTrace().size(), exit_status == 0 ? 5u : 0u) << options;
+    };
+    run("", 0);
+    run("--null", 0);
+    run("--renderer gl", 1);
+    std::string output;
+    EXPECT_EQ(Program(CHANNEL, "--renderer gl --headless").finish(&output), 1);
+    EXPECT_NE(output.find("no OpenGL 3.3"), std::string::npos) << output;
+    EXPECT_NE(output.find("--null"), std::string::npos) << output;
+
+    if (std::system("command -v xvfb-run >/dev/null") != 0) return;
+    const Environment old_driver("MESA_GL_VERSION_OVERRIDE", "2.1");
+    output.clear();
+    EXPECT_EQ(Program("/usr/bin/xvfb-run", "-a " CHANNEL " --window --frames 3").finish(&output),
+              1);
+    EXPECT_NE(output.find("no window with OpenGL 3.3"), std::string::npos) << output;
+    EXPECT_NE(output.find("--null"), std::string::npos) << output;
+}
+
+TEST(Pictures, AVideoOfTheFramesGoesToFfmpeg) {
+    ChannelRun run;
+    run.folder.write("bin/ffmpeg", "#!/bin/sh\ncat > pictures\n"); // works in the channel's folder
+    const std::filesystem::path bin = run.folder.path() / "bin";
+    std::filesystem::permissions(bin / "ffmpeg", std::filesystem::perms::owner_all);
+    const Environment path("PATH", bin.string() + ":" + std::getenv("PATH"));
+    run.start("--headless --size 160x90 --step 0.1 --fps 0 --frames 11 --video flight.mp4");
+    EXPECT_EQ(run.program->finish(&run.output), 0);
+    if (run.output.find("going on without pictures") != std::string::npos)
+        GTEST_SKIP() << "no OpenGL without a display here";
+    const auto bytes = std::filesystem::file_size(run.folder.path() / "pictures");
+    EXPECT_NEAR(static_cast<double>(bytes), 31.0 * 160 * 90 * 3, 160 * 90 * 3.0) << run.output;
 }
 
 TEST(Pictures, WrongOptionsAreExplained) {

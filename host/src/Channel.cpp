@@ -102,15 +102,19 @@ bool Channel::loadScript() {
 /// Pictures where the machine can draw them; where it can't, the whole channel still runs without,
 /// unless pictures were asked for.
 bool Channel::makeRenderer() {
-    if (!openWindow()) return false;
+    const auto refuse = [] {
+        jLog::error("visual_channel: no pictures: --null runs the channel without");
+        return false;
+    };
+    if (!openWindow()) return refuse();
     if (m_options.renderer != "null") {
         m_renderer = std::make_unique<RendererGL>(m_window.isOpen() ? RendererGL::Surface::window
                                                                     : RendererGL::Surface::none);
         m_renderer->setScale(m_options.scale > 0 ? m_options.scale : 1);
         m_renderer->setProfiling(m_options.profile);
         if (m_renderer->init(m_options.width, m_options.height)) return true;
-        if (m_options.renderer == "gl") return false;
-        jLog::warning("visual_channel: going on without pictures (--renderer null)");
+        if (m_options.renderer == "gl" || m_options.window) return refuse();
+        jLog::warning("visual_channel: going on without pictures, as with --null");
     }
     m_renderer = std::make_unique<RendererNull>();
     return m_renderer->init(m_options.width, m_options.height);

@@ -3,6 +3,7 @@
 // The channel's window: whether there is one, and what happens in it.
 
 #include "Channel.h"
+#include "ig/base/jLog.h"
 #include "ig/ui/KeyCode.h"
 
 using namespace ig;
@@ -16,7 +17,10 @@ constexpr int KEY_PICTURE = 'p';
 bool Channel::openWindow() {
     if (m_options.headless || m_options.renderer == "null") return true;
     if (!m_options.window && !Window::hasDisplay()) return true;
-    if (!m_window.open(m_options.width, m_options.height)) return !m_options.window;
+    if (!m_window.open(m_options.width, m_options.height)) {
+        if (!m_options.window) jLog::warning("visual_channel: going on without a window");
+        return !m_options.window;
+    }
     m_options.width = m_window.getWidth();
     m_options.height = m_window.getHeight();
     return true;
@@ -36,6 +40,8 @@ void Channel::onKey(int key, bool down, bool repeat) {
     const bool alone = down && !repeat && m_control.isKeyPress(KEY_ALT);
     if (alone && key == KEY_RETURN) return m_window.toggleFullScreen();
     if (alone && key == KEY_PICTURE) return m_screenshots.take(*m_renderer);
+    // The logic ends the process, also while a message box has all other keys.
+    if (alone && key == KEY_F4) return m_control.keyDown(key);
     if (down)
         m_interface.keyDown(key, repeat);
     else

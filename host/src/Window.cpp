@@ -81,7 +81,8 @@ bool Window::open(int width, int height) {
     const auto fail = [this] {
         const char* why = nullptr;
         glfwGetError(&why);
-        jLog::error("Window::open: %s", why ? why : "no window system");
+        jLog::error("Window::open: no window with OpenGL 3.3 here: %s",
+                    why ? why : "no window system");
         close();
         return false;
     };

@@ -8,6 +8,7 @@
 #include <X11/extensions/XTest.h>
 #include <csignal>
 #include <cstdlib>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -20,8 +21,11 @@ std::string startServer(pid_t* server) {
     *server = fork();
     if (*server == 0) {
         const std::string descriptor = std::to_string(ends[1]);
+        const std::string size = std::to_string(VirtualScreen::WIDTH) + "x" +
+                                 std::to_string(VirtualScreen::HEIGHT) + "x24";
         close(ends[0]);
-        execlp("Xvfb", "Xvfb", "-displayfd", descriptor.c_str(), "-screen", "0", "1600x1200x24",
+        prctl(PR_SET_PDEATHSIG, SIGTERM); // it goes with the test, however that ends
+        execlp("Xvfb", "Xvfb", "-displayfd", descriptor.c_str(), "-screen", "0", size.c_str(),
                "-noreset", "-nolisten", "tcp", nullptr);
         _exit(127);
     }
@@ -50,7 +54,7 @@ VirtualScreen::VirtualScreen(int dpi) {
         XChangeProperty(m_display, root, XA_RESOURCE_MANAGER, XA_STRING, 8, PropModeReplace,
                         reinterpret_cast<const unsigned char*>(setting.data()),
                         static_cast<int>(setting.size()));
-    m_own_window = XCreateSimpleWindow(m_display, root, 1500, 1100, 10, 10, 0, 0, 0);
+    m_own_window = XCreateSimpleWindow(m_display, root, WIDTH - 10, HEIGHT - 10, 10, 10, 0, 0, 0);
     XMapWindow(m_display, m_own_window);
     sync();
 }
@@ -83,7 +87,11 @@ unsigned long VirtualScreen::find(unsigned long parent, const std::string& title
     return window;
 }
 
-void VirtualScreen::sync() { XSync(m_display, False); }
+/// The server's second answer comes when what the first request caused has gone to all its clients.
+void VirtualScreen::sync() {
+    XSync(m_display, False);
+    XSync(m_display, False);
+}
 
 // ------------------------------------------------------------------ mouse and keyboard
 

@@ -13,6 +13,8 @@ struct _XDisplay;
 /// that `watch` found.
 class VirtualScreen {
 public:
+    static constexpr int WIDTH = 1024, HEIGHT = 800;
+
     /// Starts the server and makes it the display of the process. `dpi` is what the desktop is set
     /// to, 0: nothing.
     explicit VirtualScreen(int dpi = 0);

@@ -16,6 +16,7 @@ namespace {
 
 const vec4 SHADE(0, 0, 0, 0.45f); ///< over everything below a modal widget
 
+bool isModifier(int key) { return key >= KEY_SHIFT && key <= KEY_ALT; }
 bool isModifierOrFunction(int key) { return key >= KEY_SHIFT && key <= KEY_F12; }
 
 /// Fonts of this kind: square ideographs, other characters half as wide.
@@ -125,6 +126,7 @@ bool UIRoot::wheel(float notches, const UIEventKey& modifiers) {
 }
 
 bool UIRoot::keyDown(const UIEventKey& event) {
+    if (isModifier(event.key)) return false;
     if (m_focus && m_focus->isField()) {
         if (isModifierOrFunction(event.key)) return !m_modal.empty();
         if (event.key == KEY_TAB && nextField(event.shift)) return true;

@@ -55,7 +55,7 @@ public:
     /// Positive when rolled up.
     bool wheel(float notches, const UIEventKey& modifiers = {});
     /// Also for the repeats of a held key. A field with the focus takes everything but function and
-    /// modifier keys.
+    /// modifier keys, a modal widget everything but modifier keys.
     bool keyDown(const UIEventKey& event);
     bool text(std::string_view utf8);
     /// The window lost the focus: whatever is pressed is let go without a click. A field keeps the
