@@ -8,7 +8,8 @@
 #include "ig/net/SocketUDP.h"
 #include "ig/ui/UiDrawList.h"
 #include "ratio.h"
-#include "testkit/LogicScene.h"
+#include "scenes.h"
+#include "testkit/AllocationCounter.h"
 
 #include <random>
 
@@ -16,10 +17,7 @@ namespace {
 
 /// One update without a waiting record, against one bare send of the feedback plus one bare query.
 void updateWithoutRecord(benchmark::State& state) {
-    LogicScene scene;
-    scene.useProjectData();
-    scene.start();
-    scene.frame();
+    DemoScene scene;
     ig::SocketUDP* socket = scene.logic->m_udp_send->m_socket;
     const ig::dvec3 from = scene.logic->m_heli->get_world_position();
     const ig::dvec3 to = from - scene.logic->m_heli->m_prefab->getWGSTransform().getZ() * 1e5;
@@ -42,10 +40,7 @@ BENCHMARK(updateWithoutRecord)->Iterations(20000)->Unit(benchmark::kMicrosecond)
 
 /// The query of the feedback, 100 km straight down, at random places of the demo world.
 void selectObject(benchmark::State& state) {
-    LogicScene scene;
-    scene.useProjectData();
-    scene.start();
-    scene.frame();
+    DemoScene scene;
     std::mt19937_64 random(1);
     std::uniform_real_distribution<double> u(-0.03, 0.03);
     const ig::EllipsoidModel earth;
@@ -55,14 +50,10 @@ void selectObject(benchmark::State& state) {
         const ig::dvec3 from = earth.toWorld({-155.0625 + u(random), 19.7125 + u(random), 500});
         const ig::dvec3 to = from - earth.getUp(from) * 1e5;
         ig::dvec3 hit;
-        const auto begin = std::chrono::steady_clock::now();
-        missed += !scene.logic->select_object(from, to, &hit);
         times.push_back(
-            std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
+            measureSeconds([&] { missed += !scene.logic->select_object(from, to, &hit); }));
     }
-    std::nth_element(times.begin(), times.begin() + static_cast<long>(times.size() / 2),
-                     times.end());
-    state.counters["median_us"] = times[times.size() / 2] * 1e6;
+    state.counters["median_us"] = median(times) * 1e6;
     state.counters["missed"] = missed;
 }
 BENCHMARK(selectObject)->Iterations(20000)->Unit(benchmark::kMicrosecond);
@@ -70,9 +61,7 @@ BENCHMARK(selectObject)->Iterations(20000)->Unit(benchmark::kMicrosecond);
 /// Receiving and applying a batch of records, against receiving alone; per record.
 void applyRecord(benchmark::State& state) {
     constexpr int BATCH = 50;
-    LogicScene scene;
-    scene.useProjectData();
-    scene.start();
+    DemoScene scene;
     const UdpRecvData record = LogicScene::record();
     UdpRecvKit& kit = *scene.logic->m_udp_recv;
     const auto fill = [&] {
@@ -80,39 +69,23 @@ void applyRecord(benchmark::State& state) {
             scene.send(record);
     };
     std::vector<double> differences;
-    PairedTimes times;
-    const auto seconds = [](auto f) {
-        const auto begin = std::chrono::steady_clock::now();
-        f();
-        return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
-    };
     for (auto _ : state) {
         fill();
-        const double both = seconds([&] { scene.logic->recv_udp(nullptr); });
+        const double both = measureSeconds([&] { scene.logic->recv_udp(nullptr); });
         fill();
-        const double receiving = seconds([&] { kit.receive(); });
+        const double receiving = measureSeconds([&] { kit.receive(); });
         kit.m_records.clear();
         differences.push_back((both - receiving) / BATCH);
     }
-    std::nth_element(differences.begin(),
-                     differences.begin() + static_cast<long>(differences.size() / 2),
-                     differences.end());
-    state.counters["apply_us_per_record"] = differences[differences.size() / 2] * 1e6;
+    state.counters["apply_us_per_record"] = median(differences) * 1e6;
 }
 BENCHMARK(applyRecord)->Iterations(2000)->Unit(benchmark::kMicrosecond);
 
 /// The downwash at 4 m over the sea, where all of it is shown, against placing one node; at most
 /// 200 µs are allowed.
 void effectsKit(benchmark::State& state) {
-    LogicScene scene;
-    scene.useProjectData();
-    scene.start();
-    UdpRecvData record = LogicScene::record();
-    record.altitude = 4;
-    record.latitude = 19.74;
-    record.rotor_speed = 250;
-    scene.send(record);
-    scene.frame();
+    DemoScene scene;
+    scene.hoverOverSea();
     HeliEffectsKitCorax& kit = *scene.logic->m_effects;
     ig::Node node;
     PairedTimes times;
@@ -131,15 +104,8 @@ BENCHMARK(effectsKit)->Iterations(20000)->Unit(benchmark::kMicrosecond);
 
 /// The emitters' step in the same place: four of them ask what lies below them.
 void emitterStep(benchmark::State& state) {
-    LogicScene scene;
-    scene.useProjectData();
-    scene.start();
-    UdpRecvData record = LogicScene::record();
-    record.altitude = 4;
-    record.latitude = 19.74;
-    record.rotor_speed = 250;
-    scene.send(record);
-    scene.frame();
+    DemoScene scene;
+    scene.hoverOverSea();
     ig::Node* const downwash = scene.helicopterNode("downwash");
     PairedTimes times;
     for (auto _ : state)
@@ -156,26 +122,27 @@ BENCHMARK(emitterStep)->Iterations(20000)->Unit(benchmark::kMicrosecond);
 /// One frame of the user interface with the camera on the move, so that all its fields change,
 /// against writing the same numbers; at most 300 µs are allowed.
 void userInterface(benchmark::State& state) {
-    LogicScene scene;
-    scene.useProjectData();
-    scene.start();
-    scene.frame();
+    DemoScene scene;
     ig::UiDrawList list;
     PairedTimes times;
+    std::uint64_t allocations = 0;
     ig::dvec3 place(LogicScene::LONGITUDE, LogicScene::LATITUDE, 100);
     for (auto _ : state) {
         place = place + ig::dvec3(1e-5, 1e-5, 0.1);
         scene.logic->set_cam_pos_geo(place);
+        const AllocationCounter counter;
         times.measure(
             [&] {
                 scene.ui->update(1 / 60.0f);
                 scene.ui->draw(list);
+                allocations = counter.count();
             },
             [&] {
                 for (const double number : {place.x, place.y, place.z})
                     benchmark::DoNotOptimize(ig::ToString(number));
             });
     }
+    state.counters["allocations"] = static_cast<double>(allocations); // in the last frame
     times.report(state);
 }
 BENCHMARK(userInterface)->Iterations(20000)->Unit(benchmark::kMicrosecond);

@@ -9,10 +9,9 @@
 #include "WaveField.h"
 #include "ig/math/EllipsoidModel.h"
 #include "plugins/ocean/ObjectOcean.h"
+#include "ratio.h"
 
 #include <algorithm>
-#include <benchmark/benchmark.h>
-#include <chrono>
 #include <cmath>
 #include <random>
 #include <vector>
@@ -20,34 +19,16 @@
 namespace {
 
 using namespace ig;
-using Clock = std::chrono::steady_clock;
-
 const EllipsoidModel EARTH;
 
-template <class F>
-double microseconds(const F& work) {
-    const auto start = Clock::now();
-    work();
-    return std::chrono::duration<double, std::micro>(Clock::now() - start).count();
-}
-
-double median(std::vector<double> values) {
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-}
-
-void report(benchmark::State& state, const std::vector<double>& times,
-            const std::vector<double>& floors, double hash) {
-    state.counters["us"] = median(times);
-    state.counters["floor_us"] = median(floors);
-    state.counters["ratio"] = median(times) / median(floors);
+void report(benchmark::State& state, const PairedTimes& times, double hash) {
+    times.report(state);
     state.counters["hash"] = hash;
 }
 
 /// getWorldPoint at random places within 30 km, in batches; floor: toWGS of the same places.
 void query(benchmark::State& state) {
-    constexpr std::size_t BATCH = 500;
+    constexpr int BATCH = 500;
     ObjectOcean ocean;
     ocean.setWgsPosition({-155, 19, 0});
     ocean.setBeaufort(static_cast<float>(state.range(0)));
@@ -56,33 +37,29 @@ void query(benchmark::State& state) {
     std::vector<dvec3> places(BATCH * 64);
     for (dvec3& p : places)
         p = EARTH.toWorld({-155.3 + random() * 1.4e-10, 18.7 + random() * 1.4e-10, 50});
-    std::vector<double> times, floors;
+    PairedTimes times(BATCH);
     double sum = 0;
     std::size_t at = 0;
     while (state.KeepRunning()) {
         const dvec3* batch = &places[at];
-        times.push_back(microseconds([&] {
-                            for (std::size_t i = 0; i < BATCH; i++)
-                                benchmark::DoNotOptimize(ocean.getWorldPoint(batch[i]));
-                        }) /
-                        BATCH);
-        floors.push_back(microseconds([&] {
-                             for (std::size_t i = 0; i < BATCH; i++)
-                                 benchmark::DoNotOptimize(EARTH.toWGS(batch[i]));
-                         }) /
-                         BATCH);
+        const auto forAll = [batch](auto ask) {
+            for (int i = 0; i < BATCH; i++)
+                benchmark::DoNotOptimize(ask(batch[i]));
+        };
+        times.measure([&] { forAll([&](const dvec3& p) { return ocean.getWorldPoint(p); }); },
+                      [&] { forAll([&](const dvec3& p) { return EARTH.toWGS(p); }); });
         at = (at + BATCH) % places.size();
     }
     for (const dvec3& p : places)
         sum += std::round(EARTH.getAltitude(ocean.getWorldPoint(p)) * 1e3);
-    report(state, times, floors, sum);
+    report(state, times, sum);
 }
 BENCHMARK(query)->ArgName("beaufort")->Arg(3)->Arg(5)->Arg(8)->Iterations(1000);
 
 /// A segment 100 km straight down, as the feedback to the flight simulation asks for every frame;
 /// floor: one query of the surface.
 void rayDown(benchmark::State& state) {
-    constexpr std::size_t BATCH = 200;
+    constexpr int BATCH = 200;
     ObjectOcean ocean;
     ocean.setWgsPosition({-155, 19, 0});
     ocean.setBeaufort(static_cast<float>(state.range(0)));
@@ -94,25 +71,24 @@ void rayDown(benchmark::State& state) {
         ends.push_back(ocean.toLocal(p - EARTH.getUp(p) * 1e5));
         p = ocean.toLocal(p);
     }
-    std::vector<double> times, floors;
+    PairedTimes times(BATCH);
     double sum = 0;
     while (state.KeepRunning()) {
         dvec3 hit;
         sum = 0;
-        times.push_back(microseconds([&] {
-                            for (std::size_t i = 0; i < BATCH; i++) {
-                                ocean.getIntersection(0, places[i], ends[i], &hit);
-                                sum += std::round(length(hit - places[i]) * 1e3);
-                            }
-                        }) /
-                        BATCH);
-        floors.push_back(microseconds([&] {
-                             for (const dvec3& p : places)
-                                 benchmark::DoNotOptimize(ocean.getWorldPoint(ocean.toWorld(p)));
-                         }) /
-                         BATCH);
+        times.measure(
+            [&] {
+                for (int i = 0; i < BATCH; i++) {
+                    ocean.getIntersection(0, places[i], ends[i], &hit);
+                    sum += std::round(length(hit - places[i]) * 1e3);
+                }
+            },
+            [&] {
+                for (const dvec3& p : places)
+                    benchmark::DoNotOptimize(ocean.getWorldPoint(ocean.toWorld(p)));
+            });
     }
-    report(state, times, floors, sum);
+    report(state, times, sum);
 }
 BENCHMARK(rayDown)->ArgName("beaufort")->Arg(5)->Iterations(1000);
 
@@ -130,19 +106,19 @@ void evolution(benchmark::State& state) {
     }
     constexpr std::size_t IN = ocean::Lattice::SIDE * ocean::Lattice::SIDE;
     std::vector<float> in(2 * IN), out(2 * largest * largest);
-    std::vector<double> times, floors;
+    PairedTimes times;
     int frame = 0;
     while (state.KeepRunning()) {
         frame++;
         if (turning) sea.set({5, 8, 230.0 + frame % 90});
-        times.push_back(microseconds([&] { sea.evolve(frame / 60.0); }));
-        floors.push_back(microseconds([&] {
-            for (ocean::Fft& fft : transforms)
-                fft.inverse(in.data(), in.data() + IN, out.data(), 2);
-        }));
+        times.measure([&] { sea.evolve(frame / 60.0); },
+                      [&] {
+                          for (ocean::Fft& fft : transforms)
+                              fft.inverse(in.data(), in.data() + IN, out.data(), 2);
+                      });
     }
-    state.counters["worst_us"] = *std::max_element(times.begin(), times.end());
-    report(state, times, floors, std::round(sea.getSurface().find(100, 200).altitude * 1e4));
+    state.counters["worst_us"] = times.getWorst() * 1e6;
+    report(state, times, std::round(sea.getSurface().find(100, 200).altitude * 1e4));
 }
 BENCHMARK(evolution)->ArgName("turning")->Arg(0)->Arg(1)->Iterations(1000);
 

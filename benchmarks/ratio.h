@@ -13,18 +13,32 @@ inline double median(std::vector<double> times) {
     return *middle;
 }
 
+/// Seconds that `f` takes once.
+template <class F>
+double measureSeconds(const F& f) {
+    const auto begin = std::chrono::steady_clock::now();
+    f();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
 /// Times two things in turn, so that both see the same machine, and reports the median of each and
 /// their ratio as counters of a benchmark.
 class PairedTimes {
 public:
+    /// Each call does its thing so many times; reported is the time of one.
+    explicit PairedTimes(int batch = 1) : m_batch(batch) {}
+
     /// `subject` and `floor` do their thing once per call.
     template <class Subject, class Floor>
-    void measure(Subject subject, Floor floor) {
-        m_subject.push_back(time(subject));
-        m_floor.push_back(time(floor));
+    void measure(const Subject& subject, const Floor& floor) {
+        m_subject.push_back(measureSeconds(subject) / m_batch);
+        m_floor.push_back(measureSeconds(floor) / m_batch);
     }
-    void report(benchmark::State& state) {
-        const double subject = median(m_subject), floor = median(m_floor);
+    double getSubject() const { return median(m_subject); } ///< s
+    double getFloor() const { return median(m_floor); }
+    double getWorst() const { return *std::max_element(m_subject.begin(), m_subject.end()); }
+    void report(benchmark::State& state) const {
+        const double subject = getSubject(), floor = getFloor();
         state.counters["subject_us"] = subject * 1e6;
         state.counters["floor_us"] = floor * 1e6;
         state.counters["ratio"] = subject / floor;
@@ -32,12 +46,7 @@ public:
     }
 
 private:
-    template <class F>
-    static double time(F& f) {
-        const auto begin = std::chrono::steady_clock::now();
-        f();
-        return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
-    }
+    int m_batch;
     std::vector<double> m_subject, m_floor;
 };
 
@@ -47,16 +56,17 @@ private:
 class CpuTimes {
 public:
     template <class F>
-    void measure(F f) {
+    void measure(const F& f) {
         const double begin = now();
         f();
         m_times.push_back(now() - begin);
     }
-    double getMedian() const { return median(m_times); }
-    void report(benchmark::State& state, double goal_us) {
-        state.counters["median_us"] = median(m_times) * 1e6;
-        std::sort(m_times.begin(), m_times.end());
-        state.counters["p99_us"] = m_times[m_times.size() * 99 / 100] * 1e6;
+    double getMedian() const { return median(m_times); } ///< s
+    void report(benchmark::State& state, double goal_us) const {
+        std::vector<double> times = m_times;
+        std::sort(times.begin(), times.end());
+        state.counters["median_us"] = times[times.size() / 2] * 1e6;
+        state.counters["p99_us"] = times[times.size() * 99 / 100] * 1e6;
         state.counters["goal_us"] = goal_us;
     }
 

@@ -244,15 +244,17 @@ void BodyRope::moveChain(const dvec3& up, double h) {
         m_last_points[SEGMENTS] = m_points[SEGMENTS];
         m_points[SEGMENTS] = m_load;
     }
-    const double segment = m_hanging / SEGMENTS;
+    const double segment = m_hanging / SEGMENTS, segment2 = segment * segment;
     for (int pass = 0; pass < CHAIN_PASSES; pass++)
         for (std::size_t i = 0; i < SEGMENTS; i++) {
             const dvec3 link = m_points[i + 1] - m_points[i];
-            const double size = length(link);
-            if (size <= segment) continue;
+            const double size2 = length2(link);
+            if (size2 <= segment2) continue;
             const double first = i > 0, second = i + 1 <= last; // whether each end gives way
             if (first + second == 0) continue;
-            const dvec3 pull = link * ((size - segment) / size / (first + second));
+            // (s − l) / s to the first order about s = l, without a root
+            const dvec3 pull =
+                link * ((size2 - segment2) / ((size2 + segment2) * (first + second)));
             m_points[i] += pull * first;
             m_points[i + 1] -= pull * second;
         }

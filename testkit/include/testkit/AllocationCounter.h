@@ -9,6 +9,8 @@ class AllocationCounter {
 public:
     AllocationCounter() : m_begin(total()) {}
     std::uint64_t count() const { return total() - m_begin; }
+    /// Blocks that the program holds at present.
+    static std::uint64_t live();
 
 private:
     static std::uint64_t total();
