@@ -20,8 +20,11 @@ struct DemoScene : LogicScene {
         send(hover);
         frame();
     }
-    /// High over the sea, so that nothing that is dropped comes down while it is measured.
-    void climb() { logic->m_heli->m_prefab->setWgsPosition({-155.0, 19.9, 6000}); }
+    /// High over the sea, so that nothing that is dropped comes down while it is measured; so many
+    /// metres to the north.
+    void climb(double north = 0) {
+        logic->m_heli->m_prefab->setWgsPosition({-155.0, 19.9 + north / 110700, 6000});
+    }
     /// Takes away all that was dropped or fired. A reset leaves missiles where they are.
     void removeDropped() {
         logic->release_winch();

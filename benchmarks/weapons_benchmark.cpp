@@ -73,14 +73,13 @@ void hundredInTheAir(benchmark::State& state) {
     scene.climb();
     Logic_Nerith_Heli_Final& logic = *scene.logic;
     const auto fill = [&] {
-        for (int i = 0; i < 30; i++)
+        for (int i = 0; i < 30; i++) {
+            scene.climb(20 * i); // one after the other along the flight
             logic.emit_torpedo();
-        for (int i = 0; i < 20; i++) {
-            logic.throw_sonar();
-            logic.emit_missile();
+            if (i < 20) logic.throw_sonar();
+            if (i < 20) logic.emit_missile();
+            if (i < 5) logic.emit_decoy();
         }
-        for (int i = 0; i < 5; i++)
-            logic.emit_decoy();
     };
     const auto frame = [&](CpuTimes& times) {
         Engine::get()->beginFrame(1 / 60.0f);
