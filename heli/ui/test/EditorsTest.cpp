@@ -3,6 +3,8 @@
 #include "ig/app/Message.h"
 #include "ig/ui/KeyCode.h"
 #include "ig/ui/UIRoot.h"
+#include "ig/ui/UiDrawList.h"
+#include "testkit/AllocationCounter.h"
 
 #include <gtest/gtest.h>
 #include <memory>
@@ -83,6 +85,24 @@ TEST_F(EditorsTest, FieldsShowTheValueAtOnceAndFollowIt) {
     owner.vector.z += 9e-7;
     EXPECT_TRUE(vector->refresh());
     EXPECT_EQ(owner.sets, 0);
+}
+
+TEST_F(EditorsTest, NumbersOnTheMoveAllocateNothing) {
+    UiDrawList list;
+    const auto frame = [&](int i) {
+        owner.whole = i;
+        owner.number = 1 / (1 + static_cast<float>(i));
+        owner.vector = dvec3(-155.06, 19.71, 40) / 3 + dvec3(1e-5, 1e-5, 0.1) * i;
+        root->update(1 / 60.0f);
+        root->draw(list);
+    };
+    for (int i = 0; i < 100; i++)
+        frame(i);
+    const AllocationCounter allocations;
+    for (int i = 100; i < 200; i++)
+        frame(i);
+    EXPECT_EQ(allocations.count(), 0U);
+    EXPECT_EQ(vector->getEdit(2)->getText().toDouble(), owner.vector.z);
 }
 
 TEST_F(EditorsTest, AFieldWithTheFocusKeepsWhatIsTypedAndLeavingItApplies) {

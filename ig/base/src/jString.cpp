@@ -8,12 +8,19 @@
 namespace ig {
 
 namespace {
-template <class T>
-jString shortest(T value) {
-    char text[32];
-    const auto end = std::to_chars(text, text + sizeof text, value).ptr;
-    return jString(std::string_view(text, static_cast<std::size_t>(end - text)));
-}
+/// In place, for who brings memory of their own.
+class Shortest {
+public:
+    template <class T>
+    explicit Shortest(T value)
+        : m_size(static_cast<std::size_t>(std::to_chars(m_text, m_text + sizeof m_text, value).ptr -
+                                          m_text)) {}
+    operator std::string_view() const { return {m_text, m_size}; }
+
+private:
+    char m_text[32];
+    std::size_t m_size;
+};
 
 template <class T>
 T parse(std::string_view text) {
@@ -30,8 +37,10 @@ T parse(std::string_view text) {
 float jString::toFloat() const { return parse<float>(m_text); }
 double jString::toDouble() const { return parse<double>(m_text); }
 
-jString ToString(float value) { return shortest(value); }
-jString ToString(double value) { return shortest(value); }
-jString ToString(int value) { return shortest(value); }
+void jString::assign(double value) { m_text.assign(std::string_view(Shortest(value))); }
+
+jString ToString(float value) { return std::string_view(Shortest(value)); }
+jString ToString(double value) { return std::string_view(Shortest(value)); }
+jString ToString(int value) { return std::string_view(Shortest(value)); }
 
 } // namespace ig

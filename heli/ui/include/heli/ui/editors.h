@@ -159,9 +159,11 @@ public:
 
     Vector parse() const { return {component(0), component(1), component(2)}; }
     void show(const Vector& value) {
-        this->getEdit(0)->setText(ig::ToString(value.x));
-        this->getEdit(1)->setText(ig::ToString(value.y));
-        this->getEdit(2)->setText(ig::ToString(value.z));
+        const double components[] = {value.x, value.y, value.z};
+        for (int i = 0; i < N; i++) {
+            m_shown.assign(components[i]);
+            this->getEdit(i)->setText(m_shown);
+        }
     }
     /// Smaller differences are what computing the value back and forth leaves.
     static bool equal(const Vector& a, const Vector& b) {
@@ -172,6 +174,8 @@ public:
 
 private:
     double component(int i) const { return this->getEdit(i)->getText().toDouble(); }
+
+    ig::jString m_shown; ///< last, kept for its memory
 };
 
 class UIDVec3 : public UIVecBase<ig::dvec3, 3> {

@@ -24,6 +24,7 @@ public:
     operator std::string_view() const { return m_text; }
     /// Becomes this text, in the memory it has when that suffices.
     void assign(std::string_view text) { m_text.assign(text); }
+    void assign(double value); ///< `ToString` of it, likewise
     /// The decimal number at the beginning, after blanks and one plus sign; 0 when there is none or
     /// it is not a finite one. Never depends on the locale.
     float toFloat() const;
