@@ -4,191 +4,142 @@
 // pixels, against filling as many pixels from a texture: the least that any
 // picture costs. With milliseconds for each pass.
 
-#include "heli/kit/HelicopterCorax.h"
-#include "ig/app/Sky.h"
-#include "ig/scene/ParticleSystem.h"
-#include "ig/ui/UiDrawList.h"
 #include "ratio.h"
 #include "render/gl/RendererGL.h"
 #include "scenes.h"
 
-#include <cstdio>
 #include <epoxy/gl.h>
 #include <map>
+#include <optional>
 
 namespace {
 
 using namespace ig;
 
 constexpr int WIDTH = 640, HEIGHT = 360;
-constexpr float STEP = 1 / 60.0f;
 
 /// Fills a picture of that size from a texture of 256 × 256 texels. Needs the
 /// renderer's context.
 class TexturedFill {
 public:
-  TexturedFill() {
-    m_program = glCreateProgram();
-    attach(GL_VERTEX_SHADER,
-           "#version 330 core\nout vec2 uv;\nvoid main() {\n"
-           "vec2 p = vec2(gl_VertexID & 1, gl_VertexID >> 1) * 2.0;\n"
-           "uv = p; gl_Position = vec4(p * 2.0 - 1.0, 0, 1); }\n");
-    attach(GL_FRAGMENT_SHADER,
-           "#version 330 core\nin vec2 uv;\nout vec4 color;\n"
-           "uniform sampler2D uPicture;\n"
-           "void main() { color = texture(uPicture, uv); }\n");
-    glLinkProgram(m_program);
-    const std::vector<std::uint8_t> grey(256 * 256 * 4, 128);
-    glGenTextures(2, m_textures);
-    makeTexture(m_textures[0], 256, 256, grey.data());
-    makeTexture(m_textures[1], WIDTH, HEIGHT, nullptr);
-    glGenFramebuffers(1, &m_target);
-    glBindFramebuffer(GL_FRAMEBUFFER, m_target);
-    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D,
-                           m_textures[1], 0);
-    glGenVertexArrays(1, &m_vertex_array);
-  }
-  ~TexturedFill() {
-    glDeleteVertexArrays(1, &m_vertex_array);
-    glDeleteFramebuffers(1, &m_target);
-    glDeleteTextures(2, m_textures);
-    glDeleteProgram(m_program);
-  }
-  void draw() const {
-    glBindFramebuffer(GL_FRAMEBUFFER, m_target);
-    glViewport(0, 0, WIDTH, HEIGHT);
-    glDisable(GL_DEPTH_TEST);
-    glUseProgram(m_program);
-    glBindVertexArray(m_vertex_array);
-    glActiveTexture(GL_TEXTURE0);
-    GLint before = 0; // the renderer keeps the sky's map there
-    glGetIntegerv(GL_TEXTURE_BINDING_2D, &before);
-    glBindTexture(GL_TEXTURE_2D, m_textures[0]);
-    glDrawArrays(GL_TRIANGLES, 0, 3);
-    glBindTexture(GL_TEXTURE_2D, static_cast<GLuint>(before));
-    glFinish();
-  }
+    TexturedFill() {
+        m_program = glCreateProgram();
+        attach(GL_VERTEX_SHADER, "#version 330 core\nout vec2 uv;\nvoid main() {\n"
+                                 "vec2 p = vec2(gl_VertexID & 1, gl_VertexID >> 1) * 2.0;\n"
+                                 "uv = p; gl_Position = vec4(p * 2.0 - 1.0, 0, 1); }\n");
+        attach(GL_FRAGMENT_SHADER, "#version 330 core\nin vec2 uv;\nout vec4 color;\n"
+                                   "uniform sampler2D uPicture;\n"
+                                   "void main() { color = texture(uPicture, uv); }\n");
+        glLinkProgram(m_program);
+        const std::vector<std::uint8_t> grey(256 * 256 * 4, 128);
+        glGenTextures(2, m_textures);
+        makeTexture(m_textures[0], 256, 256, grey.data());
+        makeTexture(m_textures[1], WIDTH, HEIGHT, nullptr);
+        glGenFramebuffers(1, &m_target);
+        glBindFramebuffer(GL_FRAMEBUFFER, m_target);
+        glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, m_textures[1],
+                               0);
+        glGenVertexArrays(1, &m_vertex_array);
+    }
+    ~TexturedFill() {
+        glDeleteVertexArrays(1, &m_vertex_array);
+        glDeleteFramebuffers(1, &m_target);
+        glDeleteTextures(2, m_textures);
+        glDeleteProgram(m_program);
+    }
+    void draw() const {
+        glBindFramebuffer(GL_FRAMEBUFFER, m_target);
+        glViewport(0, 0, WIDTH, HEIGHT);
+        glDisable(GL_DEPTH_TEST);
+        glUseProgram(m_program);
+        glBindVertexArray(m_vertex_array);
+        glActiveTexture(GL_TEXTURE0);
+        GLint before = 0; // the renderer keeps the sky's map there
+        glGetIntegerv(GL_TEXTURE_BINDING_2D, &before);
+        glBindTexture(GL_TEXTURE_2D, m_textures[0]);
+        glDrawArrays(GL_TRIANGLES, 0, 3);
+        glBindTexture(GL_TEXTURE_2D, static_cast<GLuint>(before));
+        glFinish();
+    }
 
 private:
-  void attach(GLenum stage, const char *source) const {
-    const GLuint shader = glCreateShader(stage);
-    glShaderSource(shader, 1, &source, nullptr);
-    glCompileShader(shader);
-    glAttachShader(m_program, shader);
-    glDeleteShader(shader);
-  }
-  static void makeTexture(GLuint texture, int width, int height,
-                          const void *pixels) {
-    glBindTexture(GL_TEXTURE_2D, texture);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, width, height, 0, GL_RGBA,
-                 GL_UNSIGNED_BYTE, pixels);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-  }
-  GLuint m_program = 0, m_textures[2] = {}, m_target = 0, m_vertex_array = 0;
+    void attach(GLenum stage, const char* source) const {
+        const GLuint shader = glCreateShader(stage);
+        glShaderSource(shader, 1, &source, nullptr);
+        glCompileShader(shader);
+        glAttachShader(m_program, shader);
+        glDeleteShader(shader);
+    }
+    static void makeTexture(GLuint texture, int width, int height, const void* pixels) {
+        glBindTexture(GL_TEXTURE_2D, texture);
+        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, width, height, 0, GL_RGBA, GL_UNSIGNED_BYTE,
+                     pixels);
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+    }
+    GLuint m_program = 0, m_textures[2] = {}, m_target = 0, m_vertex_array = 0;
 };
 
-/// The demo scene as the channel shows it: third person behind the helicopter,
-/// with panels.
-struct Show {
-  Show() {
-    const Sky sky = computeSky(12, LogicScene::LONGITUDE, 80);
-    frame.sun_direction = sky.sun_direction;
-    frame.moon_direction = sky.moon_direction;
-    frame.particles = &particles;
-    frame.focus = scene.logic->m_heli->m_prefab;
-    frame.ui = &list;
-    scene.width = WIDTH;
-    scene.height = HEIGHT;
-  }
-  void advance() {
-    scene.frame(STEP);
-    particles.advance(*scene.world, STEP);
-    frame.time += static_cast<double>(STEP);
-    scene.ui->draw(list);
-  }
-  DemoScene scene;
-  ParticleSystem particles;
-  UiDrawList list;
-  FrameInfo frame;
+/// A show and the renderer that draws it. Skips the benchmark where there is no OpenGL.
+struct Stage {
+    Stage(benchmark::State& state, bool over_sea) {
+        if (over_sea) show.hoverOverSea();
+        if (!renderer.init(WIDTH, HEIGHT)) state.SkipWithError("no OpenGL here");
+    }
+    void draw() { renderer.render(*show.world, show.camera, show.picture); }
+
+    Show show{WIDTH, HEIGHT};
+    RendererGL renderer{RendererGL::Surface::none};
 };
 
-/// From the beginning of the renderer to the end of its first picture: at most
-/// 2 s are allowed, with the driver's caches warm.
-void firstPicture(benchmark::State &state) {
-  Show show;
-  for (auto _ : state) {
-    RendererGL renderer(RendererGL::Surface::none);
-    if (!renderer.init(WIDTH, HEIGHT))
-      state.SkipWithError("no OpenGL here");
-    renderer.render(*show.scene.world, show.scene.camera, show.frame);
-  }
+/// From the beginning of the renderer to the end of its first picture: at most 2 s are allowed,
+/// with the driver's caches warm.
+void firstPicture(benchmark::State& state) {
+    Show show(WIDTH, HEIGHT);
+    for (auto _ : state) {
+        RendererGL renderer(RendererGL::Surface::none);
+        if (!renderer.init(WIDTH, HEIGHT)) state.SkipWithError("no OpenGL here");
+        renderer.render(*show.world, show.camera, show.picture);
+    }
 }
 BENCHMARK(firstPicture)->Iterations(3)->Unit(benchmark::kMillisecond);
 
-/// A picture against the fill. On the software renderer at most 100 ms are
-/// allowed, with nothing else running on two cores. `cpu_ms`: of all threads
-/// together, which other load doesn't change.
-void picture(benchmark::State &state, bool over_sea) {
-  Show show;
-  if (over_sea)
-    show.scene.hoverOverSea();
-  RendererGL renderer(RendererGL::Surface::none);
-  if (!renderer.init(WIDTH, HEIGHT)) {
-    state.SkipWithError("no OpenGL here");
-    return;
-  }
-  PairedTimes times;
-  CpuTimes cpu(CLOCK_PROCESS_CPUTIME_ID), fill_cpu(CLOCK_PROCESS_CPUTIME_ID);
-  {
-    const TexturedFill fill;
-    const auto draw = [&] {
-      renderer.render(*show.scene.world, show.scene.camera, show.frame);
-    };
+/// A picture against the fill. On the software renderer at most 100 ms are allowed, with nothing
+/// else running on two cores. `cpu_ms`: of all threads together, which other load doesn't change.
+void picture(benchmark::State& state, bool over_sea) {
+    Stage stage(state, over_sea);
+    PairedTimes times;
+    CpuTimes cpu(CLOCK_PROCESS_CPUTIME_ID), fill_cpu(CLOCK_PROCESS_CPUTIME_ID);
+    std::optional<TexturedFill> fill;
     for (auto _ : state) {
-      show.advance();
-      times.measure([&] { cpu.measure(draw); },
-                    [&] { fill_cpu.measure([&] { fill.draw(); }); });
+        if (!fill) fill.emplace();
+        stage.show.advance();
+        times.measure([&] { cpu.measure([&] { stage.draw(); }); },
+                      [&] { fill_cpu.measure([&] { fill->draw(); }); });
     }
-  }
-  times.report(state);
-  state.counters["cpu_ms"] = cpu.getMedian() * 1e3;
-  state.counters["floor_cpu_ms"] = fill_cpu.getMedian() * 1e3;
-  state.SetLabel(renderer.getDevice().c_str());
+    if (!fill) return;
+    times.report(state);
+    state.counters["cpu_ms"] = cpu.getMedian() * 1e3;
+    state.counters["floor_cpu_ms"] = fill_cpu.getMedian() * 1e3;
+    state.SetLabel(stage.renderer.getDevice().c_str());
 }
-BENCHMARK_CAPTURE(picture, over_pad, false)
-    ->Iterations(60)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(picture, over_sea, true)
-    ->Iterations(60)
-    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(picture, over_pad, false)->Iterations(60)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(picture, over_sea, true)->Iterations(60)->Unit(benchmark::kMillisecond);
 
-/// Milliseconds of each pass, the median of many pictures; the device is waited
-/// for after each.
-void passes(benchmark::State &state, bool over_sea) {
-  Show show;
-  if (over_sea)
-    show.scene.hoverOverSea();
-  RendererGL renderer(RendererGL::Surface::none);
-  if (!renderer.init(WIDTH, HEIGHT)) {
-    state.SkipWithError("no OpenGL here");
-    return;
-  }
-  renderer.setProfiling(true);
-  std::map<std::string, std::vector<double>> times;
-  for (auto _ : state) {
-    show.advance();
-    renderer.render(*show.scene.world, show.scene.camera, show.frame);
-    for (const PassTime &pass : renderer.getPassTimes())
-      times[pass.name].push_back(pass.milliseconds);
-  }
-  for (const auto &[name, values] : times)
-    state.counters[name] = median(values);
+/// Milliseconds of each pass, the median of many pictures; the device is waited for after each.
+void passes(benchmark::State& state, bool over_sea) {
+    Stage stage(state, over_sea);
+    stage.renderer.setProfiling(true);
+    std::map<std::string, std::vector<double>> times;
+    for (auto _ : state) {
+        stage.show.advance();
+        stage.draw();
+        for (const PassTime& pass : stage.renderer.getPassTimes())
+            times[pass.name].push_back(pass.milliseconds);
+    }
+    for (const auto& [name, values] : times)
+        state.counters[name] = median(values);
 }
-BENCHMARK_CAPTURE(passes, over_pad, false)
-    ->Iterations(60)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(passes, over_sea, true)
-    ->Iterations(60)
-    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(passes, over_pad, false)->Iterations(60)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(passes, over_sea, true)->Iterations(60)->Unit(benchmark::kMillisecond);
 
 } // namespace

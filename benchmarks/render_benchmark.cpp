@@ -3,11 +3,8 @@
 // The renderer's own work: culling, sorting, uploads, submission, with a driver that only counts.
 
 #include "heli/kit/HelicopterCorax.h"
-#include "ig/app/Sky.h"
 #include "ig/math/quat.h"
-#include "ig/scene/ParticleSystem.h"
 #include "ig/scene/SceneObjects.h"
-#include "ig/ui/UiDrawList.h"
 #include "plugins/ocean/ObjectOcean.h"
 #include "ratio.h"
 #include "render/gl/RendererGL.h"
@@ -21,43 +18,24 @@ using namespace ig;
 
 constexpr float STEP = 1 / 60.0f;
 
-/// A renderer on the counting driver, at noon.
-struct CountedRenderer {
-    CountedRenderer() {
-        const Sky sky = computeSky(12, LogicScene::LONGITUDE, 80);
-        frame.sun_direction = sky.sun_direction;
-        frame.moon_direction = sky.moon_direction;
-        frame.particles = &particles;
-        renderer.init(1280, 720);
-    }
-    ~CountedRenderer() { renderer.release(); }
-
-    CountingDriver driver;
-    RendererGL renderer{RendererGL::Surface::window};
-    ParticleSystem particles;
-    FrameInfo frame;
+struct CountedRenderer : RendererGL {
+    CountedRenderer() : RendererGL(Surface::window) { init(1280, 720); }
+    ~CountedRenderer() override { release(); }
 };
 
-/// Pictures of the demo world from behind the helicopter as it hovers over the pad, with panels and
-/// waves that move; at most 1 ms is allowed.
+/// Pictures of the demo world from behind the helicopter on its pad, with panels and waves that
+/// move; at most 1 ms is allowed.
 void demoWorld(benchmark::State& state) {
-    DemoScene scene;
-    CountedRenderer r;
-    UiDrawList list;
-    r.frame.ui = &list;
-    r.frame.focus = scene.logic->m_heli->m_prefab;
-    scene.camera.setWgsPosition({LogicScene::LONGITUDE, LogicScene::LATITUDE, 30});
-    scene.camera.setWgsHPR({20, 8, 0});
+    const CountingDriver driver;
+    Show show(1280, 720);
+    CountedRenderer renderer;
     CpuTimes times;
     std::uint64_t allocations = 0;
     for (auto _ : state) {
-        scene.frame();
-        r.particles.advance(*scene.world, STEP);
-        r.frame.time += static_cast<double>(STEP);
-        scene.ui->draw(list);
+        show.advance();
         CountingDriver::counts() = {};
         const AllocationCounter counter;
-        times.measure([&] { r.renderer.render(*scene.world, scene.camera, r.frame); });
+        times.measure([&] { renderer.render(*show.world, show.camera, show.picture); });
         allocations = counter.count();
     }
     const CountingDriver::Counts& counts = CountingDriver::counts();
@@ -69,13 +47,26 @@ void demoWorld(benchmark::State& state) {
 }
 BENCHMARK(demoWorld)->Iterations(600)->Unit(benchmark::kMicrosecond);
 
-/// So many boxes in view in ten looks; the cost of each should not depend on their number.
-void visibleObjects(benchmark::State& state) {
-    CountedRenderer r;
+/// An empty world seen from above the demo world's pad.
+struct EmptyView {
+    EmptyView() {
+        camera.setPerspective(50, 16.0f / 9, 0.1, 1e7);
+        camera.setWgsPosition({LogicScene::LONGITUDE, LogicScene::LATITUDE, 60});
+        picture.particles = &particles;
+    }
+    void draw() { renderer.render(world, camera, picture); }
+
+    CountingDriver driver;
+    CountedRenderer renderer;
+    ParticleSystem particles;
     World world;
     Camera camera;
-    camera.setPerspective(50, 16.0f / 9, 0.1, 1e7);
-    camera.setWgsPosition({LogicScene::LONGITUDE, LogicScene::LATITUDE, 60});
+    FrameInfo picture = noon();
+};
+
+/// So many boxes in view in ten looks; the cost of each should not depend on their number.
+void visibleObjects(benchmark::State& state) {
+    EmptyView view;
     Mesh::Surface surface;
     surface.positions = {{-1, -1, 0}, {1, -1, 0}, {0, 1, 0}};
     surface.normals.assign(3, {0, 0, 1});
@@ -88,14 +79,14 @@ void visibleObjects(benchmark::State& state) {
     for (int i = 0; i < count; i++) {
         auto* object = new ObjectMesh(mesh);
         object->setSurfaceMaterial(0, &looks[i * 7 % 10]);
-        object->setTransform(camera.getWorldTransform() *
+        object->setTransform(view.camera.getWorldTransform() *
                              translate(dvec3(i % 100 - 50, i / 100 % 50 - 25, -200 - i % 7)));
-        world.addNode(object);
+        view.world.addNode(object);
     }
     CpuTimes times;
     for (auto _ : state) {
         CountingDriver::counts() = {};
-        times.measure([&] { r.renderer.render(world, camera, r.frame); });
+        times.measure([&] { view.draw(); });
     }
     state.counters["ns_each"] = times.getMedian() * 1e9 / count;
     state.counters["instances"] = static_cast<double>(CountingDriver::counts().instances);
@@ -111,29 +102,25 @@ BENCHMARK(visibleObjects)
 /// Ten thousand particles that live, all in view: their step, and their way to the device; at most
 /// 1 ms is allowed for both.
 void particles(benchmark::State& state) {
-    CountedRenderer r;
-    World world;
-    Camera camera;
-    camera.setPerspective(50, 16.0f / 9, 0.1, 1e7);
-    camera.setWgsPosition({LogicScene::LONGITUDE, LogicScene::LATITUDE, 60});
+    EmptyView view;
     for (int i = 0; i < 10; i++) {
         auto* emitter = new ObjectParticles();
-        emitter->setTransform(camera.getWorldTransform() * translate(dvec3(i - 5, 0, -100)));
+        emitter->setTransform(view.camera.getWorldTransform() * translate(dvec3(i - 5, 0, -100)));
         emitter->setLife(2);
         emitter->setSpawnRate(500);
         emitter->setLinearVelocity(5);
         emitter->setSpread({3, 3, 3});
-        world.addNode(emitter);
+        view.world.addNode(emitter);
     }
     for (int i = 0; i < 300; i++)
-        r.particles.advance(world, STEP);
+        view.particles.advance(view.world, STEP);
     CpuTimes step, both;
     for (auto _ : state)
         both.measure([&] {
-            step.measure([&] { r.particles.advance(world, STEP); });
-            r.renderer.render(world, camera, r.frame);
+            step.measure([&] { view.particles.advance(view.world, STEP); });
+            view.draw();
         });
-    state.counters["live"] = r.particles.getNumParticles();
+    state.counters["live"] = view.particles.getNumParticles();
     state.counters["step_us"] = step.getMedian() * 1e6;
     both.report(state, 1000);
 }
@@ -142,40 +129,39 @@ BENCHMARK(particles)->Iterations(600)->Unit(benchmark::kMicrosecond);
 /// Heavy rain, hail or snow around the eye and the wakes of two ships, on their way to the device
 /// too: what a frame costs beyond one with neither; at most 1 ms is allowed.
 void weatherAndWakes(benchmark::State& state, const char* name) {
-    DemoScene scene;
-    CountedRenderer r;
-    scene.camera.setWgsPosition({LogicScene::LONGITUDE, LogicScene::LATITUDE, 30});
-    scene.camera.setWgsHPR({20, 8, 0});
-    auto* emitter = static_cast<ObjectParticles*>(scene.world->getNodeByName(name));
+    const CountingDriver driver;
+    Show show(1280, 720);
+    CountedRenderer renderer;
+    auto* emitter = static_cast<ObjectParticles*>(show.world->getNodeByName(name));
     emitter->setWgsPosition({LogicScene::LONGITUDE, LogicScene::LATITUDE, 35});
     const auto frame = [&](float dt, CpuTimes& times) {
         Engine::get()->beginFrame(dt);
-        scene.logic->update(dt);
-        scene.world->updatePhysics(dt);
+        show.logic->update(dt);
+        show.world->updatePhysics(dt);
         times.measure([&] {
-            scene.world->updateParticles(dt);
-            r.particles.advance(*scene.world, dt);
-            r.renderer.render(*scene.world, scene.camera, r.frame);
+            show.world->updateParticles(dt);
+            show.particles.advance(*show.world, dt);
+            renderer.render(*show.world, show.camera, show.picture);
         });
     };
-    const auto show = [&](bool visible) {
+    const auto setVisible = [&](bool visible) {
         emitter->setEnabled(visible);
         for (const char* ship : {"SM_055_CN_2023", "LNJ_2023"})
             for (Node* node :
-                 static_cast<ObjectPrefab*>(scene.world->getNodeByName(ship))->getNodes())
+                 static_cast<ObjectPrefab*>(show.world->getNodeByName(ship))->getNodes())
                 if (node->getType() == DECAL_ORTHO) node->setEnabled(visible);
         CpuTimes unmeasured;
         for (int i = 0; i < 500; i++) // 50 s: until as many end as are born
             frame(0.1f, unmeasured);
     };
     CpuTimes without, with;
-    show(false);
+    setVisible(false);
     for (int i = 0; i < 300; i++)
         frame(STEP, without);
-    show(true);
+    setVisible(true);
     for (auto _ : state)
         frame(STEP, with);
-    state.counters["live"] = r.particles.getNumParticles();
+    state.counters["live"] = show.particles.getNumParticles();
     state.counters["difference_us"] = (with.getMedian() - without.getMedian()) * 1e6;
     with.report(state, 1000);
 }

@@ -2,6 +2,10 @@
 #pragma once
 
 #include "heli/logic/Logic_Nerith_Heli_Final.h"
+#include "ig/app/Renderer.h"
+#include "ig/app/Sky.h"
+#include "ig/scene/ParticleSystem.h"
+#include "ig/ui/UiDrawList.h"
 #include "testkit/LogicScene.h"
 
 /// The demo world after its first frame, the helicopter at its start.
@@ -34,4 +38,33 @@ struct DemoScene : LogicScene {
         logic->reset();
         climb();
     }
+};
+
+/// What a picture shows at noon under a fair sky.
+inline ig::FrameInfo noon() {
+    ig::FrameInfo frame;
+    const ig::Sky sky = ig::computeSky(12, LogicScene::LONGITUDE, 80);
+    frame.sun_direction = sky.sun_direction;
+    frame.moon_direction = sky.moon_direction;
+    return frame;
+}
+
+/// The demo scene with all that a picture of it needs: third person behind the helicopter, panels.
+struct Show : DemoScene {
+    Show(int picture_width, int picture_height) {
+        width = picture_width;
+        height = picture_height;
+        picture.particles = &particles;
+        picture.focus = logic->m_heli->m_prefab;
+        picture.ui = &list;
+    }
+    void advance(float dt = 1 / 60.0f) {
+        frame(dt);
+        particles.advance(*world, dt);
+        picture.time += static_cast<double>(dt);
+        ui->draw(list);
+    }
+    ig::ParticleSystem particles;
+    ig::UiDrawList list;
+    ig::FrameInfo picture = noon();
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "flightsim/Clock.h"
 #include "flightsim/HostLink.h"
 
 #include <CLI/CLI.hpp>
@@ -25,6 +26,13 @@ inline CLI::Validator numberBetween(double least, double greatest) {
 }
 
 inline constexpr double max_seconds = 366.0 * 86400; ///< as long as a recording may be
+
+/// An option of seconds, such as `--seconds` and `--from`.
+inline CLI::Option* addSeconds(CLI::App& sub, const char* name, double& seconds, const char* help) {
+    return sub.add_option(name, seconds, help)
+        ->type_name("S")
+        ->check(numberBetween(0, max_seconds));
+}
 
 /// The options of a subcommand that sends records. `owner` keeps `link` alive.
 inline void addLinkOptions(CLI::App& sub, std::shared_ptr<void> owner, LinkOptions& link) {
@@ -63,6 +71,18 @@ inline void printWarning(const char* command, const std::string& warning) {
 inline int printFailure(const char* command, const std::string& message) {
     std::fprintf(stderr, "flight_sim %s: %s\n", command, message.c_str());
     return 1;
+}
+
+/// Opens what the command is for, lets `announce` tell about it, and runs it until it ends or is
+/// stopped. The exit status.
+template <class Task, class Options, class Announce>
+int runUntilStopped(const char* command, const Options& options, const Announce& announce) {
+    const StopFlag& stop = stopOnSignals();
+    Task task;
+    std::string message;
+    if (!task.open(options, message)) return printFailure(command, message);
+    announce(task);
+    return task.run(stop, message) ? 0 : printFailure(command, message);
 }
 
 } // namespace flightsim

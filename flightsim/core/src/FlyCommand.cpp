@@ -56,9 +56,7 @@ void addFly(CLI::App& app, Command& command) {
         ->type_name("X")
         ->capture_default_str()
         ->check(numberBetween(0.1, 20));
-    sub->add_option("--seconds", options->seconds, "Seconds of flight (default: to the end)")
-        ->type_name("S")
-        ->check(numberBetween(0, max_seconds));
+    addSeconds(*sub, "--seconds", options->seconds, "Seconds of flight (default: to the end)");
     sub->add_option("--duration", options->duration,
                     "Let the mission take so long: optional legs are left out, hovers stretched")
         ->type_name("S")

@@ -10,13 +10,10 @@ namespace flightsim {
 namespace {
 
 int runRecord(const RecorderOptions& options) {
-    const StopFlag& stop = stopOnSignals();
-    Recorder recorder;
-    std::string message;
-    if (!recorder.open(options, message)) return printFailure("record", message);
-    std::printf("recording port %d into %s\n", recorder.port(), options.file.c_str());
-    std::fflush(stdout);
-    return recorder.run(stop, message) ? 0 : printFailure("record", message);
+    return runUntilStopped<Recorder>("record", options, [&](const Recorder& recorder) {
+        std::printf("recording port %d into %s\n", recorder.port(), options.file.c_str());
+        std::fflush(stdout);
+    });
 }
 
 } // namespace
@@ -40,9 +37,7 @@ void addRecord(CLI::App& app, Command& command) {
         ->check(numberBetween(0, 65535));
     sub->add_option("--forward", options->forward, "Pass every datagram on to this address")
         ->type_name("HOST:PORT");
-    sub->add_option("--seconds", options->seconds, "Stop after so long (default: when stopped)")
-        ->type_name("S")
-        ->check(numberBetween(0, max_seconds));
+    addSeconds(*sub, "--seconds", options->seconds, "Stop after so long (default: when stopped)");
     sub->add_option("--size-limit", options->size_limit_mb,
                     "Stop before the file grows beyond this (default: no limit)")
         ->type_name("MB")

@@ -10,13 +10,10 @@ namespace flightsim {
 namespace {
 
 int runReplay(const ReplayOptions& options) {
-    const StopFlag& stop = stopOnSignals();
-    Replay replay;
-    std::string message;
-    if (!replay.open(options, message)) return printFailure("replay", message);
-    printWarning("replay", replay.warning());
-    printLink(replay.link());
-    return replay.run(stop, message) ? 0 : printFailure("replay", message);
+    return runUntilStopped<Replay>("replay", options, [](const Replay& replay) {
+        printWarning("replay", replay.warning());
+        printLink(replay.link());
+    });
 }
 
 } // namespace
@@ -41,13 +38,9 @@ void addReplay(CLI::App& app, Command& command) {
         ->capture_default_str()
         ->check(numberBetween(0.01, 1000));
     auto* loop = sub->add_flag("--loop", options->loop, "Begin anew at the end, until stopped");
-    auto* from = sub->add_option("--from", options->from, "Second of the recording to begin with")
-                     ->type_name("S")
-                     ->check(numberBetween(0, max_seconds));
-    sub->add_option("--seconds", options->seconds,
-                    "Seconds of the recording to send (default: all)")
-        ->type_name("S")
-        ->check(numberBetween(0, max_seconds));
+    auto* from = addSeconds(*sub, "--from", options->from, "Second of the recording to begin with");
+    addSeconds(*sub, "--seconds", options->seconds,
+               "Seconds of the recording to send (default: all)");
     sub->add_option("--hold", options->hold,
                     "Send only record N (from 0), over and over at the recording's mean rate")
         ->type_name("N")

@@ -65,12 +65,8 @@ void addCut(CLI::App& app, Command& command) {
     sub->add_option("IN", options->cut.in, "The recording to cut from")->required();
     sub->add_option("OUT", options->cut.out, "The recording to write; an existing file is replaced")
         ->required();
-    sub->add_option("--from", options->from, "Second of the recording to begin with")
-        ->type_name("S")
-        ->check(numberBetween(0, max_seconds));
-    sub->add_option("--seconds", options->seconds, "Seconds to write (default: to the end)")
-        ->type_name("S")
-        ->check(numberBetween(0, max_seconds));
+    addSeconds(*sub, "--from", options->from, "Second of the recording to begin with");
+    addSeconds(*sub, "--seconds", options->seconds, "Seconds to write (default: to the end)");
     sub->add_option("--record", options->record, "Number of the first record, counted from 0")
         ->type_name("N")
         ->check(numberBetween(0, 1e15));
