@@ -89,15 +89,16 @@ struct EffectsTest : testing::Test {
     HeliEffectsKitCorax kit;
 };
 
-TEST_F(EffectsTest, BandsSwitchOnTheWayDownAndOffOnTheWayUp) {
+TEST_F(EffectsTest, BandsSwitchAndFadeOnTheWayDownAndOnTheWayUp) {
     ASSERT_TRUE(make());
     struct Step {
         double height;
         const char* seen;
+        double fade;
     };
-    const Step STEPS[] = {{30, ""},      {25, ""},    {24.9, "D"},     {19, "D"},
-                          {18.9, "Db"},  {15, "Db"},  {14.9, "Dbs"},   {10, "Dbs"},
-                          {9.9, "Dbsh"}, {5, "Dbsh"}, {4.9, "Dbsh12"}, {0, "Dbsh12"}};
+    const Step STEPS[] = {{30, "", 0},        {25, "", 0},    {24.9, "D", 0.01},  {19, "D", 0.6},
+                          {18.9, "Db", 0.61}, {15, "Db", 1},  {14.9, "Dbs", 1},   {10, "Dbs", 1},
+                          {9.9, "Dbsh", 1},   {5, "Dbsh", 1}, {4.9, "Dbsh12", 1}, {0, "Dbsh12", 1}};
     for (const bool over_water : {false, true}) {
         const float ground = over_water ? -0.75f : 12.25f; // in a trough
         const auto check = [&](const Step& step) {
@@ -105,11 +106,27 @@ TEST_F(EffectsTest, BandsSwitchOnTheWayDownAndOffOnTheWayUp) {
             const bool spray = over_water && *step.seen;
             EXPECT_EQ(seen(), std::string(step.seen) + (spray ? "w" : "")) << step.height;
             EXPECT_NEAR(kit.m_height, step.height, 1e-6);
+            kit.update_fade(0.5f);
+            for (const char* name : {"downwash_spe", "out_blade", "leaf_1", "leaf_2", "water"}) {
+                EXPECT_NEAR(color(name).w, 0.5 * step.fade, 1e-5) << name << ' ' << step.height;
+                EXPECT_EQ(color(name).xyz(), vec3(0.1f, 0.2f, 0.3f)) << name;
+            }
         };
         for (const Step& step : STEPS)
             check(step);
         for (auto step = std::rbegin(STEPS); step != std::rend(STEPS); ++step)
             check(*step);
+    }
+}
+
+TEST_F(EffectsTest, TheLevelCountsAsZeroToOne) {
+    ASSERT_TRUE(make());
+    fly(3);
+    const float inf = std::numeric_limits<float>::infinity();
+    for (const auto& [level, alpha] :
+         {std::pair(0.8f, 0.8f), {7, 1}, {-2, 0}, {inf, 1}, {-inf, 0}, {NO_NUMBER, 0}}) {
+        kit.update_fade(level);
+        EXPECT_EQ(color("leaf_2").w, alpha) << level;
     }
 }
 
@@ -137,25 +154,6 @@ TEST_F(EffectsTest, TheCarrierLiesLevelOnTheSurfaceBelow) {
     EXPECT_LT(length(carrier.getZ() - level.getZ()), 1e-8);
     fly(18, -1e9f); // no surface anywhere
     EXPECT_EQ(seen(), "");
-}
-
-TEST_F(EffectsTest, OpacityFadesWithHeightAndLevelAndKeepsTheColour) {
-    ASSERT_TRUE(make());
-    struct Step {
-        double height;
-        float level, alpha;
-    };
-    const float inf = std::numeric_limits<float>::infinity();
-    for (const Step& step : {Step{20, 0.5f, 0.25f}, Step{15, 0.5f, 0.5f}, Step{3, 0.8f, 0.8f},
-                             Step{24, 7, 0.1f}, Step{25, 1, 0}, Step{3, 0, 0}, Step{3, -2, 0},
-                             Step{3, inf, 1}, Step{3, -inf, 0}, Step{3, NO_NUMBER, 0}}) {
-        fly(step.height);
-        kit.update_fade(step.level);
-        for (const char* name : {"downwash_spe", "out_blade", "leaf_1", "leaf_2", "water"}) {
-            EXPECT_NEAR(color(name).w, step.alpha, 1e-5) << name << ' ' << step.level;
-            EXPECT_EQ(color(name).xyz(), vec3(0.1f, 0.2f, 0.3f));
-        }
-    }
 }
 
 TEST_F(EffectsTest, TheFieldFluttersWithTheCollective) {

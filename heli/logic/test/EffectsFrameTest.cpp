@@ -39,28 +39,23 @@ struct EffectsFrame : testing::Test {
     LogicScene scene;
 };
 
-TEST_F(EffectsFrame, OverTheSeaSprayAndNoLeaves) {
+TEST_F(EffectsFrame, OverTheSeaSprayAndOverLandLeaves) {
+    const auto expect = [&](std::initializer_list<const char*> names, bool running) {
+        for (const char* name : names)
+            EXPECT_EQ(emitter(name)->isVisible() && emitter(name)->getPresentRate() > 0, running)
+                << name;
+    };
     scene.logic->m_ocean->setBeaufort(0);
     hover(-155.05, 19.74, 4, 13.5f); // collective 0.05
-    EXPECT_TRUE(emitter("water")->isVisible());
-    EXPECT_TRUE(emitter("downwash_spe")->isVisible());
-    EXPECT_GT(emitter("water")->getPresentRate(), 0);
-    EXPECT_GT(emitter("downwash_spe")->getPresentRate(), 0);
-    for (const char* name : {"out_snow", "leaf_1", "leaf_2"})
-        EXPECT_EQ(emitter(name)->getPresentRate(), 0) << name;
+    expect({"water", "downwash_spe"}, true);
+    expect({"out_snow", "leaf_1", "leaf_2"}, false);
     EXPECT_NEAR(alpha("water"), 0.5, 1e-3); // 10 − 0 / 25, by 0.05
-    const double sea = static_cast<double>(scene.logic->m_heli->get_ground_height());
-    EXPECT_NEAR(EllipsoidModel().toWGS(scene.helicopterNode("downwash")->getWorldPosition()).z, sea,
-                1e-4);
-}
+    const dvec3 carrier = scene.helicopterNode("downwash")->getWorldPosition();
+    EXPECT_NEAR(EllipsoidModel().toWGS(carrier).z, 0, 1e-4);
 
-TEST_F(EffectsFrame, OverLandLeavesAndNoSpray) {
     hover(-155.0625125, 19.7124631, 4, 13.5f); // over the helipad
-    EXPECT_FALSE(emitter("water")->isVisible());
-    for (const char* name : {"out_snow", "leaf_1", "leaf_2"}) {
-        EXPECT_TRUE(emitter(name)->isVisible()) << name;
-        EXPECT_GT(emitter(name)->getPresentRate(), 0) << name;
-    }
+    expect({"water"}, false);
+    expect({"out_snow", "leaf_1", "leaf_2"}, true);
     const float ground = scene.logic->m_heli->get_ground_height();
     EXPECT_GT(ground, 10);
     EXPECT_NEAR(alpha("leaf_1"), (10 - ground / 25) * 0.05f, 1e-5);

@@ -170,18 +170,6 @@ TEST_F(PanelTest, ClickButtonsDoTheirWorkOncePerClick) {
     EXPECT_EQ(logic().m_torpedo_infos.size() + logic().m_decoys.size(), 0);
 }
 
-TEST_F(PanelTest, TheRadarButtonShowsAndHidesTheDisplay) {
-    click("气象雷达"); // there is no display yet
-    UISpriteViewport radar(scene.ui.get(), 256, 256);
-    radar.setHidden(true);
-    logic().m_radar_viewport = &radar;
-    click("气象雷达");
-    EXPECT_FALSE(radar.isHidden());
-    click("气象雷达");
-    EXPECT_TRUE(radar.isHidden());
-    logic().m_radar_viewport = nullptr;
-}
-
 TEST_F(PanelTest, HoldButtonsActEveryFrameWhileTheyAreHeld) {
     click("打开声呐");
     click("打开吊索");

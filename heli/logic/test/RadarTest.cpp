@@ -40,14 +40,15 @@ float gain() { return Engine::get()->getEnvironment(ENVIRONMENT_SENSOR_GAIN); }
 const Sector ELSEWHERE = {0, 0, 180};
 
 struct RadarTest : testing::Test {
-    void start(bool project_data = true) {
-        if (project_data) scene.useProjectData();
+    void start() {
         ASSERT_TRUE(scene.start());
         scene.frame();
     }
     UISpriteViewport& viewport() { return *scene.logic->m_radar_viewport; }
     void tell(float value, float width, float offset) {
         UdpRecvData record = LogicScene::record();
+        record.heading = 120;
+        record.pitch = 8;
         record.radar_value = value;
         record.radar_sector_width = width;
         record.radar_sector_offset = offset;
@@ -61,7 +62,6 @@ struct RadarTest : testing::Test {
         const auto y = static_cast<float>(button->getY() + button->getHeight() / 2);
         scene.input.mouseDown(0, x, y);
         scene.input.mouseUp(0, x, y);
-        scene.frame();
     }
     LogicScene scene;
 };
@@ -71,16 +71,15 @@ TEST_F(RadarTest, StartsHiddenAndTheButtonShowsAndHidesIt) {
     EXPECT_TRUE(viewport().isHidden());
     clickRadarButton();
     EXPECT_FALSE(viewport().isHidden());
-    scene.frame(); // and now it has its place
-    EXPECT_EQ(viewport().getX(), scene.width - 256);
-    EXPECT_EQ(viewport().getY(), 0);
     EXPECT_EQ(viewport().getWidth(), 256);
     EXPECT_EQ(viewport().getHeight(), 256);
     clickRadarButton();
     EXPECT_TRUE(viewport().isHidden());
+    scene.logic->m_radar_viewport = nullptr;
+    clickRadarButton(); // there is no display
 }
 
-TEST_F(RadarTest, SeesTheWorldThroughTheCameraAboveTheHelicopter) {
+TEST_F(RadarTest, SeesTheWorldFromAboveTheHelicopterWithItsHeadingUp) {
     start();
     const Camera& camera = *scene.logic->m_radar_object;
     EXPECT_EQ(viewport().getWorld(), &*scene.world);
@@ -88,31 +87,35 @@ TEST_F(RadarTest, SeesTheWorldThroughTheCameraAboveTheHelicopter) {
     EXPECT_EQ(viewport().getVisionMode(), VISION_RADAR);
     EXPECT_EQ(camera.getType(), NODE_CAMERA_RADAR);
     tell(0, 60, 0);
-    const dvec3 geodetic = EllipsoidModel().toWGS(camera.getWorldPosition());
-    EXPECT_NEAR(geodetic.z, LogicScene::ALTITUDE + 10, 1e-6);
-    // Half way up the picture's middle: 10 km ahead, which is north.
-    const dvec3 ahead = EllipsoidModel().toWGS(camera.getRayTo(0.5, 0.25, 50));
-    EXPECT_NEAR((ahead.y - LogicScene::LATITUDE) * 110700, 10000, 30);
-    EXPECT_NEAR(ahead.x, LogicScene::LONGITUDE, 1e-6);
+    // Half way up the picture's middle, 50 m deep: 10 km ahead.
+    const dmat4 local = scene.logic->m_heli->m_prefab->getWGSTransform();
+    const dvec3 ahead = transpose(local.getMat3()) * (camera.getRayTo(0.5, 0.25, 50) -
+                                                      scene.logic->m_heli->get_world_position());
+    const double h = 120 * DEG_TO_RAD<double>;
+    EXPECT_LT(length(ahead - dvec3(1e4 * std::sin(h), 1e4 * std::cos(h), 10 - 50)), 1e-3);
     scene.logic->release();
     EXPECT_EQ(viewport().getCamera(), nullptr); // the interface outlives the camera
 }
 
 TEST_F(RadarTest, SectorAndGainHoldWhileThePictureIsDrawn) {
+    scene.useProjectData();
     start();
     Engine::get()->setEnvironment(ENVIRONMENT_SENSOR_GAIN, 0.375f);
     struct Case {
-        float width, offset;
+        float value, width, offset;
         Sector sector;
+        float gain;
     };
-    for (const Case& c : {Case{60, 0, {1, 60, 120}}, Case{60, 25, {1, 85, 145}},
-                          Case{0, -30, {1, 60, 60}}, Case{180, 0, {1, 0, 180}}}) {
-        tell(2.5f, c.width, c.offset);
+    const float nan = std::nanf("");
+    for (const Case& c : {Case{2.5f, 60, 0, {1, 60, 120}, 2.5f}, Case{0, 60, 25, {1, 85, 145}, 0},
+                          Case{-1, 0, -30, {1, 60, 60}, -1}, Case{1, 180, 0, {1, 0, 180}, 1},
+                          Case{nan, 20, 0, {1, 80, 100}, 0.375f}}) {
+        tell(c.value, c.width, c.offset);
         EXPECT_EQ(sector(), ELSEWHERE);
         EXPECT_EQ(gain(), 0.375f);
         viewport().beginUpdate();
         EXPECT_EQ(sector(), c.sector);
-        EXPECT_EQ(gain(), 2.5f);
+        EXPECT_EQ(gain(), c.gain);
         viewport().endUpdate();
         EXPECT_EQ(sector(), ELSEWHERE);
         EXPECT_EQ(gain(), 0.375f);
@@ -120,29 +123,27 @@ TEST_F(RadarTest, SectorAndGainHoldWhileThePictureIsDrawn) {
     EXPECT_EQ(RPost::getNumUses(), 0);
 }
 
-TEST_F(RadarTest, WithoutItsMaterialTheGainIsStillPutBack) {
-    start(false);
-    Engine::get()->setEnvironment(ENVIRONMENT_SENSOR_GAIN, 0.5f);
-    tell(3, 60, 0);
-    scene.log.lines.clear();
-    for (int i = 0; i < 3; i++) {
-        viewport().beginUpdate();
-        EXPECT_EQ(gain(), 3);
-        viewport().endUpdate();
-        EXPECT_EQ(gain(), 0.5f);
+TEST(Radar, WithoutFanTheAnglesAndWithoutMaterialTheGainAreStillSet) {
+    for (const bool material : {true, false}) {
+        LogicScene scene;
+        if (material)
+            scene.folder.write("data/core/post/post_radar.mat",
+                               "parameters: {min_angle: 0, max_angle: 180}\n");
+        ASSERT_TRUE(scene.start());
+        scene.logic->m_radar_value = 3;
+        scene.logic->m_radar_sector_width = 40;
+        Engine::get()->setEnvironment(ENVIRONMENT_SENSOR_GAIN, 0.5f);
+        scene.log.lines.clear();
+        for (int i = 0; i < 3; i++) {
+            scene.logic->m_radar_viewport->beginUpdate();
+            EXPECT_EQ(gain(), 3);
+            EXPECT_EQ(sector(), material ? (Sector{0, 70, 110}) : Sector());
+            scene.logic->m_radar_viewport->endUpdate();
+            EXPECT_EQ(gain(), 0.5f);
+            EXPECT_EQ(sector(), material ? ELSEWHERE : Sector());
+        }
+        EXPECT_EQ(scene.log.lines.size(), material ? 0u : 1u); // said once
     }
-    EXPECT_EQ(scene.log.lines.size(), 1u); // said once
-}
-
-TEST_F(RadarTest, AMaterialWithoutFanStillGetsTheAngles) {
-    scene.folder.write("data/core/post/post_radar.mat",
-                       "parameters: {min_angle: 0, max_angle: 180}\n");
-    start(false);
-    tell(1, 40, 10);
-    viewport().beginUpdate();
-    EXPECT_EQ(sector(), (Sector{0, 80, 120}));
-    viewport().endUpdate();
-    EXPECT_EQ(sector(), ELSEWHERE);
 }
 
 } // namespace

@@ -1,7 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "heli/logic/records.h"
-#include "ig/action/ActionInterval.h"
-#include "ig/base/jAllocator.h"
 #include "ig/scene/Track.h"
 #include "testkit/LogicScene.h"
 
@@ -11,15 +8,8 @@ namespace {
 
 using namespace ig;
 
-const MemSite SITE = {"test", "ResetTest"};
-
 struct ResetTest : testing::Test {
     void SetUp() override { ASSERT_TRUE(scene.start()); }
-    ObjectPrefab* drop() {
-        auto* prefab = memNew<ObjectPrefab>(SITE, "none.prefab");
-        scene.world->addNode(prefab);
-        return prefab;
-    }
     LogicScene scene;
 };
 
@@ -43,54 +33,6 @@ TEST_F(ResetTest, HelicopterIsRepairedAndBackAtItsMarker) {
     EXPECT_TRUE(scene.helicopterNode("sonar")->isEnabled());
     EXPECT_EQ(scene.logic->m_heli->get_collective_decay(), 1);
     EXPECT_EQ(scene.logic->m_heli->m_collective, 0);
-}
-
-TEST_F(ResetTest, RemovesWhatWasThrownInOrderAndLeavesMissilesAndWinch) {
-    struct Listener {
-        std::vector<Node*> removed;
-        std::vector<int> codes;
-        void onRemoved(Node* node) { removed.push_back(node); }
-        void onCode(int code) { codes.push_back(code); }
-    } listener;
-    scene.logic->m_sig_node_removed.append({&listener, &Listener::onRemoved});
-    scene.logic->m_sig_code.append({&listener, &Listener::onCode});
-    const std::size_t memory = memCount();
-    std::vector<Node*> expected;
-    auto* thrown = memNew<SonarInfo>(SITE);
-    thrown->prefab = drop();
-    scene.logic->m_thrown_sonars.append(thrown);
-    expected.push_back(thrown->prefab);
-    for (int i = 0; i < 3; i++) {
-        scene.logic->m_decoys.append(drop());
-        expected.push_back(scene.logic->m_decoys.back());
-    }
-    scene.logic->m_sonar_info->prefab = drop();
-    scene.logic->m_sonar_info->anchor = scene.logic->m_sonar_info->prefab;
-    expected.push_back(scene.logic->m_sonar_info->prefab);
-    ObjectPrefab* missile = drop();
-    scene.logic->m_missiles.append(missile);
-    scene.logic->m_winch_info->prefab = drop();
-    scene.logic->m_action_manager.addAction(ActionInterval::Create(5), false);
-    const int nodes = scene.world->getNodes().size();
-
-    scene.logic->reset();
-    EXPECT_EQ(listener.removed, expected);
-    EXPECT_EQ(listener.codes, (std::vector<int>{25, 26}));
-    EXPECT_TRUE(scene.logic->m_thrown_sonars.empty() && scene.logic->m_decoys.empty());
-    EXPECT_EQ(scene.logic->m_sonar_info->prefab, nullptr);
-    EXPECT_EQ(scene.logic->m_sonar_info->anchor, nullptr);
-    EXPECT_EQ(scene.world->getNodes().size(), nodes - 5);
-    EXPECT_GE(scene.world->getNodes().find(missile), 0);
-    EXPECT_EQ(scene.logic->m_missiles.size(), 1);
-    EXPECT_NE(scene.logic->m_winch_info->prefab, nullptr);
-    EXPECT_EQ(scene.logic->m_action_manager.size(), 0);
-    EXPECT_EQ(memCount(), memory + 2); // missile and winch load
-
-    listener = {};
-    scene.logic->reset(); // again, with nothing left to remove
-    EXPECT_TRUE(listener.removed.empty());
-    EXPECT_EQ(listener.codes.size(), 2u);
-    scene.frame();
 }
 
 TEST(Reset, MissingMarkerAndStatesAreSkipped) {

@@ -102,31 +102,27 @@ TEST(Startup, FindsTheWorldsFixedNodes) {
 
 TEST(Startup, AnnouncesInOrderAndPreloadsEveryPathOnceEvenWhenFilesAreMissing) {
     LogicScene scene;
-    std::vector<std::string> heard;
-    struct Listener {
-        std::vector<std::string>* heard;
-        void prefab(ObjectPrefab* p, bool flag) {
-            heard->push_back("prefab " + std::string(p->getRoot()->getName()) + (flag ? "!" : ""));
-        }
-        void object(Object* o, int value) {
-            heard->push_back("object " + std::string(o->getName()) + std::to_string(value));
-        }
-        void preload(const jString& path) { heard->push_back(std::string(path)); }
-        void track(Track*) { heard->push_back("track"); }
-    } listener{&heard};
-    World world;
-    scene.world.emplace();
-    Engine::get()->setApp(&scene);
     scene.folder.write("data/PELMAR_PROJECT/ANIM/light.anim",
                        "channels: [{node: start_heli, keys: [[0, 1]]}]\n");
     scene.folder.write("w.world", "nodes: [{name: start_heli, wgs: [1, 2, 3]}]\n");
+    scene.world.emplace();
     scene.world->load("w.world");
+    Engine::get()->setApp(&scene);
     scene.logic =
         static_cast<Logic_Nerith_Heli_Final*>(CreateLogic(&*scene.world, &scene.camera_control));
-    scene.logic->m_sig_prefab_added.append({&listener, &Listener::prefab});
-    scene.logic->m_sig_object.append({&listener, &Listener::object});
-    scene.logic->m_sig_preload.append({&listener, &Listener::preload});
-    scene.logic->m_sig_track_loaded.append({&listener, &Listener::track});
+    std::vector<std::string> heard;
+    scene.logic->m_sig_prefab_added.append(
+        {&heard, [&](ObjectPrefab* prefab, bool flag) {
+             heard.push_back("prefab " + std::string(prefab->getRoot()->getName()) +
+                             (flag ? "!" : ""));
+         }});
+    scene.logic->m_sig_object.append(
+        {&heard, [&](Object* object, int value) {
+             heard.push_back("object " + std::string(object->getName()) + std::to_string(value));
+         }});
+    scene.logic->m_sig_preload.append(
+        {&heard, [&](const jString& path) { heard.emplace_back(path.c_str()); }});
+    scene.logic->m_sig_track_loaded.append({&heard, [&](Track*) { heard.emplace_back("track"); }});
     ASSERT_TRUE(scene.logic->init());
     const std::vector<std::string> expected = {
         "object tail_light0",
@@ -156,21 +152,16 @@ TEST(Startup, AnnouncesInOrderAndPreloadsEveryPathOnceEvenWhenFilesAreMissing) {
     EXPECT_EQ(failed("data/PELMAR_PROJECT/ANIM/light.anim"), 0);
 }
 
-TEST(Startup, ConsoleShowsPortAndAddress) {
-    LogicScene scene;
-    testing::internal::CaptureStdout();
-    ASSERT_TRUE(scene.start());
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "接收飞仿数据端口：" + std::to_string(scene.receive_port) + "\n飞仿IP：127.0.0.1\n");
-}
-
-TEST(Startup, WithoutConfigurationTheDefaultsShow) {
-    LogicScene scene;
-    std::filesystem::remove_all(scene.folder.path() / "config");
-    testing::internal::CaptureStdout();
-    ASSERT_TRUE(scene.start());
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "接收飞仿数据端口：10004\n飞仿IP：127.0.0.1\n");
+TEST(Startup, ConsoleShowsPortAndAddressOrTheirDefaults) {
+    for (const bool configured : {true, false}) {
+        LogicScene scene;
+        if (!configured) std::filesystem::remove_all(scene.folder.path() / "config");
+        testing::internal::CaptureStdout();
+        ASSERT_TRUE(scene.start());
+        EXPECT_EQ(testing::internal::GetCapturedStdout(),
+                  "接收飞仿数据端口：" + std::to_string(configured ? scene.receive_port : 10004) +
+                      "\n飞仿IP：127.0.0.1\n");
+    }
 }
 
 TEST(Startup, PortInUseStillStartsAndNeverReceives) {

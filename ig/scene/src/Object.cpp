@@ -88,6 +88,10 @@ void Object::followBody() {
     m_body_version = getPoseVersion();
 }
 
+void Object::holdBody() {
+    if (BodyRigid* body = getBodyRigid()) body->setTransform(getWorldTransform());
+}
+
 void Object::poseBody() {
     if (!m_body || m_body_version == getPoseVersion()) return;
     m_body->setTransform(getWorldTransform());

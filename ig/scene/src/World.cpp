@@ -90,8 +90,14 @@ void World::updatePhysics(float dt) {
         static_cast<Object*>(body->getOwner())->applyDrag();
     }
     m_physics.update(dt);
-    for (Body* body : m_physics.getBodies())
-        if (body->isEnabled()) static_cast<Object*>(body->getOwner())->followBody();
+    for (Body* body : m_physics.getBodies()) {
+        if (!body->isEnabled()) continue;
+        auto& object = *static_cast<Object*>(body->getOwner());
+        if (object.isEnabled())
+            object.followBody();
+        else
+            object.holdBody();
+    }
 }
 
 void World::updateParticles(float dt) {

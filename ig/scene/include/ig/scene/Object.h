@@ -46,6 +46,9 @@ public:
     Body* releaseBody();
     /// Moves the object where its body has gone. The world calls it after a physics step.
     virtual void followBody();
+    /// Puts a rigid body back to where the object is, at rest. The world calls it after a physics
+    /// step for a disabled object: what is not there doesn't fall.
+    void holdBody();
     /// Moves the body, and stops it, where the object or one of its ancestors was moved by the
     /// scene since the last call. The world calls it before a physics step.
     void poseBody();
