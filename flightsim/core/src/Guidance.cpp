@@ -185,10 +185,17 @@ Enu Guidance::acceleration(const HelicopterState& state, double time) const {
         std::clamp(0.8 * speed * error * radians, -lateralLimit(leg()), lateralLimit(leg()));
     const Enu turning = Enu::ofCourse(course, along) + Enu::ofCourse(course + 90, across);
 
-    const double share = m_sidestep ? 0 : smoothStep(slow, fast, speed);
+    const double share = m_sidestep ? 0 : smoothStep(slow, fast, travelSpeed(state));
     Enu result = turning * share + direct * (1 - share);
     result.up = verticalAcceleration(state, distance);
     return result;
+}
+
+/// The speed that tells flight from hover: who keeps station with a ship hovers, however fast she
+/// is.
+double Guidance::travelSpeed(const HelicopterState& state) const {
+    const Enu over_point = state.velocity - m_point.velocity;
+    return std::min(state.velocity.horizontal(), over_point.horizontal());
 }
 
 /// Speed over the point towards it.
@@ -254,7 +261,7 @@ double Guidance::headingRate(const HelicopterState& state, const Enu& wind, doub
     constexpr double far_enough = 30; // metres: nearer, the point's direction means nothing
     constexpr double greatest = 20;   // degrees/s, to follow the airspeed
     const Enu air = state.velocity - wind;
-    const double along = m_sidestep ? 0 : smoothStep(slow - 1, fast, state.velocity.horizontal());
+    const double along = m_sidestep ? 0 : smoothStep(slow - 1, fast, travelSpeed(state));
     const Enu way = offset(state.position, m_point.at(time));
     const bool travels = leg().kind == LegKind::fly_to || leg().kind == LegKind::approach;
     if (along > 0.5 && !leg().heading)

@@ -177,6 +177,7 @@ Point readPoint(const YAML::Node& node, const Points& points) {
     Point from = points.at("start");
     Point point;
     std::optional<double> longitude, latitude, east, north, bearing, distance;
+    std::optional<Enu> velocity;
     readMap(node, "a point",
             {number("longitude", longitude, -180, 180),
              number("latitude", latitude, -89, 89),
@@ -186,7 +187,7 @@ Point readPoint(const YAML::Node& node, const Points& points) {
              number("distance", distance, 0, most_distance),
              number("surface", point.position.altitude, -500, most_altitude),
              {"from", [&](const YAML::Node& value) { from = namedPoint(value, points); }},
-             {"velocity", [&](const YAML::Node& value) { point.velocity = readVelocity(value); }}});
+             {"velocity", [&](const YAML::Node& value) { velocity = readVelocity(value); }}});
     const bool geodetic = longitude && latitude;
     const bool polar = bearing && distance;
     if ((longitude || latitude) != geodetic || (bearing || distance) != polar ||
@@ -197,6 +198,8 @@ Point readPoint(const YAML::Node& node, const Points& points) {
         polar ? Enu::ofCourse(*bearing, *distance) : Enu{east.value_or(0), north.value_or(0), 0};
     const Geodetic place =
         geodetic ? Geodetic{*longitude, *latitude, 0} : moved(from.position, step);
+    point.velocity =
+        velocity.value_or(geodetic ? Enu{} : from.velocity); // a deck goes with its ship
     point.position.longitude = place.longitude;
     point.position.latitude = place.latitude;
     return point;

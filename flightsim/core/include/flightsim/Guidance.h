@@ -50,6 +50,7 @@ private:
     bool stands(const HelicopterState& state);
     HelicopterControls groundControls(double time);
     Enu acceleration(const HelicopterState& state, double time) const;
+    double travelSpeed(const HelicopterState& state) const;
     double wantedSpeed(const Enu& way, const HelicopterState& state) const;
     double verticalAcceleration(const HelicopterState& state, double distance) const;
     double landingSpeed(const HelicopterState& state, double distance) const;
