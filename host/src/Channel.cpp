@@ -189,9 +189,13 @@ bool Channel::runFrame() {
     const double begin = steadyNow();
     if (m_window.isOpen() && !m_window.poll()) m_close_requested = true;
     if (m_frames > 0) playScript(); // before, no button has been laid out
+    const float scale = m_renderer->getScale();
+    const std::string& still = m_script.getPictureName();
+    // A still is looked at longer than a frame.
+    if (!still.empty() && m_options.scale <= 0) m_renderer->setScale(1);
     const FrameCosts costs = frame(dt);
-    if (!m_script.getPictureName().empty())
-        m_screenshots.take(*m_renderer, m_script.getPictureName());
+    if (!still.empty()) m_screenshots.take(*m_renderer, still);
+    m_renderer->setScale(scale);
     const double work = steadyNow() - begin;
     if (m_window.isOpen()) m_window.swap(); // waits for a graphics device that is still drawing
     if (m_options.scale <= 0)

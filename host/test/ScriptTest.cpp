@@ -176,9 +176,9 @@ struct ScriptedScene : LogicScene, WindowListener {
     void onFocusLost() override {}
     void onResized(int, int, float) override {}
     void runUntil(double end) {
-        for (; time < end; time += 1 / 60.0) {
+        for (; time < end; time += 1 / 30.0) {
             player->play(time, false);
-            frame();
+            frame(1 / 30.0f);
         }
     }
     std::optional<ScriptPlayer> player;
@@ -221,6 +221,30 @@ TEST(ScriptedLogic, DoesWhatTheOperatorAsksFor) {
     EXPECT_EQ(logic.m_torpedo_infos.size(), 0);
     EXPECT_EQ(logic.m_sonar_info->prefab, nullptr);
     EXPECT_EQ(scene.player->getFailures(), 0);
+}
+
+TEST(ScriptedLogic, HasTheButtonsThatTheShippedScriptsAskFor) {
+    for (const char* name : {"demo", "weapons"}) {
+        Script script;
+        std::string message;
+        ASSERT_TRUE(
+            readScript(std::string("data/missions/") + name + ".script.yaml", script, message))
+            << message;
+        ScriptedScene scene;
+        scene.useProjectData();
+        ASSERT_TRUE(scene.start());
+        script.from_start = true;
+        scene.frame();
+        scene.player.emplace(scene, *scene.ui);
+        const double end = script.commands.back().at + 1;
+        scene.player->open(std::move(script));
+        for (; scene.time < end; scene.time += 0.1) { // the panels alone: no physics
+            scene.player->play(scene.time, false);
+            scene.ui->update(0);
+        }
+        EXPECT_EQ(scene.player->getFailures(), 0)
+            << (scene.log.lines.empty() ? "" : scene.log.lines[0]);
+    }
 }
 
 } // namespace

@@ -128,24 +128,13 @@ void expectSmoothAndConsistent(const std::vector<Flown>& f) {
     EXPECT_LT(worst_lean, 0.5) << "degrees between attitude and acceleration";
 }
 
-/// Height of what lies below in the demo world: the apron, the frigate, or else the sea.
-double demoSurface(const Geodetic& place) {
-    const Enu pad = offset({-155.0625125, 19.7124631, 0}, place);
-    if (std::abs(pad.east) < 200 && std::abs(pad.north) < 350) return 12.45;
-    const Enu ship = offset({-155.0563123, 19.7196898, 0}, place);
-    if (std::abs(ship.east) > 18 || std::abs(ship.north) > 93) return 0; // and a rotor's radius
-    return ship.north < -58 ? 6 : 40;
-}
-
 TEST(DemoMission, IsFlyableAtEveryLength) {
-    for (const double duration : {41.0, 123.0, 180.0}) {
+    for (const double duration : {43.0, 130.0, 200.0}) {
         SCOPED_TRACE(duration);
         const auto f = flyDemo(duration);
         ASSERT_GT(f.size(), 100u);
         EXPECT_NEAR(f.back().time, duration, 1);
         expectSmoothAndConsistent(f);
-        for (const Flown& now : f) // the wheels reach down 1.22 m and give a little
-            ASSERT_GT(now.place().altitude - demoSurface(now.place()), 1.1) << now.time;
     }
 }
 
@@ -154,12 +143,9 @@ TEST(DemoMission, ReachesItsPointsComesHomeAndSetsTheScene) {
     ASSERT_GT(f.size(), 1000u);
     EXPECT_LT(steadyTurns(f).worst, 1);
     const Geodetic pad{-155.0625125, 19.7124631, 13.67};
-    const Geodetic frigate{-155.0563123, 19.7196898, 13.67};
     const std::pair<Geodetic, double> places[] = {
-        {moved(pad, {330, 260, 60 - 13.67}), 31},    // coast
-        {moved(pad, {930, 300, 80 - 13.67}), 31},    // open sea
-        {moved(frigate, {0, -66, 26 - 13.67}), 1},   // 20 m over the flight deck
-        {moved(frigate, {60, -75, 15 - 13.67}), 1}}; // the dip
+        {moved(pad, {330, 260, 60 - 13.67}), 31},  // coast
+        {moved(pad, {930, 300, 80 - 13.67}), 31}}; // open sea
     for (const auto& [place, within] : places) {
         const auto missed = [&](const Flown& now) { return offset(now.place(), place).length(); };
         EXPECT_LT(missed(*std::ranges::min_element(f, {}, missed)), within) << place.longitude;
@@ -212,17 +198,18 @@ legs:
 TEST(MissionFlight, StaysWithAMovingShipAndLandsOnIt) {
     const auto f = flyToEnd(missionOf(R"(
 points:
-  deck: {east: 300, north: 100, surface: 6, velocity: [2, 6]}
+  ship: {east: 300, north: 150, velocity: [2, 7]}
+  deck: {from: ship, north: -50, surface: 6}
 legs:
   - take_off:
-  - approach: {to: deck, height: 15}
+  - approach: {to: deck, height: 15, heading: 0}
   - hover: 10
   - land:
   - wait: 5
 )"),
                             std::nullopt);
     const auto miss = [&](const Flown& now) {
-        const Geodetic deck = moved({-155, 19.7, 6}, Enu{300, 100, 0} + Enu{2, 6, 0} * now.time);
+        const Geodetic deck = moved({-155, 19.7, 6}, Enu{300, 100, 0} + Enu{2, 7, 0} * now.time);
         return offset(deck, now.place());
     };
     const auto landing =
