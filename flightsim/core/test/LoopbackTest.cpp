@@ -236,6 +236,36 @@ TEST_F(Loopback, AFlightSendsRecordsAtItsRateAndTakesFeedback) {
     EXPECT_GT(+record.altitude, 13.3F);
 }
 
+TEST_F(Loopback, AFlightHoversAboveTheGroundThatTheChannelReports) {
+    const std::string text = "start: {longitude: -155, latitude: 19.7, surface: 12, rotor: 270}\n"
+                             "legs: [take_off: 5, hover: {seconds: 60, height: 5}]\n";
+    TestFile mission("ground.yaml", Bytes(text.begin(), text.end()));
+    FlyOptions options;
+    options.file = mission.path;
+    options.link = replayOptions("", receiver.address()).link;
+    options.rate = 50;
+    options.speed = 10;
+    options.seconds = 20;
+    Fly fly;
+    ASSERT_TRUE(fly.open(options, message)) << message;
+    Sender channel(fly.link().listenPort());
+    std::thread thread = start(fly);
+    UdpRecvData record{};
+    for (int i = 0; i < 100; i++) {
+        const auto received = receiver.take(1);
+        if (received.empty() || received[0].bytes.size() != sizeof record) break;
+        std::memcpy(&record, received[0].bytes.data(), sizeof record);
+        UdpSendData feedback{};
+        feedback.ground_latitude = record.latitude;
+        feedback.height_above_ground = record.altitude - 14;
+        Bytes bytes(sizeof feedback);
+        std::memcpy(bytes.data(), &feedback, sizeof feedback);
+        channel.send(bytes);
+    }
+    thread.join();
+    EXPECT_NEAR(record.altitude, 14 + 5, 0.3) << "17 by the mission alone";
+}
+
 /// Flight times in milliseconds and first bytes of what a source gives, up to `count` steps.
 std::vector<std::pair<double, int>> steps(const ReplayOptions& options, int count) {
     ReplaySource source;
