@@ -129,7 +129,7 @@ void expectSmoothAndConsistent(const std::vector<Flown>& f) {
 }
 
 TEST(DemoMission, IsFlyableAtEveryLength) {
-    for (const double duration : {43.0, 130.0, 200.0}) {
+    for (const double duration : {44.0, 130.0, 200.0}) {
         SCOPED_TRACE(duration);
         const auto f = flyDemo(duration);
         ASSERT_GT(f.size(), 100u);
