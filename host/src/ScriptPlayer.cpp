@@ -33,7 +33,7 @@ void ScriptPlayer::play(double time, bool records) {
     if (!m_start && (m_script.from_start || records)) m_start = m_script.from_start ? 0 : time;
     if (!m_start) return;
     m_time = time - *m_start;
-    std::erase_if(m_held, [this](Held& held) { return advance(held); });
+    advanceHeld();
     if (m_notches != 0) return rollWheel();
     while (m_next < m_script.commands.size() && m_picture.empty() && m_notches == 0) {
         const ScriptCommand& command = m_script.commands[m_next];
@@ -74,13 +74,28 @@ bool ScriptPlayer::begin(const ScriptCommand& command) {
     return true;
 }
 
+/// What is let go may open a dialog, which runs frames of its own: by then it is off the list.
+void ScriptPlayer::advanceHeld() {
+    std::vector<Held> ended;
+    for (std::size_t i = 0; i < m_held.size();) {
+        if (!advance(m_held[i])) {
+            i++;
+            continue;
+        }
+        ended.push_back(m_held[i]);
+        m_held.erase(m_held.begin() + static_cast<std::ptrdiff_t>(i));
+    }
+    for (const Held& held : ended) {
+        if (held.command->usesMouse())
+            m_listener.onButton(held.command->button, false, m_x, m_y);
+        else
+            releaseKeys(held.command->keys);
+    }
+}
+
 bool ScriptPlayer::advance(Held& held) {
     const ScriptCommand& command = *held.command;
     const bool over = m_time - held.since >= command.duration;
-    if (command.kind == Kind::key) {
-        if (over) releaseKeys(command.keys);
-        return over;
-    }
     if (!held.pressed) { // the way to its place was no part of the drag
         m_listener.onButton(command.button, true, held.x, held.y);
         held.pressed = true;
@@ -92,7 +107,6 @@ bool ScriptPlayer::advance(Held& held) {
         moveTo(held.x + command.x * static_cast<float>(share),
                held.y + command.y * static_cast<float>(share));
     }
-    if (over) m_listener.onButton(command.button, false, m_x, m_y);
     return over;
 }
 

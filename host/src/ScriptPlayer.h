@@ -42,7 +42,8 @@ private:
     };
 
     bool begin(const ScriptCommand& command);
-    /// Carries a drag on. True when the command is over and everything is up again.
+    void advanceHeld();
+    /// Carries a drag on. True when it is time to let go.
     bool advance(Held& held);
     bool click(const ScriptCommand& command);
     bool findText(const std::string& text);

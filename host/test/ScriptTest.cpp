@@ -133,7 +133,7 @@ TEST_F(ScriptPlayerTest, PressesStayForAFrameAndKeepTheirOrderHoweverSlowTheFram
     EXPECT_EQ(at(2), "release0 down270 down103 move400 "); // from the button to the middle
     EXPECT_EQ(player.getPictureName(), "a");
     EXPECT_EQ(at(2), "press0 "); // keys have 0.1 s to go; the wheel waits for the mouse
-    EXPECT_EQ(at(2.5), "up103 up270 move450 "); // half of the way
+    EXPECT_EQ(at(2.5), "move450 up103 up270 "); // half of the way
     EXPECT_EQ(player.getPictureName(), "");
     EXPECT_EQ(at(3.1), "move500 release0 move400 wheel-1 ");
     EXPECT_FALSE(player.hasQuit());
