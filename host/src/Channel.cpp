@@ -247,6 +247,7 @@ FrameCosts Channel::frame(float dt) {
     costs.physics = spent();
     m_interface.update(dt);
     m_frame_info.ui = m_options.no_interface ? nullptr : m_interface.draw();
+    m_frame_info.ui_root = m_options.no_interface ? nullptr : m_interface.getRoot();
     costs.interface = spent();
     m_logic->swap();
     draw();
@@ -281,6 +282,7 @@ void Channel::close() {
         if (m_renderer) m_renderer->release();
         m_listener.m_helicopter = nullptr;
         m_frame_info.ui = nullptr;
+        m_frame_info.ui_root = nullptr;
         m_interface.close();
         m_particles.clear();
         m_world.clear();

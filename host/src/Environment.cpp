@@ -23,6 +23,7 @@ constexpr float FULL_VISIBILITY = 300000; ///< metres, at fraction 1
 constexpr float LEAST_VISIBILITY = 20;    ///< metres: what absurd values come down to
 constexpr double DEFAULT_VISIBILITY = 60000;
 constexpr double FOG_VISIBILITY = 800; ///< metres, for fog without a word on how thick
+constexpr float HIGHEST_WIND = 100;    ///< m/s: what absurd values come down to
 constexpr float WIND_STRENGTH = 400;   ///< the scene's wind strength for 1 m/s
 constexpr int HEAVY = 3;               ///< the highest level of precipitation
 constexpr int HIGHEST_SEA = 12;        ///< Beaufort
@@ -187,6 +188,10 @@ void Environment::fillSky(double longitude, FrameInfo& frame) const {
     frame.cloud_cover = weather.cloud_cover >= 0 ? weather.cloud_cover : look.cloud_cover;
     frame.rain = static_cast<float>(std::max(weather.rain, 0)) / HEAVY;
     frame.snow = static_cast<float>(std::max(weather.snow, 0)) / HEAVY;
+    frame.hail = static_cast<float>(std::max(weather.hail, 0)) / HEAVY;
+    const float wind = std::clamp(weather.wind_speed, 0.0f, HIGHEST_WIND);
+    const float towards = weather.wind_direction * DEG_TO_RAD<float>;
+    frame.wind = {wind * std::cos(towards), wind * std::sin(towards)};
     if (weather.visibility > 0)
         frame.visibility = static_cast<double>(weather.visibility);
     else

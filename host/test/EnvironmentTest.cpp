@@ -115,6 +115,9 @@ TEST_F(EnvironmentTest, SignalsActInTheNextFrame) {
     EXPECT_EQ(picture.cloud_cover, 0.7f);
     EXPECT_NEAR(picture.visibility, 30000, 0.01);
     EXPECT_FLOAT_EQ(picture.rain, 2 / 3.0f);
+    EXPECT_EQ(picture.hail, 1);
+    EXPECT_NEAR(picture.wind.x, -8.66, 0.01); // to the west-south-west
+    EXPECT_NEAR(picture.wind.y, -5, 0.01);
     EXPECT_EQ(environment->describe(), "run 12:00 storm, rain 2, hail 3, clouds 70 % at 800 m, "
                                        "sight 30.0 km, wind 060/10 m/s, sea 6");
     emit(logic.m_sig_rain, DETAIL_NONE);
@@ -155,6 +158,7 @@ TEST_F(EnvironmentTest, AbsurdSignalsDoNoHarm) {
         emit(logic.m_sig_cloud, &clouds);
         frame();
         EXPECT_GT(picture.visibility, 0);
+        EXPECT_LE(std::hypot(picture.wind.x, picture.wind.y), 101);
         EXPECT_TRUE(std::isfinite(picture.cloud_cover) && picture.cloud_cover >= 0 &&
                     picture.cloud_cover <= 1);
         EXPECT_TRUE(std::isfinite(Engine::get()->getWindDirection()));

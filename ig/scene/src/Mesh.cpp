@@ -167,6 +167,8 @@ Mesh::Mesh(std::vector<Surface> surfaces)
             max = {std::max(max.x, p.x), std::max(max.y, p.y), std::max(max.z, p.z)};
         }
     if (min.x > max.x) return;
+    m_lowest = min;
+    m_highest = max;
     m_bounds.center = dvec3(min + max) / 2.0;
     m_bounds.radius = 0;
     for (const Surface& surface : m_surfaces)

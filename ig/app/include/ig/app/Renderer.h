@@ -14,6 +14,7 @@ namespace ig {
 class Camera;
 class Node;
 class ParticleSystem;
+class UIRoot;
 class UiDrawList;
 class World;
 
@@ -24,18 +25,23 @@ struct FrameInfo {
     /// Towards the sun and the moon, earth-centred, unit length.
     dvec3 sun_direction{0, 0, 1};
     dvec3 moon_direction{0, 0, -1};
-    double sidereal_angle = 0;   ///< turn of the stars, degrees
-    double visibility = 60000;   ///< meteorological visibility at sea level, m, above 0
-    float cloud_cover = 0.5f;    ///< broken clouds, 0 to 1
-    float overcast = 0;          ///< closed layer of clouds, 0 to 1
-    float cloud_darkness = 0;    ///< of the closed layer, 0 thin to 1 thunderstorm
-    float rain = 0, snow = 0;    ///< 0 to 1
-    const Node* focus = nullptr; ///< where shadows are sharpest; null: around the camera
+    double sidereal_angle = 0;          ///< turn of the stars, degrees
+    double visibility = 60000;          ///< meteorological visibility at sea level, m, above 0
+    float cloud_cover = 0.5f;           ///< broken clouds, 0 to 1
+    float overcast = 0;                 ///< closed layer of clouds, 0 to 1
+    float cloud_darkness = 0;           ///< of the closed layer, 0 thin to 1 thunderstorm
+    float rain = 0, snow = 0, hail = 0; ///< 0 to 1
+    vec2 wind;                          ///< where the air moves to, m/s east and north
+    /// The helicopter: where shadows are sharpest, and what its own radar doesn't see; null: none,
+    /// and shadows around the camera.
+    const Node* focus = nullptr;
     const ParticleSystem* particles = nullptr;
     /// A helicopter's downwash on the water: the rotor's middle (world), its radius, 0 to 1.
     dvec3 wash_position;
     float wash_radius = 0, wash_strength = 0;
     const UiDrawList* ui = nullptr; ///< drawn last; null: none
+    /// Its viewports are drawn where `ui` shows them; null: none.
+    const UIRoot* ui_root = nullptr;
 };
 
 /// A picture read back, rows from the top, three bytes (red, green, blue) a pixel.

@@ -28,6 +28,8 @@ public:
     /// The id of the parameter with that tag, or −1.
     int findParameterIDByTag(const jString& tag) const;
     int getNumParameters() const { return m_parameters.size(); }
+    /// Of an id below the number.
+    const jString& getParameterTag(int id) const { return m_parameters[id].tag; }
     /// An id out of range is ignored, and reads as 0.
     void setParameterSlider(int id, float value);
     float getParameterSlider(int id) const;
@@ -40,6 +42,9 @@ public:
     int addState(const jString& name, int value);
     /// The id of the state with that name, or −1.
     int findStateID(const jString& name) const;
+    int getNumStates() const { return m_states.size(); }
+    /// Of an id below the number.
+    const jString& getStateName(int id) const { return m_states[id].name; }
     /// An id out of range is ignored, and reads as 0.
     void setStateValue(int id, int value);
     int getStateValue(int id) const;

@@ -40,6 +40,10 @@ public:
     int getNumSurfaces() const { return static_cast<int>(m_surfaces.size()); }
     const Surface& getSurface(int i) const { return m_surfaces[static_cast<std::size_t>(i)]; }
     const BoundSphere& getBounds() const { return m_bounds; }
+    /// The corners of the box around all positions, along the mesh's own axes; zero when there is
+    /// none.
+    const vec3& getLowest() const { return m_lowest; }
+    const vec3& getHighest() const { return m_highest; }
     /// First crossing of a → b with a surface, as a parameter in [0, 1]; negative when none. Builds
     /// the surface's search tree on first use.
     double intersect(int surface, const dvec3& a, const dvec3& b) const;
@@ -47,6 +51,7 @@ public:
 private:
     std::vector<Surface> m_surfaces;
     BoundSphere m_bounds;
+    vec3 m_lowest, m_highest;
     mutable std::vector<Bvh> m_trees; ///< one a surface
 };
 

@@ -15,10 +15,10 @@ class Material;
 /// drawn and sets it back afterwards (`UISpriteViewport`); the renderer gets the material of a
 /// viewport by its name, between the two, and reads it.
 ///
-/// "post_radar" lays a fan over the picture, its apex at the middle of the lower edge: shown are
-/// the directions from the slider "min_angle" to the slider "max_angle", degrees clockwise from the
-/// left, so that 90 is ahead; the state "fan" 0 draws none. The angles are the flight simulation's,
-/// unchecked.
+/// "post_radar" takes a picture seen straight from above, the radar in its middle, and shows the
+/// half ahead as a fan, its apex at the middle of the lower edge: the directions from the slider
+/// "min_angle" to the slider "max_angle", degrees clockwise from the left, so that 90 is ahead. With
+/// the state "fan" 0 all directions are shown. The angles are the flight simulation's, unchecked.
 class RPost {
 public:
     /// The material, for `owner` to use until `FreeMaterial`; null when there is none of that name
