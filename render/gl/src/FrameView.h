@@ -22,7 +22,7 @@ struct FrameView {
     /// a perspective).
     ig::vec3 side_normals[4];
     float side_offsets[4] = {};
-    float pixel_angle = 0; ///< rad at the middle of the picture
+    float pixel_angle = 0; ///< rad at the middle of the picture; orthographic: metres
 
     FrameView() = default;
     /// `height` of the picture in pixels; `clip_control`: whether depth is clipped to 0..1 (else to

@@ -125,6 +125,8 @@ void bindTexture(int unit, const Texture& texture) {
 
 // ------------------------------------------------------------------ programs
 
+bool hasShader(std::string_view name) { return !findShader(name).empty(); }
+
 bool Program::build(std::string_view vertex_files, std::string_view fragment_files,
                     std::string_view variant) {
     destroy();

@@ -54,6 +54,9 @@ void makeTexture(Texture& texture, int width, int height, const TextureFormat& f
                  const void* pixels = nullptr);
 void bindTexture(int unit, const Texture& texture);
 
+/// Whether the library has a shader file of that name.
+bool hasShader(std::string_view name);
+
 /// A linked pair of shaders.
 class Program {
 public:
@@ -69,6 +72,7 @@ public:
                std::string_view variant = {});
     void destroy();
     void use() const { glUseProgram(m_id); }
+    explicit operator bool() const { return m_id != 0; }
 
     // Uniforms of the program in use; one that the shader doesn't use is ignored.
     void set(const char* name, int value);
@@ -77,6 +81,8 @@ public:
     void set(const char* name, const ig::vec3& value);
     void set(const char* name, const ig::vec4& value);
     void set(const char* name, const ig::vec4* values, int count);
+    /// Looked up anew: for names that the program doesn't outlive. −1 for one that isn't used.
+    GLint find(const char* name) const { return glGetUniformLocation(m_id, name); }
 
 private:
     GLint locate(const char* name);

@@ -16,9 +16,10 @@
 #include "Targets.h"
 #include "TerrainPass.h"
 #include "UiPass.h"
+#include "ViewportPass.h"
 #include "WakePass.h"
 #include "ig/base/jLog.h"
-#include "ig/scene/Node.h"
+#include "ig/scene/Camera.h"
 #include "plugins/ocean/ObjectOcean.h"
 
 #include <algorithm>
@@ -39,6 +40,7 @@ double now() {
 class PassClock {
 public:
     bool on = false;
+    bool paused = false; ///< marks are parts of a pass that is measured as a whole
     std::vector<PassTime> times;
 
     void begin() {
@@ -47,7 +49,7 @@ public:
     }
     /// Ends a pass: books the time since the last mark under `name`.
     void mark(const char* name) {
-        if (!on) return;
+        if (!on || paused) return;
         glFinish();
         const double t = now();
         times.push_back({name, (t - m_last) * 1e3});
@@ -70,6 +72,7 @@ struct RendererGL::Impl {
     void drawShadows();
     void drawScene();
     void finishPicture();
+    void drawPicture(const World& world, const Camera& camera, const FrameInfo& frame, Targets& to);
     void present();
 
     Surface surface;
@@ -78,6 +81,7 @@ struct RendererGL::Impl {
     jString device;
     HeadlessContext context; // before all that lives in it
     Targets targets;
+    Targets* canvas = &targets; ///< what the passes draw into
     gl::Buffer block_buffer;
     gl::VertexArray empty;
     gl::Program tonemap, fxaa;
@@ -89,6 +93,7 @@ struct RendererGL::Impl {
     SpritePass sprites;
     WakePass wakes;
     UiPass ui;
+    ViewportPass viewports;
     Downwash wash;
     gl::Texture noise;
     SceneList list;
@@ -134,7 +139,7 @@ bool RendererGL::Impl::initPasses() {
     const bool software = std::strstr(device.c_str(), "llvmpipe") != nullptr;
     return tonemap.build("screen.vert", "tonemap.frag") && fxaa.build("screen.vert", "fxaa.frag") &&
            sky.init(software ? 512 : 1024) && shadow.init() && meshes.init() && terrain.init() &&
-           sprites.init() && wakes.init() && ui.init() &&
+           sprites.init() && wakes.init() && ui.init() && viewports.init() &&
            (software ? ocean.init(128, 90) : ocean.init(320, 240));
 }
 
@@ -150,6 +155,7 @@ void RendererGL::release() {
     r.sprites.release();
     r.wakes.release();
     r.ui.release();
+    r.viewports.release();
     r.noise.destroy();
     r.tonemap.destroy();
     r.fxaa.destroy();
@@ -190,6 +196,23 @@ void RendererGL::render(const World& world, const Camera& camera, const FrameInf
 void RendererGL::Impl::renderScene(const World& world, const Camera& camera,
                                    const FrameInfo& frame) {
     clock.begin();
+    viewports.update(frame, noise, [this, &frame](const World& w, const Camera& c, Targets& to) {
+        clock.paused = true;
+        drawPicture(w, c, frame, to);
+        clock.paused = false;
+    });
+    clock.mark("viewports");
+    drawPicture(world, camera, frame, targets);
+    if (frame.ui) ui.draw(*frame.ui, viewports, targets.width(), targets.height());
+    clock.mark("ui");
+    present();
+    clock.mark("present");
+}
+
+/// The scene as that camera sees it, without user interface.
+void RendererGL::Impl::drawPicture(const World& world, const Camera& camera, const FrameInfo& frame,
+                                   Targets& to) {
+    canvas = &to;
     prepare(world, camera, frame);
     clock.mark("prepare");
     drawShadows();
@@ -199,24 +222,25 @@ void RendererGL::Impl::renderScene(const World& world, const Camera& camera,
     drawScene();
     finishPicture();
     clock.mark("picture");
-    if (frame.ui) ui.draw(*frame.ui, targets.width(), targets.height());
-    clock.mark("ui");
-    present();
-    clock.mark("present");
 }
 
 /// Everything that the passes read: the view, the light, what is seen.
 void RendererGL::Impl::prepare(const World& world, const Camera& camera, const FrameInfo& frame) {
-    view = FrameView(camera, targets.sceneHeight(), gl::hasClipControl());
+    view = FrameView(camera, canvas->sceneHeight(), gl::hasClipControl());
     block.projection = view.projection;
     block.view = view.view;
-    const auto w = static_cast<float>(targets.sceneWidth());
-    const auto h = static_cast<float>(targets.sceneHeight());
+    const auto w = static_cast<float>(canvas->sceneWidth());
+    const auto h = static_cast<float>(canvas->sceneHeight());
     block.screen = {w, h, 1 / w, 1 / h};
-    block.time = {static_cast<float>(std::fmod(frame.time, 4096)), view.pixel_angle, 0, 0};
+    // Parallel rays: as if the pixels' size held at the ground below.
+    const float pixel_angle =
+        view.orthographic ? view.pixel_angle / std::max(static_cast<float>(view.geodetic.z), 1.0f)
+                          : view.pixel_angle;
+    block.time = {static_cast<float>(std::fmod(frame.time, 4096)), pixel_angle, 0, 0};
     sky.update(view, frame, block);
     const vec3 center = frame.focus ? vec3(view.toFrame(frame.focus->getWorldPosition())) : vec3();
     shadow.place(center, block);
+    list.left_out = camera.getType() == NODE_CAMERA_RADAR ? frame.focus : nullptr;
     list.gather(world, view, center, ShadowMap::RADIUS);
     sprites.gather(view, frame.particles, list.lamps);
     wakes.gather(view, frame.particles, list.decals);
@@ -246,8 +270,8 @@ void RendererGL::Impl::drawShadows() {
 /// Opaque first and near first, so that hidden pixels cost nothing; then the sky where nothing is;
 /// then what lets light through.
 void RendererGL::Impl::drawScene() {
-    glBindFramebuffer(GL_FRAMEBUFFER, targets.scene_target.id());
-    glViewport(0, 0, targets.sceneWidth(), targets.sceneHeight());
+    glBindFramebuffer(GL_FRAMEBUFFER, canvas->scene_target.id());
+    glViewport(0, 0, canvas->sceneWidth(), canvas->sceneHeight());
     glEnable(GL_DEPTH_TEST);
     glClear(GL_DEPTH_BUFFER_BIT);
     meshes.drawOpaque();
@@ -268,18 +292,18 @@ void RendererGL::Impl::drawScene() {
 void RendererGL::Impl::finishPicture() {
     glDisable(GL_DEPTH_TEST);
     glBindVertexArray(empty.id());
-    glBindFramebuffer(GL_FRAMEBUFFER, targets.toned_target.id());
+    glBindFramebuffer(GL_FRAMEBUFFER, canvas->toned_target.id());
     tonemap.use();
     tonemap.set("uPicture", gl::UNIT_FIRST_OWN);
-    gl::bindTexture(gl::UNIT_FIRST_OWN, targets.light);
+    gl::bindTexture(gl::UNIT_FIRST_OWN, canvas->light);
     glDrawArrays(GL_TRIANGLES, 0, 3);
 
-    glBindFramebuffer(GL_FRAMEBUFFER, targets.finished_target.id());
-    glViewport(0, 0, targets.width(), targets.height());
+    glBindFramebuffer(GL_FRAMEBUFFER, canvas->finished_target.id());
+    glViewport(0, 0, canvas->width(), canvas->height());
     fxaa.use();
     fxaa.set("uPicture", gl::UNIT_FIRST_OWN);
     fxaa.set("uTexel", vec2{block.screen.z, block.screen.w});
-    gl::bindTexture(gl::UNIT_FIRST_OWN, targets.toned);
+    gl::bindTexture(gl::UNIT_FIRST_OWN, canvas->toned);
     glDrawArrays(GL_TRIANGLES, 0, 3);
 }
 

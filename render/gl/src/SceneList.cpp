@@ -32,7 +32,7 @@ void SceneList::gather(const World& world, const FrameView& view, const vec3& sh
 }
 
 void SceneList::visit(const Node& node) {
-    if (!node.isEnabled()) return;
+    if (!node.isEnabled() || &node == left_out) return;
     visited++;
     switch (node.getType()) {
     case OBJECT_MESH:

@@ -42,6 +42,8 @@ public:
     void gather(const ig::World& world, const FrameView& view, const ig::vec3& shadow_center,
                 float shadow_radius);
 
+    const ig::Node* left_out = nullptr; ///< set before `gather`: with all below it; null: none
+
     std::vector<MeshItem> opaque;      ///< near batches first; equal mesh, surface, look adjoin
     std::vector<MeshItem> transparent; ///< far to near
     std::vector<MeshItem> casters;     ///< opaque ones near the shadow's centre

@@ -146,7 +146,7 @@ void TerrainPass::visit(const FrameView& view, const TerrainGrid& grid, const Sq
         static_cast<float>(std::hypot(metres.x * columns, metres.y * rows) / 2 + (high - low) / 2 +
                            1 + metres.y * metres.y * size * size / 5e7); // the earth bends away
     if (!view.sees(center, radius)) return;
-    const float distance = std::max(length(center) - radius, 1.0f);
+    const float distance = view.orthographic ? 1 : std::max(length(center) - radius, 1.0f);
     const auto cell = static_cast<float>(metres.y * square.step);
     if (square.step > 1 && cell > CELL_PIXELS * view.pixel_angle * distance) {
         const int half = CELLS * square.step / 2;

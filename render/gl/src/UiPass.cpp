@@ -2,6 +2,7 @@
 #include "UiPass.h"
 
 #include "ImageFile.h"
+#include "ViewportPass.h"
 #include "ig/ui/UiDrawList.h"
 
 #include <cmath>
@@ -89,7 +90,7 @@ float UiPass::getTextWidth(float size, std::string_view utf8) {
     return width;
 }
 
-void UiPass::draw(const UiDrawList& list, int width, int height) {
+void UiPass::draw(const UiDrawList& list, const ViewportPass& viewports, int width, int height) {
     m_vertices.clear();
     m_runs.clear();
     for (const UiDrawList::Command& c : list.commands()) {
@@ -104,8 +105,11 @@ void UiPass::draw(const UiDrawList& list, int width, int height) {
         case UiDrawList::Kind::image:
             addQuad(&findImage(list.text(c)), low, high, {0, 0}, {1, 1}, c.rgba);
             break;
-        case UiDrawList::Kind::viewport: // dark until somebody draws for it
-            addQuad(nullptr, low, high, solid, solid, {0, 0.02f, 0, 0.9f});
+        case UiDrawList::Kind::viewport: // a rendered picture's rows come from the bottom
+            if (const gl::Texture* picture = viewports.find(c.viewport))
+                addQuad(picture, low, high, {0, 1}, {1, 0}, c.rgba);
+            else
+                addQuad(nullptr, low, high, solid, solid, {0, 0, 0, 1});
             break;
         }
     }

@@ -10,6 +10,7 @@
 namespace ig {
 class UiDrawList;
 }
+class ViewportPass;
 
 /// Draws the user interface over the finished picture. Rectangles and texts between two images go
 /// in one call.
@@ -20,7 +21,7 @@ public:
     /// Of a line as `draw` sets it, pixels.
     float getTextWidth(float size, std::string_view utf8);
     /// Onto the bound framebuffer of that size.
-    void draw(const ig::UiDrawList& list, int width, int height);
+    void draw(const ig::UiDrawList& list, const ViewportPass& viewports, int width, int height);
 
 private:
     struct Vertex {

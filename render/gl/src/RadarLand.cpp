@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+#include "RadarLand.h"
+
+#include "ig/math/EllipsoidModel.h"
+#include "plugins/terrain/ObjectTerrain.h"
+
+#include <algorithm>
+#include <cmath>
+
+using namespace ig;
+
+namespace {
+
+constexpr int LARGEST = 1024;           ///< texels; finer detail is lost at a radar's resolution
+constexpr float SEA_BED = -20;          ///< m; also where there is no data
+constexpr float WET = 0.2f, DRY = 1.5f; ///< m: no land below, nothing but land above
+constexpr double DEGREE = EllipsoidModel::SEMI_MAJOR_AXIS * DEG_TO_RAD<double>; ///< m
+
+std::uint8_t toByte(float value) { // 0 to 1
+    return static_cast<std::uint8_t>(std::lround(std::clamp(value, 0.0f, 1.0f) * 255));
+}
+
+} // namespace
+
+void RadarLand::release() {
+    m_texture.destroy();
+    m_made_of = nullptr;
+}
+
+void RadarLand::adopt(const ObjectTerrain* terrain) {
+    static const TerrainGrid NONE;
+    m_terrain = terrain;
+    const TerrainGrid& grid = terrain ? terrain->getGrid() : NONE;
+    if (m_texture && grid.heights == m_made_of) return;
+    m_made_of = grid.heights;
+    fill(grid);
+}
+
+void RadarLand::fill(const TerrainGrid& grid) {
+    m_step = 1;
+    while (std::max(grid.columns, grid.rows) > LARGEST * m_step)
+        m_step *= 2;
+    m_columns = std::max((grid.columns + m_step - 1) / m_step, 1);
+    m_rows = std::max((grid.rows + m_step - 1) / m_step, 1);
+    std::vector<std::uint8_t> bytes(4 * static_cast<std::size_t>(m_columns) *
+                                    static_cast<std::size_t>(m_rows));
+    const auto height = [&grid](int column, int row) {
+        const float h = grid.getHeight(std::clamp(column, 0, grid.columns - 1),
+                                       std::clamp(row, 0, grid.rows - 1));
+        return TerrainGrid::isHole(h) ? SEA_BED : std::max(h, SEA_BED);
+    };
+    std::uint8_t* out = bytes.data();
+    for (int row = 0; row < grid.rows; row += m_step) {
+        const double latitude = (grid.north - row * grid.spacing_latitude) * DEG_TO_RAD<double>;
+        const double east = grid.spacing_longitude * std::max(std::cos(latitude), 0.01);
+        const auto across_east = static_cast<float>(2 * m_step * DEGREE * east);
+        const auto across_north = static_cast<float>(2 * m_step * DEGREE * grid.spacing_latitude);
+        for (int column = 0; column < grid.columns; column += m_step, out += 4) {
+            const float rise_east = height(column + m_step, row) - height(column - m_step, row);
+            const float rise_north = height(column, row - m_step) - height(column, row + m_step);
+            out[0] = toByte(0.5f + 0.5f * rise_east / across_east);
+            out[1] = toByte(0.5f + 0.5f * rise_north / across_north);
+            out[2] = toByte((height(column, row) - WET) / (DRY - WET));
+        }
+    }
+    gl::TextureFormat format;
+    format.filter = GL_LINEAR_MIPMAP_NEAREST; // the level is chosen for the whole picture
+    gl::makeTexture(m_texture, m_columns, m_rows, format, bytes.data());
+    glGenerateMipmap(GL_TEXTURE_2D);
+}
+
+/// Texture coordinates grow linearly with the distance, with second-order terms for the meridians'
+/// convergence: 20 m off at most at 30 km.
+void RadarLand::bind(gl::Program& program, const FrameView& view, float texel) const {
+    gl::bindTexture(gl::UNIT_FIRST_OWN, m_texture);
+    const TerrainGrid* grid = m_terrain ? &m_terrain->getGrid() : nullptr;
+    if (!grid || grid->empty()) {
+        program.set("uRaster", vec4(-1, -1, 0, 0)); // outside, everywhere
+        program.set("uDetail", 0.0f);
+        return;
+    }
+    const double latitude = view.geodetic.y * DEG_TO_RAD<double>;
+    constexpr double F = EllipsoidModel::FLATTENING, E2 = F * (2 - F);
+    const double w = 1 - E2 * std::sin(latitude) * std::sin(latitude);
+    const double prime = EllipsoidModel::SEMI_MAJOR_AXIS / std::sqrt(w); // radii of curvature
+    const double meridian = prime * (1 - E2) / w;
+    const double tangent = std::tan(latitude), cosine = std::max(std::cos(latitude), 1e-3);
+    program.set("uBend", vec2{static_cast<float>(tangent / meridian),
+                              static_cast<float>(tangent / (2 * prime))});
+    const double column = 1 / (grid->spacing_longitude * m_step); // texels per degree
+    const double row = 1 / (grid->spacing_latitude * m_step);
+    const double east = std::remainder(view.geodetic.x - grid->west, 360);
+    const double south = grid->north - view.geodetic.y;
+    const double per_east = column / (prime * cosine * DEG_TO_RAD<double>);
+    const double per_north = row / (meridian * DEG_TO_RAD<double>);
+    program.set("uRaster", vec4(static_cast<float>((east * column + 0.5) / m_columns),
+                                static_cast<float>((south * row + 0.5) / m_rows),
+                                static_cast<float>(per_east / m_columns),
+                                static_cast<float>(-per_north / m_rows)));
+    const double level = std::log2(std::max(static_cast<double>(texel) * per_north, 1.0));
+    program.set("uDetail", static_cast<float>(std::floor(level)));
+}

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "FrameView.h"
+#include "GlObjects.h"
+
+class ObjectTerrain;
+struct TerrainGrid;
+
+/// The land as a radar needs it: a texture of the terrain's raster with the slope towards east and
+/// north (−1 to 1 over red and green) and whether there is land at all (blue), made once per
+/// terrain. The device averages its levels, so that a coarse picture sees mean slopes.
+class RadarLand {
+public:
+    /// Keeps the texture of the present terrain, null for none, on the device.
+    void adopt(const ObjectTerrain* terrain);
+    void release();
+    /// Sets the uniforms of shaders/radar.frag that tell where the view's nadir lies in the texture
+    /// and how places around it do, for a picture whose texels are that large (m); binds it.
+    void bind(gl::Program& program, const FrameView& view, float texel) const;
+
+private:
+    void fill(const TerrainGrid& grid);
+
+    gl::Texture m_texture;
+    int m_columns = 1, m_rows = 1; ///< texels
+    int m_step = 1;                ///< samples of the raster per texel
+    const float* m_made_of = nullptr;
+    const ObjectTerrain* m_terrain = nullptr;
+};

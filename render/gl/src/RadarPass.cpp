@@ -1,0 +1,227 @@
+// SPDX-License-Identifier: MIT
+#include "RadarPass.h"
+
+#include "ig/app/Renderer.h"
+#include "ig/math/EllipsoidModel.h"
+#include "ig/scene/Mesh.h"
+#include "ig/scene/SceneObjects.h"
+#include "ig/scene/World.h"
+#include "plugins/ocean/ObjectOcean.h"
+#include "plugins/terrain/ObjectTerrain.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+using namespace ig;
+
+namespace {
+
+constexpr double EARTH_RADIUS = 6371000;
+
+constexpr float LEAST_TEXELS = 2.2f;   ///< half the edge of the smallest rectangle
+constexpr float BLIND_RANGE = 150;     ///< m: the radar still sends when nearer echoes come back
+constexpr float FLAT = 2;              ///< m: what is lower reflects everything away
+constexpr float FULL_SIDE = 20;        ///< m: edge of a wall that is as bright as can be
+constexpr float LEAST_STRENGTH = 0.1f; ///< weaker targets are lost in the noise
+
+// Periods of the two layers of noise that make the cells, m. Not in a simple ratio, so that the sum
+// doesn't repeat within a picture.
+constexpr double CELLS_WIDE = 41000, CELLS_FINE = 17300;
+constexpr double SPECKLE_EDGE = 900;                ///< period of the speckle, m
+constexpr float SPECKLE_TEXEL = SPECKLE_EDGE / 256; ///< of the noise, m
+constexpr double DEGREE = EllipsoidModel::SEMI_MAJOR_AXIS * DEG_TO_RAD<double>; ///< m
+
+float fraction(double x) { return static_cast<float>(x - std::floor(x)); }
+
+} // namespace
+
+bool RadarPass::init() {
+    m_empty.create();
+    m_corner_array.create();
+    m_corner_buffer.create();
+    glBindVertexArray(m_corner_array.id());
+    glBindBuffer(GL_ARRAY_BUFFER, m_corner_buffer.id());
+    glEnableVertexAttribArray(0);
+    glEnableVertexAttribArray(1);
+    glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, sizeof(Corner), nullptr);
+    glVertexAttribPointer(1, 1, GL_FLOAT, GL_FALSE, sizeof(Corner),
+                          reinterpret_cast<const void*>(offsetof(Corner, strength)));
+    if (!m_ground.build("screen.vert", "radar.frag") ||
+        !m_target.build("radar_target.vert", "radar_target.frag"))
+        return false;
+    m_ground.use();
+    m_ground.set("uLand", gl::UNIT_FIRST_OWN);
+    return true;
+}
+
+void RadarPass::release() {
+    m_ground.destroy();
+    m_target.destroy();
+    m_empty.destroy();
+    m_corner_array.destroy();
+    m_corner_buffer.destroy();
+    m_land.release();
+}
+
+void RadarPass::draw(const World& world, const FrameView& view, const FrameInfo& frame,
+                     const gl::Texture& noise, float gain) {
+    m_pictures++;
+    gain = std::isfinite(gain) ? std::clamp(gain, 0.0f, 1e6f) : 0;
+    m_corners.clear();
+    m_ocean = nullptr;
+    m_terrain = nullptr;
+    for (const Node* node : world.getNodes())
+        gather(*node, frame, view);
+    m_land.adopt(m_terrain);
+    moveCells(view, frame);
+    glDisable(GL_DEPTH_TEST);
+    glDisable(GL_BLEND);
+    drawGround(view, frame, noise, gain);
+    drawTargets(gain);
+}
+
+// ------------------------------------------------------------------ what the world holds
+
+void RadarPass::gather(const Node& node, const FrameInfo& frame, const FrameView& view) {
+    if (!node.isEnabled() || &node == frame.focus) return;
+    if (node.getType() == OBJECT_MESH)
+        addTarget(static_cast<const ObjectMesh&>(node), view);
+    else if (node.getType() == OBJECT_OCEAN)
+        m_ocean = static_cast<const ObjectOcean*>(&node);
+    else if (node.getType() == OBJECT_TERRAIN)
+        m_terrain = static_cast<const ObjectTerrain*>(&node);
+    for (int i = 0; i < node.getNumChildren(); i++)
+        gather(*node.getChild(i), frame, view);
+}
+
+/// The footprint of the mesh's bounds: a rectangle along its own X and Y, taken as level.
+void RadarPass::addTarget(const ObjectMesh& object, const FrameView& view) {
+    const Mesh& mesh = *object.getMesh();
+    if (mesh.getBounds().isEmpty()) return;
+    const vec3 half = (mesh.getHighest() - mesh.getLowest()) / 2;
+    const mat4 transform = view.toFrame(object.getWorldTransform());
+    const vec3 center = transform * ((mesh.getHighest() + mesh.getLowest()) / 2);
+    const vec3 x = transform.getX() * half.x, y = transform.getY() * half.y;
+    const float height =
+        2 * (std::abs(x.z) + std::abs(y.z) + std::abs(transform.getZ().z * half.z));
+    const float width = 2 * std::max(std::hypot(x.x, x.y), std::hypot(y.x, y.y));
+    const float strength = std::min(std::sqrt(height * width) / FULL_SIDE, 1.0f);
+    if (height < FLAT || strength < LEAST_STRENGTH) return;
+    if (std::hypot(center.x, center.y) < BLIND_RANGE + width / 2) return;
+    const float texel = view.pixel_angle * (view.orthographic ? 1 : length(center));
+    const float least = LEAST_TEXELS * texel;
+    const auto widen = [least](const vec3& edge, const vec3& otherwise) {
+        const float now = std::hypot(edge.x, edge.y);
+        return now > 1e-3f ? vec3(edge.x, edge.y, 0) * std::max(1.0f, least / now)
+                           : otherwise * least;
+    };
+    addRectangle(center, widen(x, {1, 0, 0}), widen(y, {0, 1, 0}), strength, view);
+}
+
+/// From its middle and the way to the middle of two of its sides (E).
+void RadarPass::addRectangle(const vec3& center, const vec3& x, const vec3& y, float strength,
+                             const FrameView& view) {
+    const auto& p = view.projection.columns;
+    const auto add = [&](const vec3& corner) {
+        const vec3 eye = view.view * corner;
+        m_corners.push_back({{p[0].x * eye.x + p[2].x * eye.z + p[3].x,
+                              p[1].y * eye.y + p[2].y * eye.z + p[3].y, p[2].w * eye.z + p[3].w},
+                             strength});
+    };
+    for (const auto& [a, b] : {std::pair(x, y), std::pair(-x, -y)}) {
+        add(center + a + b);
+        add(center + a - b);
+        add(center - a + b);
+    }
+}
+
+// ------------------------------------------------------------------ the sea
+
+/// Clutter at the radar itself, where it ends, and where the waves come from.
+void RadarPass::setSea(float texel) {
+    vec4 sea;
+    if (m_ocean) {
+        const OceanFrame& frame = m_ocean->getFrame();
+        const auto height = static_cast<float>(frame.significant_height);
+        const double from = frame.wave_direction * DEG_TO_RAD<double>;
+        sea = vec4(std::min(0.1f + 0.4f * height, 0.95f) * std::min(height / 0.1f, 1.0f),
+                   std::min(2000 + 3000 * height, 14000.0f), static_cast<float>(std::sin(from)),
+                   static_cast<float>(std::cos(from)));
+    }
+    m_ground.set("uSea", sea);
+    // The speckle is another one in each picture.
+    const double step = m_pictures * 0.618033988749895;
+    m_ground.set("uSpeckle",
+                 vec4(static_cast<float>(1 / SPECKLE_EDGE), fraction(step), fraction(step * 1.7),
+                      std::floor(std::log2(std::max(texel / SPECKLE_TEXEL, 1.0f)))));
+}
+
+// ------------------------------------------------------------------ precipitation
+
+/// The cells lie in a plane of metres east and north that belongs to the earth, and drift in it.
+void RadarPass::moveCells(const FrameView& view, const FrameInfo& frame) {
+    if (std::abs(view.geodetic.y - m_cells_latitude) > 3) m_cells_latitude = view.geodetic.y;
+    const double step = std::clamp(frame.time - m_drift_time, 0.0, 3600.0);
+    m_drift.x += static_cast<double>(frame.wind.x) * step;
+    m_drift.y += static_cast<double>(frame.wind.y) * step;
+    m_drift_time = frame.time;
+    const double longitude_scale = DEGREE * std::cos(m_cells_latitude * DEG_TO_RAD<double>);
+    m_cells_place = {view.geodetic.x * longitude_scale - m_drift.x,
+                     view.geodetic.y * DEGREE - m_drift.y};
+}
+
+/// The field of noise is spread evenly between 0 and 1: the threshold is the share that stays dry.
+void RadarPass::setCells(const FrameInfo& frame) {
+    const float amount = std::clamp(std::max({frame.rain, frame.snow, frame.hail}), 0.0f, 1.0f);
+    const float power = std::max({frame.rain, 0.3f * frame.snow, 1.3f * frame.hail});
+    m_ground.set("uRain",
+                 vec4(0.74f - 0.34f * amount, amount > 0 ? 0.45f + 0.85f * power : 0, 0, 0));
+    const dvec2& p = m_cells_place;
+    m_ground.set("uCells", vec4(fraction(p.x / CELLS_WIDE), fraction(p.y / CELLS_WIDE),
+                                fraction(p.y / CELLS_FINE), fraction(p.x / CELLS_FINE)));
+    m_ground.set("uCellScale",
+                 vec2{static_cast<float>(1 / CELLS_WIDE), static_cast<float>(1 / CELLS_FINE)});
+}
+
+// ------------------------------------------------------------------ drawing
+
+void RadarPass::drawGround(const FrameView& view, const FrameInfo& frame, const gl::Texture& noise,
+                           float gain) {
+    m_ground.use();
+    // Place in the picture, −1 to 1, to the eye's axes: a direction, or an origin of parallel rays.
+    const auto& p = view.projection.columns;
+    const vec2 shift = view.orthographic ? vec2{-p[3].x, -p[3].y} : vec2{p[2].x, p[2].y};
+    m_ground.set("uRay", vec4(1 / p[0].x, 1 / p[1].y, shift.x / p[0].x, shift.y / p[1].y));
+    const auto& c = view.view.columns; // its rows are the eye's axes in E
+    m_ground.set("uRight", vec3(c[0].x, c[1].x, c[2].x));
+    m_ground.set("uUp", vec3(c[0].y, c[1].y, c[2].y));
+    m_ground.set("uBack", vec3(c[0].z, c[1].z, c[2].z));
+    const auto altitude = static_cast<float>(view.geodetic.z);
+    const float texel = view.pixel_angle * (view.orthographic ? 1 : std::max(altitude, 1.0f));
+    m_ground.set("uSite", vec4(altitude, static_cast<float>(0.5 / EARTH_RADIUS), texel, gain));
+    m_ground.set("uParallel", view.orthographic ? 1 : 0);
+    m_ground.set("uBlind", BLIND_RANGE);
+    m_land.bind(m_ground, view, texel);
+    setSea(texel);
+    setCells(frame);
+    gl::bindTexture(gl::UNIT_NOISE, noise);
+    glBindVertexArray(m_empty.id());
+    glDrawArrays(GL_TRIANGLES, 0, 3);
+}
+
+/// Of two echoes from one place the stronger counts.
+void RadarPass::drawTargets(float gain) {
+    if (m_corners.empty()) return;
+    m_target.use();
+    m_target.set("uGain", gain);
+    glBindVertexArray(m_corner_array.id());
+    glBindBuffer(GL_ARRAY_BUFFER, m_corner_buffer.id());
+    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(m_corners.size() * sizeof(Corner)),
+                 m_corners.data(), GL_STREAM_DRAW);
+    glEnable(GL_BLEND);
+    glBlendEquation(GL_MAX);
+    glDrawArrays(GL_TRIANGLES, 0, static_cast<GLsizei>(m_corners.size()));
+    glBlendEquation(GL_FUNC_ADD);
+    glDisable(GL_BLEND);
+}

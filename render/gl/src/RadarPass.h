@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "FrameView.h"
+#include "GlObjects.h"
+#include "RadarLand.h"
+
+#include <vector>
+
+namespace ig {
+class Node;
+class ObjectMesh;
+class World;
+struct FrameInfo;
+} // namespace ig
+class ObjectOcean;
+class ObjectTerrain;
+
+/// Vision mode 3: what a weather radar at the camera's place sees, in the camera's projection and
+/// in shades of one green, black without any echo. Nothing of the scene itself is drawn; one pass
+/// over the picture finds for each texel the place on earth and what returns from there:
+/// - land, by its slope: what rises away from the radar faces it;
+/// - sea clutter near the radar, the farther out and the stronger the higher the waves, stronger
+///   against them;
+/// - precipitation in four steps, from a field of cells that belongs to the place on earth and
+///   drifts with the wind. How much of it is wet, and how strong, is the frame's rain, snow (the
+///   weakest) and hail (the strongest).
+///
+/// Then what stands up from the ground is laid over it, brighter the more it shows to the side:
+/// each mesh of some size, as the rectangle of its bounds, never smaller than a few texels, so that
+/// a ship is seen at any range. The frame's focus, the radar's own helicopter, is left out.
+///
+/// The gain multiplies every echo before it is cut off at full brightness.
+class RadarPass {
+public:
+    bool init();
+    void release();
+    /// Onto the bound framebuffer, whose viewport is set, and within the scissor.
+    void draw(const ig::World& world, const FrameView& view, const ig::FrameInfo& frame,
+              const gl::Texture& noise, float gain);
+
+private:
+    struct Corner {     ///< of a target's rectangle
+        ig::vec3 place; ///< x, y, w in clip space
+        float strength;
+    };
+
+    void gather(const ig::Node& node, const ig::FrameInfo& frame, const FrameView& view);
+    void addTarget(const ig::ObjectMesh& object, const FrameView& view);
+    void addRectangle(const ig::vec3& center, const ig::vec3& x, const ig::vec3& y, float strength,
+                      const FrameView& view);
+    void moveCells(const FrameView& view, const ig::FrameInfo& frame);
+    void drawGround(const FrameView& view, const ig::FrameInfo& frame, const gl::Texture& noise,
+                    float gain);
+    void setSea(float texel);
+    void setCells(const ig::FrameInfo& frame);
+    void drawTargets(float gain);
+
+    gl::Program m_ground, m_target;
+    gl::VertexArray m_empty, m_corner_array;
+    gl::Buffer m_corner_buffer;
+    RadarLand m_land;
+
+    const ObjectTerrain* m_terrain = nullptr; ///< of the present world
+    const ObjectOcean* m_ocean = nullptr;     ///< of the present world
+    std::vector<Corner> m_corners;
+
+    double m_cells_latitude = 1e9; ///< where the plane of the cells is true, degrees
+    ig::dvec2 m_cells_place;       ///< of the radar in the drifting plane, m
+    ig::dvec2 m_drift;             ///< of the cells since the first picture, m east and north
+    double m_drift_time = 0;       ///< scene time that the drift stands at, s
+    int m_pictures = 0;
+};
