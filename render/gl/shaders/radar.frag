@@ -10,7 +10,7 @@ uniform float uBlind;     // m
 uniform vec4 uRaster;     // the nadir's place in the land; texture coordinates per metre
 uniform vec2 uBend;       // second-order terms of that
 uniform vec4 uSea;        // clutter at the radar; its reach, m; where the waves come from
-uniform vec4 uSpeckle;    // 1 / edge, 1/m; shift; level of detail
+uniform vec3 uSpeckle;    // 1 / edge of a grain, 1/m; shift
 uniform float uDetail;    // level of detail of the land
 uniform vec4 uRain;       // share that stays dry; strength
 uniform vec4 uCells;      // the nadir's place in the two layers of cells
@@ -30,7 +30,7 @@ float landEcho(vec2 p, vec2 outward, float speckle) {
 float seaEcho(vec2 outward, float range, float speckle) {
     float near = max(1.0 - range / max(uSea.y, 1.0), 0.0);
     float against = 1.0 + 0.35 * dot(outward, uSea.zw);
-    return uSea.x * near * near * against * (0.15 + 1.7 * speckle * speckle);
+    return uSea.x * near * near * against * (0.2 + 1.5 * speckle * speckle);
 }
 
 // Four steps, as a radar's display tells them apart.
@@ -54,7 +54,7 @@ void main() {
     float range = length(p);
     vec2 outward = p / max(range, 1.0);
 
-    float speckle = textureLod(uNoise, p * uSpeckle.x + uSpeckle.yz, uSpeckle.w).x;
+    float speckle = hash(floor(p * uSpeckle.x) + uSpeckle.yz);
     float land = landEcho(p, outward, speckle);
     float sea = land > 0.0 ? 0.0 : seaEcho(outward, range, speckle);
     float echo = max(clamp(max(land, sea) * uSite.w, 0.0, 0.9), rainEcho(p));

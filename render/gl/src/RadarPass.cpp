@@ -28,8 +28,7 @@ constexpr float LEAST_STRENGTH = 0.1f; ///< weaker targets are lost in the noise
 // Periods of the two layers of noise that make the cells, m. Not in a simple ratio, so that the sum
 // doesn't repeat within a picture.
 constexpr double CELLS_WIDE = 41000, CELLS_FINE = 17300;
-constexpr double SPECKLE_EDGE = 900;                ///< period of the speckle, m
-constexpr float SPECKLE_TEXEL = SPECKLE_EDGE / 256; ///< of the noise, m
+constexpr float GRAIN = 60; ///< smallest edge of the speckle's grains, m
 constexpr double DEGREE = EllipsoidModel::SEMI_MAJOR_AXIS * DEG_TO_RAD<double>; ///< m
 
 float fraction(double x) { return static_cast<float>(x - std::floor(x)); }
@@ -153,8 +152,7 @@ void RadarPass::setSea(float texel) {
     // The speckle is another one in each picture.
     const double step = m_pictures * 0.618033988749895;
     m_ground.set("uSpeckle",
-                 vec4(static_cast<float>(1 / SPECKLE_EDGE), fraction(step), fraction(step * 1.7),
-                      std::floor(std::log2(std::max(texel / SPECKLE_TEXEL, 1.0f)))));
+                 vec3(1 / std::max(texel, GRAIN), 91 * fraction(step), 91 * fraction(1.7 * step)));
 }
 
 // ------------------------------------------------------------------ precipitation
