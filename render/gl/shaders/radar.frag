@@ -33,11 +33,12 @@ float seaEcho(vec2 outward, float range, float speckle) {
     return uSea.x * near * near * against * (0.2 + 1.5 * speckle * speckle);
 }
 
-// Four steps, as a radar's display tells them apart.
-float rainEcho(vec2 p) {
+// Four steps, as a radar's display tells them apart. The speckle hides the field's own 256 steps,
+// which would draw contours where it is flat.
+float rainEcho(vec2 p, float speckle) {
     float wide = textureLod(uNoise, p * uCellScale.x + uCells.xy, 0.0).y;
     float fine = textureLod(uNoise, p.yx * uCellScale.y + uCells.zw, 0.0).y;
-    float field = 0.62 * wide + 0.38 * fine;
+    float field = 0.62 * wide + 0.38 * fine + 0.01 * (speckle - 0.5);
     float echo = clamp((field - uRain.x) * 2.6, 0.0, 1.0) * uRain.y * uSite.w;
     float steps = min(ceil(min(echo, 1.0) * 4.0 - 0.2), 4.0);
     return steps > 0.0 ? 0.12 + 0.17 * steps : 0.0;
@@ -57,7 +58,7 @@ void main() {
     float speckle = hash(floor(p * uSpeckle.x) + uSpeckle.yz);
     float land = landEcho(p, outward, speckle);
     float sea = land > 0.0 ? 0.0 : seaEcho(outward, range, speckle);
-    float echo = max(clamp(max(land, sea) * uSite.w, 0.0, 0.9), rainEcho(p));
+    float echo = max(clamp(max(land, sea) * uSite.w, 0.0, 0.9), rainEcho(p, speckle));
     bool seen = range > uBlind && along.z < -0.01 * length(along);
     oColor = vec4(vec3(0.13, 1.0, 0.35) * (seen ? echo : 0.0), 1.0);
 }

@@ -66,7 +66,7 @@ void RadarPass::release() {
 void RadarPass::draw(const World& world, const FrameView& view, const FrameInfo& frame,
                      const gl::Texture& noise, float gain) {
     m_pictures++;
-    gain = std::isfinite(gain) ? std::clamp(gain, 0.0f, 1e6f) : 0;
+    gain = std::clamp(gain, 0.0f, 1e6f);
     m_corners.clear();
     m_ocean = nullptr;
     m_terrain = nullptr;
