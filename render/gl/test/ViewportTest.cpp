@@ -510,28 +510,21 @@ TEST_F(ViewportOf, APlainOneShowsItsOwnCamerasSceneWithoutInterface) {
     card->setSurfaceMaterial(0, material(RED, 3));
     m_scene.addNode(card);
     drawAnew();
-    const auto red = [this](double right, double up) { // metres from the axis at the card
-        const double scale = SIZE / 2.0 / (50 * std::tan(30 * DEG_TO_RAD<double>));
-        const std::uint8_t* p = m_picture.at(static_cast<int>(SIZE / 2.0 + right * scale),
-                                             static_cast<int>(SIZE / 2.0 - up * scale));
+    const auto red = [this](double right, double up, double pixels) { // metres; pixels per metre
+        const std::uint8_t* p = m_picture.at(static_cast<int>(SIZE / 2.0 + right * pixels),
+                                             static_cast<int>(SIZE / 2.0 - up * pixels));
         return p[0] > 150 && p[1] < 90;
     };
-    EXPECT_TRUE(red(1, 1));
-    EXPECT_TRUE(red(19, 19));
-    EXPECT_FALSE(red(-1, 1));
-    EXPECT_FALSE(red(19, -1));
-    // The main view is what it is without the viewport, and the interface's own is not within it.
-    EXPECT_EQ(s_renderer->readDistance(0.75, 0.25), std::numeric_limits<double>::infinity());
+    const double at_card = SIZE / 2.0 / (50 * std::tan(30 * DEG_TO_RAD<double>));
+    EXPECT_TRUE(red(1, 1, at_card) && red(19, 19, at_card));
+    EXPECT_FALSE(red(-1, 1, at_card) || red(19, -1, at_card));
+    // The main view still is the main camera's: the card would be within it.
+    EXPECT_EQ(s_renderer->readDistance(0.6, 0.4), std::numeric_limits<double>::infinity());
 
     // Parallel rays: metres are metres at any distance.
     camera.setOrtho(40, 40, 1, 1000);
     card->setTransform(camera.getWorldTransform() * translate(dvec3(10, 10, -500)));
     drawAnew();
-    const auto is_red = [this](double right, double up) {
-        const std::uint8_t* p = m_picture.at(static_cast<int>(SIZE / 2.0 + right * SIZE / 80),
-                                             static_cast<int>(SIZE / 2.0 - up * SIZE / 80));
-        return p[0] > 150 && p[1] < 90;
-    };
-    EXPECT_TRUE(is_red(1, 1) && is_red(19, 19));
-    EXPECT_FALSE(is_red(-1, 1) || is_red(21, 10));
+    EXPECT_TRUE(red(1, 1, SIZE / 80.0) && red(19, 19, SIZE / 80.0));
+    EXPECT_FALSE(red(-1, 1, SIZE / 80.0) || red(21, 10, SIZE / 80.0));
 }
