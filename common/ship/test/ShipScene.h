@@ -83,6 +83,14 @@ public:
         ig::Engine::get()->setApp(this);
         sea = new SwellSea();
         world.addNode(sea);
+        water = sea;
+    }
+    /// Ships that are added from now on float on the channel's own sea.
+    void useOwnSea(float beaufort) {
+        water = new ObjectOcean();
+        water->setWgsPosition({LONGITUDE, LATITUDE, 0});
+        water->setBeaufort(beaufort);
+        world.addNode(water);
     }
     ~ShipScene() override {
         ships.clear();
@@ -108,7 +116,7 @@ public:
         place(prefab, 0, 0);
         // 500 m abreast of the last one.
         prefab->setWgsPosition({LONGITUDE + 0.005 * double(ships.size()), LATITUDE, 0});
-        ships.push_back(std::make_unique<Ship>(prefab, sea));
+        ships.push_back(std::make_unique<Ship>(prefab, water));
         ships.back()->setControlMode(2);
         ships.back()->setThrust(thrust);
         return *ships.back();
@@ -135,7 +143,8 @@ public:
 
     ig::ControlApp control;
     ig::World world;
-    SwellSea* sea; ///< the world's
+    SwellSea* sea;      ///< the world's
+    ObjectOcean* water; ///< what ships float on
     std::vector<std::unique_ptr<Ship>> ships;
 };
 
