@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include "heli/logic/HandOper.h"
-#include "heli/logic/records.h"
 #include "testkit/LogicScene.h"
 
 #include <gtest/gtest.h>
@@ -53,27 +52,6 @@ TEST(Commander, HandsSwingBetweenTheirLimitsTogether) {
     scene.frame(1);
     EXPECT_EQ(hands.m_angle, -45);
     EXPECT_EQ(hands.m_swing_dir, 1);
-}
-
-TEST(Cables, AnchorsArePinnedToTheirMountsAfterTheHelicopterMoved) {
-    LogicScene scene;
-    ASSERT_TRUE(scene.start());
-    auto* anchor = new Node();
-    auto* load = new ObjectPrefab("none.prefab");
-    scene.world->addNode(anchor);
-    scene.world->addNode(load);
-    scene.logic->m_winch_info->prefab = load;
-    scene.logic->m_winch_info->anchor = anchor;
-    UdpRecvData record = LogicScene::record();
-    record.heading = 90;
-    record.altitude = 100;
-    record.hang_enable = 1; // or the record would release it
-    scene.send(record);
-    scene.frame();
-    const dvec3 expected = scene.helicopterNode("winch")->getWorldPosition();
-    EXPECT_LT(length(anchor->getWorldPosition() - expected), 1e-8);
-    scene.logic->m_winch_info->anchor = nullptr; // a prefab without an anchor
-    scene.frame();
 }
 
 TEST(Views, F1CyclesAndEachModePlacesTheCamera) {

@@ -3,10 +3,8 @@
 // The host's records in, the feedback out.
 
 #include "heli/kit/UdpDataKit.h"
-#include "ig/net/SocketUDP.h"
 #include "testkit/LogicScene.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -136,26 +134,6 @@ TEST_F(LinkTest, BitPatternsOfAllKindsNeverHurt) {
     }
     EXPECT_TRUE(isFinite(heli().get_world_transform()));
     EXPECT_TRUE(isFinite(scene.camera.getTransform()));
-}
-
-TEST_F(LinkTest, FloodIsTakenInSharesAndNothingOfItIsLost) {
-    // As many as the granted buffer surely holds; the kernel counts about 2,304 bytes for a record.
-    const SocketStatistics& statistics = scene.logic->m_udp_recv->m_socket->getStatistics();
-    const int sent = std::min(2000, statistics.receive_buffer / 2400);
-    UdpRecvData record = LogicScene::record();
-    for (int i = 0; i < sent; i++) {
-        record.altitude = static_cast<float>(i);
-        scene.send(record);
-    }
-    int applied = 0;
-    const int key = 0;
-    scene.logic->m_sig_float_3.append({&key, [&](float) { applied++; }});
-    scene.frame();
-    EXPECT_EQ(applied, std::min(sent, 1024));
-    EXPECT_NEAR(scene.helicopterWgs().z, applied - 1, 1e-6);
-    scene.frame();
-    EXPECT_EQ(applied, sent);
-    EXPECT_NEAR(scene.helicopterWgs().z, sent - 1, 1e-6);
 }
 
 // ------------------------------------------------------------------ feedback

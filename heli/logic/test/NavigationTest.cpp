@@ -110,15 +110,6 @@ TEST_F(NavigationTest, MouseLookTurnsAboutTheVerticalAndTheCamerasOwnXAxis) {
     EXPECT_LT(length(axis(0, 0, -1) - dquat(right, -20) * level), 1e-6);
 }
 
-TEST_F(NavigationTest, GeodeticCameraPositionReadsBack) {
-    const dvec3 geo(-154.5, 19.25, 1234.5);
-    logic().set_cam_pos_geo(geo);
-    EXPECT_LT(length(logic().get_cam_pos_geo() - geo), 1e-8);
-    EXPECT_LT(length(position() - EARTH.toWorld(geo)), 1e-8);
-    logic().m_heli->set_collective(0.75f);
-    EXPECT_EQ(logic().get_heli_thr(), 0.75f);
-}
-
 // ------------------------------------------------------------------ picking
 
 TEST(Picking, NearestVisibleSurfaceWins) {
