@@ -299,6 +299,11 @@ class Checker:
                         (not isinstance(value, list) or 2 <= len(value) <= 4), path,
                         f'parameter "{tag}" is neither a number nor a list of two to four')
 
+        for name, texture in (self.read(path).get("textures") or {}).items():
+            self.expect(name == "base_color", path, f'unknown texture "{name}"')
+            self.expect((self.root / str(texture)).is_file(), path, f"no file {texture}")
+            self.expect("texture_size" in parameters, path, "a texture without texture_size")
+
     def check_radar(self):
         fan = self.read(RADAR_FAN)
         self.expect("fan" in (fan.get("states") or {}), RADAR_FAN, 'no state "fan"')

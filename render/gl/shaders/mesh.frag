@@ -119,7 +119,8 @@ void main() {
 
     vec3 diffuse = albedo * (1.0 - metal) * (ambient + light * facing / PI);
     vec3 specular = light * facing * lobe * fresnel * 0.25 + environment * fresnel * mix(1.0, 0.3, rough);
-    vec3 glow = uColor.rgb * uSurface.z;
+    // What shines by itself looks nearly the same to an eye used to the dark and to one that isn't.
+    vec3 glow = uColor.rgb * (uSurface.z * pow(0.3 / uLight.w, 0.92));
     float clear = clearness(vPosition);
 #if defined(GLASS) // premultiplied: a pane keeps its reflections however clear it is
     float a = clamp(opacity + fresnel.g * 0.8, 0.0, 1.0);
