@@ -94,6 +94,7 @@ void main() {
 #endif
 #ifdef PAINTED
     opacity *= coverage();
+    albedo *= 0.7 + 0.35 * texture(uNoise, vOwn.xy / 0.9).y + 0.25 * texture(uNoise, vOwn.yx / 0.21).y;
 #endif
     float wet = soaked * smoothstep(0.2, 0.9, normal.z), ice = uCover.y * smoothstep(0.0, 0.7, normal.z);
     albedo = mix(albedo * (1.0 - 0.5 * wet), vec3(0.62, 0.70, 0.76), ice * 0.8);

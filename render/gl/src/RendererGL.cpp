@@ -4,6 +4,7 @@
 #include "FrameBlock.h"
 #include "FrameView.h"
 #include "GlObjects.h"
+#include "GrassPass.h"
 #include "HeadlessContext.h"
 #include "MeshPass.h"
 #include "NoiseTexture.h"
@@ -70,7 +71,7 @@ struct RendererGL::Impl {
     void prepare(const World& world, const Camera& camera, const FrameInfo& frame);
     void uploadBlock();
     void drawShadows();
-    void drawScene();
+    void drawScene(const World& world);
     void finishPicture();
     void drawPicture(const World& world, const Camera& camera, const FrameInfo& frame, Targets& to);
     void present();
@@ -90,6 +91,7 @@ struct RendererGL::Impl {
     MeshPass meshes;
     OceanPass ocean;
     TerrainPass terrain;
+    GrassPass grass;
     SpritePass sprites;
     WakePass wakes;
     UiPass ui;
@@ -139,7 +141,7 @@ bool RendererGL::Impl::initPasses() {
     const bool software = std::strstr(device.c_str(), "llvmpipe") != nullptr;
     return tonemap.build("screen.vert", "tonemap.frag") && fxaa.build("screen.vert", "fxaa.frag") &&
            sky.init(software ? 512 : 1024) && shadow.init() && meshes.init() && terrain.init() &&
-           sprites.init() && wakes.init() && ui.init() && viewports.init() &&
+           grass.init() && sprites.init() && wakes.init() && ui.init() && viewports.init() &&
            (software ? ocean.init(128, 90) : ocean.init(320, 240));
 }
 
@@ -152,6 +154,7 @@ void RendererGL::release() {
     r.meshes.release();
     r.ocean.release();
     r.terrain.release();
+    r.grass.release();
     r.sprites.release();
     r.wakes.release();
     r.ui.release();
@@ -219,7 +222,7 @@ void RendererGL::Impl::drawPicture(const World& world, const Camera& camera, con
     clock.mark("shadows");
     if (list.ocean) wakes.draw(view, list.ocean->getFrame());
     clock.mark("wakes");
-    drawScene();
+    drawScene(world);
     finishPicture();
     clock.mark("picture");
 }
@@ -269,7 +272,7 @@ void RendererGL::Impl::drawShadows() {
 
 /// Opaque first and near first, so that hidden pixels cost nothing; then the sky where nothing is;
 /// then what lets light through.
-void RendererGL::Impl::drawScene() {
+void RendererGL::Impl::drawScene(const World& world) {
     glBindFramebuffer(GL_FRAMEBUFFER, canvas->scene_target.id());
     glViewport(0, 0, canvas->sceneWidth(), canvas->sceneHeight());
     glEnable(GL_DEPTH_TEST);
@@ -278,6 +281,8 @@ void RendererGL::Impl::drawScene() {
     clock.mark("meshes");
     if (list.terrain) terrain.draw(view, *list.terrain);
     clock.mark("terrain");
+    if (list.terrain) grass.draw(view, world, *list.terrain, list.fields);
+    clock.mark("grass");
     if (list.ocean) ocean.draw(view, list.ocean->getFrame(), wash, wakes);
     clock.mark("ocean");
     sky.drawBackground(view);

@@ -20,6 +20,7 @@ void SceneList::gather(const World& world, const FrameView& view, const vec3& sh
     lamps.clear();
     emitters.clear();
     decals.clear();
+    fields.clear();
     ocean = nullptr;
     terrain = nullptr;
     visited = 0;
@@ -46,6 +47,9 @@ void SceneList::visit(const Node& node) {
         break;
     case DECAL_ORTHO:
         decals.push_back(static_cast<const DecalOrtho*>(&node));
+        break;
+    case NODE_FIELD:
+        fields.push_back(static_cast<const NodeField*>(&node));
         break;
     case OBJECT_OCEAN:
         ocean = static_cast<const ObjectOcean*>(&node);

@@ -11,6 +11,7 @@ namespace ig {
 class DecalOrtho;
 class Mesh;
 class Node;
+class NodeField;
 class ObjectParticles;
 class World;
 } // namespace ig
@@ -50,6 +51,7 @@ public:
     std::vector<LampItem> lamps;
     std::vector<const ig::ObjectParticles*> emitters;
     std::vector<const ig::DecalOrtho*> decals;
+    std::vector<const ig::NodeField*> fields;
     const ObjectOcean* ocean = nullptr;
     const ObjectTerrain* terrain = nullptr;
     int visited = 0; ///< nodes looked at

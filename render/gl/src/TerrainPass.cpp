@@ -69,6 +69,18 @@ void TerrainPass::adopt(const TerrainGrid& grid) {
     m_extents.clear();
 }
 
+dvec2 TerrainPass::toNoise(const TerrainGrid& grid, double longitude, double latitude) {
+    const double column = (longitude - grid.west) / grid.spacing_longitude;
+    const double row = (grid.north - latitude) / grid.spacing_latitude;
+    const dvec2 metres = spacing(grid, row);
+    return {std::fmod(column * metres.x, NOISE_PERIOD),
+            std::fmod((grid.rows - row) * metres.y, NOISE_PERIOD)};
+}
+
+vec3 TerrainPass::readTurf(const Material* material) {
+    return readValue(material, "diffuse_color", {0.16f, 0.21f, 0.07f, 1}).xyz();
+}
+
 void TerrainPass::purge() {
     if (m_frame % KEPT) return;
     for (auto entry = m_chunks.begin(); entry != m_chunks.end();)
@@ -85,11 +97,11 @@ void TerrainPass::draw(const FrameView& view, const ObjectTerrain& terrain) {
     purge();
     m_program.use();
     const Material* material = terrain.getSurfaceMaterial(0);
-    m_program.set("uTurf", readValue(material, "diffuse_color", {0.16f, 0.21f, 0.07f, 1}).xyz());
+    m_program.set("uTurf", readTurf(material));
     m_program.set("uShore", readValue(material, "shore_color", {0.62f, 0.54f, 0.38f, 1}).xyz());
     m_program.set("uRock", readValue(material, "rock_color", {0.1f, 0.09f, 0.085f, 1}).xyz());
     m_program.set("uGround",
-                  vec4(readSlider(material, "shore_height", 3.5f),
+                  vec4(readSlider(material, "shore_height", SHORE_HEIGHT),
                        readSlider(material, "rock_slope", 0.7f), readSlider(material, "wetness", 0),
                        readSlider(material, "ice", 0)));
     glEnable(GL_CULL_FACE);
@@ -185,8 +197,8 @@ void TerrainPass::fill(Chunk& chunk, const TerrainGrid& grid, const Square& squa
     const dvec2 metres = spacing(grid, square.row + half);
     chunk.frame = earth.getWGSTransform(
         earth.toWorld(geodetic(grid, square.column + half, square.row + half, 0)));
-    chunk.patch = {std::fmod((square.column + half) * metres.x, NOISE_PERIOD),
-                   std::fmod((grid.rows - square.row - half) * metres.y, NOISE_PERIOD)};
+    const dvec3 middle = geodetic(grid, square.column + half, square.row + half, 0);
+    chunk.patch = toNoise(grid, middle.x, middle.y);
     const dmat4 to_chunk = inverse(chunk.frame);
     const auto height = [&grid](int column, int row) {
         return grid.getHeight(std::clamp(column, 0, grid.columns - 1),

@@ -20,7 +20,11 @@ public:
     bool init();
     void release();
     void draw(const FrameView& view, const ObjectTerrain& terrain);
-    int getNumChunks() const { return m_drawn; } ///< drawn in the last frame
+    /// Place in the noise that colours the ground, m, of a geodetic place.
+    static ig::dvec2 toNoise(const TerrainGrid& grid, double longitude, double latitude);
+    static constexpr float SHORE_HEIGHT = 3.5f; ///< where the beach ends, unless the material tells
+    static ig::vec3 readTurf(const ig::Material* material); ///< colour of the grass
+    int getNumChunks() const { return m_drawn; }            ///< drawn in the last frame
 
 private:
     static constexpr int CELLS = 32;

@@ -43,6 +43,10 @@ public:
     /// looked into. False when there is none.
     bool getIntersection(const dvec3& p0, const dvec3& p1, jVector<Node*>& nodes) const;
 
+    /// Where a segment first meets an object that can be seen and is made for queries, prefabs
+    /// looked into; the sea only when asked for. `point` may be null. False when there is none.
+    bool meet(const dvec3& from, const dvec3& to, bool sea, dvec3* point) const override;
+
     Physics& getPhysics() { return m_physics; }
     /// Advances the physics and carries the poses of the bodies to their objects.
     void updatePhysics(float dt);
@@ -54,7 +58,6 @@ public:
 
 private:
     void tellSurface(ObjectParticles& emitter) const;
-    bool meet(const dvec3& from, const dvec3& to, bool sea, dvec3* point) const override;
 
     Physics m_physics; // before the nodes, whose bodies leave it when they go
     jVector<Node*> m_nodes;

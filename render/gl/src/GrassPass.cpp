@@ -1,0 +1,253 @@
+// SPDX-License-Identifier: MIT
+#include "GrassPass.h"
+
+#include "SurfaceLook.h"
+#include "TerrainPass.h"
+#include "ig/math/EllipsoidModel.h"
+#include "ig/scene/SceneObjects.h"
+#include "ig/scene/World.h"
+
+#include <algorithm>
+#include <cmath>
+
+using namespace ig;
+
+namespace {
+
+constexpr float REACH = 30;        ///< m from the eye, where the last tufts stand
+constexpr float HIGHEST_EYE = 40;  ///< m above the ground: from above that grass is not drawn
+constexpr double EDGE = 4;         ///< of a square, m
+constexpr int TUFTS = 100;         ///< on a full square
+constexpr int PLANTED_A_FRAME = 6; ///< squares; what bounds the cost when the eye moves fast
+constexpr int KEPT = 300;          ///< frames that a square outlives its last use
+constexpr double STEEPEST = 0.6;   ///< rise over run that grass still grows on
+constexpr float FIELD_RADIUS = 13; ///< m around a field until its force is down to a third
+constexpr float FIELD_HEIGHT = 25; ///< m above the ground where a field's force ends
+
+float hash(std::uint32_t n) {
+    n = (n ^ (n >> 15)) * 2246822519u;
+    n = (n ^ (n >> 13)) * 3266489917u;
+    return static_cast<float>((n ^ (n >> 16)) & 0xffffffu) / 16777216.0f;
+}
+
+/// Squares are numbered on the terrain's own grid, so that they stay where they are.
+struct Lattice {
+    dvec2 cell; ///< a square's edges in longitude and latitude, degrees
+
+    explicit Lattice(const TerrainGrid& grid) {
+        const double middle = grid.north - grid.spacing_latitude * grid.rows / 2;
+        constexpr double DEGREE = EllipsoidModel::SEMI_MAJOR_AXIS * DEG_TO_RAD<double>;
+        cell = {EDGE / (DEGREE * std::max(std::cos(middle * DEG_TO_RAD<double>), 0.01)),
+                EDGE / DEGREE};
+    }
+    dvec2 toCell(const TerrainGrid& grid, double longitude, double latitude) const {
+        return {(longitude - grid.west) / cell.x, (grid.north - latitude) / cell.y};
+    }
+    dvec2 toDegrees(const TerrainGrid& grid, double column, double row) const {
+        return {grid.west + column * cell.x, grid.north - row * cell.y};
+    }
+};
+
+} // namespace
+
+bool GrassPass::init() {
+    if (!m_program.build("grass.vert", "grass.frag")) return false;
+    m_buffer.create();
+    m_vertex_array.create();
+    glBindVertexArray(m_vertex_array.id());
+    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.id());
+    for (GLuint i = 0; i < 2; i++) {
+        glEnableVertexAttribArray(i);
+        glVertexAttribPointer(i, 4, GL_FLOAT, GL_FALSE, sizeof(Instance),
+                              reinterpret_cast<const void*>(i * sizeof(vec4)));
+        glVertexAttribDivisor(i, 1);
+    }
+    return true;
+}
+
+void GrassPass::release() {
+    m_program.destroy();
+    m_vertex_array.destroy();
+    m_buffer.destroy();
+    m_squares.clear();
+    m_heights = nullptr;
+}
+
+// ------------------------------------------------------------------ where grass grows
+
+void GrassPass::adopt(const ObjectTerrain& terrain) {
+    if (terrain.getGrid().heights == m_heights) return;
+    m_heights = terrain.getGrid().heights;
+    m_squares.clear();
+}
+
+namespace {
+
+/// Whether slabs, houses or other things lie on the ground at places of a square.
+class Cover {
+public:
+    Cover(const World& world, const TerrainGrid& grid, const Lattice& lattice)
+        : m_world(world), m_grid(grid), m_lattice(lattice) {}
+
+    bool isCovered(const ObjectTerrain& terrain, double column, double row) const {
+        const dvec2 at = m_lattice.toDegrees(m_grid, column, row);
+        double altitude = 0;
+        if (!terrain.getAltitudeByLonLat(at.x, at.y, &altitude, nullptr)) return true;
+        const EllipsoidModel earth;
+        return m_world.meet(earth.toWorld({at.x, at.y, altitude + HEADROOM}),
+                            earth.toWorld({at.x, at.y, altitude + CLEARANCE}), false, nullptr);
+    }
+    /// How many of nine places of a square, its corners among them, are covered.
+    int count(const ObjectTerrain& terrain, std::int32_t column, std::int32_t row) const {
+        int covered = 0;
+        for (int i = 0; i < 9; i++)
+            covered += isCovered(terrain, column + i % 3 / 2.0, row + i / 3 / 2.0);
+        return covered;
+    }
+
+private:
+    static constexpr double HEADROOM = 30;    // m: the highest roof
+    static constexpr double CLEARANCE = 0.02; // m: what covers the ground lies higher than that
+
+    const World& m_world;
+    const TerrainGrid& m_grid;
+    const Lattice& m_lattice;
+};
+
+} // namespace
+
+void GrassPass::plant(Square& square, const World& world, const ObjectTerrain& terrain,
+                      std::int32_t column, std::int32_t row) const {
+    const TerrainGrid& grid = terrain.getGrid();
+    const Lattice lattice(grid);
+    const EllipsoidModel earth;
+    const dvec2 at = lattice.toDegrees(grid, column + 0.5, row + 0.5);
+    square.frame = earth.getWGSTransform(earth.toWorld({at.x, at.y, 0}));
+    square.noise = TerrainPass::toNoise(grid, at.x, at.y);
+    double altitude = 0;
+    const Cover cover(world, grid, lattice);
+    const int covered = cover.count(terrain, column, row);
+    if (covered == 9 || !terrain.getAltitudeByLonLat(at.x, at.y, &altitude, nullptr)) return;
+    square.middle = {0, 0, static_cast<float>(altitude)};
+    const float shore =
+        readSlider(terrain.getSurfaceMaterial(0), "shore_height", TerrainPass::SHORE_HEIGHT);
+    const auto seed = static_cast<std::uint32_t>(column) * 73856093u ^
+                      static_cast<std::uint32_t>(row) * 19349663u;
+    const dvec3 up = square.frame.getMat3().columns[2];
+    const double least_up = 1 / std::hypot(1.0, STEEPEST);
+    for (std::uint32_t i = 0; i < TUFTS; i++) {
+        const double u = static_cast<double>(hash(seed + 3 * i)),
+                     v = static_cast<double>(hash(seed + 3 * i + 1));
+        const dvec2 place = lattice.toDegrees(grid, column + u, row + v);
+        dvec3 normal;
+        if (!terrain.getAltitudeByLonLat(place.x, place.y, &altitude, &normal)) continue;
+        if (altitude < static_cast<double>(shore) * 1.6 || dot(normal, up) < least_up) continue;
+        if (covered && cover.isCovered(terrain, column + u, row + v)) continue;
+        const float chance = hash(seed + 3 * i + 2);
+        square.tufts.push_back(
+            {{static_cast<float>((u - 0.5) * EDGE), static_cast<float>((0.5 - v) * EDGE),
+              static_cast<float>(altitude)},
+             0.10f + 0.22f * chance * chance,
+             static_cast<float>(i) / TUFTS});
+    }
+}
+
+void GrassPass::purge() {
+    if (m_frame % KEPT) return;
+    for (auto entry = m_squares.begin(); entry != m_squares.end();)
+        entry =
+            entry->second.last_used < m_frame - KEPT ? m_squares.erase(entry) : std::next(entry);
+}
+
+// ------------------------------------------------------------------ a frame
+
+void GrassPass::draw(const FrameView& view, const World& world, const ObjectTerrain& terrain,
+                     const std::vector<const NodeField*>& fields) {
+    m_instances.clear();
+    m_frame++;
+    m_planted = 0;
+    const TerrainGrid& grid = terrain.getGrid();
+    double ground = 0;
+    if (grid.empty() || view.orthographic ||
+        !terrain.getAltitudeByLonLat(view.geodetic.x, view.geodetic.y, &ground, nullptr) ||
+        view.geodetic.z - ground > static_cast<double>(HIGHEST_EYE))
+        return;
+    adopt(terrain);
+    purge();
+    const dvec2 here = Lattice(grid).toCell(grid, view.geodetic.x, view.geodetic.y);
+    const auto column = static_cast<std::int32_t>(std::floor(here.x));
+    const auto row = static_cast<std::int32_t>(std::floor(here.y));
+    // Rings from the eye outwards: the nearest squares are planted first.
+    constexpr auto RINGS = static_cast<std::int32_t>(static_cast<double>(REACH) / EDGE) + 1;
+    visit(view, world, terrain, column, row);
+    for (std::int32_t ring = 1; ring <= RINGS; ring++)
+        for (std::int32_t i = -ring; i < ring; i++) {
+            visit(view, world, terrain, column + i, row - ring);
+            visit(view, world, terrain, column + ring, row + i);
+            visit(view, world, terrain, column - i, row + ring);
+            visit(view, world, terrain, column - ring, row - i);
+        }
+    if (m_instances.empty()) return;
+    glBindVertexArray(m_vertex_array.id());
+    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.id());
+    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(m_instances.size() * sizeof(Instance)),
+                 m_instances.data(), GL_STREAM_DRAW);
+    m_program.use();
+    m_program.set("uTurf", TerrainPass::readTurf(terrain.getSurfaceMaterial(0)));
+    m_program.set("uReach", REACH);
+    setField(view, fields);
+    constexpr int VERTICES = 15; // five blades of one triangle
+    glDrawArraysInstanced(GL_TRIANGLES, 0, VERTICES, static_cast<GLsizei>(m_instances.size()));
+}
+
+void GrassPass::visit(const FrameView& view, const World& world, const ObjectTerrain& terrain,
+                      std::int32_t column, std::int32_t row) {
+    const std::uint64_t key = static_cast<std::uint64_t>(static_cast<std::uint32_t>(row)) << 32 |
+                              static_cast<std::uint32_t>(column);
+    const auto known = m_squares.find(key);
+    if (known == m_squares.end()) {
+        if (m_planted >= PLANTED_A_FRAME) return;
+        m_planted++;
+        plant(m_squares[key], world, terrain, column, row);
+    }
+    Square& square = known == m_squares.end() ? m_squares[key] : known->second;
+    square.last_used = m_frame;
+    if (!square.tufts.empty()) addInstances(view, square);
+}
+
+void GrassPass::addInstances(const FrameView& view, const Square& square) {
+    const mat4 to_eye = view.toFrame(square.frame);
+    const vec3 middle = to_eye * square.middle;
+    if (!view.sees(middle, static_cast<float>(EDGE))) return;
+    const float near = 1 - length(middle) / REACH;
+    if (near <= 0) return;
+    // Fewer the farther, each a little higher: the square's own order keeps those that stay.
+    const float share = near * near * std::sqrt(near);
+    for (const Tuft& tuft : square.tufts) {
+        if (tuft.chance > share) break;
+        const float fade = std::min((share - tuft.chance) * 8, 1.0f);
+        const vec3 place = to_eye * tuft.place;
+        m_instances.push_back({vec4(place, tuft.height * fade),
+                               vec4(static_cast<float>(square.noise.x) + tuft.place.x,
+                                    static_cast<float>(square.noise.y) + tuft.place.y,
+                                    hash(static_cast<std::uint32_t>(tuft.chance * TUFTS) +
+                                         static_cast<std::uint32_t>(square.noise.x * 7)),
+                                    0)});
+    }
+}
+
+/// The field that is nearest to the eye.
+void GrassPass::setField(const FrameView& view, const std::vector<const NodeField*>& fields) {
+    vec4 place(0, 0, 0, 0), motion(0, 0, 0, 0);
+    float nearest = 1e9f;
+    for (const NodeField* field : fields) {
+        const vec3 at(view.toFrame(field->getWorldPosition()));
+        if (length(at) >= nearest) continue;
+        nearest = length(at);
+        place = vec4(at, FIELD_RADIUS);
+        motion = {field->getParameter(0), field->getParameter(1), field->getParameter(2),
+                  FIELD_HEIGHT};
+    }
+    m_program.set("uField", place);
+    m_program.set("uFieldMotion", motion);
+}

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+#include "PictureScene.h"
+#include "ig/scene/SceneObjects.h"
+#include "plugins/terrain/ObjectTerrain.h"
+
+#include <cstdlib>
+
+using namespace ig;
+
+/// An eye low over the meadow south of the demo world's airfield.
+class GrassOf : public PictureScene {
+public:
+    static constexpr dvec3 PLACE{-155.0625125, 19.7100, 0};
+
+    void SetUp() override {
+        PictureScene::SetUp();
+        if (IsSkipped()) return;
+        s_renderer->release(); // forgets the meadow of the test before
+        ASSERT_TRUE(s_renderer->init(WIDTH, HEIGHT));
+        auto* terrain = new ObjectTerrain();
+        ASSERT_TRUE(terrain->load("data/PELMAR_PROJECT/terrain/coast.tif"));
+        ASSERT_TRUE(terrain->getAltitudeByLonLat(PLACE.x, PLACE.y, &m_ground, nullptr));
+        m_world.addNode(terrain);
+        m_camera.setWgsPosition({PLACE.x, PLACE.y, m_ground + 1.2});
+        m_camera.setWgsHPR({180, 8, 0});
+    }
+    /// The picture once all squares around the eye have been planted.
+    Picture settled() {
+        for (int i = 0; i < 45; i++)
+            draw();
+        return now();
+    }
+    Picture now() {
+        draw();
+        s_renderer->readPicture(m_picture);
+        return m_picture;
+    }
+    /// A field 6 m ahead, so many metres above the ground.
+    NodeField* addField(double height) {
+        auto* field = new NodeField();
+        field->setWgsPosition({PLACE.x, PLACE.y - 6 / 110700.0, m_ground + height});
+        m_world.addNode(field);
+        return field;
+    }
+    static void blow(NodeField* field, float strength) {
+        for (int i = 0; i < 3; i++)
+            field->setParameter(i, strength);
+    }
+    static int countDifferent(const Picture& a, const Picture& b) {
+        int count = 0;
+        for (std::size_t i = 0; i < a.rgb.size(); i += 3)
+            count += std::abs(a.rgb[i] - b.rgb[i]) + std::abs(a.rgb[i + 1] - b.rgb[i + 1]) > 12;
+        return count;
+    }
+    double m_ground = 0;
+};
+
+TEST_F(GrassOf, BladesLeanWhileTheFieldBlowsAndStandUpAgain) {
+    NodeField* field = addField(2);
+    const Picture calm = settled();
+    blow(field, 1);
+    const Picture blown = now();
+    EXPECT_GT(countDifferent(calm, blown), 300);
+    blow(field, 0);
+    EXPECT_EQ(countDifferent(calm, now()), 0);
+}
+
+TEST_F(GrassOf, AFieldHighUpMovesNone) {
+    NodeField* field = addField(60);
+    const Picture calm = settled();
+    blow(field, 1);
+    EXPECT_EQ(countDifferent(calm, now()), 0);
+}
+
+TEST_F(GrassOf, NoneGrowsThroughASlab) {
+    auto* slab = new ObjectMesh(square(200));
+    slab->setWgsPosition({PLACE.x, PLACE.y, m_ground + 0.6}); // above all unevenness, below the eye
+    slab->setWgsHPR({0, 0, 0});
+    slab->setSurfaceMaterial(0, material({0.4f, 0.4f, 0.4f, 1}, 0));
+    m_world.addNode(slab);
+    NodeField* field = addField(2);
+    const Picture calm = settled();
+    slab->setEnabled(false); // what it kept clear stays clear
+    const Picture bare = now();
+    blow(field, 1);
+    EXPECT_EQ(countDifferent(bare, now()), 0);
+    EXPECT_GT(countDifferent(calm, bare), 300);
+}
