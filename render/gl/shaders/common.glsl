@@ -4,7 +4,9 @@
 layout(std140) uniform Frame {
     mat4 uProjection;   // eye (x right, y up, looking along -z) to clip, reversed depth
     mat4 uView;         // east-north-up to eye
-    mat4 uShadow;       // east-north-up to the shadow map's unit cube
+    mat4 uShadow;       // east-north-up to the near shadow map's unit cube
+    vec4 uShadowFar;      // from there to the far map's: scale and offset along x and y
+    vec4 uShadowFarDepth; // scale and offset along z; w: 1 with a far map
     vec4 uLightDirection; // towards the sun, or the moon at night; w: 1 with a shadow map
     vec4 uLight;        // irradiance of that light; w: exposure
     vec4 uAmbient;      // irradiance of the sky; w: extinction of the air at sea level, 1/m

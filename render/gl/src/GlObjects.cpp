@@ -157,6 +157,7 @@ bool Program::build(std::string_view vertex_files, std::string_view fragment_fil
     use();
     set("uSkyMap", UNIT_SKY);
     set("uShadowMap", UNIT_SHADOW);
+    set("uShadowFarMap", UNIT_SHADOW_FAR);
     set("uNoise", UNIT_NOISE);
     return true;
 }

@@ -107,6 +107,7 @@ void MeshPass::upload(const SceneList& list, const SkyPass& sky) {
     m_draws = 0;
     m_instances.clear();
     addBatches(list.casters, m_casters, sky);
+    addBatches(list.far_casters, m_far_casters, sky);
     addBatches(list.opaque, m_opaque, sky);
     addBatches(list.transparent, m_transparent, sky);
     // Near ones first, so that what they hide is not shaded.
@@ -202,8 +203,16 @@ void MeshPass::drawTransparent() {
     glDisable(GL_BLEND);
 }
 
-void MeshPass::drawCasters() {
+void MeshPass::drawCasters() { drawDepth(m_casters, {1, 1, 0, 0}, {1, 0, 0, 0}); }
+
+void MeshPass::drawFarCasters(const FrameBlock& block) {
+    drawDepth(m_far_casters, block.shadow_far, block.shadow_far_depth);
+}
+
+void MeshPass::drawDepth(const std::vector<Batch>& batches, const vec4& plane, const vec4& depth) {
     m_depth_program.use();
-    for (const Batch& batch : m_casters)
+    m_depth_program.set("uPlane", plane);
+    m_depth_program.set("uDepth", depth);
+    for (const Batch& batch : batches)
         bindInstances(batch);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "FrameBlock.h"
 #include "GlObjects.h"
 #include "SceneList.h"
 #include "TextureStore.h"
@@ -20,8 +21,9 @@ public:
     void upload(const SceneList& list, const SkyPass& sky);
     void drawOpaque();
     void drawTransparent();
-    /// Depth only, through the frame block's shadow transform.
+    /// Depth only, into the shadow maps that the frame block places.
     void drawCasters();
+    void drawFarCasters(const FrameBlock& block);
 
     int getNumDraws() const { return m_draws; } ///< calls in this frame
 
@@ -62,6 +64,7 @@ private:
                     const SkyPass& sky);
     void bindInstances(const Batch& batch);
     void draw(const std::vector<Batch>& batches);
+    void drawDepth(const std::vector<Batch>& batches, const ig::vec4& plane, const ig::vec4& depth);
     void setLook(gl::Program& program, const SurfaceLook& look, bool has_places);
     void purge();
 
@@ -70,7 +73,7 @@ private:
     gl::Buffer m_instance_buffer;
     std::unordered_map<const ig::Mesh*, DeviceMesh> m_meshes;
     std::vector<Instance> m_instances;
-    std::vector<Batch> m_opaque, m_transparent, m_casters;
+    std::vector<Batch> m_opaque, m_transparent, m_casters, m_far_casters;
     int m_draws = 0;
     int m_frames = 0;
 };

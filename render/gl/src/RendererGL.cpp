@@ -245,6 +245,7 @@ void RendererGL::Impl::prepare(const World& world, const Camera& camera, const F
     shadow.place(center, block);
     list.left_out = camera.getType() == NODE_CAMERA_RADAR ? frame.focus : nullptr;
     list.gather(world, view, center, ShadowMap::RADIUS);
+    shadow.fit(list.far_bounds, block);
     sprites.gather(view, frame.particles, list.lamps);
     wakes.gather(view, frame.particles, list.decals);
     wash = {vec3(view.toFrame(frame.wash_position)), frame.wash_radius, frame.wash_strength};
@@ -263,8 +264,12 @@ void RendererGL::Impl::drawShadows() {
     glEnable(GL_DEPTH_TEST);
     glDepthMask(GL_TRUE);
     if (block.light_direction.w > 0) {
-        shadow.begin();
+        shadow.beginNear();
         meshes.drawCasters();
+        if (block.shadow_far_depth.w > 0) {
+            shadow.beginFar();
+            meshes.drawFarCasters(block);
+        }
         shadow.end();
     }
     shadow.bind();

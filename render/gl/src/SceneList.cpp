@@ -17,6 +17,8 @@ void SceneList::gather(const World& world, const FrameView& view, const vec3& sh
     opaque.clear();
     transparent.clear();
     casters.clear();
+    far_casters.clear();
+    far_bounds.clear();
     lamps.clear();
     emitters.clear();
     decals.clear();
@@ -64,6 +66,15 @@ void SceneList::visit(const Node& node) {
         visit(*node.getChild(i));
 }
 
+/// Ships and houses whose shadow shows, and which the near map does not hold as a whole.
+bool SceneList::castsFar(const vec3& center, float radius) const {
+    constexpr float SMALLEST = 3, FARTHEST = 4000, LEAST_PIXELS = 10; // m, m
+    const float distance = length(center);
+    return radius > SMALLEST && distance < FARTHEST && !m_view->orthographic &&
+           2 * radius > LEAST_PIXELS * m_view->pixel_angle * distance &&
+           length(center - m_shadow_center) + radius > 0.85f * m_shadow_radius;
+}
+
 void SceneList::addMesh(const Node& node) {
     const auto& object = static_cast<const ObjectMesh&>(node);
     const dmat4& world = node.getWorldTransform();
@@ -76,6 +87,8 @@ void SceneList::addMesh(const Node& node) {
                       (m_view->orthographic || radius > distance * m_view->pixel_angle / 6);
     const bool casts = length(center - m_shadow_center) < radius + m_shadow_radius;
     if (!seen && !casts) return;
+    const bool casts_far = seen && castsFar(center, radius);
+    if (casts_far) far_bounds.push_back(vec4(center, radius));
     MeshItem item{&object.getMesh(), 0, m_view->toFrame(world), distance, {}};
     for (int i = 0; i < object.getNumSurfaces(); i++) {
         item.surface = i;
@@ -84,6 +97,7 @@ void SceneList::addMesh(const Node& node) {
         if (!item.look.texture && !surface.texture.empty()) item.look.texture = &surface.texture;
         if (seen) (item.look.isOpaque() ? opaque : transparent).push_back(item);
         if (casts && item.look.isOpaque()) casters.push_back(item);
+        if (casts_far && item.look.isOpaque()) far_casters.push_back(item);
     }
 }
 
@@ -110,6 +124,7 @@ void SceneList::sort() {
     };
     std::sort(opaque.begin(), opaque.end(), by_batch);
     std::sort(casters.begin(), casters.end(), by_batch);
+    std::sort(far_casters.begin(), far_casters.end(), by_batch);
     std::sort(transparent.begin(), transparent.end(),
               [](const MeshItem& a, const MeshItem& b) { return a.distance > b.distance; });
 }

@@ -48,6 +48,8 @@ public:
     std::vector<MeshItem> opaque;      ///< near batches first; equal mesh, surface, look adjoin
     std::vector<MeshItem> transparent; ///< far to near
     std::vector<MeshItem> casters;     ///< opaque ones near the shadow's centre
+    std::vector<MeshItem> far_casters; ///< large ones in view beyond those
+    std::vector<ig::vec4> far_bounds;  ///< their spheres in E; w: radius, m
     std::vector<LampItem> lamps;
     std::vector<const ig::ObjectParticles*> emitters;
     std::vector<const ig::DecalOrtho*> decals;
@@ -59,6 +61,7 @@ public:
 private:
     void visit(const ig::Node& node);
     void addMesh(const ig::Node& node);
+    bool castsFar(const ig::vec3& center, float radius) const;
     void addLamp(const ig::Node& node);
     void sort();
 

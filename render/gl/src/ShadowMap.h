@@ -4,24 +4,39 @@
 #include "FrameBlock.h"
 #include "GlObjects.h"
 
-/// What the sun (or moon) sees of the surroundings of one place: the depth of the nearest caster.
+#include <vector>
+
+/// What the sun (or moon) sees, as the depth of the nearest caster: a near map of the surroundings
+/// of one place, and a far one, fitted around what looks largest of the large things in view beyond
+/// it.
 class ShadowMap {
 public:
     static constexpr float RADIUS =
         95;                           ///< around the focus, m: a frigate's deck and the sea beside
     static constexpr int SIZE = 2048; ///< texels; 0.1 m each
+    static constexpr int FAR_SIZE = 1024; ///< of the far map; their size follows what is in it
 
     bool init();
     void release();
-    /// Puts the transform into the frame block: the light's direction must be there already.
-    /// `center` in E.
+    /// Puts the near map's transform into the frame block: the light's direction must be there
+    /// already. `center` in E.
     void place(const ig::vec3& center, FrameBlock& block) const;
-    /// Makes the map the target of the casters' draws; the caller sets the viewport back.
-    void begin();
+    /// Puts the far map's into the block: around the largest to the eye of the spheres (E; w:
+    /// radius) of what may cast into it, and those beside it. After `place`.
+    void fit(const std::vector<ig::vec4>& casters, FrameBlock& block) const;
+    /// Make a map the target of the casters' draws; the caller sets the viewport back.
+    void beginNear();
+    void beginFar();
     void end();
     void bind() const;
 
 private:
-    gl::Texture m_map;
-    gl::Framebuffer m_target;
+    struct Map {
+        gl::Texture depth;
+        gl::Framebuffer target;
+    };
+    static bool make(Map& map, int size);
+    static void begin(const Map& map, int size);
+
+    Map m_near, m_far;
 };

@@ -44,6 +44,10 @@ TEST_F(PictureOf, WhatStandsInTheSunCastsAShadow) {
     const int lit = brightness(0.5, place(-18)), shaded = brightness(0.5, place(0));
     EXPECT_LT(shaded, 0.75 * lit);
     EXPECT_GT(shaded, 30); // the sky still lights it
+
+    focus.setWgsPosition({LONGITUDE, LATITUDE - 0.01, 10}); // 1.1 km away: the far map's matter
+    draw();
+    EXPECT_LT(brightness(0.5, place(0)), 0.75 * brightness(0.5, place(-18)));
 }
 
 TEST_F(PictureOf, NightIsDarkerThanDayAndFogHidesTheFarCard) {
