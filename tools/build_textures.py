@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
 """Paints the textures of the models: plates, deck paint, panels and cladding, each a square that
-repeats without seam.
+repeats without seam; and the decals, with opacity: soot, oil and tyre marks.
 
     tools/build_textures.py [FOLDER]
 
@@ -147,20 +147,60 @@ def cladding(size=256):
     return mix(color, (0.52, 0.38, 0.28), 0.4 * source * smoothstep(0.8, 0.0, below))
 
 
-TEXTURES = {"plating": plating, "deck": deck, "panels": panels, "cladding": cladding}
+def stain(color, opacity):
+    """Four channels: one colour whose opacity varies."""
+    return np.concatenate([np.broadcast_to(color, (*opacity.shape, 3)), opacity[..., None]], 2)
+
+
+def soot(size=256):
+    """What jets and fires leave: dense in the middle, ragged and streaked towards the edge."""
+    u, v = grid(size)
+    x, y = 2 * u - 1, 2 * v - 1
+    radius, angle = np.hypot(x, y), np.arctan2(y, x) / (2 * np.pi) + 0.5
+    rays = noise(angle, radius * 0.5, 40, 4, 130)
+    ragged = radius * (0.75 + 0.5 * rays) + 0.3 * (clouds(u, v, 5, 135) - 0.5)
+    return stain((0.10, 0.095, 0.09), 0.85 * smoothstep(0.85, 0.15, ragged))
+
+
+def oil(size=256):
+    """Drips and puddles that ran together."""
+    u, v = grid(size)
+    radius = np.hypot(2 * u - 1, 2 * v - 1)
+    wet = clouds(u, v, 6, 140) + 0.35 * clouds(u, v, 3, 145)
+    shape = smoothstep(0.68, 0.82, wet - 0.35 * radius + 0.1) * smoothstep(1.0, 0.7, radius)
+    return stain((0.13, 0.12, 0.11), 0.8 * shape + 0.25 * smoothstep(0.9, 0.2, radius) * shape ** 0.3)
+
+
+def skid(size=256):
+    """Tyre marks of a turn on the spot: two pairs of arcs, broken up by the ground's grain."""
+    u, v = grid(size)
+    pixel = 2 / size
+    x, y = 2 * u - 1.25, 2 * v - 0.95
+    radius, angle = np.hypot(x, y), np.arctan2(y, x)
+    marks = np.zeros_like(u)
+    for middle, start, stop in ((0.45, -2.4, 1.9), (0.51, -2.2, 2.1), (0.80, -2.6, 2.3), (0.86, -2.5, 2.2)):
+        along = smoothstep(start, start + 0.7, angle) * smoothstep(stop, stop - 0.9, angle)
+        marks = np.maximum(marks, line(radius - middle, 0.018, pixel) * along)
+    edge = np.minimum(np.minimum(u, 1 - u), np.minimum(v, 1 - v))
+    grain = 0.45 + 0.55 * clouds(u, v, 24, 150, 3)
+    return stain((0.09, 0.09, 0.09), 0.75 * marks * grain * smoothstep(0.0, 0.05, edge))
+
+
+TEXTURES = {"soot": soot, "oil": oil, "skid": skid, "plating": plating, "deck": deck, "panels": panels, "cladding": cladding}
 
 
 def png(color):
     """A PNG file of values from 0 to 1; grey where the three channels agree."""
     value = np.round(np.clip(color, 0, 1) * 255 / LEVEL) * LEVEL
     pixels = np.minimum(value, 255).astype(np.uint8)
-    grey = bool((pixels == pixels[..., :1]).all())
+    grey = pixels.shape[2] == 3 and bool((pixels == pixels[..., :1]).all())
     rows = pixels[..., 0] if grey else pixels.reshape(len(pixels), -1)
+    color_type = 0 if grey else {3: 2, 4: 6}[pixels.shape[2]]
 
     def chunk(kind, data):
         return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
 
-    header = struct.pack(">IIBBBBB", *pixels.shape[1::-1], 8, 0 if grey else 2, 0, 0, 0)
+    header = struct.pack(">IIBBBBB", *pixels.shape[1::-1], 8, color_type, 0, 0, 0)
     lines = b"".join(b"\0" + row.tobytes() for row in rows)
     return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"IDAT", zlib.compress(lines, 9)) +
             chunk(b"IEND", b""))

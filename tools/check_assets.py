@@ -287,6 +287,9 @@ class Checker:
         listed = [s.get("material", "") for s in node.get("surfaces", [])]
         for material in listed:
             self.check_material(material)
+            tags = self.read(material).get("parameters") or {}
+            self.expect("texture_size" in tags or not self.read(material).get("textures"), material,
+                        "a texture without texture_size on a mesh without texture coordinates")
         self.expect([pathlib.PurePosixPath(m).stem for m in listed] == model.surfaces[part], path,
                     f"{where}: materials differ from the part's {model.surfaces[part]}")
 
@@ -302,7 +305,6 @@ class Checker:
         for name, texture in (self.read(path).get("textures") or {}).items():
             self.expect(name == "base_color", path, f'unknown texture "{name}"')
             self.expect((self.root / str(texture)).is_file(), path, f"no file {texture}")
-            self.expect("texture_size" in parameters, path, "a texture without texture_size")
 
     def check_radar(self):
         fan = self.read(RADAR_FAN)

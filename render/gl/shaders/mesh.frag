@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Surfaces of models. One of these words is defined: PLAIN; TEXTURED: with a picture; PAVED: slabs
-// of concrete or lanes of asphalt; PAINTED: markings with soft edges; GLASS: what lets light through.
+// of concrete or lanes of asphalt; PAINTED: markings with soft edges; DECAL: pictures that lie on what
+// is below; GLASS: what lets light through.
 in vec3 vPosition;
 in vec3 vNormal;
 in vec2 vPlace;
@@ -22,6 +23,10 @@ vec3 picture() {
     vec2 own = side.z > max(side.x, side.y) ? vOwn.xy : side.x > side.y ? vOwn.yz : vOwn.xz;
     return texture(uTexture, uTiles > 0.0 ? own * uTiles : vPlace).rgb;
 }
+#endif
+
+#ifdef DECAL
+uniform sampler2D uTexture;
 #endif
 
 #ifdef PAVED
@@ -92,6 +97,11 @@ void main() {
     albedo *= paving(vOwn.xy, puddle);
     soaked *= 0.45 + 0.55 * puddle;
 #endif
+#ifdef DECAL
+    vec4 texel = texture(uTexture, vPlace);
+    albedo *= texel.rgb;
+    opacity *= texel.a;
+#endif
 #ifdef PAINTED
     opacity *= coverage();
     albedo *= 0.7 + 0.35 * texture(uNoise, vOwn.xy / 0.9).y + 0.25 * texture(uNoise, vOwn.yx / 0.21).y;
@@ -127,7 +137,7 @@ void main() {
     float a = clamp(opacity + fresnel.g * 0.8, 0.0, 1.0);
     vec3 color = diffuse * opacity + specular + glow * opacity;
     oColor = vec4(mix(vHaze * a, color, clear), a);
-#elif defined(PAINTED)
+#elif defined(PAINTED) || defined(DECAL)
     oColor = vec4(mix(vHaze, diffuse + specular + glow, clear) * opacity, opacity);
 #else
     oColor = vec4(mix(vHaze, diffuse + specular + glow, clear), 1.0);

@@ -31,7 +31,8 @@ constexpr int PURGE_INTERVAL = 120; ///< frames between two looks for meshes tha
 
 bool MeshPass::init() {
     m_instance_buffer.create();
-    const char* const variants[NUM_SHADINGS] = {"PLAIN", "TEXTURED", "PAVED", "PAINTED", "GLASS"};
+    const char* const variants[NUM_SHADINGS] = {"PLAIN",   "TEXTURED", "PAVED",
+                                                "PAINTED", "DECAL",    "GLASS"};
     for (int i = 0; i < NUM_SHADINGS; i++)
         if (!m_programs[i].build("mesh.vert", "shadow.glsl mesh.frag", variants[i])) return false;
     return m_depth_program.build("shadow.vert", "shadow.frag");
@@ -154,7 +155,7 @@ void MeshPass::bindInstances(const Batch& batch) {
 }
 
 MeshPass::Shading MeshPass::choose(const SurfaceLook& look) {
-    if (look.paint >= 0) return PAINTED;
+    if (look.paint >= 0) return look.texture ? DECAL : PAINTED;
     if (!look.isOpaque()) return GLASS;
     if (look.paving.x > 0 && look.paving.y > 0) return PAVED;
     return look.texture ? TEXTURED : PLAIN;
@@ -165,7 +166,8 @@ void MeshPass::setLook(gl::Program& program, const SurfaceLook& look, bool has_p
     program.set("uSurface", vec4(look.roughness, look.metalness, look.emission, look.paint));
     program.set("uCover", vec4(look.wetness, look.ice, look.rain, look.wiper));
     program.set("uPaving", look.paving);
-    if (choose(look) != TEXTURED) return;
+    const Shading shading = choose(look);
+    if (shading != TEXTURED && shading != DECAL) return;
     gl::bindTexture(gl::UNIT_FIRST_OWN, m_textures.get(*look.texture));
     program.set("uTexture", gl::UNIT_FIRST_OWN);
     // Without texture coordinates: so many pictures a metre, laid on from the nearest side.

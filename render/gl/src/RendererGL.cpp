@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "render/gl/RendererGL.h"
 
+#include "DecalStore.h"
 #include "FrameBlock.h"
 #include "FrameView.h"
 #include "GlObjects.h"
@@ -92,6 +93,7 @@ struct RendererGL::Impl {
     OceanPass ocean;
     TerrainPass terrain;
     GrassPass grass;
+    DecalStore decals;
     SpritePass sprites;
     WakePass wakes;
     UiPass ui;
@@ -155,6 +157,7 @@ void RendererGL::release() {
     r.ocean.release();
     r.terrain.release();
     r.grass.release();
+    r.decals.release();
     r.sprites.release();
     r.wakes.release();
     r.ui.release();
@@ -245,6 +248,8 @@ void RendererGL::Impl::prepare(const World& world, const Camera& camera, const F
     shadow.place(center, block);
     list.left_out = camera.getType() == NODE_CAMERA_RADAR ? frame.focus : nullptr;
     list.gather(world, view, center, ShadowMap::RADIUS);
+    decals.gather(world, view, list);
+    list.sort();
     shadow.fit(list.far_bounds, block);
     sprites.gather(view, frame.particles, list.lamps);
     wakes.gather(view, frame.particles, list.decals);

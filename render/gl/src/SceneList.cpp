@@ -31,7 +31,6 @@ void SceneList::gather(const World& world, const FrameView& view, const vec3& sh
     m_shadow_radius = shadow_radius;
     for (const Node* node : world.getNodes())
         visit(*node);
-    sort();
 }
 
 void SceneList::visit(const Node& node) {

@@ -43,6 +43,9 @@ public:
     void gather(const ig::World& world, const FrameView& view, const ig::vec3& shadow_center,
                 float shadow_radius);
 
+    /// Brings batches together and what lets light through into order; after all has been added.
+    void sort();
+
     const ig::Node* left_out = nullptr; ///< set before `gather`: with all below it; null: none
 
     std::vector<MeshItem> opaque;      ///< near batches first; equal mesh, surface, look adjoin
@@ -63,7 +66,6 @@ private:
     void addMesh(const ig::Node& node);
     bool castsFar(const ig::vec3& center, float radius) const;
     void addLamp(const ig::Node& node);
-    void sort();
 
     const FrameView* m_view = nullptr;
     ig::vec3 m_shadow_center;
