@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Surfaces of models. One of these words is defined: PLAIN; TEXTURED: with a picture; PAVED: slabs
-// of concrete or lanes of asphalt; PAINTED: markings with soft edges; DECAL: pictures that lie on what
-// is below; GLASS: what lets light through.
+// Surfaces of models. One of these words is defined: PLAIN; TEXTURED: with a picture; PAVED: dry slabs
+// of concrete or lanes of asphalt; SOAKED: the same when wet or icy; PAINTED: markings with soft edges;
+// DECAL: pictures that lie on what is below; GLASS: what lets light through.
+#if defined(PAVED) || defined(PAINTED) || defined(DECAL)
+#define MATTE // mirrors nothing, which is half of the cost
+#endif
 in vec3 vPosition;
 in vec3 vNormal;
 in vec2 vPlace;
@@ -29,7 +32,7 @@ vec3 picture() {
 uniform sampler2D uTexture;
 #endif
 
-#ifdef PAVED
+#if defined(PAVED) || defined(SOAKED)
 // Share of a pixel that a joint covers, for each of the two directions; w: size of the pixel, m.
 vec2 joints(vec2 p, vec2 w) {
     vec2 cell = p / uPaving.xy;
@@ -55,9 +58,10 @@ float paving(vec2 p, out float puddle) {
 
 #ifdef PAINTED
 // The first texture coordinate is the distance from the edge, m, inwards positive: covered is what
-// of the pixel lies within. Paint that frays ends where noise lets it.
-float coverage() {
+// of the pixel lies within. Paint that frays ends where noise lets it. `tone`: of the worn paint.
+float coverage(out float tone) {
     float fray = uSurface.w, wear = texture(uNoise, vOwn.xy / 2.3).y, flake = texture(uNoise, vOwn.yx / 0.4).y;
+    tone = 0.7 + 0.3 * wear + 0.3 * flake;
     float w = fwidth(vPlace.x) + 1e-4;
     float inside = vPlace.x + fray * (0.7 * wear + 0.5 * flake - 0.9);
     float solid = clamp(inside / (w + 0.5 * fray) + 0.5, 0.0, 1.0);
@@ -92,7 +96,7 @@ void main() {
 #ifdef TEXTURED
     albedo *= picture();
 #endif
-#ifdef PAVED
+#if defined(PAVED) || defined(SOAKED)
     float puddle;
     albedo *= paving(vOwn.xy, puddle);
     soaked *= 0.45 + 0.55 * puddle;
@@ -103,8 +107,9 @@ void main() {
     opacity *= texel.a;
 #endif
 #ifdef PAINTED
-    opacity *= coverage();
-    albedo *= 0.7 + 0.35 * texture(uNoise, vOwn.xy / 0.9).y + 0.25 * texture(uNoise, vOwn.yx / 0.21).y;
+    float tone;
+    opacity *= coverage(tone);
+    albedo *= tone;
 #endif
     float wet = soaked * smoothstep(0.2, 0.9, normal.z), ice = uCover.y * smoothstep(0.0, 0.7, normal.z);
     albedo = mix(albedo * (1.0 - 0.5 * wet), vec3(0.62, 0.70, 0.76), ice * 0.8);
@@ -116,6 +121,13 @@ void main() {
     // The sky lights what looks up, the ground's reflection what looks down.
     vec3 ambient = uAmbient.rgb * mix(vec3(0.30, 0.34, 0.36), vec3(1.0), normal.z * 0.5 + 0.5);
 
+    vec3 diffuse = albedo * (1.0 - metal) * (ambient + light * facing / PI);
+    // What shines by itself looks nearly the same to an eye used to the dark and to one that isn't.
+    vec3 glow = uColor.rgb * (uSurface.z * pow(0.3 / uLight.w, 0.92));
+    float clear = clearness(vPosition);
+#ifdef MATTE
+    vec3 specular = vec3(0.0);
+#else
     // Trowbridge-Reitz highlight with Schlick's Fresnel term.
     vec3 f0 = mix(vec3(0.04), albedo, metal);
     float view = max(dot(toEye, normal), 0.0), away = 1.0 - view, away2 = away * away;
@@ -127,12 +139,8 @@ void main() {
     float lobe = min(a2 / (PI * q * q), 60.0);
     vec3 mirrored = reflect(-toEye, normal);
     vec3 environment = skyAt(mirrored, mix(1.0, 5.5, rough)) * (mirrored.z < 0.0 ? 0.22 : 1.0);
-
-    vec3 diffuse = albedo * (1.0 - metal) * (ambient + light * facing / PI);
     vec3 specular = light * facing * lobe * fresnel * 0.25 + environment * fresnel * mix(1.0, 0.3, rough);
-    // What shines by itself looks nearly the same to an eye used to the dark and to one that isn't.
-    vec3 glow = uColor.rgb * (uSurface.z * pow(0.3 / uLight.w, 0.92));
-    float clear = clearness(vPosition);
+#endif
 #if defined(GLASS) // premultiplied: a pane keeps its reflections however clear it is
     float a = clamp(opacity + fresnel.g * 0.8, 0.0, 1.0);
     vec3 color = diffuse * opacity + specular + glow * opacity;

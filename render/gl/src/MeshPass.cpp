@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
 
 using namespace ig;
 
@@ -31,8 +32,9 @@ constexpr int PURGE_INTERVAL = 120; ///< frames between two looks for meshes tha
 
 bool MeshPass::init() {
     m_instance_buffer.create();
-    const char* const variants[NUM_SHADINGS] = {"PLAIN",   "TEXTURED", "PAVED",
-                                                "PAINTED", "DECAL",    "GLASS"};
+    const char* const variants[] = {"PLAIN",   "TEXTURED", "PAVED", "SOAKED",
+                                    "PAINTED", "DECAL",    "GLASS"};
+    static_assert(std::size(variants) == NUM_SHADINGS);
     for (int i = 0; i < NUM_SHADINGS; i++)
         if (!m_programs[i].build("mesh.vert", "shadow.glsl mesh.frag", variants[i])) return false;
     return m_depth_program.build("shadow.vert", "shadow.frag");
@@ -157,7 +159,8 @@ void MeshPass::bindInstances(const Batch& batch) {
 MeshPass::Shading MeshPass::choose(const SurfaceLook& look) {
     if (look.paint >= 0) return look.texture ? DECAL : PAINTED;
     if (!look.isOpaque()) return GLASS;
-    if (look.paving.x > 0 && look.paving.y > 0) return PAVED;
+    if (look.paving.x > 0 && look.paving.y > 0)
+        return look.wetness > 0 || look.ice > 0 ? SOAKED : PAVED;
     return look.texture ? TEXTURED : PLAIN;
 }
 
