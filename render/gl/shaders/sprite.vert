@@ -20,6 +20,11 @@ void main() {
         faint = aShape.w > 0.5 ? max(faint, 0.05) : (dot(aStretch, aStretch) > 0.0 ? faint : faint * faint);
         size = least;
     }
+    // A lamp is seen however far: its light spreads in the eye.
+    if (aShape.w > 0.5 && aShape.w < 1.5) {
+        size = max(size, range * uTime.y * 1.7);
+        faint = max(faint, 0.3);
+    }
     vec3 eye = mat3(uView) * p;
     if (dot(aStretch, aStretch) > 0.0) {
         vec3 along = mat3(uView) * aStretch;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "PictureScene.h"
 #include "ig/scene/Mesh.h"
+#include "ig/scene/SceneObjects.h"
 #include "testkit/LogCapture.h"
 #include "testkit/TempFolder.h"
 
@@ -110,6 +111,32 @@ TEST_F(TextureOf, WithoutCoordinatesItIsLaidOnBySize) {
     draw();
     // The card's middle is a corner of the picture, which repeats: left is its right half.
     EXPECT_EQ(quarters(), "wbgr");
+}
+
+TEST_F(TextureOf, ADecalLiesOnWhatIsBelowAndNowhereElse) {
+    writeFields("fields.png");
+    look(30, 0, 90); // straight down, north at the top
+    Material* skin = material({0.9f, 0.9f, 0.9f, 1}, 0);
+    skin->setTexture("base_color", "fields.png");
+    ObjectMesh* floor = addFloor(10, 5); // smaller than the decal
+    auto* decal = new DecalOrtho();
+    decal->setWgsPosition({LONGITUDE, LATITUDE, 11});
+    decal->setWgsHPR({0, 0, 0});
+    decal->setWidth(9);
+    decal->setHeight(9);
+    decal->setSurfaceMaterial(0, skin);
+    m_world.addNode(decal);
+    draw();
+    EXPECT_EQ(quarters(), "rgbw");
+    const std::uint8_t* p = pixel(0.5 + 3.5 / 20 / (2 * HALF_HEIGHT) * HEIGHT / WIDTH, 0.5);
+    EXPECT_GT(p[2], p[0]) << "the sea's dark blue, beyond the floor's edge";
+
+    floor->setEnabled(false); // the sheet has been laid and stays
+    draw();
+    EXPECT_EQ(quarters(), "rgbw");
+    decal->setWidth(8); // another sheet, which finds nothing
+    draw();
+    EXPECT_NE(quarters(), "rgbw");
 }
 
 TEST_F(TextureOf, AMissingOrBrokenOneIsNamedAndShowsMagenta) {
