@@ -29,10 +29,10 @@ void DecalStore::gather(const World& world, const FrameView& view, SceneList& li
     m_frame++;
     purge();
     bool may_lay = true;
-    for (const DecalOrtho* decal : list.decals) {
+    for (const DecalOrtho* decal : list.pictures) {
         SurfaceLook look = SurfaceLook::read(decal->getSurfaceMaterial(0));
         const vec2 size{decal->getWidth(), decal->getHeight()};
-        if (!look.texture || !(size.x > 0) || !(size.y > 0)) continue;
+        if (!(size.x > 0) || !(size.y > 0)) continue;
         const mat4 transform = view.toFrame(decal->getWorldTransform());
         const vec3 place = transform.getTranslate();
         const float radius = std::hypot(size.x, size.y) / 2 + static_cast<float>(REACH);

@@ -9,13 +9,13 @@
 /// Pictures laid down onto what lies below their nodes: soot, oil, tyre marks. When a decal first
 /// comes into view its rectangle is let down along the node's −Z, point by point, onto what segment
 /// queries meet; the sheet that results moves with the node from then on, as the deck or the ground
-/// that it lies on does. A decal without texture, as those of the wakes, has no sheet.
+/// that it lies on does.
 class DecalStore {
 public:
     static constexpr double REACH =
         2; ///< m below the node; where nothing is met the sheet has a hole
 
-    /// Adds the sheets of the list's decals to what it draws, lays one that is missing.
+    /// Adds the sheets of the list's pictures to what it draws, lays one that is missing.
     void gather(const ig::World& world, const FrameView& view, SceneList& list);
     void release() { m_sheets.clear(); }
 

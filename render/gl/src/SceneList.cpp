@@ -22,6 +22,7 @@ void SceneList::gather(const World& world, const FrameView& view, const vec3& sh
     lamps.clear();
     emitters.clear();
     decals.clear();
+    pictures.clear();
     fields.clear();
     ocean = nullptr;
     terrain = nullptr;
@@ -47,7 +48,7 @@ void SceneList::visit(const Node& node) {
         emitters.push_back(static_cast<const ObjectParticles*>(&node));
         break;
     case DECAL_ORTHO:
-        decals.push_back(static_cast<const DecalOrtho*>(&node));
+        addDecal(static_cast<const DecalOrtho&>(node));
         break;
     case NODE_FIELD:
         fields.push_back(static_cast<const NodeField*>(&node));
@@ -63,6 +64,11 @@ void SceneList::visit(const Node& node) {
     }
     for (int i = 0; i < node.getNumChildren(); i++)
         visit(*node.getChild(i));
+}
+
+void SceneList::addDecal(const DecalOrtho& decal) {
+    const bool has_picture = SurfaceLook::read(decal.getSurfaceMaterial(0)).texture;
+    (has_picture ? pictures : decals).push_back(&decal);
 }
 
 /// Ships and houses whose shadow shows, and which the near map does not hold as a whole.

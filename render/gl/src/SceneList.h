@@ -55,7 +55,8 @@ public:
     std::vector<ig::vec4> far_bounds;  ///< their spheres in E; w: radius, m
     std::vector<LampItem> lamps;
     std::vector<const ig::ObjectParticles*> emitters;
-    std::vector<const ig::DecalOrtho*> decals;
+    std::vector<const ig::DecalOrtho*> decals;   ///< without texture: of wakes
+    std::vector<const ig::DecalOrtho*> pictures; ///< decals with one
     std::vector<const ig::NodeField*> fields;
     const ObjectOcean* ocean = nullptr;
     const ObjectTerrain* terrain = nullptr;
@@ -63,6 +64,7 @@ public:
 
 private:
     void visit(const ig::Node& node);
+    void addDecal(const ig::DecalOrtho& decal);
     void addMesh(const ig::Node& node);
     bool castsFar(const ig::vec3& center, float radius) const;
     void addLamp(const ig::Node& node);
