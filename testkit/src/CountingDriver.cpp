@@ -62,6 +62,7 @@ CountingDriver::CountingDriver() {
                                                                                  by);
     };
     set(glGetString, tellString);
+    set(glGetIntegerv, [](GLenum, GLint* value) { *value = 0; }); // no extension either
     for (auto* entry : {&glGenBuffers, &glGenTextures, &glGenVertexArrays, &glGenFramebuffers})
         set(*entry, makeNames);
     for (auto* entry : {&glGetShaderiv, &glGetProgramiv})
