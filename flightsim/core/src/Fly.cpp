@@ -31,6 +31,7 @@ bool Fly::open(const FlyOptions& options, std::string& message) {
 
 bool Fly::run(const StopFlag& stop, std::string& message) {
     const double interval = m_options.speed / m_options.rate; // seconds of flight
+    m_link.awaitFeedback(m_options.wait, stop);
     auto flight = std::make_unique<MissionFlight>(m_mission, m_plan.legs);
     bool good = true;
     for (std::int64_t n = 0; good; n++) {

@@ -63,6 +63,10 @@ void addFly(CLI::App& app, Command& command) {
         ->check(numberBetween(1, 86'400));
     sub->add_flag_callback(
         "--no-reset", [options] { options->reset = false; }, "Don't reset the scene at the start");
+    sub->add_option("--wait", options->wait,
+                    "Begin when the channel's first feedback comes, at the latest after S seconds")
+        ->type_name("S")
+        ->check(numberBetween(0, 3600));
     sub->add_flag("--loop", options->loop, "Begin anew at the end, until stopped");
     sub->add_option("--record", options->record, "Write the records that are sent to this file")
         ->type_name("FILE");

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cmath>
 #include <cstring>
 
 namespace flightsim {
@@ -19,6 +20,16 @@ bool HostLink::open(const LinkOptions& options, std::string& message) {
     m_start_ns = steadyNow();
     m_next_row_ns = m_start_ns + ns_per_second;
     return true;
+}
+
+void HostLink::awaitFeedback(double seconds, const StopFlag& stop) {
+    constexpr std::int64_t look_at_stop_ns = ns_per_second / 5;
+    const std::int64_t end_ns = steadyNow() + std::llround(seconds * double(ns_per_second));
+    std::int64_t now_ns = steadyNow();
+    for (; !stop && feedback().received == 0 && now_ns < end_ns; now_ns = steadyNow())
+        if (m_listener.waitReadable(std::min(end_ns, now_ns + look_at_stop_ns))) receiveOne();
+    m_start_ns = now_ns;
+    m_next_row_ns = m_start_ns + ns_per_second;
 }
 
 bool HostLink::sendAt(std::int64_t time_ns, std::span<const std::uint8_t> record,

@@ -246,14 +246,19 @@ TEST_F(Loopback, AFlightHoversAboveTheGroundThatTheChannelReports) {
     options.rate = 50;
     options.speed = 10;
     options.seconds = 20;
+    options.wait = 5;
     Fly fly;
     ASSERT_TRUE(fly.open(options, message)) << message;
     Sender channel(fly.link().listenPort());
     std::thread thread = start(fly);
+    const std::int64_t up_ns = steadyNow() + ns_per_second / 4; // the channel takes time to start
+    sleepUntil(up_ns);
+    channel.send(Bytes(sizeof(UdpSendData)));
     UdpRecvData record{};
     for (int i = 0; i < 100; i++) {
         const auto received = receiver.take(1);
         if (received.empty() || received[0].bytes.size() != sizeof record) break;
+        EXPECT_GE(received[0].time_ns, up_ns) << "the first one would be missed";
         std::memcpy(&record, received[0].bytes.data(), sizeof record);
         UdpSendData feedback{};
         feedback.ground_latitude = record.latitude;

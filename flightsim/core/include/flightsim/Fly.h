@@ -19,6 +19,7 @@ struct FlyOptions {
     std::optional<double> duration; ///< of the mission, which takes legs out and stretches others
     bool reset = true;              ///< false: no reset, whatever the mission says
     bool loop = false;              ///< begin anew at the end, until stopped or for `seconds`
+    double wait = 0;                ///< s at most for the channel's first feedback
     std::string record;             ///< file for the records that are sent; empty: none
 };
 

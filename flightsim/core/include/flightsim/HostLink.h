@@ -35,6 +35,8 @@ public:
     int listenPort() const { return m_listener.port(); } ///< 0 without feedback
     std::string destination() const { return m_to.text(); }
 
+    /// Waits for the channel's first feedback, `seconds` at most; what is sent counts from then.
+    void awaitFeedback(double seconds, const StopFlag& stop);
     /// Waits until flight time `time_ns` and sends a record. Flight times are those of the `Pacer`:
     /// the first one is now. A record that can't be sent is counted, never an error: the channel
     /// may come and go. False, with nothing sent, once `stop` is set.
