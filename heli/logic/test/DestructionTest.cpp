@@ -113,39 +113,4 @@ TEST(Reset, WithEverythingDeployedRemovesItInItsOrder) {
         scene.frame();
 }
 
-TEST(Weapons, AThousandCyclesLeaveNothingBehind) {
-    SeaScene scene;
-    ASSERT_TRUE(scene.startAt(60));
-    const auto cycle = [&](int i) {
-        Logic_Nerith_Heli_Final& logic = *scene.logic;
-        logic.emit_torpedo();
-        logic.emit_sonar();
-        logic.emit_winch();
-        logic.throw_sonar();
-        logic.emit_decoy();
-        if (i % 4 == 0) logic.heli_explosion();
-        scene.frame();
-        logic.sonar_down(1);
-        if (i % 2) logic.break_sonar_joint();
-        if (i % 40 == 0) // long enough for splashes
-            for (int frame = 0; frame < 40; frame++)
-                scene.frame(0.1f);
-        scene.frame();
-        if (i % 3 == 0) logic.release_sonar();
-        logic.release_winch();
-        logic.reset();
-        scene.place(60);
-    };
-    cycle(0);
-    const std::size_t memory = memCount(), bytes = jAllocator::get()->getUsed();
-    const int nodes = scene.world->getNodes().size(), bodies = scene.bodies();
-    for (int i = 1; i < 1000; i++)
-        cycle(i);
-    EXPECT_EQ(memCount(), memory);
-    EXPECT_EQ(jAllocator::get()->getUsed(), bytes);
-    EXPECT_EQ(scene.world->getNodes().size(), nodes);
-    EXPECT_EQ(scene.bodies(), bodies);
-    EXPECT_EQ(scene.logic->m_action_manager.size(), 0);
-}
-
 } // namespace

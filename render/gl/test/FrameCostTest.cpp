@@ -139,10 +139,10 @@ TEST_F(CountedFrames, ASteadyFrameAllocatesNothing) {
         draw();
     };
     int i = 0;
-    for (; i < 420; i++)
+    for (; i < 300; i++)
         step(i);
     const AllocationCounter allocations;
-    for (; i < 840; i++) // the foam is calibrated every 5 s, meshes are looked through every 2 s
+    for (; i < 610; i++) // the foam is calibrated every 5 s, meshes are looked through every 2 s
         step(i);
     EXPECT_EQ(allocations.count(), 0U);
     EXPECT_GT(particles.getNumParticles(), 8000);
