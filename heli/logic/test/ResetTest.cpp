@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "SignalRecorder.h"
+#include "heli/logic/records.h"
 #include "ig/scene/Track.h"
-#include "testkit/LogicScene.h"
 
 #include <gtest/gtest.h>
 
@@ -33,6 +34,45 @@ TEST_F(ResetTest, HelicopterIsRepairedAndBackAtItsMarker) {
     EXPECT_TRUE(scene.helicopterNode("sonar")->isEnabled());
     EXPECT_EQ(scene.logic->m_heli->get_collective_decay(), 1);
     EXPECT_EQ(scene.logic->m_heli->m_collective, 0);
+}
+
+TEST(Reset, RemovesWhatIsDeployedInItsOrderAndLeavesMissilesAndWinch) {
+    SeaScene scene;
+    ASSERT_TRUE(scene.startAt(300));
+    SignalRecorder signals(*scene.logic);
+    const int before = scene.world->getNodes().size();
+    scene.logic->emit_sonar();
+    scene.logic->emit_decoy();
+    scene.logic->throw_sonar();
+    scene.logic->emit_torpedo();
+    scene.logic->emit_winch();
+    scene.logic->emit_torpedo();
+    scene.logic->emit_missile();
+    scene.logic->heli_explosion(); // takes the sonar
+    scene.logic->emit_sonar();
+    for (int i = 0; i < 30; i++)
+        scene.frame();
+    const auto& a = signals.added;
+    std::vector<Node*> expected = {a[0], a[8], a[10], a[7]};
+    expected.insert(expected.end(), a.begin() + 1, a.begin() + 7);
+    expected.push_back(a[12]);
+    scene.logic->reset();
+    EXPECT_EQ(signals.removed, expected);
+    EXPECT_EQ(signals.codes, (std::vector<int>{25, 26}));
+    EXPECT_TRUE(scene.logic->m_torpedo_infos.empty() && scene.logic->m_decoys.empty() &&
+                scene.logic->m_thrown_sonars.empty());
+    EXPECT_EQ(scene.logic->m_sonar_info->prefab, nullptr);
+    EXPECT_EQ(scene.logic->m_sonar_info->anchor, nullptr);
+    EXPECT_TRUE(scene.helicopterNode("sonar")->isEnabled());
+    EXPECT_EQ(scene.logic->m_missiles.size(), 1);
+    EXPECT_EQ(scene.logic->m_winch_info->prefab, a[9]);
+    EXPECT_EQ(scene.logic->m_action_manager.size(), 0);
+    EXPECT_EQ(scene.world->getNodes().size(), before + 2);
+    scene.logic->reset(); // again, with nothing left to remove
+    EXPECT_EQ(signals.removed, expected);
+    EXPECT_EQ(signals.codes.size(), 4u);
+    for (int i = 0; i < 10; i++)
+        scene.frame();
 }
 
 TEST(Reset, MissingMarkerAndStatesAreSkipped) {

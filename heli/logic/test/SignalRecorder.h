@@ -19,6 +19,7 @@ struct SignalRecorder {
         logic.m_sig_node_removed.append({this, &SignalRecorder::onRemoved});
         logic.m_sig_prefab_added.append({this, &SignalRecorder::onAdded});
         logic.m_sig_node_text.append({this, &SignalRecorder::onText});
+        logic.m_sig_code.append({this, &SignalRecorder::onCode});
     }
     void onEffect(SynCoder::CMDPlaySpeOnceInfo* info) {
         effects.push_back({info->path.c_str(), info->duration, info->transform.getTranslate()});
@@ -30,10 +31,13 @@ struct SignalRecorder {
     }
     void onText(ig::Node*, const ig::jString& text) { texts.push_back(text.c_str()); }
 
+    void onCode(int code) { codes.push_back(code); }
+
     std::vector<Effect> effects;
     std::vector<ig::Node*> removed, added;
     std::vector<bool> added_flags;
     std::vector<std::string> texts;
+    std::vector<int> codes;
 };
 
 /// The project's own scene, the helicopter over the open sea.
@@ -56,6 +60,15 @@ struct SeaScene : LogicScene {
     }
     double sea(const ig::dvec3& point) const {
         return altitude(logic->m_ocean->getWorldPoint(point));
+    }
+    /// Where the world shows effects, beside the weather, in their order.
+    std::vector<ig::dvec3> effects() const {
+        std::vector<ig::dvec3> places;
+        for (const ig::Node* node : world->getNodes())
+            if (node->getType() == ig::OBJECT_PARTICLES && node != logic->m_rain &&
+                node != logic->m_snow && node != logic->m_hail)
+                places.push_back(node->getWorldPosition());
+        return places;
     }
     int bodies() { return world->getPhysics().getBodies().size(); }
 };
