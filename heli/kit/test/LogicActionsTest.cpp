@@ -6,6 +6,7 @@
 #include "ig/scene/Node.h"
 
 #include <gtest/gtest.h>
+#include <memory>
 
 namespace {
 
@@ -13,72 +14,62 @@ using namespace ig;
 
 const EllipsoidModel EARTH;
 
-struct Torpedo : testing::Test {
+struct Torpedo {
     Torpedo() {
-        torpedo.addChild(parachute);
-        info.torpedo = &torpedo;
+        node.addChild(parachute);
+        info.torpedo = &node;
         info.parachute = parachute;
         info.time_left = 40;
-        setAltitude(100);
         info.action = ActionEmitTorpedo::Create(&info, 1.5f);
         info.action->start();
     }
-    ~Torpedo() override { delete info.action; }
-    void setAltitude(double altitude) {
-        torpedo.setWorldTransform(EARTH.getWGSTransform(EARTH.toWorld({-155, 20, altitude})));
+    ~Torpedo() { delete info.action; }
+    bool step(float dt, double altitude) {
+        node.setWorldTransform(EARTH.getWGSTransform(EARTH.toWorld({-155, 20, altitude})));
+        return info.action->step(dt);
     }
-    Node torpedo;
+    Node node;
     Node* parachute = new Node();
     TorpedoInfo info;
 };
 
-TEST_F(Torpedo, ParachuteOpensStrictlyAfterTheDelayWhereTheTorpedoIs) {
-    EXPECT_FALSE(parachute->isEnabled());
-    parachute->setPosition({5, 5, 5});
-    for (int i = 0; i < 3; i++)
-        EXPECT_TRUE(info.action->step(0.5f));
-    EXPECT_FALSE(parachute->isEnabled()); // exactly 1.5 s
-    info.action->setPause(true);
-    EXPECT_FALSE(info.action->step(10));
-    info.action->setPause(false);
-    info.action->step(0.25f);
-    EXPECT_TRUE(parachute->isEnabled());
-    EXPECT_LT(length(parachute->getPosition()), 1e-6);
-    EXPECT_FALSE(info.action->isDone());
+TEST(Torpedo, ParachuteOpensStrictlyAfterTheDelayAndIsHiddenInTheWaterOrAtTheLimit) {
+    struct Step {
+        float dt;
+        double altitude;
+        bool shown, done;
+    };
+    const std::vector<Step> falls[] = {
+        {{1.5f, 90, false, false}, {0.25f, 60, true, false}, {0.5f, -1e-6, false, true}},
+        {{2, 90, true, false}, {37.75f, 50, true, false}, {0.25f, 50, false, true}},
+        {{2, -1, true, true}}, // water in the step of the delay: hidden first, shown then
+    };
+    for (const auto& fall : falls) {
+        Torpedo torpedo;
+        EXPECT_FALSE(torpedo.parachute->isEnabled());
+        torpedo.parachute->setPosition({5, 5, 5});
+        for (const Step& step : fall) {
+            torpedo.info.action->setPause(true);
+            EXPECT_FALSE(torpedo.step(99, 90));
+            torpedo.info.action->setPause(false);
+            EXPECT_TRUE(torpedo.step(step.dt, step.altitude));
+            EXPECT_EQ(torpedo.parachute->isEnabled(), step.shown) << step.dt;
+            EXPECT_EQ(torpedo.info.action->isDone(), step.done) << step.dt;
+        }
+        EXPECT_LT(length(torpedo.parachute->getPosition()), 1e-6); // opened at the torpedo
+    }
 }
 
-TEST_F(Torpedo, ParachuteIsHiddenInTheWaterAndAtTheLimit) {
-    info.action->step(2);
-    setAltitude(-0.001);
-    info.action->step(0.1f);
-    EXPECT_FALSE(parachute->isEnabled());
-    EXPECT_TRUE(info.action->isDone());
-
-    info.action->start();
-    setAltitude(10);
-    parachute->setEnabled(true);
-    info.action->step(39.75f);
-    EXPECT_TRUE(parachute->isEnabled());
-    info.action->step(0.25f);
-    EXPECT_FALSE(parachute->isEnabled());
-    EXPECT_TRUE(info.action->isDone());
-}
-
-TEST_F(Torpedo, WaterInTheStepOfTheDelayHidesFirstAndShowsThen) {
-    setAltitude(-1);
-    info.action->step(2);
-    EXPECT_TRUE(info.action->isDone());
-    EXPECT_TRUE(parachute->isEnabled());
-}
-
-TEST_F(Torpedo, RecordForgetsTheActionWhenItGoes) {
-    delete info.action;
-    EXPECT_EQ(info.action, nullptr);
-    info.parachute = info.torpedo = nullptr; // a prefab without them
-    info.action = ActionEmitTorpedo::Create(&info, 1.5f);
-    EXPECT_TRUE(info.action->step(50));
-    EXPECT_TRUE(info.action->isDone());
+TEST(Torpedo, RecordForgetsTheActionWhenItGoesAndPartsMayBeMissing) {
+    Torpedo torpedo;
+    delete torpedo.info.action;
+    EXPECT_EQ(torpedo.info.action, nullptr);
+    torpedo.info.parachute = torpedo.info.torpedo = nullptr;
+    torpedo.info.action = ActionEmitTorpedo::Create(&torpedo.info, 1.5f);
+    EXPECT_TRUE(torpedo.info.action->step(50));
+    EXPECT_TRUE(torpedo.info.action->isDone());
     EXPECT_EQ(ActionEmitTorpedo::Create(nullptr, 1.5f), nullptr);
+    EXPECT_EQ(ActionEmitMissile::Create(nullptr, 300, 20), nullptr);
 }
 
 TEST(Missile, FliesAlongItsLaunchDirectionUntilItsTimeIsOver) {
@@ -86,26 +77,20 @@ TEST(Missile, FliesAlongItsLaunchDirectionUntilItsTimeIsOver) {
     const dmat4 launch =
         EARTH.getWGSTransform(EARTH.toWorld({-155, 20, 100})) * dmat4(dquat(10, 20, 30), dvec3());
     node.setWorldTransform(launch);
-    ActionEmitMissile* action = ActionEmitMissile::Create(&node, 300, 2);
+    const std::unique_ptr<ActionEmitMissile> action(ActionEmitMissile::Create(&node, 300, 2));
     node.setWorldTransform(dmat4_identity);
     action->start();                  // back to the launch
     node.setRotation(dquat_identity); // turning it doesn't steer it
-    action->step(0.5f);
-    EXPECT_LT(length(node.getPosition() - (launch.getTranslate() + launch.getY() * 150.0)), 1e-6);
-    action->setPause(true);
-    EXPECT_TRUE(action->step(0.5f));
-    action->setPause(false);
-    action->step(1.25f);
-    EXPECT_FALSE(action->isDone());
-    action->step(0.25f);
-    EXPECT_TRUE(action->isDone());
-    EXPECT_FALSE(node.isEnabled());
-    const dvec3 end = node.getPosition();
-    EXPECT_LT(length(end - (launch.getTranslate() + launch.getY() * 600.0)), 1e-6);
-    action->step(1);
-    EXPECT_EQ(node.getPosition(), end);
-    delete action;
-    EXPECT_EQ(ActionEmitMissile::Create(nullptr, 300, 2), nullptr);
+    for (const float time : {0.5f, 1.75f, 2.0f, 2.0f}) {
+        action->setPause(true);
+        EXPECT_TRUE(action->step(9));
+        action->setPause(false);
+        action->step(time < 1 ? 0.5f : time < 2 ? 1.25f : 0.25f); // the last one stands still
+        const dvec3 way = launch.getY() * (300 * static_cast<double>(time));
+        EXPECT_LT(length(node.getPosition() - (launch.getTranslate() + way)), 1e-6);
+        EXPECT_EQ(action->isDone(), time == 2);
+        EXPECT_EQ(node.isEnabled(), time < 2);
+    }
 }
 
 } // namespace

@@ -43,7 +43,13 @@ TEST(Destruction, BurnsTurnsIntoTheWreckAndIsRepairedByReset) {
     scene.logic->heli_explosion();                        // again, while wrecked
     EXPECT_EQ(signals.effects.size(), 2u);
     const unsigned cleared = flames->getNumCleared();
+    scene.logic->m_heli->m_collective = 5;
     scene.logic->reset();
+    EXPECT_EQ(scene.logic->m_heli->m_collective, 0);
+    EXPECT_EQ(scene.logic->m_heli->get_collective_decay(), 1);
+    const dmat4 start = scene.world->getNodeByName("start_heli")->getWorldTransform();
+    EXPECT_LT(length(scene.logic->m_heli->get_world_position() - start.getTranslate()), 1e-8);
+    EXPECT_NEAR(scene.logic->m_heli->m_prefab->getWgsHPR().x, 40, 1e-9);
     EXPECT_TRUE(scene.helicopterNode("normal")->isEnabled());
     EXPECT_FALSE(scene.helicopterNode("destroyed")->isEnabled());
     EXPECT_FALSE(scene.helicopterNode("fire")->isEnabled());

@@ -14,28 +14,6 @@ struct ResetTest : testing::Test {
     LogicScene scene;
 };
 
-TEST_F(ResetTest, HelicopterIsRepairedAndBackAtItsMarker) {
-    UdpRecvData record = LogicScene::record();
-    record.altitude = 300;
-    record.rotor_speed = 200;
-    scene.send(record);
-    scene.frame();
-    scene.helicopterNode("normal")->setEnabled(false);
-    scene.helicopterNode("destroyed")->setEnabled(true);
-    scene.helicopterNode("fire")->setEnabled(true);
-    scene.helicopterNode("sonar")->setEnabled(false);
-    scene.logic->m_heli->set_collective_decay(0.98f);
-    scene.logic->reset();
-    EXPECT_NEAR(scene.helicopterWgs().z, LogicScene::ALTITUDE, 1e-8);
-    EXPECT_NEAR(scene.logic->m_heli->m_prefab->getWgsHPR().x, 30, 1e-9);
-    EXPECT_TRUE(scene.helicopterNode("normal")->isEnabled());
-    EXPECT_FALSE(scene.helicopterNode("destroyed")->isEnabled());
-    EXPECT_FALSE(scene.helicopterNode("fire")->isEnabled());
-    EXPECT_TRUE(scene.helicopterNode("sonar")->isEnabled());
-    EXPECT_EQ(scene.logic->m_heli->get_collective_decay(), 1);
-    EXPECT_EQ(scene.logic->m_heli->m_collective, 0);
-}
-
 TEST(Reset, RemovesWhatIsDeployedInItsOrderAndLeavesMissilesAndWinch) {
     SeaScene scene;
     ASSERT_TRUE(scene.startAt(300));
