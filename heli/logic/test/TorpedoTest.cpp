@@ -103,11 +103,18 @@ TEST(Torpedo, EachIsTrackedAloneAndTheLastTakesTheFreedPlace) {
     auto& infos = scene.logic->m_torpedo_infos;
     TorpedoInfo* second = infos[1];
     TorpedoInfo* third = infos[2];
-    infos[0]->torpedo->setWorldPosition(
-        scene.logic->m_ocean->getWorldPoint(infos[0]->torpedo->getWorldPosition()));
+    // Level with the sea, to the last bit, counts as in it.
+    scene.logic->m_ocean->setBeaufort(0);
+    Node level;
+    dvec3 place = infos[0]->torpedo->getWorldPosition();
+    for (int i = 0; i < 9; i++)
+        place = scene.logic->m_ocean->getWorldPoint(place);
+    ASSERT_EQ(scene.logic->m_ocean->getWorldPoint(place), place);
+    level.setWorldPosition(place);
+    infos[0]->torpedo = &level;
     second->prefab->setEnabled(false); // its time stands still
     scene.frame();
-    ASSERT_EQ(infos.size(), 2); // level with the sea counts as in it
+    ASSERT_EQ(infos.size(), 2);
     EXPECT_EQ(infos[0], third);
     EXPECT_EQ(infos[1], second);
     EXPECT_EQ(second->time_left, 40);

@@ -259,9 +259,9 @@ void BodyRope::moveChain(const dvec3& up, double h) {
             m_points[i + 1] -= pull * second;
         }
     if (!m_resting) return;
-    const double ground = dot(m_load, up) - m_reach;
-    for (std::size_t i = 1; i < SEGMENTS; i++) // slack cable lies beside the load
-        m_points[i] += up * std::max(0.0, ground - dot(m_points[i], up));
+    const double ring = dot(m_load, up);
+    for (std::size_t i = 1; i < SEGMENTS; i++) // slack cable gathers on the load
+        m_points[i] += up * std::max(0.0, ring - dot(m_points[i], up));
 }
 
 /// Poses the loads at the lower end, their Z axis along the cable or, the slacker it is, upright; X

@@ -191,6 +191,8 @@ TEST(Rope, LandingLoadStandsOnTheSurfaceWhileTheCableIsSlack) {
         rig.frame({}, 1 / 60.0);
         EXPECT_NEAR(foot(), surfaces.sea, 1e-3);
         EXPECT_GT(dot(rig.load.getTransform().getZ(), PLACE.getZ()), 0.99999); // upright
+        // Slack cable gathers on the load.
+        EXPECT_GT(rig.rope.getPoint(BodyRope::SEGMENTS - 1).z, rig.relative().z - 1e-3);
     }
     // A climb at 5 m/s, shown in steps of 0, 1 or 2 records: it stands until the cable is taut.
     surfaces.sea = 295;
