@@ -15,32 +15,38 @@ using namespace ig;
 const char* const HIT = "data/art/prefab/vfx/explosion/explosion.prefab";
 
 TEST(Missile, NeverFliesThroughAShipAndExplodesOnce) {
-    for (const float dt : {1 / 144.0f, 1 / 60.0f, 0.1f})
-        for (const double side : {-6.0, 0.0, 7.0})
-            for (const double height : {0.5, 5.0, 9.0}) { // hull below and above the deck, hangar
-                SeaScene scene;
-                ASSERT_TRUE(scene.start());
-                scene.logic->m_ocean->setBeaufort(0); // no wave in the missile's way
-                scene.logic->m_ship1->setControlMode(0);
-                const Node* ship = scene.world->getNodeByName("SM_055_CN_2023");
-                const double distance = 500 + 7 * side;
-                scene.logic->m_heli->set_transform(ship->getWGSTransform() *
-                                                   translate(dvec3(side, -distance, height)));
-                SignalRecorder signals(*scene.logic);
-                scene.logic->emit_missile();
-                Object* missile = scene.logic->m_missiles[0];
-                for (float t = 0; t < 3; t += dt)
-                    scene.frame(dt);
-                ASSERT_EQ(signals.effects.size(), 1u) << dt << " " << side << " " << height;
-                EXPECT_EQ(signals.effects[0].path, HIT);
-                EXPECT_EQ(signals.effects[0].duration, 20);
-                EXPECT_FALSE(missile->getBody()->isEnabled());
-                // In the ship, or past it by no more than the step.
-                const dvec3 place = ship->toLocal(signals.effects[0].place);
-                EXPECT_GT(place.y, -84) << dt << " " << side << " " << height;
-                EXPECT_LT(place.y, 80 + 300 * static_cast<double>(dt));
-                EXPECT_TRUE(missile->isEnabled()); // it flies on
-            }
+    for (const float dt : {1 / 144.0f, 1 / 60.0f, 0.1f}) {
+        SCOPED_TRACE(dt);
+        SeaScene scene;
+        ASSERT_TRUE(scene.start());
+        scene.logic->m_ocean->setBeaufort(0); // no wave in the missile's way
+        scene.logic->m_ship1->setControlMode(0);
+        const Node* ship = scene.world->getNodeByName("SM_055_CN_2023");
+        SignalRecorder signals(*scene.logic);
+        for (const bool abeam : {false, true}) // from astern at hull, deck and hangar, or the side
+            for (const double side : {-6.0, 0.0, 7.0})
+                for (const double height : {0.5, 5.0, 9.0}) {
+                    const dvec3 from = abeam ? dvec3(8 * side, -400 - side, height / 2)
+                                             : dvec3(side, -500 + 7 * side, height);
+                    const dmat4 course(dquat(0.0, 0.0, abeam ? -90.0 : 0.0), {});
+                    scene.logic->m_heli->set_transform(ship->getWGSTransform() * course *
+                                                       translate(from));
+                    scene.logic->emit_missile();
+                }
+        for (float t = 0; t < 3; t += dt)
+            scene.frame(dt);
+        ASSERT_EQ(signals.effects.size(), 18u);
+        for (const auto& effect : signals.effects) {
+            EXPECT_EQ(effect.path, HIT);
+            EXPECT_EQ(effect.duration, 20);
+            const dvec3 place = ship->toLocal(effect.place); // in the ship, or a step past it
+            const double step = 300 * static_cast<double>(dt);
+            EXPECT_TRUE(place.x > -14 && place.x < 14 + step) << place.x;
+            EXPECT_TRUE(place.y > -84 && place.y < 80 + step) << place.y;
+        }
+        for (Object* missile : scene.logic->m_missiles)
+            EXPECT_TRUE(missile->isEnabled() && !missile->getBody()->isEnabled()); // it flies on
+    }
 }
 
 TEST(Missile, ExplodesAtTheSea) {

@@ -9,7 +9,7 @@ namespace ig {
 /// plug-in (`memNew`, by way of the class's own static `Create`), given to an `ActionManager`,
 /// which owns it from then on: starts it, steps it every frame until it is done, and frees it.
 /// Whoever keeps the pointer must forget it when the action ends.
-class Action : public jObject {
+class Action {
 public:
     virtual bool isPause() const { return m_pause; }
     /// A paused action is still asked to step and does not advance.
@@ -20,7 +20,7 @@ public:
     /// A pointer of the creator's choice, not owned; null at first.
     virtual void* getData() const { return m_data; }
     virtual void setData(void* data) { m_data = data; }
-    ~Action() override = default;
+    virtual ~Action() = default;
 
     /// Called once, when the action is given to its manager. False refuses: it is freed unstepped.
     virtual bool start() { return true; }
@@ -34,6 +34,11 @@ public:
     virtual void trigger() {}
     /// Called once before the action is freed, however it ended: gives back what it holds.
     virtual void release() {}
+
+    /// Actions come from the engine allocator; `delete` takes them out of the memory tracker.
+    static void* operator new(std::size_t size) { return jObject::operator new(size); }
+    static void* operator new(std::size_t, void* place) noexcept { return place; }
+    static void operator delete(void* memory) noexcept { jObject::operator delete(memory); }
 
 protected:
     Action() = default;
