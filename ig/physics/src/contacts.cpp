@@ -8,13 +8,9 @@
 #include "ig/math/EllipsoidModel.h"
 
 #include <algorithm>
+#include <set>
 
 namespace ig {
-
-struct Physics::Contact {
-    BodyRigid* body;
-    double fraction; ///< of the way, where it happens
-};
 
 namespace {
 
@@ -27,22 +23,17 @@ struct SweepResult : btCollisionWorld::ConvexResultCallback {
         return proxy->m_clientObject != own && ConvexResultCallback::needsCollision(proxy);
     }
     btScalar addSingleResult(btCollisionWorld::LocalConvexResult& result, bool) override {
-        for (auto& hit : hits)
-            if (hit.first == result.m_hitCollisionObject) {
-                hit.second = std::min(hit.second, result.m_hitFraction);
-                return 1;
-            }
-        hits.emplace_back(result.m_hitCollisionObject, result.m_hitFraction);
+        met.insert(result.m_hitCollisionObject);
         return 1; // all along the way, not only the nearest
     }
     const btCollisionObject* own;
-    std::vector<std::pair<const btCollisionObject*, double>> hits;
+    std::set<const btCollisionObject*> met;
 };
 
 } // namespace
 
 void Physics::reportContacts() {
-    jVector<Contact> contacts;
+    jVector<BodyRigid*> contacts; // each as often as it met something
     for (Body* body : m_bodies) {
         BodyRigid* rigid = asRigid(body);
         if (!rigid || !rigid->m_simulation->inserted) continue;
@@ -52,16 +43,15 @@ void Physics::reportContacts() {
     // The callbacks may remove any body, also one that comes later.
     const BodyRigid* previous = nullptr;
     int index = 0;
-    for (const Contact& contact : contacts) {
-        index = contact.body == previous ? index + 1 : 0;
-        previous = contact.body;
-        if (m_bodies.find(contact.body) < 0) continue;
-        if (auto* callback = contact.body->getContactCallback())
-            callback->onContact(contact.body, index);
+    for (BodyRigid* body : contacts) {
+        index = body == previous ? index + 1 : 0;
+        previous = body;
+        if (m_bodies.find(body) < 0) continue;
+        if (auto* callback = body->getContactCallback()) callback->onContact(body, index);
     }
 }
 
-void Physics::sweep(BodyRigid* body, jVector<Contact>& contacts) {
+void Physics::sweep(BodyRigid* body, jVector<BodyRigid*>& contacts) {
     BodyRigid::Simulation& s = *body->m_simulation;
     const btTransform& from = s.last;
     const btTransform& to = s.body->getWorldTransform();
@@ -73,23 +63,15 @@ void Physics::sweep(BodyRigid* body, jVector<Contact>& contacts) {
         m_solver->world.convexSweepTest(static_cast<btConvexShape*>(s.compound.getChildShape(i)),
                                         from * place, to * place, result);
     }
-    jVector<Contact> found;
-    for (const auto& hit : result.hits)
-        found.append({body, hit.second});
-    if (m_surfaces) {
-        btVector3 center;
-        btScalar radius;
-        s.compound.getBoundingSphere(center, radius);
-        const dvec3 a = fromBullet(from.getOrigin()), b = fromBullet(to.getOrigin());
-        const dvec3 tip = fromBullet(way.normalized() * radius);
-        dvec3 point;
-        if (m_surfaces->meet(a, b + tip, true, &point))
-            found.append({body, length(point - a) / length(b + tip - a)});
-    }
-    std::sort(found.begin(), found.end(),
-              [](const Contact& a, const Contact& b) { return a.fraction < b.fraction; });
-    for (const Contact& contact : found)
-        contacts.append(contact);
+    for (std::size_t i = 0; i < result.met.size(); i++)
+        contacts.append(body);
+    if (!m_surfaces) return;
+    btVector3 center;
+    btScalar radius;
+    s.compound.getBoundingSphere(center, radius);
+    const btVector3 tip = to.getOrigin() + way.normalized() * radius;
+    if (m_surfaces->meet(fromBullet(from.getOrigin()), fromBullet(tip), true, nullptr))
+        contacts.append(body);
 }
 
 /// Puts a body that has sunk into the ground back onto it, at rest.

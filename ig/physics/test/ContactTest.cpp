@@ -85,7 +85,7 @@ TEST(Contacts, NothingFliesThroughABoxAtAnyStep) {
     EXPECT_EQ(hits, shots);
 }
 
-TEST(Contacts, ComeOncePerThingMetInOrderAndNotFromADisabledBody) {
+TEST(Contacts, ComeOncePerThingMetAndNotFromADisabledBody) {
     Physics physics;
     Level surfaces;
     physics.setSurfaces(&surfaces);

@@ -18,7 +18,7 @@ class BodyContactCallbackBase {
 public:
     virtual ~BodyContactCallbackBase() = default;
     /// `body` is the one that carries the callback; `contact` counts what it met in this frame,
-    /// from 0, nearest first.
+    /// from 0.
     virtual void onContact(Body* body, int contact) = 0;
 };
 
@@ -67,12 +67,11 @@ private:
     friend class BodyRigid;
     friend class Joint;
     struct Solver;
-    struct Contact;
     void insert(BodyRigid* body); // makes an enabled body take part
     void extract(BodyRigid* body);
     void refresh(BodyRigid* body); // after the solver's body was placed
     void land(BodyRigid* body);
-    void sweep(BodyRigid* body, jVector<Contact>& contacts);
+    void sweep(BodyRigid* body, jVector<BodyRigid*>& contacts);
     void reportContacts();
 
     jVector<Body*> m_bodies;
