@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Environment.h"
 
+#include "Lightning.h"
 #include "Options.h"
 #include "ig/app/ControlApp.h"
 #include "ig/app/Engine.h"
@@ -23,10 +24,17 @@ constexpr float FULL_VISIBILITY = 300000; ///< metres, at fraction 1
 constexpr float LEAST_VISIBILITY = 20;    ///< metres: what absurd values come down to
 constexpr double DEFAULT_VISIBILITY = 60000;
 constexpr double FOG_VISIBILITY = 800; ///< metres, for fog without a word on how thick
-constexpr float HIGHEST_WIND = 100;    ///< m/s: what absurd values come down to
-constexpr float WIND_STRENGTH = 400;   ///< the scene's wind strength for 1 m/s
-constexpr int HEAVY = 3;               ///< the highest level of precipitation
-constexpr int HIGHEST_SEA = 12;        ///< Beaufort
+/// Metres by level, for precipitation without a word on how far one sees.
+constexpr double RAIN_VISIBILITY[] = {DEFAULT_VISIBILITY, 20000, 9000, 4000};
+constexpr double SNOW_VISIBILITY[] = {DEFAULT_VISIBILITY, 6000, 2000, 700};
+constexpr float LOWEST_CLOUDS = 30, HIGHEST_TOWER = 15000; ///< metres
+constexpr float WIND_STRENGTH = 400;                       ///< the scene's wind strength for 1 m/s
+constexpr float HIGHEST_WIND = 60;                         ///< m/s: what absurd values come down to
+constexpr int HEAVY = 3;                                   ///< the highest level of precipitation
+constexpr int HIGHEST_SEA = 12;                            ///< Beaufort
+constexpr double PATH = 60;            ///< m that drops pass the eye by at most, by their life
+constexpr double FASTEST_EYE = 400;    ///< m/s; what is faster has jumped
+constexpr double EYE_SMOOTHING = 0.15; ///< s; host records come unevenly
 constexpr double DAY = 24;             ///< hours
 constexpr float ROTOR_RADIUS = 9.5f;   ///< m
 constexpr float WASH_FADES_FROM = 8, WASH_FADES_TO = 30; ///< altitude over the water, m
@@ -77,7 +85,8 @@ void Environment::attach(const World& world) {
         Node* node = world.getNodeByName(name);
         if (!node || node->getType() != OBJECT_PARTICLES) continue;
         auto* emitter = static_cast<ObjectParticles*>(node);
-        m_precipitation.push_back({emitter, level, emitter->getSpawnRate()});
+        m_precipitation.push_back({emitter, level, emitter->getSpawnRate(),
+                                   std::abs(emitter->getLinearVelocity()), emitter->getLife()});
     }
 }
 
@@ -137,21 +146,52 @@ void Environment::update(float dt, const Camera& camera, const ControlApp& keys)
     Engine::get()->setWindStrength(std::max(weather.wind_speed, 0.0f) * WIND_STRENGTH);
     if (m_ocean && weather.beaufort >= 0)
         m_ocean->setBeaufort(static_cast<float>(weather.beaufort));
+    followEye(camera, dt);
     applyPrecipitation(weather, camera);
     tellLogic(weather);
 }
 
-/// Each emitter hangs level above the eye, so high that its particles fall as far below.
+/// How fast the eye moves, from where it was.
+void Environment::followEye(const Camera& camera, float dt) {
+    const dvec3 eye = camera.getWorldPosition();
+    if (dt > 0) {
+        const dvec3 velocity = (eye - m_eye) * (1 / static_cast<double>(dt));
+        if (!m_eye_known || !(length(velocity) < FASTEST_EYE))
+            m_eye_velocity = {};
+        else
+            m_eye_velocity += (velocity - m_eye_velocity) *
+                              (1 - std::exp(-static_cast<double>(dt) / EYE_SMOOTHING));
+        m_eye_known = true;
+        m_eye = eye;
+    }
+}
+
+/// Drops fall through air that drifts with the wind, and the eye flies through both: an emitter
+/// lies half a life up that relative path, so that its drops pass the eye in mid-life, and the life
+/// is the shorter the faster they pass, with as many drops in the air.
 void Environment::applyPrecipitation(const Weather& weather, const Camera& camera) {
-    const dvec3 eye = Engine::get()->getEllipsoidModel()->toWGS(camera.getWorldPosition(), true);
+    const dmat4 level =
+        Engine::get()->getEllipsoidModel()->getWGSTransform(camera.getWorldPosition());
+    const double towards = static_cast<double>(weather.wind_direction) * DEG_TO_RAD<double>;
+    const dvec3 air = (level.getX() * std::cos(towards) + level.getY() * std::sin(towards)) *
+                      static_cast<double>(std::clamp(weather.wind_speed, 0.0f, HIGHEST_WIND));
     for (const Precipitation& p : m_precipitation) {
-        const int level = std::clamp(weather.*p.level, 0, HEAVY);
-        p.emitter->setEnabled(level > 0);
-        p.emitter->setSpawnRate(p.full_rate * static_cast<float>(level) / HEAVY);
-        if (level == 0) continue;
-        const float fall = std::abs(p.emitter->getLinearVelocity()) * p.emitter->getLife();
-        p.emitter->setWgsPosition({eye.x, eye.y, eye.z + static_cast<double>(fall) / 2});
-        p.emitter->setWgsHPR({});
+        const int strength = std::clamp(weather.*p.level, 0, HEAVY);
+        p.emitter->setEnabled(strength > 0);
+        const dvec3 velocity = air - level.getZ() * static_cast<double>(p.fall);
+        const dvec3 passing = velocity - m_eye_velocity;
+        const auto life = static_cast<float>(
+            std::min(static_cast<double>(p.life), PATH / std::max(length(passing), 0.1)));
+        p.emitter->setSpawnRate(p.full_rate * static_cast<float>(strength) / HEAVY * p.life / life);
+        if (strength == 0) continue;
+        p.emitter->setLife(life);
+        p.emitter->setLinearVelocity(-static_cast<float>(length(velocity)));
+        // Its Z points up the drops' way.
+        const dvec3 back = normalize(velocity) * -1.0;
+        const dvec3 side = normalize(cross(level.getY(), back));
+        p.emitter->setWorldTransform(
+            dmat4(dmat3(side, cross(back, side), back),
+                  camera.getWorldPosition() - passing * (static_cast<double>(life) / 2)));
     }
 }
 
@@ -172,11 +212,13 @@ void Environment::fillFrame(const Camera& camera, const ObjectPrefab* helicopter
                             FrameInfo& frame) const {
     frame.time = time;
     frame.focus = helicopter;
-    fillSky(Engine::get()->getEllipsoidModel()->toWGS(camera.getWorldPosition(), true).x, frame);
+    frame.eye_velocity = m_eye_velocity;
+    fillSky(Engine::get()->getEllipsoidModel()->toWGS(camera.getWorldPosition(), true).x, time,
+            frame);
     fillDownwash(helicopter, frame);
 }
 
-void Environment::fillSky(double longitude, FrameInfo& frame) const {
+void Environment::fillSky(double longitude, double time, FrameInfo& frame) const {
     const Sky sky = computeSky(m_hour, longitude, m_day_of_year);
     frame.sun_direction = sky.sun_direction;
     frame.moon_direction = sky.moon_direction;
@@ -195,7 +237,19 @@ void Environment::fillSky(double longitude, FrameInfo& frame) const {
     if (weather.visibility > 0)
         frame.visibility = static_cast<double>(weather.visibility);
     else
-        frame.visibility = weather.look == WEATHER_FOG ? FOG_VISIBILITY : DEFAULT_VISIBILITY;
+        frame.visibility = weather.look == WEATHER_FOG
+                               ? FOG_VISIBILITY
+                               : std::min(RAIN_VISIBILITY[std::clamp(weather.rain, 0, HEAVY)],
+                                          SNOW_VISIBILITY[std::clamp(weather.snow, 0, HEAVY)]);
+    if (weather.cloud_cover >= 0 && weather.cloud_thickness > 0) {
+        frame.cloud_base = static_cast<double>(std::max(weather.cloud_base, LOWEST_CLOUDS));
+        frame.cloud_thickness =
+            static_cast<double>(std::min(weather.cloud_thickness, HIGHEST_TOWER));
+    }
+    const Lightning light = weather.look == WEATHER_STORM ? Lightning::at(time) : Lightning();
+    frame.flash = light.flash;
+    frame.bolt_azimuth = light.azimuth;
+    frame.bolt_shape = light.shape;
 }
 
 /// The water feels the rotor as long as the logic shows its downwash.

@@ -54,7 +54,9 @@ private:
     struct Precipitation {
         ig::ObjectParticles* emitter;
         int Weather::*level;
-        float full_rate; ///< particles per second at the highest level
+        float full_rate; ///< particles per second at the highest level, at rest
+        float fall;      ///< m/s through the air
+        float life;      ///< s, at rest
     };
 
     void onCommand(CMD_TYPE command) { m_command = command; }
@@ -71,14 +73,17 @@ private:
     void onSea(int code);
 
     void readKeys(const ig::ControlApp& keys);
+    void followEye(const ig::Camera& camera, float dt);
     void applyPrecipitation(const Weather& weather, const ig::Camera& camera);
     void tellLogic(const Weather& weather);
-    void fillSky(double longitude, ig::FrameInfo& frame) const;
+    void fillSky(double longitude, double time, ig::FrameInfo& frame) const;
     static void fillDownwash(const ig::ObjectPrefab* helicopter, ig::FrameInfo& frame);
 
     LogicBase* m_logic = nullptr;   ///< the host application's
     ObjectOcean* m_ocean = nullptr; ///< the world's
     std::vector<Precipitation> m_precipitation;
+    ig::dvec3 m_eye, m_eye_velocity; ///< world; the velocity smoothed
+    bool m_eye_known = false;
     Weather m_told;     ///< by the flight simulation
     Weather m_operator; ///< by options and keys
     CMD_TYPE m_command = CMD_RUN;

@@ -178,10 +178,16 @@ ObjectParticles::Surface readSurface(const Package& p) {
 Node* createParticles(const Package& p) {
     reportUnknownKeys(p,
                       {"life", "life_spread", "velocity", "velocity_spread", "rate", "spread",
-                       "duration", "burst", "surface", "material", "deflectors"},
+                       "duration", "burst", "surface", "material", "deflectors", "deflector_size"},
                       true);
     dvec3 spread;
     if (!readVec3(p, "spread", spread)) return nullptr;
+    double half[2] = {2.5, 2.5};
+    const Item* size = p.getItem("deflector_size");
+    if (size && (size->getDoubles(half, 2) != 2 || !(half[0] > 0 && half[1] > 0))) {
+        report(p, size->getLine(), "two positive numbers are needed in", "deflector_size");
+        return nullptr;
+    }
     auto* particles = new ObjectParticles();
     if (p.getItem("life")) particles->setLife(p.getFloat("life"));
     particles->setLifeSpread(p.getFloat("life_spread"));
@@ -193,6 +199,7 @@ Node* createParticles(const Package& p) {
     particles->setSpread(vec3(spread));
     particles->setSurface(readSurface(p));
     particles->setNumDeflectors(std::clamp(p.getInt("deflectors"), 0, 16));
+    particles->setDeflectorSize({static_cast<float>(half[0]), static_cast<float>(half[1])});
     particles->setSurfaceMaterial(0, loadMaterial(p));
     particles->setIntersection(0, false);
     return particles;

@@ -12,12 +12,11 @@ namespace ig {
 
 namespace {
 
-constexpr float LONGEST_STEP = 0.5f;  ///< s
-constexpr double FARTHEST = 1000;     ///< m from the origin before it is moved along
-constexpr double WAKE_SPEED = 5;      ///< m/s at which a flat emitter reaches its rate
-constexpr std::size_t MOST = 12000;   ///< particles of one emitter
-constexpr float GRAVITY = 9.81f;      ///< m/s²
-constexpr double COLUMN_RADIUS = 2.5; ///< m: half a deflector's width when it has no scale
+constexpr float LONGEST_STEP = 0.5f; ///< s
+constexpr double FARTHEST = 1000;    ///< m from the origin before it is moved along
+constexpr double WAKE_SPEED = 5;     ///< m/s at which a flat emitter reaches its rate
+constexpr std::size_t MOST = 12000;  ///< particles of one emitter
+constexpr float GRAVITY = 9.81f;     ///< m/s²
 
 float slider(const Material* material, const char* tag) {
     const int id = material ? material->findParameterIDByTag(tag) : -1;
@@ -129,15 +128,18 @@ void ParticleSystem::makeRoom(const ObjectParticles& emitter, std::vector<Partic
         particles.reserve(std::max(needed, 2 * particles.capacity())); // a rate may creep upwards
 }
 
-/// A deflector keeps its whole vertical column free.
+/// A deflector keeps its whole column free.
 void ParticleSystem::deflect(const ObjectParticles& emitter, ParticleCloud& cloud) {
+    const vec2 half = emitter.getDeflectorSize();
     for (int i = 0; i < emitter.getNumDeflectors(); i++) {
         const dmat4& deflector = emitter.getDeflectorTransform(i);
         const vec3 middle(deflector.getTranslate() - cloud.origin);
-        const auto radius = static_cast<float>(COLUMN_RADIUS * length(deflector.getX()));
+        // Divided by their squares, the axes measure in the deflector's own scale.
+        const dvec3 x = deflector.getX(), y = deflector.getY();
+        const vec3 across(x / dot(x, x)), along(y / dot(y, y));
         std::erase_if(cloud.particles, [&](const Particle& p) {
             const vec3 d = p.position - middle;
-            return length2(d - cloud.up * dot(d, cloud.up)) < radius * radius;
+            return std::abs(dot(d, across)) < half.x && std::abs(dot(d, along)) < half.y;
         });
     }
 }

@@ -18,7 +18,8 @@ layout(std140) uniform Frame {
     vec4 uSky;          // x: range of the sky map; y: stars; z: night-to-day turn of the stars, rad;
                         // w: haze that covers the sky itself
     vec4 uWeather;      // x: rain, y: snow, z: cloud cover, w: overcast
-    vec4 uTime;         // x: scene time, s; y: angle of a pixel, rad
+    vec4 uTime;         // x: scene time, s; y: angle of a pixel, rad; z: lightning, 0 to 1
+    vec4 uBolt;         // towards the bolt's foot (unit, level); z: its shape, 0 to 1
 };
 uniform sampler2D uSkyMap;
 

@@ -23,6 +23,28 @@ float stars(vec3 d) {
     return magnitude * spread * spread * smoothstep(size, 0.0, length(within - place));
 }
 
+// A bolt from the clouds to the ground: a path whose every half strays half as far, and a branch.
+float bolt(vec3 d) {
+    float away = dot(d.xy, uBolt.xy) / max(length(d.xy), 1e-4);
+    if (away < 0.9) return 0.0;
+    float side = (d.x * uBolt.y - d.y * uBolt.x) / max(length(d.xy), 1e-4);
+    float height = d.z / 0.16; // 0 at the foot, 1 in the clouds
+    if (height < 0.0 || height > 1.3) return 0.0;
+    float path = 0.0, stray = 0.035, cells = 3.0;
+    for (int i = 0; i < 5; i++) {
+        path += stray * (noise(vec2(height * cells, uBolt.z * 97.0 + float(i) * 7.0)) - 0.5);
+        stray *= 0.55;
+        cells *= 2.1;
+    }
+    float width = max(0.0011, uTime.y);
+    float core = exp(-pow((side - path) / width, 2.0));
+    float fork = path + 0.11 * max(0.62 - height, 0.0) * (uBolt.z < 0.5 ? 1.0 : -1.0) +
+                 0.012 * (noise(vec2(height * 21.0, uBolt.z * 31.0)) - 0.5);
+    float branch = height > 0.2 && height < 0.62 ? exp(-pow((side - fork) / width, 2.0)) : 0.0;
+    float halo = 0.02 * exp(-abs(side - path) / 0.012);
+    return (core + 0.45 * branch + halo) * smoothstep(1.3, 0.9, height);
+}
+
 void main() {
     vec2 n = vPlace * 2.0 - 1.0;
     vec3 d = normalize(transpose(mat3(uView)) * vec3(n * uRay.xy + uRay.zw, -1.0));
@@ -46,6 +68,7 @@ void main() {
         vec3 turned = vec3(k * d.x + s * d.z, d.y, k * d.z - s * d.x);
         c += vec3(0.9, 0.95, 1.0) * stars(turned) * uSky.y * open * smoothstep(0.0, 0.25, lifted.z);
     }
+    if (uTime.z > 0.0) c += vec3(0.75, 0.82, 1.0) * bolt(lifted) * (uSky.x * 1.6 * min(uTime.z * 1.5, 1.0));
     // A fog bank covers the sky too, most where the ray stays long in it.
     float cover = 1.0 - exp(-uSky.w * uAir.y / max(lifted.z, 0.004));
     oColor = vec4(mix(c, hazeColor(d.xy), cover), 1.0);

@@ -9,5 +9,5 @@ struct FrameBlock {
     ig::mat4 projection, view, shadow;
     ig::vec4 shadow_far, shadow_far_depth;
     ig::vec4 light_direction, light, ambient, air, screen, sun_direction, moon_direction, sky,
-        weather, time;
+        weather, time, bolt;
 };

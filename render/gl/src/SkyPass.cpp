@@ -13,6 +13,7 @@ namespace {
 
 constexpr int SCATTER_SIZE = 128;    ///< texels; scattering without its phase functions is smooth
 constexpr float SUN_IRRADIANCE = 20; ///< above the air, in the units of the shaders
+constexpr float FLASH_GAIN = 2.2f;   ///< of the sky's light at the height of a lightning flash
 constexpr float CLEAR_EXPOSURE = 0.24f;             ///< at noon under a clear sky
 constexpr float CLEAR_LUMINANCE = 4.0f;             ///< of a white ground then
 constexpr float DAY_RANGE = 8, NIGHT_RANGE = 0.08f; ///< brightest value that the sky map can hold
@@ -212,8 +213,13 @@ void SkyPass::update(const FrameView& view, const FrameInfo& frame, FrameBlock& 
         uploadBlock(block);
         bake(wanted, block);
     }
-    block.sky.x = m_range;
-    block.ambient = {m_ambient, extinction};
+    // Lightning lights the clouds from within, and they light all else. The exposure is too slow.
+    const float lit = 1 + FLASH_GAIN * frame.flash;
+    const float azimuth = frame.bolt_azimuth * DEG_TO_RAD<float>;
+    block.time.z = frame.flash;
+    block.bolt = {std::sin(azimuth), std::cos(azimuth), frame.bolt_shape, 0};
+    block.sky.x = m_range * lit;
+    block.ambient = {m_ambient * lit, extinction};
     const float ground =
         luminance(m_ambient) + luminance(light) * std::max(block.light_direction.z, 0.0f) / 3.1416f;
     const float gain = std::pow(CLEAR_LUMINANCE / std::max(ground, 1e-4f), 0.66f);

@@ -2,6 +2,7 @@
 #include "SpritePass.h"
 
 #include "SceneList.h"
+#include "ig/app/Renderer.h"
 #include "ig/scene/ParticleSystem.h"
 #include "ig/scene/SceneObjects.h"
 
@@ -12,8 +13,9 @@
 using namespace ig;
 
 namespace {
-constexpr float LAMP_SIZE = 0.55f; ///< half the edge of a lamp's glow, m
-constexpr float LAMP_LIGHT = 9;    ///< at density 1
+constexpr float LONGEST_STREAK = 2.5f; ///< m: longer ones would reach through the cabin's walls
+constexpr float LAMP_SIZE = 0.55f;     ///< half the edge of a lamp's glow, m
+constexpr float LAMP_LIGHT = 9;        ///< at density 1
 } // namespace
 
 bool SpritePass::init() {
@@ -44,12 +46,13 @@ void SpritePass::release() {
 
 // ------------------------------------------------------------------ gathering
 
-void SpritePass::gather(const FrameView& view, const ParticleSystem* particles,
+void SpritePass::gather(const FrameView& view, const FrameInfo& frame,
                         const std::vector<LampItem>& lamps) {
     m_sprites.clear();
-    if (particles)
-        particles->forEach([&](const ParticleCloud& cloud) {
-            if (!cloud.flat) addCloud(view, cloud);
+    const vec3 eye_velocity(view.toFrameDirection(frame.eye_velocity));
+    if (frame.particles)
+        frame.particles->forEach([&](const ParticleCloud& cloud) {
+            if (!cloud.flat) addCloud(view, cloud, eye_velocity);
         });
     for (const LampItem& lamp : lamps)
         m_sprites.push_back({lamp.position,
@@ -69,22 +72,30 @@ void SpritePass::gather(const FrameView& view, const ParticleSystem* particles,
               [](const Sprite& a, const Sprite& b) { return a.depth > b.depth; });
 }
 
-void SpritePass::addCloud(const FrameView& view, const ParticleCloud& cloud) {
+void SpritePass::addCloud(const FrameView& view, const ParticleCloud& cloud,
+                          const vec3& eye_velocity) {
     const Material* material = cloud.emitter->getSurfaceMaterial(0);
     const vec4 color = readValue(material, "diffuse_color", {1, 1, 1, 1});
     const float size = readSlider(material, "particle_size", 0.3f);
     const float growth = readSlider(material, "particle_growth", 0);
     const float emission = readSlider(material, "emission", 0);
     const float streak = readSlider(material, "streak", 0);
+    const float exposure = streak / std::max(std::abs(cloud.emitter->getLinearVelocity()), 0.1f);
     const mat4 to_frame = view.toFrame(dmat4(dmat3(), cloud.origin));
     const mat3 turn = to_frame.getMat3();
     for (const Particle& p : cloud.particles) {
         const vec3 place = to_frame * p.position;
         const float radius = size + growth * p.age, youth = p.age / p.life;
         // In quickly, out slowly; what spreads thins out.
-        const float opacity = color.w * std::min(youth * 8, 1.0f) * (1 - youth) * size / radius;
-        if (!view.sees(place, radius + streak)) continue;
-        const vec3 stretch = streak > 0 ? turn * normalize(p.velocity) * (streak / 2) : vec3();
+        float opacity = color.w * std::min(youth * 8, 1.0f) * (1 - youth) * size / radius;
+        if (!view.sees(place, radius + LONGEST_STREAK)) continue;
+        vec3 stretch;
+        if (streak > 0) { // as long as it passes the eye while the eye looks
+            const vec3 passing = turn * p.velocity - eye_velocity;
+            const float speed = length(passing), trail = std::min(exposure * speed, LONGEST_STREAK);
+            if (trail > 2 * radius) stretch = passing * (trail / (2 * std::max(speed, 1e-3f)));
+            opacity *= std::min(std::sqrt(streak / std::max(trail, streak)), 1.0f);
+        }
         // Nothing pops up right before the eye.
         const float near = std::clamp(length(place) / (2 * radius) - 0.4f, 0.0f, 1.0f);
         m_sprites.push_back({place, radius, vec4(color.xyz(), opacity * near), p.turn, emission,

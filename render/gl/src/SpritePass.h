@@ -7,7 +7,7 @@
 #include <vector>
 
 namespace ig {
-class ParticleSystem;
+struct FrameInfo;
 struct ParticleCloud;
 } // namespace ig
 struct LampItem;
@@ -18,8 +18,8 @@ class SpritePass {
 public:
     bool init();
     void release();
-    /// Gathers the frame's sprites; `particles` may be null.
-    void gather(const FrameView& view, const ig::ParticleSystem* particles,
+    /// Gathers the frame's sprites; its `particles` may be null.
+    void gather(const FrameView& view, const ig::FrameInfo& frame,
                 const std::vector<LampItem>& lamps);
     void draw();
 
@@ -32,7 +32,8 @@ private:
         ig::vec3 stretch;
         float depth; ///< along the view, for the order; the shader doesn't read it
     };
-    void addCloud(const FrameView& view, const ig::ParticleCloud& cloud);
+    void addCloud(const FrameView& view, const ig::ParticleCloud& cloud,
+                  const ig::vec3& eye_velocity);
 
     gl::Program m_program;
     gl::VertexArray m_vertex_array;

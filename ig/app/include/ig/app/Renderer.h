@@ -30,8 +30,14 @@ struct FrameInfo {
     float cloud_cover = 0.5f;           ///< broken clouds, 0 to 1
     float overcast = 0;                 ///< closed layer of clouds, 0 to 1
     float cloud_darkness = 0;           ///< of the closed layer, 0 thin to 1 thunderstorm
+    double cloud_base = 900;            ///< altitude of the broken clouds or the layer, m
+    double cloud_thickness = 500;       ///< m
     float rain = 0, snow = 0, hail = 0; ///< 0 to 1
     vec2 wind;                          ///< where the air moves to, m/s east and north
+    float flash = 0;                    ///< lightning lights the clouds, 0 to 1
+    float bolt_azimuth = 0;             ///< degrees clockwise from north
+    float bolt_shape = 0;               ///< 0 to 1, the same as long as a bolt lasts
+    dvec3 eye_velocity; ///< world, m/s: drops are streaked by the way they pass the eye
     /// The helicopter: where shadows are sharpest, and what its own radar doesn't see; null: none,
     /// and shadows around the camera.
     const Node* focus = nullptr;

@@ -64,11 +64,15 @@ public:
     /// present place.
     WorldBoundBox getWorldBoundBox() const;
 
-    /// Deflectors remove the particles in their column. World transforms.
+    /// Deflectors remove the particles in their column, which reaches without end along the
+    /// deflector's own Z axis: it leans with the helicopter that it shelters. World transforms.
     int getNumDeflectors() const { return m_deflectors.size(); }
     void setNumDeflectors(int count) { m_deflectors.resize(count); }
     const dmat4& getDeflectorTransform(int i) const { return m_deflectors[i]; }
     void setDeflectorTransform(int i, const dmat4& transform) { m_deflectors[i] = transform; }
+    /// Half the column's size along the deflector's X and Y, m, for deflectors without scale.
+    const vec2& getDeflectorSize() const { return m_deflector_size; }
+    void setDeflectorSize(const vec2& size) { m_deflector_size = size; }
 
 private:
     float m_life = 1, m_life_spread = 0;
@@ -82,6 +86,7 @@ private:
     bool m_silent = false;
     unsigned m_cleared = 0;
     jVector<dmat4> m_deflectors;
+    vec2 m_deflector_size{2.5f, 2.5f};
 };
 
 /// A cable: an object with a rope body that shows it. Each segment is a child mesh, stretched from
