@@ -12,6 +12,7 @@
 #include "render/gl/RendererGL.h"
 #include "render/null/RendererNull.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -243,6 +244,8 @@ FrameCosts Channel::frame(float dt) {
     costs.update = spent();
     m_world.updatePhysics(dt);
     m_world.updateParticles(dt);
+    const Weather weather = m_environment.getWeather();
+    m_particles.setWind(weather.wind_direction, std::max(weather.wind_speed, 0.0f));
     m_particles.advance(m_world, dt);
     costs.physics = spent();
     m_interface.update(dt);

@@ -168,26 +168,42 @@ Node* createPrefab(const Package& p) {
 }
 
 ObjectParticles::Surface readSurface(const Package& p) {
+    using Surface = ObjectParticles::Surface;
     const jString& name = p.getString("surface");
-    if (name == "land") return ObjectParticles::Surface::land;
-    if (name == "water") return ObjectParticles::Surface::water;
-    if (!name.empty()) report(p, p.getLine(), "neither land nor water:", name);
-    return ObjectParticles::Surface::any;
+    constexpr std::pair<std::string_view, Surface> NAMES[] = {
+        {"land", Surface::land}, {"water", Surface::water}, {"grass", Surface::grass},
+        {"sand", Surface::sand}, {"snow", Surface::snow},   {"hard", Surface::hard}};
+    for (const auto& [known, surface] : NAMES)
+        if (std::string_view(name.c_str()) == known) return surface;
+    if (!name.empty()) report(p, p.getLine(), "unknown surface:", name);
+    return Surface::any;
+}
+
+/// Two numbers under `key`, both at least `least`. True when the key is absent (`out` unchanged) or
+/// good.
+bool readVec2(const Package& p, const char* key, double least, vec2& out) {
+    const Item* item = p.getItem(key);
+    if (!item) return true;
+    double v[2];
+    if (item->getDoubles(v, 2) != 2 || item->getCount() != 2 || !(v[0] >= least && v[1] >= least) ||
+        !std::isfinite(v[0] + v[1])) {
+        report(p, item->getLine(), "two numbers, not too small, are needed in", key);
+        return false;
+    }
+    out = {static_cast<float>(v[0]), static_cast<float>(v[1])};
+    return true;
 }
 
 Node* createParticles(const Package& p) {
     reportUnknownKeys(p,
                       {"life", "life_spread", "velocity", "velocity_spread", "rate", "spread",
-                       "duration", "burst", "surface", "material", "deflectors", "deflector_size"},
+                       "duration", "burst", "surface", "material", "deflectors", "deflector_size",
+                       "ring", "outflow"},
                       true);
     dvec3 spread;
     if (!readVec3(p, "spread", spread)) return nullptr;
-    double half[2] = {2.5, 2.5};
-    const Item* size = p.getItem("deflector_size");
-    if (size && (size->getDoubles(half, 2) != 2 || !(half[0] > 0 && half[1] > 0))) {
-        report(p, size->getLine(), "two positive numbers are needed in", "deflector_size");
-        return nullptr;
-    }
+    vec2 half{2.5f, 2.5f}, ring;
+    if (!readVec2(p, "deflector_size", 0.01, half) || !readVec2(p, "ring", 0, ring)) return nullptr;
     auto* particles = new ObjectParticles();
     if (p.getItem("life")) particles->setLife(p.getFloat("life"));
     particles->setLifeSpread(p.getFloat("life_spread"));
@@ -199,7 +215,8 @@ Node* createParticles(const Package& p) {
     particles->setSpread(vec3(spread));
     particles->setSurface(readSurface(p));
     particles->setNumDeflectors(std::clamp(p.getInt("deflectors"), 0, 16));
-    particles->setDeflectorSize({static_cast<float>(half[0]), static_cast<float>(half[1])});
+    particles->setDeflectorSize(half);
+    particles->setRing(ring, p.getFloat("outflow"));
     particles->setSurfaceMaterial(0, loadMaterial(p));
     particles->setIntersection(0, false);
     return particles;

@@ -58,7 +58,7 @@ void ParticleSystem::advanceEmitter(const ObjectParticles& emitter, float dt, bo
     entry.round = m_round;
     const Material* material = emitter.getSurfaceMaterial(0);
     const Motion motion{slider(material, "gravity"), slider(material, "drag"),
-                        slider(material, "spin")};
+                        slider(material, "spin"), slider(material, "wind")};
     // Foam lies where a hull has gone: it doesn't pile up around a still one.
     const double speed = length(position - entry.position) / static_cast<double>(dt);
     const double share = flat ? std::min(speed / WAKE_SPEED, 1.0) : 1;
@@ -80,11 +80,19 @@ void ParticleSystem::keepNear(const dvec3& position, ParticleCloud& cloud) {
     cloud.up = vec3(EllipsoidModel().getUp(cloud.origin));
 }
 
-void ParticleSystem::move(ParticleCloud& cloud, const Motion& motion, float dt) {
+void ParticleSystem::move(ParticleCloud& cloud, const Motion& motion, float dt) const {
+    vec3 air;
+    if (motion.wind > 0) {
+        const dmat4 level = EllipsoidModel().getWGSTransform(cloud.origin);
+        const double towards = static_cast<double>(m_wind_direction) * DEG_TO_RAD<double>;
+        air = vec3(level.getX() * std::cos(towards) + level.getY() * std::sin(towards)) *
+              (m_wind_speed * motion.wind);
+    }
+    // Drag brakes down to the speed of the air that carries them.
     const float brake = 1 / (1 + motion.drag * dt);
-    const vec3 fall = cloud.up * (-GRAVITY * motion.gravity * dt);
+    const vec3 gain = cloud.up * (-GRAVITY * motion.gravity * dt * brake) + air * (1 - brake);
     for (Particle& p : cloud.particles) {
-        p.velocity = (p.velocity + fall) * brake;
+        p.velocity = p.velocity * brake + gain;
         p.position += p.velocity * dt;
         p.turn += p.spin * dt;
         p.age += dt;
@@ -102,6 +110,7 @@ void ParticleSystem::spawn(const ObjectParticles& emitter, Entry& entry, const M
     const vec3 axes[3] = {vec3(pose.getX()), vec3(pose.getY()), vec3(pose.getZ())};
     const vec3 start(pose.getTranslate() - entry.cloud.origin);
     const vec3 box = emitter.getSpread();
+    const vec2 ring = emitter.getRing();
     for (; entry.owed >= 1; entry.owed -= 1) {
         if (entry.cloud.particles.size() >= MOST) continue;
         Particle p;
@@ -111,10 +120,19 @@ void ParticleSystem::spawn(const ObjectParticles& emitter, Entry& entry, const M
         p.age = dt * 0.5f * (1 + random());
         p.velocity = axes[2] * emitter.getLinearVelocity() +
                      vec3(random(), random(), random()) * emitter.getLinearVelocitySpread();
-        p.position = start + axes[0] * (box.x * random()) + axes[1] * (box.y * random()) +
-                     axes[2] * (box.z * random()) + p.velocity * p.age;
+        vec2 place{box.x * random(), box.y * random()};
+        if (ring.y > 0) { // evenly over the ring's area
+            const float angle = 3.1416f * random(), area = 0.5f * (1 + random());
+            const float radius = std::sqrt(std::lerp(ring.x * ring.x, ring.y * ring.y, area));
+            const vec2 outwards{std::cos(angle), std::sin(angle)};
+            place = {radius * outwards.x, radius * outwards.y};
+            p.velocity += (axes[0] * outwards.x + axes[1] * outwards.y) * emitter.getOutflow();
+        }
+        p.position = start + axes[0] * place.x + axes[1] * place.y + axes[2] * (box.z * random()) +
+                     p.velocity * p.age;
         p.turn = 3.1416f * random();
         p.spin = motion.spin * random();
+        p.variety = 0.5f * (1 + random());
         entry.cloud.particles.push_back(p);
     }
 }

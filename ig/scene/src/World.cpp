@@ -2,6 +2,7 @@
 #include "ig/scene/World.h"
 
 #include "ig/base/jLog.h"
+#include "ig/math/EllipsoidModel.h"
 #include "ig/package/Package.h"
 #include "ig/package/PackageManager.h"
 #include "ig/physics/Body.h"
@@ -100,12 +101,20 @@ void World::updatePhysics(float dt) {
     }
 }
 
+/// What lay below the emitter asked last in this step: its neighbours stand over the same.
+struct World::Below {
+    dvec3 place;
+    bool known = false;
+    ObjectParticles::Surface surface = ObjectParticles::Surface::any;
+};
+
 void World::updateParticles(float dt) {
-    const auto advance = [this, dt](const auto& self, Node* node) -> void {
+    Below below;
+    const auto advance = [this, dt, &below](const auto& self, Node* node) -> void {
         if (node->getType() == OBJECT_PARTICLES) {
             auto& emitter = static_cast<ObjectParticles&>(*node);
             emitter.advance(dt);
-            tellSurface(emitter);
+            tellSurface(emitter, dt, below);
         }
         for (int i = 0; i < node->getNumChildren(); i++)
             self(self, node->getChild(i));
@@ -114,51 +123,94 @@ void World::updateParticles(float dt) {
         advance(advance, node);
 }
 
-void World::tellSurface(ObjectParticles& emitter) const {
+namespace {
+float slider(const Material* material, const char* tag, float otherwise) {
+    const int id = material ? material->findParameterIDByTag(tag) : -1;
+    return id < 0 ? otherwise : material->getParameterSlider(id);
+}
+
+constexpr float WHITE = 0.35f; ///< share of "ice" from which a surface counts as snow
+
+/// Of what kind a place is on an object that isn't the sea.
+ObjectParticles::Surface kindOf(const Object& object, int surface, const dvec3& place) {
     using Surface = ObjectParticles::Surface;
-    if (emitter.getSurface() == Surface::any || !emitter.isVisible()) return;
+    const Material* material = object.getSurfaceMaterial(surface);
+    if (slider(material, "ice", 0) > WHITE) return Surface::snow;
+    if (object.getType() != OBJECT_TERRAIN) return Surface::hard;
+    const double shore = static_cast<double>(slider(material, "shore_height", -1e9f));
+    return EllipsoidModel().getAltitude(place) < shore ? Surface::sand : Surface::grass;
+}
+} // namespace
+
+void World::tellSurface(ObjectParticles& emitter, float dt, Below& last) const {
+    using Surface = ObjectParticles::Surface;
+    if (!emitter.isVisible()) return;
+    if (emitter.getSurface() == Surface::any &&
+        slider(emitter.getSurfaceMaterial(0), "ground_tint", 0) <= 0)
+        return;
     // From above the crests: an emitter that is laid onto the sea may lie just below it.
-    constexpr double ABOVE = 5, BELOW = 100;
-    const dmat4 level = emitter.getWGSTransform();
-    const dvec3 from = level * dvec3(0, 0, ABOVE), to = level * dvec3(0, 0, -BELOW);
-    dvec3 any, land;
-    const bool met = meet(from, to, true, &any);
-    const bool over_water =
-        met && (!meet(from, to, false, &land) || length(any - from) < length(land - from));
-    emitter.setSilent(met && over_water != (emitter.getSurface() == Surface::water));
+    constexpr double ABOVE = 5, BELOW = 100, SAME_PLACE = 0.5;
+    const dvec3 place = emitter.getWorldPosition();
+    if (!last.known || length(place - last.place) > SAME_PLACE) {
+        const dmat4 level = emitter.getWGSTransform();
+        dvec3 point;
+        int surface = 0;
+        const Object* object = findFirst(level * dvec3(0, 0, ABOVE), level * dvec3(0, 0, -BELOW),
+                                         true, point, surface);
+        last = {place, true, Surface::any};
+        if (object)
+            last.surface = object->getType() == OBJECT_OCEAN ? Surface::water
+                                                             : kindOf(*object, surface, point);
+    }
+    emitter.passOver(last.surface, dt);
 }
 
 namespace {
-/// Cuts the segment from → to short where it meets the object.
-bool shorten(const Object& object, const dvec3& from, dvec3& to) {
-    bool met = false;
+/// Cuts the segment from → to short where it meets the object; the surface that it meets, or −1.
+int shorten(const Object& object, const dvec3& from, dvec3& to) {
+    int met = -1;
     for (int surface = 0; surface < object.getNumSurfaces(); surface++) {
         dvec3 hit;
         if (!object.isIntersection(surface)) continue;
         if (!object.getIntersection(surface, object.toLocal(from), object.toLocal(to), &hit))
             continue;
         to = object.toWorld(hit);
-        met = true;
+        met = surface;
     }
     return met;
 }
 } // namespace
 
-bool World::meet(const dvec3& from, const dvec3& to, bool sea, dvec3* point) const {
-    if (!getIntersection(from, to, m_crossed)) return false;
-    dvec3 end = to;
-    bool met = false;
+/// The first object on a segment, its surface and the point; null when there is none.
+const Object* World::findFirst(const dvec3& from, const dvec3& to, bool sea, dvec3& point,
+                               int& surface) const {
+    const Object* first = nullptr;
+    if (!getIntersection(from, to, m_crossed)) return nullptr;
+    point = to;
+    const auto visit = [&](const Object& object) {
+        const int met = shorten(object, from, point);
+        if (met < 0) return;
+        first = &object;
+        surface = met;
+    };
     for (const Node* node : m_crossed) {
         if (!node->isObject() || !node->isVisible()) continue;
         if (node->getType() == OBJECT_PREFAB) {
             for (const Object* object : static_cast<const ObjectPrefab*>(node)->getObjects())
-                if (object->isVisible()) met = shorten(*object, from, end) || met;
+                if (object->isVisible()) visit(*object);
         } else if (sea || node->getType() != OBJECT_OCEAN) {
-            met = shorten(static_cast<const Object&>(*node), from, end) || met;
+            visit(static_cast<const Object&>(*node));
         }
     }
-    if (met && point) *point = end;
-    return met;
+    return first;
+}
+
+bool World::meet(const dvec3& from, const dvec3& to, bool sea, dvec3* point) const {
+    dvec3 met;
+    int surface = 0;
+    if (!findFirst(from, to, sea, met, surface)) return false;
+    if (point) *point = met;
+    return true;
 }
 
 } // namespace ig

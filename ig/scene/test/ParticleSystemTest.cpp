@@ -117,6 +117,49 @@ TEST_F(Particles, DeflectorsClearTheirWholeColumn) {
     EXPECT_GT(system.getNumParticles(), 150);
 }
 
+TEST_F(Particles, ARingSendsThemOutwardsFromBetweenItsCircles) {
+    emitter->setLinearVelocity(0);
+    emitter->setRing({4, 9}, 5);
+    run(0.02 * 3);
+    const auto expectWithin = [this](double nearest, double farthest) {
+        system.forEach([&](const ParticleCloud& cloud) {
+            for (const Particle& p : cloud.particles) {
+                const dvec3 local = emitter->toLocal(cloud.origin + dvec3(p.position));
+                const double r = std::hypot(local.x, local.y);
+                EXPECT_GT(r, nearest);
+                EXPECT_LT(r, farthest);
+            }
+        });
+    };
+    expectWithin(4, 9.5);
+    emitter->setSpawnRate(0);
+    run(1);
+    expectWithin(9, 14.5);
+}
+
+TEST_F(Particles, DragBringsThemToTheWindsSpeed) {
+    Material material;
+    material.addSlider("drag", 4);
+    material.addSlider("wind", 1);
+    emitter->setSurfaceMaterial(0, &material);
+    emitter->setLife(100);
+    run(0.1);
+    emitter->setSpawnRate(0);
+    system.setWind(90, 12); // towards the north
+    run(5);
+    const dmat4 level = EllipsoidModel().getWGSTransform(emitter->getWorldPosition());
+    int count = 0;
+    system.forEach([&](const ParticleCloud& cloud) {
+        for (const Particle& p : cloud.particles) {
+            EXPECT_NEAR(dot(dvec3(p.velocity), level.getY()), 12, 0.01);
+            EXPECT_NEAR(length(p.velocity), 12, 0.01);
+            count++;
+        }
+    });
+    EXPECT_GT(count, 5);
+    world.clear(); // before the material goes
+}
+
 TEST_F(Particles, AHiddenOrRemovedEmitterHasNone) {
     run(1);
     emitter->setEnabled(false);

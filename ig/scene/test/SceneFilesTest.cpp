@@ -144,7 +144,7 @@ TEST_F(SceneFiles, EverySlipIsReportedWithItsLineAndTheRestIsLoaded) {
          {"a.world:3: unknown key \"tpye\"", "a.world:4:", "a.world:5:",
           "a.world:6: unknown type of node \"spaceship\"", "a.world:7: no mesh", "nowhere.obj",
           "a.world:9: unknown shape", "bad.mat:3:", "a.world:11: unknown type of node \"ufo\"",
-          "a.world:12: a map is needed", "1e7 m", "a.world:16: neither land nor water",
+          "a.world:12: a map is needed", "1e7 m", "a.world:16: unknown surface",
           "bad_state.mat:3: state \"fan\"", "a.world:17: \"wgs\""})
         EXPECT_TRUE(logged(part)) << part;
     EXPECT_EQ(std::count_if(log.lines.begin(), log.lines.end(),

@@ -299,7 +299,7 @@ void RendererGL::Impl::drawScene(const World& world) {
     clock.mark("sky");
     meshes.drawTransparent();
     clock.mark("transparent");
-    sprites.draw();
+    sprites.draw(view, targets.depth);
     clock.mark("sprites");
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "SpritePass.h"
 
+#include "PuffTexture.h"
 #include "SceneList.h"
 #include "ig/app/Renderer.h"
 #include "ig/scene/ParticleSystem.h"
@@ -13,9 +14,10 @@
 using namespace ig;
 
 namespace {
-constexpr float LONGEST_STREAK = 2.5f; ///< m: longer ones would reach through the cabin's walls
-constexpr float LAMP_SIZE = 0.55f;     ///< half the edge of a lamp's glow, m
-constexpr float LAMP_LIGHT = 9;        ///< at density 1
+constexpr float LONGEST_STREAK = 2.5f;  ///< m: longer ones would reach through the cabin's walls
+constexpr float LEAST_OPACITY = 0.004f; ///< what is fainter isn't drawn
+constexpr float LAMP_SIZE = 0.55f;      ///< half the edge of a lamp's glow, m
+constexpr float LAMP_LIGHT = 9;         ///< at density 1
 } // namespace
 
 bool SpritePass::init() {
@@ -34,13 +36,15 @@ bool SpritePass::init() {
     attribute(0, 4, offsetof(Sprite, position));
     attribute(1, 4, offsetof(Sprite, color));
     attribute(2, 4, offsetof(Sprite, turn));
-    attribute(3, 3, offsetof(Sprite, stretch));
+    attribute(3, 4, offsetof(Sprite, stretch));
+    makePuffTexture(m_sheet);
     return true;
 }
 
 void SpritePass::release() {
     m_program.destroy();
     m_buffer.destroy();
+    m_sheet.destroy();
     m_vertex_array.destroy();
 }
 
@@ -63,6 +67,7 @@ void SpritePass::gather(const FrameView& view, const FrameInfo& frame,
                              1,
                              1,
                              {},
+                             0,
                              0});
     const auto& c = view.view.columns;
     const vec3 axis(c[0].z, c[1].z, c[2].z); // backwards, in E
@@ -72,40 +77,69 @@ void SpritePass::gather(const FrameView& view, const FrameInfo& frame,
               [](const Sprite& a, const Sprite& b) { return a.depth > b.depth; });
 }
 
+SpritePass::Look SpritePass::readLook(const ObjectParticles& emitter) {
+    const Material* material = emitter.getSurfaceMaterial(0);
+    Look look;
+    look.color = readValue(material, "diffuse_color", {1, 1, 1, 1});
+    look.color.w *= readSlider(material, "opacity", 1);
+    if (const float tint = readSlider(material, "ground_tint", 0); tint > 0) {
+        const vec4& ground = emitter.getGround();
+        look.color = {look.color.xyz() + (ground.xyz() - look.color.xyz()) * tint,
+                      look.color.w * std::lerp(1.0f, ground.w, tint)};
+    }
+    look.size = readSlider(material, "particle_size", 0.3f);
+    look.growth = readSlider(material, "particle_growth", 0);
+    look.emission = readSlider(material, "emission", 0);
+    look.streak = readSlider(material, "streak", 0);
+    look.exposure = look.streak / std::max(std::abs(emitter.getLinearVelocity()), 0.1f);
+    look.sheet = static_cast<int>(readSlider(material, "sheet", 0));
+    return look;
+}
+
+/// The number of a particle's shape, as the shader counts: 0 a disc, from 2 on those of the sheet.
+float SpritePass::shapeOf(int sheet, const Particle& p) {
+    constexpr int PUFFS = 8, FRAMES = 4;
+    constexpr float RATE = 14; // of a flame's frames, 1/s
+    const int variety = static_cast<int>(p.variety * PUFFS) % PUFFS;
+    if (sheet == 1) return static_cast<float>(2 + variety);
+    if (sheet == 2)
+        return static_cast<float>(2 + PUFFS + (variety + static_cast<int>(p.age * RATE)) % FRAMES);
+    if (sheet == 3) return static_cast<float>(2 + PUFFS + FRAMES + variety % FRAMES);
+    return 0;
+}
+
 void SpritePass::addCloud(const FrameView& view, const ParticleCloud& cloud,
                           const vec3& eye_velocity) {
-    const Material* material = cloud.emitter->getSurfaceMaterial(0);
-    const vec4 color = readValue(material, "diffuse_color", {1, 1, 1, 1});
-    const float size = readSlider(material, "particle_size", 0.3f);
-    const float growth = readSlider(material, "particle_growth", 0);
-    const float emission = readSlider(material, "emission", 0);
-    const float streak = readSlider(material, "streak", 0);
-    const float exposure = streak / std::max(std::abs(cloud.emitter->getLinearVelocity()), 0.1f);
+    const Look look = readLook(*cloud.emitter);
+    if (look.color.w < LEAST_OPACITY) return;
     const mat4 to_frame = view.toFrame(dmat4(dmat3(), cloud.origin));
     const mat3 turn = to_frame.getMat3();
     for (const Particle& p : cloud.particles) {
         const vec3 place = to_frame * p.position;
-        const float radius = size + growth * p.age, youth = p.age / p.life;
-        // In quickly, out slowly; what spreads thins out.
-        float opacity = color.w * std::min(youth * 8, 1.0f) * (1 - youth) * size / radius;
+        const float radius = look.size + look.growth * p.age, youth = p.age / p.life;
         if (!view.sees(place, radius + LONGEST_STREAK)) continue;
+        // In quickly, out slowly; what spreads thins out.
+        float opacity = look.color.w * std::min(youth * 8, 1.0f) * (1 - youth) * look.size / radius;
         vec3 stretch;
-        if (streak > 0) { // as long as it passes the eye while the eye looks
+        if (look.streak > 0) { // as long as it passes the eye while the eye looks
             const vec3 passing = turn * p.velocity - eye_velocity;
-            const float speed = length(passing), trail = std::min(exposure * speed, LONGEST_STREAK);
+            const float speed = length(passing);
+            const float trail = std::min(look.exposure * speed, LONGEST_STREAK);
             if (trail > 2 * radius) stretch = passing * (trail / (2 * std::max(speed, 1e-3f)));
-            opacity *= std::min(std::sqrt(streak / std::max(trail, streak)), 1.0f);
+            opacity *= std::min(std::sqrt(look.streak / std::max(trail, look.streak)), 1.0f);
         }
         // Nothing pops up right before the eye.
         const float near = std::clamp(length(place) / (2 * radius) - 0.4f, 0.0f, 1.0f);
-        m_sprites.push_back({place, radius, vec4(color.xyz(), opacity * near), p.turn, emission,
-                             emission > 0 ? 1.0f : 0.0f, 0, stretch, 0});
+        if (opacity * near < LEAST_OPACITY) continue;
+        m_sprites.push_back({place, radius, vec4(look.color.xyz(), std::min(opacity * near, 1.0f)),
+                             p.turn, look.emission, look.emission > 0 ? 1.0f : 0.0f,
+                             shapeOf(look.sheet, p), stretch, youth, 0});
     }
 }
 
 // ------------------------------------------------------------------ drawing
 
-void SpritePass::draw() {
+void SpritePass::draw(const FrameView& view, const gl::Texture& depth) {
     if (m_sprites.empty()) return;
     glBindVertexArray(m_vertex_array.id());
     glBindBuffer(GL_ARRAY_BUFFER, m_buffer.id());
@@ -115,6 +149,14 @@ void SpritePass::draw() {
     glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     glDepthMask(GL_FALSE);
     m_program.use();
+    // Only read meanwhile: depth writes are off.
+    gl::bindTexture(gl::UNIT_FIRST_OWN, depth);
+    gl::bindTexture(gl::UNIT_FIRST_OWN + 1, m_sheet);
+    m_program.set("uDepth", gl::UNIT_FIRST_OWN);
+    m_program.set("uSheet", gl::UNIT_FIRST_OWN + 1);
+    const bool soft = gl::hasClipControl() && !view.orthographic;
+    m_program.set("uNearFar", vec4(static_cast<float>(view.near), static_cast<float>(view.far),
+                                   soft ? 1.0f : 0.0f, 0));
     glDrawArraysInstanced(GL_TRIANGLE_STRIP, 0, 4, static_cast<GLsizei>(m_sprites.size()));
     glDepthMask(GL_TRUE);
     glDisable(GL_BLEND);

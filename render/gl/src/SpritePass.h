@@ -8,6 +8,8 @@
 
 namespace ig {
 struct FrameInfo;
+class ObjectParticles;
+struct Particle;
 struct ParticleCloud;
 } // namespace ig
 struct LampItem;
@@ -21,7 +23,8 @@ public:
     /// Gathers the frame's sprites; its `particles` may be null.
     void gather(const FrameView& view, const ig::FrameInfo& frame,
                 const std::vector<LampItem>& lamps);
-    void draw();
+    /// `depth` of the scene, in which soft particles end softly.
+    void draw(const FrameView& view, const gl::Texture& depth);
 
 private:
     struct Sprite {
@@ -30,13 +33,22 @@ private:
         ig::vec4 color;
         float turn, emission, additive, kind;
         ig::vec3 stretch;
+        float youth; ///< 0 at birth, 1 at the end
         float depth; ///< along the view, for the order; the shader doesn't read it
     };
+    struct Look { ///< what an emitter's material says
+        ig::vec4 color;
+        float size, growth, emission, streak, exposure;
+        int sheet; ///< 0 discs, 1 puffs, 2 flames, 3 drops
+    };
+    static Look readLook(const ig::ObjectParticles& emitter);
+    static float shapeOf(int sheet, const ig::Particle& particle);
     void addCloud(const FrameView& view, const ig::ParticleCloud& cloud,
                   const ig::vec3& eye_velocity);
 
     gl::Program m_program;
     gl::VertexArray m_vertex_array;
     gl::Buffer m_buffer;
+    gl::Texture m_sheet;
     std::vector<Sprite> m_sprites;
 };

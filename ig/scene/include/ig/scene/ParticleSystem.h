@@ -18,6 +18,7 @@ struct Particle {
     vec3 position, velocity;  ///< m, m/s
     float age = 0, life = 1;  ///< s
     float turn = 0, spin = 0; ///< rad, rad/s, about the line of sight
+    float variety = 0;        ///< 0 to 1, its own as long as it lives
 };
 
 /// The particles of one emitter: floats about an origin of their own, which is a world position
@@ -45,6 +46,12 @@ public:
     /// `dt` in seconds; more than 0.5 counts as 0.5.
     void advance(const World& world, float dt);
     void clear() { m_clouds.clear(); }
+    /// Carries particles whose material has "wind" and drag: towards, degrees counter-clockwise
+    /// from east, and m/s.
+    void setWind(float direction, float speed) {
+        m_wind_direction = direction;
+        m_wind_speed = speed;
+    }
 
     /// Clouds with particles, by emitter.
     template <class Visitor>
@@ -63,19 +70,20 @@ private:
         unsigned cleared = 0; ///< the emitter's clears that it knows of
     };
     struct Motion { ///< what the material says
-        float gravity, drag, spin;
+        float gravity, drag, spin, wind;
     };
     void visit(const Node& node, float dt, bool below_decal);
     void advanceEmitter(const ObjectParticles& emitter, float dt, bool flat);
     void spawn(const ObjectParticles& emitter, Entry& entry, const Motion& motion, float share,
                float dt);
     static void makeRoom(const ObjectParticles& emitter, std::vector<Particle>& particles);
-    static void move(ParticleCloud& cloud, const Motion& motion, float dt);
+    void move(ParticleCloud& cloud, const Motion& motion, float dt) const;
     static void deflect(const ObjectParticles& emitter, ParticleCloud& cloud);
     static void keepNear(const dvec3& position, ParticleCloud& cloud);
     float random(); ///< −1 to 1
 
     std::map<int, Entry> m_clouds; ///< by the emitter's id
+    float m_wind_direction = 0, m_wind_speed = 0;
     unsigned m_round = 0;
     std::uint32_t m_random = 1;
 };

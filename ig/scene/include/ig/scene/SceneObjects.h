@@ -35,12 +35,18 @@ public:
     float getBurst() const { return m_burst; } ///< s of them in which it spawns; 0: all
     void setBurst(float burst) { m_burst = burst; }
 
-    enum class Surface { any, land, water };
+    /// What it works over; `land` is all that isn't water, `hard` is concrete and decks.
+    enum class Surface { any, land, water, grass, sand, snow, hard };
     Surface getSurface() const { return m_surface; }
     void setSurface(Surface surface) { m_surface = surface; }
-    /// Whether the other surface lies below it, as the world found at the last step.
+    /// Whether something else lies below it, as the world found at the last step.
     bool isSilent() const { return m_silent; }
-    void setSilent(bool silent) { m_silent = silent; }
+    /// What the rotor's wind lifts off the ground below: its colour (linear), and how thick, 1
+    /// being the mist over water. Particles take it on when their material has a "ground_tint".
+    const vec4& getGround() const { return m_ground; }
+    /// The world tells it what lies below, `any` when it found nothing; the ground's colour follows
+    /// within a second.
+    void passOver(Surface surface, float dt);
 
     /// Runs from the beginning, with the emitters among its children.
     void play();
@@ -60,6 +66,14 @@ public:
     /// Half the box that the particles start in, along the emitter's axes; default: a point.
     const vec3& getSpread() const { return m_spread; }
     void setSpread(const vec3& spread) { m_spread = spread; }
+    /// Particles start between two circles about the emitter's Z instead of in the box's X and Y,
+    /// and fly outwards: inner and outer radius (m; 0, 0: no ring), speed (m/s).
+    const vec2& getRing() const { return m_ring; }
+    float getOutflow() const { return m_outflow; }
+    void setRing(const vec2& ring, float outflow) {
+        m_ring = ring;
+        m_outflow = outflow;
+    }
     /// Holds every place that a particle of its present settings can reach from the emitter's
     /// present place.
     WorldBoundBox getWorldBoundBox() const;
@@ -79,6 +93,10 @@ private:
     float m_velocity = 0, m_velocity_spread = 0;
     float m_spawn_rate = 0;
     vec3 m_spread;
+    vec2 m_ring;
+    float m_outflow = 0;
+    vec4 m_ground{1, 1, 1, 1};
+    bool m_ground_known = false;
     float m_duration = 0, m_burst = 0;
     float m_elapsed = 0;
     bool m_running = true;

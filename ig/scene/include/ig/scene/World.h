@@ -8,6 +8,7 @@
 
 namespace ig {
 
+class Object;
 class ObjectParticles;
 class Package;
 
@@ -57,7 +58,10 @@ public:
     void clear();
 
 private:
-    void tellSurface(ObjectParticles& emitter) const;
+    struct Below;
+    void tellSurface(ObjectParticles& emitter, float dt, Below& last) const;
+    const Object* findFirst(const dvec3& from, const dvec3& to, bool sea, dvec3& point,
+                            int& surface) const;
 
     Physics m_physics; // before the nodes, whose bodies leave it when they go
     jVector<Node*> m_nodes;
