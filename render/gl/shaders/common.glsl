@@ -17,7 +17,7 @@ layout(std140) uniform Frame {
     vec4 uMoonDirection; // w: brightness of the disc
     vec4 uSky;          // x: range of the sky map; y: stars; z: night-to-day turn of the stars, rad;
                         // w: haze that covers the sky itself
-    vec4 uWeather;      // x: rain, y: snow, z: cloud cover, w: overcast
+    vec4 uWeather;      // x: rain, y: snow, z: cloud cover, w: overcast, or in the clouds
     vec4 uTime;         // x: scene time, s; y: angle of a pixel, rad; z: lightning, 0 to 1
     vec4 uBolt;         // towards the bolt's foot (unit, level); z: its shape, 0 to 1
 };
@@ -36,9 +36,9 @@ vec3 skyAt(vec3 d, float lod) {
     vec3 root = textureLod(uSkyMap, skyMapPlace(d), lod).rgb;
     return root * root * uSky.x;
 }
-// Under a closed layer the horizon is blurred, else its clouds would draw stripes down the fog.
+// The horizon is blurred, else its clouds would draw stripes down haze and fog.
 vec3 hazeColor(vec2 direction) {
-    return skyAt(vec3(direction, 0.012 * length(direction)), 2.0 + 3.0 * uWeather.w);
+    return skyAt(vec3(direction, 0.012 * length(direction)), 4.0 + 2.0 * uWeather.w);
 }
 
 // Share of light that crosses the air between the eye and p. The haze thins out with height.

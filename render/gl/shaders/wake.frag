@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What ships leave on the water, onto a map of effects around the eye: the Kelvin waves of bow and
 // stern, foam along the hull, in the bow waves' arms and where the screws churn, and the lane that
-// lies calm astern. Where rectangles of two ships overlap, each draws both.
+// lies calm astern. Where those of two ships overlap, each draws both.
 const int MOST = 4;
 in vec2 vPlane;
 uniform vec4 uHull[MOST];   // place from the eye; unit vector ahead
@@ -41,30 +41,36 @@ void main() {
         s *= 0.115 * moving * exp(-max(astern, 0.0) / (speed * 60.0 + 1.0));
         slope += s.x * vec2(ahead.y, -ahead.x) + s.y * ahead;
 
+        // Foam lies near the track; most of the wedge is waves only.
+        float arm_half = 0.55 * beam + 0.17 * max(behind_bow, 0.0), arm_width = 1.2 + 0.035 * max(behind_bow, 0.0);
+        float zone = behind_bow < 30.0 * speed ? arm_half + 3.0 * arm_width : 0.6 * beam + 1.1 * sqrt(max(astern, 0.0)) + 6.0;
+        if (abs(x) > max(zone, 0.6 * beam + 6.0)) continue;
+
         // The waterline: full amidships, fine at the bow.
         float station = clamp(y / half_length, -1.0, 1.0);
-        float half_beam = 0.5 * beam * (1.0 - pow(max(station - 0.1, 0.0) / 0.9, 2.2));
+        float fine_bow = max(station - 0.1, 0.0) / 0.9;
+        float half_beam = 0.5 * beam * (1.0 - fine_bow * fine_bow);
         if (astern < 0.0) {
             float off = abs(x) - half_beam, along = max(behind_bow, 0.0);
             float skirt = bell(max(off, 0.0) / (1.1 + 0.02 * along)) * step(-4.0, off);
             foam = max(foam, moving * skirt * (0.30 + 0.65 * exp(-along / (0.16 * uMotion[i].y))) *
                                  smoothstep(-2.0, 3.0, behind_bow));
         }
-        float arm = abs(x) - (1.0 + 0.55 * beam * smoothstep(0.0, 60.0, behind_bow) +
-                              0.17 * max(behind_bow, 0.0));
-        foam = max(foam, moving * 0.85 * bell(arm / (1.2 + 0.035 * max(behind_bow, 0.0))) *
+        float arm = abs(x) - (1.0 + arm_half - 0.55 * beam * (1.0 - smoothstep(0.0, 60.0, behind_bow)));
+        foam = max(foam, moving * 0.75 * bell(arm / arm_width) *
                              exp(-max(behind_bow, 0.0) / (7.0 * speed + 1.0)) *
                              smoothstep(1.0, 9.0, behind_bow) * (0.35 + 0.9 * fine));
         if (astern > -6.0) {
             float age = max(astern, 0.0) / max(speed, 0.5), life = uMotion[i].w;
             float width = 0.42 * beam + 0.6 * sqrt(max(astern, 0.0)) + (3.0 + 0.03 * astern) * (ragged - 0.5);
-            float across = abs(x) / width, lane = exp(-pow(across, 6.0));
+            float across = abs(x) / width, squared = across * across;
+            float lane = exp(-squared * squared * squared);
             float fading = smoothstep(1.0, 0.55, astern / (speed * uMap.w));
             float churn = 0.62 * exp(-age / (0.25 * life)) + 0.42 * exp(-age / (1.6 * life));
-            float edges = 0.5 + 0.7 * across * across;
+            float edges = 0.5 + 0.7 * squared;
             foam = max(foam, moving * lane * churn * edges * (0.35 + 0.6 * ragged + 0.7 * fine) *
                                  smoothstep(-6.0, 3.0, astern) * fading);
-            calm = max(calm, moving * 0.9 * exp(-pow(across * 0.85, 6.0)) * fading);
+            calm = max(calm, moving * 0.9 * sqrt(lane) * fading);
         }
     }
     vec2 inside = 1.0 - abs((vPlane - uMap.xy) / uMap.z * 2.0 - 1.0);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A rectangle over all that a ship leaves on the water, seen from straight above.
+// A trapezoid over all that a ship leaves on the water, seen from straight above.
 const int MOST = 4;
 uniform vec4 uHull[MOST];   // place from the eye; unit vector ahead
 uniform vec4 uMotion[MOST]; // speed, length, beam, life of foam, s
@@ -10,7 +10,7 @@ void main() {
     vec2 corner = vec2(gl_VertexID & 1, gl_VertexID >> 1);
     float reach = motion.x * uMap.w;
     float along = mix(-0.5 * motion.y - reach, 0.5 * motion.y + 12.0, corner.y);
-    float across = (corner.x * 2.0 - 1.0) * (2.0 * motion.z + 0.4 * (reach + motion.y));
+    float across = (corner.x * 2.0 - 1.0) * (2.0 * motion.z + 0.4 * (reach + motion.y) * (1.0 - corner.y));
     vPlane = hull.xy + hull.zw * along + vec2(hull.w, -hull.z) * across;
     gl_Position = vec4((vPlane - uMap.xy) / uMap.z * 2.0 - 1.0, CLIP_Z(0.5), 1.0);
 }

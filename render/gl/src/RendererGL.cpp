@@ -296,6 +296,7 @@ void RendererGL::Impl::drawScene(const World& world) {
     if (list.ocean) ocean.draw(view, list.ocean->getFrame(), wash, wakes);
     clock.mark("ocean");
     sky.drawBackground(view);
+    sky.drawClouds(view, targets.depth);
     clock.mark("sky");
     meshes.drawTransparent();
     clock.mark("transparent");

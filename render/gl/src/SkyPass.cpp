@@ -13,9 +13,13 @@ namespace {
 
 constexpr int SCATTER_SIZE = 128;    ///< texels; scattering without its phase functions is smooth
 constexpr float SUN_IRRADIANCE = 20; ///< above the air, in the units of the shaders
-constexpr float FLASH_GAIN = 2.2f;   ///< of the sky's light at the height of a lightning flash
-constexpr float CLEAR_EXPOSURE = 0.24f;             ///< at noon under a clear sky
-constexpr float CLEAR_LUMINANCE = 4.0f;             ///< of a white ground then
+constexpr double CLOUD_EDGE = 60;    ///< m over which clouds thicken
+constexpr double CLOUD_VISIBILITY = 120; ///< m within them
+constexpr double EARTH_RADIUS = 6371000; ///< m; mean
+constexpr double NOISE_PERIOD = 14400;   ///< m; a multiple of all scales that the deck's noise has
+constexpr float FLASH_GAIN = 2.2f;       ///< of the sky's light at the height of a lightning flash
+constexpr float CLEAR_EXPOSURE = 0.24f;  ///< at noon under a clear sky
+constexpr float CLEAR_LUMINANCE = 4.0f;  ///< of a white ground then
 constexpr float DAY_RANGE = 8, NIGHT_RANGE = 0.08f; ///< brightest value that the sky map can hold
 const vec3 NIGHT_GLOW{0.0022f, 0.0032f, 0.0055f};
 const vec3 MOONLIGHT{0.045f, 0.052f, 0.062f};
@@ -62,7 +66,8 @@ bool SkyPass::init(int map_size) {
     m_size = map_size;
     if (!m_scatter.build("screen.vert", "scatter.frag") ||
         !m_compose.build("screen.vert", "skymap.frag") ||
-        !m_background.build("screen.vert", "sky.frag"))
+        !m_background.build("screen.vert", "sky.frag") ||
+        !m_deck.build("screen.vert", "clouds.frag"))
         return false;
     m_empty.create();
     const gl::TextureFormat half{GL_RGBA16F, GL_RGBA, GL_FLOAT};
@@ -90,6 +95,7 @@ void SkyPass::release() {
     m_scatter.destroy();
     m_compose.destroy();
     m_background.destroy();
+    m_deck.destroy();
     m_empty.destroy();
     for (gl::Texture* texture : {&m_rayleigh, &m_mie, &m_multiple, &m_map})
         texture->destroy();
@@ -179,7 +185,26 @@ vec3 SkyPass::getHaze(vec2 direction) const {
 
 // ------------------------------------------------------------------ a frame
 
-void SkyPass::update(const FrameView& view, const FrameInfo& frame, FrameBlock& block) {
+/// Above the clouds the sky is open; within them one sees no further than fog allows.
+FrameInfo SkyPass::seenFrom(const FrameView& view, const FrameInfo& frame) {
+    FrameInfo seen = frame;
+    const double above = view.geodetic.z - frame.cloud_base - frame.cloud_thickness;
+    const double into = std::min(view.geodetic.z - frame.cloud_base, -above);
+    const float thick = std::max(frame.overcast, frame.cloud_cover * frame.cloud_cover);
+    const float depth = static_cast<float>((into + CLOUD_EDGE) / (2 * CLOUD_EDGE));
+    m_within = thick * smoothStep(0, 1, depth);
+    // Halfway through, where nothing is seen, the one picture takes over from the other.
+    m_above = view.geodetic.z > frame.cloud_base + frame.cloud_thickness / 2
+                  ? static_cast<float>(std::max(above, 1.0))
+                  : 0;
+    m_cover = frame.cloud_cover;
+    m_closed = frame.overcast;
+    if (m_above > 0) seen.overcast = seen.cloud_cover = seen.cloud_darkness = 0;
+    return seen;
+}
+
+void SkyPass::update(const FrameView& view, const FrameInfo& told, FrameBlock& block) {
+    const FrameInfo frame = seenFrom(view, told);
     const vec3 sun(view.toFrameDirection(frame.sun_direction));
     const vec3 moon(view.toFrameDirection(frame.moon_direction));
     const bool day = sunRules(sun);
@@ -192,15 +217,16 @@ void SkyPass::update(const FrameView& view, const FrameInfo& frame, FrameBlock& 
     const float stars = smoothStep(-0.06f, -0.2f, sun.z) * 0.06f;
     block.sky = {mapRange(sun), stars,
                  static_cast<float>(frame.sidereal_angle * DEG_TO_RAD<double>), 0};
-    block.weather = {frame.rain, frame.snow, frame.cloud_cover, frame.overcast};
+    block.weather = {frame.rain, frame.snow, frame.cloud_cover, std::max(frame.overcast, m_within)};
 
     // Koschmieder: contrast falls to 2 % at the meteorological visibility. Fog is shallow.
-    const float extinction = static_cast<float>(3.912 / std::max(frame.visibility, 10.0));
+    float extinction = static_cast<float>(3.912 / std::max(frame.visibility, 10.0));
     const float scale_height = frame.visibility < 2000 ? 300.0f : 1200.0f;
     const float altitude = static_cast<float>(std::max(view.geodetic.z, 0.0));
     constexpr float CLEAR_AIR = 8e-5f; // what the scattering itself shows already
     block.air = {1 / scale_height, std::exp(-altitude / scale_height), altitude,
-                 std::sqrt(2 * std::max(altitude, 1.0f) / 6371000.0f)};
+                 std::sqrt(2 * std::max(altitude, 1.0f) / static_cast<float>(EARTH_RADIUS))};
+    extinction += m_within * static_cast<float>(3.912 / CLOUD_VISIBILITY) / block.air.y;
     block.sky.w = std::max(extinction - CLEAR_AIR, 0.0f) * scale_height;
 
     const Bake wanted{sun,
@@ -240,4 +266,35 @@ void SkyPass::drawBackground(const FrameView& view) {
     glBindVertexArray(m_empty.id());
     glDrawArrays(GL_TRIANGLES, 0, 3);
     glDepthMask(GL_TRUE);
+}
+
+void SkyPass::drawClouds(const FrameView& view, const gl::Texture& depth) {
+    const bool readable = gl::hasClipControl() && !view.orthographic;
+    if (m_above <= 0 || !readable || std::max(m_cover, m_closed) < 0.02f) return;
+    constexpr double METRES = EARTH_RADIUS * DEG_TO_RAD<double>, FARTHEST = 2; // degrees
+    dvec2 off{view.geodetic.x - m_anchor.x, view.geodetic.y - m_anchor.y};
+    if (!(std::abs(off.x) < FARTHEST && std::abs(off.y) < FARTHEST)) {
+        m_anchor = {view.geodetic.x, view.geodetic.y};
+        off = {};
+    }
+    const auto wrapped = [](double x) {
+        return static_cast<float>(x - std::floor(x / NOISE_PERIOD) * NOISE_PERIOD);
+    };
+    const auto& p = view.projection.columns;
+    glDisable(GL_DEPTH_TEST);
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
+    m_deck.use();
+    gl::bindTexture(gl::UNIT_FIRST_OWN, depth);
+    m_deck.set("uDepth", gl::UNIT_FIRST_OWN);
+    m_deck.set("uRay", vec4(1 / p[0].x, 1 / p[1].y, p[2].x / p[0].x, p[2].y / p[1].y));
+    m_deck.set("uLayer",
+               vec4(m_above, m_cover, m_closed, static_cast<float>(1 / (2 * EARTH_RADIUS))));
+    m_deck.set("uAnchor", vec4(wrapped(off.x * METRES * std::cos(m_anchor.y * DEG_TO_RAD<double>)),
+                               wrapped(off.y * METRES), 0, 0));
+    m_deck.set("uNearFar", vec4(static_cast<float>(view.near), static_cast<float>(view.far), 0, 0));
+    glBindVertexArray(m_empty.id());
+    glDrawArrays(GL_TRIANGLES, 0, 3);
+    glDisable(GL_BLEND);
+    glEnable(GL_DEPTH_TEST);
 }

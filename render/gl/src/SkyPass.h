@@ -21,6 +21,9 @@ public:
     void update(const FrameView& view, const ig::FrameInfo& frame, FrameBlock& block);
     /// Fills the picture where nothing is; last of the opaque passes.
     void drawBackground(const FrameView& view);
+    /// The layer of clouds below the eye, over the scene whose depth that is; nothing from below,
+    /// whence clouds are part of the sky.
+    void drawClouds(const FrameView& view, const gl::Texture& depth);
 
     /// Colour of what is far away in a direction of E (any length).
     ig::vec3 getHaze(ig::vec2 direction) const;
@@ -33,12 +36,17 @@ private:
     static constexpr int SMALL = 32; ///< edge of the copy for the processor, texels
 
     bool isStale(const Bake& wanted) const;
+    ig::FrameInfo seenFrom(const FrameView& view, const ig::FrameInfo& frame);
     void bake(const Bake& wanted, const FrameBlock& block);
     void readBack();
     void uploadBlock(const FrameBlock& block);
 
     int m_size = 0;
-    gl::Program m_scatter, m_compose, m_background;
+    gl::Program m_scatter, m_compose, m_background, m_deck;
+    float m_above = 0;               ///< height of the eye above the clouds' tops, m; 0 from below
+    float m_within = 0;              ///< how much the eye is in the clouds, 0 to 1
+    float m_cover = 0, m_closed = 0; ///< of the layer seen from above
+    ig::dvec2 m_anchor{1e9, 1e9};    ///< longitude, latitude that the deck is laid out from
     gl::VertexArray m_empty;
     gl::Texture m_rayleigh, m_mie, m_multiple, m_map;
     gl::Framebuffer m_scatter_target, m_map_target;

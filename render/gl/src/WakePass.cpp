@@ -26,7 +26,7 @@ constexpr float SLOWEST = 0.7f;                        ///< m/s that leave a wak
 constexpr float FOAM_LIFE = 30;                        ///< s, of a wake without emitters
 constexpr double NOISE_PERIOD = 14400; ///< m; a multiple of all scales that noise is asked at
 
-constexpr double NEAR_EVERY = 0.04, FAR_EVERY = 0.5; ///< s between paintings
+constexpr double NEAR_EVERY = 0.08, FAR_EVERY = 0.5; ///< s between paintings
 
 float remainderOf(double x, double period) {
     return static_cast<float>(x - std::floor(x / period) * period);
