@@ -4,6 +4,7 @@
 #include "plugins/ocean/ObjectOcean.h"
 #include "testkit/LogicScene.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace {
@@ -79,6 +80,26 @@ TEST_F(EffectsFrame, EmittersAreSilentOverTheOtherSurface) {
     spray->setWgsPosition({10, 10, 90000}); // nothing within reach: it doesn't know, and runs
     scene.frame();
     EXPECT_EQ(spray->getPresentRate(), 5);
+}
+
+TEST_F(EffectsFrame, TheDustIsThatOfTheGroundBelow) {
+    const auto ground = [this](double longitude, double latitude) {
+        hover(longitude, latitude, 4, 13.5f);
+        for (int i = 0; i < 300; i++)
+            scene.frame();
+        return emitter("downwash_spe")->getGround();
+    };
+    const vec4 sea = ground(-155.05, 19.74), pad = ground(-155.0625125, 19.7124631);
+    const vec4 turf = ground(-155.0648, 19.7107), beach = ground(-155.05856, 19.71498);
+    EXPECT_EQ(sea.w, 1);
+    EXPECT_LT(pad.w, beach.w); // concrete gives little
+    EXPECT_LT(turf.w, beach.w);
+    EXPECT_GT(turf.y, 1.5f * turf.z); // brown and green
+    EXPECT_GT(beach.x, 1.5f * beach.z);
+    EXPECT_NEAR(pad.x, pad.z, 0.05f);
+    scene.logic->setSnow(1);
+    const vec4 snow = ground(-155.0648, 19.7107);
+    EXPECT_GT(std::min({snow.x, snow.y, snow.z}), 0.75f);
 }
 
 TEST(Deflector, TakesItsHeightFromTheWeatherAndKeepsItsPlace) {

@@ -17,7 +17,7 @@ constexpr double CLOUD_EDGE = 60;    ///< m over which clouds thicken
 constexpr double CLOUD_VISIBILITY = 120; ///< m within them
 constexpr double EARTH_RADIUS = 6371000; ///< m; mean
 constexpr double NOISE_PERIOD = 14400;   ///< m; a multiple of all scales that the deck's noise has
-constexpr float FLASH_GAIN = 2.2f;       ///< of the sky's light at the height of a lightning flash
+constexpr float FLASH_GAIN = 1.5f;       ///< of the sky's light at the height of a lightning flash
 constexpr float CLEAR_EXPOSURE = 0.24f;  ///< at noon under a clear sky
 constexpr float CLEAR_LUMINANCE = 4.0f;  ///< of a white ground then
 constexpr float DAY_RANGE = 8, NIGHT_RANGE = 0.08f; ///< brightest value that the sky map can hold

@@ -76,6 +76,37 @@ TEST_F(PictureOf, NightIsDarkerThanDayAndFogHidesTheFarCard) {
     EXPECT_LT(redness(), clear / 5);
 }
 
+TEST_F(PictureOf, TheEyeClimbsThroughTheClouds) {
+    m_world.addNode(new ObjectOcean());
+    m_frame.overcast = 1;
+    m_frame.cloud_base = 1000;
+    m_frame.cloud_thickness = 400;
+    const auto downAndUp = [&](double altitude) {
+        look(altitude, 0, 60);
+        draw();
+        const int down = brightness(0.5, 0.5);
+        look(altitude, 0, -30);
+        draw();
+        return std::pair(down, brightness(0.5, 0.5));
+    };
+    const auto [sea, layer] = downAndUp(800);
+    EXPECT_LT(sea, 0.7 * layer); // a dark sea under a grey sky
+    const auto [within_down, within_up] = downAndUp(1200);
+    EXPECT_NEAR(within_down, within_up, 30); // grey all around
+    const auto [deck, open] = downAndUp(3000);
+    EXPECT_GT(deck, 1.3 * open); // white below, blue above
+    const std::uint8_t* sky = pixel(0.5, 0.5);
+    EXPECT_GT(sky[2], sky[0] + 30);
+    // What stands above the tops hides them; what lies below is hidden.
+    look(3000, 0, 60);
+    addCard(1000, 200, RED);
+    draw();
+    EXPECT_TRUE(isRed(0.5, 0.5));
+    addCard(2700, 3000, GREEN);
+    draw();
+    EXPECT_FALSE(isGreen(0.3, 0.5));
+}
+
 TEST_F(PictureOf, HiddenNodesAreNotDrawn) {
     look(100, 0, 0);
     ObjectMesh* card = addCard(50, 20, RED);
