@@ -143,8 +143,8 @@ bool RendererGL::Impl::initPasses() {
     const bool software = std::strstr(device.c_str(), "llvmpipe") != nullptr;
     return tonemap.build("screen.vert", "tonemap.frag") && fxaa.build("screen.vert", "fxaa.frag") &&
            sky.init(software ? 512 : 1024) && shadow.init() && meshes.init() && terrain.init() &&
-           grass.init() && sprites.init() && wakes.init() && ui.init() && viewports.init() &&
-           (software ? ocean.init(128, 90) : ocean.init(320, 240));
+           grass.init() && sprites.init() && wakes.init(software ? 384 : 512) && ui.init() &&
+           viewports.init() && (software ? ocean.init(128, 90) : ocean.init(320, 240));
 }
 
 void RendererGL::release() {

@@ -15,7 +15,7 @@ using namespace ig;
 
 namespace {
 constexpr float LONGEST_STREAK = 2.5f;  ///< m: longer ones would reach through the cabin's walls
-constexpr float LEAST_OPACITY = 0.004f; ///< what is fainter isn't drawn
+constexpr float LEAST_OPACITY = 0.012f; ///< what is fainter isn't drawn
 constexpr float LAMP_SIZE = 0.55f;      ///< half the edge of a lamp's glow, m
 constexpr float LAMP_LIGHT = 9;         ///< at density 1
 } // namespace

@@ -16,7 +16,6 @@ using namespace ig;
 
 namespace {
 
-constexpr int MAP_SIZE = 512;                          ///< texels
 constexpr float NEAR_EDGE = 800, FAR_EDGE = 3600;      ///< m
 constexpr float FAR_ALTITUDE = 1500;                   ///< m, above which the far map grows
 constexpr int KELVIN_WIDTH = 160, KELVIN_LENGTH = 512; ///< texels
@@ -32,10 +31,10 @@ float remainderOf(double x, double period) {
     return static_cast<float>(x - std::floor(x / period) * period);
 }
 
-void makeMap(WakePass::Map& map, double every) {
+void makeMap(WakePass::Map& map, int size, double every) {
     gl::TextureFormat format;
     format.filter = GL_LINEAR_MIPMAP_LINEAR;
-    gl::makeTexture(map.texture, MAP_SIZE, MAP_SIZE, format);
+    gl::makeTexture(map.texture, size, size, format);
     glGenerateMipmap(GL_TEXTURE_2D);
     map.target.create();
     glBindFramebuffer(GL_FRAMEBUFFER, map.target.id());
@@ -48,7 +47,8 @@ void makeMap(WakePass::Map& map, double every) {
 
 } // namespace
 
-bool WakePass::init() {
+bool WakePass::init(int map_size) {
+    m_size = map_size;
     if (!m_kelvin.build("screen.vert", "kelvin.frag") || !m_wake.build("wake.vert", "wake.frag") ||
         !m_patch.build("splat.vert", "splat.frag"))
         return false;
@@ -60,8 +60,8 @@ bool WakePass::init() {
     glEnableVertexAttribArray(0);
     glVertexAttribPointer(0, 4, GL_FLOAT, GL_FALSE, sizeof(Patch), nullptr);
     glVertexAttribDivisor(0, 1);
-    makeMap(m_near, NEAR_EVERY);
-    makeMap(m_far, FAR_EVERY);
+    makeMap(m_near, m_size, NEAR_EVERY);
+    makeMap(m_far, m_size, FAR_EVERY);
     return true;
 }
 
@@ -184,12 +184,12 @@ void WakePass::refresh(Map& map, float edge, dvec2 nadir, double time) {
     map.empty = empty;
     map.painted = time;
     // Texels stay on their places in the water, else foam would shimmer as the eye moves.
-    const double texel = static_cast<double>(edge) / MAP_SIZE;
+    const double texel = static_cast<double>(edge) / m_size;
     map.place = {nadir.x - static_cast<double>(edge) / 2, nadir.y - static_cast<double>(edge) / 2};
     map.place = {std::floor(map.place.x / texel) * texel, std::floor(map.place.y / texel) * texel};
     update_corner();
     glBindFramebuffer(GL_FRAMEBUFFER, map.target.id());
-    glViewport(0, 0, MAP_SIZE, MAP_SIZE);
+    glViewport(0, 0, m_size, m_size);
     glClearColor(128 / 255.0f, 128 / 255.0f, 0, 0);
     glClear(GL_COLOR_BUFFER_BIT);
     if (!m_wakes.empty()) paintWakes(map, nadir);
@@ -211,7 +211,7 @@ void WakePass::paintWakes(const Map& map, dvec2 nadir) {
     m_wake.set("uMap", vec4(map.corner.x, map.corner.y, map.edge, REACH));
     m_wake.set("uNadir",
                vec4(remainderOf(nadir.x, NOISE_PERIOD), remainderOf(nadir.y, NOISE_PERIOD),
-                    map.edge / MAP_SIZE, static_cast<float>(count)));
+                    map.edge / static_cast<float>(m_size), static_cast<float>(count)));
     m_wake.set("uExtent", KELVIN_EXTENT);
     m_wake.set("uKelvin", gl::UNIT_FIRST_OWN);
     gl::bindTexture(gl::UNIT_FIRST_OWN, m_kelvin_map);

@@ -34,7 +34,8 @@ public:
         ig::dvec2 place;       ///< of the corner in the waves' plane, m
     };
 
-    bool init();
+    /// `map_size` in texels: 384 or more looks right.
+    bool init(int map_size);
     void release();
     /// Gathers the frame's wakes; `particles` may be null.
     void gather(const FrameView& view, const ig::ParticleSystem* particles,
@@ -62,6 +63,7 @@ private:
     void paintWakes(const Map& map, ig::dvec2 nadir);
     void paintPatches(const Map& map);
 
+    int m_size = 0;
     gl::Program m_kelvin, m_wake, m_patch;
     gl::VertexArray m_empty, m_vertex_array;
     gl::Buffer m_buffer;
