@@ -65,7 +65,7 @@ private:
 
     Physics m_physics; // before the nodes, whose bodies leave it when they go
     jVector<Node*> m_nodes;
-    mutable jVector<Node*> m_crossed; ///< by the segment of `meet`; kept for its memory
+    mutable jVector<Node*> m_crossed; ///< by the segment of `findFirst`; kept for its memory
 };
 
 /// Node types that plug-in libraries add to the scene files.
