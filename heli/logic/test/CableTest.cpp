@@ -222,6 +222,7 @@ TEST_F(CableTest, LoadHangsSmoothlyBelowAHelicopterThatAHostFliesAtSixtyMetresPe
     record.hang_mass = 300;
     double sent = 0, now = 0, last_dt = 1 / 60.0, worst = 0, angle = 0;
     dvec3 before, before_that;
+    int seen = 0;
     for (int frame = 0; now < 30; frame++) {
         const double dt = frame % 200 == 150 ? 0.15 : 1 / 60.0; // with stalls
         now += dt;
@@ -232,18 +233,21 @@ TEST_F(CableTest, LoadHangsSmoothlyBelowAHelicopterThatAHostFliesAtSixtyMetresPe
             scene.send(record);
         }
         scene.frame(static_cast<float>(dt));
+        if (!winch().prefab) continue; // a loaded machine may deliver the first record late
+        seen++;
         const dmat4 local = scene.logic->m_heli->m_prefab->getWGSTransform();
         const dvec3 r =
             transpose(local.getMat3()) *
             (winch().obj->getWorldPosition() - scene.helicopterNode("winch")->getWorldPosition());
         ASSERT_LT(hanging(winch().anchor, "winch"), 1e-8);
         const dvec3 change = (r - before) / dt - (before - before_that) / last_dt;
-        if (frame > 3) worst = std::max(worst, length(change) * 2 / (dt + last_dt));
+        if (seen > 3) worst = std::max(worst, length(change) * 2 / (dt + last_dt));
         angle = std::max(angle, std::atan2(std::hypot(r.x, r.y), -r.z) * 57.3);
         before_that = before;
         before = r;
         last_dt = dt;
     }
+    EXPECT_GT(seen, 1600);
     EXPECT_LT(worst, 15);
     EXPECT_LT(angle, 10);
     EXPECT_NEAR(length(before), 2, 0.01);
