@@ -319,5 +319,21 @@ TEST_F(SceneFiles, TracksDriveSlidersAndSwitches) {
     EXPECT_FALSE(track.load("none.anim", &world));
 }
 
+TEST_F(SceneFiles, MaterialsNameTheirTexturesAndTheirFaults) {
+    folder.write("deck.mat", "parameters: {roughness: 1}\n"
+                             "textures: {base_color: deck.png}\n");
+    const Material* deck = MaterialManager::get("deck.mat");
+    ASSERT_TRUE(deck);
+    Material own = *deck; // a copy changes alone
+    own.setTexture("base_color", "other.png");
+    EXPECT_EQ(*deck->findTexture("base_color"), "deck.png");
+    EXPECT_EQ(*own.findTexture("base_color"), "other.png");
+    EXPECT_EQ(deck->findTexture("normal"), nullptr);
+    folder.write("bad.mat", "parameters: {roughness: 1}\n"
+                            "textures:\n  base_color: [a.png, b.png]\n");
+    EXPECT_FALSE(MaterialManager::get("bad.mat"));
+    EXPECT_TRUE(logged("bad.mat:3: texture \"base_color\" is no path"));
+}
+
 } // namespace
 } // namespace ig

@@ -50,8 +50,7 @@ void TextureStore::fill(gl::Texture& texture, const jString& path) {
     gl::makeTexture(texture, image.width, image.height, format, image.rgba.data());
     if (!good) return;
     glGenerateMipmap(GL_TEXTURE_2D);
-    if (epoxy_has_gl_extension("GL_EXT_texture_filter_anisotropic") ||
-        epoxy_has_gl_extension("GL_ARB_texture_filter_anisotropic"))
+    if (epoxy_gl_version() >= 46 || epoxy_has_gl_extension("GL_EXT_texture_filter_anisotropic"))
         glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_MAX_ANISOTROPY_EXT, ANISOTROPY);
 }
 
