@@ -155,10 +155,10 @@ class Part:
                     self.polygon(of(i, j), [rings[i][j], rings[i][k], rings[i + 1][k],
                                             rings[i + 1][j]])
         if close:
-            self._cap(of(0, 0), rings[0][::-1])
-            self._cap(of(len(rings) - 2, 0), rings[-1])
+            self.cap(of(0, 0), rings[0][::-1])
+            self.cap(of(len(rings) - 2, 0), rings[-1])
 
-    def _cap(self, material, ring):
+    def cap(self, material, ring):
         """A flat end that may be slightly concave: a fan around its centre. The ring runs
         counter-clockwise as seen from outside."""
         center = scale(tuple(map(sum, zip(*ring))), 1 / len(ring))

@@ -50,7 +50,10 @@ class Hull:
             line = min(side, 2 * lines - 1 - side)
             return paint[0 if line == 0 else 1 if line < stripe else 2 if line == stripe else 3]
 
-        part.loft([mirrored(self.half(y)) for y in self.stations], material)
+        rings = [mirrored(self.half(y)) for y in self.stations]
+        part.loft(rings, material, close=False)
+        part.cap(paint[1], rings[0][::-1])  # the transom
+        part.cap(paint[1], rings[-1])
         return part
 
     def edge(self, y, inboard=0.0, above=0.0):
