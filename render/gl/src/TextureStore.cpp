@@ -10,8 +10,16 @@ using namespace ig;
 
 namespace {
 
-constexpr float ANISOTROPY =
-    4; ///< ground seen at a flat angle stays sharp; more costs, shows little
+/// Ground seen at a flat angle stays sharp; more costs, shows little.
+constexpr float ANISOTROPY = 4;
+
+/// The software renderer pays for every look at a texel.
+bool hasAnisotropy() {
+    const auto* device = reinterpret_cast<const char*>(glGetString(GL_RENDERER));
+    return !std::strstr(device, "llvmpipe") &&
+           (epoxy_gl_version() >= 46 ||
+            epoxy_has_gl_extension("GL_EXT_texture_filter_anisotropic"));
+}
 
 /// What can't be overlooked: four by four fields of magenta and black.
 Image makePlaceholder() {
@@ -50,8 +58,7 @@ void TextureStore::fill(gl::Texture& texture, const jString& path) {
     gl::makeTexture(texture, image.width, image.height, format, image.rgba.data());
     if (!good) return;
     glGenerateMipmap(GL_TEXTURE_2D);
-    if (epoxy_gl_version() >= 46 || epoxy_has_gl_extension("GL_EXT_texture_filter_anisotropic"))
-        glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_MAX_ANISOTROPY_EXT, ANISOTROPY);
+    if (hasAnisotropy()) glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_MAX_ANISOTROPY_EXT, ANISOTROPY);
 }
 
 void TextureStore::release() { m_textures.clear(); }
