@@ -38,6 +38,7 @@ void ScriptPlayer::play(double time, bool records) {
     while (m_next < m_script.commands.size() && m_picture.empty() && m_notches == 0) {
         const ScriptCommand& command = m_script.commands[m_next];
         if (command.at > m_time || (command.usesMouse() && mouseIsHeld())) return;
+        if (command.kind == Kind::key && isHeld(command.keys.back())) return;
         m_next++; // before it acts: it may open a dialog, which runs frames of its own
         if (!begin(command)) m_failures++;
     }
@@ -187,6 +188,12 @@ void ScriptPlayer::typeText(const std::string& text) {
         m_listener.onText(text.substr(begin, i - begin).c_str());
         if (key >= 0) m_listener.onKey(key, false, false);
     }
+}
+
+bool ScriptPlayer::isHeld(int key) const {
+    return std::ranges::any_of(m_held, [key](const Held& h) {
+        return h.command->kind == Kind::key && h.command->keys.back() == key;
+    });
 }
 
 bool ScriptPlayer::mouseIsHeld() const {

@@ -54,6 +54,7 @@ private:
     void pressKeys(const std::vector<int>& keys);
     void releaseKeys(const std::vector<int>& keys);
     void typeText(const std::string& text);
+    bool isHeld(int key) const;
     bool mouseIsHeld() const;
 
     WindowListener& m_listener;

@@ -143,6 +143,13 @@ TEST_F(ScriptPlayerTest, PressesStayForAFrameAndKeepTheirOrderHoweverSlowTheFram
     EXPECT_EQ(player.getFailures(), 0);
 }
 
+TEST_F(ScriptPlayerTest, AKeyPressedTwiceInOneSlowFrameIsSeenTwice) {
+    player.open(scriptOf("- {at: 1, key: F1}\n- {at: 1.2, key: F2}\n- {at: 1.3, key: F1}\n"));
+    const std::string f1 = "down" + std::to_string(KEY_F1), f2 = "down" + std::to_string(KEY_F2);
+    EXPECT_EQ(at(2), f1 + " " + f2 + " ");
+    EXPECT_EQ(at(2.5), "up" + f1.substr(4) + " up" + f2.substr(4) + " " + f1 + " ");
+}
+
 TEST_F(ScriptPlayerTest, TimesCountFromTheFirstRecordUnlessTheScriptSaysOtherwise) {
     Script script;
     std::string message;

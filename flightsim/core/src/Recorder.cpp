@@ -34,9 +34,10 @@ bool Recorder::run(const StopFlag& stop, std::string& message) {
             : std::numeric_limits<std::int64_t>::max();
     bool good = record(until_ns, stop);
     const std::int64_t end_ns = std::min(until_ns, steadyNow());
-    // Datagrams that came in before the end may still wait. As many as fit into the socket, so that
-    // a sender which goes on can't keep us here.
-    for (int i = 0; good && i < 4096 && takeOne(end_ns); i++) {
+    // Datagrams that came in before the end may still wait; the first ones of a socket carry no
+    // time of the system's that would tell. As many as fit into the socket, so that a sender which
+    // goes on can't keep us here.
+    for (int i = 0; good && i < 4096 && takeOne(until_ns); i++) {
     }
     good = m_writer.close() && good;
     if (!good) message = m_writer.message();
