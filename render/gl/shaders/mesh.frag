@@ -44,14 +44,14 @@ vec2 joints(vec2 p, vec2 w) {
 float paving(vec2 p, out float puddle) {
     vec2 w = fwidth(p) + 1e-4;
     float wide = texture(uNoise, p / 173.0).y;
-    vec2 middle = texture(uNoise, p.yx / 31.0).xy;
-    float fine = texture(uNoise, p / 4.3).y, grain = texture(uNoise, p.yx / 0.7).y;
+    float middle = texture(uNoise, p.yx / 31.0).y;
+    float fine = texture(uNoise, p / 1.7).y;
     vec2 slab = floor(p / uPaving.xy);
     float poured = (hash(slab) - 0.5) * clamp(1.5 - 2.0 * max(w.x / uPaving.x, w.y / uPaving.y), 0.0, 1.0);
-    float tone = 0.88 + 0.24 * (wide - 0.5) + uPaving.w * poured + 0.16 * (fine - 0.5) + 0.22 * (grain - 0.5);
-    tone *= 1.0 - 0.30 * smoothstep(0.66, 0.95, middle.y * 0.7 + fine * 0.3);
+    float tone = 0.88 + 0.24 * (wide - 0.5) + uPaving.w * poured + 0.17 * (fine - 0.5);
+    tone *= 1.0 - 0.30 * smoothstep(0.66, 0.95, middle * 0.7 + fine * 0.3);
     vec2 gap = joints(p, w);
-    puddle = smoothstep(0.45, 0.75, wide * 0.35 + middle.y * 0.35 + fine * 0.3);
+    puddle = smoothstep(0.45, 0.75, wide * 0.35 + middle * 0.35 + fine * 0.3);
     return tone * (1.0 - 0.55 * max(gap.x, gap.y));
 }
 #endif
