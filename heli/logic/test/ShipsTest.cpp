@@ -72,10 +72,8 @@ TEST_F(ShipsTest, StartUpFindsThemAndTheySteamAheadWithWakesAndFlags) {
     EXPECT_EQ(logic.m_flag_qizi2->m_node, nullptr); // this ship has none
     EXPECT_EQ(logic.m_flag_qizhi->m_node, prefabOf(logic.m_ship2).getNodeByName("qizhi"));
     run(2);
-    for (const FlagOper* flag : {logic.m_flag_qizi1, logic.m_flag_qizhi}) {
-        EXPECT_NEAR(flag->m_phase, 6, 1e-3); // 3 degrees per second, towards 10
-        EXPECT_EQ(flag->m_amplitude, 10);
-    }
+    for (const FlagOper* flag : {logic.m_flag_qizi1, logic.m_flag_qizhi})
+        EXPECT_NEAR(flag->m_phase, 6, 1e-3); // 3 degrees per second
     run(28);
     for (const Ship* ship : {logic.m_ship1, logic.m_ship2}) {
         const ObjectPrefab& prefab = prefabOf(ship);
@@ -104,12 +102,6 @@ TEST_F(ShipsTest, ResetPutsThemBackAtRest) {
         EXPECT_LT(length(body.getTransform().getTranslate() - start->getTranslate()), 1e-8);
         EXPECT_EQ(ship->getVelocity(), vec3_zero);
         EXPECT_EQ(body.getAngularVelocity(), vec3_zero);
-    }
-    run(5); // and they start again from there
-    for (const auto& [ship, start] : both) {
-        const double way = length(ship->getObject()->getWorldPosition() - start->getTranslate());
-        EXPECT_GT(way, 1);
-        EXPECT_LT(way, 30);
     }
 }
 
