@@ -86,11 +86,4 @@ TEST_F(InputTest, ReturnLevelsTheCameraAndComesBeforeTheSonarsKeys) {
     EXPECT_GT(sonarLength(), start + 1);
 }
 
-TEST_F(InputTest, CommandsWithoutAHelicopterAreHarmless) {
-    logic().release();
-    for (int key : {KEY_F5, KEY_F6, KEY_F2, KEY_F3, KEY_SPACE, KEY_DOWN, KEY_UP, KEY_F1, KEY_F1})
-        stroke({key});
-    EXPECT_EQ(logic().m_player_mode, Mode::PLAYER_MODE_FIRST);
-}
-
 } // namespace

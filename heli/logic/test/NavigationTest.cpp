@@ -98,6 +98,58 @@ TEST_F(NavigationTest, PlacesWhereNoCameraCanLookFromAreRefused) {
     }
 }
 
+// ------------------------------------------------------------------ views
+
+TEST_F(NavigationTest, ViewsCycleAndEachPlacesTheCamera) {
+    const dmat4 third = scene.camera.getTransform();
+    logic().change_view();
+    scene.frame();
+    EXPECT_EQ(logic().m_player_mode, Mode::PLAYER_MODE_FREE);
+    EXPECT_EQ(scene.camera.getTransform(), third); // starts from the present view
+    UdpRecvData record = LogicScene::record();
+    record.altitude = 200;
+    record.heading = 130;
+    scene.send(record);
+    scene.frame();
+    EXPECT_EQ(scene.camera.getTransform(), third); // nobody moves it
+    logic().change_view();
+    scene.frame();
+    EXPECT_EQ(logic().m_player_mode, Mode::PLAYER_MODE_FIRST);
+    const dmat4 eye = scene.helicopterNode("cam_first_player")->getWorldTransform();
+    EXPECT_LT(length(position() - eye.getTranslate()), 1e-8);
+    EXPECT_LT(length(axis(0, 0, 1) - eye.getZ()), 1e-9);
+    logic().change_view();
+    EXPECT_EQ(logic().m_player_mode, Mode::PLAYER_MODE_THIRD);
+    // First exactly where the third view left it, then after the helicopter again.
+    EXPECT_LT(length(position() - third.getTranslate()), 1e-8);
+    scene.frame();
+    EXPECT_NEAR(length(position() - logic().m_heli->get_world_position()), 25, 1e-8);
+}
+
+TEST_F(NavigationTest, WheelZoomsTheThirdViewOnlyDownToAMetre) {
+    logic().onMouseWheel({-120, 0}, nullptr); // down: farther
+    EXPECT_EQ(logic().m_third_dist, 26);
+    EXPECT_NEAR(length(position() - logic().m_heli->get_world_position()), 26, 1e-8);
+    for (int i = 0; i < 40; i++)
+        logic().onMouseWheel({120, 1}, nullptr);
+    EXPECT_EQ(logic().m_third_dist, 1);
+    logic().set_player_mode(Mode::PLAYER_MODE_FREE);
+    logic().onMouseWheel({-120, 0}, nullptr);
+    EXPECT_EQ(logic().m_third_dist, 1);
+}
+
+TEST_F(NavigationTest, Message654321LevelsTheCamera) {
+    scene.camera_control.m_rotation =
+        normalize(scene.camera_control.m_rotation * dquat(dvec3(0, 0, 1), 25));
+    scene.camera_control.updateView();
+    UiMsg other{123456}, level{654321};
+    MsgMngr::get()->send(&other);
+    const dvec3 up = normalize(position());
+    EXPECT_LT(dot(axis(0, 1, 0), up), 0.95);
+    MsgMngr::get()->send(&level);
+    EXPECT_NEAR(dot(axis(0, 1, 0), up), 1, 1e-12);
+}
+
 // ------------------------------------------------------------------ picking
 
 TEST(Picking, NearestVisibleSurfaceWins) {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// The ships in the logic's scene: found at start-up, advanced by the frame, put back by a reset;
-// and the one sea that they share with the picture and the feedback.
+// The ships in the logic's scene: found at start-up, advanced by the frame, put back by a reset.
 
 #include "common/ship/Buoyancy.h"
 #include "common/ship/FlagOper.h"
@@ -17,8 +16,6 @@
 namespace {
 
 using namespace ig;
-
-const EllipsoidModel EARTH;
 
 /// A ship of 40 m × 10 m × 4 m that floats at an immersion of 0.4, with a wake and one flag.
 std::string shipPrefab(const std::string& flag) {
@@ -133,77 +130,6 @@ TEST_F(ShipsTest, WhatIsMissingOrNoPrefabIsSkipped) {
     run(0.2);
     scene.logic->reset();
     EXPECT_TRUE(scene.log.lines.empty());
-}
-
-// ------------------------------------------------------------------ one sea
-
-/// Displacement east and north and height of the water that rests at a place of a tile, between
-/// the four texels around it.
-dvec3 texelAt(const OceanTile& tile, double x, double y) {
-    const double u = x / tile.tile * tile.resolution, v = y / tile.tile * tile.resolution;
-    const double a = u - std::floor(u), b = v - std::floor(v);
-    const auto at = [&](double i, double j) {
-        const auto wrap = [&](double k) {
-            return static_cast<int>(std::floor(k) -
-                                    std::floor(std::floor(k) / tile.resolution) * tile.resolution);
-        };
-        const float* texel = tile.displacement + 4 * (wrap(j) * tile.resolution + wrap(i));
-        return dvec3(vec3(texel[0], texel[1], texel[2]));
-    };
-    return at(u, v) * ((1 - a) * (1 - b)) + at(u + 1, v) * (a * (1 - b)) +
-           at(u, v + 1) * ((1 - a) * b) + at(u + 1, v + 1) * (a * b);
-}
-
-/// The altitude at which the sea is drawn at a place, from the record that the renderer is given.
-double drawnAltitude(const OceanFrame& frame, double longitude, double latitude) {
-    const double c = OceanFrame::SECOND_COSINE, s = OceanFrame::SECOND_SINE;
-    const dvec2 place = frame.toPlane(longitude, latitude);
-    dvec3 moved;
-    for (int step = 0; step < 60; step++) {
-        const double x = place.x - moved.x, y = place.y - moved.y;
-        const dvec3 first = texelAt(frame.tiles[0], x, y);
-        const dvec3 second = texelAt(frame.tiles[0], c * x - s * y + OceanFrame::SECOND_OFFSET_X,
-                                     s * x + c * y + OceanFrame::SECOND_OFFSET_Y);
-        moved =
-            (first + dvec3(c * second.x + s * second.y, c * second.y - s * second.x, second.z)) *
-                std::sqrt(0.5) +
-            texelAt(frame.tiles[1], x, y) + texelAt(frame.tiles[2], x, y);
-    }
-    return moved.z + frame.mean_level;
-}
-
-TEST(OneSea, IsWhatShipsFloatOnWhatIsDrawnAndWhatTheFeedbackMeets) {
-    LogicScene scene;
-    scene.addToWorld("name: ocean, type: ocean, beaufort: 6");
-    // A thin pole, 8 m high, held with its foot at altitude −3: its immersion tells the sea there.
-    const dvec3 foot(-155.05, 19.72, -3);
-    auto* pole = new Object(NODE_DUMMY);
-    auto* body = new BodyRigid(1, {});
-    body->addShape(Shape::createBox({0.001f, 0.001f, 8}));
-    body->setEnabled(false);
-    pole->setBody(body);
-    pole->setWorldPosition(EARTH.toWorld(foot) + dvec3(0, 0, 4));
-    scene.extra_nodes.push_back(pole);
-    ASSERT_TRUE(scene.start());
-    Buoyancy buoyancy(body, scene.logic->m_ocean);
-    UdpRecvData record = LogicScene::record();
-    record.longitude = foot.x;
-    record.latitude = foot.y;
-    double lowest = 9, highest = -9;
-    for (int i = 0; i < 40; i++) {
-        scene.send(record);
-        scene.frame(0.25f);
-        buoyancy.update();
-        const double met = static_cast<double>(record.altitude) -
-                           static_cast<double>(scene.feedback()->height_above_ground);
-        const double floated = foot.z + 8 * static_cast<double>(buoyancy.getSubmerged());
-        EXPECT_NEAR(floated, met, 2e-3);
-        EXPECT_NEAR(drawnAltitude(scene.logic->m_ocean->getFrame(), foot.x, foot.y), met, 2e-3);
-        EXPECT_NEAR(static_cast<double>(scene.logic->m_heli->get_ground_height()), met, 2e-3);
-        lowest = std::min(lowest, met);
-        highest = std::max(highest, met);
-    }
-    EXPECT_GT(highest - lowest, 1); // of a significant height of 3 m
 }
 
 } // namespace

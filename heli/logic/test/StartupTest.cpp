@@ -33,7 +33,14 @@ TEST(Startup, WorldWithoutStartMarkerCreatesNothing) {
     auto expected = before;
     expected["src/logic/Logic_Nerith_Heli_Final|CreateLogic"] = 1;
     EXPECT_EQ(tracked(), expected);
-    // Keys and wheel before the helicopter exists.
+    // Commands before anything exists.
+    Engine::get()->setApp(&scene);
+    for (int key : {KEY_F5, KEY_F6, KEY_F2, KEY_F3, KEY_SPACE, KEY_DOWN, KEY_UP, KEY_F1}) {
+        scene.input.keyDown(key);
+        logic->update(0.01f);
+        scene.input.keyUp(key);
+        scene.control.endFrame();
+    }
     logic->onKeyRelease({'g'}, nullptr);
     logic->onMouseWheel({120, 1}, nullptr);
     EXPECT_EQ(logic->m_third_dist, 25);
@@ -155,15 +162,22 @@ TEST(Startup, ConsoleShowsPortAndAddressAlsoOfAPortInUse) {
     EXPECT_NEAR(scene.helicopterWgs().z, LogicScene::ALTITUDE, 1e-8);
 }
 
-TEST(Startup, MissingHelicopterPrefabIsLoggedAndTheFramesGoOn) {
-    LogicScene scene;
-    std::filesystem::remove(scene.folder.path() / LogicScene::HELICOPTER);
-    ASSERT_TRUE(scene.start());
-    scene.send(LogicScene::record());
-    for (int i = 0; i < 3; i++)
+TEST(Startup, WithoutHelicopterPartsOrPrefabTheFramesAndTheResetGoOn) {
+    for (const bool present : {true, false}) {
+        LogicScene scene;
+        scene.folder.write(LogicScene::HELICOPTER, "node: {name: bare}\n");
+        if (!present) std::filesystem::remove(scene.folder.path() / LogicScene::HELICOPTER);
+        ASSERT_TRUE(scene.start());
+        scene.world->removeNode(scene.world->getNodeByName("start_heli"));
+        UdpRecvData record = LogicScene::record();
+        record.altitude = 99;
+        scene.send(record);
         scene.frame();
-    EXPECT_TRUE(scene.feedback().has_value());
-    scene.logic->reset();
+        scene.logic->reset();
+        scene.frame();
+        EXPECT_NEAR(scene.helicopterWgs().z, 99, 1e-8);
+        EXPECT_TRUE(scene.feedback().has_value());
+    }
 }
 
 // Exactly what outlives the logic: the loaded tracks and the ships, each with its buoyancy and its
