@@ -69,15 +69,6 @@ TEST_F(PlaySpe, ShowsTheEffectUprightAtItsPlaceForItsDuration) {
     EXPECT_TRUE(world.getNodes().empty());
 }
 
-TEST_F(PlaySpe, RemovalTakesTheEffectAway) {
-    const std::size_t memory = memCount();
-    Action* action = ActionPlaySpe::Create(&world, "effect.prefab", 3, place);
-    manager.addAction(action, false);
-    manager.removeAction(action);
-    EXPECT_TRUE(world.getNodes().empty());
-    EXPECT_EQ(memCount(), memory);
-}
-
 TEST_F(PlaySpe, WhatIsNoEffectIsRefusedSilently) {
     folder.write("node.prefab", "node: {name: plain}\n");
     folder.write("empty.prefab", "other: 1\n");

@@ -62,16 +62,12 @@ TEST_F(Levelling, WithoutCameraNothingHappens) {
     alone.level();
 }
 
-TEST(LogicBase, DefaultsAndSharedListenersOfCopies) {
+TEST(LogicBase, CopiesShareTheirListeners) {
     Logic logic(nullptr, nullptr);
-    EXPECT_EQ(logic.getCamSpeed(), 100);
-    EXPECT_TRUE(logic.getWorldPath().empty());
-    EXPECT_TRUE(logic.init());
     int heard = 0;
     const int key = 0;
     logic.m_sig_sea.append({&key, [&](int code) { heard += code; }});
     Logic copy(logic);
-    EXPECT_EQ(logic.m_sig_sea[0].useCount(), 2);
     emit(copy.m_sig_sea, -3);
     EXPECT_EQ(heard, -3);
 }

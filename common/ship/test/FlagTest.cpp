@@ -12,7 +12,7 @@ using namespace ig;
 struct FlagTest : testing::Test {
     FlagTest() {
         prefab = new ObjectPrefab(ShipScene::FRIGATE);
-        scene.place(prefab, 0, 0);
+        scene.place(prefab, 0);
         flag.init(prefab->getNodeByName("qizi1"), 10, 3);
     }
     ShipScene scene;

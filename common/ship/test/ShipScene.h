@@ -101,19 +101,19 @@ public:
     }
 
     /// A box-shaped object floating on its own, its origin at `altitude`.
-    ig::Object* addBox(const ig::vec3& size, float mass, double altitude, double heading = 0) {
+    ig::Object* addBox(const ig::vec3& size, float mass, double altitude) {
         auto* object = new ig::Object(ig::NODE_DUMMY);
         auto* body = new ig::BodyRigid(mass, {});
         body->addShape(ig::Shape::createBox(size));
         object->setBody(body);
-        place(object, altitude, heading);
+        place(object, altitude);
         return object;
     }
     /// A prefab of the project, full ahead at the thrust it has in the scene.
     Ship& addShip(const char* path, float thrust) {
         auto* prefab = new ig::ObjectPrefab(path);
         prefab->moveBodyFromRoot();
-        place(prefab, 0, 0);
+        place(prefab, 0);
         // 500 m abreast of the last one.
         prefab->setWgsPosition({LONGITUDE + 0.005 * double(ships.size()), LATITUDE, 0});
         ships.push_back(std::make_unique<Ship>(prefab, water));
@@ -121,9 +121,9 @@ public:
         ships.back()->setThrust(thrust);
         return *ships.back();
     }
-    void place(ig::Object* object, double altitude, double heading) {
+    void place(ig::Object* object, double altitude) {
         object->setWgsPosition({LONGITUDE, LATITUDE, altitude});
-        object->setWgsHPR({heading, 0, 0});
+        object->setWgsHPR({});
         world.addNode(object);
     }
 

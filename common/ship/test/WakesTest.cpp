@@ -20,7 +20,7 @@ struct WakesTest : testing::Test {
         stern = add<ObjectParticles>(bow, "stern");
         stern->setPosition({0, -40, 0});
         spray = add<ObjectParticles>(node, "spray");
-        scene.place(object, 2, 0);
+        scene.place(object, 2);
     }
     template <class T>
     static T* add(Node* parent, const char* name) {
@@ -117,7 +117,7 @@ TEST_F(WakesTest, PlainObjectsAreSearchedOneLevelDeepAndPrefabsWhole) {
     foam->setName("wakes"); // now a grandchild
     EXPECT_EQ(Ship(object, scene.sea).getWakes(), nullptr);
     auto* prefab = new ObjectPrefab(ShipScene::FRIGATE);
-    scene.place(prefab, 0, 0);
+    scene.place(prefab, 0);
     EXPECT_NE(Ship(prefab, scene.sea).getWakes(), nullptr);
 }
 

@@ -154,16 +154,6 @@ TEST_F(EditorsTest, HexadecimalIsWrittenWithItsPrefixAndReadWithOrWithout) {
     EXPECT_FALSE(whole->refresh()); // reads back as −1
 }
 
-TEST_F(EditorsTest, TheWheelSetsTheValueWhereverTheFocusIs) {
-    root->resize(900, 50);
-    root->update(0);
-    const UIEditLine* field = whole->getEdit();
-    root->mouseMove(static_cast<float>(field->getX() + 3), static_cast<float>(field->getY() + 3));
-    root->wheel(2);
-    EXPECT_EQ(owner.whole, 257);
-    EXPECT_EQ(messages.seen, std::vector<int>{7});
-}
-
 TEST_F(EditorsTest, SettersAndMessagePayload) {
     Owner other;
     whole->addSetter({&other, &Owner::setInt});
