@@ -145,6 +145,11 @@ UdpRecvData LogicScene::record() {
     return record;
 }
 
+void LogicScene::bankCamera() {
+    camera_control.m_rotation = normalize(camera_control.m_rotation * dquat(dvec3(0, 0, 1), 25));
+    camera_control.updateView();
+}
+
 dvec3 LogicScene::helicopterWgs() const {
     return EllipsoidModel().toWGS(logic->m_heli->get_world_position());
 }

@@ -28,10 +28,6 @@ struct CableTest : testing::Test {
         const dvec3 top = scene.helicopterNode(mount)->getWorldPosition();
         return length(load->getWorldPosition() - top);
     }
-    void frames(int n) {
-        for (int i = 0; i < n; i++)
-            scene.frame();
-    }
     /// The sea has taken it: one splash was shown above the surface, and what is left rides on the
     /// waves.
     void expectLost(const SignalRecorder& signals, const Node* hidden, const Body& body,
@@ -44,7 +40,7 @@ struct CableTest : testing::Test {
         EXPECT_EQ(scene.effects(), std::vector<dvec3>(1, splash));
         EXPECT_FALSE(hidden->isEnabled() || body.isEnabled());
         for (int i = 0; i < 4; i++) {
-            frames(15);
+            scene.frames(15);
             const dvec3 place = rest->getWorldPosition();
             EXPECT_NEAR(SeaScene::altitude(place), scene.sea(place), 0.05);
         }
@@ -61,7 +57,7 @@ TEST_F(CableTest, SonarIsLoweredAndRaisedBetweenTwoAndSixteenMetres) {
     EXPECT_EQ(sonar().prefab->getName(), "_sonar_");
     EXPECT_FALSE(sonar().prefab->isEnabled()); // until its first step
     EXPECT_FALSE(scene.helicopterNode("sonar")->isEnabled());
-    frames(1);
+    scene.frame();
     EXPECT_TRUE(sonar().prefab->isEnabled());
     const auto hold = [&](void (Logic_Nerith_Heli_Final::*move)(float), int n, float dt) {
         for (int i = 0; i < n; i++) {
@@ -104,7 +100,7 @@ TEST_F(CableTest, SonarCutAboveTheSeaFallsSplashesAndFloats) {
     ASSERT_TRUE(scene.startAt(60));
     SignalRecorder signals(*scene.logic);
     scene.logic->emit_sonar();
-    frames(60);
+    scene.frames(60);
     const double start = SeaScene::altitude(sonar().sonar->getWorldPosition());
     EXPECT_FALSE(scene.logic->is_break_sonar_joint());
     scene.logic->break_sonar_joint();
@@ -132,11 +128,11 @@ TEST_F(CableTest, DippedSonarSplashesOnlyOnceItIsCut) {
     EXPECT_LT(SeaScene::altitude(sonar().sonar_mesh->getWorldPosition()), -3);
     EXPECT_TRUE(signals.effects.empty());
     scene.logic->break_sonar_joint();
-    frames(1);
+    scene.frame();
     expectLost(signals, sonar().sonar_mesh, loadOf(sonar().sonar), sonar().sonar);
     // The cable stays with the helicopter and hangs free.
     scene.place(40);
-    frames(300);
+    scene.frames(300);
     const Node* rope = sonar().rope;
     EXPECT_LT(hanging(rope->getChild(0), "sonar"), 1e-6);
     const double end = SeaScene::altitude(rope->getChild(15)->getWorldPosition());
@@ -151,9 +147,9 @@ TEST_F(CableTest, ThrownBuoySplashesAndFloats) {
     const SonarInfo& buoy = *scene.logic->m_thrown_sonars[0];
     EXPECT_EQ(buoy.sonar, buoy.sonar_mesh);
     EXPECT_NEAR(SeaScene::altitude(buoy.prefab->getWorldPosition()), 29, 1e-6);
-    frames(120);
+    scene.frames(120);
     EXPECT_TRUE(signals.effects.empty());
-    frames(60);
+    scene.frames(60);
     expectLost(signals, buoy.sonar, *buoy.prefab->getBody(), buoy.prefab);
 }
 
@@ -167,11 +163,7 @@ TEST_F(CableTest, WinchFollowsTheHostsRecords) {
     record.hang_enable = 1;
     record.hang_length = 9;
     record.hang_mass = 250;
-    const auto send = [&] {
-        scene.send(record);
-        frames(1);
-    };
-    send();
+    scene.tell(record);
     ASSERT_NE(winch().prefab, nullptr);
     EXPECT_EQ(winch().prefab->getName(), "_winch_");
     EXPECT_TRUE(winch().prefab->isEnabled());
@@ -181,32 +173,32 @@ TEST_F(CableTest, WinchFollowsTheHostsRecords) {
     for (int mass : {0, -5}) {
         record.hang_mass = static_cast<std::int16_t>(mass);
         record.hang_length = 30; // beyond the buttons' reach
-        send();
+        scene.tell(record);
         EXPECT_EQ(loadOf(winch().obj).getMass(), 1);
     }
     EXPECT_EQ(scene.log.lines.size(), 1u); // one warning
     EXPECT_EQ(ropeOf(winch().rope).getLength(), 20);
-    frames(60 * 8);
+    scene.frames(60 * 8);
     EXPECT_NEAR(hanging(winch().obj, "winch"), 30, 0.01);
     scene.logic->winch_up(1 / 60.0f);
     EXPECT_FLOAT_EQ(ropeOf(winch().rope).getLength(), 16 / 1.5f);
     record.hang_length = std::numeric_limits<float>::quiet_NaN();
-    send();
+    scene.tell(record);
     EXPECT_FLOAT_EQ(ropeOf(winch().rope).getLength(), 16 / 1.5f);
     EXPECT_EQ(signals.added.size(), 1u); // never deployed anew
     record.hang_enable = 0;
-    send();
+    scene.tell(record);
     EXPECT_EQ(winch().prefab, nullptr);
     EXPECT_EQ(signals.removed.size(), 1u);
     EXPECT_TRUE(scene.logic->emit_winch()); // by the operator, while the host says otherwise
-    frames(1);
+    scene.frame();
     EXPECT_NE(winch().prefab, nullptr);
-    send();
+    scene.tell(record);
     EXPECT_EQ(winch().prefab, nullptr);
     // The reset comes first, the rest of its record after it.
     record.command = 6;
     record.hang_enable = 1;
-    send();
+    scene.tell(record);
     EXPECT_NE(winch().prefab, nullptr);
     EXPECT_NEAR(scene.helicopterWgs().z, 100, 1e-6);
 }

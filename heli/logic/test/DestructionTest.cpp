@@ -29,16 +29,13 @@ TEST(Destruction, BurnsTurnsIntoTheWreckAndIsRepairedByReset) {
     EXPECT_TRUE(scene.helicopterNode("fire")->isEnabled());
     EXPECT_TRUE(flames->isEmitterEnabled());
     EXPECT_EQ(scene.logic->m_heli->get_collective_decay(), 0.98f);
-    for (int i = 0; i < 11; i++)
-        scene.frame();
+    scene.frames(11);
     EXPECT_TRUE(scene.helicopterNode("normal")->isEnabled()); // 0.183 s
-    for (int i = 0; i < 3; i++)
-        scene.frame();
+    scene.frames(3);
     EXPECT_FALSE(scene.helicopterNode("normal")->isEnabled());
     EXPECT_TRUE(scene.helicopterNode("destroyed")->isEnabled());
     const int nodes = scene.world->getNodes().size();
-    for (int i = 0; i < 355; i++)
-        scene.frame();
+    scene.frames(355);
     EXPECT_EQ(scene.world->getNodes().size(), nodes - 1); // the explosion is over
     scene.logic->heli_explosion();                        // again, while wrecked
     EXPECT_EQ(signals.effects.size(), 2u);
@@ -54,8 +51,7 @@ TEST(Destruction, BurnsTurnsIntoTheWreckAndIsRepairedByReset) {
     EXPECT_FALSE(scene.helicopterNode("destroyed")->isEnabled());
     EXPECT_FALSE(scene.helicopterNode("fire")->isEnabled());
     EXPECT_NE(flames->getNumCleared(), cleared);
-    for (int i = 0; i < 30; i++)
-        scene.frame();
+    scene.frames(30);
     EXPECT_TRUE(scene.helicopterNode("normal")->isEnabled()); // its timer is gone
 }
 

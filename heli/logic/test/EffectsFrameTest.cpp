@@ -24,11 +24,9 @@ struct EffectsFrame : testing::Test {
         record.latitude = latitude;
         record.rotor_speed = rotor;
         record.altitude = 500;
-        scene.send(record); // to measure the surface
-        scene.frame();
+        scene.tell(record); // to measure the surface
         record.altitude = scene.logic->m_heli->get_ground_height() + height;
-        scene.send(record);
-        scene.frame();
+        scene.tell(record);
     }
     ObjectParticles* emitter(const char* name) {
         return static_cast<ObjectParticles*>(scene.helicopterNode(name));
@@ -113,8 +111,7 @@ TEST(Deflector, TakesItsHeightFromTheWeatherAndKeepsItsPlace) {
     UdpRecvData record = LogicScene::record();
     record.heading = 100;
     record.pitch = 6;
-    scene.send(record);
-    scene.frame();
+    scene.tell(record);
     const dmat4 heli = scene.logic->m_heli->get_world_transform();
     // Somewhere else above: only the height counts. Hail comes second and has the last word on the
     // mount, for the next frame's rain as well as nobody's.

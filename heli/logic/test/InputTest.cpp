@@ -68,9 +68,7 @@ TEST_F(InputTest, ReturnLevelsTheCameraAndComesBeforeTheSonarsKeys) {
     ASSERT_NE(logic().m_sonar_info->rope, nullptr);
     const float start = sonarLength();
     logic().set_player_mode(Mode::PLAYER_MODE_FREE);
-    scene.camera_control.m_rotation =
-        normalize(scene.camera_control.m_rotation * dquat(dvec3(0, 0, 1), 25));
-    scene.camera_control.updateView();
+    scene.bankCamera();
 
     scene.input.keyDown(KEY_DOWN);
     scene.input.keyDown(KEY_RETURN);
@@ -78,8 +76,7 @@ TEST_F(InputTest, ReturnLevelsTheCameraAndComesBeforeTheSonarsKeys) {
     EXPECT_EQ(sonarLength(), start);
     EXPECT_NEAR(dot(scene.camera.getTransform().getY(), normalize(scene.camera.getPosition())), 1,
                 1e-9);
-    for (int i = 0; i < 32; i++)
-        scene.frame(1 / 64.0f); // Return is still down, but was clicked before
+    scene.frames(32, 1 / 64.0f); // Return is still down, but was clicked before
     EXPECT_NEAR(sonarLength(), start + 1, 1e-4);
     scene.input.keyDown(KEY_UP); // Down comes first
     scene.frame(1 / 64.0f);

@@ -61,8 +61,7 @@ TEST_F(LinkTest, ResetComesBeforeTheRestOfItsRecord) {
     scene.send(record);
     record.command = 6;
     record.altitude = 600;
-    scene.send(record);
-    scene.frame();
+    scene.tell(record);
     EXPECT_EQ(codes, (std::vector<int>{25, 26}));
     EXPECT_NEAR(altitude, LogicScene::ALTITUDE, 1e-8); // at its start when announced
     EXPECT_NEAR(scene.helicopterWgs().z, 600, 1e-8);
@@ -73,8 +72,7 @@ TEST_F(LinkTest, ShortDatagramReadsAsZeroAndAWildOneKeepsTheLastPose) {
     scene.peer.send(half.data(), half.size(), scene.receive_port);
     scene.frame();
     EXPECT_NEAR(length(scene.helicopterWgs()), 0, 1e-8); // longitude, latitude, altitude 0
-    scene.send(LogicScene::record());
-    scene.frame();
+    scene.tell(LogicScene::record());
     const dmat4 pose = heli().get_world_transform();
     const double nan = std::nan(""), infinity = std::numeric_limits<double>::infinity();
     for (double wild : {nan, infinity, -infinity}) {
@@ -85,14 +83,12 @@ TEST_F(LinkTest, ShortDatagramReadsAsZeroAndAWildOneKeepsTheLastPose) {
         record.radar_value = record.radar_sector_width = static_cast<float>(wild);
         record.weather_angle = record.weather_value_a = static_cast<float>(wild);
         scene.send(record);
-        for (int i = 0; i < 3; i++)
-            scene.frame();
+        scene.frames(3);
     }
     EXPECT_EQ(heli().get_world_transform(), pose);
     EXPECT_GT(heli().m_prefab->getNumRefused(), 0);
     EXPECT_TRUE(isFinite(scene.camera.getTransform()));
-    scene.send(LogicScene::record()); // and a good record heals everything
-    scene.frame();
+    scene.tell(LogicScene::record()); // and a good record heals everything
     EXPECT_TRUE(std::isfinite(heli().m_rotor_angle));
     EXPECT_TRUE(isFinite(scene.helicopterNode("wing")->getWorldTransform()));
     ASSERT_TRUE(scene.feedback().has_value());
@@ -160,8 +156,7 @@ TEST(Feedback, NothingBelowAndAMissingWheelLeaveTheirBytesZero) {
     UdpRecvData record = LogicScene::record();
     record.heading = 10;
     record.latitude += 1; // away from the deck
-    scene.send(record);
-    scene.frame();
+    scene.tell(record);
     UdpSendData feedback = *scene.feedback();
     EXPECT_NEAR(feedback.wheel_right.h, 10, 1e-3);
     feedback.frame = 0;

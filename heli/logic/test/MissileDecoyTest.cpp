@@ -80,8 +80,7 @@ TEST(Missile, ThatHitsNothingFliesStraightAndGoesAfterItsTime) {
     const dvec3 expected = launch * dvec3(0, 5 + 300 * time, 0);
     EXPECT_LT(length(missile->getWorldPosition() - expected), 0.02);
     EXPECT_LT(length(missile->getWorldTransform().getX() - launch.getX()), 1e-9);
-    for (int i = 0; i < 3; i++)
-        scene.frame(0.1f);
+    scene.frames(3, 0.1f);
     EXPECT_TRUE(scene.logic->m_missiles.empty());
     EXPECT_EQ(signals.removed, signals.added);
     EXPECT_TRUE(signals.effects.empty());
@@ -93,8 +92,7 @@ TEST(Missile, ExplodesOnceTheLastTakesTheFreedPlaceAndResetLeavesThemHanging) {
     SignalRecorder signals(*scene.logic);
     scene.place(500, {0, 20, 0}); // up into the sky
     scene.logic->emit_missile();
-    for (int i = 0; i < 3; i++)
-        scene.frame(0.1f);
+    scene.frames(3, 0.1f);
     scene.logic->emit_missile();
     scene.logic->emit_missile();
     EXPECT_EQ(scene.logic->m_missile_callback.m_handlers.size(), 1); // bound once
@@ -112,8 +110,7 @@ TEST(Missile, ExplodesOnceTheLastTakesTheFreedPlaceAndResetLeavesThemHanging) {
     EXPECT_EQ(missiles[1], before[1]);
     const dvec3 place = missiles[0]->getWorldPosition();
     scene.logic->reset();
-    for (int i = 0; i < 10; i++)
-        scene.frame();
+    scene.frames(10);
     ASSERT_EQ(missiles.size(), 2);
     EXPECT_EQ(missiles[0]->getWorldPosition(), place);
 }
@@ -139,11 +136,9 @@ TEST(Decoys, LeaveAlongTheirDispensersAndVanishAfterTwentySeconds) {
     scene.frame();
     EXPECT_GT(length(last->getWorldPosition() - scene.helicopterNode("dr_2")->getWorldPosition()),
               0.3);
-    for (int i = 1; i < 199; i++)
-        scene.frame(0.1f);
+    scene.frames(198, 0.1f);
     EXPECT_EQ(scene.logic->m_decoys.size(), 6);
-    for (int i = 0; i < 3; i++)
-        scene.frame(0.1f);
+    scene.frames(3, 0.1f);
     EXPECT_TRUE(scene.logic->m_decoys.empty());
     EXPECT_EQ(signals.removed, signals.added); // each once, in order
     EXPECT_EQ(scene.logic->m_action_manager.size(), 0);
@@ -189,17 +184,14 @@ TEST(Equipment, WithoutFilesOrTheirPartsIsTrackedAndRemovedAllTheSame) {
         EXPECT_TRUE(signals.texts.empty());
         UdpRecvData record = LogicScene::record();
         record.hang_enable = 1;
-        scene.send(record);
-        scene.frame();
+        scene.tell(record);
         EXPECT_EQ(count(), 12);
         EXPECT_EQ(logic.m_sonar_info->prefab->isEnabled(),
                   text == WRONG_KINDS); // a mesh to measure
-        for (int i = 0; i < 202; i++)
-            scene.frame(0.1f);
+        scene.frames(202, 0.1f);
         EXPECT_EQ(count(), 5); // missile and decoys are over
         EXPECT_TRUE(scene.helicopterNode("destroyed")->isEnabled());
-        for (int i = 0; i < 201; i++)
-            scene.frame(0.1f);
+        scene.frames(201, 0.1f);
         EXPECT_EQ(count(), 4); // and the torpedo
         logic.reset();
         logic.release_winch();

@@ -109,8 +109,7 @@ TEST_F(NavigationTest, ViewsCycleAndEachPlacesTheCamera) {
     UdpRecvData record = LogicScene::record();
     record.altitude = 200;
     record.heading = 130;
-    scene.send(record);
-    scene.frame();
+    scene.tell(record);
     EXPECT_EQ(scene.camera.getTransform(), third); // nobody moves it
     logic().change_view();
     scene.frame();
@@ -139,9 +138,7 @@ TEST_F(NavigationTest, WheelZoomsTheThirdViewOnlyDownToAMetre) {
 }
 
 TEST_F(NavigationTest, Message654321LevelsTheCamera) {
-    scene.camera_control.m_rotation =
-        normalize(scene.camera_control.m_rotation * dquat(dvec3(0, 0, 1), 25));
-    scene.camera_control.updateView();
+    scene.bankCamera();
     UiMsg other{123456}, level{654321};
     MsgMngr::get()->send(&other);
     const dvec3 up = normalize(position());

@@ -76,8 +76,7 @@ TEST_F(PanelTest, AVisitedFieldDoesNotTakeTheCameraBack) {
     click(field(1));
     UdpRecvData record = LogicScene::record();
     record.longitude += 0.01;
-    scene.send(record);
-    scene.frame();
+    scene.tell(record);
     const dvec3 moved = scene.camera.getPosition();
     key(KEY_RETURN); // nothing was typed
     EXPECT_EQ(scene.camera_control.m_position, moved);

@@ -50,8 +50,7 @@ struct RadarTest : testing::Test {
         record.radar_value = value;
         record.radar_sector_width = width;
         record.radar_sector_offset = offset;
-        scene.send(record);
-        scene.frame();
+        scene.tell(record);
     }
     LogicScene scene;
 };

@@ -28,8 +28,7 @@ TEST(Reset, RemovesWhatIsDeployedInItsOrderAndLeavesMissilesAndWinch) {
     scene.logic->emit_missile();
     scene.logic->heli_explosion(); // takes the sonar
     scene.logic->emit_sonar();
-    for (int i = 0; i < 30; i++)
-        scene.frame();
+    scene.frames(30);
     const auto& a = signals.added;
     std::vector<Node*> expected = {a[0], a[8], a[10], a[7]};
     expected.insert(expected.end(), a.begin() + 1, a.begin() + 7);
@@ -49,8 +48,7 @@ TEST(Reset, RemovesWhatIsDeployedInItsOrderAndLeavesMissilesAndWinch) {
     scene.logic->reset(); // again, with nothing left to remove
     EXPECT_EQ(signals.removed, expected);
     EXPECT_EQ(signals.codes.size(), 4u);
-    for (int i = 0; i < 10; i++)
-        scene.frame();
+    scene.frames(10);
 }
 
 TEST(Reset, MissingMarkerAndStatesAreSkipped) {

@@ -165,18 +165,27 @@ TEST(Startup, ConsoleShowsPortAndAddressAlsoOfAPortInUse) {
 TEST(Startup, WithoutHelicopterPartsOrPrefabTheFramesAndTheResetGoOn) {
     for (const bool present : {true, false}) {
         LogicScene scene;
-        scene.folder.write(LogicScene::HELICOPTER, "node: {name: bare}\n");
+        scene.folder.write(LogicScene::HELICOPTER,
+                           "node: {name: bare, children: [{name: glass_top_left, type: mesh, mesh: "
+                           "square.obj, surfaces: [{material: light.mat}]}]}\n");
         if (!present) std::filesystem::remove(scene.folder.path() / LogicScene::HELICOPTER);
         ASSERT_TRUE(scene.start());
         scene.world->removeNode(scene.world->getNodeByName("start_heli"));
         UdpRecvData record = LogicScene::record();
         record.altitude = 99;
-        scene.send(record);
-        scene.frame();
+        scene.tell(record);
         scene.logic->reset();
         scene.frame();
         EXPECT_NEAR(scene.helicopterWgs().z, 99, 1e-8);
         EXPECT_TRUE(scene.feedback().has_value());
+        scene.log.lines.clear();
+        for (int i = 0; i < 2; i++) { // without their glass, parameter and tracks; then released
+            scene.logic->setRain(1);
+            scene.logic->setSnow(1);
+            scene.logic->setTod(12);
+            scene.logic->release();
+        }
+        EXPECT_TRUE(scene.log.lines.empty());
     }
 }
 
@@ -189,8 +198,7 @@ TEST(Release, LeavesOnlyTracksAndShipsInTheMemoryTracker) {
     scene.useProjectData();
     ASSERT_TRUE(scene.start());
     scene.send(LogicScene::record());
-    for (int i = 0; i < 10; i++)
-        scene.frame();
+    scene.frames(10);
     scene.logic->release();
     EXPECT_TRUE(SocketUDP::getOpenSockets().empty());
     scene.logic->release();

@@ -63,8 +63,7 @@ TEST(Torpedo, EntersTheWaterWhenBallisticsTellsWithExactlyItsTwoEffects) {
             // What is announced is shown, and the parachute's action is gone.
             EXPECT_EQ(scene.logic->m_action_manager.size(), 2);
             EXPECT_EQ(scene.effects(), (std::vector<dvec3>{last, splash}));
-            for (int i = 0; i < 20; i++)
-                scene.frame(0.1f);
+            scene.frames(20, 0.1f);
             EXPECT_EQ(signals.effects.size(), 2u);
         }
 }
@@ -80,13 +79,11 @@ TEST(Torpedo, OverLandItLiesOnTheGroundUntilItsTimeIsOver) {
     const Node* torpedo = scene.logic->m_torpedo_infos[0]->torpedo;
     for (int i = 0; i < 60 * 6; i++)
         scene.frame();
-    for (int i = 0; i < 339; i++)
-        scene.frame(0.1f);
+    scene.frames(339, 0.1f);
     ASSERT_EQ(scene.logic->m_torpedo_infos.size(), 1); // 39.9 s
     // On the pad, top at 12.45 m, its middle 1.4 m above its nose.
     EXPECT_NEAR(SeaScene::altitude(torpedo->getWorldPosition()), 12.45 + 1.4, 0.05);
-    for (int i = 0; i < 2; i++)
-        scene.frame(0.1f);
+    scene.frames(2, 0.1f);
     EXPECT_TRUE(scene.logic->m_torpedo_infos.empty());
     EXPECT_EQ(signals.removed, signals.added);
     EXPECT_TRUE(signals.effects.empty());

@@ -58,14 +58,26 @@ public:
     bool start();
     /// One frame as the host application runs it.
     void frame(float dt = 1 / 60.0f);
+    void frames(int count, float dt = 1 / 60.0f) {
+        for (int i = 0; i < count; i++)
+            frame(dt);
+    }
     /// Releases and destroys the logic and the world.
     void stop();
 
     void send(const UdpRecvData& record) { peer.send(&record, sizeof record, receive_port); }
+    /// Sends a record and runs the frame that applies it.
+    void tell(const UdpRecvData& record) {
+        send(record);
+        frame();
+    }
     /// The newest feedback that arrived.
     std::optional<UdpSendData> feedback();
     /// A record that leaves the helicopter at its start.
     static UdpRecvData record();
+
+    /// Banks the camera by 25 degrees.
+    void bankCamera();
 
     ig::dvec3 helicopterWgs() const;
     ig::Node* helicopterNode(const char* name) const {
