@@ -59,9 +59,10 @@ TEST_F(CableTest, SonarIsLoweredAndRaisedBetweenTwoAndSixteenMetres) {
     EXPECT_FALSE(scene.helicopterNode("sonar")->isEnabled());
     scene.frame();
     EXPECT_TRUE(sonar().prefab->isEnabled());
+    Logic_Nerith_Heli_Final& logic = *scene.logic;
     const auto hold = [&](void (Logic_Nerith_Heli_Final::*move)(float), int n, float dt) {
         for (int i = 0; i < n; i++) {
-            (scene.logic->*move)(dt);
+            (logic.*move)(dt);
             scene.frame(dt);
         }
         return ropeOf(sonar().rope).getLength() * 1.5f;
