@@ -81,11 +81,10 @@ def main_rotor():
                 [(0.90, 0.925, "marking_white"), (0.965, 0.985, "marking_yellow")])
     for i in range(BLADES):
         mesh.merge(one, lambda p, a=360 / BLADES * i: rotate_z(p, a))
-    rings = [ROOT_CUT, 3.0, 5.0, 7.2, 7.4, ROTOR_RADIUS]
+    rings = [0.3, ROOT_CUT, 3.0, 5.0, 7.2, 7.4, ROTOR_RADIUS]
     heights = [0.10 * (r / ROTOR_RADIUS) ** 2 + 0.02 for r in rings]  # it cones under load
     for (r0, z0), (r1, z1) in zip(zip(rings, heights), zip(rings[1:], heights[1:])):
         cone_ring(plane, "rotor_disc_tip" if r0 == 7.2 else "rotor_disc", r0, z0, r1, z1)
-    plane.cylinder("rotor_disc", (0, 0, -0.05), (0, 0, 0.06), 1.1, 32)
     plane.lathe("heli_dark", [(0.15, -0.34), (0.15, -0.16), (0.30, -0.12), (0.34, -0.04),
                               (0.34, 0.06), (0.27, 0.11), (0.36, 0.14), (0.36, 0.17), (0.25, 0.23),
                               (0.12, 0.26), (0.0, 0.265)], 20)
@@ -114,7 +113,7 @@ def tail_rotor():
     one.cylinder("heli_metal", (0.05, 0, 0), (0.26, 0, 0), 0.035, 8)
     for i in range(TAIL_BLADES):
         mesh.merge(one, lambda p, a=360 / TAIL_BLADES * i: upright(rotate_z(p, a)))
-    plane.disc("rotor_disc", 0.14, TAIL_ROTOR_RADIUS, 0.0, 40, upright)
+    plane.disc("tail_rotor_disc", 0.14, TAIL_ROTOR_RADIUS, 0.0, 40, upright)
     return mesh, plane
 
 

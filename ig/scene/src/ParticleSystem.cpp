@@ -13,6 +13,7 @@ namespace ig {
 namespace {
 
 constexpr float LONGEST_STEP = 0.5f; ///< s
+constexpr double LONGEST_WAY = 100;  ///< m, of an emitter in one step
 constexpr double FARTHEST = 1000;    ///< m from the origin before it is moved along
 constexpr double WAKE_SPEED = 5;     ///< m/s at which a flat emitter reaches its rate
 constexpr std::size_t MOST = 12000;  ///< particles of one emitter
@@ -60,11 +61,14 @@ void ParticleSystem::advanceEmitter(const ObjectParticles& emitter, float dt, bo
     const Motion motion{slider(material, "gravity"), slider(material, "drag"),
                         slider(material, "spin"), slider(material, "wind")};
     // Foam lies where a hull has gone: it doesn't pile up around a still one.
-    const double speed = length(position - entry.position) / static_cast<double>(dt);
+    const dvec3 moved = position - entry.position;
+    const double speed = length(moved) / static_cast<double>(dt);
     const double share = flat ? std::min(speed / WAKE_SPEED, 1.0) : 1;
     entry.position = position;
     keepNear(position, entry.cloud);
     move(entry.cloud, motion, dt);
+    // One that was put elsewhere leaves no trail on its way.
+    entry.way = length(moved) < LONGEST_WAY ? vec3(moved) : vec3();
     spawn(emitter, entry, motion, static_cast<float>(share), dt);
     deflect(emitter, entry.cloud);
 }
@@ -129,7 +133,7 @@ void ParticleSystem::spawn(const ObjectParticles& emitter, Entry& entry, const M
             p.velocity += (axes[0] * outwards.x + axes[1] * outwards.y) * emitter.getOutflow();
         }
         p.position = start + axes[0] * place.x + axes[1] * place.y + axes[2] * (box.z * random()) +
-                     p.velocity * p.age;
+                     p.velocity * p.age - entry.way * (p.age / dt);
         p.turn = 3.1416f * random();
         p.spin = motion.spin * random();
         p.variety = 0.5f * (1 + random());

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Surfaces of models. One of these words is defined: PLAIN; TEXTURED: with a picture; PAVED: dry slabs
 // of concrete or lanes of asphalt; SOAKED: the same when wet or icy; PAINTED: markings with soft edges;
-// DECAL: pictures that lie on what is below; GLASS: what lets light through.
-#if defined(PAVED) || defined(PAINTED) || defined(DECAL)
+// DECAL: pictures that lie on what is below; GLASS: what lets light through; ROTOR: blades at speed.
+#if defined(PAVED) || defined(PAINTED) || defined(DECAL) || defined(ROTOR)
 #define MATTE // mirrors nothing, which is half of the cost
 #endif
 in vec3 vPosition;
@@ -69,6 +69,19 @@ float coverage(out float tone) {
 }
 #endif
 
+#ifdef ROTOR
+uniform vec4 uRotor; // radius, chord, m; blades; 1 where it turns about its own X, not Z
+// Share of the time for which blades cover this place. Smeared over the eye's moment, each shows as
+// a soft lobe; towards the tip they thin out and end softly.
+float blades() {
+    vec2 p = uRotor.w > 0.5 ? vOwn.yz : vOwn.xy;
+    float r = length(p), R = uRotor.x;
+    float mean = uRotor.y * uRotor.z / (2.0 * PI * max(r, 0.2 * R));
+    float lobe = 1.0 + 0.7 * smoothstep(0.05 * R, 0.4 * R, r) * cos(uRotor.z * atan(p.y, p.x));
+    return mean * lobe * smoothstep(R, 0.9 * R, r);
+}
+#endif
+
 #ifdef GLASS
 // Drops that run down a pane: tilts the normal and scatters light.
 vec3 rainOnGlass(vec3 normal, inout float opacity) {
@@ -105,6 +118,9 @@ void main() {
     vec4 texel = texture(uTexture, vPlace);
     albedo *= texel.rgb;
     opacity *= texel.a;
+#endif
+#ifdef ROTOR
+    opacity = min(opacity * blades(), 0.7);
 #endif
 #ifdef PAINTED
     float tone;
@@ -145,7 +161,7 @@ void main() {
     float a = clamp(opacity + fresnel.g * 0.8, 0.0, 1.0);
     vec3 color = diffuse * opacity + specular + glow * opacity;
     oColor = vec4(mix(vHaze * a, color, clear), a);
-#elif defined(PAINTED) || defined(DECAL)
+#elif defined(PAINTED) || defined(DECAL) || defined(ROTOR)
     oColor = vec4(mix(vHaze, diffuse + specular + glow, clear) * opacity, opacity);
 #else
     oColor = vec4(mix(vHaze, diffuse + specular + glow, clear), 1.0);

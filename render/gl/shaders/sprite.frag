@@ -18,6 +18,8 @@ void main() {
         float eaten = 0.4 * vYouth;
         a = smoothstep(eaten, eaten + 0.6, shape.x);
         light = 0.72 + 0.56 * shape.y;
+    } else if (vKind < -0.5) {
+        a = 1.0 - vCorner.x * vCorner.x; // a cable: evenly along, softly across
     } else {
         a = vKind > 0.5 ? a * a * a * a + 1.5 * smoothstep(0.06, 0.02, d) : a * a;
     }

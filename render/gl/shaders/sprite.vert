@@ -2,7 +2,8 @@
 // Particles and lamps: squares that face the eye, or lie along their flight.
 layout(location = 0) in vec4 aPlace;   // in the eye's frame; w: half the edge, m
 layout(location = 1) in vec4 aColor;   // linear; w: opacity
-layout(location = 2) in vec4 aShape;   // turn, rad; light of its own; additive 0 or 1; kind
+layout(location = 2) in vec4 aShape;   // turn, rad; light of its own; 1 adds light only, 0 covers; kind:
+// below 0 a cable, 0 a disc, 1 a lamp, from 2 on the shapes of the sheet
 layout(location = 3) in vec4 aStretch; // half the length along the flight, m; zero: round; youth
 out vec2 vCorner;
 out vec4 vColor; // premultiplied
@@ -18,10 +19,10 @@ void main() {
     vec3 p = aPlace.xyz;
     float range = length(p), size = aPlace.w, faint = 1.0;
     // Not thinner than most of a pixel: what is smaller gets fainter instead.
-    float least = range * uTime.y * 0.7;
+    float least = range * uTime.y * (aShape.w < 0.0 ? 1.0 : 0.7);
     if (size < least) {
         faint = size / least;
-        faint = isLamp ? max(faint, 0.05) : (dot(aStretch.xyz, aStretch.xyz) > 0.0 ? faint : faint * faint);
+        faint = isLamp ? max(faint, 0.05) : aShape.w < 0.0 ? sqrt(faint) : (dot(aStretch.xyz, aStretch.xyz) > 0.0 ? faint : faint * faint);
         size = least;
     }
     // A lamp is seen however far: its light spreads in the eye.
@@ -43,8 +44,8 @@ void main() {
     vec3 own = aColor.rgb * aShape.y * pow(0.3 / uLight.w, 0.8);
     vec3 color = (isLamp ? own : lit + own);
     float clear = clearness(p), opacity = aColor.a * faint;
-    color = mix(aShape.z > 0.5 ? vec3(0.0) : hazeColor(p.xy), color, clear);
-    vColor = vec4(color * opacity, aShape.z > 0.5 ? 0.0 : opacity);
+    color = mix((1.0 - aShape.z) * hazeColor(p.xy), color, clear);
+    vColor = vec4(color * opacity, (1.0 - aShape.z) * opacity);
     vSoft = vec2(-eye.z, isLamp || dot(aStretch.xyz, aStretch.xyz) > 0.0 ? 0.0 : 0.6 * size);
     gl_Position = uProjection * vec4(eye, 1.0);
 }

@@ -33,7 +33,7 @@ constexpr int PURGE_INTERVAL = 120; ///< frames between two looks for meshes tha
 bool MeshPass::init() {
     m_instance_buffer.create();
     const char* const variants[] = {"PLAIN",   "TEXTURED", "PAVED", "SOAKED",
-                                    "PAINTED", "DECAL",    "GLASS"};
+                                    "PAINTED", "DECAL",    "GLASS", "ROTOR"};
     static_assert(std::size(variants) == NUM_SHADINGS);
     for (int i = 0; i < NUM_SHADINGS; i++)
         if (!m_programs[i].build("mesh.vert", "shadow.glsl mesh.frag", variants[i])) return false;
@@ -158,6 +158,7 @@ void MeshPass::bindInstances(const Batch& batch) {
 
 MeshPass::Shading MeshPass::choose(const SurfaceLook& look) {
     if (look.paint >= 0) return look.texture ? DECAL : PAINTED;
+    if (look.rotor.x > 0) return ROTOR;
     if (!look.isOpaque()) return GLASS;
     if (look.paving.x > 0 && look.paving.y > 0)
         return look.wetness > 0 || look.ice > 0 ? SOAKED : PAVED;
@@ -170,6 +171,7 @@ void MeshPass::setLook(gl::Program& program, const SurfaceLook& look, bool has_p
     program.set("uCover", vec4(look.wetness, look.ice, look.rain, look.wiper));
     program.set("uPaving", look.paving);
     const Shading shading = choose(look);
+    if (shading == ROTOR) program.set("uRotor", look.rotor);
     if (shading != TEXTURED && shading != DECAL) return;
     gl::bindTexture(gl::UNIT_FIRST_OWN, m_textures.get(*look.texture));
     program.set("uTexture", gl::UNIT_FIRST_OWN);

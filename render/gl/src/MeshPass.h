@@ -55,7 +55,7 @@ private:
     };
 
     /// Ways to shade, one program each: what a surface doesn't need, no pixel of it pays for.
-    enum Shading { PLAIN, TEXTURED, PAVED, SOAKED, PAINTED, DECAL, GLASS, NUM_SHADINGS };
+    enum Shading { PLAIN, TEXTURED, PAVED, SOAKED, PAINTED, DECAL, GLASS, ROTOR, NUM_SHADINGS };
     static Shading choose(const SurfaceLook& look);
 
     const DeviceMesh& find(const std::shared_ptr<const ig::Mesh>& mesh);

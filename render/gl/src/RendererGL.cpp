@@ -251,7 +251,7 @@ void RendererGL::Impl::prepare(const World& world, const Camera& camera, const F
     decals.gather(world, view, list);
     list.sort();
     shadow.fit(list.far_bounds, block);
-    sprites.gather(view, frame, list.lamps);
+    sprites.gather(view, frame, list.lamps, list.cables);
     wakes.gather(view, frame.particles, list.decals);
     wash = {vec3(view.toFrame(frame.wash_position)), frame.wash_radius, frame.wash_strength};
     uploadBlock();

@@ -20,6 +20,7 @@ void SceneList::gather(const World& world, const FrameView& view, const vec3& sh
     far_casters.clear();
     far_bounds.clear();
     lamps.clear();
+    cables.clear();
     emitters.clear();
     decals.clear();
     pictures.clear();
@@ -41,6 +42,9 @@ void SceneList::visit(const Node& node) {
     case OBJECT_MESH:
         addMesh(node);
         break;
+    case OBJECT_ROPE:
+        addCable(static_cast<const ObjectRope&>(node));
+        return; // its pieces are seen to
     case OBJECT_LIGHT:
         addLamp(node);
         break;
@@ -103,6 +107,26 @@ void SceneList::addMesh(const Node& node) {
         if (seen) (item.look.isOpaque() ? opaque : transparent).push_back(item);
         if (casts && item.look.isOpaque()) casters.push_back(item);
         if (casts_far && item.look.isOpaque()) far_casters.push_back(item);
+    }
+}
+
+/// Pieces less than a pixel and a half thick would break up into dots, or vanish: they become
+/// lines.
+void SceneList::addCable(const ObjectRope& rope) {
+    constexpr float THINNEST = 0.75f; // radius, pixels
+    for (int i = 0; i < rope.getNumChildren(); i++) {
+        const Node& piece = *rope.getChild(i);
+        if (!piece.isEnabled()) continue;
+        const mat4 pose = m_view->toFrame(piece.getWorldTransform()); // from z 0 to 1
+        const vec3 half = pose.columns[2].xyz() * 0.5f, middle = pose.columns[3].xyz() + half;
+        const bool thin = rope.getRadius() < THINNEST * m_view->pixel_angle * length(middle);
+        if (m_view->orthographic || !thin) {
+            visit(piece);
+        } else if (m_view->sees(middle, length(half))) {
+            const Material* material = static_cast<const Object&>(piece).getSurfaceMaterial(0);
+            cables.push_back(
+                {middle, half, SurfaceLook::read(material).color.xyz(), rope.getRadius()});
+        }
     }
 }
 

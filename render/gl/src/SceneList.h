@@ -13,6 +13,7 @@ class Mesh;
 class Node;
 class NodeField;
 class ObjectParticles;
+class ObjectRope;
 class World;
 } // namespace ig
 class ObjectOcean;
@@ -32,6 +33,13 @@ struct LampItem {
     ig::vec3 position; ///< E
     ig::vec3 color;
     float power;
+};
+
+/// A piece of a cable too thin for triangles.
+struct CableItem {
+    ig::vec3 middle, half; ///< E; from the middle to the end
+    ig::vec3 color;
+    float radius; ///< m
 };
 
 /// What of the scene is to be drawn in a frame: gathered from the world by one walk over its
@@ -54,6 +62,7 @@ public:
     std::vector<MeshItem> far_casters; ///< large ones in view beyond those
     std::vector<ig::vec4> far_bounds;  ///< their spheres in E; w: radius, m
     std::vector<LampItem> lamps;
+    std::vector<CableItem> cables; ///< thinner than a pixel; thicker ones are meshes
     std::vector<const ig::ObjectParticles*> emitters;
     std::vector<const ig::DecalOrtho*> decals;   ///< without texture: of wakes
     std::vector<const ig::DecalOrtho*> pictures; ///< decals with one
@@ -65,6 +74,7 @@ public:
 private:
     void visit(const ig::Node& node);
     void addDecal(const ig::DecalOrtho& decal);
+    void addCable(const ig::ObjectRope& rope);
     void addMesh(const ig::Node& node);
     bool castsFar(const ig::vec3& center, float radius) const;
     void addLamp(const ig::Node& node);

@@ -18,6 +18,7 @@ constexpr float LONGEST_STREAK = 2.5f;  ///< m: longer ones would reach through 
 constexpr float LEAST_OPACITY = 0.012f; ///< what is fainter isn't drawn
 constexpr float LAMP_SIZE = 0.55f;      ///< half the edge of a lamp's glow, m
 constexpr float LAMP_LIGHT = 9;         ///< at density 1
+constexpr float CABLE = -1;             ///< the shader's kind of sprite
 } // namespace
 
 bool SpritePass::init() {
@@ -51,7 +52,7 @@ void SpritePass::release() {
 // ------------------------------------------------------------------ gathering
 
 void SpritePass::gather(const FrameView& view, const FrameInfo& frame,
-                        const std::vector<LampItem>& lamps) {
+                        const std::vector<LampItem>& lamps, const std::vector<CableItem>& cables) {
     m_sprites.clear();
     const vec3 eye_velocity(view.toFrameDirection(frame.eye_velocity));
     if (frame.particles)
@@ -69,6 +70,9 @@ void SpritePass::gather(const FrameView& view, const FrameInfo& frame,
                              {},
                              0,
                              0});
+    for (const CableItem& cable : cables)
+        m_sprites.push_back(
+            {cable.middle, cable.radius, vec4(cable.color, 1), 0, 0, 0, CABLE, cable.half, 0, 0});
     const auto& c = view.view.columns;
     const vec3 axis(c[0].z, c[1].z, c[2].z); // backwards, in E
     for (Sprite& sprite : m_sprites)
@@ -90,6 +94,7 @@ SpritePass::Look SpritePass::readLook(const ObjectParticles& emitter) {
     look.size = readSlider(material, "particle_size", 0.3f);
     look.growth = readSlider(material, "particle_growth", 0);
     look.emission = readSlider(material, "emission", 0);
+    look.soot = readSlider(material, "soot", 0);
     look.streak = readSlider(material, "streak", 0);
     look.exposure = look.streak / std::max(std::abs(emitter.getLinearVelocity()), 0.1f);
     look.sheet = static_cast<int>(readSlider(material, "sheet", 0));
@@ -106,6 +111,13 @@ float SpritePass::shapeOf(int sheet, const Particle& p) {
         return static_cast<float>(2 + PUFFS + (variety + static_cast<int>(p.age * RATE)) % FRAMES);
     if (sheet == 3) return static_cast<float>(2 + PUFFS + FRAMES + variety % FRAMES);
     return 0;
+}
+
+/// Sooty flames burn out: from their own colour through red to soot.
+vec3 SpritePass::cooled(const Look& look, float youth) {
+    const float heat = 1 - youth, soot = 0.04f * youth;
+    const vec3 flame(look.color.x, look.color.y * (0.35f + 0.65f * heat), look.color.z * heat);
+    return flame * heat + vec3(soot, soot, soot);
 }
 
 void SpritePass::addCloud(const FrameView& view, const ParticleCloud& cloud,
@@ -131,9 +143,12 @@ void SpritePass::addCloud(const FrameView& view, const ParticleCloud& cloud,
         // Nothing pops up right before the eye.
         const float near = std::clamp(length(place) / (2 * radius) - 0.4f, 0.0f, 1.0f);
         if (opacity * near < LEAST_OPACITY) continue;
-        m_sprites.push_back({place, radius, vec4(look.color.xyz(), std::min(opacity * near, 1.0f)),
-                             p.turn, look.emission, look.emission > 0 ? 1.0f : 0.0f,
-                             shapeOf(look.sheet, p), stretch, youth, 0});
+        const bool burns = look.soot > 0;
+        m_sprites.push_back(
+            {place, radius,
+             vec4(burns ? cooled(look, youth) : look.color.xyz(), std::min(opacity * near, 1.0f)),
+             p.turn, look.emission * (burns ? 1 - youth : 1),
+             look.emission > 0 ? 1 - look.soot : 0.0f, shapeOf(look.sheet, p), stretch, youth, 0});
     }
 }
 

@@ -6,6 +6,7 @@
 
 #include <vector>
 
+struct CableItem;
 namespace ig {
 struct FrameInfo;
 class ObjectParticles;
@@ -14,20 +15,20 @@ struct ParticleCloud;
 } // namespace ig
 struct LampItem;
 
-/// Draws particles and lamps as squares that face the eye, all in one call, far to near. Flat ones
-/// belong to the sea: see WakePass.
+/// Draws particles, lamps and thin cables as squares that face the eye, all in one call, far to
+/// near. Flat ones belong to the sea: see WakePass.
 class SpritePass {
 public:
     bool init();
     void release();
     /// Gathers the frame's sprites; its `particles` may be null.
     void gather(const FrameView& view, const ig::FrameInfo& frame,
-                const std::vector<LampItem>& lamps);
+                const std::vector<LampItem>& lamps, const std::vector<CableItem>& cables);
     /// `depth` of the scene, in which soft particles end softly.
     void draw(const FrameView& view, const gl::Texture& depth);
 
 private:
-    struct Sprite {
+    struct Sprite { ///< `additive`: 1 adds light only, 0 covers what is behind
         ig::vec3 position;
         float size;
         ig::vec4 color;
@@ -38,11 +39,12 @@ private:
     };
     struct Look { ///< what an emitter's material says
         ig::vec4 color;
-        float size, growth, emission, streak, exposure;
+        float size, growth, emission, soot, streak, exposure;
         int sheet; ///< 0 discs, 1 puffs, 2 flames, 3 drops
     };
     static Look readLook(const ig::ObjectParticles& emitter);
     static float shapeOf(int sheet, const ig::Particle& particle);
+    static ig::vec3 cooled(const Look& look, float youth);
     void addCloud(const FrameView& view, const ig::ParticleCloud& cloud,
                   const ig::vec3& eye_velocity);
 

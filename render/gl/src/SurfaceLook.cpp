@@ -35,6 +35,7 @@ SurfaceLook SurfaceLook::read(const Material* material) {
     look.wiper = readSlider(material, "wiper", 0);
     look.two_sided = readSlider(material, "two_sided", 0) > 0.5f;
     look.paving = readValue(material, "paving", look.paving);
+    look.rotor = readValue(material, "rotor", look.rotor);
     look.paint = readSlider(material, "paint", look.paint);
     look.tile = readSlider(material, "texture_size", 0);
     static const jString BASE_COLOR = "base_color";

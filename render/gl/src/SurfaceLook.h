@@ -17,13 +17,14 @@ struct SurfaceLook {
     bool two_sided = false;
     ig::vec4 paving;  ///< slab's edges along X and Y, m, half a joint, m, spread of tones; 0: none
     float paint = -1; ///< width over which paint frays, m; negative: no paint
+    ig::vec4 rotor;   ///< radius, chord, m, blades, 1 where it turns about X, not Z; 0: none
     float tile = 0;   ///< m of one texture's edge on meshes without texture coordinates
     /// Base colour's picture file, or null; the material's or the mesh's own.
     const ig::jString* texture = nullptr;
 
     /// Tags that the material lacks, or all without material, keep their defaults.
     static SurfaceLook read(const ig::Material* material);
-    bool isOpaque() const { return color.w >= 0.999f && paint < 0; }
+    bool isOpaque() const { return color.w >= 0.999f && paint < 0 && rotor.x <= 0; }
     friend bool operator==(const SurfaceLook&, const SurfaceLook&) = default;
 };
 

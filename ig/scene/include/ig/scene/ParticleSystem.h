@@ -36,7 +36,7 @@ struct ParticleCloud {
 /// Moves the particles of all emitters that can be seen. The host application owns one, advances it
 /// once per frame after the physics, and hands it to the renderer.
 ///
-/// An emitter spawns at its present rate from its place, or evenly in its box, along its Z axis at
+/// An emitter spawns at its present rate along the way it came since the last step, or evenly in its box, along its Z axis at
 /// its velocity; the spread is added in every direction. Drag brakes, gravity pulls (both 0 unless
 /// the emitter's material says otherwise, see docs/worlds.md). A flat emitter spawns less the
 /// slower it is carried, and nothing while it stands. Particles in the column of one of the
@@ -65,6 +65,7 @@ private:
     struct Entry {
         ParticleCloud cloud;
         dvec3 position;       ///< of the emitter at the last advance, world
+        vec3 way;             ///< that it came since then, m
         double owed = 0;      ///< fraction of a particle still to be spawned
         unsigned round = 0;   ///< of the last advance that met the emitter
         unsigned cleared = 0; ///< the emitter's clears that it knows of

@@ -1,0 +1,229 @@
+// SPDX-License-Identifier: MIT
+
+// Small pictures of the demo scene against those that were looked at and kept. The software
+// renderer draws the same on any machine; other drivers round differently, so that they are not
+// compared.
+//
+// After an intended change of the looks, run with GOLDEN_RENEW=1, and look at every changed picture
+// before committing it.
+
+#include "Png.h"
+#include "heli/kit/HelicopterCorax.h"
+#include "ig/app/Sky.h"
+#include "ig/scene/ParticleSystem.h"
+#include "ig/ui/UiDrawList.h"
+#include "render/gl/RendererGL.h"
+#include "testkit/LogicScene.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace ig;
+
+constexpr int WIDTH = 320, HEIGHT = 180, BLOCK = 4;
+constexpr float STEP = 0.05f;         ///< s
+constexpr double TOLERANCE = 5.1;     ///< of a block's mean, 2 % of white
+constexpr double STRAY_BLOCKS = 0.01; ///< share that may differ by more: edges that round over
+
+/// The demo scene and the eye on it. Time goes in fixed steps, and nothing in it is random.
+struct Stage : LogicScene {
+    Stage() {
+        width = WIDTH;
+        height = HEIGHT;
+        useProjectData();
+        start();
+        frame(STEP);
+        picture.particles = &particles;
+        picture.focus = logic->m_heli->m_prefab;
+        eye.setPerspective(50, 16.0f / 9, 0.1, 1e7);
+        setHour(12);
+        flown = record();
+        flown.latitude = 19.7124631;
+        flown.longitude = -155.0625125;
+        flown.altitude = 13.67f;
+        flown.heading = 40;
+        flown.weather_type = 1;
+        flown.sea_code = 3;
+        flown.sea_speed = 500;
+    }
+    void setHour(double hour) {
+        const Sky sky = computeSky(hour, LONGITUDE, 172);
+        picture.sun_direction = sky.sun_direction;
+        picture.moon_direction = sky.moon_direction;
+        picture.sidereal_angle = sky.sidereal_angle;
+        logic->setTod(static_cast<float>(hour));
+    }
+    void run(double seconds) {
+        for (double t = 0; t < seconds; t += static_cast<double>(STEP)) {
+            send(flown);
+            frame(STEP);
+            particles.advance(*world, STEP);
+            picture.time += static_cast<double>(STEP);
+        }
+        ui->draw(list);
+    }
+    /// Hovers over a place so many metres east and north of the frigate's middle.
+    void hoverByFrigate(double east, double north, double altitude, double heading) {
+        const dvec3 place = byFrigate(east, north, altitude);
+        flown.longitude = place.x;
+        flown.latitude = place.y;
+        flown.altitude = static_cast<float>(place.z);
+        flown.heading = static_cast<float>(heading);
+        flown.rotor_speed = 265;
+    }
+    dvec3 byFrigate(double east, double north, double altitude) const {
+        const Node* frigate = world->getNodeByName("SM_055_CN_2023");
+        const dvec3 place = EllipsoidModel().toWGS(frigate->getWorldPosition(), true);
+        return {place.x + east / 104800, place.y + north / 110700, altitude};
+    }
+    /// Heading clockwise from north, pitch up, degrees.
+    void look(const dvec3& wgs, double heading, double pitch) {
+        eye.setWgsPosition(wgs);
+        eye.setWgsHPR({heading, -pitch, 0});
+    }
+
+    ParticleSystem particles;
+    UiDrawList list;
+    FrameInfo picture;
+    Camera eye;
+    UdpRecvData flown;
+};
+
+struct View {
+    const char* name;
+    std::function<void(Stage&)> set;
+    int pictures = 1; ///< drawn, one a step; the last is compared
+};
+
+// Each goes on from the one before.
+const View VIEWS[] = {
+    {"pad_noon",
+     [](Stage& s) {
+         s.run(0.2);
+         s.look({-155.06235, 19.71232, 19}, 310, -12);
+     }},
+    {"cockpit",
+     [](Stage& s) {
+         s.eye.setTransform(s.helicopterNode("cam_first_player")->getWorldTransform());
+     }},
+    {"frigate_wake",
+     [](Stage& s) {
+         s.hoverByFrigate(60, 0, 30, 0);
+         s.run(15);
+         s.look(s.byFrigate(130, -190, 45), 325, -10);
+     }},
+    {"radar",
+     [](Stage& s) {
+         s.flown.radar_value = 1;
+         s.flown.radar_sector_width = 90;
+         s.logic->on_click_radar_weather(nullptr, nullptr);
+         s.run(1);
+         s.picture.ui = &s.list;
+         s.picture.ui_root = s.ui.get();
+     },
+     60},
+    {"dusk_deck",
+     [](Stage& s) {
+         s.picture.ui = nullptr;
+         s.picture.ui_root = nullptr;
+         s.setHour(18.4);
+         s.hoverByFrigate(0, -63, 22, 0);
+         s.run(1);
+         s.look(s.byFrigate(75, -80, 20), 280, -2);
+     }},
+    {"night_pad",
+     [](Stage& s) {
+         s.setHour(22);
+         s.run(0.2);
+         s.look({-155.0622, 19.7120, 24}, 325, -12);
+     }},
+    {"storm",
+     [](Stage& s) {
+         s.setHour(14);
+         s.picture.overcast = 1;
+         s.picture.cloud_darkness = 1;
+         s.picture.visibility = 4000;
+         s.picture.rain = 1;
+         s.flown.sea_code = 6;
+         s.run(12);
+         s.look(s.byFrigate(150, 30, 20), 265, -4);
+         Node* rain = s.world->getNodeByName("rain");
+         rain->setEnabled(true);
+         rain->setWgsPosition(s.byFrigate(142, 30, 24));
+         s.run(2);
+     }},
+    {"above_clouds",
+     [](Stage& s) {
+         s.picture.overcast = s.picture.cloud_darkness = s.picture.rain = 0;
+         s.picture.cloud_cover = 0.6f;
+         s.picture.visibility = 60000;
+         s.look({-155.0, 19.8, 5000}, 200, -8);
+     }},
+};
+
+std::vector<double> blockMeans(const std::uint8_t* pixels, int channels) {
+    constexpr std::size_t COLUMNS = WIDTH / BLOCK, ROWS = HEIGHT / BLOCK;
+    std::vector<double> means(3 * COLUMNS * ROWS);
+    for (std::size_t y = 0; y < HEIGHT; y++)
+        for (std::size_t x = 0; x < WIDTH; x++)
+            for (std::size_t c = 0; c < 3; c++)
+                means[3 * (y / BLOCK * COLUMNS + x / BLOCK) + c] +=
+                    pixels[(y * WIDTH + x) * static_cast<std::size_t>(channels) + c] /
+                    static_cast<double>(BLOCK * BLOCK);
+    return means;
+}
+
+/// Share of the blocks' colours that differ.
+double share(const Picture& picture, const Image& kept) {
+    const std::vector<double> is = blockMeans(picture.rgb.data(), 3),
+                              was = blockMeans(kept.rgba.data(), 4);
+    int strays = 0;
+    for (std::size_t i = 0; i < is.size(); i++)
+        strays += std::abs(is[i] - was[i]) > TOLERANCE;
+    return strays / static_cast<double>(is.size());
+}
+
+void compare(const char* name, const Picture& picture) {
+    const std::string kept_path = std::string(GOLDEN_FOLDER "/") + name + ".png";
+    if (std::getenv("GOLDEN_RENEW")) {
+        ASSERT_TRUE(writePng(kept_path, picture));
+        return;
+    }
+    Image kept;
+    ASSERT_TRUE(readPng(kept_path, kept)) << kept_path;
+    ASSERT_EQ(std::make_pair(kept.width, kept.height), std::make_pair(WIDTH, HEIGHT));
+    const double strays = share(picture, kept);
+    if (strays <= STRAY_BLOCKS) return;
+    std::filesystem::create_directories(FAILED_FOLDER);
+    const std::string path = std::string(FAILED_FOLDER "/") + name + ".png";
+    writePng(path, picture);
+    ADD_FAILURE() << name << ": " << 100 * strays << " % of the picture differs from " << kept_path
+                  << "; it is now as in " << path;
+}
+
+TEST(Golden, PicturesLookAsTheyDid) {
+    RendererGL renderer(RendererGL::Surface::none);
+    if (!renderer.init(WIDTH, HEIGHT)) GTEST_SKIP() << "no OpenGL without a display here";
+    if (std::string(renderer.getDevice().c_str()).find("llvmpipe") == std::string::npos)
+        GTEST_SKIP() << "pictures of the software renderer only, not of "
+                     << renderer.getDevice().c_str();
+    Stage stage;
+    for (const View& view : VIEWS) {
+        view.set(stage);
+        Picture picture;
+        renderer.render(*stage.world, stage.eye, stage.picture);
+        for (int i = 1; i < view.pictures; i++) {
+            stage.run(static_cast<double>(STEP) / 2); // one step
+            renderer.render(*stage.world, stage.eye, stage.picture);
+        }
+        ASSERT_TRUE(renderer.readPicture(picture));
+        compare(view.name, picture);
+    }
+    renderer.release();
+}
+
+} // namespace
