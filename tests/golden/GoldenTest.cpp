@@ -118,6 +118,8 @@ const View VIEWS[] = {
      }},
     {"radar",
      [](Stage& s) {
+         s.flown.heading = 200; // to the island, in showers
+         s.picture.rain = 0.5f;
          s.flown.radar_value = 1;
          s.flown.radar_sector_width = 90;
          s.logic->on_click_radar_weather(nullptr, nullptr);
@@ -130,6 +132,7 @@ const View VIEWS[] = {
      [](Stage& s) {
          s.picture.ui = nullptr;
          s.picture.ui_root = nullptr;
+         s.picture.rain = 0;
          s.setHour(18.4);
          s.hoverByFrigate(0, -63, 22, 0);
          s.run(1);
