@@ -77,7 +77,7 @@ class Damage(unittest.TestCase):
             (HELICOPTER, "materials/seat.mat", "materials/tyre.mat", "materials differ"),
             (FRIGATE, "type: decal", "type: sticker", "unknown type"),
             (FRIGATE, "position: [0, 13, 39.8]", "position: [0, 13]", "not three numbers"),
-            (EFFECTS[0], "rate: 220", "speed: 90", 'unknown key "speed"'),
+            (EFFECTS[0], "rate: 130", "speed: 90", 'unknown key "speed"'),
             (EFFECTS[0], "  type: particles\n", "", "not of type particles"),
             (WORLD, "13.67]", "13.68]", "does not stand on the pad"),
             (f"{PROJECT}/ANIM/light.anim", "node: runway_lights", "node: lamp", 'no node "lamp"'),
