@@ -4,12 +4,6 @@
 
 #include <csignal>
 
-#ifdef __SANITIZE_ADDRESS__
-// A software driver unloads itself and leaves some bytes behind, which no suppression can name any
-// more. What is ours is counted by the memory tracker and the renderer's resource counters.
-extern "C" int __lsan_is_turned_off() { return 1; }
-#endif
-
 int main(int argc, char** argv) {
     Options options;
     int exit_status = 0;

@@ -27,11 +27,6 @@
 #include <optional>
 #include <string>
 
-#ifdef __SANITIZE_ADDRESS__
-// A software driver unloads itself and leaves some bytes behind.
-extern "C" int __lsan_is_turned_off() { return 1; }
-#endif
-
 namespace {
 
 using namespace ig;

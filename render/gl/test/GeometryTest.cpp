@@ -135,9 +135,3 @@ TEST_F(Geometry, TheSeaIsDrawnWhereItFloatsShips) {
     EXPECT_LT(std::sqrt(squares / points), 0.02);
     EXPECT_LT(worst, 0.12);
 }
-
-#ifdef __SANITIZE_ADDRESS__
-// The software driver unloads itself and leaves some bytes behind, which no suppression can name any
-// more; what is ours is counted by the renderer's own resource counters.
-extern "C" int __lsan_is_turned_off() { return 1; }
-#endif
