@@ -79,6 +79,11 @@ float ObjectParticles::getPresentRate() const {
     return spawns ? m_spawn_rate : 0;
 }
 
+float ObjectParticles::getSpawnTime(float dt) const {
+    if (!m_running || m_silent) return 0;
+    return m_burst <= 0 ? dt : std::clamp(m_burst - (m_elapsed - dt), 0.0f, dt);
+}
+
 void ObjectParticles::advance(float dt) {
     if (!m_running || !(dt > 0)) return;
     m_elapsed += dt;

@@ -106,9 +106,9 @@ void ParticleSystem::move(ParticleCloud& cloud, const Motion& motion, float dt) 
 
 void ParticleSystem::spawn(const ObjectParticles& emitter, Entry& entry, const Motion& motion,
                            float share, float dt) {
-    const float rate = emitter.getPresentRate() * share;
-    if (!(rate > 0)) return;
-    entry.owed = std::min(entry.owed + static_cast<double>(rate * dt), static_cast<double>(MOST));
+    const float count = emitter.getSpawnRate() * share * emitter.getSpawnTime(dt);
+    if (!(count > 0)) return;
+    entry.owed = std::min(entry.owed + static_cast<double>(count), static_cast<double>(MOST));
     makeRoom(emitter, entry.cloud.particles);
     const dmat4& pose = emitter.getWorldTransform();
     const vec3 axes[3] = {vec3(pose.getX()), vec3(pose.getY()), vec3(pose.getZ())};
@@ -141,10 +141,10 @@ void ParticleSystem::spawn(const ObjectParticles& emitter, Entry& entry, const M
     }
 }
 
-/// As much as the present rate comes to in the long run, so that a steady emitter allocates once.
+/// As much as the rate comes to in the long run, so that a steady emitter allocates once.
 void ParticleSystem::makeRoom(const ObjectParticles& emitter, std::vector<Particle>& particles) {
     const float steady =
-        emitter.getPresentRate() * (emitter.getLife() + std::abs(emitter.getLifeSpread()));
+        emitter.getSpawnRate() * (emitter.getLife() + std::abs(emitter.getLifeSpread()));
     const auto needed = static_cast<std::size_t>(std::clamp(steady, 0.0f, MOST - 1.0f)) + 1;
     if (particles.capacity() < needed)
         particles.reserve(std::max(needed, 2 * particles.capacity())); // a rate may creep upwards

@@ -52,6 +52,19 @@ TEST_F(Particles, RateTimesLifeAreAlive) {
     EXPECT_EQ(system.getNumParticles(), 0);
 }
 
+TEST_F(Particles, ABurstGivesAllItHasInLongAndShortSteps) {
+    emitter->setBurst(0.3f);
+    for (const float dt : {0.01f, 0.1f, 0.4f}) {
+        emitter->clearParticles();
+        emitter->play();
+        for (float time = 0; time < 0.79f; time += dt) {
+            emitter->advance(dt); // as the world does
+            system.advance(world, dt);
+        }
+        EXPECT_NEAR(system.getNumParticles(), 30, 1) << dt;
+    }
+}
+
 TEST_F(Particles, FlyAlongTheEmittersAxis) {
     run(4);
     double highest = 0;

@@ -61,6 +61,9 @@ public:
     /// What it spawns now, particles per second: 0 unless it runs, is within its burst and is not
     /// silent.
     float getPresentRate() const;
+    /// For how many of the last `dt` seconds it spawned: a burst that is over gave all it had to
+    /// the steps that it fell into, however long they were.
+    float getSpawnTime(float dt) const;
     /// Advances the running time by `dt` seconds, of this emitter alone.
     void advance(float dt);
     /// Half the box that the particles start in, along the emitter's axes; default: a point.
