@@ -138,13 +138,20 @@ Node* createNode(const Package& p) {
     return p.getItem("body") ? new Object(NODE_DUMMY) : new Node();
 }
 
+/// Shows where something is missing, and keeps the node's name and children; nothing meets it.
+Node* createPlaceholder() {
+    auto* object = new ObjectMesh(Mesh::getPlaceholder());
+    object->setIntersection(0, false);
+    return object;
+}
+
 Node* createMesh(const Package& p) {
     reportUnknownKeys(p, {"mesh", "intersect", "surfaces"}, true);
     const jString& reference = p.getString("mesh");
     const auto mesh = Mesh::get(reference);
     if (!mesh) { // reported with the model's path, once for all who ask for it
         report(p, p.getLine(), "no mesh from", reference);
-        return nullptr;
+        return createPlaceholder();
     }
     auto* object = new ObjectMesh(mesh);
     const bool intersect = !p.getItem("intersect") || p.getBool("intersect");

@@ -156,6 +156,29 @@ std::shared_ptr<const Mesh> Mesh::get(const jString& reference) {
     return cache()[reference] = read(std::string(reference.view()));
 }
 
+std::shared_ptr<const Mesh> Mesh::getPlaceholder() {
+    Surface cube;
+    cube.name = "missing";
+    cube.texture = MISSING_PICTURE;
+    for (int face = 0; face < 6; face++) {
+        float axes[3][3] = {}; // along the face, up the face, out of it
+        const float sign = face < 3 ? 1.0f : -1.0f;
+        for (int i = 0; i < 3; i++)
+            axes[i][(face + 1 + i) % 3] = i == 1 ? 1 : sign;
+        const auto vector = [&axes](int i) { return vec3(axes[i][0], axes[i][1], axes[i][2]); };
+        const auto first = static_cast<std::uint32_t>(cube.positions.size());
+        for (const vec2& corner : {vec2(0, 0), vec2(1, 0), vec2(1, 1), vec2(0, 1)}) {
+            cube.positions.push_back(vector(0) * (2 * corner.x - 1) +
+                                     vector(1) * (2 * corner.y - 1) + vector(2));
+            cube.normals.push_back(vector(2));
+            cube.uvs.push_back(corner);
+        }
+        for (const std::uint32_t i : {0u, 1u, 2u, 0u, 2u, 3u})
+            cube.indices.push_back(first + i);
+    }
+    return std::make_shared<const Mesh>(std::vector<Surface>{std::move(cube)});
+}
+
 void Mesh::release() { cache().clear(); }
 
 Mesh::Mesh(std::vector<Surface> surfaces)

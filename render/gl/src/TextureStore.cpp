@@ -2,6 +2,7 @@
 #include "TextureStore.h"
 
 #include "ImageFile.h"
+#include "ig/scene/Mesh.h"
 
 #include <algorithm>
 #include <cstring>
@@ -50,7 +51,7 @@ const gl::Texture& TextureStore::get(const jString& path) {
 
 void TextureStore::fill(gl::Texture& texture, const jString& path) {
     Image image;
-    const bool good = readImage(path.c_str(), image);
+    const bool good = path != Mesh::MISSING_PICTURE && readImage(path.c_str(), image);
     if (!good) image = makePlaceholder();
     flip(image);
     gl::TextureFormat format{GL_SRGB8_ALPHA8, GL_RGBA, GL_UNSIGNED_BYTE, GL_REPEAT};

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <set>
 
 using namespace ig;
 
@@ -137,6 +138,19 @@ TEST_F(TextureOf, ADecalLiesOnWhatIsBelowAndNowhereElse) {
     decal->setWidth(8); // another sheet, which finds nothing
     draw();
     EXPECT_NE(quarters(), "rgbw");
+}
+
+TEST_F(TextureOf, AMissingModelsPlaceIsAChequeredCube) {
+    look(100, 0, 0);
+    auto* cube = new ObjectMesh(Mesh::getPlaceholder());
+    cube->setTransform(m_camera.getWorldTransform() * translate(dvec3(0, 0, -5)));
+    m_world.addNode(cube);
+    draw();
+    std::set<char> colors;
+    for (double x = 0.47; x < 0.53; x += 0.005)
+        colors.insert(color(x, 0.51));
+    EXPECT_TRUE(colors.contains('m') && colors.contains('k'));
+    EXPECT_FALSE(logged("TextureStore") || logged("missing"));
 }
 
 TEST_F(TextureOf, AMissingOrBrokenOneIsNamedAndShowsMagenta) {

@@ -32,6 +32,12 @@ public:
     /// be read.
     static std::shared_ptr<const Mesh> get(const jString& reference);
 
+    /// What stands in for a mesh that can't be read: a cube of 2 m around the node's origin, with
+    /// the picture `MISSING_PICTURE`.
+    static std::shared_ptr<const Mesh> getPlaceholder();
+    /// Name of no file: the renderer's own chequer that can't be overlooked.
+    static constexpr const char* MISSING_PICTURE = "<missing>";
+
     /// Forgets all meshes and failures; a mesh that somebody holds lives on with its holder.
     static void release();
 
