@@ -7,11 +7,10 @@ The same program always writes the same bytes: a test compares them with the fil
 repository.
 """
 
-import argparse
 import functools
-import pathlib
 
 from modelkit import airfield, equipment, frigate, helicopter, landing_ship
+from modelkit.files import write
 from modelkit.glb import glb_bytes
 from modelkit.obj import obj_text
 
@@ -47,18 +46,5 @@ def contents():
             f"{PREFABS}/airfield/runway_lights.prefab": airfield.lights_prefab().encode()}
 
 
-def main():
-    default = pathlib.Path(__file__).resolve().parent.parent / "data"
-    parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("data", nargs="?", type=pathlib.Path, default=default,
-                        help="the data folder (default: the repository's)")
-    data = parser.parse_args().data
-    for path, content in contents().items():
-        target = data / path
-        target.parent.mkdir(parents=True, exist_ok=True)
-        target.write_bytes(content)
-        print(f"{target}: {len(content)} bytes")
-
-
 if __name__ == "__main__":
-    main()
+    write(contents(), __doc__)

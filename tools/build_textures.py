@@ -3,21 +3,21 @@
 """Paints the textures of the models: plates, deck paint, panels and cladding, each a square that
 repeats without seam; and the decals, with opacity: soot, oil and tyre marks.
 
-    tools/build_textures.py [FOLDER]
+    tools/build_textures.py [DATA]
 
-FOLDER holds data/ (default: the repository). Needs what build_terrain.py needs. A texture multiplies the colour of its
-material, so all are near white and say only where the surface is darker. Nothing is random: noise
-comes from hashed grid points, as the terrain's does. Values are rounded to few levels, which keeps the files small.
+DATA is the data folder (default: the repository's). Needs what build_terrain.py needs. A texture
+multiplies the colour of its material, so all are near white and say only where the surface is
+darker. Nothing is random: noise comes from hashed grid points, as the terrain's does. Values are
+rounded to few levels, which keeps the files small.
 """
 
-import argparse
-import pathlib
 import struct
 import zlib
 
 import numpy as np
 
 from build_terrain import hashed, smoothstep
+from modelkit.files import write
 
 LEVEL = 6  # values are rounded to multiples of this: finer ones are not seen under light and haze
 
@@ -211,17 +211,5 @@ def contents():
     return {f"PELMAR_PROJECT/textures/{name}.png": png(paint()) for name, paint in TEXTURES.items()}
 
 
-def main():
-    default = pathlib.Path(__file__).resolve().parent.parent
-    parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("folder", nargs="?", type=pathlib.Path, default=default)
-    data = parser.parse_args().folder / "data"
-    for path, content in contents().items():
-        target = data / path
-        target.parent.mkdir(parents=True, exist_ok=True)
-        target.write_bytes(content)
-        print(f"{target}: {len(content)} bytes")
-
-
 if __name__ == "__main__":
-    main()
+    write(contents(), __doc__)

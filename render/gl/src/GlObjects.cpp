@@ -123,6 +123,20 @@ void bindTexture(int unit, const Texture& texture) {
     glBindTexture(GL_TEXTURE_2D, texture.id());
 }
 
+void makeVertexArray(VertexArray& array, Buffer& vertices, std::span<const std::byte> vertex_data,
+                     Buffer& indices, std::span<const std::byte> index_data) {
+    array.create();
+    vertices.create();
+    indices.create();
+    glBindVertexArray(array.id());
+    glBindBuffer(GL_ARRAY_BUFFER, vertices.id());
+    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(vertex_data.size()), vertex_data.data(),
+                 GL_STATIC_DRAW);
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indices.id());
+    glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(index_data.size()),
+                 index_data.data(), GL_STATIC_DRAW);
+}
+
 // ------------------------------------------------------------------ programs
 
 bool hasShader(std::string_view name) { return !findShader(name).empty(); }

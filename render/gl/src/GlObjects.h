@@ -6,6 +6,8 @@
 
 #include <epoxy/gl.h>
 
+#include <cstddef>
+#include <span>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -53,6 +55,11 @@ struct TextureFormat {
 void makeTexture(Texture& texture, int width, int height, const TextureFormat& format,
                  const void* pixels = nullptr);
 void bindTexture(int unit, const Texture& texture);
+
+/// A vertex array with vertices and indices that never change, all made here; left bound, for the
+/// caller to tell the attributes.
+void makeVertexArray(VertexArray& array, Buffer& vertices, std::span<const std::byte> vertex_data,
+                     Buffer& indices, std::span<const std::byte> index_data);
 
 /// Whether the library has a shader file of that name.
 bool hasShader(std::string_view name);

@@ -74,17 +74,8 @@ void MeshPass::fill(DeviceMesh& device, const Mesh& mesh) {
         for (const std::uint32_t index : s.indices)
             indices.push_back(base + index);
     }
-    device.vertex_array.create();
-    device.vertices.create();
-    device.indices.create();
-    glBindVertexArray(device.vertex_array.id());
-    glBindBuffer(GL_ARRAY_BUFFER, device.vertices.id());
-    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(vertices.size() * sizeof(Vertex)),
-                 vertices.data(), GL_STATIC_DRAW);
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, device.indices.id());
-    glBufferData(GL_ELEMENT_ARRAY_BUFFER,
-                 static_cast<GLsizeiptr>(indices.size() * sizeof(std::uint32_t)), indices.data(),
-                 GL_STATIC_DRAW);
+    gl::makeVertexArray(device.vertex_array, device.vertices, std::as_bytes(std::span(vertices)),
+                        device.indices, std::as_bytes(std::span(indices)));
     constexpr GLsizei STRIDE = sizeof(Vertex);
     glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, STRIDE, nullptr);
     glVertexAttribPointer(1, 4, GL_INT_2_10_10_10_REV, GL_TRUE, STRIDE,

@@ -45,6 +45,25 @@ dvec3 geodetic(const TerrainGrid& grid, double column, double row, double altitu
             altitude};
 }
 
+/// Triangles of a chunk of `edge`² vertices, as the terrain defines them: each cell is split from
+/// its north-east to its south-west corner; those with a corner without data are left out.
+std::vector<std::uint16_t> triangulate(const std::vector<char>& has_data, int edge) {
+    std::vector<std::uint16_t> indices;
+    const auto addTriangle = [&](int a, int b, int c) {
+        const auto good = [&has_data](int v) { return has_data[static_cast<std::size_t>(v)] != 0; };
+        if (!good(a) || !good(b) || !good(c)) return;
+        for (const int v : {a, b, c})
+            indices.push_back(static_cast<std::uint16_t>(v));
+    };
+    for (int j = 0; j < edge - 1; j++)
+        for (int i = 0; i < edge - 1; i++) {
+            const int nw = j * edge + i, ne = nw + 1, sw = nw + edge, se = sw + 1;
+            addTriangle(nw, sw, ne);
+            addTriangle(ne, sw, se);
+        }
+    return indices;
+}
+
 } // namespace
 
 bool TerrainPass::init() { return m_program.build("terrain.vert", "shadow.glsl terrain.frag"); }
@@ -187,8 +206,7 @@ void TerrainPass::drawChunk(const FrameView& view, const TerrainGrid& grid, cons
 }
 
 /// Vertices of (CELLS + 1)² samples and a ring around them, the skirt: the samples of the border
-/// once more, lowered. Triangles as the terrain defines them: each cell is split from its
-/// north-east to its south-west corner; those with a corner without data are left out.
+/// once more, lowered.
 void TerrainPass::fill(Chunk& chunk, const TerrainGrid& grid, const Square& square) {
     const EllipsoidModel earth;
     constexpr int EDGE = CELLS + 3;
@@ -227,31 +245,10 @@ void TerrainPass::fill(Chunk& chunk, const TerrainGrid& grid, const Square& squa
                 earth.toWorld(geodetic(grid, column, row, static_cast<double>(known) - lowered));
             vertices.push_back({vec3(to_chunk * world), packNormal(normal), known});
         }
-    std::vector<std::uint16_t> indices;
-    const auto addTriangle = [&](int a, int b, int c) {
-        const auto good = [&has_data](int v) { return has_data[static_cast<std::size_t>(v)] != 0; };
-        if (!good(a) || !good(b) || !good(c)) return;
-        for (const int v : {a, b, c})
-            indices.push_back(static_cast<std::uint16_t>(v));
-    };
-    for (int j = 0; j < EDGE - 1; j++)
-        for (int i = 0; i < EDGE - 1; i++) {
-            const int nw = j * EDGE + i, ne = nw + 1, sw = nw + EDGE, se = sw + 1;
-            addTriangle(nw, sw, ne);
-            addTriangle(ne, sw, se);
-        }
+    const std::vector<std::uint16_t> indices = triangulate(has_data, EDGE);
     chunk.num_indices = static_cast<int>(indices.size());
-    chunk.vertex_array.create();
-    chunk.vertices.create();
-    chunk.indices.create();
-    glBindVertexArray(chunk.vertex_array.id());
-    glBindBuffer(GL_ARRAY_BUFFER, chunk.vertices.id());
-    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(vertices.size() * sizeof(Vertex)),
-                 vertices.data(), GL_STATIC_DRAW);
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, chunk.indices.id());
-    glBufferData(GL_ELEMENT_ARRAY_BUFFER,
-                 static_cast<GLsizeiptr>(indices.size() * sizeof(std::uint16_t)), indices.data(),
-                 GL_STATIC_DRAW);
+    gl::makeVertexArray(chunk.vertex_array, chunk.vertices, std::as_bytes(std::span(vertices)),
+                        chunk.indices, std::as_bytes(std::span(indices)));
     constexpr GLsizei STRIDE = sizeof(Vertex);
     glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, STRIDE, nullptr);
     glVertexAttribPointer(1, 4, GL_INT_2_10_10_10_REV, GL_TRUE, STRIDE,
