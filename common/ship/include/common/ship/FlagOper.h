@@ -8,8 +8,8 @@ class Node;
 /// Swings a flag about its staff and turns it between two directions: in a calm the wind that the
 /// ship makes for itself, which blows the flag astern, at full strength the scene's wind, and in
 /// proportion between, the shorter way round. The flag hangs along X of its node, which turns about
-/// the ship's vertical. Both ends are right for a ship that heads north. On a heading h the calm end
-/// is off by h to the left and the windy end by h to the right.
+/// the ship's vertical. Both ends are right for a ship that heads north. On a heading h the calm
+/// end is off by h to the left and the windy end by h to the right.
 ///
 /// The logic creates one per flag at start-up, sets it up when the scene has the flag, and advances
 /// it every frame; without a flag it is inert. Zero-filled at creation.

@@ -11,13 +11,14 @@ namespace ig {
 class Package;
 
 /// How a surface or a finished picture looks: a set of parameters found by tag, each either a
-/// slider (one number) or a value (four), of states found by name, which choose between ways to draw,
-/// and of textures found by name: picture files. A material read from a file is shared by all its users and owned by the `MaterialManager`;
-/// a copy of its own is owned by the object that asked for it.
+/// slider (one number) or a value (four), of states found by name, which choose between ways to
+/// draw, and of textures found by name: picture files. A material read from a file is shared by all
+/// its users and owned by the `MaterialManager`; a copy of its own is owned by the object that
+/// asked for it.
 class Material : public jObject {
 public:
-    /// Reads the parameters, states and textures of a material file. False, with one log line, when something
-    /// in it is not what the format asks for; what was read before that stays.
+    /// Reads the parameters, states and textures of a material file. False, with one log line, when
+    /// something in it is not what the format asks for; what was read before that stays.
     bool load(const jString& path);
     const jString& getPath() const { return m_path; }
 

@@ -36,11 +36,12 @@ struct ParticleCloud {
 /// Moves the particles of all emitters that can be seen. The host application owns one, advances it
 /// once per frame after the physics, and hands it to the renderer.
 ///
-/// An emitter spawns at its present rate along the way it came since the last step, or evenly in its box, along its Z axis at
-/// its velocity; the spread is added in every direction. Drag brakes, gravity pulls (both 0 unless
-/// the emitter's material says otherwise, see docs/worlds.md). A flat emitter spawns less the
-/// slower it is carried, and nothing while it stands. Particles in the column of one of the
-/// emitter's deflectors are removed. The particles of an emitter that is hidden are gone.
+/// An emitter spawns at its present rate along the way it came since the last step, or evenly in
+/// its box, along its Z axis at its velocity; the spread is added in every direction. Drag brakes,
+/// gravity pulls (both 0 unless the emitter's material says otherwise, see docs/worlds.md). A flat
+/// emitter spawns less the slower it is carried, and nothing while it stands. Particles in the
+/// column of one of the emitter's deflectors are removed. The particles of an emitter that is
+/// hidden are gone.
 class ParticleSystem {
 public:
     /// `dt` in seconds; more than 0.5 counts as 0.5.
