@@ -3,6 +3,7 @@
 #include "ig/base/jAllocator.h"
 #include "ig/base/jLog.h"
 #include "ig/base/jString.h"
+#include "ig/base/nearest.h"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -68,6 +69,21 @@ TEST(Vector, RemoveFastMovesTheLastElementIntoTheSlot) {
     const int capacity = v.capacity();
     v.clear();
     EXPECT_EQ(v.capacity(), capacity);
+}
+
+TEST(Nearest, FindsTheNameThatIsMeantAndNoneWhereNoneIsLike) {
+    const std::vector<std::string> known = {"cloud_top",  "cloud_percent", "visibility",
+                                            "rain_level", "sendPort",      "send_rate"};
+    const std::pair<const char*, const char*> slips[] = {
+        {"cloud_pct", "cloud_percent"}, {"vis", "visibility"},       {"rian_level", "rain_level"},
+        {"rains_level", "rain_level"},  {"sendport", "sendPort"},    {"cloud_tip", "cloud_top"},
+        {"sned_rate", "send_rate"},     {"visibilty", "visibility"},
+    };
+    for (const auto& [wrong, right] : slips)
+        EXPECT_EQ(nearest(wrong, known), std::string("; nearest is \"") + right + '"') << wrong;
+    EXPECT_EQ(nearest("zoom", known), "");
+    EXPECT_EQ(nearest("", known), "");
+    EXPECT_EQ(nearest("vis", {}), "");
 }
 
 struct Listener {
