@@ -2,6 +2,7 @@
 #include "Channel.h"
 
 #include "common/logic/LogicBase.h"
+#include "host/interface/Texts.h"
 #include "ig/app/Engine.h"
 #include "ig/app/Message.h"
 #include "ig/app/MsgBox.h"
@@ -62,6 +63,7 @@ bool Channel::open() {
                     std::strerror(errno));
         return false;
     }
+    Texts::load(m_options.language);
     if (!loadScript()) return false;
     if (!m_options.trace.empty() && !m_trace.open(m_options.trace)) return false;
     if (!makeRenderer()) return false;
@@ -217,7 +219,9 @@ void Channel::playScript() {
 }
 
 void Channel::askToQuit() {
-    MsgBox box(this, "Quit", "End the visual channel?");
+    MsgBox box(this, Texts::get("quit.title"), Texts::get("quit.question"));
+    box.getOkButton()->setText(Texts::get("box.ok"));
+    box.getCancelButton()->setText(Texts::get("box.cancel"));
     box.center();
     if (box.modality()) m_quit = true;
     m_close_requested = false;

@@ -21,6 +21,9 @@ bool readSize(const std::string& text, Options& options) {
 void addInterfaceOptions(CLI::App& app, Options& options) {
     app.add_option("--script", options.script,
                    "Do the timed operator commands in this file (docs/operator.md)");
+    app.add_option("--language", options.language,
+                   "Of boxes, key map and statistics: zh or en (config/texts.*.yaml)")
+        ->check(CLI::IsMember({"zh", "en"}));
     app.add_flag("--no-ui", options.no_interface, "Pictures without panels and texts");
     app.add_flag("--help-overlay", options.show_help, "Begin with the key map over the picture");
     app.add_option("--statistics", options.statistics,

@@ -36,7 +36,8 @@ struct Options {
     std::string trace;         ///< CSV file with a line per frame; empty: none
     bool quiet = false;        ///< no status line
     bool no_interface = false; ///< pictures without panels and texts
-    bool show_help = false;    ///< the key map, from the start
+    std::string language = "zh"; ///< of what the application says in the picture: zh or en
+    bool show_help = false;      ///< the key map, from the start
     Overlays::Statistics statistics = Overlays::Statistics::off; ///< in the picture
 };
 

@@ -52,6 +52,8 @@ struct ChannelFolder : WorkingFolder {
         write("config/Logic_Nerith_Heli_Final.cfg",
               "recv_from_flightSimulation_port: " + std::to_string(UdpPeer::freePort()) +
                   "\nsend_to_flightSimulation_port: " + std::to_string(peer.port()) + "\n");
+        for (const char* texts : {"config/texts.zh.yaml", "config/texts.en.yaml"})
+            std::filesystem::create_symlink(before() / texts, path() / texts);
     }
     UdpPeer peer;
 };
@@ -81,6 +83,7 @@ struct WindowTest : testing::Test {
         options.frame_rate = 0;
         options.step = 1 / 16.0;
         options.quiet = true;
+        options.language = "en";
         channel.emplace(options);
         ASSERT_TRUE(channel->open());
         ASSERT_TRUE(screen->watch("Visual channel"));

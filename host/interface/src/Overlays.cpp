@@ -2,12 +2,14 @@
 #include "host/interface/Overlays.h"
 
 #include "host/interface/LinkState.h"
+#include "host/interface/Texts.h"
 #include "ig/ui/KeyCode.h"
 #include "ig/ui/UILabel.h"
 #include "ig/ui/UIRoot.h"
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 
 using namespace ig;
 
@@ -21,41 +23,51 @@ constexpr int SMALLEST_FONT = 5;
 const vec4 FACE(0.05f, 0.07f, 0.10f, 0.86f);
 const vec4 KEY_COLOR(1.00f, 0.80f, 0.45f, 1);
 
+/// Words with a dot are keys of `Texts`; those of the keyboard stand on it in every language.
 struct HelpLine {
     const char *keys, *action;
 };
 const HelpLine HELP[] = {
-    {"F1", "next view: first person, third person, free camera"},
-    {"F2", "deploy the dipping sonar"},
-    {"F3", "cut the sonar loose"},
-    {"Down / Up", "lower / raise the sonar"},
-    {"F5", "destroy the helicopter"},
-    {"F6", "drop a torpedo"},
-    {"Space", "fire a missile"},
-    {"g", "front projector on / off"},
-    {"Return", "level the camera"},
-    {"1 2 3 4 5", "free camera's speed: 10, 200, 1000, 10000, 10000 m/s"},
+    {"F1", "help.next_view"},
+    {"F2", "help.sonar_deploy"},
+    {"F3", "help.sonar_cut"},
+    {"Down / Up", "help.sonar_move"},
+    {"F5", "help.destroy"},
+    {"F6", "help.torpedo"},
+    {"Space", "help.missile"},
+    {"g", "help.projector"},
+    {"Return", "help.level"},
+    {"1 2 3 4 5", "help.speed"},
     {"", ""},
-    {"Left drag", "third person: orbit the helicopter"},
-    {"Wheel", "third person: nearer, farther"},
-    {"Left or right drag", "free camera: look around (not with Ctrl)"},
-    {"Left + w s a d", "free camera: fly (4 times as fast with Shift, not with Ctrl)"},
+    {"mouse.drag_left", "help.orbit"},
+    {"mouse.wheel", "help.distance"},
+    {"mouse.drag_any", "help.look"},
+    {"mouse.left_keys", "help.fly"},
     {"", ""},
-    {"In a field", "Return sets, Escape leaves as it was, Tab goes to the next one;"},
-    {"", "the wheel steps (10 times with Shift, a tenth with Ctrl);"},
-    {"", "Ctrl + a, c, x, v selects all, copies, cuts, pastes"},
-    {"F11", "statistics: off, frame rate, all"},
-    {"F12 or h", "this help"},
-    {"F7 F8 b t", "sky, precipitation, sea, hour (with Shift earlier)"},
-    {"Alt + Return", "full screen"},
-    {"Alt + p", "save a picture"},
-    {"Alt + F4", "end at once"},
+    {"mouse.field", "help.field_set"},
+    {"", "help.field_step"},
+    {"", "help.field_clipboard"},
+    {"F11", "help.statistics"},
+    {"F12, h", "help.help"},
+    {"F7 F8 b t", "help.weather"},
+    {"Alt + Return", "help.full_screen"},
+    {"Alt + p", "help.picture"},
+    {"Alt + F4", "help.end"},
 };
+
+std::string decimal(double value, int places) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.*f", places, value);
+    return text;
+}
 
 UILabel* makeColumn(UIRoot* root, const char* HelpLine::*column) {
     std::string text;
-    for (const HelpLine& line : HELP)
-        text += std::string(text.empty() ? "" : "\n") + line.*column;
+    for (const HelpLine& line : HELP) {
+        const char* const word = line.*column;
+        if (&line != HELP) text += '\n';
+        text += std::strchr(word, '.') ? Texts::get(word) : word;
+    }
     auto* label = new UILabel(root, jString(text));
     label->setShowBackground(false);
     return label;
@@ -135,26 +147,28 @@ void Overlays::place() {
 void Overlays::write() {
     const Sums& s = m_sums;
     const double rate = s.time > 0 ? s.frames / s.time : 0;
-    char text[512];
     if (m_statistics == Statistics::rate) {
-        std::snprintf(text, sizeof text, "%.1f frames/s", rate);
-        m_label->setText(text);
+        m_label->setText(jString(Texts::fill("statistics.rate", {decimal(rate, 1)})));
         return;
     }
-    const auto milliseconds = [&](double sum) { return sum / s.frames * 1e3; };
-    const auto share = [&](int bucket) { return 100.0 * s.frames_with[bucket] / s.frames; };
+    const auto milliseconds = [&](double sum) { return decimal(sum / s.frames * 1e3, 2); };
+    const auto share = [&](int bucket) {
+        return decimal(100.0 * s.frames_with[bucket] / s.frames, 0);
+    };
     const LinkState link = LinkState::read();
-    char age[32] = "none yet";
-    if (link.age() >= 0) std::snprintf(age, sizeof age, "%.0f ms ago", link.age() * 1e3);
-    std::snprintf(text, sizeof text,
-                  "%.1f frames/s, %.2f ms each\n"
-                  "update %.2f, physics %.2f, interface %.2f, draw %.2f ms\n"
-                  "records %.1f/s, the last %s\n"
-                  "records per frame: none %.0f %%, one %.0f %%, two %.0f %%, more %.0f %%\n"
-                  "feedback %llu sent",
-                  rate, milliseconds(s.time), milliseconds(s.costs.update),
-                  milliseconds(s.costs.physics), milliseconds(s.costs.interface),
-                  milliseconds(s.costs.draw), s.time > 0 ? s.records / s.time : 0, age, share(0),
-                  share(1), share(2), share(3), static_cast<unsigned long long>(link.sent));
-    m_label->setText(text);
+    const std::string age = link.age() < 0
+                                ? Texts::get("statistics.no_record")
+                                : Texts::fill("statistics.age", {decimal(link.age() * 1e3, 0)});
+    const std::string lines[] = {
+        Texts::fill("statistics.frames", {decimal(rate, 1), milliseconds(s.time)}),
+        Texts::fill("statistics.costs",
+                    {milliseconds(s.costs.update), milliseconds(s.costs.physics),
+                     milliseconds(s.costs.interface), milliseconds(s.costs.draw)}),
+        Texts::fill("statistics.records", {decimal(s.time > 0 ? s.records / s.time : 0, 1), age}),
+        Texts::fill("statistics.per_frame", {share(0), share(1), share(2), share(3)}),
+        Texts::fill("statistics.feedback", {std::to_string(link.sent)})};
+    std::string text;
+    for (const std::string& line : lines)
+        text += (text.empty() ? "" : "\n") + line;
+    m_label->setText(jString(text));
 }

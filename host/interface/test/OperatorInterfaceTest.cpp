@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "host/interface/OperatorInterface.h"
 #include "common/logic/LogicBase.h"
+#include "host/interface/Texts.h"
 #include "ig/app/ControlApp.h"
 #include "ig/ui/KeyCode.h"
 #include "ig/ui/UIButton.h"
@@ -37,6 +38,7 @@ struct Recorder final : LogicBase {
 
 struct OperatorInterfaceTest : testing::Test {
     OperatorInterfaceTest() {
+        Texts::load("en");
         channel.resize(1280, 720);
         channel.getRoot()->addChild(button);
         field->setAlignFree(true);
