@@ -87,7 +87,7 @@ void expectMeets(MissionRun&& run, const std::vector<Station>& stations) {
 }
 
 TEST(ShippedMissions, MeetTheFrigateUnderWayAndTouchNothing) {
-    expectMeets(MissionRun("data/missions/demo.yaml", 44), {{"over the deck", 2, 0, -66, 20}});
+    expectMeets(MissionRun("data/missions/demo.yaml", 52), {{"over the deck", 2, 0, -66, 20}});
     expectMeets(MissionRun("data/missions/demo.yaml", 200),
                 {{"over the deck", 3, 0, -66, 20}, {"dip", 1, 60, -75, 15}});
     expectMeets(MissionRun("data/missions/weapons.yaml", {}),

@@ -36,6 +36,12 @@ bool samePlace(const Point& a, const Point& b) {
            a.position.latitude == b.position.latitude && a.position.altitude == b.position.altitude;
 }
 
+/// The deceleration that a leg is flown with: what its lean gives, and a little to spare for a wind
+/// from behind.
+double braking(const Leg& leg) {
+    return std::min(leg.deceleration, 0.97 * gravity * std::tan(leg.lean * radians));
+}
+
 double lateralLimit(const Leg& leg) { return gravity * std::tan(leg.bank * radians); }
 
 } // namespace
@@ -58,7 +64,8 @@ HelicopterControls Guidance::update(const HelicopterState& state, const Enu& win
         }
     }
     if (stands(state)) return groundControls(time);
-    HelicopterControls controls = controlsFor(acceleration(state, time), state, wind);
+    HelicopterControls controls = controlsFor(acceleration(state, time), state, wind,
+                                              {leg().lean, std::max(leg().lean, leg().bank)});
     controls.heading_rate = headingRate(state, wind, time);
     return controls;
 }
@@ -86,7 +93,7 @@ void Guidance::beginPoint(const HelicopterState& state) {
         m_point = *leg().point;
     } else if (over_point.horizontal() > stopped) {
         const double speed = state.velocity.horizontal();
-        const double way = speed * speed / (2 * leg().deceleration) + speed / velocity_gain;
+        const double way = speed * speed / (2 * braking(leg())) + speed / velocity_gain;
         const Enu stop = Enu::ofCourse(state.velocity.course(), way);
         m_point = {moved(state.position, stop), {}};
         m_point.position.altitude = before.surface();
@@ -169,9 +176,9 @@ Enu Guidance::acceleration(const HelicopterState& state, double time) const {
     // On the way to a stop the wanted speed itself falls; to follow it without lag, so must ours.
     const bool stopping = leg().kind != LegKind::fly_to && wanted_speed < leg().speed;
     const double slowing =
-        stopping ? stoppingRate(wanted_speed, closing, leg().deceleration, position_gain) : 0;
+        stopping ? stoppingRate(wanted_speed, closing, braking(leg()), position_gain) : 0;
 
-    const double most = std::max(leg().acceleration, leg().deceleration);
+    const double most = std::max(leg().acceleration, braking(leg()));
     Enu direct = (wanted - state.velocity) * velocity_gain + toward * slowing;
     direct.up = 0;
     if (direct.horizontal() > most) direct = direct * (most / direct.horizontal());
@@ -180,7 +187,7 @@ Enu Guidance::acceleration(const HelicopterState& state, double time) const {
     const double course = state.velocity.course();
     const double error = wrap180(wanted.course() - course);
     const double along = std::clamp(velocity_gain * (wanted.horizontal() - speed) + slowing,
-                                    -1.3 * leg().deceleration, leg().acceleration);
+                                    -1.3 * braking(leg()), leg().acceleration);
     const double across =
         std::clamp(0.8 * speed * error * radians, -lateralLimit(leg()), lateralLimit(leg()));
     const Enu turning = Enu::ofCourse(course, along) + Enu::ofCourse(course + 90, across);
@@ -205,7 +212,7 @@ double Guidance::wantedSpeed(const Enu& way, const HelicopterState& state) const
     const double distance = way.horizontal();
     double speed = leg().speed;
     if (leg().kind != LegKind::fly_to)
-        speed = std::min(speed, stoppingSpeed(distance, leg().deceleration, position_gain));
+        speed = std::min(speed, stoppingSpeed(distance, braking(leg()), position_gain));
     if (m_sidestep) return std::min(speed, step_speed);
     const double ground_speed = state.velocity.horizontal();
     if (ground_speed < slow) {

@@ -55,23 +55,19 @@ Enu dragAcceleration(const Enu& air_velocity) {
 }
 
 HelicopterControls controlsFor(const Enu& acceleration, const HelicopterState& state,
-                               const Enu& wind) {
+                               const Enu& wind, const LeanLimits& limits) {
     constexpr double greatest_thrust = 1.4 * gravity;
-    const double tangent_of_greatest_lean = std::tan(32 * radians);
     Enu force = acceleration + Enu{0, 0, gravity} - dragAcceleration(state.velocity - wind);
     force.up = std::max(force.up, 0.3 * gravity);
-    const double excess = force.horizontal() / (tangent_of_greatest_lean * force.up);
-    if (excess > 1) {
-        force.east /= excess;
-        force.north /= excess;
-    }
     const double sh = std::sin(state.heading * radians);
     const double ch = std::cos(state.heading * radians);
     const double forward = force.east * sh + force.north * ch;
     const double right = force.east * ch - force.north * sh;
     HelicopterControls controls;
-    controls.pitch = -std::atan2(forward, force.up) / radians;
-    controls.roll = std::atan2(right, std::hypot(forward, force.up)) / radians;
+    const double pitch = -std::atan2(forward, force.up) / radians;
+    const double roll = std::atan2(right, std::hypot(forward, force.up)) / radians;
+    controls.pitch = std::clamp(pitch, -limits.pitch, limits.pitch);
+    controls.roll = std::clamp(roll, -limits.roll, limits.roll);
     // The height is held with the lean that there is, not with the one that is to come.
     controls.thrust = std::min(force.up / rotorAxis(state).up, greatest_thrust);
     controls.rotor = full_rotor;

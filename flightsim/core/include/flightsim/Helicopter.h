@@ -50,10 +50,15 @@ struct Surroundings {
 /// that of 4.3 m² of drag area on 11 t with the square.
 Enu dragAcceleration(const Enu& air_velocity);
 
+/// How far the pilot leans, degrees.
+struct LeanLimits {
+    double pitch = 0, roll = 0;
+};
+
 /// The controls that give the helicopter an acceleration over ground, were it in the air. The lean
-/// stays below 32 degrees and the thrust within the rotor's reach, so not every demand is met.
+/// stays within `limits` and the thrust within the rotor's reach, so not every demand is met.
 HelicopterControls controlsFor(const Enu& acceleration, const HelicopterState& state,
-                               const Enu& wind);
+                               const Enu& wind, const LeanLimits& limits);
 
 /// Lift-off and touchdown need no modes: the undercarriage is a spring below the reference point,
 /// and a helicopter whose wheels carry it can't lean.

@@ -50,7 +50,8 @@ struct Leg {
     double speed = 30;              ///< over ground, m/s
     double rate = 3;                ///< vertical speed, m/s
     double turn_rate = 20;          ///< in the hover, degrees/s
-    double bank = 25;               ///< greatest in turns, degrees
+    double lean = 15;               ///< greatest pitch, and roll but in turns, degrees
+    double bank = 15;               ///< greatest roll in turns, degrees
     double acceleration = 2;        ///< greatest along the track, m/s²
     double deceleration = 1.5;      ///< likewise
     double radius = 30;             ///< the point is reached when it is as close as this
