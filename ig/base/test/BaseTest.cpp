@@ -133,11 +133,23 @@ TEST(Log, SinkSeesTheFormattedLine) {
     jLog::error("%s:\"%s\" load failed", "load_track", "a.anim");
     EXPECT_EQ(seen, "E load_track:\"a.anim\" load failed");
     jLog::setSink({});
+}
+
+TEST(LogLimiter, LetsOneReportASecondThroughAndCountsTheOthers) {
+    double now = 100;
+    LogLimiter::setClock([&] { return now; });
     LogLimiter limiter;
     int held_back = -1;
     EXPECT_TRUE(limiter.allow(&held_back));
     EXPECT_EQ(held_back, 0);
-    EXPECT_FALSE(limiter.allow());
+    for (int i = 0; i < 3; i++) {
+        now += 0.3;
+        EXPECT_FALSE(limiter.allow(&held_back));
+    }
+    now += 0.125;
+    EXPECT_TRUE(limiter.allow(&held_back));
+    EXPECT_EQ(held_back, 3);
+    LogLimiter::setClock({});
 }
 
 } // namespace

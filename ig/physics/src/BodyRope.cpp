@@ -14,6 +14,7 @@ namespace ig {
 namespace {
 
 const EllipsoidModel EARTH;
+LogLimiter g_length_report; // a host can make new ropes with every datagram
 constexpr double GRAVITY = Physics::GRAVITY;
 
 constexpr double SUBSTEP = 1.0 / 120;
@@ -70,7 +71,8 @@ void BodyRope::setLength(float length) {
         m_length = length;
     } else if (!m_warned) {
         m_warned = true;
-        jLog::warning("BodyRope::setLength: a length that is not finite is refused");
+        if (g_length_report.allow())
+            jLog::warning("BodyRope::setLength: a length that is not finite is refused");
     }
 }
 

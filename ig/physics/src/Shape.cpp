@@ -9,6 +9,10 @@
 
 namespace ig {
 
+namespace {
+LogLimiter g_mass_report; // a host can make new shapes with every datagram
+} // namespace
+
 Shape* Shape::createBox(const vec3& size, const mat4& transform) {
     return new Shape(SHAPE_BOX, size, transform);
 }
@@ -26,8 +30,9 @@ void Shape::setMass(float mass) {
     constexpr float LEAST = 1; // kg
     if (!(mass >= LEAST) && !m_warned) {
         m_warned = true;
-        jLog::warning("Shape::setMass: %g kg %s", static_cast<double>(mass),
-                      std::isnan(mass) ? "is refused" : "counts as 1 kg");
+        if (g_mass_report.allow())
+            jLog::warning("Shape::setMass: %g kg %s", static_cast<double>(mass),
+                          std::isnan(mass) ? "is refused" : "counts as 1 kg");
     }
     if (!std::isfinite(mass) || !m_body) return;
     m_body->changeShapeMass(*this, std::max(mass, LEAST));

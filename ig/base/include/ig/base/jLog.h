@@ -25,11 +25,16 @@ public:
 /// One object per report; not for several threads.
 class LogLimiter {
 public:
+    /// Seconds, never running backwards.
+    using Clock = std::function<double()>;
+    /// What all limiters of the process go by; an empty one restores the steady clock.
+    static void setClock(Clock clock);
+
     /// True when the report may be made now; `held_back` then tells how many were not since.
     bool allow(int* held_back = nullptr);
 
 private:
-    double m_last = -1e9; ///< seconds on the steady clock
+    double m_last = -1e9; ///< s, of the last report
     int m_held_back = 0;
 };
 
