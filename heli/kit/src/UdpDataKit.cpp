@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "heli/kit/UdpDataKit.h"
 
+#include "heli/kit/RecordCheck.h"
 #include "ig/base/jAllocator.h"
 #include "ig/base/jLog.h"
 #include "ig/net/SocketUDP.h"
@@ -31,6 +32,7 @@ bool UdpRecvKit::init(int port) {
     if (m_socket) {
         m_socket->create();
         if (m_socket->bind(port) && m_socket->recv(MAX_UDP_PAYLOAD) && m_socket->nonblock()) {
+            m_socket->setExpectedSize(sizeof(UdpRecvData));
             m_buffer.resize(BUFFER_SIZE);
             return true;
         }
@@ -48,10 +50,21 @@ int UdpRecvKit::receive() {
         UdpRecvData& record = m_records.append(UdpRecvData{});
         std::memcpy(&record, m_buffer.getData(),
                     std::min(static_cast<std::size_t>(n), sizeof record));
+        judge(n >= static_cast<int>(sizeof record));
         m_buffer.seekSet(0);
         n = m_socket->read(m_buffer.getData(), 1, m_buffer.getSize());
     }
     return m_records.size();
+}
+
+/// Tells the socket what the newest record is like, so that others can tell and a drain ends in
+/// time. One that came too short is told by its size: what its zeros mean is no news.
+void UdpRecvKit::judge(bool whole) {
+    const int last = m_records.size() - 1;
+    const UdpRecvData& record = m_records[last];
+    m_socket->charge(weighRecord(record, last > 0 ? &m_records[last - 1] : nullptr) - 1);
+    const SocketComplaint complaint = whole ? checkRecord(record) : SocketComplaint{};
+    if (complaint.field) m_socket->complain(complaint);
 }
 
 void UdpRecvKit::release() { closeAndFree(m_socket, "UdpRecvKit::release"); }

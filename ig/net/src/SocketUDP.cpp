@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ig/net/SocketUDP.h"
 
+#include "ig/base/jLog.h"
+
 #include <algorithm>
 #include <arpa/inet.h>
 #include <cerrno>
@@ -8,6 +10,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <limits>
+#include <linux/sock_diag.h>
 #include <memory>
 #include <netinet/in.h>
 #include <sys/socket.h>
@@ -21,12 +24,23 @@ namespace {
 // at 1,000 per second in nearly one, so that a stall of the channel loses nothing.
 constexpr int least_receive_buffer = 1 << 20;
 
-// Far above what a host sends between two frames, and read in about 1 ms.
-constexpr int most_in_a_row = 1024;
+// A sender that has been silent for so long is not one of several that send at a time.
+constexpr double sender_pause = 1; // s
 
 jVector<SocketUDP*>& openSockets() {
     static jVector<SocketUDP*> sockets;
     return sockets;
+}
+
+jVector<RefusedPort>& refusedPorts() {
+    static jVector<RefusedPort> ports;
+    return ports;
+}
+
+void forgetRefusal(int port) {
+    jVector<RefusedPort>& refused = refusedPorts();
+    for (int i = refused.size() - 1; i >= 0; i--)
+        if (refused[i].port == port) refused.remove(i);
 }
 
 sockaddr_in makeAddress(std::uint32_t address, int port) {
@@ -66,23 +80,29 @@ bool SocketUDP::create() {
     close();
     m_descriptor = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     if (!isOpened()) return fail("create");
+    m_drops = 0;
     openSockets().append(this);
     return true;
 }
 
 bool SocketUDP::bind(int port) {
-    if (isPort(port)) return bindTo(port);
-    jLog::error("SocketUDP::bind: %d is not a port", port);
-    return false;
+    return isPort(port) ? bindTo(port) : refuse(port, "not a port, 1 to 65535");
 }
 
 bool SocketUDP::bind() { return bindTo(0); }
 
 bool SocketUDP::bindTo(int port) {
     const sockaddr_in local = makeAddress(htonl(INADDR_ANY), port);
-    if (::bind(m_descriptor, reinterpret_cast<const sockaddr*>(&local), sizeof local) == 0)
-        return true;
-    jLog::error("SocketUDP::bind: local port %d: %s", port, std::strerror(errno));
+    if (::bind(m_descriptor, reinterpret_cast<const sockaddr*>(&local), sizeof local) != 0)
+        return refuse(port, std::strerror(errno));
+    forgetRefusal(port);
+    return true;
+}
+
+bool SocketUDP::refuse(int port, const char* reason) const {
+    jLog::error("SocketUDP::bind: local port %d: %s", port, reason);
+    forgetRefusal(port);
+    refusedPorts().append({port, reason});
     return false;
 }
 
@@ -93,6 +113,7 @@ bool SocketUDP::recv(int size) {
     if (setsockopt(m_descriptor, SOL_SOCKET, SO_RCVBUFFORCE, &wanted, sizeof wanted) != 0 &&
         setsockopt(m_descriptor, SOL_SOCKET, SO_RCVBUF, &wanted, sizeof wanted) != 0)
         return fail("recv");
+    m_statistics.asked_buffer = 2 * wanted; // the system adds as much again for itself
     socklen_t length = sizeof m_statistics.receive_buffer;
     getsockopt(m_descriptor, SOL_SOCKET, SO_RCVBUF, &m_statistics.receive_buffer, &length);
     return true;
@@ -123,10 +144,11 @@ bool SocketUDP::setSendIP(const jString& ip) {
     const std::uint32_t address = parseAddress(ip);
     if (!address) {
         jLog::error("SocketUDP::setSendIP: \"%s\" is not an address", ip.c_str());
+        m_statistics.refused_destination = ip;
         return false;
     }
     m_send_address = address;
-    m_send_ip = ip;
+    m_statistics.refused_destination.clear();
     return true;
 }
 
@@ -142,20 +164,14 @@ bool SocketUDP::setSendPort(int port) {
 int SocketUDP::read(void* buffer, std::size_t size, std::size_t count) {
     const std::size_t room = product(size, count);
     if (!isOpened() || !buffer || !room) return 0;
-    while (m_in_a_row < most_in_a_row) {
+    while (m_in_a_row < DRAIN) {
         sockaddr_in from{};
         socklen_t from_length = sizeof from;
         // With MSG_TRUNC the answer is the datagram's own length, also when it was cut.
         const ssize_t length = recvfrom(m_descriptor, buffer, room, MSG_TRUNC,
                                         reinterpret_cast<sockaddr*>(&from), &from_length);
-        if (length < 0) {
-            if (errno == EINTR) continue;
-            m_in_a_row = 0;
-            if (errno == EAGAIN || errno == EWOULDBLOCK) return 0;
-            m_statistics.receive_failures++;
-            if (m_read_report.allow()) jLog::warning("SocketUDP::read: %s", std::strerror(errno));
-            return -1;
-        }
+        if (length < 0 && errno == EINTR) continue;
+        if (length < 0) return endDrain(errno);
         m_in_a_row++;
         if (m_allowed_sender && from.sin_addr.s_addr != m_allowed_sender) {
             m_statistics.filtered++;
@@ -168,11 +184,21 @@ int SocketUDP::read(void* buffer, std::size_t size, std::size_t count) {
             return static_cast<int>(room);
         }
     }
-    m_in_a_row = 0;
-    return 0;
+    return endDrain(0);
 }
 
-void SocketUDP::noteReceived(int length, std::uint32_t sender, int port) {
+/// The answer that ends a drain: 0 when nothing waits or enough was taken, −1 on an error.
+int SocketUDP::endDrain(int error) {
+    m_in_a_row = 0;
+    noteLost();
+    const bool waiting = error == EAGAIN || error == EWOULDBLOCK;
+    m_statistics.receive_error = waiting ? 0 : error;
+    if (m_statistics.receive_error == 0) return 0;
+    m_statistics.receive_failures++;
+    return -1;
+}
+
+void SocketUDP::noteReceived(int length, std::uint32_t address, int port) {
     SocketStatistics& s = m_statistics;
     s.last_received = steadySeconds();
     if (s.datagrams_received == 0) s.first_received = s.last_received;
@@ -180,12 +206,40 @@ void SocketUDP::noteReceived(int length, std::uint32_t sender, int port) {
     s.largest = std::max(s.largest, length);
     s.datagrams_received++;
     s.bytes_received += static_cast<std::uint64_t>(length);
-    s.last_sender_port = port;
-    if (sender == m_last_sender) return;
-    m_last_sender = sender;
-    char text[INET_ADDRSTRLEN] = "";
-    inet_ntop(AF_INET, &sender, text, sizeof text);
-    s.last_sender_address = text;
+    noteSender({address, port, s.last_received});
+    if (s.expected_size == 0 || length == s.expected_size) return;
+    (length < s.expected_size ? s.too_short : s.too_long)++;
+    s.wrong_size = length;
+    s.wrong_sender = s.senders[0];
+}
+
+/// Puts a sender in front of those known, of which the one that was heard longest ago goes.
+void SocketUDP::noteSender(const SocketSender& sender) {
+    SocketStatistics& s = m_statistics;
+    SocketSender* const end = s.senders + SocketStatistics::SENDERS;
+    SocketSender* place = std::find(s.senders, end, sender);
+    if (place != s.senders && s.senders[0].port != 0) {
+        const bool recent =
+            place != end && sender.last_received - place->last_received < sender_pause;
+        (recent ? s.interleaved : s.taken_over)++;
+    }
+    std::rotate(s.senders, place == end ? end - 1 : place, place == end ? end : place + 1);
+    s.senders[0] = sender;
+}
+
+/// The system counts them for as long as the descriptor is open.
+void SocketUDP::noteLost() {
+    std::uint32_t counts[SK_MEMINFO_VARS] = {};
+    socklen_t length = sizeof counts;
+    if (getsockopt(m_descriptor, SOL_SOCKET, SO_MEMINFO, counts, &length) != 0) return;
+    m_statistics.lost += counts[SK_MEMINFO_DROPS] - m_drops;
+    m_drops = counts[SK_MEMINFO_DROPS];
+}
+
+void SocketUDP::complain(const SocketComplaint& complaint) {
+    m_statistics.implausible++;
+    m_statistics.complaint = complaint;
+    m_statistics.complaint.sender = m_statistics.senders[0];
 }
 
 int SocketUDP::write(const void* data, std::size_t size, std::size_t count) {
@@ -201,6 +255,7 @@ int SocketUDP::write(const void* data, std::size_t size, std::size_t count) {
             sendto(m_descriptor, data, bytes, 0, reinterpret_cast<const sockaddr*>(&to), sizeof to);
     } while (sent < 0 && errno == EINTR);
     if (sent < 0) return failWrite(errno);
+    m_statistics.send_error = 0;
     m_statistics.datagrams_sent++;
     m_statistics.bytes_sent += static_cast<std::uint64_t>(sent);
     return static_cast<int>(sent);
@@ -208,10 +263,7 @@ int SocketUDP::write(const void* data, std::size_t size, std::size_t count) {
 
 int SocketUDP::failWrite(int error) {
     m_statistics.send_failures++;
-    int held_back = 0;
-    if (error != EAGAIN && error != EWOULDBLOCK && m_write_report.allow(&held_back))
-        jLog::warning("SocketUDP::write: to \"%s\", port %d: %s (%d more since the last report)",
-                      m_send_ip.c_str(), m_send_port, std::strerror(error), held_back);
+    m_statistics.send_error = error;
     return -1;
 }
 
@@ -226,11 +278,9 @@ void SocketUDP::close() {
 
 void SocketUDP::release() {
     close();
-    m_send_ip.clear();
     m_send_address = 0;
     m_send_port = 0;
     m_allowed_sender = 0;
-    m_last_sender = 0;
     m_statistics = {};
 }
 
@@ -253,5 +303,14 @@ bool SocketUDP::setAllowedSender(const jString& ip) {
 }
 
 const jVector<SocketUDP*>& SocketUDP::getOpenSockets() { return openSockets(); }
+
+const jVector<RefusedPort>& SocketUDP::getRefusedPorts() { return refusedPorts(); }
+
+jString SocketSender::getText() const {
+    if (port == 0) return {};
+    char text[INET_ADDRSTRLEN] = "";
+    inet_ntop(AF_INET, &address, text, sizeof text);
+    return jString(text) + ":" + ToString(port);
+}
 
 } // namespace ig

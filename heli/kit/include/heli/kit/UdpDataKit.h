@@ -22,7 +22,9 @@ public:
     bool init(int port);
     /// Appends a record for every waiting datagram, in the order of arrival: its first 1490 bytes,
     /// the rest zero when it is shorter. Returns the number of records now held, those left from
-    /// before included. Never waits.
+    /// before included. Never waits. What is wrong with a datagram stands in the socket's
+    /// statistics; a flood ends the drain as soon as its records are work enough for a frame
+    /// (`SocketUDP::DRAIN` plain ones), and the rest waits in the socket for the next.
     int receive();
     /// Closes and destroys the socket.
     void release();
@@ -31,6 +33,9 @@ public:
     ig::SocketUDP* m_socket =
         nullptr;          ///< owned; null before `init`, after a failed one, at the end
     ig::jBuffer m_buffer; ///< 4096 bytes after a successful `init`
+
+private:
+    void judge(bool whole);
 };
 
 /// Holds a socket aimed at the flight simulation; the feedback goes straight through `m_socket`,
