@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
+#include "common/program/Process.h"
 #include "flightsim/Commands.h"
 
 #include <CLI/CLI.hpp>
 
 int main(int argc, char** argv) {
+    program::fillStandardStreams();
+    program::letWritesFail();
     CLI::App app(
         "The flight simulation's side of the link to the visual channel: missions are flown, "
         "flights are sent, recorded and examined.",

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -39,10 +40,39 @@ TEST(Program, AnswersWrongUseAndBadFilesWithOneMessage) {
     expectRun("fly data/missions/demo.yaml --rate 0", 2, "--rate");
     expectRun("replay absent.hrec", 1, "cannot open \"absent.hrec\"");
     expectRun("info CMakeLists.txt", 1, "\"CMakeLists.txt\": byte 0: not a recording");
-    expectRun("fly .", 1, "cannot read \".\": Is a directory");
+    expectRun("fly .", 1, "cannot read \".\": a folder");
+    const std::string pipe = temporary("pipe"); // nobody will ever write to it
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    for (const std::string command : {"fly ", "replay ", "info "})
+        expectRun(command + pipe, 1, "not a regular file");
+    std::filesystem::remove(pipe);
     expectRun("fly CMakePresets.json", 1, "CMakePresets.json:2:3: a mission has no key");
     expectRun("replay " + recorded_flight + " --to 127.0.0.1", 1, "not an address");
-    expectRun("record /nowhere/x.hrec --port 0", 1, "cannot create \"/nowhere/x.hrec\"");
+}
+
+TEST(Program, AFileThatCannotBeWrittenIsNamedOnceAndNothingOfItStays) {
+    namespace fs = std::filesystem;
+    const std::string folder = temporary("outputs"), data = fs::current_path() / "data";
+    const std::string recording = data + "/recordings/helicopter_flight.hrec ";
+    const std::string link = "--seconds 0.1 --to 127.0.0.1:9 --quiet --listen 0 ";
+    const std::string fly = "fly " + data + "/missions/demo.yaml " + link;
+    fs::create_directory(folder);
+    for (const std::string& command :
+         {std::string("record --port 0 "), "cut " + recording, fly + "--record ",
+          fly + "--feedback ", "replay " + recording + link + "--feedback "})
+        for (const std::string file : {"full.out", "/dev/full", "none/x.out", "."}) {
+            // No file may grow: a full disk.
+            Program run("/bin/sh", "-c 'ulimit -f 0; cd " + folder + "; exec " PROGRAM_PATH " " +
+                                       command + file + "'");
+            std::string output;
+            EXPECT_EQ(run.finish(&output), 1) << command << file;
+            const std::size_t at = output.find('"' + file + '"');
+            ASSERT_NE(at, std::string::npos) << command << file << "\n" << output;
+            EXPECT_EQ(output.find("flight_sim ", at), std::string::npos) << output;
+            EXPECT_TRUE(fs::is_empty(folder)) << command << file;
+        }
+    fs::remove_all(folder);
+    expectRun("info " + recorded_flight + " > /dev/full", 1, "cannot print to the end");
 }
 
 TEST(Program, FliesTheDemoMissionWithoutSending) {
@@ -98,11 +128,37 @@ TEST(Program, AnInterruptEndsARecordingInOrder) {
     ASSERT_TRUE(to && sender.open(message)) << message;
     for (const std::size_t size : {sizeof(UdpRecvData), sizeof(UdpRecvData), std::size_t{0}})
         ASSERT_TRUE(sender.send(*to, std::vector<std::uint8_t>(size, 1)));
+    program.signal(SIGHUP); // as when its terminal is closed, by shell and system
     program.signal(SIGINT);
     std::string output;
     EXPECT_EQ(program.finish(&output), 0);
     EXPECT_NE(output.find("3 datagrams"), std::string::npos) << output;
     expectRun("info " + path, 0, "1 of 0 bytes, 2 of 1490 bytes");
+    std::filesystem::remove(path);
+}
+
+TEST(Program, ARecordingCountsWhatIsInTheFileAndKeepsIt) {
+    const std::string path = temporary("full.hrec");
+    // Room for two records.
+    Program program("/bin/sh",
+                    "-c 'ulimit -f 8; exec " PROGRAM_PATH " record " + path + " --port 0'");
+    int port = 0;
+    ASSERT_EQ(std::sscanf(program.line().c_str(), "recording port %d", &port), 1);
+    std::string message;
+    const auto to = UdpAddress::parse("127.0.0.1:" + std::to_string(port), message);
+    UdpSocket sender;
+    ASSERT_TRUE(to && sender.open(message)) << message;
+    const std::vector<std::uint8_t> record(sizeof(UdpRecvData));
+    for (int i = 0; i < 2; i++)
+        ASSERT_TRUE(sender.send(*to, record));
+    program.waitFor(" 2 datagrams"); // these are in the file
+    for (int i = 0; i < 3; i++)
+        ASSERT_TRUE(sender.send(*to, record));
+    std::string output;
+    EXPECT_EQ(program.finish(&output), 1);
+    EXPECT_NE(output.find("recorded  2 of 5 datagrams"), std::string::npos) << output;
+    EXPECT_NE(output.find("the first 2 records are kept"), std::string::npos) << output;
+    expectRun("info " + path, 0, "2 of 1490 bytes");
     std::filesystem::remove(path);
 }
 

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "flightsim/Clock.h"
 
-#include <csignal>
+#include "common/program/Process.h"
+
 #include <ctime>
 
 namespace flightsim {
@@ -35,11 +36,7 @@ void sleepUntil(std::int64_t due_ns) {
 }
 
 const StopFlag& stopOnSignals() {
-    struct sigaction action {};
-    action.sa_handler = [](int) { g_stop = true; };
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
+    program::onStopSignal([] { g_stop = true; });
     return g_stop;
 }
 

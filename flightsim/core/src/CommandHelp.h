@@ -6,7 +6,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <string>
 
@@ -73,14 +75,23 @@ inline int printFailure(const char* command, const std::string& message) {
     return 1;
 }
 
+/// For commands whose result is what they print. False with `message` when it didn't get there; a
+/// reader that has seen enough is none.
+inline bool endOutput(std::string& message) {
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return true;
+    if (errno == EPIPE) return true;
+    message = std::string("cannot print to the end: ") + std::strerror(errno);
+    return false;
+}
+
 /// Opens what the command is for, lets `announce` tell about it, and runs it until it ends or is
 /// stopped. The exit status.
 template <class Task, class Options, class Announce>
 int runUntilStopped(const char* command, const Options& options, const Announce& announce) {
-    const StopFlag& stop = stopOnSignals();
     Task task;
     std::string message;
     if (!task.open(options, message)) return printFailure(command, message);
+    const StopFlag& stop = stopOnSignals(); // until here a signal ends it at once
     announce(task);
     return task.run(stop, message) ? 0 : printFailure(command, message);
 }

@@ -2,7 +2,6 @@
 #include "flightsim/Feedback.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -92,20 +91,17 @@ std::string FeedbackTable::row(double time_s, std::int64_t sent, const FeedbackM
 }
 
 bool FeedbackCsv::open(const std::string& path, std::string& message) {
-    close();
-    m_file = std::fopen(path.c_str(), "w");
-    if (!m_file) {
-        message = "cannot create \"" + path + "\": " + std::strerror(errno);
-        return false;
-    }
-    std::fputs("time_s,records_sent,frame,ground_latitude,ground_longitude,height_above_ground,"
-               "front_h,front_p,front_r,left_h,left_p,left_r,right_h,right_p,right_r\n",
-               m_file);
-    return true;
+    if (m_file.open(path, program::OutputFile::Kind::growing) &&
+        m_file.write(
+            "time_s,records_sent,frame,ground_latitude,ground_longitude,height_above_ground,"
+            "front_h,front_p,front_r,left_h,left_p,left_r,right_h,right_p,right_r\n"))
+        return true;
+    message = m_file.message();
+    return false;
 }
 
 void FeedbackCsv::write(double time_s, std::int64_t sent, const UdpSendData& feedback) {
-    if (!m_file) return;
+    if (!m_file.isOpen()) return;
     std::string line =
         column(time_s, 0, 6) + "," + std::to_string(sent) + "," + std::to_string(feedback.frame);
     const auto add = [&](auto value) {
@@ -122,15 +118,13 @@ void FeedbackCsv::write(double time_s, std::int64_t sent, const UdpSendData& fee
         add(w.r);
     }
     line += '\n';
-    std::fwrite(line.data(), 1, line.size(), m_file);
+    m_file.write(line); // a failure is kept for the end
 }
 
-bool FeedbackCsv::close() {
-    if (!m_file) return true;
-    const bool failed = std::ferror(m_file) != 0;
-    const bool closed = std::fclose(m_file) == 0;
-    m_file = nullptr;
-    return closed && !failed;
+bool FeedbackCsv::close(std::string& message) {
+    if (m_file.isOpen()) m_file.close();
+    message = m_file.message();
+    return message.empty();
 }
 
 } // namespace flightsim

@@ -52,7 +52,10 @@ bool Fly::run(const StopFlag& stop, std::string& message) {
         if (!flight->fault().empty()) break;
     }
     message = flight->fault();
-    if (!m_writer.close() && message.empty()) message = m_writer.message();
+    if (!m_writer.close() && !m_writer.message().empty()) {
+        if (message.empty()) message = m_writer.message();
+        m_writer.discard(); // the mission can be flown again
+    }
     std::string link_message;
     if (!m_link.finish(link_message) && message.empty()) message = link_message;
     return message.empty();

@@ -18,16 +18,19 @@ void printPlan(const Fly& fly) {
 }
 
 int runFly(const FlyOptions& options, bool dry_run) {
-    const StopFlag& stop = stopOnSignals();
     Fly fly;
     std::string message;
     const bool opened = dry_run ? fly.openMission(options, message) : fly.open(options, message);
     if (!opened) return printFailure("fly", message);
     printWarning("fly", fly.plan().warning);
     printPlan(fly);
-    if (!dry_run) printLink(fly.link());
-    const bool flown = dry_run ? fly.printProfile(stdout, message) : fly.run(stop, message);
-    return flown ? 0 : printFailure("fly", message);
+    if (dry_run)
+        return fly.printProfile(stdout, message) && endOutput(message)
+                   ? 0
+                   : printFailure("fly", message);
+    const StopFlag& stop = stopOnSignals(); // until here a signal ends it at once
+    printLink(fly.link());
+    return fly.run(stop, message) ? 0 : printFailure("fly", message);
 }
 
 } // namespace

@@ -98,9 +98,7 @@ bool HostLink::finish(std::string& message) {
             if (m_listener.waitReadable(end_ns + on_the_way_ns)) receiveOne();
     }
     printSummary(sinceStart_s(end_ns));
-    if (m_csv.close()) return true;
-    message = "\"" + m_options.feedback_csv + "\" could not be written to its end";
-    return false;
+    return m_csv.close(message);
 }
 
 void HostLink::printSummary(double seconds) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "flightsim/MissionFile.h"
 
+#include "common/program/InputFile.h"
 #include "flightsim/Helicopter.h"
 
 #include <algorithm>
@@ -406,6 +407,11 @@ Mission readDocument(const YAML::Node& root) {
 
 std::optional<Mission> readMission(const std::string& path, std::string& message) {
     constexpr std::size_t largest = 1 << 20; // bytes
+    const std::string why = program::whyUnreadable(path);
+    if (!why.empty()) {
+        message = "cannot read \"" + path + "\": " + why;
+        return std::nullopt;
+    }
     std::ifstream file(path, std::ios::binary);
     std::string content(largest + 1, '\0');
     file.read(content.data(), static_cast<std::streamsize>(content.size()));

@@ -40,7 +40,11 @@ bool Recorder::run(const StopFlag& stop, std::string& message) {
     for (int i = 0; good && i < 4096 && takeOne(until_ns); i++) {
     }
     good = m_writer.close() && good;
-    if (!good) message = m_writer.message();
+    if (!good) {
+        message = m_writer.message();
+        if (m_writer.records() > 0)
+            message += "; the first " + std::to_string(m_writer.records()) + " records are kept";
+    }
     printSummary(end_ns);
     return good;
 }
@@ -93,11 +97,11 @@ void Recorder::showLine(std::int64_t now_ns) {
 }
 
 void Recorder::printSummary(std::int64_t end_ns) const {
-    std::fprintf(m_options.out,
-                 "recorded  %lld datagrams in %.2f s, %lld of them not of %zu bytes%s\n",
-                 static_cast<long long>(m_stats.datagrams), double(end_ns - m_start_ns) * 1e-9,
-                 static_cast<long long>(m_stats.unusual), sizeof(UdpRecvData),
-                 full() ? "; the size limit is reached" : "");
+    std::fprintf(
+        m_options.out, "recorded  %lld of %lld datagrams in %.2f s, %lld came not of %zu bytes%s\n",
+        static_cast<long long>(m_writer.records()), static_cast<long long>(m_stats.datagrams),
+        double(end_ns - m_start_ns) * 1e-9, static_cast<long long>(m_stats.unusual),
+        sizeof(UdpRecvData), full() ? "; the size limit is reached" : "");
     if (m_forward)
         std::fprintf(m_options.out, "forwarded to %s, %lld refused by the system\n",
                      m_forward->text().c_str(), static_cast<long long>(m_stats.forward_failures));

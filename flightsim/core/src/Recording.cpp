@@ -1,14 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "flightsim/Recording.h"
 
+#include "common/program/InputFile.h"
+#include "common/program/OutputFile.h"
+
 #include <algorithm>
 #include <bit>
 #include <cerrno>
 #include <cmath>
 #include <cstring>
 #include <fcntl.h>
-#include <filesystem>
 #include <unistd.h>
+#include <utility>
 
 static_assert(std::endian::native == std::endian::little, "numbers are copied as they lie");
 
@@ -37,16 +40,11 @@ std::string systemError() { return std::strerror(errno); }
 bool RecordingReader::open(const std::string& path) {
     m_path = path;
     m_status = ReadStatus::end;
-    std::error_code error;
-    if (std::filesystem::is_directory(path, error)) {
-        m_message = "\"" + path + "\" is a folder";
-        return false;
-    }
     m_file = std::ifstream();
-    errno = 0;
-    m_file.open(path, std::ios::binary);
-    if (!m_file) {
-        m_message = "cannot open \"" + path + "\": " + systemError();
+    const std::string why = program::whyUnreadable(path);
+    if (why.empty()) m_file.open(path, std::ios::binary);
+    if (!why.empty() || !m_file) {
+        m_message = "cannot open \"" + path + "\": " + (why.empty() ? systemError() : why);
         return false;
     }
     std::uint8_t header[header_size];
@@ -155,10 +153,15 @@ bool RecordingWriter::open(const std::string& path, RecordingFormat format,
     close();
     m_path = path;
     m_format = format;
-    m_size = m_last_time_ns = 0;
+    m_size = m_last_time_ns = m_records = m_waiting_records = 0;
     m_waiting.clear();
     m_has_previous = false;
     m_message.clear();
+    const std::string why = program::OutputFile::whyNot(path, program::OutputFile::Kind::growing);
+    if (!why.empty()) {
+        m_message = "cannot write \"" + path + "\": " + why;
+        return false;
+    }
     m_file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     if (m_file < 0) return fail("cannot create");
     const auto version = static_cast<std::uint32_t>(format);
@@ -186,6 +189,7 @@ bool RecordingWriter::append(std::int64_t time_ns, std::span<const std::uint8_t>
         m_previous.assign(datagram.begin(), datagram.end());
         m_has_previous = true;
     }
+    m_waiting_records++;
     return m_waiting.size() < block_size || flush();
 }
 
@@ -237,14 +241,20 @@ bool RecordingWriter::flush() {
             fail("cannot write");
             // Takes back the part of the block that did fit, which may end within a record.
             if (::ftruncate(m_file, kept) != 0) m_message += "; its last record may be cut off";
-            ::close(m_file);
-            m_file = -1;
             m_size = kept;
+            m_waiting.clear();
+            if (m_records == 0) {
+                discard();
+            } else {
+                ::close(m_file);
+                m_file = -1;
+            }
             return false;
         }
         done += static_cast<std::size_t>(n);
     }
     m_waiting.clear();
+    m_records += std::exchange(m_waiting_records, 0);
     return true;
 }
 
@@ -254,6 +264,13 @@ bool RecordingWriter::close() {
     const bool closed = ::close(m_file) == 0;
     m_file = -1;
     return closed || fail("cannot close");
+}
+
+void RecordingWriter::discard() {
+    if (m_file >= 0) ::close(m_file);
+    m_file = -1;
+    m_records = m_waiting_records = 0;
+    program::OutputFile::remove(m_path);
 }
 
 bool RecordingWriter::fail(const char* what) {

@@ -210,7 +210,10 @@ bool cutRecording(const CutOptions& options, CutResult& result, std::string& mes
         if (options.selection.contains(record))
             good = writer.append(record.time_ns - found.first_ns, record.datagram);
     good = good && writer.close();
-    if (!good) message = writer.message();
+    if (!good) {
+        message = writer.message();
+        writer.discard();
+    }
     result = {found.selected, writer.size(), found.warning};
     return good;
 }

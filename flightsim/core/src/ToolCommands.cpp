@@ -11,7 +11,7 @@ namespace {
 
 int runInfo(const std::string& path) {
     std::string warning, message;
-    const bool good = printInfo(path, stdout, warning, message);
+    const bool good = printInfo(path, stdout, warning, message) && endOutput(message);
     printWarning("info", warning);
     return good ? 0 : printFailure("info", message);
 }

@@ -59,14 +59,15 @@ TEST(Feedback, CsvKeepsEveryDigit) {
     std::string message;
     ASSERT_TRUE(csv.open(file.path, message)) << message;
     csv.write(0.25, 7, *monitor.take(feedback(8, 19.712466011399407, 0.1f), 0));
-    ASSERT_TRUE(csv.close());
+    ASSERT_TRUE(csv.close(message)) << message;
     const Bytes bytes = file.read();
     const std::string text(bytes.begin(), bytes.end());
     EXPECT_EQ(text.substr(text.find('\n') + 1),
               "0.250000,7,8,19.712466011399407,-155.0625,0.1,40.5,1.25,-2.5,41.5,1.25,-2.5,42.5,"
               "1.25,-2.5\n");
     ASSERT_TRUE(csv.open("/dev/full", message));
-    EXPECT_FALSE(csv.close()) << "a full disk shows at the end";
+    EXPECT_FALSE(csv.close(message)) << "a full disk shows at the end";
+    EXPECT_EQ(message, "cannot write \"/dev/full\": No space left on device");
 }
 
 } // namespace

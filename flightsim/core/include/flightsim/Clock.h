@@ -21,8 +21,8 @@ void sleepUntil(std::int64_t due_ns);
 /// Set by the operator's interrupt; everything that waits looks at it several times a second.
 using StopFlag = std::atomic<bool>;
 
-/// Makes SIGINT and SIGTERM set the flag that it returns, so that files and tables end in order. A
-/// second signal ends the program at once.
+/// Makes SIGINT, SIGTERM and SIGHUP set the flag that it returns, so that files and tables end in
+/// order (`program::onStopSignal`).
 const StopFlag& stopOnSignals();
 
 } // namespace flightsim

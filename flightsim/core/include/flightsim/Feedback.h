@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "common/program/OutputFile.h"
 #include "common/wire/UdpSendData.h"
 
 #include <cstdint>
-#include <cstdio>
 #include <optional>
 #include <span>
 #include <string>
@@ -56,23 +56,19 @@ private:
     std::int64_t m_received = 0;
 };
 
-/// Feedback datagrams in full precision, one line each, for spreadsheets and plots.
+/// Feedback datagrams in full precision, one line each, for spreadsheets and plots. The file is
+/// complete or removed.
 class FeedbackCsv {
 public:
-    FeedbackCsv() = default;
-    FeedbackCsv(const FeedbackCsv&) = delete;
-    FeedbackCsv& operator=(const FeedbackCsv&) = delete;
-    ~FeedbackCsv() { close(); }
-
     /// Creates or empties a file and writes the heading. False with `message` when it can't.
     bool open(const std::string& path, std::string& message);
     /// Adds a line; skipped when no file is open. `time_s`: arrival, seconds since the start.
     void write(double time_s, std::int64_t sent, const UdpSendData& feedback);
-    /// False when some line could not be written. Nothing open counts as written.
-    bool close();
+    /// False with `message` when some line could not be written. Nothing opened counts as written.
+    bool close(std::string& message);
 
 private:
-    std::FILE* m_file = nullptr;
+    program::OutputFile m_file;
 };
 
 } // namespace flightsim

@@ -42,7 +42,7 @@ public:
     /// may come and go. False, with nothing sent, once `stop` is set.
     bool sendAt(std::int64_t time_ns, std::span<const std::uint8_t> record, const StopFlag& stop);
     /// Takes the feedback that is still on its way, prints the summary and closes the file. False
-    /// with `message` when the file of the feedback is not complete.
+    /// with `message` when the file of the feedback could not be completed and is removed.
     bool finish(std::string& message);
 
     std::int64_t sent() const { return m_sent; }

@@ -38,7 +38,8 @@ public:
     bool open(const RecorderOptions& options, std::string& message);
     int port() const { return m_socket.port(); }
     /// Records until `stop` is set, the time is over or the file has reached its limit. What had
-    /// come in before the end is in the file. False with `message` when it can't be written.
+    /// come in before the end is in the file. False with `message` when it can't be written: what
+    /// came in before that can't be had again, so its whole records stay in the file.
     bool run(const StopFlag& stop, std::string& message);
     const RecorderStats& stats() const { return m_stats; }
 

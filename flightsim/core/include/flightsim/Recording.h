@@ -99,7 +99,8 @@ private:
 };
 
 /// Writes a recording. The file on disk holds whole records at any moment: bytes are handed over in
-/// blocks of whole records, and a block that doesn't fit on the disk is taken back.
+/// blocks of whole records, and a block that doesn't fit on the disk is taken back. A file into
+/// which not even the first block fits is removed.
 class RecordingWriter {
 public:
     RecordingWriter() = default;
@@ -117,7 +118,11 @@ public:
     /// Flushes and closes; the destructor does the same without a result.
     bool close();
 
-    std::int64_t size() const { return m_size; } ///< of the file once flushed, bytes
+    /// Closes and removes the file, for those to whom a part of it is of no use.
+    void discard();
+
+    std::int64_t size() const { return m_size; }       ///< of the file once flushed, bytes
+    std::int64_t records() const { return m_records; } ///< that the file holds
     const std::string& message() const { return m_message; }
 
 private:
@@ -130,6 +135,8 @@ private:
     RecordingFormat m_format = RecordingFormat::whole;
     std::int64_t m_size = 0;
     std::int64_t m_last_time_ns = 0;
+    std::int64_t m_records = 0;           ///< in the file
+    std::int64_t m_waiting_records = 0;   ///< in `m_waiting`
     std::vector<std::uint8_t> m_waiting;  ///< whole records that are not in the file yet
     std::vector<std::uint8_t> m_previous; ///< datagram, for the compact format
     bool m_has_previous = false;

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+/// What a program arranges with the system, in the order of use.
+namespace program {
+
+/// First of all: standard streams that were closed before the start lead to /dev/null from now on.
+/// The next files and sockets would get their numbers, and what is printed would go there.
+void fillStandardStreams();
+
+/// What can't be written, to a pipe without reader or beyond the size that files may have, fails
+/// where it is written, and is reported there, instead of ending the program with a signal.
+void letWritesFail();
+
+/// From now on the first SIGINT, SIGTERM or SIGHUP calls `stop`, which is to let the program end in
+/// order and may do only what a signal handler may. A second SIGINT or SIGTERM ends the program at
+/// once; within half a second of the first it doesn't count, because a supervisor, or a terminal
+/// and a shell, often send the same request twice. Until this is called signals end the program.
+void onStopSignal(void (*stop)());
+
+} // namespace program
