@@ -82,6 +82,7 @@ bool Channel::open() {
     }
     m_environment.attach(m_world);
     m_interface.open(m_logic);
+    m_interface.getOverlays().watch(&m_link);
     m_interface.getOverlays().showHelp(m_options.show_help);
     m_interface.getOverlays().showStatistics(m_options.statistics);
     if (m_listener.m_helicopter) m_last_position = m_listener.m_helicopter->getWorldPosition();
@@ -181,7 +182,7 @@ void Channel::run() {
         if (m_close_requested) askToQuit();
     m_screenshots.afterLast(*m_renderer);
     m_video.close();
-    m_status.printSummary(m_listener);
+    m_status.printSummary(m_listener, m_link);
     for (const PassTime& pass : m_renderer->getPassTimes())
         std::printf("  %-12s %7.2f ms\n", pass.name, pass.milliseconds);
 }
@@ -207,7 +208,7 @@ bool Channel::runFrame() {
     m_last_records = m_listener.m_records;
     m_trace.write(begin, m_listener);
     m_status.addFrame(dt, work);
-    m_status.print(m_listener, m_environment.describe());
+    m_status.print(m_listener, m_link, m_environment.describe());
     m_scene_time += static_cast<double>(dt);
     m_frames++;
     return true;
@@ -243,6 +244,7 @@ FrameCosts Channel::frame(float dt) {
     };
     Engine::get()->beginFrame(dt);
     m_logic->update(dt);
+    m_link.update(LinkSample::read(), steadyNow());
     levelAfterJump();
     m_environment.update(dt, getEye(), m_control);
     costs.update = spent();

@@ -13,6 +13,7 @@
 #include "Trace.h"
 #include "Video.h"
 #include "Window.h"
+#include "host/interface/LinkMonitor.h"
 #include "host/interface/OperatorInterface.h"
 #include "ig/app/ControlApp.h"
 #include "ig/app/IApp.h"
@@ -98,6 +99,7 @@ private:
     Library m_library;
     LogicBase* m_logic = nullptr; ///< owned
     LogicListener m_listener;
+    LinkMonitor m_link; ///< looks at the logic's sockets
     Status m_status;
     Environment m_environment;
     Screenshots m_screenshots;

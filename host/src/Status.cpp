@@ -2,7 +2,7 @@
 #include "Status.h"
 
 #include "LogicListener.h"
-#include "host/interface/LinkState.h"
+#include "host/interface/LinkMonitor.h"
 #include "ig/math/EllipsoidModel.h"
 #include "ig/scene/ObjectPrefab.h"
 
@@ -18,17 +18,20 @@ void Status::addFrame(float dt, double work) {
     m_worst = std::max(m_worst, work);
 }
 
-void Status::print(const LogicListener& listener, const std::string& environment) {
+void Status::print(const LogicListener& listener, const LinkMonitor& link,
+                   const std::string& environment) {
     if (m_time - m_last_time < 1) return;
     const double rate = (m_frames - m_last_frames) / (m_time - m_last_time);
     m_last_time = m_time;
     m_last_frames = m_frames;
     if (m_quiet) return;
-    const LinkState link = LinkState::read();
     char age[32] = "none yet";
-    if (link.age() >= 0) std::snprintf(age, sizeof age, "%.0f ms ago", link.age() * 1e3);
+    if (link.getAge() >= 0) std::snprintf(age, sizeof age, "%.0f ms ago", link.getAge() * 1e3);
     std::printf("%7.1f s %6.1f fps | records %llu received, %d applied, last %s", m_time, rate,
-                static_cast<unsigned long long>(link.received), listener.m_records, age);
+                static_cast<unsigned long long>(link.getReceived().datagrams_received),
+                listener.m_records, age);
+    const std::string wrong = link.getStatus();
+    if (!wrong.empty()) std::printf(" | link: %s", wrong.c_str());
     if (const Node* helicopter = listener.m_helicopter) {
         const dvec3 geodetic = EllipsoidModel().toWGS(helicopter->getWorldPosition());
         const dvec3 hpr = helicopter->getWgsHPR();
@@ -36,21 +39,13 @@ void Status::print(const LogicListener& listener, const std::string& environment
                     geodetic.y, geodetic.z, hpr.x, hpr.y, hpr.z);
     }
     std::printf(" | %s | feedback %llu sent\n", environment.c_str(),
-                static_cast<unsigned long long>(link.sent));
+                static_cast<unsigned long long>(link.getSent().datagrams_sent));
     std::fflush(stdout);
 }
 
-void Status::printSummary(const LogicListener& listener) const {
-    const LinkState link = LinkState::read();
-    std::printf("%d frames in %.2f s of scene time; work per frame %.3f ms mean, %.3f ms worst\n"
-                "records: %llu received, %d applied, %llu cut, %llu from others, %llu empty; "
-                "%d resets\nfeedback: %llu sent, %llu failed\n",
+void Status::printSummary(const LogicListener& listener, const LinkMonitor& link) const {
+    std::printf("%d frames in %.2f s of scene time; work per frame %.3f ms mean, %.3f ms worst\n%s",
                 m_frames, m_time, m_frames ? m_work / m_frames * 1e3 : 0.0, m_worst * 1e3,
-                static_cast<unsigned long long>(link.received), listener.m_records,
-                static_cast<unsigned long long>(link.truncated),
-                static_cast<unsigned long long>(link.filtered),
-                static_cast<unsigned long long>(link.empty), listener.m_resets,
-                static_cast<unsigned long long>(link.sent),
-                static_cast<unsigned long long>(link.failed));
+                link.getSummary(listener.m_records, listener.m_resets).c_str());
     std::fflush(stdout);
 }

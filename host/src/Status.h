@@ -3,11 +3,7 @@
 
 #include <string>
 
-namespace ig {
-class Node;
-class SocketUDP;
-} // namespace ig
-
+class LinkMonitor;
 class LogicListener;
 
 /// The status line that an operator reads once a second, and the summary at the end.
@@ -18,8 +14,9 @@ public:
     void addFrame(float dt, double work);
     /// Prints the line when a second of scene time has passed since the last one.
     /// `environment` says what weather, sea and hour are.
-    void print(const LogicListener& listener, const std::string& environment);
-    void printSummary(const LogicListener& listener) const;
+    void print(const LogicListener& listener, const LinkMonitor& link,
+               const std::string& environment);
+    void printSummary(const LogicListener& listener, const LinkMonitor& link) const;
 
 private:
     bool m_quiet = false;

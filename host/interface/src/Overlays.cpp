@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "host/interface/Overlays.h"
 
-#include "host/interface/LinkState.h"
+#include "host/interface/LinkMonitor.h"
 #include "host/interface/Texts.h"
 #include "ig/ui/KeyCode.h"
 #include "ig/ui/UILabel.h"
@@ -18,6 +18,7 @@ namespace {
 constexpr double REFRESH = 0.5; ///< s between two texts of the statistics
 constexpr int MARGIN = 8;       ///< of the statistics from the corner
 constexpr int HELP_FONT = 15;   ///< of the key map, where the picture is large enough
+constexpr int LINK_FONT = 14;   ///< of what is wrong with the link, likewise
 constexpr int SMALLEST_FONT = 5;
 
 const vec4 FACE(0.05f, 0.07f, 0.10f, 0.86f);
@@ -88,7 +89,12 @@ void Overlays::open(UIRoot* root) {
     m_label = new UILabel(root, "");
     m_label->setAlignFree(true);
     m_label->setBackgroundColor(FACE);
-    for (UIElement* element : {static_cast<UIElement*>(m_label), static_cast<UIElement*>(m_help)}) {
+    m_link_label = new UILabel(root, "");
+    m_link_label->setAlignFree(true);
+    m_link_label->setBackgroundColor(FACE);
+    m_link_label->setColor(KEY_COLOR);
+    for (UIElement* element : {static_cast<UIElement*>(m_link_label),
+                               static_cast<UIElement*>(m_label), static_cast<UIElement*>(m_help)}) {
         element->setHidden(true);
         root->addChild(element);
     }
@@ -142,6 +148,24 @@ void Overlays::place() {
     const int y = (m_root->getHeight() - m_help->getHeight()) / 2;
     m_help->setPosition(std::max(x, 0), std::max(y, 0));
     m_label->setPosition(m_root->pixels(MARGIN), m_root->pixels(MARGIN));
+    placeLink();
+}
+
+/// In the middle of the upper edge, below the statistics where these are in the way, in a font in
+/// which the picture is wide enough.
+void Overlays::placeLink() {
+    const std::string text = m_link ? m_link->getPictureText() : "";
+    m_link_label->setHidden(text.empty());
+    if (text.empty()) return;
+    m_link_label->setText(text);
+    const int margin = m_root->pixels(MARGIN), width = m_root->getWidth();
+    for (int font = LINK_FONT; font >= SMALLEST_FONT; font--) {
+        m_link_label->setFontSize(font);
+        if (m_link_label->getWidth() + 2 * margin <= width) break;
+    }
+    const int x = std::max((width - m_link_label->getWidth()) / 2, 0);
+    const bool beside = m_label->isHidden() || x >= 2 * margin + m_label->getWidth();
+    m_link_label->setPosition(x, beside ? margin : 2 * margin + m_label->getHeight());
 }
 
 void Overlays::write() {
@@ -155,10 +179,10 @@ void Overlays::write() {
     const auto share = [&](int bucket) {
         return decimal(100.0 * s.frames_with[bucket] / s.frames, 0);
     };
-    const LinkState link = LinkState::read();
-    const std::string age = link.age() < 0
+    const double seconds = m_link ? m_link->getAge() : -1;
+    const std::string age = seconds < 0
                                 ? Texts::get("statistics.no_record")
-                                : Texts::fill("statistics.age", {decimal(link.age() * 1e3, 0)});
+                                : Texts::fill("statistics.age", {decimal(seconds * 1e3, 0)});
     const std::string lines[] = {
         Texts::fill("statistics.frames", {decimal(rate, 1), milliseconds(s.time)}),
         Texts::fill("statistics.costs",
@@ -166,9 +190,14 @@ void Overlays::write() {
                      milliseconds(s.costs.interface), milliseconds(s.costs.draw)}),
         Texts::fill("statistics.records", {decimal(s.time > 0 ? s.records / s.time : 0, 1), age}),
         Texts::fill("statistics.per_frame", {share(0), share(1), share(2), share(3)}),
-        Texts::fill("statistics.feedback", {std::to_string(link.sent)})};
+    };
     std::string text;
     for (const std::string& line : lines)
         text += (text.empty() ? "" : "\n") + line;
+    if (m_link) {
+        const std::uint64_t sent = m_link->getSent().datagrams_sent;
+        text += '\n' + Texts::fill("statistics.feedback", {std::to_string(sent)});
+        text += '\n' + m_link->getStatistics();
+    }
     m_label->setText(jString(text));
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "host/interface/OperatorInterface.h"
 #include "common/logic/LogicBase.h"
+#include "host/interface/LinkMonitor.h"
 #include "host/interface/Texts.h"
 #include "ig/app/ControlApp.h"
 #include "ig/ui/KeyCode.h"
@@ -66,6 +67,7 @@ struct OperatorInterfaceTest : testing::Test {
             channel.getOverlays().addFrame(1 / 64.0f, {0.001, 0.002, 0.0001, 0.008}, records);
     }
 
+    LinkMonitor link;
     Recorder logic;
     ControlApp control;
     OperatorInterface channel{nullptr, &control};
@@ -153,6 +155,38 @@ TEST_F(OperatorInterfaceTest, StatisticsStepThroughTheirFormsAndCountOverHalfASe
     EXPECT_TRUE(shows("records 88.0/s, the last none yet")); // 44 in half a second
     stroke(KEY_F11);
     EXPECT_FALSE(shows("frames/s"));
+}
+
+TEST_F(OperatorInterfaceTest, WhatIsWrongWithTheLinkStandsOverThePictureInsideIt) {
+    EXPECT_FALSE(shows("10004"));
+    channel.getOverlays().watch(&link);
+    LinkSample sample;
+    sample.listening = true;
+    sample.port = 10004;
+    sample.out.refused_destination = "a host's name that fills half a window if not all of it";
+    link.update(sample, 0);
+    channel.getOverlays().showStatistics(Overlays::Statistics::full);
+    frames(33, 0);
+    for (const auto& [width, height] : {std::pair(1280, 720), {320, 200}, {240, 900}}) {
+        channel.resize(width, height);
+        EXPECT_TRUE(shows("no host yet on port 10004"));
+        EXPECT_TRUE(shows("lost 0, short 0, long 0, implausible 0, from others 0"));
+        const UiDrawList& list = *channel.draw();
+        float statistics_end = 0, top = 0;
+        for (const UiDrawList::Command& command : list.commands()) {
+            const std::string_view text = list.text(command);
+            if (text.find("lost 0") != std::string_view::npos) statistics_end = command.y;
+            if (text.find("no feedback") == std::string_view::npos) continue;
+            EXPECT_GE(command.x, 0);
+            EXPECT_LE(command.x + command.w, width);
+            top = command.y;
+        }
+        EXPECT_TRUE(width == 1280 || top > statistics_end);
+    }
+    sample.in.datagrams_received = 1;
+    sample.out = {};
+    link.update(sample, 0);
+    EXPECT_FALSE(shows("10004"));
 }
 
 } // namespace

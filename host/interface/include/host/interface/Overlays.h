@@ -5,6 +5,8 @@
 
 #include <string>
 
+class LinkMonitor;
+
 namespace ig {
 class UILabel;
 }
@@ -25,6 +27,9 @@ public:
 
     /// Adds the overlays, hidden, to the user interface, which owns them.
     void open(ig::UIRoot* root);
+    /// Shows how that link is doing: a line over the picture while something is wrong with it, and
+    /// more in the statistics. It must outlive the overlays.
+    void watch(const LinkMonitor* link) { m_link = link; }
     /// F12 or h shows and hides the key map, F11 steps through the statistics. Others are left
     /// alone.
     void onKey(int key);
@@ -33,7 +38,8 @@ public:
     /// After every frame: its duration, what it cost, and the records that were applied in it.
     /// Twice a second the statistics are written anew.
     void addFrame(float dt, const FrameCosts& costs, int records);
-    /// Keeps the key map in the middle of the picture, all of it; before the layout.
+    /// Keeps the key map in the middle of the picture, all of it, and the link's line at its upper
+    /// edge; before the layout.
     void place();
 
 private:
@@ -48,12 +54,15 @@ private:
     };
     void write();
     void fitHelp();
+    void placeLink();
 
     ig::UIRoot* m_root = nullptr;
     ig::UIHLayout* m_help = nullptr; ///< the root's, as the label
     ig::UILabel* m_help_columns[2] = {};
     int m_fitted[3] = {}; ///< width, height and text revision that the key map was fitted to
     ig::UILabel* m_label = nullptr;
+    ig::UILabel* m_link_label = nullptr;
+    const LinkMonitor* m_link = nullptr;
     Statistics m_statistics = Statistics::off;
     Sums m_sums;
 };
