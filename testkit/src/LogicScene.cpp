@@ -96,6 +96,7 @@ bool LogicScene::start() {
                             dmat4(dquat(dvec3(1, 0, 0), 90), dvec3()));
     camera.setPerspective(50, 16.0f / 9, 0.1, 1e7);
     camera_control.setCamera(&camera);
+    if (before_init) before_init(*logic);
     return logic->init();
 }
 

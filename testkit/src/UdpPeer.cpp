@@ -20,8 +20,9 @@ sockaddr_in loopback(int port) {
 
 } // namespace
 
-UdpPeer::UdpPeer() : m_descriptor(socket(AF_INET, SOCK_DGRAM, 0)) {
+UdpPeer::UdpPeer(const char* own) : m_descriptor(socket(AF_INET, SOCK_DGRAM, 0)) {
     sockaddr_in address = loopback(0);
+    inet_pton(AF_INET, own, &address.sin_addr);
     socklen_t length = sizeof address;
     if (m_descriptor < 0 ||
         bind(m_descriptor, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 ||

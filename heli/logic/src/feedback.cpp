@@ -21,6 +21,7 @@ void fillWheel(const Node* root, const jString& name, UdpWheelAttitude& wheel) {
     if (!node) return;
     const dvec3 hpr = node->getWgsHPR();
     wheel.h = static_cast<float>(hpr.x);
+    if (wheel.h >= 360) wheel.h = 0; // what narrowing has rounded up
     wheel.p = static_cast<float>(hpr.y);
     wheel.r = static_cast<float>(hpr.z);
 }

@@ -200,8 +200,12 @@ TEST_F(CableTest, WinchFollowsTheHostsRecords) {
     record.command = 6;
     record.hang_enable = 1;
     scene.tell(record);
-    EXPECT_NE(winch().prefab, nullptr);
+    ASSERT_NE(winch().prefab, nullptr);
     EXPECT_NEAR(scene.helicopterWgs().z, 100, 1e-6);
+    // And the pose before the winch, whose load hangs where the helicopter is by then.
+    EXPECT_LT(length(winch().prefab->getWorldPosition() -
+                     scene.helicopterNode("winch")->getWorldPosition()),
+              1);
 }
 
 TEST_F(CableTest, LoadHangsSmoothlyBelowAHelicopterThatAHostFliesAtSixtyMetresPerSecond) {

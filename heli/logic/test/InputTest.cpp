@@ -83,4 +83,11 @@ TEST_F(InputTest, ReturnLevelsTheCameraAndComesBeforeTheSonarsKeys) {
     EXPECT_GT(sonarLength(), start + 1);
 }
 
+TEST_F(InputTest, GSwitchesTheProjectorOnAndOff) {
+    for (const bool on : {true, false, true}) {
+        scene.logic->onKeyRelease({'g'}, nullptr);
+        EXPECT_EQ(scene.helicopterNode("front_proj")->isEnabled(), on);
+    }
+}
+
 } // namespace

@@ -206,8 +206,26 @@ TEST_F(LinkTest, FeedbackTellsThePointBelowAndTheWheelsByteByByte) {
     for (std::size_t offset : {36u, 52u, 68u})
         EXPECT_EQ(at(offset, std::int32_t()), 0);
     EXPECT_EQ(bytes.substr(72), std::string(36, '\0'));
+    record.altitude = 90000; // looks 100 km deep
+    record.heading = -1e-6f; // 359.999999, which is 360 in single precision
+    scene.tell(record);
+    const UdpSendData feedback = *scene.feedback();
+    EXPECT_EQ(feedback.frame, 3);
+    EXPECT_NEAR(feedback.height_above_ground, 89990, 0.01);
+    EXPECT_EQ(feedback.wheel_right.h, 0);
+}
+
+TEST(Feedback, GoesToTheConfiguredAddress) {
+    LogicScene scene;
+    const UdpPeer host("127.0.0.2");
+    scene.folder.write("config/Logic_Nerith_Heli_Final.cfg",
+                       "flightSimulation_ip: 127.0.0.2\nrecv_from_flightSimulation_port: " +
+                           std::to_string(scene.receive_port) +
+                           "\nsend_to_flightSimulation_port: " + std::to_string(host.port()) +
+                           "\n");
+    ASSERT_TRUE(scene.start());
     scene.frame();
-    EXPECT_EQ(scene.feedback()->frame, 3);
+    EXPECT_EQ(host.receive().size(), 108u);
 }
 
 TEST(Feedback, NothingBelowAndAMissingWheelLeaveTheirBytesZero) {

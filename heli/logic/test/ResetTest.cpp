@@ -36,6 +36,7 @@ TEST(Reset, RemovesWhatIsDeployedInItsOrderAndLeavesMissilesAndWinch) {
     scene.logic->reset();
     EXPECT_EQ(signals.removed, expected);
     EXPECT_EQ(signals.codes, (std::vector<int>{25, 26}));
+    EXPECT_EQ(signals.removed_before_code, (std::vector<std::size_t>{1, 1})); // the explosion's
     EXPECT_TRUE(scene.logic->m_torpedo_infos.empty() && scene.logic->m_decoys.empty() &&
                 scene.logic->m_thrown_sonars.empty());
     EXPECT_EQ(scene.logic->m_sonar_info->prefab, nullptr);

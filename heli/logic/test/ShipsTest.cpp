@@ -12,19 +12,22 @@
 #include "testkit/LogicScene.h"
 
 #include <gtest/gtest.h>
+#include <vector>
 
 namespace {
 
 using namespace ig;
 
-/// A ship of 40 m × 10 m × 4 m that floats at an immersion of 0.4, with a wake and one flag.
-std::string shipPrefab(const std::string& flag) {
+/// A ship of 40 m × 10 m × 4 m that floats at an immersion of 0.4, with a wake and two flags.
+std::string shipPrefab(const std::string& flag, const std::string& second = "other") {
     return R"(node:
   name: ship
   body: {mass: 25600, shapes: [{type: box, size: [10, 40, 4], position: [0, 0, -0.9]}]}
   children:
   - {name: )" +
            flag + R"(, position: [0, -20, 5]}
+  - {name: )" +
+           second + R"(, position: [0, -20, 7]}
   - name: wakes
     children:
     - {name: foam, type: decal, children: [{name: stern, type: particles, life: 1, rate: 5}]}
@@ -33,7 +36,7 @@ std::string shipPrefab(const std::string& flag) {
 
 struct ShipsTest : testing::Test {
     ShipsTest() {
-        scene.folder.write("first.prefab", shipPrefab("qizi1"));
+        scene.folder.write("first.prefab", shipPrefab("qizi1", "qizi2"));
         scene.folder.write("second.prefab", shipPrefab("qizhi"));
         scene.addToWorld("name: ocean, type: ocean, beaufort: 0");
     }
@@ -66,11 +69,13 @@ TEST_F(ShipsTest, StartUpFindsThemAndTheySteamAheadWithWakesAndFlags) {
     EXPECT_EQ(logic.m_ship1->getThrust(), 700);
     EXPECT_EQ(logic.m_ship2->getThrust(), 300);
     EXPECT_EQ(logic.m_flag_qizi1->m_node, prefabOf(logic.m_ship1).getNodeByName("qizi1"));
-    EXPECT_EQ(logic.m_flag_qizi2->m_node, nullptr); // this ship has none
+    EXPECT_EQ(logic.m_flag_qizi2->m_node, prefabOf(logic.m_ship1).getNodeByName("qizi2"));
     EXPECT_EQ(logic.m_flag_qizhi->m_node, prefabOf(logic.m_ship2).getNodeByName("qizhi"));
     run(2);
-    for (const FlagOper* flag : {logic.m_flag_qizi1, logic.m_flag_qizhi})
+    for (const FlagOper* flag : {logic.m_flag_qizi1, logic.m_flag_qizi2, logic.m_flag_qizhi}) {
         EXPECT_NEAR(flag->m_phase, 6, 1e-3); // 3 degrees per second
+        EXPECT_EQ(flag->m_amplitude, 10);
+    }
     run(28);
     for (const Ship* ship : {logic.m_ship1, logic.m_ship2}) {
         const ObjectPrefab& prefab = prefabOf(ship);
@@ -86,17 +91,17 @@ TEST_F(ShipsTest, StartUpFindsThemAndTheySteamAheadWithWakesAndFlags) {
 
 TEST_F(ShipsTest, ResetPutsThemBackAtRest) {
     startWithBoth();
-    const std::pair<const Ship*, const dmat4*> both[] = {
-        {scene.logic->m_ship1, &scene.logic->m_ship1_start},
-        {scene.logic->m_ship2, &scene.logic->m_ship2_start}};
+    std::vector<std::pair<const Ship*, dmat4>> both;
+    for (const Ship* ship : {scene.logic->m_ship1, scene.logic->m_ship2})
+        both.emplace_back(ship, ship->getObject()->getWorldTransform());
     run(10);
     scene.logic->reset();
     for (const auto& [ship, start] : both) {
         const Object& object = *ship->getObject();
         const BodyRigid& body = *object.getBodyRigid();
-        EXPECT_LT(length(object.getWorldPosition() - start->getTranslate()), 1e-9);
-        EXPECT_LT(length(object.getWorldTransform().getY() - start->getY()), 1e-12);
-        EXPECT_LT(length(body.getTransform().getTranslate() - start->getTranslate()), 1e-8);
+        EXPECT_LT(length(object.getWorldPosition() - start.getTranslate()), 1e-9);
+        EXPECT_LT(length(object.getWorldTransform().getY() - start.getY()), 1e-12);
+        EXPECT_LT(length(body.getTransform().getTranslate() - start.getTranslate()), 1e-8);
         EXPECT_EQ(ship->getVelocity(), vec3_zero);
         EXPECT_EQ(body.getAngularVelocity(), vec3_zero);
     }

@@ -31,13 +31,17 @@ struct SignalRecorder {
     }
     void onText(ig::Node*, const ig::jString& text) { texts.push_back(text.c_str()); }
 
-    void onCode(int code) { codes.push_back(code); }
+    void onCode(int code) {
+        codes.push_back(code);
+        removed_before_code.push_back(removed.size());
+    }
 
     std::vector<Effect> effects;
     std::vector<ig::Node*> removed, added;
     std::vector<bool> added_flags;
     std::vector<std::string> texts;
     std::vector<int> codes;
+    std::vector<std::size_t> removed_before_code;
 };
 
 /// The project's own scene, the helicopter over the open sea.

@@ -97,32 +97,33 @@ TEST(Startup, AnnouncesInOrderAndPreloadsEveryPathOnceEvenWhenFilesAreMissing) {
     LogicScene scene;
     scene.folder.write("data/PELMAR_PROJECT/ANIM/light.anim",
                        "channels: [{node: start_heli, keys: [[0, 1]]}]\n");
-    scene.folder.write("w.world", "nodes: [{name: start_heli, wgs: [1, 2, 3]}]\n");
-    scene.world.emplace();
-    scene.world->load("w.world");
-    Engine::get()->setApp(&scene);
-    scene.logic =
-        static_cast<Logic_Nerith_Heli_Final*>(CreateLogic(&*scene.world, &scene.camera_control));
+    std::string model = LogicScene::helicopterPrefab();
+    model.replace(model.find("{name: windows}"), 15,
+                  "{name: windows, type: mesh, mesh: square.obj, intersect: false}");
+    scene.folder.write(LogicScene::HELICOPTER, model);
     std::vector<std::string> heard;
-    const auto listen = [&](auto& list, auto describe) {
-        list.append(
-            {&heard, [&heard, describe](auto... told) { heard.push_back(describe(told...)); }});
+    scene.before_init = [&](Logic_Nerith_Heli_Final& logic) {
+        const auto listen = [&](auto& list, auto describe) {
+            list.append(
+                {&heard, [&heard, describe](auto... told) { heard.push_back(describe(told...)); }});
+        };
+        listen(logic.m_sig_prefab_added, [](ObjectPrefab* prefab, bool flag) {
+            return "prefab " + std::string(prefab->getRoot()->getName()) + (flag ? "!" : "");
+        });
+        listen(logic.m_sig_object, [](Object* object, int value) {
+            return "object " + std::string(object->getName()) + std::to_string(value);
+        });
+        listen(logic.m_sig_preload, [](const jString& path) { return path.c_str(); });
+        listen(logic.m_sig_track_loaded, [](Track*) { return "track"; });
     };
-    listen(scene.logic->m_sig_prefab_added, [](ObjectPrefab* prefab, bool flag) {
-        return "prefab " + std::string(prefab->getRoot()->getName()) + (flag ? "!" : "");
-    });
-    listen(scene.logic->m_sig_object, [](Object* object, int value) {
-        return "object " + std::string(object->getName()) + std::to_string(value);
-    });
-    listen(scene.logic->m_sig_preload, [](const jString& path) { return path.c_str(); });
-    listen(scene.logic->m_sig_track_loaded, [](Track*) { return "track"; });
-    ASSERT_TRUE(scene.logic->init());
+    ASSERT_TRUE(scene.start());
     const std::vector<std::string> expected = {
         "object tail_light0",
         "prefab helicopter!",
         "object downwash_spe0",
-        "object glass_top_left0", // "windows" is no object here
-        "track",                  // of the three only light.anim exists
+        "object glass_top_left0",
+        "object windows0",
+        "track", // of the three only light.anim exists
         "data/PELMAR_PROJECT/prefabs/yulei_CORAXF/yulei.prefab",
         "data/art/prefab/vfx/explosion/explosion.prefab",
         "data/art/prefab/vfx/explosion_1/explosion_1.prefab",
@@ -143,6 +144,16 @@ TEST(Startup, AnnouncesInOrderAndPreloadsEveryPathOnceEvenWhenFilesAreMissing) {
     };
     EXPECT_EQ(failed("data/PELMAR_PROJECT/ANIM/runway_ssr.anim"), 1);
     EXPECT_EQ(failed("data/PELMAR_PROJECT/ANIM/light.anim"), 0);
+}
+
+TEST(Startup, GlassThatIsNoObjectIsNotAnnounced) {
+    LogicScene scene;
+    int announced = 0;
+    scene.before_init = [&](Logic_Nerith_Heli_Final& logic) {
+        logic.m_sig_object.append({&announced, [&](Object*, int) { announced++; }});
+    };
+    ASSERT_TRUE(scene.start());
+    EXPECT_EQ(announced, 3); // tail light, downwash, the glass at the top left
 }
 
 TEST(Startup, ConsoleShowsPortAndAddressAlsoOfAPortInUse) {

@@ -18,6 +18,7 @@
 #include "testkit/TempFolder.h"
 #include "testkit/UdpPeer.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -102,6 +103,8 @@ public:
     ig::CameraControl camera_control{&camera};
     Logic_Nerith_Heli_Final* logic = nullptr;
     std::vector<ig::Node*> extra_nodes; ///< given to the world at the start
+    /// Called before the logic's `init`, to connect to what that announces.
+    std::function<void(Logic_Nerith_Heli_Final&)> before_init;
 
 private:
     std::string m_world_file;

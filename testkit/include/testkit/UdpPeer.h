@@ -5,10 +5,10 @@
 #include <string>
 
 /// The other end of the link, made of bare system calls so that tests don't check our socket with
-/// itself. Bound to a free port of the loopback address.
+/// itself. Bound to a free port of a loopback address.
 class UdpPeer {
 public:
-    UdpPeer();
+    explicit UdpPeer(const char* address = "127.0.0.1");
     ~UdpPeer();
     UdpPeer(const UdpPeer&) = delete;
 
