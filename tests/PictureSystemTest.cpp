@@ -71,10 +71,9 @@ TEST(Pictures, AWindowOnADisplay) {
 
 TEST(Pictures, TheNullRendererRunsTheWholeChannel) {
     ChannelRun run;
-    run.start("--null --step 0.1 --fps 0 --frames 20 --screenshot none.png");
+    run.start("--null --step 0.1 --fps 0 --frames 20");
     EXPECT_EQ(run.program->finish(&run.output), 0) << run.output;
     EXPECT_NE(run.output.find("20 frames"), std::string::npos);
-    EXPECT_FALSE(std::filesystem::exists(run.folder.path() / "none.png"));
 }
 
 /// An environment variable for the programs that a test starts.
@@ -130,15 +129,6 @@ TEST(Pictures, AVideoOfTheFramesGoesToFfmpeg) {
         GTEST_SKIP() << "no OpenGL without a display here";
     const auto bytes = std::filesystem::file_size(run.folder.path() / "pictures");
     EXPECT_NEAR(static_cast<double>(bytes), 31.0 * 160 * 90 * 3, 160 * 90 * 3.0) << run.output;
-}
-
-TEST(Pictures, WrongOptionsAreExplained) {
-    std::string output;
-    for (const char* options : {"--size 12", "--size 1x1", "--scale 3", "--time 25",
-                                "--weather sunny", "--headless --window", "--eye 1 2"}) {
-        EXPECT_EQ(Program(CHANNEL, options).finish(&output), 2) << options;
-        EXPECT_NE(output.find("--"), std::string::npos) << options;
-    }
 }
 
 } // namespace

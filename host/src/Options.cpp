@@ -1,9 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "Options.h"
 
-#include <CLI/CLI.hpp>
+#include "OptionRules.h"
+#include "OptionValues.h"
+#include "Settings.h"
+#include "ig/base/jLog.h"
+
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
+
+using namespace option_values;
+using ig::jLog;
 
 namespace {
 
@@ -23,15 +31,17 @@ void addInterfaceOptions(CLI::App& app, Options& options) {
                    "Do the timed operator commands in this file (docs/operator.md)");
     app.add_option("--language", options.language,
                    "Of boxes, key map and statistics: zh or en (config/texts.*.yaml)")
-        ->check(CLI::IsMember({"zh", "en"}));
+        ->check(word({"zh", "en"}));
     app.add_flag("--no-ui", options.no_interface, "Pictures without panels and texts");
     app.add_flag("--help-overlay", options.show_help, "Begin with the key map over the picture");
-    app.add_option("--statistics", options.statistics,
-                   "In the picture: off, rate or full; F11 steps through them")
-        ->transform(CLI::CheckedTransformer(
-            std::map<std::string, Overlays::Statistics>{{"off", Overlays::Statistics::off},
-                                                        {"rate", Overlays::Statistics::rate},
-                                                        {"full", Overlays::Statistics::full}}))
+    static const std::vector<std::string> FORMS = {"off", "rate", "full"};
+    app.add_option_function<std::string>(
+           "--statistics",
+           [&options](const std::string& form) {
+               options.statistics = static_cast<Overlays::Statistics>(indexOf(form, FORMS));
+           },
+           "In the picture: off, rate or full; F11 steps through them")
+        ->check(word(FORMS))
         ->default_str("off");
 }
 
@@ -39,21 +49,26 @@ void addPictureOptions(CLI::App& app, Options& options) {
     app.add_option("--renderer", options.renderer,
                    "gl: pictures or nothing; null: no pictures; auto: pictures where the machine "
                    "can draw them")
-        ->check(CLI::IsMember({"auto", "gl", "null"}));
+        ->check(word({"auto", "gl", "null"}));
     app.add_flag_function(
         "--null", [&options](std::int64_t) { options.renderer = "null"; }, "--renderer null");
-    auto* headless = app.add_flag("--headless", options.headless, "No window");
-    app.add_flag("--window", options.window, "A window or nothing")->excludes(headless);
-    app.add_option("--scale", options.scale,
-                   "Rendered pixels per pixel of the picture, 0.25 to 1, or auto: as many as "
-                   "20 frames a second allow")
-        ->transform([](const std::string& text) { return text == "auto" ? "0" : text; })
-        ->check(CLI::Range(0.25, 1.0) | CLI::IsMember({"0"}));
+    app.add_flag("--headless", options.headless, "No window");
+    app.add_flag("--window", options.window, "A window or nothing");
+    app.add_option_function<std::string>(
+           "--scale",
+           [&options](const std::string& text) {
+               options.scale = 0;
+               read(text, options.scale);
+           },
+           "Rendered pixels per pixel of the picture, 0.25 to 1, or auto: as many as "
+           "20 frames a second allow")
+        ->check(number({0.25, 1, false, "", "auto"}))
+        ->default_str("1");
     app.add_option("--screenshot", options.screenshot, "Write the last frame to this PNG file");
     app.add_option("--screenshot-every", options.screenshot_every,
                    "Write a picture each time so many seconds of scene time have passed, numbered "
                    "after the name of --screenshot")
-        ->check(CLI::NonNegativeNumber);
+        ->check(number({}));
     app.add_option("--contact-sheet", options.contact_sheet,
                    "Write small copies of the numbered pictures, side by side, to this PNG file");
     app.add_option("--video", options.video,
@@ -62,7 +77,12 @@ void addPictureOptions(CLI::App& app, Options& options) {
     app.add_option("--eye", options.eye,
                    "Look from a fixed place: LONGITUDE LATITUDE ALTITUDE HEADING PITCH (down is "
                    "negative)")
-        ->expected(5);
+        ->expected(5)
+        ->check(number({-180, 180, false, "LONGITUDE"}).application_index(0))
+        ->check(number({-90, 90, false, "LATITUDE (the second)"}).application_index(1))
+        ->check(number({-12000, 1e7, false, "ALTITUDE"}).application_index(2))
+        ->check(number({-360, 360, false, "HEADING"}).application_index(3))
+        ->check(number({-90, 90, false, "PITCH"}).application_index(4));
     app.add_flag("--profile", options.profile, "Tell milliseconds per pass in the summary");
 }
 
@@ -74,22 +94,23 @@ void addWeatherOptions(CLI::App& app, Options& options) {
         return app.add_option(name, value, text)->group(group);
     };
     add("--time-of-day,--time", options.time_of_day, "Local solar time at the start, hours")
-        ->check(CLI::Range(0.0, 24.0));
+        ->check(number(0, 24));
     add("--time-scale", options.time_scale, "How many times faster than real the hour passes")
-        ->check(CLI::Range(0.0, 10000.0));
-    add("--day", options.day_of_year, "Day of the year")->check(CLI::Range(1, 366));
-    add("--weather", weather.look, "Sky: clear, overcast, storm or fog")
-        ->transform(CLI::CheckedTransformer(
-            std::map<std::string, int>{{"clear", 0}, {"overcast", 1}, {"storm", 2}, {"fog", 3}}))
-        ->default_str("");
-    add("--rain", weather.rain, "Level, 0 to 3")->check(CLI::Range(0, 3))->default_str("");
-    add("--snow", weather.snow, "Level, 0 to 3")->check(CLI::Range(0, 3))->default_str("");
-    add("--hail", weather.hail, "Level, 0 to 3")->check(CLI::Range(0, 3))->default_str("");
-    add("--visibility", weather.visibility, "Metres")
-        ->check(CLI::Range(20.0, 1e6))
-        ->default_str("");
+        ->check(number(0, 10000));
+    add("--day", options.day_of_year, "Day of the year")->check(whole(1, 366));
+    static const std::vector<std::string> LOOKS = {"clear", "overcast", "storm", "fog"};
+    app.add_option_function<std::string>(
+           "--weather",
+           [&weather](const std::string& look) { weather.look = indexOf(look, LOOKS); },
+           "Sky: clear, overcast, storm or fog")
+        ->check(word(LOOKS))
+        ->group(group);
+    add("--rain", weather.rain, "Level, 0 to 3")->check(whole(0, 3))->default_str("");
+    add("--snow", weather.snow, "Level, 0 to 3")->check(whole(0, 3))->default_str("");
+    add("--hail", weather.hail, "Level, 0 to 3")->check(whole(0, 3))->default_str("");
+    add("--visibility", weather.visibility, "Metres")->check(number(20, 1e6))->default_str("");
     add("--sea,--beaufort", weather.beaufort, "Beaufort number of the sea")
-        ->check(CLI::Range(0, 12))
+        ->check(whole(0, 12))
         ->default_str("");
     app.add_option_function<std::vector<float>>(
            "--wind",
@@ -99,44 +120,42 @@ void addWeatherOptions(CLI::App& app, Options& options) {
            },
            "Where the wind comes from (degrees clockwise from north), and its speed (m/s)")
         ->expected(2)
-        ->check(CLI::Range(0.0, 360.0))
+        ->check(number({0, 360, false, "the direction"}).application_index(0))
+        ->check(number({0, 100, false, "the speed"}).application_index(1))
         ->group(group);
 }
 
-} // namespace
-
-bool parseOptions(int argc, char** argv, Options& options, int& exit_status) {
-    CLI::App app{"The visual channel: loads a scene logic and its world, takes the flight "
-                 "simulation's records over UDP, and answers every frame with what lies below the "
-                 "helicopter. Ports and addresses stand in config/Logic_Nerith_Heli_Final.cfg."};
-    app.option_defaults()->always_capture_default();
-    app.add_option("--logic", options.logic, "Library of the scene logic")
-        ->default_str("the one shipped with this program");
-    app.add_option("--plugin", options.plugins, "Further engine plug-in library; may be repeated");
-    app.add_option("--directory", options.directory,
-                   "Folder that holds config/ and data/, to which all other paths are "
-                   "relative; default: the present one");
-    app.add_option("--fps", options.frame_rate,
-                   "Frames per second in real time; 0: as fast as possible")
-        ->check(CLI::Range(0.0, 10000.0));
-    app.add_option("--step", options.step,
-                   "Advance every frame by this many seconds instead of the time that has passed")
-        ->check(CLI::Range(0.0, 1.0));
-    app.add_option("--seconds", options.seconds, "End after this scene time; 0: run until stopped")
-        ->check(CLI::NonNegativeNumber);
-    app.add_option("--frames", options.frames, "End after this many frames; 0: run until stopped")
-        ->check(CLI::NonNegativeNumber);
+void addSizeOptions(CLI::App& app, Options& options) {
     app.add_option("--width", options.width, "Width of the picture, pixels")
-        ->check(CLI::Range(16, 16384));
+        ->check(whole(16, 16384));
     app.add_option("--height", options.height, "Height of the picture, pixels")
-        ->check(CLI::Range(16, 16384));
+        ->check(whole(16, 16384));
     app.add_option_function<std::string>(
            "--size", [&options](const std::string& text) { readSize(text, options); },
            "Size of the picture, WIDTHxHEIGHT")
         ->check([](const std::string& text) {
             Options probe;
-            return readSize(text, probe) ? std::string() : "needs WIDTHxHEIGHT, 16 to 16384";
+            return readSize(text, probe)
+                       ? std::string()
+                       : "must be WIDTHxHEIGHT, each 16 to 16384, not \"" + text + '"';
         });
+}
+
+void addOptions(CLI::App& app, Options& options) {
+    app.add_option("--logic", options.logic, "Library of the scene logic")
+        ->default_str("the one shipped with this program");
+    app.add_option("--plugin", options.plugins, "Further engine plug-in library; may be repeated");
+    app.add_option("--fps", options.frame_rate,
+                   "Frames per second in real time; 0: as fast as possible")
+        ->check(number(0, 10000));
+    app.add_option("--step", options.step,
+                   "Advance every frame by this many seconds instead of the time that has passed")
+        ->check(number(0, 1));
+    app.add_option("--seconds", options.seconds, "End after this scene time; 0: run until stopped")
+        ->check(number({}));
+    app.add_option("--frames", options.frames, "End after this many frames; 0: run until stopped")
+        ->check(number({.whole = true}));
+    addSizeOptions(app, options);
     addPictureOptions(app, options);
     addWeatherOptions(app, options);
     addInterfaceOptions(app, options);
@@ -144,15 +163,169 @@ bool parseOptions(int argc, char** argv, Options& options, int& exit_status) {
                    "Take records from this IPv4 address only");
     app.add_option("--trace", options.trace, "Write a CSV line per frame to this file");
     app.add_flag("--quiet", options.quiet, "No status line every second");
+}
+
+// ------------------------------------------------------------------ command line, then file
+
+/// What only the command line says: it comes before the settings file, or ends the program.
+const char* const COMMAND_LINE_ONLY[] = {"help", "version", "directory", "config", "null"};
+
+std::string nameOf(const CLI::Option& option) { return option.get_lnames().front(); }
+
+/// The options that the settings file offers too, by name.
+std::vector<std::string> settingNames(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const CLI::Option* option : app.get_options())
+        if (std::ranges::count(COMMAND_LINE_ONLY, nameOf(*option)) == 0)
+            for (const std::string& name : option->get_lnames())
+                names.push_back(name);
+    return names;
+}
+
+bool isFalse(const std::string& text) {
+    bool value = true;
+    return read(text, value) && !value;
+}
+
+/// Adds what the values ask for, unless they are the option's default.
+void addWish(const CLI::Option& option, const std::vector<std::string>& values,
+             const std::string& place, Wishes& wishes) {
+    if (values.empty()) return;
+    std::string name = nameOf(option);
+    const bool flag = option.get_expected_min() == 0;
+    if (flag ? isFalse(values[0]) : values[0] == option.get_default_str()) return;
+    if (name == "renderer" && values[0] == "null") name = "null";
+    wishes[name] = {values[0], place};
+}
+
+/// False, with an error each, when the command line holds what is no option.
+bool nameExtras(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const CLI::Option* option : app.get_options())
+        for (const std::string& name : option->get_lnames())
+            names.push_back("--" + name);
+    const std::vector<std::string> extras = app.remaining();
+    // The value of an option that there isn't says nothing further.
+    const bool only_values =
+        std::ranges::none_of(extras, [](const std::string& text) { return text.starts_with('-'); });
+    for (const std::string& text : extras)
+        if (only_values || text.starts_with('-'))
+            jLog::error("visual_channel: there is no option \"%s\"%s (--help tells all options)",
+                        text.c_str(), ig::nearest(text, names).c_str());
+    return extras.empty();
+}
+
+/// What is wrong with an option's values, without its name.
+std::string explain(const CLI::Option& option, const CLI::Error& error) {
+    if (dynamic_cast<const CLI::ValidationError*>(&error)) // begins with the name and a colon
+        return std::string(error.what()).substr(option.get_name().size() + 2);
+    const int count = std::max(option.get_items_expected_min(), 1);
+    return "needs " + std::to_string(count) + (count > 1 ? " values" : " value");
+}
+
+/// The error that `parse` threw for some option.
+void logMistake(const CLI::App& app, const CLI::ParseError& error) {
+    std::string what = error.what();
+    for (const CLI::Option* option : app.get_options())
+        if (what.starts_with(option->get_name() + ':'))
+            what = option->get_name() + ": " + explain(*option, error);
+    jLog::error("visual_channel: %s (--help tells all options)", what.c_str());
+}
+
+/// False, with an error, when a mistake stands in it. What the command line says stays.
+bool applySetting(CLI::Option& option, const Setting& setting) {
+    const auto refuse = [&setting](const std::string& what) {
+        jLog::error("visual_channel: %s: %s: %s", setting.place.c_str(), setting.key.c_str(),
+                    what.c_str());
+        return false;
+    };
+    bool value = false;
+    if (option.get_expected_min() == 0 && !read(setting.values[0], value))
+        return refuse('"' + setting.values[0] + "\" is neither true nor false");
+    try {
+        option.add_result(setting.values);
+        option.run_callback();
+        return true;
+    } catch (const CLI::Error& error) {
+        return refuse(explain(option, error));
+    }
+}
+
+/// False, with an error each, when keys of the file are no options.
+bool checkKeys(const CLI::App& app, std::vector<Setting>& settings) {
+    bool known = true;
+    const std::vector<std::string> names = settingNames(app);
+    for (const Setting& setting : settings) {
+        if (std::ranges::count(names, setting.key) > 0) continue;
+        known = false;
+        jLog::error("visual_channel: %s: there is no setting \"%s\"%s", setting.place.c_str(),
+                    setting.key.c_str(), ig::nearest(setting.key, names).c_str());
+    }
+    return known;
+}
+
+/// The settings file below what the command line says. False after the errors that explain it.
+bool applySettings(CLI::App& app, const std::string& path, bool needed) {
+    std::vector<Setting> settings;
+    if (std::error_code error; needed || std::filesystem::exists(path, error))
+        if (!readSettings(path, settings) || !checkKeys(app, settings)) return false;
+    for (Setting& setting : settings) // a bare null is YAML for no value, but here it is a word
+        if (setting.key == "renderer" && setting.values.empty()) setting.values = {"null"};
+    Wishes wishes;
+    for (const CLI::Option* option : app.get_options())
+        if (std::ranges::count(COMMAND_LINE_ONLY, nameOf(*option)) == 0 ||
+            nameOf(*option) == "null")
+            addWish(*option, option->results(), "", wishes);
+    std::erase_if(settings, [&app](const Setting& setting) {
+        return setting.values.empty() || app.get_option("--" + setting.key)->count() > 0;
+    });
+    for (const Setting& setting : settings)
+        addWish(*app.get_option("--" + setting.key), setting.values, setting.place, wishes);
+    if (!settleWishes(wishes)) return false;
+    bool right = true;
+    for (const Setting& setting : settings) {
+        CLI::Option& option = *app.get_option("--" + setting.key);
+        const bool wished = std::ranges::any_of(
+            wishes, [&](const auto& wish) { return wish.second.place == setting.place; });
+        if (wished && !applySetting(option, setting)) right = false;
+    }
+    return right;
+}
+
+} // namespace
+
+bool parseOptions(int argc, char** argv, Options& options, int& exit_status) {
+    CLI::App app{"The visual channel: loads a scene logic and its world, takes the flight "
+                 "simulation's records over UDP, and answers every frame with what lies below the "
+                 "helicopter. Ports and addresses stand in config/Logic_Nerith_Heli_Final.cfg.",
+                 "visual_channel"};
+    app.option_defaults()->always_capture_default();
+    app.set_version_flag("--version", "visual_channel " VERSION, "Tell the version and exit");
+    app.add_option("--directory", options.directory,
+                   "Folder that holds config/ and data/, to which all other paths are "
+                   "relative; default: the present one");
+    std::string config = "config/visual_channel.cfg";
+    const CLI::Option* config_option =
+        app.add_option("--config", config,
+                       "Settings file: every option that stands below, as `fps: 60`; what stands "
+                       "on the command line wins");
+    addOptions(app, options);
     app.footer(
         "Stop with Ctrl-C. Exit status: 0 after an orderly end, 1 when the logic, the world "
         "or its start marker is missing or a script could not be done, 2 for a wrong command "
-        "line.");
+        "line or settings file.");
+    app.allow_extras(); // named below, with what is meant
+    exit_status = 2;
     try {
         app.parse(argc, argv);
+    } catch (const CLI::Success& wish) { // --help, --version
+        exit_status = app.exit(wish);
+        return false;
     } catch (const CLI::ParseError& error) {
-        exit_status = app.exit(error) == 0 ? 0 : 2;
+        logMistake(app, error);
         return false;
     }
-    return true;
+    return nameExtras(app) &&
+           applySettings(app, (std::filesystem::path(options.directory) / config).string(),
+                         config_option->count() > 0);
 }

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+#include "OptionRules.h"
+
+#include "ig/base/jLog.h"
+
+#include <optional>
+
+using namespace ig;
+
+namespace {
+
+/// Two wishes that don't go together; or one that does nothing, `other` being what it lacks.
+struct Conflict {
+    std::string name, other;
+    bool lacks = false;
+    const char* why = "";
+};
+
+const char* const NO_PICTURES = "there are no pictures";
+const char* const NO_INTERFACE = "the pictures are without panels and texts";
+const char* const SAME_SIZE = "both say how large the picture is";
+
+const Conflict CONFLICTS[] = {
+    {"screenshot", "null", false, NO_PICTURES},
+    {"screenshot-every", "null", false, NO_PICTURES},
+    {"contact-sheet", "null", false, NO_PICTURES},
+    {"video", "null", false, NO_PICTURES},
+    {"window", "null", false, NO_PICTURES},
+    {"eye", "null", false, NO_PICTURES},
+    {"scale", "null", false, NO_PICTURES},
+    {"profile", "null", false, NO_PICTURES},
+    {"help-overlay", "null", false, NO_PICTURES},
+    {"statistics", "null", false, NO_PICTURES},
+    {"renderer", "null", false, "only one of them can draw"},
+    {"help-overlay", "no-ui", false, NO_INTERFACE},
+    {"statistics", "no-ui", false, NO_INTERFACE},
+    {"window", "headless", false, "there is a window or there is none"},
+    {"size", "width", false, SAME_SIZE},
+    {"size", "height", false, SAME_SIZE},
+    {"screenshot-every", "screenshot", true, "the pictures are numbered after its name"},
+};
+
+/// What files are written to; no two of them may be the same.
+const char* const OUTPUTS[] = {"screenshot", "contact-sheet", "video", "trace"};
+
+std::optional<Conflict> findConflict(const Wishes& wishes) {
+    for (const Conflict& conflict : CONFLICTS)
+        if (wishes.contains(conflict.name) && wishes.contains(conflict.other) != conflict.lacks)
+            return conflict;
+    for (const char* const& a : OUTPUTS)
+        for (const char* const* b = OUTPUTS; b < &a; b++)
+            if (wishes.contains(a) && wishes.contains(*b) &&
+                wishes.at(a).value == wishes.at(*b).value)
+                return Conflict{a, *b, false, "they name the same file"};
+    // In a window Alt + p takes pictures.
+    if (wishes.contains("contact-sheet") && wishes.contains("headless") &&
+        !wishes.contains("screenshot-every") && !wishes.contains("script"))
+        return Conflict{"contact-sheet", "screenshot-every", true,
+                        "nothing else takes the pictures for it; a --script could"};
+    return {};
+}
+
+/// As it was written: `--video`, or `"video" (config/visual_channel.cfg:12)`.
+std::string describe(const std::string& name, const Wishes& wishes) {
+    const auto wish = wishes.find(name);
+    if (wish == wishes.end() || wish->second.place.empty()) return "--" + name;
+    return (name == "null" ? "\"renderer: null\"" : '"' + name + '"') + " (" + wish->second.place +
+           ')';
+}
+
+} // namespace
+
+bool settleWishes(Wishes& wishes) {
+    bool displaced = false;
+    while (const std::optional<Conflict> conflict = findConflict(wishes)) {
+        const auto name = wishes.find(conflict->name), other = wishes.find(conflict->other);
+        const bool from_file = !name->second.place.empty();
+        const bool other_from_file = other != wishes.end() && !other->second.place.empty();
+        const std::string text =
+            describe(conflict->name, wishes) +
+            (conflict->lacks ? " does nothing without " : " can't go together with ") +
+            describe(conflict->other, wishes) + ": " + conflict->why;
+        if (conflict->lacks ? !from_file || !displaced : from_file == other_from_file) {
+            jLog::error("visual_channel: %s", text.c_str());
+            return false;
+        }
+        jLog::message("visual_channel: %s; the command line wins", text.c_str());
+        wishes.erase(from_file ? name : other);
+        displaced = true;
+    }
+    return true;
+}

@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: MIT
+#include "Options.h"
+#include "testkit/LogCapture.h"
+#include "testkit/TempFolder.h"
+
+#include <gtest/gtest.h>
+#include <map>
+#include <regex>
+#include <sstream>
+
+namespace {
+
+struct OptionsTest : testing::Test {
+    /// Whether the program would go on with these words on the command line.
+    bool parse(const std::string& line) {
+        std::istringstream stream("visual_channel " + line);
+        std::vector<std::string> words(std::istream_iterator<std::string>(stream), {});
+        std::vector<char*> argv;
+        for (std::string& word : words)
+            argv.push_back(word.data());
+        options = {};
+        log.lines.clear();
+        return parseOptions(static_cast<int>(argv.size()), argv.data(), options, exit_status);
+    }
+    /// The same with a settings file in the folder.
+    bool parse(const std::string& line, const std::string& settings) {
+        folder.write("config/visual_channel.cfg", settings);
+        return parse(line);
+    }
+    /// Refuses with one error, which holds `part`.
+    void expectError(const std::string& part) {
+        EXPECT_EQ(exit_status, 2);
+        ASSERT_EQ(log.lines.size(), 1u);
+        EXPECT_NE(log.lines[0].find(part), std::string::npos) << log.lines[0];
+    }
+
+    WorkingFolder folder;
+    LogCapture log;
+    Options options;
+    int exit_status = 0;
+};
+
+TEST_F(OptionsTest, MistakesAreNamedWithWhatIsAllowed) {
+    const std::pair<const char*, const char*> mistakes[] = {
+        {"--weather sunny", "--weather: must be one of clear, overcast, storm, fog, not \"sunny\""},
+        {"--statistics ful", "nearest is \"full\""},
+        {"--scale 3", "must be a number, 0.25 to 1 or auto, not \"3\""},
+        {"--fps nan", "must be a number, 0 to 10000, not \"nan\""},
+        {"--seconds inf", "must be a number, 0 or more"},
+        {"--rain 1.5", "must be a whole number, 0 to 3"},
+        {"--eye 1 2", "--eye: needs 5 values"},
+        {"--eye 19 120 10 0 0", "LATITUDE (the second) must be a number, -90 to 90, not \"120\""},
+        {"--wind 270 400", "the speed must be a number, 0 to 100"},
+        {"--size 1x1", "must be WIDTHxHEIGHT"},
+        {"--screnshot a.png", "there is no option \"--screnshot\"; nearest is \"--screenshot\""},
+        {"--config mine.cfg", "there is no settings file \"mine.cfg\""},
+        {"--null --video a.mp4", "--video can't go together with --null: there are no pictures"},
+        {"--renderer null --eye 1 2 3 4 5", "--eye can't go together with --null"},
+        {"--renderer gl --null", "only one of them can draw"},
+        {"--headless --window", "--window can't go together with --headless"},
+        {"--no-ui --statistics rate", "without panels"},
+        {"--width 640 --size 640x480", "how large"},
+        {"--screenshot-every 5", "does nothing without --screenshot"},
+        {"--headless --contact-sheet a.png", "does nothing without --screenshot-every"},
+        {"--trace a --video a", "they name the same file"},
+    };
+    for (const auto& [line, part] : mistakes) {
+        EXPECT_FALSE(parse(line)) << line;
+        expectError(part);
+    }
+}
+
+TEST_F(OptionsTest, WhatGoesTogetherIsTaken) {
+    for (const char* line : {"", "--null --headless --no-ui --size 100x100 --weather fog",
+                             "--headless --screenshot a.png --screenshot-every 1 --contact-sheet b",
+                             "--contact-sheet b.png --script c", "--null --statistics off"})
+        EXPECT_TRUE(parse(line)) << line << log.lines[0];
+    ASSERT_TRUE(parse("--scale auto --wind 270 12 --weather storm --statistics full --size 64x32"));
+    EXPECT_EQ(options.scale, 0);
+    EXPECT_EQ(options.weather.wind_direction, 0); // towards east
+    EXPECT_EQ(options.weather.look, 2);
+    EXPECT_EQ(options.statistics, Overlays::Statistics::full);
+    EXPECT_EQ(options.width * 1000 + options.height, 64032);
+}
+
+TEST_F(OptionsTest, SettingsHoldUnlessTheCommandLineSaysOtherwise) {
+    const std::string settings = "fps: 25\nwind: [90, 7]\nquiet: yes\nplugin: [a.so, b.so]\n"
+                                 "rain:\nno-ui: false\ntime: 4\n";
+    ASSERT_TRUE(parse("--rain 2 --fps 30", settings));
+    EXPECT_EQ(options.frame_rate, 30);
+    EXPECT_EQ(options.weather.wind_speed, 7);
+    EXPECT_TRUE(options.quiet && !options.no_interface);
+    EXPECT_EQ(options.plugins.size(), 2u);
+    EXPECT_EQ(options.weather.rain, 2);
+    EXPECT_EQ(options.time_of_day, 4);
+
+    ASSERT_TRUE(parse("", "renderer: null\nquiet: true\n"));
+    EXPECT_EQ(options.renderer, "null");
+    folder.write("else/mine.cfg", "frames: 3\n");
+    ASSERT_TRUE(parse("--directory else --config mine.cfg"));
+    EXPECT_EQ(options.frames, 3);
+}
+
+TEST_F(OptionsTest, SettingsGiveWayToACommandLineThatContradictsThem) {
+    const std::string settings = "window: true\nscreenshot: a.png\nscreenshot-every: 2\n"
+                                 "contact-sheet: b.png\n";
+    ASSERT_TRUE(parse("--null", settings));
+    EXPECT_TRUE(options.screenshot.empty() && options.contact_sheet.empty() && !options.window);
+    EXPECT_EQ(options.screenshot_every, 0);
+    EXPECT_EQ(log.lines.size(), 4u);
+    ASSERT_TRUE(parse("--eye 1 2 3 4 5", "renderer: null\n"));
+    EXPECT_EQ(options.renderer, "auto");
+    EXPECT_EQ(log.lines, (std::vector<std::string>{
+                             "visual_channel: --eye can't go together with \"renderer: null\" "
+                             "(config/visual_channel.cfg:1): there are no pictures; the command "
+                             "line wins"}));
+}
+
+TEST_F(OptionsTest, MistakesInTheFileAreNamedWithTheirLine) {
+    const std::pair<const char*, const char*> mistakes[] = {
+        {"fps: 30\nfsp: 20\n", "cfg:2: there is no setting \"fsp\"; nearest is \"fps\""},
+        {"directory: a\n", "there is no setting \"directory\""},
+        {"fps: 30x\n", "cfg:1: fps: must be a number, 0 to 10000, not \"30x\""},
+        {"quiet: perhaps\n", "cfg:1: quiet: \"perhaps\" is neither true nor false"},
+        {"wind: 3\n", "wind: needs 2 values"},
+        {"fps: [1, 2]\n", "fps: needs 1 value"},
+        {"fps: {a: 1}\n", "\"fps\" takes a value"},
+        {"fps: 1\nstep: [2\n", "cfg:3:"},
+        {"video: a.mp4\nrenderer: null\n", "\"video\" (config/visual_channel.cfg:1) can't go"},
+        {"screenshot-every: 2\n", "does nothing without --screenshot"},
+    };
+    for (const auto& [settings, part] : mistakes) {
+        EXPECT_FALSE(parse("", settings)) << settings;
+        expectError(part);
+    }
+}
+
+TEST_F(OptionsTest, TheShippedFileOffersEveryOptionWithItsDefault) {
+    testing::internal::CaptureStdout();
+    EXPECT_FALSE(parse("--help"));
+    EXPECT_EQ(exit_status, 0);
+    std::istringstream help(testing::internal::GetCapturedStdout());
+    const std::regex option("^ +(?:-h,)?--([a-z-]+)[^=]*(?:=([^ ]+))?.*");
+    std::map<std::string, std::string> known, offered; // defaults by name
+    for (std::string line; std::getline(help, line);)
+        if (std::smatch found; std::regex_match(line, found, option)) known[found[1]] = found[2];
+    for (const char* name : {"help", "version", "directory", "config", "null"})
+        EXPECT_EQ(known.erase(name), 1u); // these make no sense in the file
+    known["logic"] = "";
+
+    const std::string shipped = (folder.before() / "config/visual_channel.cfg").string();
+    EXPECT_TRUE(parse("--config " + shipped));
+    const std::regex setting("^([a-z-]+): *([^ #]*).*");
+    std::ifstream file(shipped);
+    for (std::string line; std::getline(file, line);)
+        if (std::smatch found; std::regex_match(line, found, setting))
+            offered[found[1]] = found[2] == "false" ? "" : found[2].str(); // a flag
+    EXPECT_EQ(offered, known);
+}
+
+} // namespace
