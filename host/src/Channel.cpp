@@ -64,9 +64,7 @@ bool Channel::open() {
         return false;
     }
     Texts::load(m_options.language);
-    if (!loadScript()) return false;
-    if (!m_options.trace.empty() && !m_trace.open(m_options.trace)) return false;
-    if (!makeRenderer()) return false;
+    if (!loadScript() || !checkOutputs() || !makeRenderer()) return false;
     Engine::get()->setApp(this);
     Engine::get()->setWorld(&m_world);
     prepareInterface();
@@ -89,7 +87,7 @@ bool Channel::open() {
     for (SocketUDP* socket : SocketUDP::getOpenSockets())
         if (!m_options.allow_sender.empty() && !socket->setAllowedSender(m_options.allow_sender))
             return false;
-    return true;
+    return m_options.trace.empty() || m_trace.open(m_options.trace);
 }
 
 bool Channel::loadScript() {
@@ -101,6 +99,17 @@ bool Channel::loadScript() {
     }
     m_script.open(std::move(script));
     return true;
+}
+
+/// What can't be written is refused now, not after a flight.
+bool Channel::checkOutputs() const {
+    return m_screenshots.check(m_script.keepsPictures()) && m_video.check() &&
+           (m_options.trace.empty() || Trace::check(m_options.trace));
+}
+
+bool Channel::wantsPictures() const {
+    return m_options.renderer == "gl" || m_options.window || !m_options.screenshot.empty() ||
+           !m_options.contact_sheet.empty() || !m_options.video.empty();
 }
 
 /// Pictures where the machine can draw them; where it can't, the whole channel still runs without,
@@ -117,7 +126,7 @@ bool Channel::makeRenderer() {
         m_renderer->setScale(m_options.scale > 0 ? m_options.scale : 1);
         m_renderer->setProfiling(m_options.profile);
         if (m_renderer->init(m_options.width, m_options.height)) return true;
-        if (m_options.renderer == "gl" || m_options.window) return refuse();
+        if (wantsPictures()) return refuse();
         jLog::warning("visual_channel: going on without pictures, as with --null");
     }
     m_renderer = std::make_unique<RendererNull>();
@@ -182,6 +191,7 @@ void Channel::run() {
         if (m_close_requested) askToQuit();
     m_screenshots.afterLast(*m_renderer);
     m_video.close();
+    m_trace.close();
     m_status.printSummary(m_listener, m_link);
     for (const PassTime& pass : m_renderer->getPassTimes())
         std::printf("  %-12s %7.2f ms\n", pass.name, pass.milliseconds);
@@ -284,6 +294,11 @@ void Channel::levelAfterJump() {
 }
 
 // ------------------------------------------------------------------ end
+
+int Channel::getExitStatus() const {
+    return m_script.getFailures() > 0 || m_screenshots.hasFailed() || m_video.hasFailed() ||
+           m_trace.hasFailed();
+}
 
 void Channel::close() {
     if (m_logic) {

@@ -40,8 +40,9 @@ public:
     /// Runs frames until the time or the number of frames is up, until `requestStop`, or until the
     /// operator closes the window and confirms it.
     void run();
-    /// After `run`: 0, or 1 when a command of the script could not be done.
-    int getExitStatus() const { return m_script.getFailures() > 0 ? 1 : 0; }
+    /// After `run`: 0, or 1 when a command of the script could not be done or a file that was asked
+    /// for could not be written.
+    int getExitStatus() const;
     /// One of these frames. False, with nothing done, after the last one.
     bool runFrame();
     /// Releases everything in the order that the objects need; a second call does nothing.
@@ -69,6 +70,8 @@ private:
     void onFocusLost() override;
     void onResized(int width, int height, float density) override;
 
+    bool checkOutputs() const;
+    bool wantsPictures() const;
     bool makeRenderer();
     void prepareInterface();
     bool loadLibraries();

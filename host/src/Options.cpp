@@ -7,6 +7,7 @@
 #include "ig/base/jLog.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <filesystem>
 
@@ -24,6 +25,16 @@ bool readSize(const std::string& text, Options& options) {
     options.width = width;
     options.height = height;
     return true;
+}
+
+/// Pictures are written as PNG whatever their names say; empty for a good path.
+std::string needPng(const std::string& path) {
+    const std::filesystem::path file(path);
+    std::string suffix = file.extension().string();
+    std::ranges::transform(suffix, suffix.begin(), [](unsigned char c) { return std::tolower(c); });
+    if (path.empty() || suffix == ".png") return {};
+    return "\"" + path + "\": pictures are written as PNG: name it \"" +
+           std::filesystem::path(file).replace_extension(".png").string() + "\"";
 }
 
 void addInterfaceOptions(CLI::App& app, Options& options) {
@@ -64,13 +75,15 @@ void addPictureOptions(CLI::App& app, Options& options) {
            "20 frames a second allow")
         ->check(number({0.25, 1, false, "", "auto"}))
         ->default_str("1");
-    app.add_option("--screenshot", options.screenshot, "Write the last frame to this PNG file");
+    app.add_option("--screenshot", options.screenshot, "Write the last frame to this PNG file")
+        ->check(needPng);
     app.add_option("--screenshot-every", options.screenshot_every,
                    "Write a picture each time so many seconds of scene time have passed, numbered "
                    "after the name of --screenshot")
         ->check(number({}));
     app.add_option("--contact-sheet", options.contact_sheet,
-                   "Write small copies of the numbered pictures, side by side, to this PNG file");
+                   "Write small copies of the numbered pictures, side by side, to this PNG file")
+        ->check(needPng);
     app.add_option("--video", options.video,
                    "Write a video of the pictures to this file, with ffmpeg, which must be "
                    "installed; the suffix says in which format");
@@ -310,10 +323,9 @@ bool parseOptions(int argc, char** argv, Options& options, int& exit_status) {
                        "Settings file: every option that stands below, as `fps: 60`; what stands "
                        "on the command line wins");
     addOptions(app, options);
-    app.footer(
-        "Stop with Ctrl-C. Exit status: 0 after an orderly end, 1 when the logic, the world "
-        "or its start marker is missing or a script could not be done, 2 for a wrong command "
-        "line or settings file.");
+    app.footer("Stop with Ctrl-C. Exit status: 0 after an orderly end, 1 when the logic, the world "
+               "or its start marker is missing, a script could not be done or a file could not be "
+               "written, 2 for a wrong command line or settings file.");
     app.allow_extras(); // named below, with what is meant
     exit_status = 2;
     try {

@@ -1,37 +1,70 @@
 // SPDX-License-Identifier: MIT
 #include "Screenshots.h"
 
+#include "common/program/OutputFile.h"
 #include "ig/app/Renderer.h"
+#include "ig/base/jLog.h"
 
 #include <cstdio>
+
+using ig::jLog;
+
+namespace {
+/// A path that isn't asked for is good.
+bool checkPath(const char* option, const std::string& path) {
+    using program::OutputFile;
+    if (path.empty()) return true;
+    const std::string why = OutputFile::whyNot(path, OutputFile::Kind::whole);
+    if (!why.empty()) jLog::error("%s: cannot write \"%s\": %s", option, path.c_str(), why.c_str());
+    return why.empty();
+}
+} // namespace
+
+bool Screenshots::check(bool named) const {
+    return checkPath("--screenshot", m_path) && checkPath("--contact-sheet", m_sheet_path) &&
+           (!named || checkPath("--script", nameBeside("picture")));
+}
 
 void Screenshots::afterFrame(ig::Renderer& renderer, double time) {
     if (m_path.empty() || m_interval <= 0 || time < m_next) return;
     m_next = time + m_interval;
-    take(renderer);
+    if (keep(renderer, nextPath())) return;
+    m_interval = 0;
+    jLog::message("Screenshots: no further pictures of --screenshot-every are tried");
 }
 
-void Screenshots::take(ig::Renderer& renderer) {
+void Screenshots::take(ig::Renderer& renderer) { keep(renderer, nextPath()); }
+
+std::string Screenshots::nextPath() {
     char number[16];
     std::snprintf(number, sizeof number, "_%04d", ++m_number);
     std::string path = m_path.empty() ? "picture.png" : m_path;
     const std::size_t dot = path.rfind('.');
     path.insert(dot == std::string::npos ? path.size() : dot, number);
-    keep(renderer, path);
+    return path;
 }
 
 void Screenshots::take(ig::Renderer& renderer, const std::string& name) {
-    const std::size_t slash = m_path.rfind('/');
-    keep(renderer, m_path.substr(0, slash == std::string::npos ? 0 : slash + 1) + name + ".png");
+    keep(renderer, nameBeside(name));
 }
 
-void Screenshots::keep(ig::Renderer& renderer, const std::string& path) {
-    renderer.savePicture(path);
+std::string Screenshots::nameBeside(const std::string& name) const {
+    return m_path.substr(0, m_path.rfind('/') + 1) + name + ".png"; // without a slash: the whole
+}
+
+bool Screenshots::keep(ig::Renderer& renderer, const std::string& path) {
+    const bool saved = renderer.savePicture(path);
+    m_failed = m_failed || !saved;
     ig::Picture picture;
     if (!m_sheet_path.empty() && renderer.readPicture(picture)) m_sheet.add(picture);
+    return saved;
 }
 
 void Screenshots::afterLast(ig::Renderer& renderer) {
-    if (!m_path.empty()) renderer.savePicture(m_path);
-    if (!m_sheet.isEmpty()) renderer.writePicture(m_sheet_path, m_sheet.compose());
+    if (!m_path.empty() && !renderer.savePicture(m_path)) m_failed = true;
+    if (m_sheet_path.empty()) return;
+    if (m_sheet.isEmpty())
+        jLog::error("Screenshots: no \"%s\": no picture was taken for it", m_sheet_path.c_str());
+    if (m_sheet.isEmpty() || !renderer.writePicture(m_sheet_path, m_sheet.compose()))
+        m_failed = true;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Script.h"
 
+#include "common/program/InputFile.h"
 #include "ig/ui/KeyCode.h"
 
 #include <algorithm>
@@ -236,6 +237,11 @@ std::string messageAt(const std::string& path, const Fault& fault) {
 
 bool readScript(const std::string& path, Script& script, std::string& message) {
     constexpr std::size_t LARGEST = 1 << 20; // bytes
+    const std::string why = program::whyUnreadable(path);
+    if (!why.empty()) {
+        message = "\"" + path + "\": " + why;
+        return false;
+    }
     std::ifstream file(path, std::ios::binary);
     std::string content(LARGEST + 1, '\0');
     file.read(content.data(), static_cast<std::streamsize>(content.size()));

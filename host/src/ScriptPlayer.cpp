@@ -28,6 +28,11 @@ int keyOfCharacter(char c) {
 
 } // namespace
 
+bool ScriptPlayer::keepsPictures() const {
+    return std::ranges::any_of(m_script.commands,
+                               [](const auto& c) { return c.kind == Kind::screenshot; });
+}
+
 void ScriptPlayer::play(double time, bool records) {
     m_picture.clear();
     if (!m_start && (m_script.from_start || records)) m_start = m_script.from_start ? 0 : time;

@@ -25,6 +25,8 @@ public:
     /// Between frames, as soon as something has been drawn. `time`: of the scene, s; `records`: the
     /// flight simulation's have begun to come.
     void play(double time, bool records);
+    /// Whether some command keeps a picture.
+    bool keepsPictures() const;
     /// The name of the picture to keep of the frame that follows `play`; empty: none.
     const std::string& getPictureName() const { return m_picture; }
     /// A command asked for the channel's end.

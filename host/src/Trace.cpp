@@ -6,33 +6,43 @@
 #include "ig/base/jLog.h"
 #include "ig/scene/ObjectPrefab.h"
 
-#include <cerrno>
-#include <cstring>
+#include <array>
+#include <cstdio>
 
 using namespace ig;
+using program::OutputFile;
+
+bool Trace::check(const std::string& path) {
+    const std::string why = OutputFile::whyNot(path, OutputFile::Kind::growing);
+    if (!why.empty()) jLog::error("--trace: cannot write \"%s\": %s", path.c_str(), why.c_str());
+    return why.empty();
+}
 
 bool Trace::open(const std::string& path) {
-    m_file = std::fopen(path.c_str(), "w");
-    if (!m_file) {
-        jLog::error("Trace::open: \"%s\": %s", path.c_str(), std::strerror(errno));
-        return false;
-    }
-    std::fputs("frame,time,begin,records,longitude,latitude,altitude,heading,pitch,roll\n", m_file);
-    return true;
+    const bool good =
+        m_file.open(path, OutputFile::Kind::growing) &&
+        m_file.write("frame,time,begin,records,longitude,latitude,altitude,heading,pitch,roll\n");
+    if (!good) report();
+    return good;
 }
 
 void Trace::write(double begin, const LogicListener& listener) {
-    if (!m_file || !listener.m_helicopter) return;
+    if (!m_file.isOpen() || !listener.m_helicopter) return;
     const Engine* engine = Engine::get();
     const Node* helicopter = listener.m_helicopter;
     const dvec3 g = engine->getEllipsoidModel()->toWGS(helicopter->getWorldPosition());
     const dvec3 hpr = helicopter->getWgsHPR();
-    std::fprintf(m_file, "%d,%.6f,%.6f,%d,%.10f,%.10f,%.5f,%.5f,%.5f,%.5f\n", engine->getFrame(),
-                 engine->getRunningTime(), begin, listener.m_records, g.x, g.y, g.z, hpr.x, hpr.y,
-                 hpr.z);
+    std::array<char, 256> line;
+    std::snprintf(line.data(), line.size(), "%d,%.6f,%.6f,%d,%.10f,%.10f,%.5f,%.5f,%.5f,%.5f\n",
+                  engine->getFrame(), engine->getRunningTime(), begin, listener.m_records, g.x, g.y,
+                  g.z, hpr.x, hpr.y, hpr.z);
+    if (!m_file.write(line.data())) report();
 }
 
 void Trace::close() {
-    if (m_file) std::fclose(m_file);
-    m_file = nullptr;
+    if (m_file.isOpen() && !m_file.close()) report();
+}
+
+void Trace::report() const {
+    jLog::error("--trace: %s: there is no trace of this run", m_file.message().c_str());
 }

@@ -1,27 +1,29 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <cstdio>
+#include "common/program/OutputFile.h"
+
 #include <string>
 
 class LogicListener;
 
 /// A CSV file with a line per frame, for comparing what was shown with what was sent: frame, scene
 /// time, steady-clock time at the beginning of the frame, records applied so far, and the
-/// helicopter's longitude, latitude, altitude, heading, pitch, roll.
+/// helicopter's longitude, latitude, altitude, heading, pitch, roll. The file is complete or, after
+/// one log line, removed.
 class Trace {
 public:
-    Trace() = default;
-    Trace(const Trace&) = delete;
-    Trace& operator=(const Trace&) = delete;
-    ~Trace() { close(); }
-
-    /// False, with one log line, when the file can't be written.
+    /// Whether a file can be written there, as far as can be told now; with one log line if not.
+    static bool check(const std::string& path);
     bool open(const std::string& path);
     /// Nothing when no file is open.
     void write(double begin, const LogicListener& listener);
     void close();
+    /// What was asked for has not been written.
+    bool hasFailed() const { return !m_file.message().empty(); }
 
 private:
-    std::FILE* m_file = nullptr;
+    void report() const;
+
+    program::OutputFile m_file;
 };

@@ -1,16 +1,21 @@
 // SPDX-License-Identifier: MIT
 #include "Video.h"
 
+#include "common/program/OutputFile.h"
 #include "ig/app/Renderer.h"
 #include "ig/base/jLog.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cmath>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <spawn.h>
+#include <sstream>
+#include <sys/mman.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -25,22 +30,40 @@ constexpr timeval STALLED{1, 0}; ///< a program that takes nothing for so long h
 constexpr double FINISHING = 30; ///< s that it may take to complete the file
 constexpr timespec NAP{0, 10'000'000};
 
-/// Starts ffmpeg with `input` as its standard input. An error number, 0 for none.
-int startProgram(const std::string& path, const std::string& size, int input, pid_t* program) {
+constexpr const char* NOT_INSTALLED = "the program ffmpeg, which makes it, is not installed";
+
+bool isInstalled() {
+    const char* const path = std::getenv("PATH");
+    std::istringstream folders(path ? path : "");
+    for (std::string folder; std::getline(folders, folder, ':');)
+        if (access((folder + "/ffmpeg").c_str(), X_OK) == 0) return true;
+    return false;
+}
+
+/// Starts ffmpeg with these as its standard input and its standard error. An error number, 0 for
+/// none.
+int startProgram(const std::string& path, const std::string& size, int input, int complaints,
+                 pid_t* program) {
     const std::string file = "file:" + path; // whatever its name begins with
     const std::string rate = std::to_string(Video::RATE);
     const char* const arguments[] = {
-        "ffmpeg", "-loglevel", "error", "-y", "-f", "rawvideo", "-pixel_format", "rgb24",
+        "ffmpeg", "-loglevel", "error", "-xerror", "-y", "-f", "rawvideo", "-pixel_format", "rgb24",
         "-video_size", size.c_str(), "-framerate", rate.c_str(), "-i", "pipe:0",
         // What players understand has half as many colours along each edge.
         "-vf", "pad=ceil(iw/2)*2:ceil(ih/2)*2", "-pix_fmt", "yuv420p", file.c_str(), nullptr};
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO);
+    if (complaints >= 0) posix_spawn_file_actions_adddup2(&actions, complaints, STDERR_FILENO);
+    posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
     // A group of its own: the terminal's Ctrl-C is for us, who then end the video in order.
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGDEF);
+    sigset_t defaults; // what we ignore
+    sigemptyset(&defaults);
+    sigaddset(&defaults, SIGPIPE);
+    posix_spawnattr_setsigdefault(&attributes, &defaults);
     const int error = posix_spawnp(program, arguments[0], &actions, &attributes,
                                    const_cast<char* const*>(arguments), environ);
     posix_spawnattr_destroy(&attributes);
@@ -49,6 +72,15 @@ int startProgram(const std::string& path, const std::string& size, int input, pi
 }
 
 } // namespace
+
+bool Video::check() const {
+    using program::OutputFile;
+    if (m_path.empty()) return true;
+    std::string why = OutputFile::whyNot(m_path, OutputFile::Kind::growing);
+    if (why.empty() && !isInstalled()) why = NOT_INSTALLED;
+    if (!why.empty()) jLog::error("--video: cannot write \"%s\": %s", m_path.c_str(), why.c_str());
+    return why.empty();
+}
 
 void Video::afterFrame(Renderer& renderer, double time) {
     if (m_path.empty()) return;
@@ -76,11 +108,12 @@ bool Video::start(const Picture& picture) {
     m_width = picture.width;
     m_height = picture.height;
     const std::string size = std::to_string(m_width) + "x" + std::to_string(m_height);
-    const int error = startProgram(m_path, size, ends[1], &m_program);
+    m_complaints = memfd_create("ffmpeg", MFD_CLOEXEC);
+    const int error = startProgram(m_path, size, ends[1], m_complaints, &m_program);
     ::close(ends[1]);
     if (error == 0) return true;
     m_program = -1;
-    fail(error == ENOENT ? "the program ffmpeg is not installed" : std::strerror(error));
+    fail(error == ENOENT ? NOT_INSTALLED : std::strerror(error));
     return false;
 }
 
@@ -109,18 +142,40 @@ bool Video::send() {
     return true;
 }
 
-void Video::fail(const char* why) {
-    jLog::error("Video: \"%s\": %s: going on without the video", m_path.c_str(), why);
-    m_path.clear();
+void Video::fail(const std::string& why) {
+    const bool started = m_program >= 0;
     stop(0);
+    lose(why, started);
+}
+
+/// `begun`: there may be a part of it.
+void Video::lose(const std::string& why, bool begun) {
+    const std::string complaint = takeComplaint();
+    jLog::error("--video: cannot write \"%s\": %s: there is no video", m_path.c_str(),
+                complaint.empty() ? why.c_str() : complaint.c_str());
+    if (begun) program::OutputFile::remove(m_path);
+    m_path.clear();
+    m_failed = true;
 }
 
 void Video::close() {
     if (m_program < 0) return;
     const int status = stop(FINISHING);
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
-        jLog::error("Video: \"%s\": ffmpeg failed: the file is not complete", m_path.c_str());
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) return lose("ffmpeg failed", true);
+    const std::string complaint = takeComplaint();
+    if (!complaint.empty()) jLog::warning("--video: \"%s\": %s", m_path.c_str(), complaint.c_str());
     m_path.clear();
+}
+
+/// The first line of what the program had to say; the others follow from it.
+std::string Video::takeComplaint() {
+    if (m_complaints < 0) return {};
+    std::array<char, 512> text{};
+    const ssize_t n = pread(m_complaints, text.data(), text.size() - 1, 0);
+    ::close(m_complaints);
+    m_complaints = -1;
+    const std::string line(text.data(), static_cast<std::size_t>(std::max<ssize_t>(n, 0)));
+    return line.substr(0, line.find('\n'));
 }
 
 /// Ends the program, which is killed when it still runs after `patience` seconds. Its status.

@@ -1,18 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "Channel.h"
 #include "Options.h"
-
-#include <csignal>
+#include "common/program/Process.h"
 
 int main(int argc, char** argv) {
+    program::fillStandardStreams();
+    program::letWritesFail();
     Options options;
     int exit_status = 0;
     if (!parseOptions(argc, argv, options, exit_status)) return exit_status;
-    // The loop looks at the flag once per frame and ends in order.
-    std::signal(SIGINT, [](int) { Channel::requestStop(); });
-    std::signal(SIGTERM, [](int) { Channel::requestStop(); });
     Channel channel(options);
     if (!channel.open()) return 1;
+    program::onStopSignal(Channel::requestStop); // so far a signal has ended it at once
     channel.run();
     return channel.getExitStatus();
 }

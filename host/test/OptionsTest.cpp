@@ -63,6 +63,7 @@ TEST_F(OptionsTest, MistakesAreNamedWithWhatIsAllowed) {
         {"--screenshot-every 5", "does nothing without --screenshot"},
         {"--headless --contact-sheet a.png", "does nothing without --screenshot-every"},
         {"--trace a --video a", "they name the same file"},
+        {"--screenshot a.jpg", "pictures are written as PNG: name it \"a.png\""},
     };
     for (const auto& [line, part] : mistakes) {
         EXPECT_FALSE(parse(line)) << line;
@@ -71,9 +72,10 @@ TEST_F(OptionsTest, MistakesAreNamedWithWhatIsAllowed) {
 }
 
 TEST_F(OptionsTest, WhatGoesTogetherIsTaken) {
-    for (const char* line : {"", "--null --headless --no-ui --size 100x100 --weather fog",
-                             "--headless --screenshot a.png --screenshot-every 1 --contact-sheet b",
-                             "--contact-sheet b.png --script c", "--null --statistics off"})
+    for (const char* line :
+         {"", "--null --headless --no-ui --size 100x100 --weather fog",
+          "--headless --screenshot a.png --screenshot-every 1 --contact-sheet b.png",
+          "--contact-sheet b.png --script c", "--null --statistics off"})
         EXPECT_TRUE(parse(line)) << line << log.lines[0];
     ASSERT_TRUE(parse("--scale auto --wind 270 12 --weather storm --statistics full --size 64x32"));
     EXPECT_EQ(options.scale, 0);

@@ -8,9 +8,11 @@
 #include "testkit/TempFolder.h"
 
 #include <cstdlib>
+#include <fcntl.h>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
+#include <unistd.h>
 
 namespace {
 
@@ -106,9 +108,13 @@ TEST_F(VideoTest, AStallGivesNoMoreThanASecondAndAResizeKeepsTheSize) {
 TEST_F(VideoTest, WithoutTheProgramOrPicturesThereIsOneMessage) {
     setenv("PATH", folder.path().c_str(), 1);
     second(30);
-    expectOneReport({"ffmpeg is not installed", "my flight.mp4"});
+    expectOneReport({"ffmpeg, which makes it, is not installed", "my flight.mp4"});
     video.close();
     EXPECT_EQ(log.lines.size(), 1u);
+    EXPECT_TRUE(video.hasFailed());
+    log.lines.clear();
+    EXPECT_FALSE(Video("early.mp4").check()); // is known before the first frame
+    expectOneReport({"ffmpeg, which makes it, is not installed", "early.mp4"});
     log.lines.clear();
     renderer.resize(0, 0);
     Video none("none.mp4");
@@ -117,7 +123,7 @@ TEST_F(VideoTest, WithoutTheProgramOrPicturesThereIsOneMessage) {
     expectOneReport({"no pictures"});
 }
 
-TEST_F(VideoTest, AProgramThatEndsOrHangsEndsTheVideoOnly) {
+TEST_F(VideoTest, AProgramThatEndsOrHangsEndsTheVideoOnlyAndLeavesNoPart) {
     ffmpeg("head -c 10000 > pictures");
     for (int i = 0; i < 100 && log.lines.empty(); i++)
         second(30);
@@ -135,11 +141,25 @@ TEST_F(VideoTest, AProgramThatEndsOrHangsEndsTheVideoOnly) {
     expectOneReport({"takes no more pictures"});
 
     log.lines.clear();
-    ffmpeg("cat > pictures; exit 3"); // only at the end it finds that it can't
-    Video incomplete("c.mp4");
+    // Only at the end it finds that it can't.
+    ffmpeg("cat > c.mp4; echo disk full >&2; echo and more >&2; exit 3");
+    const std::string path_of_c = (folder.path() / "c.mp4").string();
+    Video incomplete(path_of_c);
     incomplete.afterFrame(renderer, 0);
     incomplete.close();
-    expectOneReport({"not complete", "c.mp4"});
+    expectOneReport({path_of_c.c_str(), "\": disk full: there is no video"});
+    EXPECT_TRUE(incomplete.hasFailed());
+    EXPECT_FALSE(std::filesystem::exists(path_of_c));
+}
+
+TEST_F(VideoTest, TheProgramGetsOurPicturesAndNothingElseOfOurs) {
+    ffmpeg("ls /proc/$$/fd > files; cat > pictures");
+    const int ours = fcntl(STDOUT_FILENO, F_DUPFD, 200); // not marked as ours alone
+    second(1);
+    video.close();
+    ::close(ours);
+    EXPECT_EQ(read("files").find("200"), std::string::npos) << read("files");
+    EXPECT_FALSE(video.hasFailed());
 }
 
 } // namespace

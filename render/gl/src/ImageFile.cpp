@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ImageFile.h"
 
+#include "common/program/InputFile.h"
 #include "ig/base/jLog.h"
 
 #include <cstring>
@@ -33,6 +34,9 @@ bool readDds(std::istream& file, Image& image) {
     const std::uint32_t height = wordAt(header, 12), width = wordAt(header, 16);
     if (width - 1 >= MAX_SIZE || height - 1 >= MAX_SIZE) return false; // 0 wraps around
     const std::size_t size = std::size_t{4} * width * height;
+    file.seekg(0, std::ios::end); // before memory is spent on what isn't there
+    if (static_cast<std::size_t>(file.tellg()) < HEADER + size) return false;
+    file.seekg(HEADER);
     image.rgba.resize(size);
     if (!file.read(reinterpret_cast<char*>(image.rgba.data()), static_cast<std::streamsize>(size)))
         return false;
@@ -46,9 +50,12 @@ bool readDds(std::istream& file, Image& image) {
 } // namespace
 
 bool readImage(const std::string& path, Image& image) {
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream file;
     char magic[4] = {};
-    if (!file.read(magic, 4) || std::memcmp(magic, "DDS ", 4) != 0) return readPng(path, image);
+    // The other reader tells why it can't be read.
+    if (program::whyUnreadable(path).empty()) file.open(path, std::ios::binary);
+    if (!file.is_open() || !file.read(magic, 4) || std::memcmp(magic, "DDS ", 4) != 0)
+        return readPng(path, image);
     file.seekg(0);
     if (readDds(file, image)) return true;
     jLog::error("readImage: \"%s\": not a DDS file of 32-bit pixels", path.c_str());

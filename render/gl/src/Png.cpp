@@ -1,38 +1,59 @@
 // SPDX-License-Identifier: MIT
 #include "Png.h"
 
+#include "common/program/InputFile.h"
+#include "common/program/OutputFile.h"
 #include "ig/base/jLog.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <memory>
+#include <cstdint>
+#include <filesystem>
+#include <new>
 #include <png.h>
 
 using ig::jLog;
+using program::OutputFile;
 
 namespace {
-struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
+
+/// Back to where `setjmp` was called; the library's own words would be a second message.
+void giveUp(png_structp png, png_const_charp) { png_longjmp(png, 1); }
+
+void hand(png_structp png, png_bytep bytes, png_size_t size) {
+    auto* file = static_cast<OutputFile*>(png_get_io_ptr(png));
+    if (!file->write({reinterpret_cast<const char*>(bytes), size})) png_error(png, "");
+}
+
+/// False, with `why`, for sizes that memory is not to be spent on.
+bool isSane(std::uint64_t width, std::uint64_t height, std::uint64_t bytes, std::string& why) {
+    constexpr std::uint64_t MAX_PIXELS = std::uint64_t{1} << 26; // 256 MiB in memory
+    constexpr std::uint64_t MAX_RATIO = 8 * 1032; // pixels of one bit, deflated as far as can be
+    const std::string size = std::to_string(width) + " by " + std::to_string(height) + " pixels";
+    if (width * height > MAX_PIXELS)
+        why = size + " are more than a picture may have: 2^26";
+    else if (width * height > MAX_RATIO * bytes)
+        why = "damaged: " + size + " don't fit into its " + std::to_string(bytes) + " bytes";
+    return why.empty();
+}
+
 } // namespace
 
 // The compression level and filter are the ones that cost least for rendered pictures: 44 ms
 // instead of some 200 for 1280 × 720.
 bool writePng(const std::string& path, const ig::Picture& picture) {
-    std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path.c_str(), "wb"));
-    if (!file) {
-        jLog::error("writePng: \"%s\": %s", path.c_str(), std::strerror(errno));
+    OutputFile file;
+    if (!file.open(path, OutputFile::Kind::whole)) {
+        jLog::error("writePng: %s", file.message().c_str());
         return false;
     }
-    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, giveUp, nullptr);
     png_infop info = png ? png_create_info_struct(png) : nullptr;
     if (!info || setjmp(png_jmpbuf(png))) { // the library comes back here when it fails
-        jLog::error("writePng: \"%s\" can't be written", path.c_str());
+        jLog::error("writePng: %s", file.isOpen() ? ("\"" + path + "\": out of memory").c_str()
+                                                  : file.message().c_str());
         png_destroy_write_struct(&png, &info);
         return false;
     }
-    png_init_io(png, file.get());
+    png_set_write_fn(png, &file, hand, nullptr);
     png_set_IHDR(png, info, static_cast<png_uint_32>(picture.width),
                  static_cast<png_uint_32>(picture.height), 8, PNG_COLOR_TYPE_RGB,
                  PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
@@ -43,20 +64,30 @@ bool writePng(const std::string& path, const ig::Picture& picture) {
         png_write_row(png, picture.at(0, y));
     png_write_end(png, nullptr);
     png_destroy_write_struct(&png, &info);
-    return true;
+    if (file.close()) return true;
+    jLog::error("writePng: %s", file.message().c_str());
+    return false;
 }
 
 bool readPng(const std::string& path, Image& image) {
     png_image header{};
     header.version = PNG_IMAGE_VERSION;
-    if (png_image_begin_read_from_file(&header, path.c_str())) {
+    std::error_code error;
+    std::string why = program::whyUnreadable(path);
+    if (why.empty() && png_image_begin_read_from_file(&header, path.c_str()) &&
+        isSane(header.width, header.height, std::filesystem::file_size(path, error), why)) {
         header.format = PNG_FORMAT_RGBA;
         image.width = static_cast<int>(header.width);
         image.height = static_cast<int>(header.height);
-        image.rgba.resize(PNG_IMAGE_SIZE(header));
-        if (png_image_finish_read(&header, nullptr, image.rgba.data(), 0, nullptr)) return true;
+        try {
+            image.rgba.resize(PNG_IMAGE_SIZE(header));
+        } catch (const std::bad_alloc&) {
+            why = "out of memory";
+        }
+        if (why.empty() && png_image_finish_read(&header, nullptr, image.rgba.data(), 0, nullptr))
+            return true;
     }
-    jLog::error("readPng: \"%s\": %s", path.c_str(), header.message);
+    jLog::error("readPng: \"%s\": %s", path.c_str(), why.empty() ? header.message : why.c_str());
     png_image_free(&header);
     return false;
 }
