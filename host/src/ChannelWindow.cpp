@@ -21,6 +21,7 @@ bool Channel::openWindow() {
         if (!m_options.window) jLog::warning("visual_channel: going on without a window");
         return !m_options.window;
     }
+    m_window.setVerticalSync(!m_options.no_vertical_sync);
     m_options.width = m_window.getWidth();
     m_options.height = m_window.getHeight();
     return true;

@@ -35,6 +35,8 @@ const Conflict CONFLICTS[] = {
     {"help-overlay", "no-ui", false, NO_INTERFACE},
     {"statistics", "no-ui", false, NO_INTERFACE},
     {"window", "headless", false, "there is a window or there is none"},
+    {"no-vsync", "null", false, NO_PICTURES},
+    {"no-vsync", "headless", false, "there is no display to wait for"},
     {"size", "width", false, SAME_SIZE},
     {"size", "height", false, SAME_SIZE},
     {"screenshot-every", "screenshot", true, "the pictures are numbered after its name"},

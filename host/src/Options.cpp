@@ -65,6 +65,8 @@ void addPictureOptions(CLI::App& app, Options& options) {
         "--null", [&options](std::int64_t) { options.renderer = "null"; }, "--renderer null");
     app.add_flag("--headless", options.headless, "No window");
     app.add_flag("--window", options.window, "A window or nothing");
+    app.add_flag("--no-vsync", options.no_vertical_sync,
+                 "Pictures don't wait for the display and may tear");
     app.add_option_function<std::string>(
            "--scale",
            [&options](const std::string& text) {

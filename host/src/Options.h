@@ -20,6 +20,7 @@ struct Options {
     std::string renderer = "auto";  ///< gl, null, or auto: gl where the machine has it
     bool headless = false;          ///< no window, even with a display
     bool window = false;            ///< a window or nothing
+    bool no_vertical_sync = false;  ///< pictures don't wait for the display and may tear
     float scale = 1;                ///< of the rendering, 0.25 to 1; 0: so that 20 frames/s hold
     std::string screenshot;         ///< PNG of the last frame; empty: none
     std::string contact_sheet;      ///< PNG of all numbered pictures; empty: none

@@ -102,6 +102,8 @@ bool Window::open(int width, int height) {
     return true;
 }
 
+void Window::setVerticalSync(bool wait) { glfwSwapInterval(wait ? 1 : 0); }
+
 void Window::close() {
     if (m_window) glfwDestroyWindow(m_window);
     m_window = nullptr;

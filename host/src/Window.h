@@ -35,6 +35,8 @@ public:
     static bool hasDisplay();
     /// False, with one log line, when the window can't be opened.
     bool open(int width, int height);
+    /// Whether pictures wait for the display, as they do after `open`, or may tear.
+    void setVerticalSync(bool wait);
     void close();
     bool isOpen() const { return m_window != nullptr; }
     /// Delivers what has happened. False when the user wants the window closed.
