@@ -17,6 +17,19 @@ const jString CONFIG_PATH = "config/Logic_Nerith_Heli_Final.cfg";
 alignas(AppData) unsigned char g_storage[sizeof(AppData)];
 AppData* g_instance = nullptr;
 
+/// Every key that a getter reads.
+const std::vector<std::string> KEYS = {"flightSimulation_ip",
+                                       "recv_from_flightSimulation_port",
+                                       "send_to_flightSimulation_port",
+                                       "recv_from_console_port",
+                                       "send_to_flightsimulation_frequency",
+                                       "data_port",
+                                       "fps_limit",
+                                       "show_fps",
+                                       "real_time_fps",
+                                       "vsync",
+                                       "slaves"};
+
 template <class T>
 T orDefault(T value, T fallback) {
     return value == T(0) ? fallback : value;
@@ -38,7 +51,10 @@ void AppData::destroy_instance() {
 
 bool AppData::load() {
     m_package.release();
-    if (mjl::open(CONFIG_PATH, &m_package, false)) return true;
+    if (mjl::open(CONFIG_PATH, &m_package, false)) {
+        m_package.warnUnknownKeys("AppData::load", KEYS);
+        return true;
+    }
     jLog::warning("Open config file failed:%s, use default config", CONFIG_PATH.c_str());
     return false;
 }

@@ -64,6 +64,14 @@ TEST_F(AppDataTest, MalformedFileNamesPathAndLineAndFallsBack) {
     EXPECT_EQ(AppData::instance()->recv_from_flightSimulation_port(), 10004);
 }
 
+TEST_F(AppDataTest, KeysThatNothingReadsAreNamedWithTheOneThatIsMeant) {
+    load("flightSimulation_ip: 10.1.2.3\nrecv_from_flightsimulation_port: 7\nvsync: true\n");
+    EXPECT_EQ(log.lines, (std::vector<std::string>{
+                             "AppData::load: config/Logic_Nerith_Heli_Final.cfg:2: unknown key "
+                             "\"recv_from_flightsimulation_port\"; nearest is "
+                             "\"recv_from_flightSimulation_port\""}));
+}
+
 TEST_F(AppDataTest, SavedConfigurationReadsBack) {
     load("recv_from_flightSimulation_port: 4321\nslaves: {left: {shear: [0.5, -0.25]}}\n");
     ASSERT_TRUE(AppData::instance()->save());

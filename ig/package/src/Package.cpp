@@ -2,6 +2,7 @@
 #include "ig/package/Package.h"
 
 #include "ig/base/jLog.h"
+#include "ig/base/nearest.h"
 
 #include <algorithm>
 #include <cmath>
@@ -48,6 +49,13 @@ const Item* Package::getItem(const jString& key, bool warn) const {
 
 Item* Package::getItem(const jString& key, bool warn) {
     return const_cast<Item*>(std::as_const(*this).getItem(key, warn));
+}
+
+void Package::warnUnknownKeys(const char* user, const std::vector<std::string>& known) const {
+    for (const Item& item : m_items)
+        if (std::find(known.begin(), known.end(), item.m_name.view()) == known.end())
+            jLog::warning("%s: %s:%d: unknown key \"%s\"%s", user, getPath().c_str(), item.m_line,
+                          item.m_name.c_str(), nearest(item.m_name.view(), known).c_str());
 }
 
 const jString& Package::getString(const jString& key) const {

@@ -76,6 +76,23 @@ ReadResult checkText(const jString& path, std::string_view text) {
                        "not a text file in UTF-8");
 }
 
+// What the parser says of the commonest slips, in words of the text instead of its own.
+std::string explain(const std::string& what) {
+    using namespace YAML;
+    const std::pair<const char*, const char*> plain[] = {
+        {ErrorMsg::DOC_IN_SCALAR, "a quoted text is not closed before this line"},
+        {ErrorMsg::END_OF_SEQ_FLOW, "a list is not closed with ] before this place"},
+        {ErrorMsg::END_OF_MAP_FLOW, "a map is not closed with } before this place"},
+        {ErrorMsg::END_OF_SEQ, "neither a list's next \"- \" nor its end"},
+        {ErrorMsg::END_OF_MAP, "neither a \"key: value\" of the map above nor its end"},
+        {ErrorMsg::MAP_VALUE, "a \":\" where there can't be one (is the line above complete, and "
+                              "indented as it should be?)"},
+    };
+    for (const auto& [own, words] : plain)
+        if (what == own) return words;
+    return what;
+}
+
 // The parser takes the end of the file for the end of a quoted text, so that a file cut off there
 // would pass. Ahead of the marker that ends a document it does complain.
 ReadResult parseText(const jString& path, std::string text, Package& package) try {
@@ -88,9 +105,7 @@ ReadResult parseText(const jString& path, std::string text, Package& package) tr
     package = builder.take();
     return ReadResult::ok;
 } catch (const YAML::Exception& e) {
-    const bool unclosed = e.msg == YAML::ErrorMsg::DOC_IN_SCALAR;
-    return malformedAt(path, e.mark.line + 1, e.mark.column + 1,
-                       unclosed ? "a quoted text is not closed before this line" : e.msg);
+    return malformedAt(path, e.mark.line + 1, e.mark.column + 1, explain(e.msg));
 } catch (const std::exception& e) {
     return malformed(path, e.what()); // out of memory
 }

@@ -78,8 +78,8 @@ TEST_F(MjlTest, missing_files_are_false_and_silent_and_files_without_content_are
 
 TEST_F(MjlTest, malformed_files_name_line_and_column) {
     const std::tuple<std::string, const char*, const char*> cases[] = {
-        {"a: 1\nb: [1, 2\nc: 3\n", "3:", ""},
-        {"a: 1\n  b: 2\n", "2:", ""},
+        {"a: 1\nb: [1, 2\nc: 3\n", "3:", "closed with ]"},
+        {"a: 1\n  b: 2\n", "2:", "line above"},
         {"a: \"open", "2:", "not closed"},
         {"a: 1\nb: 2\na: 3\n", "3:1: ", "\"a\" stands twice"},
         {"- 1\n- 2\n", "1:1: ", "top level"},

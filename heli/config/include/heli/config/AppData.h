@@ -20,8 +20,9 @@ public:
     virtual bool get_flag() const { return m_flag; }
     virtual void set_flag(bool flag) { m_flag = flag; }
 
-    /// Replaces the content by that of the file. False, with one warning, when it can't be read;
-    /// the content is then empty and every getter answers its default.
+    /// Replaces the content by that of the file, with a warning for every key that no getter reads.
+    /// False, with one warning, when it can't be read; the content is then empty and every getter
+    /// answers its default.
     bool load();
     bool save();
     void clear();

@@ -3,6 +3,9 @@
 
 #include "ig/package/Item.h"
 
+#include <string>
+#include <vector>
+
 namespace ig {
 
 /// A tree of named values: configuration, string table, worlds, prefabs, tracks and materials are
@@ -36,6 +39,10 @@ public:
     /// The item of that key or null; with `warn`, a missing one is logged.
     const Item* getItem(const jString& key, bool warn = false) const;
     Item* getItem(const jString& key, bool warn = false);
+
+    /// One warning, on behalf of `user`, for every key that is not `known` and that therefore
+    /// nothing reads: with file, line and the known key that it is most like.
+    void warnUnknownKeys(const char* user, const std::vector<std::string>& known) const;
 
     const jString& getString(const jString& key) const;
     int getInt(const jString& key) const;
