@@ -5,6 +5,7 @@
 // doesn't take the rest of the scene with it.
 
 #include "ig/base/jLog.h"
+#include "ig/base/nearest.h"
 #include "ig/math/EllipsoidModel.h"
 #include "ig/package/Package.h"
 #include "ig/physics/Body.h"
@@ -15,7 +16,6 @@
 #include "readList.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <map>
 #include <memory>
@@ -46,23 +46,14 @@ bool readVec3(const Package& p, const char* key, dvec3& out) {
     return true;
 }
 
-/// Keys that every node may have.
-const std::array<std::string_view, 9> NODE_KEYS = {
-    "name", "type", "enabled", "position", "rotation", "wgs", "hpr", "children", "body"};
-
 /// Reports keys that nothing reads, so that a misspelt one is noticed.
 void reportUnknownKeys(const Package& p, std::initializer_list<std::string_view> own,
                        bool is_node = false) {
-    const auto holds = [](const auto& keys, std::string_view key) {
-        return std::find(keys.begin(), keys.end(), key) != keys.end();
-    };
-    for (int i = 0; i < p.getItemCount(); i++) {
-        const Item& item = p.getItemAt(i);
-        const std::string_view key = item.getName().view();
-        if (!holds(own, key) && !(is_node && holds(NODE_KEYS, key)))
-            jLog::warning("World::LoadNode: %s:%d: unknown key \"%s\"", p.getPath().c_str(),
-                          item.getLine(), item.getName().c_str());
-    }
+    std::vector<std::string> known(own.begin(), own.end());
+    if (is_node)
+        known.insert(known.end(), {"name", "type", "enabled", "position", "rotation", "wgs", "hpr",
+                                   "children", "body"});
+    p.warnUnknownKeys("World::LoadNode", known);
 }
 
 // ------------------------------------------------------------------ bodies
@@ -283,12 +274,24 @@ std::map<jString, Creator>& creators() {
 
 // ------------------------------------------------------------------ what all nodes have
 
+/// What to say of a place that isn't on the earth.
+const char* wgsFault(const dvec3& wgs) {
+    return std::abs(wgs.x) <= 90 && std::abs(wgs.y) <= 360
+               ? "latitude and longitude are exchanged (\"wgs\" is longitude, latitude, altitude) "
+                 "in"
+               : "longitude within 360 and latitude within 90 degrees are needed in \"wgs\" of";
+}
+
 bool placeNode(const Package& p, Node& node) {
     dvec3 position, rotation, wgs, hpr;
     if (!readVec3(p, "position", position) || !readVec3(p, "rotation", rotation) ||
         !readVec3(p, "wgs", wgs) || !readVec3(p, "hpr", hpr))
         return false;
-    if (p.getItem("wgs")) {
+    if (const Item* item = p.getItem("wgs")) {
+        if (std::abs(wgs.x) > 360 || std::abs(wgs.y) > 90) {
+            report(p, item->getLine(), wgsFault(wgs), p.getString("name"));
+            return false;
+        }
         node.setWgsPosition(wgs);
         node.setWgsHPR(hpr);
     } else {
@@ -335,7 +338,12 @@ Node* World::LoadNode(const Package* package) {
     const Package& p = *package;
     const Creator create = NodeFactory::find(p.getString("type"));
     if (!create) {
-        report(p, p.getLine(), "unknown type of node", p.getString("type"));
+        std::vector<std::string> types;
+        for (const auto& [type, known] : creators())
+            types.push_back(type.c_str());
+        jLog::error("World::LoadNode: %s:%d: unknown type of node \"%s\"%s; it is left out",
+                    p.getPath().c_str(), p.getLine(), p.getString("type").c_str(),
+                    nearest(p.getString("type").view(), types).c_str());
         return nullptr;
     }
     std::unique_ptr<Node> node(create(p));

@@ -128,17 +128,20 @@ TEST_F(SceneFiles, EverySlipIsReportedWithItsLineAndTheRestIsLoaded) {
                      "- {name: points, type: mesh, mesh: bad.obj}\n"
                      "- {name: ghost, body: {mass: 1, shapes: [{type: box, size: [0, 1, 1]}]}}\n"
                      "- {name: fog, type: particles, material: bad.mat}\n"
-                     "- {name: child, children: [{name: kid, type: ufo}]}\n"
+                     "- {name: child, children: [{name: kid, type: mehs}]}\n"
                      "- 7\n"
                      "- {name: lines, type: mesh, mesh: lines.obj}\n"
                      "- {name: huge, type: mesh, mesh: huge.obj}\n"
                      "- {name: twice, type: mesh, mesh: nowhere.obj}\n"
                      "- {name: spray, type: particles, surface: air, material: bad_state.mat}\n"
-                     "- {name: moor, children: [{name: buoy, wgs: [1, 2, 3]}]}\n"));
+                     "- {name: moor, children: [{name: buoy, wgs: [1, 2, 3]}]}\n"
+                     "- {name: swapped, wgs: [19.7, -155, 3]}\n"
+                     "- {name: beyond, wgs: [200, 99, 3]}\n"
+                     "- {name: round, wgs: [358, 40, 0]}\n"));
     EXPECT_NE(world.getNodeByName("good"), nullptr);
-    for (const char* name : {"short", "text", "alien", "kid", "buoy"})
+    for (const char* name : {"short", "text", "alien", "kid", "buoy", "swapped", "beyond"})
         EXPECT_EQ(world.getNodeByName(name), nullptr) << name;
-    for (const char* name : {"typo", "ghost", "fog", "child", "lines", "moor"})
+    for (const char* name : {"typo", "ghost", "fog", "child", "lines", "moor", "round"})
         EXPECT_NE(world.getNodeByName(name), nullptr) << name;
     for (const char* name : {"lost", "points", "huge"}) { // a cube that nothing meets
         auto* object = dynamic_cast<ObjectMesh*>(world.getNodeByName(name));
@@ -146,11 +149,13 @@ TEST_F(SceneFiles, EverySlipIsReportedWithItsLineAndTheRestIsLoaded) {
         EXPECT_FALSE(object->isIntersection(0));
     }
     for (const char* part :
-         {"a.world:3: unknown key \"tpye\"", "a.world:4:", "a.world:5:",
-          "a.world:6: unknown type of node \"spaceship\"", "a.world:7: no mesh", "nowhere.obj",
-          "a.world:9: unknown shape", "bad.mat:3:", "a.world:11: unknown type of node \"ufo\"",
+         {"a.world:3: unknown key \"tpye\"; nearest is \"type\"",
+          "a.world:4:", "a.world:5:", "a.world:6: unknown type of node \"spaceship\"",
+          "a.world:7: no mesh", "nowhere.obj", "a.world:9: unknown shape",
+          "bad.mat:3:", "a.world:11: unknown type of node \"mehs\"; nearest is \"mesh\"",
           "a.world:12: a map is needed", "1e7 m", "a.world:16: unknown surface",
-          "bad_state.mat:3: state \"fan\"", "a.world:17: \"wgs\""})
+          "bad_state.mat:3: state \"fan\"", "a.world:17: \"wgs\"",
+          "a.world:18: latitude and longitude are exchanged", "a.world:19: longitude within"})
         EXPECT_TRUE(logged(part)) << part;
     EXPECT_EQ(std::count_if(log.lines.begin(), log.lines.end(),
                             [](const std::string& line) {

@@ -55,7 +55,11 @@ bool ObjectTerrain::load(const jString& path) {
     HeightRaster raster;
     std::string failure;
     if (!raster.read(path, failure)) {
-        jLog::error("ObjectTerrain::load: \"%s\": %s", path.c_str(), failure.c_str());
+        const std::string named = std::string(path.c_str()) + ": "; // some reasons begin with it
+        if (failure.starts_with(named)) failure.erase(0, named.size());
+        jLog::error("ObjectTerrain::load: no ground from \"%s\": %s (the world names it as "
+                    "\"raster\")",
+                    path.c_str(), failure.c_str());
         return false;
     }
     if (!raster.resampled_from.empty())
