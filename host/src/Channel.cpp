@@ -19,6 +19,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <unistd.h>
 
 using namespace ig;
@@ -36,6 +37,18 @@ constexpr int LEVEL_CAMERA = 654321; ///< identifier of the UI message
 double steadyNow() {
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
         .count();
+}
+
+/// For a message: the folder above the program that holds `path`, as a build has it, or nothing.
+std::string findFolder(const std::string& path) {
+    std::error_code error;
+    std::filesystem::path folder = std::filesystem::read_symlink("/proc/self/exe", error);
+    while (folder.has_relative_path()) {
+        folder = folder.parent_path();
+        if (std::filesystem::exists(folder / path, error))
+            return ", but in \"" + folder.string() + '"';
+    }
+    return {};
 }
 
 void levelCamera() {
@@ -63,12 +76,12 @@ bool Channel::open() {
                     std::strerror(errno));
         return false;
     }
-    Texts::load(m_options.language);
     if (!loadScript() || !checkOutputs() || !makeRenderer()) return false;
     Engine::get()->setApp(this);
     Engine::get()->setWorld(&m_world);
     prepareInterface();
     if (!loadLibraries() || !loadWorld()) return false;
+    Texts::load(m_options.language);
     placeCamera();
     m_listener.connect(*m_logic);
     m_environment.connect(*m_logic);
@@ -160,7 +173,14 @@ bool Channel::loadLibraries() {
 
 bool Channel::loadWorld() {
     const jString path = m_logic->getWorldPath();
-    return path.empty() || m_world.load(path);
+    std::error_code error;
+    if (path.empty() || std::filesystem::exists(path.c_str(), error))
+        return path.empty() || m_world.load(path);
+    jLog::error("visual_channel: there is no \"%s\" in \"%s\"%s: start in the folder that holds "
+                "config/ and data/, or name it with --directory",
+                path.c_str(), std::filesystem::current_path(error).c_str(),
+                findFolder(path.c_str()).c_str());
+    return false;
 }
 
 /// A level camera at the start marker, looking ahead: the logic's views take over from it.
