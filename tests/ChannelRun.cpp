@@ -31,10 +31,9 @@ bool ChannelRun::start(const std::string& options) {
 
 /// Before its first frame a signal would end the program at once.
 void ChannelRun::waitForHandlers() const {
-    for (;; std::this_thread::sleep_for(std::chrono::milliseconds(1))) {
+    while (!program->hasEnded()) {
         std::ifstream status("/proc/" + std::to_string(program->id()) + "/status");
         for (std::string line; std::getline(status, line);) {
-            if (line.starts_with("State:\tZ")) return; // over already
             if (line.starts_with("SigCgt:") &&
                 (std::stoull(line.substr(8), nullptr, 16) >> (SIGTERM - 1) & 1) != 0)
                 return;

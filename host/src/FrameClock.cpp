@@ -4,27 +4,38 @@
 #include <chrono>
 #include <cmath>
 #include <ctime>
+#include <utility>
 
-FrameClock::FrameClock(double rate, double step)
-    : m_period(rate > 0 ? 1 / rate : 0), m_step(step) {}
+namespace {
 
-double FrameClock::now() {
+double steadyNow() {
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
         .count();
 }
 
+void sleepUntil(double time) {
+    timespec until;
+    until.tv_sec = static_cast<time_t>(time);
+    until.tv_nsec = static_cast<long>((time - std::floor(time)) * 1e9);
+    clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &until, nullptr);
+}
+
+} // namespace
+
+FrameClock::Time FrameClock::Time::ofSystem() { return {steadyNow, ::sleepUntil}; }
+
+FrameClock::FrameClock(double rate, double step, Time time)
+    : m_time(std::move(time)), m_period(rate > 0 ? 1 / rate : 0), m_step(step) {}
+
 float FrameClock::beginFrame() {
     const bool first = m_last == 0;
-    if (first) m_deadline = now();
+    if (first) m_deadline = m_time.now();
     if (m_period > 0 && !first) {
         m_deadline += m_period;
-        if (now() > m_deadline + m_period) m_deadline = now();
-        timespec deadline;
-        deadline.tv_sec = static_cast<time_t>(m_deadline);
-        deadline.tv_nsec = static_cast<long>((m_deadline - std::floor(m_deadline)) * 1e9);
-        clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &deadline, nullptr);
+        if (m_time.now() > m_deadline + m_period) m_deadline = m_time.now();
+        m_time.sleepUntil(m_deadline);
     }
-    const double begin = now();
+    const double begin = m_time.now();
     const double passed = first ? m_period : begin - m_last;
     m_last = begin;
     return static_cast<float>(m_step > 0 ? m_step : passed);

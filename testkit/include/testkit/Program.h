@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <stdexcept>
 #include <string>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -49,17 +50,32 @@ public:
         return line_text;
     }
     void signal(int number) const { kill(m_id, number); }
+    bool hasEnded() const {
+        siginfo_t info{};
+        return waitid(P_PID, static_cast<id_t>(m_id), &info, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+               info.si_pid == m_id;
+    }
     /// Waits for the end; the exit status, or −1 when it crashed. `rest`: what else it printed.
     int finish(std::string* rest = nullptr) {
         for (std::string text; !(text = line()).empty();)
             if (rest) *rest += text;
         int status = -1;
-        waitpid(m_id, &status, 0);
+        wait4(m_id, &status, 0, &m_usage);
         m_id = -1;
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
 
+    /// After `finish`: what it took of the processor, s; and of memory at most, MB.
+    double cpuSeconds() const {
+        const auto seconds = [](const timeval& t) {
+            return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) * 1e-6;
+        };
+        return seconds(m_usage.ru_utime) + seconds(m_usage.ru_stime);
+    }
+    double megabytes() const { return static_cast<double>(m_usage.ru_maxrss) / 1024; }
+
 private:
+    rusage m_usage{};
     pid_t m_id = -1;
     std::FILE* m_output = nullptr;
 };

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#include "FrameClock.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+namespace {
+
+/// A clock that only waiting and the test itself move on.
+struct FrameClockTest : testing::Test {
+    FrameClock::Time time{[this] { return now; },
+                          [this](double until) {
+                              waits++;
+                              now = std::max(now, until);
+                          }};
+    double now = 1000;
+    int waits = 0;
+};
+
+TEST_F(FrameClockTest, AFixedStepWithoutRateNeedsNoRealTime) {
+    FrameClock clock(0, 0.02, time);
+    double scene = 0;
+    for (int i = 0; i < 600; i++)
+        scene += static_cast<double>(clock.beginFrame());
+    EXPECT_NEAR(scene, 12, 1e-4);
+    EXPECT_EQ(waits, 0);
+}
+
+TEST_F(FrameClockTest, FramesKeepToTheRateAndAStallIsNotMadeUpFor) {
+    FrameClock clock(100, 0, time);
+    for (int i = 0; i < 100; i++) {
+        EXPECT_NEAR(clock.beginFrame(), 0.01, 1e-6);
+        EXPECT_NEAR(now, 1000 + i * 0.01, 1e-6) << "late frames would add up";
+        now += 0.003; // work
+    }
+    EXPECT_EQ(waits, 99);
+    now += 0.5;
+    EXPECT_NEAR(clock.beginFrame(), 0.503, 1e-6);
+    EXPECT_NEAR(clock.beginFrame(), 0.01, 1e-6);
+}
+
+} // namespace
