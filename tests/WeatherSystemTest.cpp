@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: MIT
 
-// Weather from end to end: from a datagram to what the channel says that it shows.
+// Weather and the scene's time from end to end: from a datagram to what the channel says and
+// answers.
 
 #include "ChannelRun.h"
 
-#include <chrono>
+#include "common/wire/UdpSendData.h"
+
+#include <cstring>
 #include <gtest/gtest.h>
-#include <thread>
+#include <set>
 
 namespace {
-
-using namespace std::chrono_literals;
 
 TEST(WeatherSystem, RecordsSetTheWeatherAndOptionsWin) {
     UdpRecvData record{};
@@ -29,12 +30,11 @@ TEST(WeatherSystem, RecordsSetTheWeatherAndOptionsWin) {
     const auto shownWith = [&](const std::string& options) {
         ChannelRun run;
         EXPECT_TRUE(run.start("--renderer null --fps 30 --time-scale 0 " + options));
-        for (int i = 0; i < 5; i++) {
-            run.send(&record, sizeof record);
-            std::this_thread::sleep_for(300ms);
-        }
+        run.send(&record, sizeof record);
+        // The next status line comes when a second has passed, and the record lies in the socket.
+        const std::string line = run.program->waitFor(", 1 applied");
         EXPECT_EQ(run.stop(), 0);
-        return run.output;
+        return line;
     };
     const std::string told = shownWith("--time-of-day 18.5");
     EXPECT_NE(told.find("| freeze 18:30 storm, rain 2, clouds 80 % at 700 m, sight 15.0 km, wind "
@@ -46,6 +46,39 @@ TEST(WeatherSystem, RecordsSetTheWeatherAndOptionsWin) {
                          "060/11 m/s, sea 2 |"),
               std::string::npos)
         << asked;
+}
+
+TEST(WeatherSystem, AFrozenSceneStandsStillAndAnswersUntilItRunsAndExitEndsItIfItMay) {
+    ChannelRun run;
+    ASSERT_TRUE(run.start("--step 0.02 --fps 100 --obey-exit"));
+    UdpRecvData record{};
+    record.longitude = -155.03; // over open sea
+    record.latitude = 19.75;
+    record.altitude = 30;
+    record.sea_code = 5;
+    // The different heights above the waves that the channel answers, once the command has come.
+    const auto heightsAfter = [&](std::uint32_t command) {
+        record.system_cmd = command;
+        std::set<float> heights;
+        for (int i = 0; i < 60; i++) {
+            run.send(&record, sizeof record);
+            const std::string bytes = run.peer.receive(5000);
+            UdpSendData answer{};
+            if (bytes.size() == sizeof answer) std::memcpy(&answer, bytes.data(), sizeof answer);
+            if (i >= 20) heights.insert(answer.height_above_ground);
+        }
+        return heights;
+    };
+    EXPECT_GT(heightsAfter(0).size(), 30u);
+    EXPECT_EQ(heightsAfter(2).size(), 1u) << "frozen";
+    EXPECT_EQ(heightsAfter(0).size(), 1u) << "and nothing new commanded";
+    EXPECT_GT(heightsAfter(1).size(), 30u);
+    record.system_cmd = 4;
+    run.send(&record, sizeof record);
+    EXPECT_EQ(run.program->finish(&run.output), 0);
+    EXPECT_NE(run.output.find("the flight simulation ends the channel (system_cmd 4)"),
+              std::string::npos);
+    EXPECT_NE(run.output.find("records: "), std::string::npos) << "the summary";
 }
 
 } // namespace

@@ -61,6 +61,7 @@ void levelCamera() {
 Channel::Channel(const Options& options)
     : m_options(options), m_window(*this), m_interface(this, &m_control),
       m_script(*this, *m_interface.getRoot()), m_camera_control(nullptr), m_environment(m_options),
+      m_scene_command(options.obey_exit),
       m_screenshots(options.screenshot, options.screenshot_every, options.contact_sheet),
       m_video(options.video), m_clock(options.frame_rate, options.step) {
     m_status.setQuiet(options.quiet);
@@ -85,6 +86,7 @@ bool Channel::open() {
     placeCamera();
     m_listener.connect(*m_logic);
     m_environment.connect(*m_logic);
+    m_scene_command.connect(*m_logic);
     if (!m_logic->init()) {
         jLog::error("visual_channel: \"%s\" has no node \"start_heli\" for the helicopter to start "
                     "at",
@@ -238,9 +240,10 @@ bool Channel::runFrame() {
     m_last_records = m_listener.m_records;
     m_trace.write(begin, m_listener);
     m_status.addFrame(dt, work);
-    m_status.print(m_listener, m_link, m_environment.describe());
+    m_status.print(m_listener, m_link, m_scene_command.describe() + ' ' + m_environment.describe());
     m_scene_time += static_cast<double>(dt);
     m_frames++;
+    if (m_scene_command.isExit()) m_quit = true;
     return true;
 }
 
@@ -272,17 +275,19 @@ FrameCosts Channel::frame(float dt) {
         last = steadyNow();
         return last - before;
     };
-    Engine::get()->beginFrame(dt);
-    m_logic->update(dt);
+    Engine::get()->beginFrame(dt, m_scene_command.isStill());
+    const float step = Engine::get()->getSceneStep();
+    m_logic->update(step);
     m_link.update(LinkSample::read(), steadyNow());
+    m_scene_command.update();
     levelAfterJump();
-    m_environment.update(dt, getEye(), m_control);
+    m_environment.update(step, getEye(), m_control);
     costs.update = spent();
-    m_world.updatePhysics(dt);
-    m_world.updateParticles(dt);
+    m_world.updatePhysics(step);
+    m_world.updateParticles(step);
     const Weather weather = m_environment.getWeather();
     m_particles.setWind(weather.wind_direction, std::max(weather.wind_speed, 0.0f));
-    m_particles.advance(m_world, dt);
+    m_particles.advance(m_world, step);
     costs.physics = spent();
     m_interface.update(dt);
     m_frame_info.ui = m_options.no_interface ? nullptr : m_interface.draw();
@@ -297,10 +302,11 @@ FrameCosts Channel::frame(float dt) {
 }
 
 void Channel::draw() {
-    const double time = Engine::get()->getRunningTime();
-    m_environment.fillFrame(getEye(), m_listener.m_helicopter, time, m_frame_info);
+    m_environment.fillFrame(getEye(), m_listener.m_helicopter, Engine::get()->getRunningTime(),
+                            m_frame_info);
     m_frame_info.particles = &m_particles;
     m_renderer->render(m_world, getEye(), m_frame_info);
+    const double time = m_scene_time + static_cast<double>(Engine::get()->getFrameTime());
     m_screenshots.afterFrame(*m_renderer, time);
     m_video.afterFrame(*m_renderer, time);
 }

@@ -7,6 +7,7 @@
 #include "LogicListener.h"
 #include "Options.h"
 #include "ScaleGovernor.h"
+#include "SceneCommand.h"
 #include "Screenshots.h"
 #include "ScriptPlayer.h"
 #include "Status.h"
@@ -105,6 +106,7 @@ private:
     LinkMonitor m_link; ///< looks at the logic's sockets
     Status m_status;
     Environment m_environment;
+    SceneCommand m_scene_command;
     Screenshots m_screenshots;
     Video m_video;
     ig::ParticleSystem m_particles;
@@ -112,7 +114,7 @@ private:
     Trace m_trace;
     ig::dvec3 m_last_position; ///< of the helicopter
     FrameClock m_clock;
-    double m_scene_time = 0; ///< s
+    double m_scene_time = 0; ///< s; goes on while the scene stands still
     int m_frames = 0;
     bool m_close_requested = false;
     bool m_quit = false;    ///< the operator has confirmed it

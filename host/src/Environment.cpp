@@ -64,7 +64,6 @@ Environment::Environment(const Options& options)
 
 void Environment::connect(LogicBase& logic) {
     m_logic = &logic;
-    logic.m_sig_command.append({this, &Environment::onCommand});
     logic.m_sig_weather.append({this, &Environment::onWeather});
     logic.m_sig_rain.append({this, &Environment::onRain});
     logic.m_sig_snow.append({this, &Environment::onSnow});
@@ -265,11 +264,9 @@ void Environment::fillDownwash(const ObjectPrefab* helicopter, FrameInfo& frame)
 }
 
 std::string Environment::describe() const {
-    const char* const commands[] = {"freeze", "run", "stop", "exit"};
-    char text[256];
+    char hour[16];
     const int minutes = static_cast<int>(m_hour * 60);
+    std::snprintf(hour, sizeof hour, "%02d:%02d", minutes / 60, minutes % 60);
     const std::string weather = getWeather().describe();
-    std::snprintf(text, sizeof text, "%s %02d:%02d%s%s", commands[m_command - CMD_FREEZE],
-                  minutes / 60, minutes % 60, weather.empty() ? "" : " ", weather.c_str());
-    return text;
+    return weather.empty() ? hour : std::string(hour) + ' ' + weather;
 }

@@ -36,8 +36,8 @@ public:
     /// of the highest level. Called once, when the world is complete.
     void attach(const ig::World& world);
 
-    /// Once per frame, after the logic's update and before physics and particles. Precipitation
-    /// falls around `camera`.
+    /// Once per frame, after the logic's update and before physics and particles. `dt`: by how much
+    /// the scene moves on, 0 while it stands still. Precipitation falls around `camera`.
     void update(float dt, const ig::Camera& camera, const ig::ControlApp& keys);
     /// Fills in what concerns light, air and water. The hour counts at the camera's longitude;
     /// `helicopter` may be null; `time` is the scene's.
@@ -59,7 +59,6 @@ private:
         float life;      ///< s, at rest
     };
 
-    void onCommand(CMD_TYPE command) { m_command = command; }
     void onWeather(WEATHER_TYPE look) { m_told.look = look; }
     void onRain(WEATHER_DETAIL level) { m_told.rain = level; }
     void onSnow(WEATHER_DETAIL level) { m_told.snow = level; }
@@ -86,7 +85,6 @@ private:
     bool m_eye_known = false;
     Weather m_told;     ///< by the flight simulation
     Weather m_operator; ///< by options and keys
-    CMD_TYPE m_command = CMD_RUN;
     double m_hour;
     double m_time_scale;
     int m_day_of_year;

@@ -176,6 +176,8 @@ void addOptions(CLI::App& app, Options& options) {
     addInterfaceOptions(app, options);
     app.add_option("--allow-sender", options.allow_sender,
                    "Take records from this IPv4 address only");
+    app.add_flag("--obey-exit", options.obey_exit,
+                 "End in order when the flight simulation commands it (system_cmd 4)");
     app.add_option("--trace", options.trace, "Write a CSV line per frame to this file");
     app.add_flag("--quiet", options.quiet, "No status line every second");
 }

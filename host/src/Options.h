@@ -36,6 +36,7 @@ struct Options {
     std::string allow_sender;  ///< whose records are taken; empty: anybody's
     std::string trace;         ///< CSV file with a line per frame; empty: none
     bool quiet = false;        ///< no status line
+    bool obey_exit = false;    ///< the flight simulation may end the channel
     bool no_interface = false; ///< pictures without panels and texts
     std::string language = "zh"; ///< of what the application says in the picture: zh or en
     bool show_help = false;      ///< the key map, from the start

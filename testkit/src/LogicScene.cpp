@@ -100,11 +100,12 @@ bool LogicScene::start() {
     return logic->init();
 }
 
-void LogicScene::frame(float dt) {
-    Engine::get()->beginFrame(dt);
-    logic->update(dt);
-    world->updatePhysics(dt);
-    world->updateParticles(dt);
+void LogicScene::frame(float dt, bool still) {
+    Engine::get()->beginFrame(dt, still);
+    const float step = Engine::get()->getSceneStep();
+    logic->update(step);
+    world->updatePhysics(step);
+    world->updateParticles(step);
     ui->resize(width, height);
     ui->update(dt);
     logic->swap();

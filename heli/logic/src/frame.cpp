@@ -35,7 +35,8 @@ void update_ship(Ship* ship) {
 } // namespace
 
 void Logic_Nerith_Heli_Final::update(float dt) {
-    m_timers.update(dt); // applies the host's records
+    // Applies the host's records, also while the scene stands still.
+    m_timers.update(dt > 0 ? dt : Engine::get()->getFrameTime());
     update_flags(dt);
     if (m_cmder) m_cmder->update(dt);
     place_panels();

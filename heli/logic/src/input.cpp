@@ -15,7 +15,7 @@ constexpr float MAX_THIRD_DIST = 1e7f; ///< metres: farther than the camera sees
 void Logic_Nerith_Heli_Final::update_input() {
     IApp* app = Engine::get()->getApp();
     ControlApp* keys = app ? app->getControl() : nullptr;
-    const float dt = Engine::get()->getFrameTime();
+    const float dt = Engine::get()->getSceneStep();
 
     if (keys) {
         if (keys->isKeyPress(KEY_F4) && keys->isKeyPress(KEY_ALT)) std::_Exit(0); // at once
@@ -27,7 +27,7 @@ void Logic_Nerith_Heli_Final::update_input() {
         m_player_mode == PLAYER_MODE_FIRST || m_player_mode == PLAYER_MODE_THIRD;
     if (keyboard_flight && m_heli) m_heli->update_input(dt);
     if (m_heli) m_heli->update(dt);
-    place_camera_by_input(keys, dt);
+    place_camera_by_input(keys, Engine::get()->getFrameTime());
 }
 
 /// One command per frame: of several clicked keys the first in this order acts, and one press acts

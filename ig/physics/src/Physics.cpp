@@ -122,7 +122,7 @@ void BodyRigid::accelerate(double h) {
 }
 
 void Physics::update(float dt) {
-    if (!(dt > 0) || !std::isfinite(dt)) return;
+    if (!(dt > 0) || !std::isfinite(dt)) return forgetForces();
     const double time = std::min<double>(dt, MAX_FRAME_TIME);
     for (Body* body : m_bodies)
         if (body->getType() == Body::BODY_ROPE && body->isEnabled())
@@ -139,13 +139,17 @@ void Physics::update(float dt) {
         }
         m_solver->world.stepSimulation(time / steps, 0);
     }
-    for (Body* body : m_bodies) {
-        BodyRigid* rigid = asRigid(body);
-        if (!rigid) continue;
-        rigid->m_force = rigid->m_torque = {};
-        if (rigid->m_landing) land(rigid);
-    }
+    forgetForces();
+    for (Body* body : m_bodies)
+        if (BodyRigid* rigid = asRigid(body); rigid && rigid->m_landing) land(rigid);
     reportContacts();
+}
+
+/// They act in one frame. In one of no length they come to nothing: summed up, they would push all
+/// at once in the next.
+void Physics::forgetForces() {
+    for (Body* body : m_bodies)
+        if (BodyRigid* rigid = asRigid(body)) rigid->m_force = rigid->m_torque = {};
 }
 
 } // namespace ig

@@ -28,11 +28,13 @@ public:
     void setWorld(World* world) { m_world = world; }
     const EllipsoidModel* getEllipsoidModel() const { return &m_ellipsoid; }
 
-    /// Starts a frame of `dt` seconds: one more frame, `dt` more running time.
-    void beginFrame(float dt);
-    int getFrame() const { return m_frame; }                 ///< 1 in the first frame
-    float getFrameTime() const { return m_frame_time; }      ///< duration of the present frame, s
-    double getRunningTime() const { return m_running_time; } ///< sum of all frames, s
+    /// Starts a frame of `dt` seconds: one more frame, and `dt` more running time unless the scene
+    /// stands still. What an operator does, and the link, go on then.
+    void beginFrame(float dt, bool still = false);
+    int getFrame() const { return m_frame; }            ///< 1 in the first frame
+    float getFrameTime() const { return m_frame_time; } ///< duration of the present frame, s
+    float getSceneStep() const { return m_scene_step; } ///< the scene's share in it, s: all or 0
+    double getRunningTime() const { return m_running_time; } ///< of the scene: sum of its steps, s
 
     float getEnvironment(EnvironmentValue which) const { return m_environment[which]; }
     /// What is not finite is ignored.
@@ -57,7 +59,7 @@ private:
     World* m_world = nullptr;
     EllipsoidModel m_ellipsoid;
     int m_frame = 0;
-    float m_frame_time = 0;
+    float m_frame_time = 0, m_scene_step = 0;
     double m_running_time = 0;
     float m_wind_direction = 0, m_wind_strength = 0;
     float m_environment[ENVIRONMENT_COUNT] = {};

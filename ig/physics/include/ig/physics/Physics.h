@@ -60,7 +60,8 @@ public:
     void removeBody(Body* body);
     const jVector<Body*>& getBodies() const { return m_bodies; }
 
-    /// Advances every enabled dynamic body by `dt` seconds; nothing for dt ≤ 0 or a non-finite one.
+    /// Advances every enabled dynamic body by `dt` seconds. For dt ≤ 0 or a non-finite one nothing
+    /// moves, and what pushes the bodies is forgotten all the same.
     void update(float dt);
 
 private:
@@ -72,6 +73,7 @@ private:
     void refresh(BodyRigid* body); // after the solver's body was placed
     void land(BodyRigid* body);
     void sweep(BodyRigid* body, jVector<BodyRigid*>& contacts);
+    void forgetForces();
     void reportContacts();
 
     jVector<Body*> m_bodies;
