@@ -37,12 +37,12 @@ TEST(WeatherSystem, RecordsSetTheWeatherAndOptionsWin) {
         return line;
     };
     const std::string told = shownWith("--time-of-day 18.5");
-    EXPECT_NE(told.find("| freeze 18:30 storm, rain 2, clouds 80 % at 700 m, sight 15.0 km, wind "
+    EXPECT_NE(told.find("| freeze 18:30 storm, rain 2, clouds 80 % at 700 m, sight 9.0 km, wind "
                         "060/11 m/s, sea 6 |"),
               std::string::npos)
         << told;
     const std::string asked = shownWith("--time 12 --weather fog --rain 0 --hail 1 --sea 2");
-    EXPECT_NE(asked.find("| freeze 12:00 fog, hail 1, clouds 80 % at 700 m, sight 15.0 km, wind "
+    EXPECT_NE(asked.find("| freeze 12:00 fog, hail 1, clouds 80 % at 700 m, sight 800 m, wind "
                          "060/11 m/s, sea 2 |"),
               std::string::npos)
         << asked;

@@ -22,28 +22,17 @@ namespace {
 
 constexpr float FULL_VISIBILITY = 300000; ///< metres, at fraction 1
 constexpr float LEAST_VISIBILITY = 20;    ///< metres: what absurd values come down to
-constexpr double DEFAULT_VISIBILITY = 60000;
-constexpr double FOG_VISIBILITY = 800; ///< metres, for fog without a word on how thick
-/// Metres by level, for precipitation without a word on how far one sees.
-constexpr double RAIN_VISIBILITY[] = {DEFAULT_VISIBILITY, 20000, 9000, 4000};
-constexpr double SNOW_VISIBILITY[] = {DEFAULT_VISIBILITY, 6000, 2000, 700};
-constexpr float LOWEST_CLOUDS = 30, HIGHEST_TOWER = 15000; ///< metres
-constexpr float WIND_STRENGTH = 400;                       ///< the scene's wind strength for 1 m/s
-constexpr float HIGHEST_WIND = 60;                         ///< m/s: what absurd values come down to
-constexpr int HEAVY = 3;                                   ///< the highest level of precipitation
-constexpr int HIGHEST_SEA = 12;                            ///< Beaufort
-constexpr double PATH = 60;            ///< m that drops pass the eye by at most, by their life
-constexpr double FASTEST_EYE = 400;    ///< m/s; what is faster has jumped
-constexpr double EYE_SMOOTHING = 0.15; ///< s; host records come unevenly
-constexpr double DAY = 24;             ///< hours
-constexpr float ROTOR_RADIUS = 9.5f;   ///< m
+constexpr float WIND_STRENGTH = 400;      ///< the scene's wind strength for 1 m/s
+constexpr float HIGHEST_WIND = 60;        ///< m/s: what absurd values come down to
+constexpr int HIGHEST_SEA = 12;           ///< Beaufort
+constexpr double PATH = 60;               ///< m that drops pass the eye by at most, by their life
+constexpr double FASTEST_EYE = 400;       ///< m/s; what is faster has jumped
+constexpr double EYE_SMOOTHING = 0.15;    ///< s; host records come unevenly
+constexpr double DAY = 24;                ///< hours
+constexpr int RESET_CODE = 25;            ///< of the scene
+constexpr float DARK = 0.5f;              ///< clouds of which lightning comes
+constexpr float ROTOR_RADIUS = 9.5f;      ///< m
 constexpr float WASH_FADES_FROM = 8, WASH_FADES_TO = 30; ///< altitude over the water, m
-
-/// Looks of the sky by WEATHER_TYPE.
-struct Look {
-    float cloud_cover, overcast, darkness;
-};
-constexpr Look LOOKS[] = {{0.5f, 0, 0}, {0.8f, 1, 0.15f}, {0.9f, 1, 0.85f}, {0.5f, 0.9f, 0.1f}};
 
 // What the keys go through; the first of each is "as told".
 constexpr int LOOK_KEY = KEY_F7, SHOWER_KEY = KEY_F8, SEA_KEY = 'b', HOUR_KEY = 't';
@@ -64,6 +53,7 @@ Environment::Environment(const Options& options)
 
 void Environment::connect(LogicBase& logic) {
     m_logic = &logic;
+    logic.m_sig_code.append({this, &Environment::onCode});
     logic.m_sig_weather.append({this, &Environment::onWeather});
     logic.m_sig_rain.append({this, &Environment::onRain});
     logic.m_sig_snow.append({this, &Environment::onSnow});
@@ -78,18 +68,23 @@ void Environment::connect(LogicBase& logic) {
 void Environment::attach(const World& world) {
     Node* ocean = world.getNodeByName("ocean");
     if (ocean && ocean->getType() == OBJECT_OCEAN) m_ocean = static_cast<ObjectOcean*>(ocean);
-    const std::pair<const char*, int Weather::*> kinds[] = {
-        {"rain", &Weather::rain}, {"snow", &Weather::snow}, {"hail", &Weather::hail}};
-    for (const auto& [name, level] : kinds) {
+    const std::pair<const char*, float ShownWeather::*> kinds[] = {{"rain", &ShownWeather::rain},
+                                                                   {"snow", &ShownWeather::snow},
+                                                                   {"hail", &ShownWeather::hail}};
+    for (const auto& [name, strength] : kinds) {
         Node* node = world.getNodeByName(name);
         if (!node || node->getType() != OBJECT_PARTICLES) continue;
         auto* emitter = static_cast<ObjectParticles*>(node);
-        m_precipitation.push_back({emitter, level, emitter->getSpawnRate(),
+        m_precipitation.push_back({emitter, strength, emitter->getSpawnRate(),
                                    std::abs(emitter->getLinearVelocity()), emitter->getLife()});
     }
 }
 
 // ------------------------------------------------------------------ what is asked for
+
+void Environment::onCode(int code) {
+    if (code == RESET_CODE) m_settles = true;
+}
 
 void Environment::onCloud(CloudInfo* cloud) {
     const float cover = cloud->enable ? cloud->ratio : 0;
@@ -99,7 +94,10 @@ void Environment::onCloud(CloudInfo* cloud) {
     m_told.cloud_thickness = cloud->thickness;
 }
 
+/// Every record carries it.
 void Environment::onWindSpeed(float speed) {
+    m_settles = m_settles || !m_host_heard;
+    m_host_heard = true;
     if (std::isfinite(speed)) m_told.wind_speed = std::max(speed, 0.0f);
 }
 
@@ -146,8 +144,19 @@ void Environment::update(float dt, const Camera& camera, const ControlApp& keys)
     if (m_ocean && weather.beaufort >= 0)
         m_ocean->setBeaufort(static_cast<float>(weather.beaufort));
     followEye(camera, dt);
+    followWeather(dt);
     applyPrecipitation(weather, camera);
-    tellLogic(weather);
+    tellLogic();
+}
+
+void Environment::followWeather(float dt) {
+    const ShownWeather target = ShownWeather::of(m_told, m_operator);
+    if (m_settles || (!(dt > 0) && target != m_target))
+        m_shown = target;
+    else
+        m_shown.approach(target, dt);
+    m_settles = false;
+    m_target = target;
 }
 
 /// How fast the eye moves, from where it was.
@@ -175,14 +184,14 @@ void Environment::applyPrecipitation(const Weather& weather, const Camera& camer
     const dvec3 air = (level.getX() * std::cos(towards) + level.getY() * std::sin(towards)) *
                       static_cast<double>(std::clamp(weather.wind_speed, 0.0f, HIGHEST_WIND));
     for (const Precipitation& p : m_precipitation) {
-        const int strength = std::clamp(weather.*p.level, 0, HEAVY);
+        const float strength = m_shown.*p.strength;
         p.emitter->setEnabled(strength > 0);
         const dvec3 velocity = air - level.getZ() * static_cast<double>(p.fall);
         const dvec3 passing = velocity - m_eye_velocity;
         const auto life = static_cast<float>(
             std::min(static_cast<double>(p.life), PATH / std::max(length(passing), 0.1)));
-        p.emitter->setSpawnRate(p.full_rate * static_cast<float>(strength) / HEAVY * p.life / life);
-        if (strength == 0) continue;
+        p.emitter->setSpawnRate(p.full_rate * strength * p.life / life);
+        if (!(strength > 0)) continue;
         p.emitter->setLife(life);
         p.emitter->setLinearVelocity(-static_cast<float>(length(velocity)));
         // Its Z points up the drops' way.
@@ -194,16 +203,12 @@ void Environment::applyPrecipitation(const Weather& weather, const Camera& camer
     }
 }
 
-/// Its glass, runway and lamps follow rain, snow and hour.
-void Environment::tellLogic(const Weather& weather) {
+/// Its glass, runway and lamps follow wetness, ice and hour.
+void Environment::tellLogic() {
     if (!m_logic) return;
-    const auto strength = [](int level) {
-        return static_cast<float>(std::clamp(level, 0, HEAVY)) / HEAVY;
-    };
-    const float rain = strength(weather.rain), snow = strength(weather.snow);
     const auto hour = static_cast<float>(m_hour);
-    if (rain != m_told_rain) m_logic->setRain(m_told_rain = rain);
-    if (snow != m_told_snow) m_logic->setSnow(m_told_snow = snow);
+    if (m_shown.wetness != m_told_rain) m_logic->setRain(m_told_rain = m_shown.wetness);
+    if (m_shown.ice != m_told_snow) m_logic->setSnow(m_told_snow = m_shown.ice);
     if (hour != m_told_hour) m_logic->setTod(m_told_hour = hour);
 }
 
@@ -223,29 +228,19 @@ void Environment::fillSky(double longitude, double time, FrameInfo& frame) const
     frame.moon_direction = sky.moon_direction;
     frame.sidereal_angle = sky.sidereal_angle;
     const Weather weather = getWeather();
-    const Look& look = LOOKS[std::clamp<int>(weather.look, WEATHER_CLEAR, WEATHER_FOG)];
-    frame.overcast = look.overcast;
-    frame.cloud_darkness = look.darkness;
-    frame.cloud_cover = weather.cloud_cover >= 0 ? weather.cloud_cover : look.cloud_cover;
-    frame.rain = static_cast<float>(std::max(weather.rain, 0)) / HEAVY;
-    frame.snow = static_cast<float>(std::max(weather.snow, 0)) / HEAVY;
-    frame.hail = static_cast<float>(std::max(weather.hail, 0)) / HEAVY;
+    frame.overcast = m_shown.overcast;
+    frame.cloud_darkness = m_shown.darkness;
+    frame.cloud_cover = m_shown.cloud_cover;
+    frame.cloud_base = static_cast<double>(m_shown.cloud_base);
+    frame.cloud_thickness = static_cast<double>(m_shown.cloud_thickness);
+    frame.visibility = static_cast<double>(m_shown.visibility);
+    frame.rain = m_shown.rain;
+    frame.snow = m_shown.snow;
+    frame.hail = m_shown.hail;
     const float wind = std::clamp(weather.wind_speed, 0.0f, HIGHEST_WIND);
     const float towards = weather.wind_direction * DEG_TO_RAD<float>;
     frame.wind = {wind * std::cos(towards), wind * std::sin(towards)};
-    if (weather.visibility > 0)
-        frame.visibility = static_cast<double>(weather.visibility);
-    else
-        frame.visibility = weather.look == WEATHER_FOG
-                               ? FOG_VISIBILITY
-                               : std::min(RAIN_VISIBILITY[std::clamp(weather.rain, 0, HEAVY)],
-                                          SNOW_VISIBILITY[std::clamp(weather.snow, 0, HEAVY)]);
-    if (weather.cloud_cover >= 0 && weather.cloud_thickness > 0) {
-        frame.cloud_base = static_cast<double>(std::max(weather.cloud_base, LOWEST_CLOUDS));
-        frame.cloud_thickness =
-            static_cast<double>(std::min(weather.cloud_thickness, HIGHEST_TOWER));
-    }
-    const Lightning light = weather.look == WEATHER_STORM ? Lightning::at(time) : Lightning();
+    const Lightning light = m_shown.darkness > DARK ? Lightning::at(time) : Lightning();
     frame.flash = light.flash;
     frame.bolt_azimuth = light.azimuth;
     frame.bolt_shape = light.shape;
@@ -267,6 +262,9 @@ std::string Environment::describe() const {
     char hour[16];
     const int minutes = static_cast<int>(m_hour * 60);
     std::snprintf(hour, sizeof hour, "%02d:%02d", minutes / 60, minutes % 60);
-    const std::string weather = getWeather().describe();
+    Weather seen = getWeather();
+    const float sight = ShownWeather::of(m_told, m_operator).visibility;
+    if (seen.visibility > 0 || sight != ShownWeather().visibility) seen.visibility = sight;
+    const std::string weather = seen.describe();
     return weather.empty() ? hour : std::string(hour) + ' ' + weather;
 }

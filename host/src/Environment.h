@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ShownWeather.h"
 #include "Weather.h"
 #include "common/logic/LogicBase.h"
 #include "ig/app/Renderer.h"
@@ -19,8 +20,10 @@ struct Options;
 
 /// Light, air and sea of the scene. The flight simulation's weather arrives through the logic's
 /// signals, whose handlers only store it; once a frame it is applied to the sea, the precipitation,
-/// the wind and the picture, and the logic is told what belongs to its own scene. The hour is this
-/// application's own. What the operator asks for, by options or keys, wins over the flight
+/// the wind and the picture, which follow changes in their own time, and the logic is told what
+/// belongs to its own scene. What is told first after the start or with a reset of the scene holds
+/// at once, and so does what changes while the scene stands still. The hour is this application's
+/// own. What the operator asks for, by options or keys, wins over the flight
 /// simulation:
 ///
 ///   F7   look of the sky: as told, clear, overcast, storm, fog
@@ -44,7 +47,7 @@ public:
     void fillFrame(const ig::Camera& camera, const ig::ObjectPrefab* helicopter, double time,
                    ig::FrameInfo& frame) const;
 
-    /// What holds at present.
+    /// What is asked for at present.
     Weather getWeather() const { return m_told.overriddenBy(m_operator); }
     double getHour() const { return m_hour; } ///< local solar time, in [0, 24)
     /// For the status line.
@@ -53,12 +56,13 @@ public:
 private:
     struct Precipitation {
         ig::ObjectParticles* emitter;
-        int Weather::*level;
-        float full_rate; ///< particles per second at the highest level, at rest
+        float ShownWeather::*strength;
+        float full_rate; ///< particles per second at full strength, at rest
         float fall;      ///< m/s through the air
         float life;      ///< s, at rest
     };
 
+    void onCode(int code);
     void onWeather(WEATHER_TYPE look) { m_told.look = look; }
     void onRain(WEATHER_DETAIL level) { m_told.rain = level; }
     void onSnow(WEATHER_DETAIL level) { m_told.snow = level; }
@@ -73,8 +77,9 @@ private:
 
     void readKeys(const ig::ControlApp& keys);
     void followEye(const ig::Camera& camera, float dt);
+    void followWeather(float dt);
     void applyPrecipitation(const Weather& weather, const ig::Camera& camera);
-    void tellLogic(const Weather& weather);
+    void tellLogic();
     void fillSky(double longitude, double time, ig::FrameInfo& frame) const;
     static void fillDownwash(const ig::ObjectPrefab* helicopter, ig::FrameInfo& frame);
 
@@ -85,6 +90,9 @@ private:
     bool m_eye_known = false;
     Weather m_told;     ///< by the flight simulation
     Weather m_operator; ///< by options and keys
+    bool m_host_heard = false;
+    bool m_settles = true; ///< the next frame shows at once what is asked for
+    ShownWeather m_shown, m_target;
     double m_hour;
     double m_time_scale;
     int m_day_of_year;

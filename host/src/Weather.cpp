@@ -52,7 +52,10 @@ std::string Weather::describe() const {
     if (cloud_cover > 0)
         add(text, "clouds %.0f %% at %.0f m", static_cast<double>(cloud_cover * 100),
             static_cast<double>(cloud_base));
-    if (visibility > 0) add(text, "sight %.1f km", static_cast<double>(visibility / 1000));
+    if (visibility >= 1000)
+        add(text, "sight %.1f km", static_cast<double>(visibility / 1000));
+    else if (visibility > 0)
+        add(text, "sight %.0f m", static_cast<double>(visibility));
     if (wind_speed >= 0) // as sailors say it: where it comes from, clockwise from north
         add(text, "wind %03.0f/%.0f m/s",
             std::remainder(90 - static_cast<double>(wind_direction), 360) + 180,

@@ -19,11 +19,10 @@ using namespace ig;
 /// A logic that writes down what it is told.
 struct ToldLogic : LogicBase {
     ToldLogic() : LogicBase(nullptr, nullptr) {}
-    void setRain(float value) override { rain.push_back(value); }
-    void setSnow(float value) override { snow.push_back(value); }
+    void setRain(float value) override { rain = value; }
+    void setSnow(float value) override { snow = value; }
     void setTod(float value) override { hour = value; }
-    std::vector<float> rain, snow;
-    float hour = -1;
+    float rain = -1, snow = -1, hour = -1;
 };
 
 struct EnvironmentTest : testing::Test {
@@ -59,6 +58,10 @@ struct EnvironmentTest : testing::Test {
         environment->update(dt, camera, keys);
         environment->fillFrame(camera, nullptr, 0, picture);
     }
+    void frames(double seconds) {
+        for (int i = 0; i < static_cast<int>(seconds * 60); i++)
+            frame();
+    }
     void press(int key) {
         keys.keyDown(key);
         frame(0);
@@ -83,11 +86,12 @@ TEST_F(EnvironmentTest, UntilSomebodySpeaksTheSceneKeepsItsOwn) {
     EXPECT_EQ(Engine::get()->getWindStrength(), 0);
     EXPECT_EQ(picture.visibility, 60000);
     EXPECT_EQ(picture.overcast, 0);
-    EXPECT_EQ(logic.rain, std::vector<float>{0});
+    EXPECT_EQ(logic.rain, 0);
+    EXPECT_EQ(environment->describe(), "12:00");
     EXPECT_NEAR(logic.hour, 12, 1e-4);
 }
 
-TEST_F(EnvironmentTest, SignalsActInTheNextFrame) {
+TEST_F(EnvironmentTest, TheFirstRecordActsInTheNextFrame) {
     start();
     emit(logic.m_sig_weather, WEATHER_STORM);
     emit(logic.m_sig_rain, DETAIL_MEDIUM);
@@ -108,24 +112,60 @@ TEST_F(EnvironmentTest, SignalsActInTheNextFrame) {
     EXPECT_FALSE(snow->isEnabled());
     EXPECT_FLOAT_EQ(rain->getSpawnRate(), 600);
     EXPECT_FLOAT_EQ(hail->getSpawnRate(), 900);
-    EXPECT_EQ(logic.rain, (std::vector<float>{0, 2 / 3.0f}));
-    EXPECT_EQ(logic.snow, (std::vector<float>{0}));
+    EXPECT_FLOAT_EQ(logic.rain, 2 / 3.0f);
+    EXPECT_EQ(logic.snow, 0);
     EXPECT_EQ(picture.overcast, 1);
     EXPECT_GT(picture.cloud_darkness, 0.5f);
     EXPECT_EQ(picture.cloud_cover, 0.7f);
-    EXPECT_NEAR(picture.visibility, 30000, 0.01);
+    EXPECT_EQ(picture.visibility, 2500) << "30 km without the hail";
     EXPECT_FLOAT_EQ(picture.rain, 2 / 3.0f);
     EXPECT_EQ(picture.hail, 1);
     EXPECT_NEAR(picture.wind.x, -8.66, 0.01); // to the west-south-west
     EXPECT_NEAR(picture.wind.y, -5, 0.01);
     EXPECT_EQ(environment->describe(), "12:00 storm, rain 2, hail 3, clouds 70 % at 800 m, "
-                                       "sight 30.0 km, wind 060/10 m/s, sea 6");
-    emit(logic.m_sig_rain, DETAIL_NONE);
-    frame();
-    EXPECT_FALSE(rain->isEnabled());
-    emit(logic.m_sig_rain, DETAIL_HEAVY); // and back at the full rate, not at a third of a third
-    frame();
+                                       "sight 2.5 km, wind 060/10 m/s, sea 6");
+}
+
+TEST_F(EnvironmentTest, LaterWeatherComesInItsOwnTimeUnlessTheSceneIsResetOrStandsStill) {
+    const auto tell = [&](WEATHER_TYPE look, WEATHER_DETAIL showers) {
+        emit(logic.m_sig_weather, look);
+        emit(logic.m_sig_rain, showers);
+        emit(logic.m_sig_snow, showers);
+        emit(logic.m_sig_float_3, 5.0f);
+        frame();
+    };
+    start();
+    tell(WEATHER_CLEAR, DETAIL_NONE);
+    tell(WEATHER_FOG, DETAIL_HEAVY);
+    EXPECT_EQ(environment->describe().substr(0, 39), "12:00 fog, rain 3, snow 3, sight 700 m,");
+    EXPECT_GT(picture.visibility, 50000);
+    EXPECT_TRUE(rain->isEnabled());
+    EXPECT_LT(rain->getSpawnRate(), 30);
+    frames(10);
+    EXPECT_EQ(picture.visibility, 700);
     EXPECT_FLOAT_EQ(rain->getSpawnRate(), 900);
+    EXPECT_EQ(picture.snow, 1);
+    EXPECT_NEAR(logic.rain, 0.5, 0.01); // what lies outside gets wet and iced later
+    EXPECT_NEAR(logic.snow, 0.25, 0.01);
+    emit(logic.m_sig_code, 25);
+    tell(WEATHER_CLEAR, DETAIL_NONE);
+    EXPECT_EQ(picture.visibility, 60000);
+    EXPECT_EQ(logic.rain, 0);
+    EXPECT_FALSE(rain->isEnabled());
+    tell(WEATHER_STORM, DETAIL_HEAVY); // from a blue sky comes no lightning
+    bool flashed = false;
+    for (int i = 0; i < 3 * 60; i++, flashed = flashed || picture.flash > 0) {
+        environment->update(1 / 60.0f, camera, keys);
+        environment->fillFrame(camera, nullptr, i / 6.0, picture);
+    }
+    EXPECT_FALSE(flashed);
+    const float on_the_way = picture.overcast;
+    frame(0); // frozen: what comes stays on its way, what is told now holds at once
+    EXPECT_EQ(picture.overcast, on_the_way);
+    emit(logic.m_sig_rain, DETAIL_LIGHT);
+    frame(0);
+    EXPECT_EQ(picture.overcast, 1);
+    EXPECT_FLOAT_EQ(rain->getSpawnRate(), 300);
 }
 
 TEST_F(EnvironmentTest, PrecipitationPassesTheEyeHowEverThatMoves) {

@@ -221,7 +221,8 @@ void SkyPass::update(const FrameView& view, const FrameInfo& told, FrameBlock& b
 
     // Koschmieder: contrast falls to 2 % at the meteorological visibility. Fog is shallow.
     float extinction = static_cast<float>(3.912 / std::max(frame.visibility, 10.0));
-    const float scale_height = frame.visibility < 2000 ? 300.0f : 1200.0f;
+    const auto sight = static_cast<float>(frame.visibility);
+    const float scale_height = std::lerp(300.0f, 1200.0f, smoothStep(2000, 4000, sight));
     const float altitude = static_cast<float>(std::max(view.geodetic.z, 0.0));
     constexpr float CLEAR_AIR = 8e-5f; // what the scattering itself shows already
     block.air = {1 / scale_height, std::exp(-altitude / scale_height), altitude,
