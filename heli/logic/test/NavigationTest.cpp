@@ -34,14 +34,12 @@ TEST_F(NavigationTest, OrbitTurnsAboutTheHelicopterAndTheLocalVertical) {
     const dvec3 pivot = logic().m_heli->get_world_position();
     const dvec3 up = EARTH.getUp(position());
     const dvec3 arm = position() - pivot;
-    EXPECT_FALSE(logic().rot_around(0, 0));
-    EXPECT_TRUE(logic().rot_around(90, 0));
+    logic().rot_around(90, 0);
     const dvec3 turned = position() - pivot;
     EXPECT_NEAR(length(turned), 25, 1e-7);
-    EXPECT_NEAR(dot(turned, up), dot(arm, up), 1e-4);           // level
     EXPECT_LT(length(turned - cross(up, arm)), 1e-3);           // a quarter turn, counter-clockwise
     EXPECT_LT(length(axis(0, 0, 1) - normalize(turned)), 1e-9); // still looks at it
-    EXPECT_TRUE(logic().rot_around(0, -30));
+    logic().rot_around(0, -30);
     EXPECT_NEAR(dot(position() - pivot, up), 25 * std::sin(30 * DEG_TO_RAD<double>), 0.01);
 }
 
@@ -121,30 +119,20 @@ TEST_F(NavigationTest, ViewsCycleAndEachPlacesTheCamera) {
     EXPECT_EQ(logic().m_player_mode, Mode::PLAYER_MODE_THIRD);
     // First exactly where the third view left it, then after the helicopter again.
     EXPECT_LT(length(position() - third.getTranslate()), 1e-8);
+    EXPECT_LT(length(axis(0, 0, 1) - third.getZ()), 1e-9);
     scene.frame();
     EXPECT_NEAR(length(position() - logic().m_heli->get_world_position()), 25, 1e-8);
 }
 
 TEST_F(NavigationTest, WheelZoomsTheThirdViewOnlyDownToAMetre) {
-    logic().onMouseWheel({-120, 0}, nullptr); // down: farther
-    EXPECT_EQ(logic().m_third_dist, 26);
-    EXPECT_NEAR(length(position() - logic().m_heli->get_world_position()), 26, 1e-8);
-    for (int i = 0; i < 40; i++)
-        logic().onMouseWheel({120, 1}, nullptr);
-    EXPECT_EQ(logic().m_third_dist, 1);
+    for (const auto& [clicks, delta, distance] : {std::tuple(1, -120, 26), {40, 120, 1}}) {
+        for (int i = 0; i < clicks; i++)
+            logic().onMouseWheel({static_cast<float>(delta), delta > 0}, nullptr);
+        EXPECT_NEAR(length(position() - logic().m_heli->get_world_position()), distance, 1e-7);
+    }
     logic().set_player_mode(Mode::PLAYER_MODE_FREE);
     logic().onMouseWheel({-120, 0}, nullptr);
     EXPECT_EQ(logic().m_third_dist, 1);
-}
-
-TEST_F(NavigationTest, Message654321LevelsTheCamera) {
-    scene.bankCamera();
-    UiMsg other{123456}, level{654321};
-    MsgMngr::get()->send(&other);
-    const dvec3 up = normalize(position());
-    EXPECT_LT(dot(axis(0, 1, 0), up), 0.95);
-    MsgMngr::get()->send(&level);
-    EXPECT_NEAR(dot(axis(0, 1, 0), up), 1, 1e-12);
 }
 
 // ------------------------------------------------------------------ picking
@@ -198,15 +186,6 @@ TEST(Picking, NearestVisibleSurfaceWins) {
     hit = dvec3(1, 2, 3);
     EXPECT_EQ(pick(), "");
     EXPECT_EQ(hit, dvec3(1, 2, 3));
-}
-
-TEST(Picking, WithoutWorldItIsAnErrorLine) {
-    LogCapture log;
-    CameraControl control(nullptr);
-    Logic_Nerith_Heli_Final logic(nullptr, &control);
-    EXPECT_EQ(logic.select_object({}, {1, 0, 0}, nullptr), nullptr);
-    EXPECT_EQ(log.lines,
-              (std::vector<std::string>{"Logic_Nerith_Heli_Final::select_object:world"}));
 }
 
 TEST(Picking, RayThroughAPixelProjectsBackOntoIt) {

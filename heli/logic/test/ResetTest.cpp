@@ -3,21 +3,13 @@
 #include "heli/logic/records.h"
 #include "ig/scene/Track.h"
 
-#include <gtest/gtest.h>
-
 namespace {
 
 using namespace ig;
 
-struct ResetTest : testing::Test {
-    void SetUp() override { ASSERT_TRUE(scene.start()); }
-    LogicScene scene;
-};
-
 TEST(Reset, RemovesWhatIsDeployedInItsOrderAndLeavesMissilesAndWinch) {
-    SeaScene scene;
-    ASSERT_TRUE(scene.startAt(300));
-    SignalRecorder signals(*scene.logic);
+    SeaScene scene(300);
+    const SignalRecorder& signals = *scene.signals;
     const int before = scene.world->getNodes().size();
     scene.logic->emit_sonar();
     scene.logic->emit_decoy();
@@ -40,7 +32,6 @@ TEST(Reset, RemovesWhatIsDeployedInItsOrderAndLeavesMissilesAndWinch) {
     EXPECT_TRUE(scene.logic->m_torpedo_infos.empty() && scene.logic->m_decoys.empty() &&
                 scene.logic->m_thrown_sonars.empty());
     EXPECT_EQ(scene.logic->m_sonar_info->prefab, nullptr);
-    EXPECT_EQ(scene.logic->m_sonar_info->anchor, nullptr);
     EXPECT_TRUE(scene.helicopterNode("sonar")->isEnabled());
     EXPECT_EQ(scene.logic->m_missiles.size(), 1);
     EXPECT_EQ(scene.logic->m_winch_info->prefab, a[9]);
@@ -52,34 +43,18 @@ TEST(Reset, RemovesWhatIsDeployedInItsOrderAndLeavesMissilesAndWinch) {
     scene.frames(10);
 }
 
-TEST(Reset, MissingMarkerAndStatesAreSkipped) {
+TEST(Tracks, AreKeptInOrderAndFoundByPath) {
     LogicScene scene;
-    scene.folder.write(LogicScene::HELICOPTER, "node: {name: bare}\n");
     ASSERT_TRUE(scene.start());
-    scene.world->removeNode(scene.world->getNodeByName("start_heli"));
-    UdpRecvData record = LogicScene::record();
-    record.altitude = 99;
-    scene.send(record);
-    scene.frame();
-    scene.logic->reset();
-    EXPECT_NEAR(scene.helicopterWgs().z, 99, 1e-8);
-}
-
-TEST_F(ResetTest, TracksAreKeptInOrderAndFoundByPath) {
-    const int before = scene.logic->m_tracks.size();
     scene.log.lines.clear();
-    scene.logic->load_track("");
-    EXPECT_TRUE(scene.log.lines.empty());
     scene.folder.write("a.anim", "channels: [{node: deck, keys: [[0, 1], [1, 0]]}]\n");
-    scene.logic->load_track("a.anim");
-    scene.logic->load_track("a.anim");
-    ASSERT_EQ(scene.logic->m_tracks.size(), before + 2);
-    EXPECT_EQ(scene.logic->get_track("a.anim"), scene.logic->m_tracks[before]);
+    for (const char* path : {"", "a.anim", "b.anim", "a.anim"})
+        scene.logic->load_track(path);
+    EXPECT_EQ(scene.logic->m_tracks.size(), 2);
+    EXPECT_EQ(scene.logic->get_track("a.anim"), scene.logic->m_tracks[0]);
     EXPECT_EQ(scene.logic->get_track("b.anim"), nullptr);
-    scene.logic->load_track("b.anim");
     EXPECT_EQ(scene.log.lines, (std::vector<std::string>{
                                    "Logic_Nerith_Heli_Final::load_track:\"b.anim\" load failed"}));
-    EXPECT_EQ(scene.logic->m_tracks.size(), before + 2);
     scene.logic->get_track("a.anim")->set(1);
     EXPECT_FALSE(scene.world->getNodeByName("deck")->isEnabled());
 }

@@ -4,6 +4,8 @@
 #include "plugins/ocean/ObjectOcean.h"
 #include "testkit/LogicScene.h"
 
+#include <gtest/gtest.h>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,7 +37,14 @@ struct SignalRecorder {
         codes.push_back(code);
         removed_before_code.push_back(removed.size());
     }
-
+    void forget() {
+        effects.clear();
+        removed = added = {};
+        added_flags.clear();
+        texts.clear();
+        codes.clear();
+        removed_before_code.clear();
+    }
     std::vector<Effect> effects;
     std::vector<ig::Node*> removed, added;
     std::vector<bool> added_flags;
@@ -44,15 +53,17 @@ struct SignalRecorder {
     std::vector<std::size_t> removed_before_code;
 };
 
-/// The project's own scene, the helicopter over the open sea.
+/// The project's own scene, the helicopter over the open sea, calm unless a test wants waves, which
+/// take most of the time; and what the logic tells.
 struct SeaScene : LogicScene {
     static constexpr double SEA_LONGITUDE = -155.0, SEA_LATITUDE = 19.9;
-    SeaScene() { useProjectData(); }
     /// Starts, with the helicopter at that altitude.
-    bool startAt(double altitude) {
-        if (!start()) return false;
-        place(altitude);
-        return true;
+    explicit SeaScene(double altitude, const ig::dvec3& hpr = {}) {
+        useProjectData();
+        EXPECT_TRUE(start());
+        signals.emplace(*logic);
+        logic->m_ocean->setBeaufort(0);
+        place(altitude, hpr);
     }
     void place(double altitude, const ig::dvec3& hpr = {}) {
         ig::ObjectPrefab* prefab = logic->m_heli->m_prefab;
@@ -74,5 +85,5 @@ struct SeaScene : LogicScene {
                 places.push_back(node->getWorldPosition());
         return places;
     }
-    int bodies() { return world->getPhysics().getBodies().size(); }
+    std::optional<SignalRecorder> signals;
 };

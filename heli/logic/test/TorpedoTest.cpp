@@ -4,7 +4,6 @@
 #include "plugins/ocean/ObjectOcean.h"
 
 #include <cmath>
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -27,81 +26,68 @@ double fallTime(double height) {
 }
 
 TEST(Torpedo, EntersTheWaterWhenBallisticsTellsWithExactlyItsTwoEffects) {
-    for (const double height : {30.0, 150.0})
-        for (const bool stalls : {false, true}) {
-            SeaScene scene;
-            ASSERT_TRUE(scene.startAt(height + 3));
-            scene.place(height + 3, {70, 0, 0});
-            SignalRecorder signals(*scene.logic);
-            scene.logic->emit_torpedo();
-            const auto* prefab = scene.logic->m_torpedo_infos[0]->prefab;
-            const Node* torpedo = prefab->getNodeByName("torpedo");
-            EXPECT_NEAR(SeaScene::altitude(torpedo->getWorldPosition()), height, 1e-6);
-            EXPECT_LT(length(prefab->getWgsHPR()), 1e-9);
-            double time = 0;
-            dvec3 last;
-            for (int i = 0; i < 2000 && signals.effects.empty(); i++) {
-                const float dt = stalls && i % 25 == 10 ? 0.1f : 1 / 60.0f;
-                last = torpedo->getWorldPosition();
-                scene.frame(dt);
-                time += static_cast<double>(dt);
-            }
-            EXPECT_NEAR(time, fallTime(height), 0.05 * fallTime(height));
-            ASSERT_EQ(signals.effects.size(), 2u);
-            EXPECT_EQ(signals.effects[0].path,
-                      "data/art/prefab/vfx/explosion_1/explosion_1.prefab");
-            EXPECT_EQ(signals.effects[0].duration, 20);
-            EXPECT_LT(length(signals.effects[0].place - last), 1e-6);
-            EXPECT_EQ(signals.effects[1].path,
-                      "data/PELMAR_PROJECT/prefabs/vfx/water_explosion/water_explosion.prefab");
-            EXPECT_EQ(signals.effects[1].duration, 3);
-            const dvec3 splash = signals.effects[1].place;
-            EXPECT_NEAR(SeaScene::altitude(splash), scene.sea(last) + 1, 0.05);
-            EXPECT_LT(length(splash - last), 6); // above it
-            EXPECT_EQ(signals.removed, signals.added);
-            EXPECT_TRUE(scene.logic->m_torpedo_infos.empty());
-            // What is announced is shown, and the parachute's action is gone.
-            EXPECT_EQ(scene.logic->m_action_manager.size(), 2);
-            EXPECT_EQ(scene.effects(), (std::vector<dvec3>{last, splash}));
-            scene.frames(20, 0.1f);
-            EXPECT_EQ(signals.effects.size(), 2u);
+    for (const auto& [height, stalls] : {std::pair(30.0, true), {150.0, false}}) {
+        SeaScene scene(height + 3, {70, 0, 0});
+        const SignalRecorder& signals = *scene.signals;
+        scene.logic->m_ocean->setBeaufort(5);
+        scene.logic->emit_torpedo();
+        const auto* prefab = scene.logic->m_torpedo_infos[0]->prefab;
+        const Node* torpedo = prefab->getNodeByName("torpedo");
+        EXPECT_NEAR(SeaScene::altitude(torpedo->getWorldPosition()), height, 1e-6);
+        EXPECT_LT(length(prefab->getWgsHPR()), 1e-9);
+        double time = 0;
+        dvec3 last;
+        for (int i = 0; i < 2000 && signals.effects.empty(); i++) {
+            const float dt = stalls && i % 25 == 10 ? 0.1f : 1 / 60.0f;
+            last = torpedo->getWorldPosition();
+            scene.frame(dt);
+            time += static_cast<double>(dt);
         }
+        EXPECT_NEAR(time, fallTime(height), 0.05 * fallTime(height));
+        ASSERT_EQ(signals.effects.size(), 2u);
+        EXPECT_EQ(signals.effects[0].path, "data/art/prefab/vfx/explosion_1/explosion_1.prefab");
+        EXPECT_EQ(signals.effects[0].duration, 20);
+        EXPECT_EQ(signals.effects[1].path,
+                  "data/PELMAR_PROJECT/prefabs/vfx/water_explosion/water_explosion.prefab");
+        EXPECT_EQ(signals.effects[1].duration, 3);
+        const dvec3 splash = signals.effects[1].place;
+        EXPECT_NEAR(SeaScene::altitude(splash), scene.sea(last) + 1, 0.05);
+        EXPECT_LT(length(splash - last), 6); // above it
+        EXPECT_EQ(signals.removed, signals.added);
+        EXPECT_TRUE(scene.logic->m_torpedo_infos.empty());
+        // What is announced is shown, and the parachute's action is gone.
+        EXPECT_EQ(scene.logic->m_action_manager.size(), 2);
+        EXPECT_EQ(scene.effects(), (std::vector<dvec3>{last, splash}));
+    }
 }
 
 TEST(Torpedo, OverLandItLiesOnTheGroundUntilItsTimeIsOver) {
-    SeaScene scene;
-    ASSERT_TRUE(scene.start()); // at the airfield
-    dmat4 pose = scene.world->getNodeByName("start_heli")->getWorldTransform();
+    SeaScene scene(0);
+    dmat4 pose = scene.world->getNodeByName("start_heli")->getWorldTransform(); // at the airfield
     pose.setTranslate(pose.getTranslate() + pose.getZ() * 60.0);
     scene.logic->m_heli->set_transform(pose);
-    SignalRecorder signals(*scene.logic);
     scene.logic->emit_torpedo();
     const Node* torpedo = scene.logic->m_torpedo_infos[0]->torpedo;
-    for (int i = 0; i < 60 * 6; i++)
-        scene.frame();
+    scene.frames(60 * 6);
     scene.frames(339, 0.1f);
     ASSERT_EQ(scene.logic->m_torpedo_infos.size(), 1); // 39.9 s
     // On the pad, top at 12.45 m, its middle 1.4 m above its nose.
     EXPECT_NEAR(SeaScene::altitude(torpedo->getWorldPosition()), 12.45 + 1.4, 0.05);
     scene.frames(2, 0.1f);
-    EXPECT_TRUE(scene.logic->m_torpedo_infos.empty());
-    EXPECT_EQ(signals.removed, signals.added);
-    EXPECT_TRUE(signals.effects.empty());
+    EXPECT_EQ(scene.signals->removed, scene.signals->added);
+    EXPECT_TRUE(scene.signals->effects.empty());
     EXPECT_EQ(scene.logic->m_action_manager.size(), 0);
 }
 
 TEST(Torpedo, EachIsTrackedAloneAndTheLastTakesTheFreedPlace) {
-    SeaScene scene;
-    ASSERT_TRUE(scene.startAt(1000));
-    SignalRecorder signals(*scene.logic);
+    SeaScene scene(1000);
     for (int i = 0; i < 3; i++)
         scene.logic->emit_torpedo();
-    EXPECT_EQ(signals.added_flags, (std::vector<bool>{false, false, false}));
+    EXPECT_EQ(scene.signals->added_flags, (std::vector<bool>{false, false, false}));
     auto& infos = scene.logic->m_torpedo_infos;
     TorpedoInfo* second = infos[1];
     TorpedoInfo* third = infos[2];
     // Level with the sea, to the last bit, counts as in it.
-    scene.logic->m_ocean->setBeaufort(0);
     Node level;
     dvec3 place = infos[0]->torpedo->getWorldPosition();
     for (int i = 0; i < 9; i++)
@@ -116,7 +102,7 @@ TEST(Torpedo, EachIsTrackedAloneAndTheLastTakesTheFreedPlace) {
     EXPECT_EQ(infos[1], second);
     EXPECT_EQ(second->time_left, 40);
     EXPECT_LT(third->time_left, 40);
-    EXPECT_EQ(signals.effects.size(), 2u);
+    EXPECT_EQ(scene.signals->effects.size(), 2u);
 
     // An action that has ended is not taken for the next one, which may get its address.
     scene.logic->m_action_manager.removeAllActions();

@@ -11,34 +11,26 @@
 #include <limits>
 #include <sstream>
 #include <string>
-#include <vector>
 
 namespace {
 
 using namespace ig;
 
-using Heard = std::vector<std::string>;
-
-std::ostream& print(std::ostream& out, CloudInfo* c) {
-    return out << c->enable << ' ' << c->param1 << ' ' << c->param2 << ' ' << c->base << ' '
-               << c->thickness << ' ' << c->ratio;
+std::string write(CloudInfo* c) {
+    std::ostringstream text;
+    text << c->enable << ' ' << c->param1 << ' ' << c->param2 << ' ' << c->base << ' '
+         << c->thickness << ' ' << c->ratio;
+    return text.str();
 }
-template <class T>
-std::ostream& print(std::ostream& out, T value) {
-    return out << value;
-}
+std::string write(float value) { return (std::ostringstream() << value).str(); }
 
 /// Writes down every signal of the weather, in the order of emission.
 struct WeatherTest : testing::Test {
     void start() {
         ASSERT_TRUE(scene.start());
         Logic_Nerith_Heli_Final& logic = *scene.logic;
-        const auto listen = [this](auto& list, const char* what) {
-            list.append({this, [this, what](auto value) {
-                             std::ostringstream text;
-                             print(text << what << ' ', value);
-                             heard.push_back(text.str());
-                         }});
+        const auto listen = [this](auto& list, const std::string& what) {
+            list.append({this, [=, this](auto told) { heard += what + ' ' + write(told) + ", "; }});
         };
         listen(logic.m_sig_command, "command");
         listen(logic.m_sig_weather, "weather");
@@ -52,23 +44,21 @@ struct WeatherTest : testing::Test {
         listen(logic.m_sig_cloud, "cloud");
     }
     LogicScene scene;
-    Heard heard;
+    std::string heard;
 };
 
 TEST_F(WeatherTest, RecordsSignalInTheirFixedOrderWhatTheirTablesHold) {
     start(); // without an ocean: the sea is announced all the same
-    struct {
-        std::uint32_t code;
-        Heard heard; ///< before the rest, which has no table
-    } const CASES[] = {{0, {"rain 0", "snow 0", "hail 0"}},
-                       {1, {"command 2", "weather 0", "rain 1", "snow 1", "hail 1"}},
-                       {2, {"command 1", "weather 1", "rain 2", "snow 2", "hail 2"}},
-                       {3, {"command 3", "weather 2", "rain 3", "snow 3", "hail 3"}},
-                       {4, {"command 4", "weather 3"}},
-                       {5, {}},
-                       {0xFFFFFFFF, {}},
-                       {0x80000001, {"weather 0", "rain 1", "snow 1", "hail 1"}}};
-    for (const auto& [code, of_tables] : CASES) {
+    const std::string rest = "cloud 1 -7 300 3000 -1800 -0.75, speed 7, direction 10, "
+                             "visibility 0.5, sea 300, "; // has no table
+    for (const auto& [code, of_tables] : std::initializer_list<std::pair<unsigned, const char*>>{
+             {0, "rain 0, snow 0, hail 0, "},
+             {1, "command 2, weather 0, rain 1, snow 1, hail 1, "},
+             {2, "command 1, weather 1, rain 2, snow 2, hail 2, "},
+             {3, "command 3, weather 2, rain 3, snow 3, hail 3, "},
+             {4, "command 4, weather 3, "},
+             {5, ""},
+             {0x80000001, "weather 0, rain 1, snow 1, hail 1, "}}) {
         UdpRecvData record = LogicScene::record();
         record.system_cmd = code;
         const auto level = static_cast<std::uint16_t>(code);
@@ -86,11 +76,7 @@ TEST_F(WeatherTest, RecordsSignalInTheirFixedOrderWhatTheirTablesHold) {
         heard.clear();
         scene.tell(record);
         scene.frame(); // no datagram, no signal
-        Heard expected = of_tables;
-        for (const char* rest : {"cloud 1 -7 300 3000 -1800 -0.75", "speed 7", "direction 10",
-                                 "visibility 0.5", "sea 300"})
-            expected.emplace_back(rest);
-        EXPECT_EQ(heard, expected) << code;
+        EXPECT_EQ(heard, of_tables + rest) << code;
     }
 }
 
@@ -124,15 +110,13 @@ TEST_F(WeatherTest, SeaBlockDrivesTheOceanAndSurvivesNonsense) {
 // ------------------------------------------------------------------ from the application
 
 TEST_F(WeatherTest, RainWetsGlassAndRunwayAndSnowAndHourMoveTheirTracks) {
-    const auto track = [&](const char* name, const char* node) {
-        scene.folder.write(std::string("data/PELMAR_PROJECT/ANIM/") + name,
+    for (const auto& [name, node] :
+         {std::pair("runway_ssr", "wet"), {"runway_ice", "ice"}, {"light", "lit"}}) {
+        scene.folder.write(std::string("data/PELMAR_PROJECT/ANIM/") + name + ".anim",
                            "channels: [{node: " + std::string(node) +
                                ", keys: [[0, 0], [1, 0], [1.1, 1]]}]\n");
         scene.addToWorld("name: " + std::string(node) + ", enabled: false");
-    };
-    track("runway_ssr.anim", "wet");
-    track("runway_ice.anim", "ice");
-    track("light.anim", "lit");
+    }
     start();
     const Material* glass =
         static_cast<Object*>(scene.helicopterNode("glass_top_left"))->getSurfaceMaterial(0);
