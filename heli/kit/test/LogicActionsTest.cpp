@@ -6,7 +6,6 @@
 #include "ig/scene/Node.h"
 
 #include <gtest/gtest.h>
-#include <memory>
 
 namespace {
 
@@ -70,27 +69,6 @@ TEST(Torpedo, RecordForgetsTheActionWhenItGoesAndPartsMayBeMissing) {
     EXPECT_TRUE(torpedo.info.action->isDone());
     EXPECT_EQ(ActionEmitTorpedo::Create(nullptr, 1.5f), nullptr);
     EXPECT_EQ(ActionEmitMissile::Create(nullptr, 300, 20), nullptr);
-}
-
-TEST(Missile, FliesAlongItsLaunchDirectionUntilItsTimeIsOver) {
-    Node node;
-    const dmat4 launch =
-        EARTH.getWGSTransform(EARTH.toWorld({-155, 20, 100})) * dmat4(dquat(10, 20, 30), dvec3());
-    node.setWorldTransform(launch);
-    const std::unique_ptr<ActionEmitMissile> action(ActionEmitMissile::Create(&node, 300, 2));
-    node.setWorldTransform(dmat4_identity);
-    action->start();                  // back to the launch
-    node.setRotation(dquat_identity); // turning it doesn't steer it
-    for (const float time : {0.5f, 1.75f, 2.0f, 2.0f}) {
-        action->setPause(true);
-        EXPECT_TRUE(action->step(9));
-        action->setPause(false);
-        action->step(time < 1 ? 0.5f : time < 2 ? 1.25f : 0.25f); // the last one stands still
-        const dvec3 way = launch.getY() * (300 * static_cast<double>(time));
-        EXPECT_LT(length(node.getPosition() - (launch.getTranslate() + way)), 1e-6);
-        EXPECT_EQ(action->isDone(), time == 2);
-        EXPECT_EQ(node.isEnabled(), time < 2);
-    }
 }
 
 } // namespace
