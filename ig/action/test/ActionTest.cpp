@@ -119,18 +119,6 @@ TEST_F(ActionTest, completion_handlers_and_releases_may_remove_and_add) {
     EXPECT_EQ(update(1).substr(0, 8), "n.ntnrnd");
 }
 
-TEST_F(ActionTest, copies_start_empty_and_destruction_releases) {
-    add(make('a', 1));
-    {
-        ActionManager copy(manager);
-        copy.addAction(make('b', 1), false);
-        copy = manager;
-        copy.update(0.5f);
-    }
-    EXPECT_EQ(log, "asbsb.brbd");
-    EXPECT_EQ(update(0), "a.");
-}
-
 TEST_F(ActionTest, an_interval_completes_once_at_its_duration_unless_removed) {
     std::vector<Action*> completed;
     const ActionInterval::Completion note(&log, [&](Action* a) { completed.push_back(a); });

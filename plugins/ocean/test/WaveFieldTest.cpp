@@ -36,7 +36,7 @@ TEST(WaveField, HasTheSignificantHeightOfItsBeaufortNumberAroundALevelMean) {
         WaveField sea({beaufort, 0, 230});
         Places places;
         double sum = 0, squares = 0;
-        constexpr int TIMES = 4, COUNT = 20000;
+        constexpr int TIMES = 4, COUNT = 8000;
         for (int t = 0; t < TIMES; t++) {
             sea.evolve(1000.0 * t);
             for (int i = 0; i < COUNT; i++) {
@@ -198,25 +198,23 @@ TEST(WaveField, QueriesAreWithinTwoCentimetresOfTheDirectSum) {
         WaveField sea({beaufort, 0, 230});
         Places places;
         double worst = 0;
-        for (double time : {0.0, 777.25, 5000.5, 86400.0}) {
+        for (double time : {777.25, 86400.0}) {
             sea.evolve(time);
             const DirectSea direct(sea);
-            for (int i = 0; i < 1000; i++) {
+            for (int i = 0; i < 250; i++) {
                 const double x = places.next(), y = places.next();
                 worst = std::max(worst, std::abs(altitude(sea, x, y) - direct.altitude(x, y)));
             }
         }
         EXPECT_LT(worst, tolerance) << "Beaufort " << beaufort;
-        RecordProperty("worst_mm_beaufort_" + std::to_string(static_cast<int>(beaufort)),
-                       std::to_string(worst * 1e3));
     }
 }
 
 TEST(WaveField, WaterFoundAtAPlaceIsThere) {
-    for (double beaufort : {5.0, 8.0, 12.0}) {
+    for (double beaufort : {5.0, 12.0}) {
         WaveField sea({beaufort, 0, 230});
         Places places;
-        for (double time : {10.0, 777.0, 5000.0}) {
+        for (double time : {10.0, 5000.0}) {
             sea.evolve(time);
             for (int i = 0; i < 20000; i++) {
                 const double x = places.next(), y = places.next();
@@ -263,7 +261,7 @@ TEST(WaveField, WavesComeFromTheAngle) {
 TEST(WaveField, StaysContinuousAndArrivesWhenEverythingChangesEveryFrame) {
     WaveField sea({6, 0, 230});
     constexpr double DT = 1.0 / 60;
-    constexpr int PLACES = 60, FRAMES = 600;
+    constexpr int PLACES = 60, FRAMES = 200;
     std::mt19937 random(1);
     std::vector<double> before;
     double worst = 0;
@@ -300,9 +298,9 @@ TEST(WaveField, StaysContinuousAndArrivesWhenEverythingChangesEveryFrame) {
 
 TEST(WaveField, MovesTowardsSettingsThatNeverRest) {
     WaveField sea({0, 0, 230});
-    for (int frame = 0; frame < 450; frame++) {
+    for (int frame = 0; frame < 150; frame++) {
         sea.set({5, 0, 100.0 + frame % 2}); // a host that dithers
-        sea.evolve(frame / 15.0);
+        sea.evolve(frame / 5.0);
     }
     EXPECT_NEAR(sea.getFrame().significant_height, 2, 0.1); // 30 s: three time constants
 }
