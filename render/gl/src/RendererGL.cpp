@@ -296,11 +296,11 @@ void RendererGL::Impl::drawScene(const World& world) {
     if (list.ocean) ocean.draw(view, list.ocean->getFrame(), wash, wakes);
     clock.mark("ocean");
     sky.drawBackground(view);
-    sky.drawClouds(view, targets.depth);
+    sky.drawClouds(view, canvas->depth);
     clock.mark("sky");
     meshes.drawTransparent();
     clock.mark("transparent");
-    sprites.draw(view, targets.depth);
+    sprites.draw(view, canvas->depth);
     clock.mark("sprites");
 }
 
