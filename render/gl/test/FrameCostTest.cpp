@@ -29,7 +29,7 @@ namespace {
 class CountedFrames : public testing::Test {
 public:
     static constexpr double LONGITUDE = -155.0625, LATITUDE = 19.7125; ///< the demo world's helipad
-    static constexpr float STEP = 1 / 60.0f;
+    static constexpr float STEP = 1 / 30.0f;
 
     void SetUp() override {
         const Sky sky = computeSky(12, LONGITUDE, 80);
@@ -124,11 +124,11 @@ TEST_F(CountedFrames, ASteadyFrameAllocatesNothing) {
 
     const auto step = [&](int i) {
         Engine::get()->beginFrame(STEP);
-        const double t = (i % 60) / 60.0;
+        const double t = (i % 30) / 30.0;
         helicopter->setWgsPosition({LONGITUDE, LATITUDE + 1e-4 * t, 14});
         camera.setWgsPosition({LONGITUDE, LATITUDE - 5e-4, 30 + 5 * t});
         camera.setWgsHPR({20 * t, 5, 0});
-        frame.time = i / 60.0;
+        frame.time = i / 30.0;
         world.updateParticles(STEP);
         particles.advance(world, STEP);
         char text[64];
@@ -139,10 +139,10 @@ TEST_F(CountedFrames, ASteadyFrameAllocatesNothing) {
         draw();
     };
     int i = 0;
-    for (; i < 300; i++)
+    for (; i < 150; i++)
         step(i);
     const AllocationCounter allocations;
-    for (; i < 610; i++) // the foam is calibrated every 5 s, meshes are looked through every 2 s
+    for (; i < 305; i++) // the foam is calibrated every 5 s, meshes are looked through every 4 s
         step(i);
     EXPECT_EQ(allocations.count(), 0U);
     EXPECT_GT(particles.getNumParticles(), 8000);

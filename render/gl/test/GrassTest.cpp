@@ -26,8 +26,10 @@ public:
     }
     /// The picture once all squares around the eye have been planted.
     Picture settled() {
+        s_renderer->resize(16, 9); // nobody looks at these
         for (int i = 0; i < 45; i++)
             draw();
+        s_renderer->resize(WIDTH, HEIGHT);
         return now();
     }
     Picture now() {
@@ -55,20 +57,15 @@ public:
     double m_ground = 0;
 };
 
-TEST_F(GrassOf, BladesLeanWhileTheFieldBlowsAndStandUpAgain) {
-    NodeField* field = addField(2);
+TEST_F(GrassOf, BladesLeanWhileTheFieldBlowsLowAndStandUpAgain) {
+    NodeField *low = addField(2), *high = addField(60);
     const Picture calm = settled();
-    blow(field, 1);
-    const Picture blown = now();
-    EXPECT_GT(countDifferent(calm, blown), 300);
-    blow(field, 0);
+    blow(high, 1);
     EXPECT_EQ(countDifferent(calm, now()), 0);
-}
-
-TEST_F(GrassOf, AFieldHighUpMovesNone) {
-    NodeField* field = addField(60);
-    const Picture calm = settled();
-    blow(field, 1);
+    high->setEnabled(false);
+    blow(low, 1);
+    EXPECT_GT(countDifferent(calm, now()), 300);
+    blow(low, 0);
     EXPECT_EQ(countDifferent(calm, now()), 0);
 }
 

@@ -176,19 +176,22 @@ TEST_F(PictureOf, ResizingAndScalingKeepThePicture) {
 }
 
 TEST_F(PictureOf, NothingPilesUpOnTheDevice) {
+    s_renderer->resize(16, 9);
     m_world.addNode(new ObjectOcean());
     look(100, 0, 0);
     draw();
     const int before = s_renderer->getResources().total();
-    for (int i = 0; i < 260; i++) { // long enough for unused meshes to be given back
-        ObjectMesh* card = i % 10 == 0 ? addCard(50, 20, RED) : nullptr;
-        if (i % 10 == 0) draw();
-        if (card) m_world.removeNode(card);
+    for (int i = 0; i < 26; i++) {
+        ObjectMesh* card = addCard(50, 20, RED);
+        draw();
+        m_world.removeNode(card);
     }
+    EXPECT_GT(s_renderer->getResources().total(), before + 26);
     m_world.clear();
-    for (int i = 0; i < 240; i++)
+    for (int i = 0; i < 125; i++) // unused meshes are given back every 120 frames
         draw();
     EXPECT_LE(s_renderer->getResources().total(), before);
+    s_renderer->resize(WIDTH, HEIGHT);
 }
 
 TEST(RendererLife, EverythingIsFreedAtTheEnd) {
