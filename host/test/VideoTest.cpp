@@ -32,12 +32,12 @@ struct GreyRenderer final : Renderer {
         picture.rgb.assign(static_cast<std::size_t>(3 * width * height), ++number);
         return true;
     }
-    int width = 64, height = 32;
+    int width = 16, height = 8;
     std::uint8_t number = 0;
 };
 
 struct VideoTest : testing::Test {
-    static constexpr std::size_t PICTURE = 3 * 64 * 32; ///< bytes
+    static constexpr std::size_t PICTURE = 3 * 16 * 8; ///< bytes; the pipe holds seconds of them
 
     VideoTest() { setenv("PATH", (folder.path().string() + ":" + path).c_str(), 1); }
     ~VideoTest() override { setenv("PATH", path.c_str(), 1); }
@@ -79,7 +79,7 @@ TEST_F(VideoTest, EverySecondOfTheSceneGivesAsManyPictures) {
     second(10); // fewer: they are shown longer
     video.close();
     const std::string arguments = read("arguments"), pictures = read("pictures");
-    for (const char* part : {"\n-video_size\n64x32\n", "\n-pixel_format\nrgb24\n",
+    for (const char* part : {"\n-video_size\n16x8\n", "\n-pixel_format\nrgb24\n",
                              "\n-framerate\n30\n", "\nfile:-my flight.mp4\n"})
         EXPECT_NE(arguments.find(part), std::string::npos) << arguments;
     ASSERT_EQ(pictures.size() % PICTURE, 0u);
@@ -94,7 +94,7 @@ TEST_F(VideoTest, AStallGivesNoMoreThanASecondAndAResizeKeepsTheSize) {
     ffmpeg("cat > pictures");
     second(30);
     time += 1000;
-    renderer.resize(32, 100);
+    renderer.resize(8, 25);
     second(30);
     video.close();
     const std::string pictures = read("pictures");
@@ -102,7 +102,7 @@ TEST_F(VideoTest, AStallGivesNoMoreThanASecondAndAResizeKeepsTheSize) {
     EXPECT_NEAR(static_cast<double>(pictures.size() / PICTURE), 3 * Video::RATE, 1);
     const std::size_t last = pictures.size() - PICTURE;
     EXPECT_EQ(pictures[last], renderer.number);
-    EXPECT_EQ(pictures[last + 3 * 40], 0); // beside the narrower picture
+    EXPECT_EQ(pictures[last + 3 * 10], 0); // beside the narrower picture
 }
 
 TEST_F(VideoTest, WithoutTheProgramOrPicturesThereIsOneMessage) {
