@@ -178,7 +178,7 @@ TEST_F(OperatorInterfaceTest, WhatIsWrongWithTheLinkStandsOverThePictureInsideIt
             if (text.find("lost 0") != std::string_view::npos) statistics_end = command.y;
             if (text.find("no feedback") == std::string_view::npos) continue;
             EXPECT_GE(command.x, 0);
-            EXPECT_LE(command.x + command.w, width);
+            EXPECT_LE(command.x + channel.getRoot()->getTextWidth(command.h, text), width);
             top = command.y;
         }
         EXPECT_TRUE(width == 1280 || top > statistics_end);
