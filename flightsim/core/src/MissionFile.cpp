@@ -41,16 +41,17 @@ constexpr double most_seconds = 86'400;
 constexpr double most_altitude = 6'000;
 constexpr double most_distance = 500'000;
 
-/// Levenshtein distance: letters to insert, delete or change.
+/// What it takes to make `b` of `a`: a letter to insert counts 1, one to delete or change 2, so
+/// that an abbreviation lies near to its word.
 std::size_t editDistance(const std::string& a, const std::string& b) {
     std::vector<std::size_t> row; // distances of the beginnings of b from that of a so far
     for (std::size_t j = 0; j <= b.size(); j++)
         row.push_back(j);
     for (std::size_t i = 0; i < a.size(); i++) {
-        std::vector<std::size_t> next = {i + 1};
+        std::vector<std::size_t> next = {2 * (i + 1)};
         for (std::size_t j = 0; j < b.size(); j++)
             next.push_back(
-                std::min({row[j] + (a[i] == b[j] ? 0 : 1), row[j + 1] + 1, next.back() + 1}));
+                std::min({row[j] + (a[i] == b[j] ? 0 : 2), row[j + 1] + 2, next.back() + 1}));
         row.swap(next);
     }
     return row.back();

@@ -33,6 +33,8 @@ TEST(MissionFile, SaysWhereAndWhatIsWrong) {
          "2:13: a point is either"},
         {head + "points: {start: {east: 1}}\nlegs: [wait: 1]", "2:10: the point \"start\" exists"},
         {head + "set: {see_code: 1}", "2:7: set has no key \"see_code\"; nearest is \"sea_code\""},
+        {head + "set: {cloud_pct: 1}",
+         "2:7: set has no key \"cloud_pct\"; nearest is \"cloud_percent\""},
         {head + "set: {pitch: 1}", "2:14: pitch is flown"},
         {head + "set:\n  - {rain_level: 70000}",
          "3:18: rain_level must be a number from 0 to 65535"},
