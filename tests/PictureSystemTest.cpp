@@ -107,7 +107,9 @@ TEST(Pictures, AFileThatCannotBeWrittenIsNamedOnceAndNothingOfItStays) {
         EXPECT_EQ(run.folder.count(), files) << options << file;
     };
     expectFailure("unlimited", "--null --trace", "bin", 1);
-    for (const char* option : {"--screenshot", "--contact-sheet", "--video", "--trace"})
+    for (const char* option :
+         {"--screenshot", "--screenshot-every 1 --screenshot a.png --contact-sheet", "--video",
+          "--trace"})
         expectFailure("unlimited", "--headless --frames 3 " + std::string(option), "none/x.png", 1);
     expectFailure("1", "--null --frames 21 --trace", "full.csv", 1);
     expectFailure("1", "--headless --frames 3 --video", "full.mp4", 1);
