@@ -93,6 +93,7 @@ TEST(Link, RecordedFlightIsShownRecordByRecordSoonAfterItsArrival) {
     // In the first frame that begins after its arrival, or, where that is a short one after a late
     // one, in the next.
     const auto frames = run.readTrace();
+    ASSERT_FALSE(frames.empty());
     std::size_t arrived = 0, arrived_before = 0;
     for (const ChannelRun::Frame& frame : frames) {
         arrived_before = arrived;

