@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "SceneCommand.h"
 
+#include "host/interface/Texts.h"
+
 using namespace ig;
 
 namespace {
@@ -41,6 +43,11 @@ void SceneCommand::update() {
             jLog::warning("visual_channel: the flight simulation asks the channel to end "
                           "(system_cmd 4), which it does only with --obey-exit: it goes on");
     }
+}
+
+std::string SceneCommand::getPictureText() const {
+    if (!m_still) return "";
+    return Texts::get(m_command == CMD_STOP ? "scene.stop" : "scene.freeze");
 }
 
 std::string SceneCommand::describe() const {

@@ -27,6 +27,8 @@ public:
     bool isStill() const { return m_still; }
     /// The channel is to end.
     bool isExit() const { return m_may_exit && m_command == CMD_EXIT; }
+    /// Tells the operator, in his language, that the scene stands still; empty when it doesn't.
+    std::string getPictureText() const;
     /// For the status line: the command in a word.
     std::string describe() const;
 

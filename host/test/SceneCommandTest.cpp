@@ -35,8 +35,10 @@ TEST(SceneCommand, HoldsUntilAnotherComesAndIsSaidOnce) {
     EXPECT_TRUE(reset());
     EXPECT_TRUE(tell(CMD_EXIT));
     EXPECT_FALSE(tell(CMD_RUN));
+    EXPECT_EQ(command.getPictureText(), "");
     EXPECT_TRUE(tell(CMD_STOP));
     EXPECT_EQ(command.describe(), "stop");
+    EXPECT_EQ(command.getPictureText(), "scene.stop"); // the name of its text, as none are loaded
     EXPECT_FALSE(reset());
     EXPECT_FALSE(tell(CMD_EXIT));
     EXPECT_FALSE(command.isExit());

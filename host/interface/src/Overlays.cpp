@@ -154,7 +154,8 @@ void Overlays::place() {
 /// In the middle of the upper edge, below the statistics where these are in the way, in a font in
 /// which the picture is wide enough.
 void Overlays::placeLink() {
-    const std::string text = m_link ? m_link->getPictureText() : "";
+    const std::string link = m_link ? m_link->getPictureText() : "";
+    const std::string text = m_notice + (m_notice.empty() || link.empty() ? "" : "\n") + link;
     m_link_label->setHidden(text.empty());
     if (text.empty()) return;
     m_link_label->setText(text);

@@ -160,6 +160,8 @@ TEST_F(OperatorInterfaceTest, StatisticsStepThroughTheirFormsAndCountOverHalfASe
 TEST_F(OperatorInterfaceTest, WhatIsWrongWithTheLinkStandsOverThePictureInsideIt) {
     EXPECT_FALSE(shows("10004"));
     channel.getOverlays().watch(&link);
+    channel.getOverlays().setNotice("nothing moves");
+    EXPECT_TRUE(shows("nothing moves"));
     LinkSample sample;
     sample.listening = true;
     sample.port = 10004;
@@ -169,7 +171,7 @@ TEST_F(OperatorInterfaceTest, WhatIsWrongWithTheLinkStandsOverThePictureInsideIt
     frames(33, 0);
     for (const auto& [width, height] : {std::pair(1280, 720), {320, 200}, {240, 900}}) {
         channel.resize(width, height);
-        EXPECT_TRUE(shows("no host yet on port 10004"));
+        EXPECT_TRUE(shows("nothing moves") && shows("no host yet on port 10004"));
         EXPECT_TRUE(shows("lost 0, short 0, long 0, implausible 0, from others 0"));
         const UiDrawList& list = *channel.draw();
         float statistics_end = 0, top = 0;
@@ -187,6 +189,8 @@ TEST_F(OperatorInterfaceTest, WhatIsWrongWithTheLinkStandsOverThePictureInsideIt
     sample.out = {};
     link.update(sample, 0);
     EXPECT_FALSE(shows("10004"));
+    channel.getOverlays().setNotice("");
+    EXPECT_FALSE(shows("nothing moves"));
 }
 
 } // namespace

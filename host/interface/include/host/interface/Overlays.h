@@ -30,6 +30,8 @@ public:
     /// Shows how that link is doing: a line over the picture while something is wrong with it, and
     /// more in the statistics. It must outlive the overlays.
     void watch(const LinkMonitor* link) { m_link = link; }
+    /// Shows a line over the picture, above those of the link, until an empty one takes it away.
+    void setNotice(const std::string& text) { m_notice = text; }
     /// F12 or h shows and hides the key map, F11 steps through the statistics. Others are left
     /// alone.
     void onKey(int key);
@@ -63,6 +65,7 @@ private:
     ig::UILabel* m_label = nullptr;
     ig::UILabel* m_link_label = nullptr;
     const LinkMonitor* m_link = nullptr;
+    std::string m_notice;
     Statistics m_statistics = Statistics::off;
     Sums m_sums;
 };
