@@ -143,6 +143,9 @@ TEST_F(HelicopterTest, HostFlownModelIgnoresKeysAndForcesButClampsItsInputs) {
     EXPECT_EQ(heli.m_roll, 7);
     EXPECT_EQ(heli.m_collective, 1);
     EXPECT_EQ(heli.get_world_transform(), pose);
+    heli.m_roll = std::numeric_limits<float>::quiet_NaN();
+    fly(1);
+    EXPECT_EQ(heli.m_roll, 0);
 }
 
 TEST_F(HelicopterTest, KeyboardFlightSteersAndReturnsToNeutral) {
@@ -178,9 +181,11 @@ TEST_F(HelicopterTest, ControllableModelFliesLevelsItselfAndStaysWithinItsLimits
     EXPECT_LT(tilt(), 1); // 2 % per frame with neutral inputs
     const float falling = dot(heli.get_linear_velocity(), vec3(local.getZ()));
     EXPECT_LT(falling, -10);
-    heli.m_pitch = 1;
+    heli.m_pitch = heli.m_roll = heli.m_yaw = 1;
     fly(60);
-    EXPECT_GT(dot(heli.get_linear_velocity(), vec3(local.getY())), 0.1f); // forward
+    EXPECT_GT(dot(heli.get_linear_velocity(), vec3(local.getY())), 0.1f);         // forward
+    EXPECT_LT(dot(heli.get_linear_velocity(), vec3(local.getX())), -0.01f);       // to the left
+    EXPECT_GT(dot(heli.m_body->getAngularVelocity(), vec3(local.getZ())), 0.01f); // and round
 }
 
 TEST(FlightModel, AttitudeIsLimitedAndRotationTowardsTheLimitSlowsDown) {

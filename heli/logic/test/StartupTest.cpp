@@ -45,14 +45,6 @@ TEST(Startup, WorldWithoutStartMarkerCreatesNothing) {
     EXPECT_EQ(tracked(), before);
 }
 
-TEST(Startup, OutOfMemoryIsANullLogic) {
-    jAllocator::get()->setLimit(jAllocator::get()->getUsed() + 64);
-    World world;
-    CameraControl control(nullptr);
-    EXPECT_EQ(CreateLogic(&world, &control), nullptr);
-    jAllocator::get()->setLimit(0);
-}
-
 TEST(Startup, PlacesTheHelicopterAndReadsItsMounts) {
     LogicScene scene;
     ASSERT_TRUE(scene.start());
@@ -119,16 +111,6 @@ TEST(Startup, AnnouncesInOrderAlsoWhatIsPreloadedAndMissing) {
     EXPECT_TRUE(scene.logic->get_track("data/PELMAR_PROJECT/ANIM/light.anim"));
 }
 
-TEST(Startup, GlassThatIsNoObjectIsNotAnnounced) {
-    LogicScene scene;
-    int announced = 0;
-    scene.before_init = [&](Logic_Nerith_Heli_Final& logic) {
-        logic.m_sig_object.append({&announced, [&](Object*, int) { announced++; }});
-    };
-    ASSERT_TRUE(scene.start());
-    EXPECT_EQ(announced, 3); // tail light, downwash, the glass at the top left
-}
-
 TEST(Startup, ConsoleShowsPortAndAddressAlsoOfAPortInUse) {
     LogicScene scene;
     UdpPeer occupant;
@@ -189,18 +171,6 @@ TEST(Release, LeavesOnlyTracksAndShipsInTheMemoryTracker) {
     expected["src/logic/Logic_Nerith_Heli_Final|Logic_Nerith_Heli_Final::init"] += 2;
     expected["../common/ship/ship|Ship::Ship"] += 4;
     EXPECT_EQ(tracked(), expected);
-}
-
-TEST(Logic, CopyIsUnattachedAndSharesThePointers) {
-    LogicScene scene;
-    ASSERT_TRUE(scene.start());
-    {
-        Logic_Nerith_Heli_Final copy(*scene.logic);
-        EXPECT_FALSE(copy.isAttached());
-        EXPECT_EQ(copy.m_heli, scene.logic->m_heli);
-    } // its destruction frees nothing
-    scene.frame();
-    EXPECT_TRUE(scene.feedback().has_value());
 }
 
 } // namespace
