@@ -50,8 +50,6 @@ public:
     void close();
     /// Ends `run` after the present frame. May be called from a signal handler.
     static void requestStop();
-    /// The operator wants to close the window: asks back, and then ends `run`.
-    void requestClose() { m_close_requested = true; }
     /// Null before `open` and after `close`.
     LogicBase* getLogic() const { return m_logic; }
 

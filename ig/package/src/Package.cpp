@@ -132,13 +132,6 @@ void Package::setFloats(const jString& key, const float* values, int n) {
         item.appendElement().becomeValue(numberText(values[i]));
 }
 
-void Package::setDoubles(const jString& key, const double* values, int n) {
-    Item& item = itemToSet(key);
-    item.becomeList();
-    for (int i = 0; i < n; i++)
-        item.appendElement().becomeValue(numberText(values[i]));
-}
-
 void Package::setStrings(const jString& key, const jVector<jString>& values) {
     Item& item = itemToSet(key);
     item.becomeList();

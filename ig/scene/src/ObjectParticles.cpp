@@ -74,11 +74,6 @@ WorldBoundBox ObjectParticles::getWorldBoundBox() const {
     return {place - half, place + half};
 }
 
-float ObjectParticles::getPresentRate() const {
-    const bool spawns = m_running && !m_silent && (m_burst <= 0 || m_elapsed < m_burst);
-    return spawns ? m_spawn_rate : 0;
-}
-
 float ObjectParticles::getSpawnTime(float dt) const {
     if (!m_running || m_silent) return 0;
     return m_burst <= 0 ? dt : std::clamp(m_burst - (m_elapsed - dt), 0.0f, dt);

@@ -30,7 +30,6 @@ public:
     /// the scene's; there may be none.
     void draw(const FrameView& view, const ig::World& world, const ObjectTerrain& terrain,
               const std::vector<const ig::NodeField*>& fields);
-    int getNumTufts() const { return static_cast<int>(m_instances.size()); } ///< in the last frame
 
 private:
     struct Tuft {

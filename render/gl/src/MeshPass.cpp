@@ -98,7 +98,6 @@ void MeshPass::purge() {
 
 void MeshPass::upload(const SceneList& list, const SkyPass& sky) {
     purge();
-    m_draws = 0;
     m_instances.clear();
     addBatches(list.casters, m_casters, sky);
     addBatches(list.far_casters, m_far_casters, sky);
@@ -144,7 +143,6 @@ void MeshPass::bindInstances(const Batch& batch) {
     const DeviceMesh::Range& range = batch.getRange();
     glDrawElementsInstanced(GL_TRIANGLES, range.count, GL_UNSIGNED_INT,
                             reinterpret_cast<const void*>(range.first), batch.count);
-    m_draws++;
 }
 
 MeshPass::Shading MeshPass::choose(const SurfaceLook& look) {

@@ -25,8 +25,6 @@ public:
     void drawCasters();
     void drawFarCasters(const FrameBlock& block);
 
-    int getNumDraws() const { return m_draws; } ///< calls in this frame
-
 private:
     struct DeviceMesh {
         std::shared_ptr<const ig::Mesh> mesh;
@@ -74,6 +72,5 @@ private:
     std::unordered_map<const ig::Mesh*, DeviceMesh> m_meshes;
     std::vector<Instance> m_instances;
     std::vector<Batch> m_opaque, m_transparent, m_casters, m_far_casters;
-    int m_draws = 0;
     int m_frames = 0;
 };

@@ -109,7 +109,6 @@ void TerrainPass::purge() {
 
 void TerrainPass::draw(const FrameView& view, const ObjectTerrain& terrain) {
     const TerrainGrid& grid = terrain.getGrid();
-    m_drawn = 0;
     m_frame++;
     if (grid.empty()) return;
     adopt(grid);
@@ -202,7 +201,6 @@ void TerrainPass::drawChunk(const FrameView& view, const TerrainGrid& grid, cons
                   vec2{static_cast<float>(chunk.patch.x), static_cast<float>(chunk.patch.y)});
     glBindVertexArray(chunk.vertex_array.id());
     glDrawElements(GL_TRIANGLES, chunk.num_indices, GL_UNSIGNED_SHORT, nullptr);
-    m_drawn++;
 }
 
 /// Vertices of (CELLS + 1)² samples and a ring around them, the skirt: the samples of the border

@@ -24,7 +24,6 @@ public:
     static ig::dvec2 toNoise(const TerrainGrid& grid, double longitude, double latitude);
     static constexpr float SHORE_HEIGHT = 3.5f; ///< where the beach ends, unless the material tells
     static ig::vec3 readTurf(const ig::Material* material); ///< colour of the grass
-    int getNumChunks() const { return m_drawn; }            ///< drawn in the last frame
 
 private:
     static constexpr int CELLS = 32;
@@ -56,5 +55,5 @@ private:
     std::unordered_map<std::uint64_t, Extent> m_extents;
     const float* m_heights = nullptr; ///< whose chunks these are
     const TerrainGrid* m_grid = nullptr;
-    int m_frame = 0, m_drawn = 0;
+    int m_frame = 0;
 };

@@ -3,14 +3,11 @@
 
 #include "ig/base/jLog.h"
 
-bool RendererNull::init(int, int) {
-    m_frames = 0;
-    return true;
-}
+bool RendererNull::init(int, int) { return true; }
 
 void RendererNull::resize(int, int) {}
 
-void RendererNull::render(const ig::World&, const ig::Camera&, const ig::FrameInfo&) { m_frames++; }
+void RendererNull::render(const ig::World&, const ig::Camera&, const ig::FrameInfo&) {}
 
 void RendererNull::release() {}
 

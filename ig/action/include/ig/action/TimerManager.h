@@ -24,15 +24,13 @@ public:
     class Timer {
     public:
         explicit Timer(float period) : m_period(period) {}
-        /// Seconds.
-        float getPeriod() const { return static_cast<float>(m_period); }
 
         /// Called at every expiry with this timer.
         SignalList<Timer*> m_sig_expired;
 
     private:
         friend class TimerManager;
-        double m_period;
+        double m_period;      ///< seconds
         double m_elapsed = 0; ///< since the last due time, in [-dt/2, period)
         bool m_removed = false;
     };

@@ -28,8 +28,7 @@ public:
     float getMouseDX() const { return m_dx; }
     float getMouseDY() const { return m_dy; }
     /// Degrees per pixel.
-    float getMouseSensitivity() const { return m_sensitivity; }
-    void setMouseSensitivity(float sensitivity) { m_sensitivity = sensitivity; }
+    float getMouseSensitivity() const { return SENSITIVITY; }
 
     void keyDown(int key);
     void keyUp(int key);
@@ -44,13 +43,13 @@ public:
     void releaseAll();
 
 private:
+    static constexpr float SENSITIVITY = 0.25f;
     static bool isKey(int key) { return key >= 0 && key < KEY_COUNT; }
     static std::size_t index(int key) { return static_cast<std::size_t>(key); }
 
     std::bitset<KEY_COUNT> m_pressed, m_clicked;
     bool m_left = false, m_right = false;
     float m_wheel = 0, m_dx = 0, m_dy = 0;
-    float m_sensitivity = 0.25f;
 };
 
 } // namespace ig

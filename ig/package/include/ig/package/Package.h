@@ -66,7 +66,6 @@ public:
     void setDouble(const jString& key, double value);
     void setBool(const jString& key, bool value);
     void setFloats(const jString& key, const float* values, int n);
-    void setDoubles(const jString& key, const double* values, int n);
     void setStrings(const jString& key, const jVector<jString>& values);
     /// A new empty nested package under `key`.
     Package* addPackage(const jString& key);

@@ -19,7 +19,6 @@ public:
 
     const jString& getName() const { return m_name; }
     BodyRigid* getLoad() const { return m_load; }
-    BodyRope* getRope() const { return m_rope; }
 
     bool isBroken() const { return m_broken; }
     /// Breaking lets the load go with the velocity that it has; mending ties it to the rope's end.

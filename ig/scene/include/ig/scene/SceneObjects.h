@@ -32,8 +32,7 @@ public:
 
     float getDuration() const { return m_duration; } ///< s that it runs; 0: until stopped
     void setDuration(float duration) { m_duration = duration; }
-    float getBurst() const { return m_burst; } ///< s of them in which it spawns; 0: all
-    void setBurst(float burst) { m_burst = burst; }
+    void setBurst(float burst) { m_burst = burst; } ///< s of them in which it spawns; 0: all
 
     /// What it works over; `land` is all that isn't water, `hard` is concrete and decks.
     enum class Surface { any, land, water, grass, sand, snow, hard };
@@ -57,10 +56,6 @@ public:
     void clearParticles();
     /// Changes with every `clearParticles`: whoever keeps the particles then drops them.
     unsigned getNumCleared() const { return m_cleared; }
-    float getElapsed() const { return m_elapsed; } ///< s since it was last played
-    /// What it spawns now, particles per second: 0 unless it runs, is within its burst and is not
-    /// silent.
-    float getPresentRate() const;
     /// For how many of the last `dt` seconds it spawned: a burst that is over gave all it had to
     /// the steps that it fell into, however long they were.
     float getSpawnTime(float dt) const;

@@ -4,7 +4,7 @@
 #include "ig/app/Renderer.h"
 
 /// Draws nothing and needs nothing: for machines without a display, and for measuring everything
-/// but drawing. Counts the frames that it was given.
+/// but drawing.
 class RendererNull : public ig::Renderer {
 public:
     const char* getName() const override { return "null"; }
@@ -14,9 +14,4 @@ public:
                 const ig::FrameInfo& frame) override;
     void release() override;
     bool savePicture(const ig::jString& path) override;
-
-    int getNumFrames() const { return m_frames; }
-
-private:
-    int m_frames = 0;
 };
