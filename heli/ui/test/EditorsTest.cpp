@@ -127,17 +127,49 @@ TEST_F(EditorsTest, AFieldWithTheFocusKeepsWhatIsTypedAndLeavingItApplies) {
     EXPECT_EQ(messages.seen.size(), 2u);
 }
 
-TEST_F(EditorsTest, TextThatIsNoNumberCountsAsZeroAndTooLargeOnesAreLimited) {
-    enter(whole->getEdit(), "");
-    EXPECT_EQ(owner.whole, 0);
+TEST_F(EditorsTest, UnfinishedTextIsPutBackAndTheFieldShowsWhatBecameOfTheRest) {
     enter(whole->getEdit(), "99999999999999999999999");
     EXPECT_EQ(owner.whole, 2147483647);
+    EXPECT_EQ(whole->getEdit()->getText(), "2147483647");
     enter(whole->getEdit(), "-99999999999");
     EXPECT_EQ(owner.whole, -2147483647 - 1);
+    whole->getEdit()->setValidator(UI_VALIDATE_DECIMAL_WHOLE);
+    enter(whole->getEdit(), "12.7");
+    EXPECT_EQ(owner.whole, 12);
+    EXPECT_EQ(whole->getEdit()->getText(), "12");
+    enter(whole->getEdit(), "+12"); // the same
+    EXPECT_EQ(whole->getEdit()->getText(), "12");
+    const int sets = owner.sets;
+    enter(whole->getEdit(), "");
     enter(number->getEdit(), "-");
-    EXPECT_EQ(owner.number, 0);
     enter(vector->getEdit(0), "1e999");
-    EXPECT_EQ(owner.vector.x, 0);
+    EXPECT_EQ(owner.sets, sets);
+    EXPECT_EQ(vector->getEdit(0)->getText(), "-155.06");
+    for (UIEditLine* edit : {whole->getEdit(), number->getEdit(), vector->getEdit(0)})
+        edit->setValidator(UI_VALIDATE_NONE); // what nobody checks counts as 0
+    enter(whole->getEdit(), "");
+    enter(number->getEdit(), "-");
+    enter(vector->getEdit(0), "1e999");
+    EXPECT_EQ(owner.whole + owner.number, 0);
+    EXPECT_EQ(owner.vector, dvec3(0, 19.71, 40));
+}
+
+TEST_F(EditorsTest, AVectorsFieldsTakeAListThatIsNotAmbiguous) {
+    const auto pasted = [&](const char* text) {
+        owner.vector = {-155.06, 19.71, 40};
+        root->update(0);
+        enter(vector->getEdit(1), text);
+        return owner.vector;
+    };
+    const dvec3 before(-155.06, 19.71, 40);
+    EXPECT_EQ(pasted("1, -2.5, 300"), dvec3(1, -2.5, 300));
+    EXPECT_EQ(pasted("1 -2.5 300"), dvec3(1, -2.5, 300));
+    EXPECT_EQ(pasted("1,5; -2,5; 300"), dvec3(1.5, -2.5, 300));
+    EXPECT_EQ(pasted("19.5° N, 155.5° W"), dvec3(-155.5, 19.5, 40));
+    EXPECT_EQ(pasted("155.5E, 19.5S, 7"), dvec3(155.5, -19.5, 7));
+    EXPECT_EQ(messages.seen.size(), 5u);
+    for (const char* text : {"1, 2", "1, 2, x", "1, 2, 3, 4", "1 N, 2 N, 3", "5 N, 6, 7", "1,,2"})
+        EXPECT_EQ(pasted(text), before) << text;
 }
 
 TEST_F(EditorsTest, HexadecimalIsWrittenWithItsPrefixAndReadWithOrWithout) {

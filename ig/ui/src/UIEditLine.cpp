@@ -21,45 +21,17 @@ constexpr int PADDING = 3;             ///< left and right of the text
 constexpr int FONT_SIZE = 13;          ///< at most; as high as the field allows
 constexpr std::size_t MAX_TEXT = 1024; ///< bytes that can be typed
 constexpr std::size_t MAX_NUMBER = 40; ///< bytes of a number that can be typed
+constexpr double MAX_ROUNDED = 1e15;   ///< larger numbers show as they are
 constexpr double BLINK = 1.0;          ///< period, s
+constexpr double REFUSED_TIME = 0.8;   ///< for which a refusal shows, s
 
 const vec4 TEXT_COLOR(0.95f, 0.96f, 0.97f, 1);
 const vec4 SHADOW_COLOR(0, 0, 0, 0.75f);
 const vec4 FOCUS_FACE(0.05f, 0.07f, 0.09f, 0.90f);
 const vec4 FOCUS_EDGE(1.00f, 0.75f, 0.35f, 1);
+const vec4 LABEL_COLOR(0.72f, 0.80f, 0.88f, 1);
+const vec4 REFUSED_EDGE(1.00f, 0.25f, 0.20f, 1);
 const vec4 SELECTION(0.20f, 0.45f, 0.75f, 0.80f);
-
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-bool isHexDigit(char c) { return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
-
-/// Skips characters of a kind from `i` on.
-template <class Kind>
-std::size_t skip(std::string_view text, std::size_t i, Kind kind) {
-    while (i < text.size() && kind(text[i]))
-        i++;
-    return i;
-}
-
-std::size_t skipSign(std::string_view text, std::size_t i) {
-    return i < text.size() && (text[i] == '-' || text[i] == '+') ? i + 1 : i;
-}
-
-/// Whether the text is a number or can become one by typing on.
-bool isNumberBegun(std::string_view text) {
-    std::size_t i = skip(text, skipSign(text, 0), isDigit);
-    if (i < text.size() && text[i] == '.') i = skip(text, i + 1, isDigit);
-    const bool digits = i > 0 && (isDigit(text[i - 1]) || (i > 1 && isDigit(text[i - 2])));
-    if (digits && i < text.size() && (text[i] == 'e' || text[i] == 'E'))
-        i = skip(text, skipSign(text, i + 1), isDigit);
-    return i == text.size();
-}
-
-bool isWholeBegun(std::string_view text, bool hexadecimal) {
-    std::size_t i = skipSign(text, 0);
-    if (!hexadecimal) return skip(text, i, isDigit) == text.size();
-    if (i + 1 < text.size() && text[i] == '0' && (text[i + 1] == 'x' || text[i + 1] == 'X')) i += 2;
-    return skip(text, i, isHexDigit) == text.size();
-}
 
 } // namespace
 
@@ -69,8 +41,45 @@ UIEditLine::UIEditLine(UIRoot* root, const jString& name) : UIElement(root), m_n
 
 void UIEditLine::setText(const jString& text) {
     m_text.assign(text);
-    m_caret = m_anchor = text.view().size();
+    round();
+    if (m_editing) begin();
+    m_caret = m_anchor = m_text.view().size();
     m_scrolled = false;
+}
+
+void UIEditLine::setLabel(const jString& label) {
+    m_label = label;
+    m_scrolled = false;
+}
+
+void UIEditLine::setDecimals(int decimals) {
+    m_decimals = decimals;
+    round();
+    m_scrolled = false;
+}
+
+/// Finds what to show instead of all digits.
+void UIEditLine::round() {
+    if (m_decimals < 0) return;
+    char text[64];
+    const double value = m_text.toDouble();
+    const bool number = number_text::isComplete(m_text, UI_VALIDATE_NUMBER);
+    const int size = number && std::abs(value) < MAX_ROUNDED
+                         ? std::snprintf(text, sizeof text, "%.*f", m_decimals, value)
+                         : 0;
+    m_rounded.assign(size > 0 ? std::string_view(text, static_cast<std::size_t>(size))
+                              : m_text.view());
+}
+
+/// The operator gets what is shown to work on.
+void UIEditLine::begin() {
+    m_exact.assign(m_text);
+    if (m_decimals >= 0) m_text.assign(m_rounded);
+    m_text_before.assign(m_text);
+}
+
+const jString& UIEditLine::shown() const {
+    return m_decimals >= 0 && !m_editing ? m_rounded : m_text;
 }
 
 void UIEditLine::collectFields(jVector<UIElement*>& fields) {
@@ -81,15 +90,18 @@ void UIEditLine::collectFields(jVector<UIElement*>& fields) {
 
 void UIEditLine::onFocus(bool gained) {
     m_scrolled = false;
+    m_editing = gained;
     if (gained) {
-        m_text_before.assign(m_text);
+        begin();
         m_anchor = 0;
         m_caret = m_text.view().size();
         m_caret_time = getRoot()->getTime();
         m_fresh = true;
     } else {
         m_anchor = m_caret;
-        if (m_text == m_text_before) return;
+        const bool unfinished = !number_text::isComplete(m_text, m_validator);
+        if (unfinished || m_text == m_text_before) return setText(m_exact);
+        round();
     }
     const UIEventFocus event{gained};
     emit(m_sig_focus, &event);
@@ -171,39 +183,34 @@ void UIEditLine::onText(std::string_view utf8) {
     m_fresh = false;
     std::string clean; // characters only: neither control codes nor broken bytes
     for (std::size_t i = 0; i < utf8.size() && clean.size() < MAX_TEXT;) {
-        const char32_t code = decode(utf8, i);
+        char32_t code = decode(utf8, i);
+        if (m_validator != UI_VALIDATE_NONE && (code == '\n' || code == '\t')) code = ' ';
         if (code >= 0x20 && code != 0x7F && code != INVALID) encode(clean, code);
     }
-    std::string_view text = clean;
-    if (m_validator != UI_VALIDATE_NONE) { // a copied number often brings blanks along
-        text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
-        text = text.substr(0, text.find_last_not_of(' ') + 1);
-    }
-    if (!text.empty()) replaceSelection(text);
+    const std::string number = m_validator == UI_VALIDATE_NONE ? clean : number_text::tidy(clean);
+    const std::string_view text = number;
+    if (text.find_first_not_of(' ') == text.npos && m_validator != UI_VALIDATE_NONE) return;
+    if (text.empty() || replaceSelection(text)) return;
+    if (m_take_list && m_take_list(clean)) return;
+    m_refused_time = getRoot()->getTime();
+    getRoot()->tellRefused(clean);
 }
 
-/// Refuses what would make a text that the validator does not accept, or one that is too long.
-void UIEditLine::replaceSelection(std::string_view insertion) {
+/// False, and nothing done, when that would make a text that the validator does not accept, or one
+/// that is too long.
+bool UIEditLine::replaceSelection(std::string_view insertion) {
     std::string text(m_text.view());
     text.replace(selectionBegin(), selectionEnd() - selectionBegin(), insertion);
-    if (!insertion.empty() && !accepts(text)) return;
+    if (!insertion.empty() && !accepts(text)) return false;
     m_caret = m_anchor = selectionBegin() + insertion.size();
     m_text.assign(text);
     moveCaret(m_caret, false);
+    return true;
 }
 
 bool UIEditLine::accepts(std::string_view text) const {
-    if (text.size() > (m_validator == UI_VALIDATE_NONE ? MAX_TEXT : MAX_NUMBER)) return false;
-    switch (m_validator) {
-    case UI_VALIDATE_WHOLE:
-        return isWholeBegun(text, true);
-    case UI_VALIDATE_DECIMAL_WHOLE:
-        return isWholeBegun(text, false);
-    case UI_VALIDATE_NUMBER:
-        return isNumberBegun(text);
-    default:
-        return true;
-    }
+    return text.size() <= (m_validator == UI_VALIDATE_NONE ? MAX_TEXT : MAX_NUMBER) &&
+           number_text::isBegun(text, m_validator);
 }
 
 /// Erases the selection or, without one, from the caret to `end`.
@@ -233,8 +240,15 @@ float UIEditLine::fontPixels() const {
     return static_cast<float>(std::min(pixels(FONT_SIZE), m_height - pixels(3)));
 }
 
+/// Where the text begins, behind the label.
+int UIEditLine::textLeft() const {
+    if (m_label.empty()) return pixels(PADDING);
+    return 2 * pixels(PADDING) +
+           static_cast<int>(std::ceil(getRoot()->getTextWidth(fontPixels(), m_label)));
+}
+
 float UIEditLine::advance(std::size_t from, std::size_t to) const {
-    return getRoot()->getTextWidth(fontPixels(), m_text.view().substr(from, to - from));
+    return getRoot()->getTextWidth(fontPixels(), shown().view().substr(from, to - from));
 }
 
 /// Finds the part [m_first, m_last) of the text that fits the field and shows the caret; without
@@ -245,8 +259,8 @@ void UIEditLine::scrollToCaret() const {
     m_scrolled = true;
     m_scrolled_width = m_width;
     m_scrolled_revision = revision;
-    const std::string_view text = m_text;
-    const auto room = static_cast<float>(m_width - 2 * pixels(PADDING));
+    const std::string_view text = shown();
+    const auto room = static_cast<float>(m_width - textLeft() - pixels(PADDING));
     const std::size_t caret = isFocused() ? m_caret : 0;
     m_first = std::min({m_first, caret, text.size()});
     if (!isFocused()) m_first = 0;
@@ -269,7 +283,7 @@ void UIEditLine::scrollToCaret() const {
 
 std::size_t UIEditLine::caretAt(float x) const {
     scrollToCaret();
-    float left = static_cast<float>(m_x + pixels(PADDING));
+    float left = static_cast<float>(m_x + textLeft());
     std::size_t i = m_first;
     while (i < m_last) {
         const std::size_t after = next(m_text, i);
@@ -286,7 +300,8 @@ void UIEditLine::draw(UiDrawList& list) const {
     const auto w = static_cast<float>(m_width), h = static_cast<float>(m_height);
     if (isFocused()) {
         const auto edge = static_cast<float>(pixels(1));
-        list.addRect(x, y, w, h, FOCUS_EDGE);
+        const bool refused = getRoot()->getTime() - m_refused_time < REFUSED_TIME;
+        list.addRect(x, y, w, h, refused ? REFUSED_EDGE : FOCUS_EDGE);
         list.addRect(x + edge, y + edge, w - 2 * edge, h - 2 * edge, FOCUS_FACE);
     } else {
         UIElement::draw(list);
@@ -297,18 +312,21 @@ void UIEditLine::draw(UiDrawList& list) const {
 
 void UIEditLine::drawText(UiDrawList& list) const {
     const float size = fontPixels();
-    const auto x = static_cast<float>(m_x + pixels(PADDING));
+    const auto x = static_cast<float>(m_x + textLeft());
     const float y = std::floor(static_cast<float>(m_y) + (static_cast<float>(m_height) - size) / 2);
+    const auto shadow = static_cast<float>(pixels(1)); // the field lets bright scenes through
+    const auto label = static_cast<float>(m_x + pixels(PADDING));
+    list.addText(label + shadow, y + shadow, size, SHADOW_COLOR, m_label);
+    list.addText(label, y, size, LABEL_COLOR, m_label);
     if (isFocused()) {
         const std::size_t begin = std::clamp(selectionBegin(), m_first, m_last);
         const std::size_t end = std::clamp(selectionEnd(), m_first, m_last);
         if (begin < end)
             list.addRect(x + advance(m_first, begin), y, advance(begin, end), size, SELECTION);
     }
-    const std::string_view shown = m_text.view().substr(m_first, m_last - m_first);
-    const auto shadow = static_cast<float>(pixels(1)); // the field lets bright scenes through
-    list.addText(x + shadow, y + shadow, size, SHADOW_COLOR, shown);
-    list.addText(x, y, size, TEXT_COLOR, shown);
+    const std::string_view part = shown().view().substr(m_first, m_last - m_first);
+    list.addText(x + shadow, y + shadow, size, SHADOW_COLOR, part);
+    list.addText(x, y, size, TEXT_COLOR, part);
     if (!isFocused()) return;
     if (std::fmod(getRoot()->getTime() - m_caret_time, BLINK) < BLINK / 2)
         list.addRect(x + advance(m_first, std::min(m_caret, m_last)), y,
@@ -318,12 +336,12 @@ void UIEditLine::drawText(UiDrawList& list) const {
 // ------------------------------------------------------------------ wheel
 
 bool UIEditLineWheel::onWheel(float notches, const UIEventKey& modifiers) {
-    if (!isEditable() || notches == 0 || getValidator() == UI_VALIDATE_NONE) return false;
+    if (!isFocused() || notches == 0 || getValidator() == UI_VALIDATE_NONE) return false;
     const bool whole = getValidator() != UI_VALIDATE_NUMBER;
-    if (whole && !isWholeBegun(getText(), false)) return false; // hexadecimal
+    if (whole && !number_text::isBegun(getText(), UI_VALIDATE_DECIMAL_WHOLE)) return false; // hex
     const double value = getText().toDouble();
     const double digits = value == 0 ? 0 : std::floor(std::log10(std::abs(value)));
-    double step = std::pow(10.0, digits - 2);
+    double step = m_step > 0 ? m_step : std::pow(10.0, digits - 2);
     if (modifiers.shift) step *= 10;
     if (modifiers.ctrl) step /= 10;
     if (whole) step = std::max(step, 1.0);

@@ -84,6 +84,20 @@ void UIRoot::writeClipboard(const jString& text) const {
     if (m_write_clipboard) m_write_clipboard(text);
 }
 
+void UIRoot::setNotices(std::function<void(std::string_view)> tell,
+                        std::function<void(std::string_view)> tell_refused) {
+    m_tell = std::move(tell);
+    m_tell_refused = std::move(tell_refused);
+}
+
+void UIRoot::tell(std::string_view notice) const {
+    if (m_tell) m_tell(notice);
+}
+
+void UIRoot::tellRefused(std::string_view text) const {
+    if (m_tell_refused) m_tell_refused(text);
+}
+
 // ------------------------------------------------------------------ input
 
 bool UIRoot::mouseMove(float x, float y) {

@@ -289,26 +289,114 @@ TEST_F(UITest, ValidatorsTakeOnlyWhatCanBecomeANumber) {
         field->setText("");
         click(field);
         const std::string result = type(keys);
-        root.setFocus(nullptr);
+        key(KEY_ESCAPE);
         return result;
     };
     EXPECT_EQ(typed(UI_VALIDATE_WHOLE, "0xfg f-1."), "0xff1");
-    EXPECT_EQ(typed(UI_VALIDATE_DECIMAL_WHOLE, "-1e2.x5-"), "-125");
+    EXPECT_EQ(typed(UI_VALIDATE_DECIMAL_WHOLE, "-1e2.x5-"), "-12.5"); // the fraction shows
     EXPECT_EQ(typed(UI_VALIDATE_NUMBER, "e-1..5e+-3x"), "-1.5e+3");
     EXPECT_EQ(typed(UI_VALIDATE_NUMBER, "nan inf"), "");
     EXPECT_EQ(typed(UI_VALIDATE_NUMBER, std::string(500, '7').c_str()), std::string(40, '7'));
     EXPECT_EQ(typed(UI_VALIDATE_NONE, std::string(5000, 'y').c_str()).size(), 1024u);
 
-    jString clipboard = " 19.5 ";
-    root.setClipboard([&] { return clipboard; }, {});
     field->setValidator(UI_VALIDATE_NUMBER);
     field->setText("");
     click(field);
-    key('v', false, true);
-    EXPECT_EQ(text(), "19.5");
-    clipboard = std::string(2000000, '1') + "abc";
-    key('v', false, true);
-    EXPECT_EQ(text(), "19.5"); // refused as a whole
+    root.text(std::string(2000000, '1') + "abc");
+    EXPECT_EQ(text(), ""); // refused as a whole
+}
+
+TEST_F(UITest, NumbersAreTakenAsTheyAreCopiedAndRefusalsShow) {
+    std::string refused, list;
+    root.setNotices({}, [&](std::string_view text) { refused = text; });
+    field->setListTaker([&](std::string_view text) {
+        list = text;
+        return text.starts_with("1 2");
+    });
+    field->setValidator(UI_VALIDATE_NUMBER);
+    const auto pasted = [&](const char* text) {
+        refused.clear();
+        field->setText("");
+        click(field);
+        root.text(text);
+        const std::string result = field->getText().c_str();
+        key(KEY_ESCAPE);
+        return refused.empty() ? result : "refused " + refused;
+    };
+    for (const auto& [text, number] : {std::pair(" 19.5 ", "19.5"),
+                                       {"19,5", "19.5"},
+                                       {"0,125", "0.125"},
+                                       {"−155.06", "-155.06"},
+                                       {"155.06° W", "-155.06"},
+                                       {"N 19.71", "19.71"},
+                                       {"12E", "12"},
+                                       {"1,234", "refused 1,234"}, // or 1.234?
+                                       {"1,2,3", "refused 1,2,3"},
+                                       {"-5 S", "refused -5 S"},
+                                       {"x", "refused x"},
+                                       {"19.7\n155", "refused 19.7 155"},
+                                       {"1 2 3", ""}})
+        EXPECT_EQ(pasted(text), number) << text;
+    EXPECT_EQ(list, "1 2 3");
+    UiDrawList drawn;
+    const auto edge = [&] {
+        root.draw(drawn);
+        for (const UiDrawList::Command& command : drawn.commands())
+            if (command.y == static_cast<float>(field->getY())) return command.rgba;
+        return vec4();
+    };
+    click(field);
+    root.update(5);
+    const vec4 calm = edge();
+    root.text("x");
+    EXPECT_FALSE(edge() == calm);
+    root.update(5);
+    EXPECT_EQ(edge(), calm);
+}
+
+TEST_F(UITest, AnUnfinishedNumberIsPutBackAsItWasFound) {
+    for (const auto& [validator, keys] : {std::pair(UI_VALIDATE_NUMBER, "-"),
+                                          {UI_VALIDATE_NUMBER, "1e"},
+                                          {UI_VALIDATE_NUMBER, "1e999"},
+                                          {UI_VALIDATE_NUMBER, "."},
+                                          {UI_VALIDATE_DECIMAL_WHOLE, "+"},
+                                          {UI_VALIDATE_WHOLE, "0x"}}) {
+        field->setValidator(validator);
+        field->setText("42");
+        focus.clear();
+        click(field);
+        type(keys);
+        key(KEY_RETURN);
+        EXPECT_EQ(text(), "42") << keys;
+        EXPECT_EQ(focus, "+") << keys; // nothing was entered
+    }
+}
+
+TEST_F(UITest, AFieldWithItsDigitsCutKeepsThemUntilAnotherNumberIsEntered) {
+    field->setValidator(UI_VALIDATE_NUMBER);
+    field->setLabel("Lon");
+    field->setDecimals(2);
+    field->setText("-155.06999");
+    UiDrawList list;
+    const auto shown = [&] {
+        root.draw(list);
+        std::string texts;
+        for (const UiDrawList::Command& command : list.commands())
+            if (command.y >= static_cast<float>(field->getY()) && command.length)
+                texts += std::string(list.text(command)) + ' ';
+        return texts;
+    };
+    EXPECT_EQ(shown(), "Lon Lon -155.07 -155.07 "); // each with its shadow
+    EXPECT_EQ(text(), "-155.06999");
+    click(field);
+    EXPECT_EQ(text(), "-155.07"); // to work on
+    key(KEY_RETURN);
+    EXPECT_EQ(text(), "-155.06999");
+    click(field);
+    key(KEY_END);
+    type("5");
+    key(KEY_RETURN);
+    EXPECT_EQ(text(), "-155.075");
 }
 
 TEST_F(UITest, AFieldShowsThePartOfItsTextThatFits) {
@@ -337,10 +425,13 @@ TEST_F(UITest, AFieldShowsThePartOfItsTextThatFits) {
 }
 
 TEST_F(UITest, TheWheelStepsTheThirdDigitAndCommits) {
+    root.mouseMove(at(field).x, at(field).y);
+    EXPECT_TRUE(root.wheel(1)); // nobody is in it: a stray scroll
+    EXPECT_EQ(text() + std::to_string(commits), "1000");
+    click(field);
     const auto rolled = [&](int validator, const char* text, float notches, UIEventKey m = {}) {
         field->setValidator(validator);
         field->setText(text);
-        root.mouseMove(at(field).x, at(field).y);
         EXPECT_TRUE(root.wheel(notches, m));
         return std::string(field->getText().c_str());
     };
@@ -352,13 +443,17 @@ TEST_F(UITest, TheWheelStepsTheThirdDigitAndCommits) {
     EXPECT_EQ(rolled(UI_VALIDATE_NUMBER, "-155.06", 1), "-154.06");
     EXPECT_EQ(rolled(UI_VALIDATE_NUMBER, "19.71", 1, {0, true, false}), "20.71");
     EXPECT_EQ(rolled(UI_VALIDATE_NUMBER, "19.71", 1, {0, false, true}), "19.72");
-    EXPECT_EQ(commits, 8);
+    field->setStep(0.001);
+    EXPECT_EQ(rolled(UI_VALIDATE_NUMBER, "-155.06", 2), "-155.058");
+    EXPECT_EQ(rolled(UI_VALIDATE_NUMBER, "19.71", 1, {0, false, true}), "19.7101");
+    EXPECT_EQ(commits, 10);
     EXPECT_EQ(rolled(UI_VALIDATE_WHOLE, "0xff", 1), "0xff");
+    root.setFocus(nullptr);
     field->setEditable(false);
     EXPECT_EQ(rolled(UI_VALIDATE_NUMBER, "1", 1), "1"); // taken, but not used
     click(field);
     EXPECT_FALSE(field->isFocused());
-    EXPECT_EQ(commits, 8);
+    EXPECT_EQ(commits, 10);
     root.mouseMove(399, 299);
     EXPECT_FALSE(root.wheel(1));
 }

@@ -14,7 +14,8 @@
 //
 // A field follows the value while the operator is not typing in it. When the operator leaves it, or
 // steps it with the wheel, its text is parsed and, when that is another value than the present one,
-// given to every setter; then the message goes out. Text that is no number counts as 0.
+// given to every setter; then the message goes out. Text that is no number counts as 0. Afterwards
+// the field shows the value as it is then.
 
 /// What the editors have in common: `N` fields that together are one value. `Editor` is the class
 /// that derives from it and supplies
@@ -70,6 +71,16 @@ protected:
         }
     }
 
+    /// Gives the value that the fields stand for to the setters, when it is another one.
+    void apply() {
+        const Value value = editor().parse();
+        if (!Editor::equal(value, this->getValue())) {
+            DataOper<T>::setValue(Value(value));
+            this->notify();
+        }
+        editor().show(this->getValue()); // a setter may have limited or refused it
+    }
+
     std::array<ig::UIEditLineWheel*, N> m_edits{};
 
 private:
@@ -77,12 +88,6 @@ private:
 
     void onFocus(const ig::UIEventFocus* event) {
         if (!event || !event->gained) apply();
-    }
-    void apply() {
-        const Value value = editor().parse();
-        if (Editor::equal(value, this->getValue())) return;
-        DataOper<T>::setValue(Value(value));
-        this->notify();
     }
 };
 
@@ -136,7 +141,13 @@ public:
     using UIIntBase<int>::UIIntBase;
 };
 
-/// The components x, y, z of a vector in `N` fields.
+/// Reads a list of the components x, y, z, apart from each other by semicolons, commas or blanks.
+/// Two suffice, and may be turned round, when N or S and E or W tell the latitude from the
+/// longitude: those that are missing stay. False, and nothing changed, for any other text.
+bool parseComponents(std::string_view text, double (&components)[3]);
+
+/// The components x, y, z of a vector in `N` fields, each of which also takes all of them as a
+/// list.
 template <class Vector, int N>
 class UIVecBase : public FieldEditor<UIVecBase<Vector, N>, const Vector&, N> {
     static_assert(N == 3);
@@ -149,6 +160,12 @@ public:
                                                    "UIVecBase<struct dvec3,3>::UIVecBase",
                                                    ig::UI_VALIDATE_NUMBER) {
         show(this->getValue());
+        for (ig::UIEditLineWheel* edit : this->m_edits)
+            edit->setListTaker([this](std::string_view list) { return take(list); });
+    }
+    ~UIVecBase() override {
+        for (ig::UIEditLineWheel* edit : this->m_edits)
+            edit->setListTaker({});
     }
 
     /// Of every field, in units of the set-up.
@@ -173,6 +190,14 @@ public:
     }
 
 private:
+    bool take(std::string_view list) {
+        const Vector now = this->getValue();
+        double components[] = {now.x, now.y, now.z};
+        if (!parseComponents(list, components)) return false;
+        show({components[0], components[1], components[2]});
+        this->apply();
+        return true;
+    }
     double component(int i) const { return this->getEdit(i)->getText().toDouble(); }
 
     ig::jString m_shown; ///< last, kept for its memory

@@ -47,6 +47,15 @@ public:
     jString readClipboard() const;
     void writeClipboard(const jString& text) const;
 
+    /// Where the operator gets to see what needs no answer; whoever shows texts sets it. Of a text
+    /// that a field refused it is the application that knows the words.
+    void setNotices(std::function<void(std::string_view notice)> tell,
+                    std::function<void(std::string_view text)> tell_refused);
+    void tell(std::string_view notice) const;
+    void tellRefused(std::string_view text) const;
+    /// From the bottom up.
+    const jVector<UIElement*>& getChildren() const { return m_children; }
+
     // --- input, between frames; each tells whether the user interface took it
 
     bool mouseMove(float x, float y);
@@ -115,6 +124,7 @@ private:
     std::function<float(float, std::string_view)> m_text_width;
     std::function<jString()> m_read_clipboard;
     std::function<void(const jString&)> m_write_clipboard;
+    std::function<void(std::string_view)> m_tell, m_tell_refused;
     std::function<bool()> m_modal_frame;
 };
 
