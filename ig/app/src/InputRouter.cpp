@@ -17,7 +17,8 @@ bool InputRouter::keyDown(int key, bool repeat) {
     if (!inRange(m_held, key)) return false;
     const auto k = static_cast<std::size_t>(key);
     // The same press again, when the window system repeats without saying so.
-    repeat = repeat || m_held[k];
+    const bool modifier = key >= KEY_SHIFT && key <= KEY_ALT;
+    repeat = m_held[k] || (repeat && !modifier);
     m_held.set(k);
     const UIEventKey event{key, m_held[KEY_SHIFT], m_held[KEY_CTRL]};
     // A key that the scene holds does not turn to the field that has got the focus meanwhile.
@@ -38,12 +39,17 @@ bool InputRouter::keyUp(int key) {
     return true;
 }
 
+bool InputRouter::isHeld(int key) const {
+    return inRange(m_held, key) && m_held[static_cast<std::size_t>(key)];
+}
+
 void InputRouter::text(const char* utf8) { m_ui->text(utf8); }
 
 bool InputRouter::mouseDown(int button, float x, float y) {
     if (!inRange(m_scene_buttons, button)) return false;
     mouseMove(x, y);
     if (m_ui->mouseDown({button, x, y})) return false;
+    if (m_scene_buttons.none()) m_scene->dropMotion(); // on the way here nothing was dragged
     m_scene_buttons.set(static_cast<std::size_t>(button));
     if (button == 0) m_scene->setLeftButton(true);
     if (button == 1) m_scene->setRightButton(true);

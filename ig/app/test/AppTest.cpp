@@ -22,9 +22,22 @@ TEST(ControlApp, AClickLastsOneFrameOrUntilItIsCleared) {
     control.keyDown(KEY_F1);
     control.keyUp(KEY_F1); // pressed and released between two frames: still a click
     EXPECT_TRUE(control.isKeyClick(KEY_F1));
-    EXPECT_FALSE(control.isKeyPress(KEY_F1));
+    EXPECT_TRUE(control.isKeyPress(KEY_F1)); // and the frame sees it down
     control.endFrame();
-    EXPECT_FALSE(control.isKeyClick(KEY_F1));
+    EXPECT_FALSE(control.isKeyClick(KEY_F1) || control.isKeyPress(KEY_F1));
+    control.keyDown(KEY_ALT); // long before
+    control.endFrame();
+    control.keyDown(KEY_F4);
+    control.keyUp(KEY_ALT);
+    control.keyUp(KEY_F4);
+    EXPECT_TRUE(control.isKeyPress(KEY_ALT) &&
+                control.isKeyPress(KEY_F4)); // they were held together
+    control.endFrame();
+    control.keyDown(KEY_ALT);
+    control.endFrame();
+    control.keyUp(KEY_ALT);
+    control.keyDown(KEY_F4);
+    EXPECT_FALSE(control.isKeyPress(KEY_ALT)); // they were not
     control.keyDown(-1);
     control.keyDown(100000);
     EXPECT_FALSE(control.isKeyPress(100000));

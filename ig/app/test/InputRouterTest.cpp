@@ -58,6 +58,7 @@ TEST_F(InputRouterTest, WhatWentDownForOneGoesUpForTheSame) {
     EXPECT_TRUE(router.keyDown('w'));
     clickField();
     EXPECT_FALSE(router.keyDown('w', true)); // still the scene's, and no command
+    scene.endFrame();
     EXPECT_TRUE(router.keyUp('w'));
     EXPECT_FALSE(scene.isKeyPress('w'));
     EXPECT_FALSE(router.keyDown('g'));
@@ -85,6 +86,8 @@ TEST_F(InputRouterTest, RepeatsTypeButNeverCommand) {
     router.keyDown(KEY_BACKSPACE);
     router.keyDown(KEY_BACKSPACE, true);
     EXPECT_EQ(field->getText(), "a");
+    EXPECT_TRUE(router.keyDown(KEY_ALT, true)); // its release was kept from the window
+    EXPECT_TRUE(scene.isKeyPress(KEY_ALT) && router.isHeld(KEY_ALT));
 }
 
 TEST_F(InputRouterTest, MotionIsCountedFromTheFirstPlaceThatIsKnown) {
@@ -93,6 +96,11 @@ TEST_F(InputRouterTest, MotionIsCountedFromTheFirstPlaceThatIsKnown) {
     router.mouseMove(303, 195);
     EXPECT_EQ(scene.getMouseDX(), 3);
     EXPECT_EQ(scene.getMouseDY(), -5);
+    router.mouseDown(0, 310, 195); // what led here was no drag
+    EXPECT_EQ(scene.getMouseDX(), 0);
+    router.mouseMove(312, 195);
+    router.mouseDown(1, 312, 195); // … and this is one
+    EXPECT_EQ(scene.getMouseDX(), 2);
     router.focusLost();
     router.mouseMove(10, 250); // came back elsewhere: no jump
     EXPECT_EQ(scene.getMouseDX(), 0);

@@ -10,6 +10,9 @@ namespace ig {
 /// The state of keyboard and mouse for whoever polls it once a frame. The host application feeds it
 /// between frames with what the user interface did not take, and calls `endFrame` after the logic's
 /// update.
+///
+/// However long a frame is, a key that was struck before it is down in it, with everything that was
+/// held together with it: what is let go after the stroke goes up at the frame's end.
 class ControlApp {
 public:
     /// Down now.
@@ -35,6 +38,8 @@ public:
     void setLeftButton(bool down) { m_left = down; }
     void setRightButton(bool down) { m_right = down; }
     void moveMouse(float dx, float dy);
+    /// Forgets the motion so far: it was made before a button went down, and is no part of a drag.
+    void dropMotion() { m_dx = m_dy = 0; }
     /// Positive when rolled up.
     void rollWheel(float delta) { m_wheel += delta; }
     /// Forgets clicks, motion and wheel.
@@ -48,6 +53,8 @@ private:
     static std::size_t index(int key) { return static_cast<std::size_t>(key); }
 
     std::bitset<KEY_COUNT> m_pressed, m_clicked;
+    std::bitset<KEY_COUNT> m_struck;   ///< went down since the last frame
+    std::bitset<KEY_COUNT> m_released; ///< goes up at the frame's end
     bool m_left = false, m_right = false;
     float m_wheel = 0, m_dx = 0, m_dy = 0;
 };

@@ -20,9 +20,12 @@ public:
 
     // Each answers whether the logic is to hear of it.
 
-    /// `repeat`: the key is being held. Repeats are the user interface's only.
+    /// `repeat`: the key is being held. Repeats are the user interface's only. A modifier key that
+    /// nobody holds has been pressed anew all the same: a window manager took its release.
     bool keyDown(int key, bool repeat = false);
     bool keyUp(int key);
+    /// Down, for whomever.
+    bool isHeld(int key) const;
     /// What the keyboard typed, UTF-8.
     void text(const char* utf8);
     bool mouseDown(int button, float x, float y); ///< 0 left, 1 right, 2 middle
