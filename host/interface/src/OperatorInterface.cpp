@@ -2,6 +2,7 @@
 #include "host/interface/OperatorInterface.h"
 
 #include "common/logic/LogicBase.h"
+#include "host/interface/Texts.h"
 #include "ig/app/IApp.h"
 #include "ig/ui/UISpriteViewport.h"
 
@@ -22,12 +23,21 @@ OperatorInterface::OperatorInterface(IApp* app, ControlApp* control)
 
 void OperatorInterface::open(LogicBase* logic) {
     m_logic = logic;
+    m_panels.assign(m_root->getChildren().begin(), m_root->getChildren().end());
     m_overlays.open(m_root.get());
 }
 
 void OperatorInterface::close() {
+    m_panels.clear();
     m_root.reset();
     m_logic = nullptr;
+}
+
+void OperatorInterface::showPanels(bool show) {
+    m_panels_shown = show;
+    for (UIElement* panel : m_panels)
+        panel->setHidden(!show);
+    m_root->tell(Texts::get(show ? "notice.panels_shown" : "notice.panels_hidden"));
 }
 
 void OperatorInterface::resize(int width, int height, float density) {
@@ -53,11 +63,23 @@ void OperatorInterface::fit() {
 void OperatorInterface::keyDown(int key, bool repeat) {
     if (!m_input.keyDown(key, repeat)) return;
     m_overlays.onKey(key);
+    if (key == KEY_F10) showPanels(!m_panels_shown);
     m_logic->onKeyPress({key}, m_app);
 }
 
 void OperatorInterface::keyUp(int key) {
     if (m_input.keyUp(key)) m_logic->onKeyRelease({key}, m_app);
+}
+
+void OperatorInterface::setModifiers(bool shift, bool ctrl, bool alt) {
+    for (const auto& [key, down] :
+         {std::pair(KEY_SHIFT, shift), {KEY_CTRL, ctrl}, {KEY_ALT, alt}}) {
+        if (isHeld(key) == down) continue;
+        if (down)
+            keyDown(key, false);
+        else
+            keyUp(key);
+    }
 }
 
 void OperatorInterface::mouseDown(int button, float x, float y) {

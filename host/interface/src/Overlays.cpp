@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 
 using namespace ig;
 
@@ -17,44 +16,11 @@ namespace {
 
 constexpr double REFRESH = 0.5; ///< s between two texts of the statistics
 constexpr int MARGIN = 8;       ///< of the statistics from the corner
-constexpr int HELP_FONT = 15;   ///< of the key map, where the picture is large enough
-constexpr int LINK_FONT = 14;   ///< of what is wrong with the link, likewise
+constexpr int LINK_FONT = 14;   ///< of what is wrong with the link, where there is room
 constexpr int SMALLEST_FONT = 5;
 
 const vec4 FACE(0.05f, 0.07f, 0.10f, 0.86f);
-const vec4 KEY_COLOR(1.00f, 0.80f, 0.45f, 1);
-
-/// Words with a dot are keys of `Texts`; those of the keyboard stand on it in every language.
-struct HelpLine {
-    const char *keys, *action;
-};
-const HelpLine HELP[] = {
-    {"F1", "help.next_view"},
-    {"F2", "help.sonar_deploy"},
-    {"F3", "help.sonar_cut"},
-    {"Down / Up", "help.sonar_move"},
-    {"F5", "help.destroy"},
-    {"F6", "help.torpedo"},
-    {"Space", "help.missile"},
-    {"g", "help.projector"},
-    {"Return", "help.level"},
-    {"1 2 3 4 5", "help.speed"},
-    {"", ""},
-    {"mouse.drag_left", "help.orbit"},
-    {"mouse.wheel", "help.distance"},
-    {"mouse.drag_any", "help.look"},
-    {"mouse.left_keys", "help.fly"},
-    {"", ""},
-    {"mouse.field", "help.field_set"},
-    {"", "help.field_step"},
-    {"", "help.field_clipboard"},
-    {"F11", "help.statistics"},
-    {"F12, h", "help.help"},
-    {"F7 F8 b t", "help.weather"},
-    {"Alt + Return", "help.full_screen"},
-    {"Alt + p", "help.picture"},
-    {"Alt + F4", "help.end"},
-};
+const vec4 WARNING_COLOR(1.00f, 0.80f, 0.45f, 1);
 
 std::string decimal(double value, int places) {
     char text[32];
@@ -62,53 +28,37 @@ std::string decimal(double value, int places) {
     return text;
 }
 
-UILabel* makeColumn(UIRoot* root, const char* HelpLine::*column) {
-    std::string text;
-    for (const HelpLine& line : HELP) {
-        const char* const word = line.*column;
-        if (&line != HELP) text += '\n';
-        text += std::strchr(word, '.') ? Texts::get(word) : word;
-    }
-    auto* label = new UILabel(root, jString(text));
-    label->setShowBackground(false);
-    return label;
-}
-
 } // namespace
 
 void Overlays::open(UIRoot* root) {
     m_root = root;
-    m_help = new UIHLayout(root, 24, 20);
-    m_help->setAlignFree(true);
-    m_help->setBackgroundColor(FACE);
-    m_help_columns[0] = makeColumn(root, &HelpLine::keys);
-    m_help_columns[0]->setColor(KEY_COLOR);
-    m_help_columns[1] = makeColumn(root, &HelpLine::action);
-    for (UILabel* column : m_help_columns)
-        m_help->addChild(column);
     m_label = new UILabel(root, "");
     m_label->setAlignFree(true);
     m_label->setBackgroundColor(FACE);
     m_link_label = new UILabel(root, "");
     m_link_label->setAlignFree(true);
     m_link_label->setBackgroundColor(FACE);
-    m_link_label->setColor(KEY_COLOR);
-    for (UIElement* element : {static_cast<UIElement*>(m_link_label),
-                               static_cast<UIElement*>(m_label), static_cast<UIElement*>(m_help)}) {
-        element->setHidden(true);
-        root->addChild(element);
+    m_link_label->setColor(WARNING_COLOR);
+    for (UILabel* label : {m_link_label, m_label}) {
+        label->setHidden(true);
+        root->addChild(label);
     }
+    m_notices.open(root);
+    m_key_map.open(root);
 }
 
 void Overlays::onKey(int key) {
-    if (key == KEY_F12 || key == 'h') showHelp(m_help->isHidden());
+    if (key == KEY_F12 || key == 'h') showHelp(!m_key_map.isShown());
     if (key == KEY_F11)
         showStatistics(m_statistics == Statistics::off    ? Statistics::rate
                        : m_statistics == Statistics::rate ? Statistics::full
                                                           : Statistics::off);
 }
 
-void Overlays::showHelp(bool show) { m_help->setHidden(!show); }
+void Overlays::showHelp(bool show) {
+    m_key_map.show(show);
+    m_notices.hideHint();
+}
 
 void Overlays::showStatistics(Statistics statistics) {
     m_statistics = statistics;
@@ -117,6 +67,7 @@ void Overlays::showStatistics(Statistics statistics) {
 }
 
 void Overlays::addFrame(float dt, const FrameCosts& costs, int records) {
+    m_notices.advance(dt);
     m_sums.time += static_cast<double>(dt);
     m_sums.frames++;
     m_sums.records += records;
@@ -130,23 +81,9 @@ void Overlays::addFrame(float dt, const FrameCosts& costs, int records) {
     m_sums = {};
 }
 
-/// In the largest font in which the picture shows all of it.
-void Overlays::fitHelp() {
-    const int size[] = {m_root->getWidth(), m_root->getHeight(), m_root->getTextRevision()};
-    if (std::equal(std::begin(size), std::end(size), m_fitted)) return;
-    std::copy(std::begin(size), std::end(size), m_fitted);
-    for (int font = HELP_FONT; font >= SMALLEST_FONT; font--) {
-        for (UILabel* column : m_help_columns)
-            column->setFontSize(font);
-        if (m_help->getWidth() <= size[0] && m_help->getHeight() <= size[1]) return;
-    }
-}
-
 void Overlays::place() {
-    fitHelp();
-    const int x = (m_root->getWidth() - m_help->getWidth()) / 2;
-    const int y = (m_root->getHeight() - m_help->getHeight()) / 2;
-    m_help->setPosition(std::max(x, 0), std::max(y, 0));
+    m_key_map.place();
+    m_notices.place();
     m_label->setPosition(m_root->pixels(MARGIN), m_root->pixels(MARGIN));
     placeLink();
 }

@@ -117,6 +117,55 @@ TEST_F(OperatorInterfaceTest, HelpComesAndGoesAndIsNoCommandWhileTyping) {
     EXPECT_EQ(logic.take(), "");
 }
 
+TEST_F(OperatorInterfaceTest, HelpGlossesKeysAndButtonsInBothLanguages) {
+    channel.getOverlays().showHelp(true);
+    for (const char* text :
+         {"释放声呐", "cut the sonar loose", "打开吊索", "deploy the winch's load"})
+        EXPECT_TRUE(shows(text)) << text;
+    channel.resize(640, 360); // too small for both
+    EXPECT_TRUE(shows("打开吊索") && shows("level the camera"));
+    EXPECT_FALSE(shows("相机调平"));
+}
+
+TEST_F(OperatorInterfaceTest, PanelsComeAndGoWithoutTheOverlays) {
+    stroke(KEY_F10);
+    EXPECT_TRUE(shows("F10 shows them"));
+    EXPECT_FALSE(shows("b"));
+    channel.mouseDown(0, 5, 5);
+    EXPECT_EQ(logic.take(), "down0 "); // the scene's: there is no button
+    channel.mouseUp(0, 5, 5);
+    stroke(KEY_F12);
+    EXPECT_TRUE(shows("dipping sonar"));
+    stroke(KEY_F12);
+    stroke(KEY_F10);
+    EXPECT_TRUE(shows("Panels shown"));
+    channel.mouseDown(0, 5, 5);
+    EXPECT_EQ(logic.take(), "");
+}
+
+TEST_F(OperatorInterfaceTest, WhatIsToldInPassingGoesByItself) {
+    channel.getRoot()->tell("in passing");
+    EXPECT_TRUE(shows("in passing"));
+    channel.getRoot()->tellRefused("19.7 X");
+    EXPECT_TRUE(shows("numbers only: 19.7 X"));
+    channel.getOverlays().getNotices().showHint();
+    EXPECT_TRUE(shows("F12 or h"));
+    frames(64 * 6, 0);
+    EXPECT_FALSE(shows("numbers only"));
+    EXPECT_TRUE(shows("F12 or h"));
+    frames(64 * 10, 0);
+    EXPECT_FALSE(shows("F12 or h"));
+}
+
+TEST_F(OperatorInterfaceTest, ModifiersFollowTheWindowSystem) {
+    channel.keyDown(KEY_ALT, false);
+    channel.keyDown(KEY_CTRL, false);
+    logic.take();
+    channel.setModifiers(true, true, false);
+    EXPECT_EQ(logic.take(), "press270 release272 ");
+    EXPECT_FALSE(channel.isHeld(KEY_ALT));
+}
+
 TEST_F(OperatorInterfaceTest, HelpFitsEveryWindow) {
     channel.getOverlays().showHelp(true);
     for (const auto& [width, height, density] : {std::tuple(1280, 720, 1.0f),

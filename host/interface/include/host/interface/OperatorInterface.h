@@ -7,6 +7,7 @@
 #include "ig/ui/UiDrawList.h"
 
 #include <memory>
+#include <vector>
 
 class LogicBase;
 
@@ -29,6 +30,8 @@ public:
     void close();
     ig::UIRoot* getRoot() const { return m_root.get(); }
     Overlays& getOverlays() { return m_overlays; }
+    /// The panels of the logic, with what they show of it; the overlays stay. F10 does the same.
+    void showPanels(bool show);
     /// Size of the picture, and the window system's pixels per unit of 1/96 inch.
     void resize(int width, int height, float density = 1);
 
@@ -36,6 +39,9 @@ public:
 
     void keyDown(int key, bool repeat); ///< a `KeyCode`
     void keyUp(int key);
+    bool isHeld(int key) const { return m_input.isHeld(key); }
+    /// Presses and lets go the modifier keys that the window system knows better.
+    void setModifiers(bool shift, bool ctrl, bool alt);
     void text(const char* utf8) { m_input.text(utf8); }
     void mouseDown(int button, float x, float y); ///< 0 left, 1 right, 2 middle; picture pixels
     void mouseUp(int button, float x, float y);
@@ -59,6 +65,8 @@ private:
     ig::InputRouter m_input;
     ig::UiDrawList m_list;
     Overlays m_overlays;
+    std::vector<ig::UIElement*> m_panels; ///< the root's; those of the logic
+    bool m_panels_shown = true;
     int m_width = 0, m_height = 0; ///< of the picture, pixels
     float m_density = 1;           ///< pixels per unit of 1/96 inch
 };

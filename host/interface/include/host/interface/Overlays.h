@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ig/ui/UILayout.h"
+#include "host/interface/KeyMap.h"
+#include "host/interface/Notices.h"
 
 #include <string>
 
@@ -35,13 +36,13 @@ public:
     /// F12 or h shows and hides the key map, F11 steps through the statistics. Others are left
     /// alone.
     void onKey(int key);
-    void showHelp(bool show);
+    void showHelp(bool show); ///< either way the hint at it goes
+    Notices& getNotices() { return m_notices; }
     void showStatistics(Statistics statistics);
     /// After every frame: its duration, what it cost, and the records that were applied in it.
     /// Twice a second the statistics are written anew.
     void addFrame(float dt, const FrameCosts& costs, int records);
-    /// Keeps the key map in the middle of the picture, all of it, and the link's line at its upper
-    /// edge; before the layout.
+    /// Keeps everything in its place, the link's line at the upper edge; before the layout.
     void place();
 
 private:
@@ -55,17 +56,15 @@ private:
         FrameCosts costs;
     };
     void write();
-    void fitHelp();
     void placeLink();
 
     ig::UIRoot* m_root = nullptr;
-    ig::UIHLayout* m_help = nullptr; ///< the root's, as the label
-    ig::UILabel* m_help_columns[2] = {};
-    int m_fitted[3] = {}; ///< width, height and text revision that the key map was fitted to
-    ig::UILabel* m_label = nullptr;
+    ig::UILabel* m_label = nullptr; ///< the root's, as the link's
     ig::UILabel* m_link_label = nullptr;
     const LinkMonitor* m_link = nullptr;
     std::string m_notice;
+    KeyMap m_key_map;
+    Notices m_notices;
     Statistics m_statistics = Statistics::off;
     Sums m_sums;
 };
