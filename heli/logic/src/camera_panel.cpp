@@ -1,8 +1,16 @@
 // SPDX-License-Identifier: MIT
+#include "bodies.h"
+#include "cable.h"
 #include "heli/logic/Logic_Nerith_Heli_Final.h"
+#include "heli/logic/records.h"
 #include "heli/ui/editors.h"
+#include "ig/physics/BodyRope.h"
+#include "ig/ui/UILabel.h"
+#include "ig/ui/UIRoot.h"
 #include "ig/ui/UISprite.h"
 #include "panel.h"
+
+#include <cstdio>
 
 using namespace ig;
 using logic_memory::create;
@@ -20,7 +28,16 @@ constexpr int POSITION_MESSAGE = 654321; ///< … its place: it is levelled ther
 constexpr int NO_MESSAGE = -1;
 
 constexpr int ROW = 16; ///< height of icons and fields
+constexpr int READOUT_FONT = 14, READOUT_GAP = 4;
 constexpr int SPEED_WIDTH = 64, POSITION_WIDTH = 156, COLLECTIVE_WIDTH = 64;
+
+struct PositionField {
+    const char* label;
+    int decimals; ///< that are shown; a tenth of a metre
+    double step;  ///< of the wheel: about 100 m in both directions; 10 m
+};
+const PositionField POSITION_FIELDS[] = {
+    {"经度 Lon", 6, 0.001}, {"纬度 Lat", 6, 0.001}, {"高度 Alt", 1, 10}};
 
 void addIcon(UIVLayout* panel, const char* path) {
     auto* icon = create<UISprite>(INIT_UI_CAM, panel->getRoot(), path, 0);
@@ -28,6 +45,41 @@ void addIcon(UIVLayout* panel, const char* path) {
     icon->setFixSize(ROW, ROW);
     panel->addChild(icon);
 }
+
+/// How far the cables are paid out that are out: above the row.
+class CableReadout final : public UILabel {
+public:
+    CableReadout(UIRoot* root, const Logic_Nerith_Heli_Final& logic, const UIElement& row)
+        : UILabel(root, ""), m_logic(logic), m_row(row) {
+        setAlignFree(true);
+        setFontSize(READOUT_FONT);
+    }
+    void refresh() override {
+        char text[96];
+        int size = 0;
+        const auto add = [&](const char* name, const BodyRope* rope) {
+            if (!rope) return;
+            const float length = rope->getLength() * cable::DISPLAYED_PER_LENGTH;
+            size +=
+                std::snprintf(text + size, sizeof text - static_cast<std::size_t>(size),
+                              "%s%s %.1f m", size ? "   " : "", name, static_cast<double>(length));
+        };
+        text[0] = 0;
+        const SonarInfo* sonar = m_logic.m_sonar_info;
+        const WinchInfo* winch = m_logic.m_winch_info;
+        add("声呐缆 Sonar", sonar ? logic_bodies::ropeOf(sonar->rope) : nullptr);
+        add("吊索 Winch", winch ? logic_bodies::ropeOf(winch->rope) : nullptr);
+        setText(text);
+        setPosition(m_row.getX(), m_row.getY() - getHeight() - pixels(READOUT_GAP));
+    }
+    void draw(UiDrawList& list) const override {
+        if (!getText().empty()) UILabel::draw(list);
+    }
+
+private:
+    const Logic_Nerith_Heli_Final& m_logic; ///< outlives the user interface
+    const UIElement& m_row;
+};
 
 void styleField(UIEditLine* field, int width) {
     field->setBackgroundColor(logic_panels::HALF);
@@ -55,8 +107,15 @@ void Logic_Nerith_Heli_Final::init_ui_cam() {
                                      &Logic::get_cam_pos_geo, m_cam_panel, POSITION_MESSAGE, "");
     if (!position) return;
     m_cam_panel->addWrap(position, UI_EXPAND_NONE, -1);
-    for (int i = 0; i < 3; i++)
-        styleField(position->getEdit(i), POSITION_WIDTH);
+    position->addSetter({this, &Logic::show_free_view});
+    for (int i = 0; i < 3; i++) {
+        const PositionField& look = POSITION_FIELDS[i];
+        UIEditLineWheel* field = position->getEdit(i);
+        styleField(field, POSITION_WIDTH);
+        field->setLabel(look.label);
+        field->setDecimals(look.decimals);
+        field->setStep(look.step);
+    }
 
     addIcon(m_cam_panel, COLLECTIVE_ICON);
     auto* collective = create<UIFloat>(INIT_UI_CAM, this, &Logic::set_flt, &Logic::get_heli_thr,
@@ -66,4 +125,13 @@ void Logic_Nerith_Heli_Final::init_ui_cam() {
     styleField(collective->getEdit(), COLLECTIVE_WIDTH);
     collective->getEdit()->setEditable(false);
     collective->getEdit()->setValidator(UI_VALIDATE_NUMBER);
+
+    if (auto* readout =
+            create<CableReadout>(INIT_UI_CAM, m_cam_panel->getRoot(), *this, *m_cam_panel))
+        m_cam_panel->getRoot()->addChild(readout);
+}
+
+/// The other views would put the camera back at once, turned as it is levelled at the place.
+void Logic_Nerith_Heli_Final::show_free_view(const dvec3&) {
+    if (m_player_mode != PLAYER_MODE_FREE) set_player_mode(PLAYER_MODE_FREE);
 }

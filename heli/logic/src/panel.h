@@ -13,21 +13,31 @@ namespace logic_panels {
 
 inline constexpr ig::vec4 HALF{0.5f, 0.5f, 0.5f, 0.5f}; ///< background of layouts and fields
 
+/// The application's user interface, or null.
+inline ig::UIRoot* root() {
+    const ig::IApp* app = ig::Engine::get()->getApp();
+    return app ? app->getUIRoot() : nullptr;
+}
+
+/// Tells the operator something in passing.
+inline void tell(const char* notice) {
+    if (const ig::UIRoot* ui = root()) ui->tell(notice);
+}
+
 /// An empty panel that the frame update places, added to the application's user interface, which
 /// owns it. Null when there is no user interface or no memory. `function` is the qualified name of
 /// the building operation.
 template <class Layout>
 Layout* create(const char* function) {
-    const ig::IApp* app = ig::Engine::get()->getApp();
-    ig::UIRoot* root = app ? app->getUIRoot() : nullptr;
-    Layout* panel = root ? logic_memory::create<Layout>(function, root, 0, 0) : nullptr;
+    ig::UIRoot* ui = root();
+    Layout* panel = ui ? logic_memory::create<Layout>(function, ui, 0, 0) : nullptr;
     if (!panel) return nullptr;
     panel->setAlignFree(true);
     panel->setShowBackground(false);
     panel->setSpace(1, 0);
     panel->setBackgroundColor(HALF);
     panel->setContentAligns(ig::UI_ALIGN_RIGHT | ig::UI_ALIGN_BOTTOM);
-    root->addChild(panel, ig::UI_EXPAND_NONE, -1);
+    ui->addChild(panel, ig::UI_EXPAND_NONE, -1);
     return panel;
 }
 

@@ -4,7 +4,10 @@
 #include "ig/scene/Material.h"
 #include "ig/scene/RPost.h"
 #include "ig/ui/UISpriteViewport.h"
+#include "ig/ui/UiDrawList.h"
 #include "panel.h"
+
+#include <cstdio>
 
 using namespace ig;
 using logic_memory::create;
@@ -17,6 +20,11 @@ constexpr int PICTURE_SIZE = 256;    ///< pixels
 constexpr double AHEAD = 90.0;       ///< degrees in the picture, clockwise from its left
 constexpr float WHOLE_PICTURE = 180; ///< degrees
 
+constexpr int RINGS = 4, RING_DISTANCE = 5; ///< km between them
+constexpr float OUTER_RING = 0.94f;         ///< its height over the picture's
+constexpr int SCALE_FONT = 11;
+const vec4 SCALE_COLOR(0.55f, 1.0f, 0.65f, 0.9f), SHADOW(0, 0, 0, 0.8f);
+
 /// Sets the sector of the radar's material: the state "fan" draws it, from and to are degrees.
 /// Without the material the picture has no sector.
 void setSector(const void* owner, const char* function, int fan, float from, float to) {
@@ -28,6 +36,36 @@ void setSector(const void* owner, const char* function, int fan, float from, flo
     material->setParameterSliderByName("max_angle", to);
     RPost::FreeMaterial(material, owner);
 }
+
+/// The rings' distances, where they cross the line straight ahead. The picture's material draws the
+/// rings: their number and the outermost one's place are its own.
+class RadarScale final : public UIElement {
+public:
+    RadarScale(UIRoot* root, const UISpriteViewport& picture)
+        : UIElement(root), m_picture(picture) {}
+    void draw(UiDrawList& list) const override {
+        if (m_picture.isHidden()) return;
+        const auto size = static_cast<float>(pixels(SCALE_FONT));
+        const auto width = static_cast<float>(m_picture.getWidth());
+        const auto height = static_cast<float>(m_picture.getHeight());
+        const float x = static_cast<float>(m_picture.getX()) + width / 2 + size / 4;
+        const float bottom = static_cast<float>(m_picture.getY()) + height;
+        for (int ring = 1; ring <= RINGS; ring++) {
+            char text[16];
+            std::snprintf(text, sizeof text, ring < RINGS ? "%d" : "%d km", ring * RING_DISTANCE);
+            const float up = OUTER_RING * height * static_cast<float>(ring) / RINGS;
+            list.addText(x + 1, bottom - up + 2, size, SHADOW, text);
+            list.addText(x, bottom - up + 1, size, SCALE_COLOR, text);
+        }
+    }
+
+protected:
+    void measure(int& width, int& height) const override { width = height = 0; }
+    bool takesMouse() const override { return false; }
+
+private:
+    const UISpriteViewport& m_picture; ///< the root's too
+};
 
 } // namespace
 
@@ -48,6 +86,9 @@ void Logic_Nerith_Heli_Final::init_ui_radar() {
         {this, &Logic_Nerith_Heli_Final::on_viewport_radar_update_end});
     m_radar_panel->addChild(m_radar_viewport, UI_EXPAND_NONE, -1);
     m_radar_viewport->setHidden(true);
+    if (auto* scale =
+            create<RadarScale>(INIT_UI_RADAR, m_radar_panel->getRoot(), *m_radar_viewport))
+        m_radar_panel->getRoot()->addChild(scale);
 }
 
 void Logic_Nerith_Heli_Final::on_viewport_radar_update_begin(UISpriteViewport*) {

@@ -6,6 +6,7 @@
 #include "heli/logic/records.h"
 #include "ig/scene/ObjectPrefab.h"
 #include "memory.h"
+#include "panel.h"
 
 using namespace ig;
 using namespace logic_bodies;
@@ -14,6 +15,10 @@ using namespace logic_memory;
 namespace {
 // Not the prefab that start-up warms up: what is lowered is the basket.
 const char* const LOAD = "data/PELMAR_PROJECT/prefabs/rope_car/rope_car.prefab";
+/// Otherwise the button would seem to do nothing.
+const char* const STOWED_BY_HOST =
+    "吊索已由飞行仿真收回：数据包中 hang_enable 为 0\n"
+    "The flight simulation stows the winch: its records say hang_enable 0";
 } // namespace
 
 bool Logic_Nerith_Heli_Final::emit_winch() {
@@ -54,6 +59,7 @@ void Logic_Nerith_Heli_Final::update_heli_winch_enable() {}
 
 void Logic_Nerith_Heli_Final::apply_hang(UdpRecvData& record) {
     if (record.hang_enable == 0) {
+        if (m_winch_info && m_winch_info->prefab) logic_panels::tell(STOWED_BY_HOST);
         release_winch();
         return;
     }

@@ -127,6 +127,18 @@ TEST_F(NavigationTest, ViewsCycleAndEachPlacesTheCamera) {
     EXPECT_LT(length(axis(0, 0, 1) - third.getZ()), 1e-9);
     scene.frame();
     EXPECT_NEAR(length(position() - logic().m_heli->get_world_position()), 25, 1e-8);
+    // Whatever moved the helicopter since the update: the picture shows it in its place.
+    const auto move = [&] {
+        logic().m_heli->m_prefab->setWorldPosition(logic().m_heli->get_world_position() +
+                                                   dvec3(3, 4, 5));
+        logic().swap();
+    };
+    move();
+    EXPECT_NEAR(length(position() - logic().m_heli->get_world_position()), 25, 1e-8);
+    logic().set_player_mode(Mode::PLAYER_MODE_FIRST);
+    move();
+    EXPECT_LT(length(position() - scene.helicopterNode("cam_first_player")->getWorldPosition()),
+              1e-8);
 }
 
 TEST_F(NavigationTest, WheelZoomsTheThirdViewOnlyDownToAMetre) {

@@ -55,6 +55,9 @@ TEST_F(PanelTest, PanelsHugTheirCornersAtEverySize) {
         EXPECT_EQ(buttons.getX() + buttons.getWidth(), width);
         EXPECT_EQ(buttons.getY() + buttons.getHeight(), height);
         EXPECT_EQ(fields.getX(), 0);
+        const int widths[] = {64, 156, 156, 156, 64};
+        for (int i = 0; i < 5; i++)
+            EXPECT_EQ(field(i)->getWidth(), widths[i]);
         EXPECT_EQ(fields.getY() + fields.getHeight(), height);
         EXPECT_EQ(logic().m_radar_panel->getX(), width - 256);
         EXPECT_EQ(logic().m_radar_panel->getY(), 0);
@@ -71,6 +74,51 @@ TEST_F(PanelTest, AVisitedFieldDoesNotTakeTheCameraBack) {
     EXPECT_EQ(scene.camera_control.m_position, moved);
     scene.frame();
     EXPECT_NEAR(field(1)->getText().toDouble(), logic().get_cam_pos_geo().x, 1e-6);
+}
+
+TEST_F(PanelTest, APlaceThatIsEnteredIsLookedFromWhateverTheView) {
+    const dvec3 orbit = scene.camera.getPosition();
+    click(field(2));
+    scene.input.text("20.5");
+    key(KEY_RETURN);
+    scene.frame();
+    EXPECT_NEAR(logic().get_cam_pos_geo().y, 20.5, 1e-9);
+    EXPECT_EQ(logic().m_btn_view->getText(), "自由视角");
+    logic().change_view();
+    logic().change_view();
+    EXPECT_LT(length(scene.camera.getPosition() - orbit), 1e-6); // it is still there
+}
+
+TEST_F(PanelTest, CablesThatAreOutTellTheirLengthAndTheHostsWinchIsExplained) {
+    std::string told;
+    scene.ui->setNotices([&](std::string_view notice) { told = notice; }, {});
+    const auto shows = [&](const char* part) {
+        UiDrawList list;
+        scene.ui->draw(list);
+        for (const UiDrawList::Command& command : list.commands())
+            if (list.text(command).find(part) != std::string_view::npos) return true;
+        return false;
+    };
+    scene.frame();
+    EXPECT_FALSE(shows(" m"));
+    logic().emit_sonar();
+    UdpRecvData record = LogicScene::record();
+    record.hang_enable = 1;
+    record.hang_length = 9.5f;
+    scene.tell(record);
+    EXPECT_TRUE(shows("Winch 9.5 m"));
+    EXPECT_TRUE(shows("Sonar "));
+    EXPECT_EQ(told, "");
+    record.hang_enable = 0;
+    scene.tell(record);
+    EXPECT_FALSE(shows("Winch"));
+    EXPECT_NE(told.find("hang_enable 0"), std::string::npos);
+    told.clear();
+    scene.tell(record); // nothing to stow
+    EXPECT_EQ(told, "");
+    click(logic().m_btn_panel->getChild(10)); // deployed, and stowed by the next record
+    scene.tell(record);
+    EXPECT_NE(told, "");
 }
 
 TEST_F(PanelTest, TheCollectiveIsShownAndCannotBeEdited) {

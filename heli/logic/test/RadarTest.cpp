@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "ig/scene/RPost.h"
 #include "ig/ui/UISpriteViewport.h"
+#include "ig/ui/UiDrawList.h"
 #include "testkit/LogicScene.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <vector>
 
@@ -51,6 +53,8 @@ TEST_F(RadarTest, SeesTheWorldFromAboveTheHelicopterWithItsHeadingUp) {
     start();
     const Camera& camera = *scene.logic->m_radar_object;
     EXPECT_EQ(viewport().getCamera(), &camera);
+    EXPECT_EQ(viewport().getVisionMode(), VISION_RADAR);
+    EXPECT_EQ(viewport().getPostMaterials(), "post_radar");
     tell(0, 60, 0);
     // Half way up the picture's middle, 50 m deep: 10 km ahead.
     const dmat4 local = scene.logic->m_heli->m_prefab->getWGSTransform();
@@ -60,6 +64,29 @@ TEST_F(RadarTest, SeesTheWorldFromAboveTheHelicopterWithItsHeadingUp) {
     EXPECT_LT(length(ahead - dvec3(1e4 * std::sin(h), 1e4 * std::cos(h), 10 - 50)), 1e-3);
     scene.logic->release();
     EXPECT_EQ(viewport().getCamera(), nullptr); // the interface outlives the camera
+}
+
+TEST_F(RadarTest, ItsRingsAreNumberedWhereThePictureHasThem) {
+    scene.useProjectData();
+    start();
+    const Material* material = RPost::GetMaterial("post_radar", &HERE, HERE);
+    const int rings =
+        static_cast<int>(material->getParameterSlider(material->findParameterIDByTag("rings")));
+    UiDrawList list;
+    const auto count = [&](const std::string& text) {
+        scene.ui->update(0);
+        scene.ui->draw(list);
+        return std::ranges::count_if(list.commands(), [&](const auto& command) {
+            return list.text(command) == text && command.y < 256 && command.x > 640 - 256;
+        });
+    };
+    EXPECT_EQ(rings, 4);
+    EXPECT_EQ(count("5"), 0);
+    viewport().setHidden(false);
+    scene.frame();
+    for (const char* text : {"5", "10", "15", "20 km"})
+        EXPECT_EQ(count(text), 2) << text; // and its shadow
+    RPost::FreeMaterial(const_cast<Material*>(material), &HERE);
 }
 
 TEST_F(RadarTest, SectorAndGainHoldWhileThePictureIsDrawn) {

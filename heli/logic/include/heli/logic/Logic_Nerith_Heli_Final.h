@@ -308,6 +308,8 @@ public:
 
     void init_ui_cam();
     void set_flt(float) {} ///< setter of a field that only shows its value
+    /// A place was entered: the view that stays there.
+    void show_free_view(const ig::dvec3&);
 
     // --- radar_display.cpp
 
