@@ -97,6 +97,8 @@ bool Channel::open() {
     m_interface.open(m_logic);
     m_interface.getOverlays().watch(&m_link);
     m_interface.getOverlays().showHelp(m_options.show_help);
+    if (m_window.isOpen() && !m_options.show_help)
+        m_interface.getOverlays().getNotices().showHint();
     m_interface.getOverlays().showStatistics(m_options.statistics);
     if (m_listener.m_helicopter) m_last_position = m_listener.m_helicopter->getWorldPosition();
     for (SocketUDP* socket : SocketUDP::getOpenSockets())
@@ -149,7 +151,8 @@ bool Channel::makeRenderer() {
 }
 
 void Channel::prepareInterface() {
-    m_interface.resize(m_options.width, m_options.height, m_window.getDensity());
+    m_interface.resize(m_options.width, m_options.height,
+                       m_window.getDensity() * m_options.interface_size);
     UIRoot* root = m_interface.getRoot();
     // The scene and the link go on while the operator is asked something.
     root->setModalFrame([this] { return runFrame(); });
@@ -223,7 +226,7 @@ bool Channel::runFrame() {
     if (g_stop || m_quit || isOver()) return false;
     const float dt = m_clock.beginFrame();
     const double begin = steadyNow();
-    if (m_window.isOpen() && !m_window.poll()) m_close_requested = true;
+    if (m_window.isOpen()) m_window.poll();
     if (m_frames > 0) playScript(); // before, no button has been laid out
     const float scale = m_renderer->getScale();
     const std::string& still = m_script.getPictureName();
@@ -312,12 +315,16 @@ void Channel::draw() {
     m_video.afterFrame(*m_renderer, time);
 }
 
-/// Elsewhere on the earth "up" points elsewhere: the camera that came along would hang askew.
+/// Elsewhere on the earth "up" points elsewhere: a camera that came along would hang askew. A free
+/// one stayed where it is.
 void Channel::levelAfterJump() {
     if (!m_listener.m_helicopter) return;
     const dvec3 position = m_listener.m_helicopter->getWorldPosition();
-    if (length(position - m_last_position) > JUMP) levelCamera();
+    const dvec3 eye = m_camera.getWorldPosition();
+    const bool jumped = length(position - m_last_position) > JUMP;
+    if (jumped && length(eye - m_last_eye) > JUMP / 2) levelCamera();
     m_last_position = position;
+    m_last_eye = eye;
 }
 
 // ------------------------------------------------------------------ end

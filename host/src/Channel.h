@@ -61,12 +61,17 @@ public:
 private:
     // ChannelWindow.cpp
     bool openWindow();
+    void endAtOnce();
+    void takePicture();
     void onKey(int key, bool down, bool repeat) override;
+    void onModifiers(bool shift, bool ctrl, bool alt) override;
     void onText(const char* utf8) override;
     void onButton(int button, bool down, float x, float y) override;
     void onMove(float x, float y) override;
     void onWheel(float notches) override;
     void onFocusLost() override;
+    void onLeft() override;
+    void onClose() override;
     void onResized(int width, int height, float density) override;
 
     bool checkOutputs() const;
@@ -111,6 +116,7 @@ private:
     ig::FrameInfo m_frame_info;
     Trace m_trace;
     ig::dvec3 m_last_position; ///< of the helicopter
+    ig::dvec3 m_last_eye;      ///< of the logic's camera
     FrameClock m_clock;
     double m_scene_time = 0; ///< s; goes on while the scene stands still
     int m_frames = 0;

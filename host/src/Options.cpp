@@ -44,6 +44,10 @@ void addInterfaceOptions(CLI::App& app, Options& options) {
                    "Of boxes, key map and statistics: zh or en (config/texts.*.yaml)")
         ->check(word({"zh", "en"}));
     app.add_flag("--no-ui", options.no_interface, "Pictures without panels and texts");
+    app.add_option("--interface-size", options.interface_size,
+                   "How many times larger than usual panels and texts are, 0.5 to 4, as far as "
+                   "the picture has room for them")
+        ->check(number(0.5, 4));
     app.add_flag("--help-overlay", options.show_help, "Begin with the key map over the picture");
     static const std::vector<std::string> FORMS = {"off", "rate", "full"};
     app.add_option_function<std::string>(
@@ -67,6 +71,10 @@ void addPictureOptions(CLI::App& app, Options& options) {
     app.add_flag("--window", options.window, "A window or nothing");
     app.add_flag("--no-vsync", options.no_vertical_sync,
                  "Pictures don't wait for the display and may tear");
+    app.add_flag("--full-screen", options.full_screen,
+                 "The window begins as all of its monitor (Alt + Return goes back)");
+    app.add_option("--monitor", options.monitor,
+                   "The monitor that the window goes to: its name, or its number from 1");
     app.add_option_function<std::string>(
            "--scale",
            [&options](const std::string& text) {

@@ -6,6 +6,7 @@
 #include "ig/base/jLog.h"
 
 #include <cstdio>
+#include <filesystem>
 
 using ig::jLog;
 
@@ -33,7 +34,12 @@ void Screenshots::afterFrame(ig::Renderer& renderer, double time) {
     jLog::message("Screenshots: no further pictures of --screenshot-every are tried");
 }
 
-void Screenshots::take(ig::Renderer& renderer) { keep(renderer, nextPath()); }
+std::string Screenshots::takeNew(ig::Renderer& renderer) {
+    std::string path = nextPath();
+    while (std::filesystem::exists(path))
+        path = nextPath();
+    return keep(renderer, path) ? path : "";
+}
 
 std::string Screenshots::nextPath() {
     char number[16];

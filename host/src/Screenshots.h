@@ -20,8 +20,9 @@ public:
     /// The pictures every so many seconds end with the first that can't be written.
     void afterFrame(ig::Renderer& renderer, double time);
     void afterLast(ig::Renderer& renderer);
-    /// A numbered picture now, under the asked name or "picture.png".
-    void take(ig::Renderer& renderer);
+    /// A numbered picture now, under the asked name or "picture.png", with the first number that no
+    /// file has: a former run's pictures stay. Its path; empty when it could not be written.
+    std::string takeNew(ig::Renderer& renderer);
     /// The last frame now, as NAME.png in the folder of the asked name.
     void take(ig::Renderer& renderer, const std::string& name);
     /// Something that was asked for has not been written.

@@ -7,6 +7,8 @@
 #define GLFW_INCLUDE_NONE
 #include <GLFW/glfw3.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cstdlib>
 #include <string>
 
@@ -14,11 +16,44 @@ using namespace ig;
 
 namespace {
 
+/// The key at a place of the keypad while Num Lock is off; negative: none.
+int toCursorKey(int key) {
+    switch (key) {
+    case GLFW_KEY_KP_2:
+        return KEY_DOWN;
+    case GLFW_KEY_KP_8:
+        return KEY_UP;
+    case GLFW_KEY_KP_4:
+        return KEY_LEFT;
+    case GLFW_KEY_KP_6:
+        return KEY_RIGHT;
+    case GLFW_KEY_KP_7:
+        return KEY_HOME;
+    case GLFW_KEY_KP_1:
+        return KEY_END;
+    case GLFW_KEY_KP_DECIMAL:
+        return KEY_DELETE;
+    default:
+        return -1;
+    }
+}
+
+/// A printable key as the keyboard's layout labels it. Digits go by their place: on some layouts
+/// they need Shift. So do keys whose label is no ASCII character.
+int toPrintable(int key, int scancode) {
+    const bool digit = key >= GLFW_KEY_0 && key <= GLFW_KEY_9;
+    const char* name = digit ? nullptr : glfwGetKeyName(key, scancode);
+    if (name && name[0] > ' ' && name[0] <= '~' && !name[1])
+        return std::tolower(static_cast<unsigned char>(name[0]));
+    return key >= GLFW_KEY_A && key <= GLFW_KEY_Z ? key - GLFW_KEY_A + 'a' : key;
+}
+
 /// A GLFW key as a `KeyCode`; negative: none.
-int toKeyCode(int key) {
-    if (key >= GLFW_KEY_A && key <= GLFW_KEY_Z) return key - GLFW_KEY_A + 'a';
+int toKeyCode(int key, int scancode, bool num_lock) {
+    if (key >= GLFW_KEY_KP_0 && key <= GLFW_KEY_KP_DECIMAL && !num_lock) return toCursorKey(key);
+    if (key >= GLFW_KEY_KP_0 && key <= GLFW_KEY_KP_9) return key - GLFW_KEY_KP_0 + '0';
     if (key >= GLFW_KEY_F1 && key <= GLFW_KEY_F12) return key - GLFW_KEY_F1 + KEY_F1;
-    if (key >= GLFW_KEY_SPACE && key <= GLFW_KEY_GRAVE_ACCENT) return key; // printable: itself
+    if (key >= GLFW_KEY_SPACE && key <= GLFW_KEY_GRAVE_ACCENT) return toPrintable(key, scancode);
     switch (key) {
     case GLFW_KEY_ESCAPE:
         return KEY_ESCAPE;
@@ -67,7 +102,65 @@ std::string toUtf8(unsigned character) {
     return {static_cast<char>(0xf0 | character >> 18), tail(12), tail(6), tail(0)};
 }
 
+DesktopArea areaOf(GLFWmonitor* monitor) {
+    DesktopArea area;
+    glfwGetMonitorPos(monitor, &area.x, &area.y);
+    if (const GLFWvidmode* mode = glfwGetVideoMode(monitor)) {
+        area.width = mode->width;
+        area.height = mode->height;
+    }
+    return area;
+}
+
+std::vector<GLFWmonitor*> listMonitors() {
+    int count = 0;
+    GLFWmonitor** monitors = glfwGetMonitors(&count);
+    return {monitors, monitors + count};
+}
+
+/// The one of that name or number, or null.
+GLFWmonitor* findMonitor(const std::string& wanted) {
+    const std::vector<GLFWmonitor*> monitors = listMonitors();
+    for (std::size_t i = 0; i < monitors.size(); i++)
+        if (wanted == glfwGetMonitorName(monitors[i]) || wanted == std::to_string(i + 1))
+            return monitors[i];
+    return nullptr;
+}
+
+/// Those that there are, for a message: 1 "HDMI-1" 1920x1080, ...
+std::string describeMonitors() {
+    std::string text;
+    int number = 1;
+    for (GLFWmonitor* monitor : listMonitors()) {
+        const DesktopArea area = areaOf(monitor);
+        text += (number > 1 ? ", " : "") + std::to_string(number) + " \"" +
+                glfwGetMonitorName(monitor) + "\" " + std::to_string(area.width) + "x" +
+                std::to_string(area.height);
+        number++;
+    }
+    return text.empty() ? "no monitor" : text;
+}
+
 } // namespace
+
+std::size_t findMostCovered(const DesktopArea& window, const std::vector<DesktopArea>& areas) {
+    const auto common = [](int begin, int size, int other, int other_size) {
+        return std::max(0, std::min(begin + size, other + other_size) - std::max(begin, other));
+    };
+    std::size_t best = 0;
+    long long most = 0;
+    for (std::size_t i = 0; i < areas.size(); i++) {
+        const DesktopArea& area = areas[i];
+        const long long covered =
+            static_cast<long long>(common(window.x, window.width, area.x, area.width)) *
+            common(window.y, window.height, area.y, area.height);
+        if (covered > most) {
+            most = covered;
+            best = i;
+        }
+    }
+    return best;
+}
 
 bool Window::hasDisplay() {
     const auto set = [](const char* name) {
@@ -77,7 +170,7 @@ bool Window::hasDisplay() {
     return set("DISPLAY") || set("WAYLAND_DISPLAY");
 }
 
-bool Window::open(int width, int height) {
+bool Window::open(int width, int height, const std::string& monitor) {
     const auto fail = [this] {
         const char* why = nullptr;
         glfwGetError(&why);
@@ -90,15 +183,36 @@ bool Window::open(int width, int height) {
     glfwWindowHint(GLFW_CONTEXT_VERSION_MAJOR, 3);
     glfwWindowHint(GLFW_CONTEXT_VERSION_MINOR, 3);
     glfwWindowHint(GLFW_OPENGL_PROFILE, GLFW_OPENGL_CORE_PROFILE);
-    glfwWindowHint(GLFW_DEPTH_BITS, 0); // only a finished picture is copied in
+    glfwWindowHint(GLFW_DEPTH_BITS, 0);            // only a finished picture is copied in
+    glfwWindowHint(GLFW_AUTO_ICONIFY, GLFW_FALSE); // a projector stays lit
     m_window = glfwCreateWindow(width, height, "Visual channel", nullptr, nullptr);
     if (!m_window) return fail();
+    if (!monitor.empty() && !moveTo(monitor)) {
+        close();
+        return false;
+    }
     glfwMakeContextCurrent(m_window);
     glfwSwapInterval(1);
     glfwGetFramebufferSize(m_window, &m_width, &m_height);
     glfwSetWindowUserPointer(m_window, this);
     setCallbacks();
     setInputCallbacks();
+    return true;
+}
+
+/// To the middle of a monitor. False, with one log line, when there is none of that name or number.
+bool Window::moveTo(const std::string& monitor) {
+    GLFWmonitor* there = findMonitor(monitor);
+    if (!there) {
+        jLog::error("Window::open: there is no monitor \"%s\"; there is %s", monitor.c_str(),
+                    describeMonitors().c_str());
+        return false;
+    }
+    const DesktopArea area = areaOf(there);
+    int width = 0, height = 0;
+    glfwGetWindowSize(m_window, &width, &height);
+    glfwSetWindowPos(m_window, area.x + (area.width - width) / 2,
+                     area.y + (area.height - height) / 2);
     return true;
 }
 
@@ -118,21 +232,28 @@ void Window::setCallbacks() {
     glfwSetWindowFocusCallback(m_window, [](GLFWwindow* w, int focused) {
         if (!focused) from(w).m_listener.onFocusLost();
     });
+    glfwSetWindowCloseCallback(m_window, [](GLFWwindow* w) {
+        glfwSetWindowShouldClose(w, GLFW_FALSE); // told once; the operator may say no
+        from(w).m_listener.onClose();
+    });
+    glfwSetCursorEnterCallback(m_window, [](GLFWwindow* w, int entered) {
+        if (!entered) from(w).m_listener.onLeft();
+    });
     glfwSetFramebufferSizeCallback(m_window, [](GLFWwindow* w, int, int) { from(w).tellSize(); });
     glfwSetWindowContentScaleCallback(m_window,
                                       [](GLFWwindow* w, float, float) { from(w).tellSize(); });
 }
 
 void Window::setInputCallbacks() {
-    glfwSetKeyCallback(m_window, [](GLFWwindow* w, int key, int, int action, int) {
-        const int code = toKeyCode(key);
-        if (code >= 0)
-            from(w).m_listener.onKey(code, action != GLFW_RELEASE, action == GLFW_REPEAT);
+    glfwSetInputMode(m_window, GLFW_LOCK_KEY_MODS, GLFW_TRUE); // for Num Lock
+    glfwSetKeyCallback(m_window, [](GLFWwindow* w, int key, int scancode, int action, int mods) {
+        from(w).tellKey(key, scancode, action, mods);
     });
     glfwSetCharCallback(m_window, [](GLFWwindow* w, unsigned character) {
         from(w).m_listener.onText(toUtf8(character).c_str());
     });
-    glfwSetMouseButtonCallback(m_window, [](GLFWwindow* w, int button, int action, int) {
+    glfwSetMouseButtonCallback(m_window, [](GLFWwindow* w, int button, int action, int mods) {
+        from(w).tellModifiers(mods);
         if (button <= GLFW_MOUSE_BUTTON_MIDDLE) from(w).tellButton(button, action == GLFW_PRESS);
     });
     glfwSetCursorPosCallback(m_window, [](GLFWwindow* w, double x, double y) {
@@ -142,6 +263,18 @@ void Window::setInputCallbacks() {
     glfwSetScrollCallback(m_window, [](GLFWwindow* w, double, double y) {
         from(w).m_listener.onWheel(static_cast<float>(y));
     });
+}
+
+/// What goes with a modifier key itself is its state before, or after, as the window system likes.
+void Window::tellKey(int key, int scancode, int action, int mods) {
+    const int code = toKeyCode(key, scancode, (mods & GLFW_MOD_NUM_LOCK) != 0);
+    if (code < KEY_SHIFT || code > KEY_ALT) tellModifiers(mods);
+    if (code >= 0) m_listener.onKey(code, action != GLFW_RELEASE, action == GLFW_REPEAT);
+}
+
+void Window::tellModifiers(int mods) {
+    m_listener.onModifiers((mods & GLFW_MOD_SHIFT) != 0, (mods & GLFW_MOD_CONTROL) != 0,
+                           (mods & GLFW_MOD_ALT) != 0);
 }
 
 void Window::tellButton(int button, bool down) {
@@ -181,25 +314,27 @@ void Window::writeClipboard(const std::string& text) const {
     if (m_window) glfwSetClipboardString(m_window, text.c_str());
 }
 
-bool Window::poll() {
-    glfwPollEvents();
-    const bool close = glfwWindowShouldClose(m_window);
-    glfwSetWindowShouldClose(m_window, GLFW_FALSE); // told once; the operator may say no
-    return !close;
-}
+void Window::poll() { glfwPollEvents(); }
 
 void Window::swap() { glfwSwapBuffers(m_window); }
 
 void Window::toggleFullScreen() {
     if (glfwGetWindowMonitor(m_window)) {
-        glfwSetWindowMonitor(m_window, nullptr, m_restore[0], m_restore[1], m_restore[2],
-                             m_restore[3], GLFW_DONT_CARE);
+        glfwSetWindowMonitor(m_window, nullptr, m_restore.x, m_restore.y, m_restore.width,
+                             m_restore.height, GLFW_DONT_CARE);
         return;
     }
-    GLFWmonitor* monitor = glfwGetPrimaryMonitor();
-    const GLFWvidmode* mode = monitor ? glfwGetVideoMode(monitor) : nullptr;
+    const std::vector<GLFWmonitor*> monitors = listMonitors();
+    if (monitors.empty()) return;
+    DesktopArea window;
+    glfwGetWindowPos(m_window, &window.x, &window.y);
+    glfwGetWindowSize(m_window, &window.width, &window.height);
+    std::vector<DesktopArea> areas;
+    for (GLFWmonitor* monitor : monitors)
+        areas.push_back(areaOf(monitor));
+    GLFWmonitor* monitor = monitors[findMostCovered(window, areas)];
+    const GLFWvidmode* mode = glfwGetVideoMode(monitor);
     if (!mode) return;
-    glfwGetWindowPos(m_window, &m_restore[0], &m_restore[1]);
-    glfwGetWindowSize(m_window, &m_restore[2], &m_restore[3]);
+    m_restore = window;
     glfwSetWindowMonitor(m_window, monitor, 0, 0, mode->width, mode->height, mode->refreshRate);
 }

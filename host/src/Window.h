@@ -2,8 +2,18 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
+struct GLFWmonitor;
 struct GLFWwindow;
+
+/// A rectangle of the desktop.
+struct DesktopArea {
+    int x = 0, y = 0, width = 0, height = 0;
+};
+
+/// Index of the area that has most of the window; 0 when none has any of it.
+std::size_t findMostCovered(const DesktopArea& window, const std::vector<DesktopArea>& areas);
 
 /// Hears what happens in the window, during `Window::poll`.
 class WindowListener {
@@ -11,12 +21,19 @@ public:
     virtual ~WindowListener() = default;
     /// Keys are `ig::KeyCode`s; `repeat`: the key is being held.
     virtual void onKey(int key, bool down, bool repeat) = 0;
+    /// Before what a key or a mouse button does: which modifiers the window system knows to be
+    /// down. Window managers keep presses and releases for themselves.
+    virtual void onModifiers(bool shift, bool ctrl, bool alt) = 0;
     virtual void onText(const char* utf8) = 0;
     /// 0 left, 1 right, 2 middle; pixels of the picture from the top left corner.
     virtual void onButton(int button, bool down, float x, float y) = 0;
     virtual void onMove(float x, float y) = 0;
     virtual void onWheel(float notches) = 0; ///< positive when rolled up
     virtual void onFocusLost() = 0;
+    /// The mouse left the window, perhaps for the frame around it.
+    virtual void onLeft() = 0;
+    /// The operator wants the window closed.
+    virtual void onClose() = 0;
     /// Size of the picture, pixels, and how many of them a unit of 1/96 inch has: the window was
     /// resized, or went to another monitor.
     virtual void onResized(int width, int height, float density) = 0;
@@ -33,16 +50,19 @@ public:
 
     /// Whether there is a display to open a window on.
     static bool hasDisplay();
-    /// False, with one log line, when the window can't be opened.
-    bool open(int width, int height);
+    /// False, with one log line, when the window can't be opened. `monitor`: its name, or its
+    /// number from 1; empty: as the window manager likes.
+    bool open(int width, int height, const std::string& monitor = "");
     /// Whether pictures wait for the display, as they do after `open`, or may tear.
     void setVerticalSync(bool wait);
     void close();
     bool isOpen() const { return m_window != nullptr; }
-    /// Delivers what has happened. False when the user wants the window closed.
-    bool poll();
+    /// Delivers what has happened.
+    void poll();
     /// Shows the frame that was drawn; waits for the display.
     void swap();
+    /// To the whole of the monitor that has most of the window, and back. The picture stays there
+    /// when another window takes the focus.
     void toggleFullScreen();
 
     int getWidth() const { return m_width; } ///< of the picture, pixels
@@ -56,8 +76,11 @@ public:
 
 private:
     static Window& from(GLFWwindow* window);
+    bool moveTo(const std::string& monitor);
     void setCallbacks();
     void setInputCallbacks();
+    void tellKey(int key, int scancode, int action, int mods);
+    void tellModifiers(int mods);
     void tellButton(int button, bool down);
     void tellSize();
     float toPixels(double length) const;
@@ -65,5 +88,5 @@ private:
     WindowListener& m_listener;
     GLFWwindow* m_window = nullptr;
     int m_width = 0, m_height = 0;
-    int m_restore[4] = {}; ///< place and size before full screen
+    DesktopArea m_restore; ///< before full screen
 };

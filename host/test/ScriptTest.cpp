@@ -96,7 +96,10 @@ struct Recorder final : WindowListener {
         ui.mouseMove(x, y);
     }
     void onWheel(float notches) override { add("wheel", static_cast<int>(notches)); }
+    void onModifiers(bool, bool, bool) override {}
     void onFocusLost() override {}
+    void onLeft() override {}
+    void onClose() override {}
     void onResized(int, int, float) override {}
     void add(const char* name, int value) { events += name + std::to_string(value) + ' '; }
     std::string events;
@@ -180,7 +183,10 @@ struct ScriptedScene : LogicScene, WindowListener {
     }
     void onMove(float x, float y) override { input.mouseMove(x, y); }
     void onWheel(float notches) override { input.wheel(notches); }
+    void onModifiers(bool, bool, bool) override {}
     void onFocusLost() override {}
+    void onLeft() override {}
+    void onClose() override {}
     void onResized(int, int, float) override {}
     void runUntil(double end) {
         for (; time < end; time += 1 / 30.0) {

@@ -39,15 +39,20 @@ std::string startServer(pid_t* server) {
 
 } // namespace
 
-bool VirtualScreen::isInstalled() { return std::system("command -v Xvfb >/dev/null") == 0; }
+bool VirtualScreen::isInstalled() {
+    return std::system("command -v Xvfb >/dev/null && command -v openbox >/dev/null") == 0;
+}
 
-VirtualScreen::VirtualScreen(int dpi) {
+VirtualScreen::VirtualScreen(const Desktop& desktop) {
     const std::string name = startServer(&m_server);
     if (name.empty()) return;
     setenv("DISPLAY", name.c_str(), 1);
     unsetenv("WAYLAND_DISPLAY");
+    const std::string layout = "setxkbmap -layout " + std::string(desktop.layout);
+    if (std::system(layout.c_str()) != 0) return;
     m_display = XOpenDisplay(name.c_str());
     if (!m_display) return;
+    const int dpi = desktop.dpi;
     const std::string setting = dpi > 0 ? "Xft.dpi: " + std::to_string(dpi) + "\n" : "";
     const Window root = DefaultRootWindow(m_display);
     if (dpi > 0)
@@ -56,19 +61,50 @@ VirtualScreen::VirtualScreen(int dpi) {
                         static_cast<int>(setting.size()));
     m_own_window = XCreateSimpleWindow(m_display, root, WIDTH - 10, HEIGHT - 10, 10, 10, 0, 0, 0);
     XMapWindow(m_display, m_own_window);
+    XkbSetAutoRepeatRate(m_display, XkbUseCoreKbd, 100, 10); // milliseconds: nobody waits long
     sync();
+    if (desktop.managed) startManager();
 }
 
 VirtualScreen::~VirtualScreen() {
     if (m_display) XCloseDisplay(m_display);
     unsetenv("DISPLAY");
-    if (m_server <= 0) return;
-    kill(m_server, SIGTERM);
-    waitpid(m_server, nullptr, 0);
+    for (const pid_t program : {m_manager, m_server}) {
+        if (program <= 0) continue;
+        kill(program, SIGTERM);
+        waitpid(program, nullptr, 0);
+    }
+}
+
+/// It has taken over when it names itself on the root window.
+void VirtualScreen::startManager() {
+    const Window root = DefaultRootWindow(m_display);
+    XSelectInput(m_display, root, PropertyChangeMask);
+    m_asking_window = XCreateSimpleWindow(m_display, root, 0, 0, 10, 10, 0, 0, 0);
+    XSelectInput(m_display, m_asking_window, PropertyChangeMask);
+    m_manager = fork();
+    if (m_manager == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGTERM);
+        // Its own settings, not those of whoever runs the tests.
+        execlp("openbox", "openbox", "--sm-disable", "--config-file", "/etc/xdg/openbox/rc.xml",
+               nullptr);
+        _exit(127);
+    }
+    waitForProperty(root, "_NET_SUPPORTING_WM_CHECK");
+}
+
+void VirtualScreen::waitForProperty(unsigned long window, const char* name) {
+    const Atom property = XInternAtom(m_display, name, False);
+    for (XEvent event{};;) {
+        XWindowEvent(m_display, window, PropertyChangeMask, &event);
+        if (event.xproperty.atom == property && event.xproperty.state == PropertyNewValue) return;
+    }
 }
 
 bool VirtualScreen::watch(const std::string& title) {
     m_window = find(DefaultRootWindow(m_display), title);
+    if (m_window) XSelectInput(m_display, m_window, KeyPressMask);
+    sync();
     return m_window != 0;
 }
 
@@ -120,8 +156,23 @@ void VirtualScreen::type(std::string_view characters) {
         stroke(static_cast<unsigned char>(c));
 }
 
-void VirtualScreen::setRepeat(unsigned delay, unsigned interval) {
-    XkbSetAutoRepeatRate(m_display, XkbUseCoreKbd, delay, interval);
+void VirtualScreen::hold(unsigned long symbol, int times) {
+    XEvent event{};
+    while (XCheckWindowEvent(m_display, m_window, KeyPressMask, &event)) {
+    }
+    key(symbol, true);
+    for (int i = 0; i < times; i++)
+        XWindowEvent(m_display, m_window, KeyPressMask, &event);
+    key(symbol, false);
+}
+
+void VirtualScreen::grabKeyboard() {
+    XGrabKeyboard(m_display, m_own_window, False, GrabModeAsync, GrabModeAsync, CurrentTime);
+    sync();
+}
+
+void VirtualScreen::ungrabKeyboard() {
+    XUngrabKeyboard(m_display, CurrentTime);
     sync();
 }
 
@@ -147,6 +198,46 @@ void VirtualScreen::pressCloseButton() {
     event.xclient.data.l[0] = static_cast<long>(XInternAtom(m_display, "WM_DELETE_WINDOW", False));
     XSendEvent(m_display, m_window, False, NoEventMask, &event);
     sync();
+}
+
+void VirtualScreen::openOtherProgram() {
+    const Window root = DefaultRootWindow(m_display);
+    m_other_window = XCreateSimpleWindow(m_display, root, 0, 0, 200, 100, 0, 0, 0);
+    XStoreName(m_display, m_other_window, "Another program");
+    XSelectInput(m_display, m_other_window, FocusChangeMask);
+    XMapRaised(m_display, m_other_window);
+    waitForManager();
+    XSetInputFocus(m_display, m_other_window, RevertToParent, CurrentTime);
+    for (XEvent event{}; event.type != FocusIn;)
+        XWindowEvent(m_display, m_other_window, FocusChangeMask, &event);
+    sync();
+}
+
+void VirtualScreen::closeOtherProgram() {
+    XDestroyWindow(m_display, m_other_window);
+    sync();
+    waitForManager();
+}
+
+/// It answers what it is asked in the order in which it was asked: about a window that is never
+/// shown, of which it has nothing else to say.
+void VirtualScreen::waitForManager() {
+    const char* const answer = "_NET_FRAME_EXTENTS";
+    XEvent event{};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = m_asking_window;
+    event.xclient.message_type = XInternAtom(m_display, "_NET_REQUEST_FRAME_EXTENTS", False);
+    event.xclient.format = 32;
+    XSendEvent(m_display, DefaultRootWindow(m_display), False,
+               SubstructureNotifyMask | SubstructureRedirectMask, &event);
+    waitForProperty(m_asking_window, answer);
+    sync();
+}
+
+bool VirtualScreen::isWindowShown() {
+    XWindowAttributes attributes{};
+    return XGetWindowAttributes(m_display, m_window, &attributes) != 0 &&
+           attributes.map_state == IsViewable;
 }
 
 void VirtualScreen::askForClipboard() {

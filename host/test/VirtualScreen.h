@@ -15,13 +15,20 @@ class VirtualScreen {
 public:
     static constexpr int WIDTH = 1024, HEIGHT = 800;
 
-    /// Starts the server and makes it the display of the process. `dpi` is what the desktop is set
-    /// to, 0: nothing.
-    explicit VirtualScreen(int dpi = 0);
+    /// How the desktop is set up.
+    struct Desktop {
+        int dpi = 0;               ///< 0: it says nothing
+        const char* layout = "us"; ///< of the keyboard
+        bool managed = false;      ///< by a window manager, openbox
+    };
+
+    /// Starts the server and makes it the display of the process.
+    VirtualScreen() : VirtualScreen(Desktop()) {}
+    explicit VirtualScreen(const Desktop& desktop);
     VirtualScreen(const VirtualScreen&) = delete;
     ~VirtualScreen();
 
-    /// Whether there is such a server on this machine.
+    /// Whether there are such a server and window manager on this machine.
     static bool isInstalled();
     bool isOpen() const { return m_display != nullptr; }
     /// Everything from now on is done to the window of this title. False when there is none.
@@ -39,14 +46,24 @@ public:
         key(symbol, false);
     }
     void type(std::string_view characters);
+    /// Holds a key until the window has been told of it so many times.
+    void hold(unsigned long symbol, int times);
+    /// Keys between the two reach nobody's window, as while a window manager works with them.
+    void grabKeyboard();
+    void ungrabKeyboard();
 
     // What a desktop does.
 
     void resize(int width, int height);
     void focus(bool on_the_window);
     void pressCloseButton();
-    /// How fast a held key repeats, milliseconds.
-    void setRepeat(unsigned delay, unsigned interval);
+    /// Another program's window comes up and has the keyboard, or goes again.
+    void openOtherProgram();
+    void closeOtherProgram();
+    /// The window manager has done all that it was asked for.
+    void waitForManager();
+    /// Whether the window is to be seen, as far as it is not covered.
+    bool isWindowShown();
 
     // The clipboard, as another program reads it: ask, let the owner run, take.
 
@@ -56,8 +73,10 @@ public:
 private:
     unsigned long find(unsigned long parent, const std::string& title);
     void sync();
+    void startManager();
+    void waitForProperty(unsigned long window, const char* name);
 
-    pid_t m_server = -1;
+    pid_t m_server = -1, m_manager = -1;
     _XDisplay* m_display = nullptr;
-    unsigned long m_window = 0, m_own_window = 0;
+    unsigned long m_window = 0, m_own_window = 0, m_other_window = 0, m_asking_window = 0;
 };

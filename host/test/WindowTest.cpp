@@ -14,13 +14,13 @@
 #include "ig/scene/ObjectPrefab.h"
 #include "ig/ui/UISpriteViewport.h"
 #include "testkit/LogCapture.h"
+#include "testkit/LogicScene.h"
 #include "testkit/Program.h"
 #include "testkit/TempFolder.h"
 #include "testkit/UdpPeer.h"
 
 #define XK_MISCELLANY
 #include <X11/keysymdef.h>
-#include <chrono>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <numbers>
@@ -30,7 +30,6 @@
 namespace {
 
 using namespace ig;
-using namespace std::chrono_literals;
 using Logic = Logic_Nerith_Heli_Final;
 
 const char* const BUTTONS[] = {"第三视角", "气象雷达", "飞机损毁", "开闭雨刷", "投放鱼雷",
@@ -50,31 +49,20 @@ struct ChannelFolder : WorkingFolder {
     ChannelFolder() {
         std::filesystem::create_symlink(before() / "data", path() / "data");
         write("config/Logic_Nerith_Heli_Final.cfg",
-              "recv_from_flightSimulation_port: " + std::to_string(UdpPeer::freePort()) +
+              "recv_from_flightSimulation_port: " + std::to_string(records_port) +
                   "\nsend_to_flightSimulation_port: " + std::to_string(peer.port()) + "\n");
         for (const char* texts : {"config/texts.zh.yaml", "config/texts.en.yaml"})
             std::filesystem::create_symlink(before() / texts, path() / texts);
     }
     UdpPeer peer;
+    const int records_port = UdpPeer::freePort();
 };
 
 struct WindowTest : testing::Test {
     static constexpr int WIDTH = 480, HEIGHT = 400;
     static constexpr float ONE_FRAME = 0.13f; ///< metres of rope, at 2 m/s
 
-    void SetUp() override {
-        if (!VirtualScreen::isInstalled())
-            GTEST_SKIP() << "there is no Xvfb to open a window on: nothing of the window is tested";
-        open();
-    }
-    void TearDown() override {
-        channel.reset();
-        AppData::destroy_instance();
-    }
-    void open() {
-        screen.emplace(dpi);
-        ASSERT_TRUE(screen->isOpen());
-        Options options;
+    WindowTest() {
         options.window = true;
         options.width = WIDTH;
         options.height = HEIGHT;
@@ -84,6 +72,19 @@ struct WindowTest : testing::Test {
         options.step = 1 / 16.0;
         options.quiet = true;
         options.language = "en";
+    }
+    void SetUp() override {
+        if (!VirtualScreen::isInstalled())
+            GTEST_SKIP() << "there is no Xvfb or no openbox: nothing of the window is tested";
+        open();
+    }
+    void TearDown() override {
+        channel.reset();
+        AppData::destroy_instance();
+    }
+    void open() {
+        screen.emplace(desktop);
+        ASSERT_TRUE(screen->isOpen());
         channel.emplace(options);
         ASSERT_TRUE(channel->open());
         ASSERT_TRUE(screen->watch("Visual channel"));
@@ -139,6 +140,13 @@ struct WindowTest : testing::Test {
         screen->stroke(symbol);
         frames();
     }
+    /// Width over height of what the logic's camera sees.
+    double aspectSeen() {
+        const double w = channel->getWidth(), h = channel->getHeight();
+        const dvec3 middle = logic().get_ray_to(w / 2, h / 2);
+        return length(logic().get_ray_to(w, h / 2) - middle) /
+               length(logic().get_ray_to(w / 2, h) - middle);
+    }
     /// Length that a rope gains while the left button is held on a text for half a second.
     float gain(const std::string& text, Node* node) {
         const float before = ropeLength(node);
@@ -156,7 +164,8 @@ struct WindowTest : testing::Test {
     }
     Node* helicopterNode(const char* name) { return logic().m_heli->m_prefab->getNodeByName(name); }
 
-    int dpi = 0; ///< of the desktop; 0: it says nothing
+    VirtualScreen::Desktop desktop;
+    Options options;
     ChannelFolder folder;
     LogCapture log;
     std::optional<VirtualScreen> screen;
@@ -225,6 +234,7 @@ TEST_F(WindowTest, HitAreasFollowThePanelAndEveryButtonFitsEveryWindow) {
         frames(3);
         ASSERT_EQ(channel->getWidth(), width);
         ASSERT_EQ(channel->getHeight(), height);
+        EXPECT_NEAR(aspectSeen(), static_cast<double>(width) / height, 1e-3);
         for (const char* text : BUTTONS) {
             const auto at = drawn(text);
             ASSERT_TRUE(at) << text;
@@ -322,7 +332,7 @@ TEST_F(WindowTest, CopyAndPasteGoThroughTheDesktopsClipboard) {
 }
 
 struct DenseWindowTest : WindowTest {
-    DenseWindowTest() { dpi = 192; }
+    DenseWindowTest() { desktop.dpi = 192; }
 };
 
 TEST_F(DenseWindowTest, PanelsKeepTheirSizeInInches) {
@@ -388,9 +398,22 @@ TEST_F(WindowTest, KeysCommandTheScene) {
     stroke(XK_F11);
     EXPECT_FALSE(shows("frames/s"));
 
+    const auto radar = drawn("气象雷达");
+    stroke(XK_F10);
+    EXPECT_FALSE(drawn("气象雷达"));
+    screen->move(radar->x + radar->h, radar->y + radar->h / 2);
+    clickHere();
+    EXPECT_TRUE(logic().m_radar_viewport->isHidden()); // there is no button
+    stroke(XK_F10);
+    EXPECT_TRUE(drawn("气象雷达"));
+
+    folder.write("picture_0002.png", "of a former run");
     screen->key(XK_Alt_L, true);
     stroke('p');
-    EXPECT_TRUE(std::filesystem::exists("picture_0001.png"));
+    EXPECT_TRUE(shows("picture_0001.png")); // it is told
+    stroke('p');
+    EXPECT_EQ(std::filesystem::file_size("picture_0002.png"), 15u);
+    EXPECT_TRUE(std::filesystem::exists("picture_0003.png"));
     stroke(XK_Return);
     frames(2);
     EXPECT_EQ(channel->getWidth(), VirtualScreen::WIDTH);
@@ -399,6 +422,39 @@ TEST_F(WindowTest, KeysCommandTheScene) {
     frames(2);
     EXPECT_EQ(channel->getWidth(), WIDTH);
     screen->key(XK_Alt_L, false);
+}
+
+TEST_F(WindowTest, TheKeypadsDigitsAreDigitsWhileNumLockIsOn) {
+    stroke(XK_F2);
+    Node* rope = logic().m_sonar_info->rope;
+    const float before = ropeLength(rope);
+    stroke(XK_KP_2); // down
+    EXPECT_GT(ropeLength(rope), before);
+    EXPECT_EQ(logic().getCamSpeed(), 100);
+    stroke(XK_Num_Lock);
+    stroke(XK_KP_2);
+    EXPECT_EQ(logic().getCamSpeed(), 200);
+}
+
+struct FrenchWindowTest : WindowTest {
+    FrenchWindowTest() { desktop.layout = "fr"; }
+};
+
+TEST_F(FrenchWindowTest, KeysGoByWhatStandsOnThem) {
+    stroke(XK_F1);
+    const auto position = [this] { return EllipsoidModel().toWorld(logic().get_cam_pos_geo()); };
+    const dvec3 before = position();
+    screen->move(300, 200);
+    screen->button(1, true);
+    frames(1);
+    screen->key('w', true);
+    frames(4);
+    screen->key('w', false);
+    screen->button(1, false);
+    frames(1);
+    EXPECT_GT(length(position() - before), 10);
+    stroke('&'); // the digits' place
+    EXPECT_EQ(logic().getCamSpeed(), 10);
 }
 
 TEST_F(WindowTest, TheMouseMovesTheCameras) {
@@ -451,26 +507,16 @@ TEST_F(WindowTest, TheMouseMovesTheCameras) {
 }
 
 TEST_F(WindowTest, NothingStaysHeldThatWasLetGo) {
-    screen->setRepeat(100, 10);
-    using Clock = std::chrono::steady_clock;
-    const auto wait = [this](std::chrono::milliseconds time) {
-        for (const auto end = Clock::now() + time; Clock::now() < end;)
-            frames(1);
-    };
-    screen->key(XK_F1, true); // it repeats, and is one press
-    wait(400ms);
-    screen->key(XK_F1, false);
+    screen->hold(XK_F1, 5); // it repeats, and is one press
     frames();
     EXPECT_EQ(logic().m_player_mode, Logic::PLAYER_MODE_FREE);
     clickField(SPEED);
-    screen->type("123456789");
+    screen->type("1234567");
     frames();
-    screen->key(XK_BackSpace, true); // while in a text it does repeat
-    wait(400ms);
-    screen->key(XK_BackSpace, false);
+    EXPECT_TRUE(drawn("1234567"));
+    screen->hold(XK_BackSpace, 5); // while in a text it does repeat
     frames();
-    EXPECT_FALSE(shows("12345678"));
-    EXPECT_FALSE(shows("1234567"));
+    EXPECT_FALSE(shows("123"));
     stroke(XK_Escape);
 
     click("打开声呐");
@@ -518,6 +564,114 @@ TEST_F(WindowTest, NothingStaysHeldThatWasLetGo) {
     EXPECT_EQ(logic().m_decoys.size(), 0);
 }
 
+TEST_F(WindowTest, ModifiersAreAsTheyAreWhenAWindowManagerTookTheirKeys) {
+    const auto all = [this] { return channel->getWidth() == VirtualScreen::WIDTH; };
+    screen->key(XK_Alt_L, true);
+    frames();
+    screen->grabKeyboard();
+    screen->key(XK_Alt_L, false);
+    screen->ungrabKeyboard();
+    stroke(XK_Return); // levels the camera
+    frames();
+    EXPECT_FALSE(all());
+    screen->key(XK_Alt_L, true); // for the window system it was down all the time
+    stroke(XK_Return);
+    frames();
+    EXPECT_TRUE(all());
+    screen->key(XK_Alt_L, false);
+    frames();
+    screen->grabKeyboard();
+    screen->key(XK_Alt_L, true);
+    screen->ungrabKeyboard();
+    stroke(XK_Return);
+    frames();
+    EXPECT_FALSE(all()); // and back
+    screen->key(XK_Alt_L, false);
+}
+
+TEST_F(WindowTest, TheHintGoesWhenItWasFollowed) {
+    EXPECT_TRUE(shows("F12"));
+    stroke(XK_F12);
+    stroke(XK_F12);
+    EXPECT_FALSE(shows("F12"));
+}
+
+TEST_F(WindowTest, AJumpLevelsTheCameraThatComesAlongAndLeavesTheFreeOne) {
+    const auto tilt = [this] {
+        return dot(logic().get_ray_to(WIDTH / 2, 0) - logic().get_ray_to(WIDTH / 2, HEIGHT),
+                   EllipsoidModel().getUp(EllipsoidModel().toWorld(logic().get_cam_pos_geo())));
+    };
+    const auto jump = [this](double longitude) {
+        UdpRecvData record = LogicScene::record();
+        record.longitude = longitude;
+        record.altitude = 100;
+        folder.peer.send(&record, sizeof record, folder.records_port);
+        frames(3);
+    };
+    jump(-155);
+    screen->move(300, 200);
+    screen->button(1, true);
+    frames(1);
+    screen->move(300, 280); // 20 degrees
+    frames(2);
+    screen->button(1, false);
+    stroke(XK_F1);
+    const double free = tilt();
+    jump(-100);
+    EXPECT_EQ(tilt(), free);
+    stroke(XK_F1);
+    stroke(XK_F1);
+    EXPECT_NEAR(logic().m_third_dist,
+                length(logic().m_third_cam_pos - logic().m_heli->get_world_position()), 0.1);
+    jump(-40);
+    EXPECT_GT(tilt(), free);
+}
+
+struct LargeWindowTest : WindowTest {
+    LargeWindowTest() {
+        options.full_screen = true;
+        options.interface_size = 2;
+    }
+};
+
+TEST_F(LargeWindowTest, ItBeginsAsAllOfTheScreenWithLargerTexts) {
+    EXPECT_EQ(channel->getWidth(), VirtualScreen::WIDTH);
+    const auto at = drawn("场景重置");
+    ASSERT_TRUE(at);
+    EXPECT_GE(at->h, 20); // of 15, as far as there is room
+}
+
+struct ManagedWindowTest : WindowTest {
+    ManagedWindowTest() { desktop.managed = true; }
+};
+
+TEST_F(ManagedWindowTest, FullScreenStaysWhenAnotherProgramHasTheKeyboard) {
+    screen->key(XK_Alt_L, true);
+    stroke(XK_Return);
+    screen->key(XK_Alt_L, false);
+    for (int i = 0; i < 200 && channel->getWidth() != VirtualScreen::WIDTH; i++) {
+        screen->waitForManager();
+        frames(1);
+    }
+    ASSERT_EQ(channel->getWidth(), VirtualScreen::WIDTH);
+    screen->openOtherProgram();
+    frames(3);
+    screen->waitForManager();
+    EXPECT_TRUE(screen->isWindowShown());
+    frames(2);
+    EXPECT_EQ(channel->getWidth(), VirtualScreen::WIDTH);
+    screen->closeOtherProgram();
+}
+
+TEST(FindMostCovered, TheMonitorThatHasMostOfTheWindow) {
+    const std::vector<DesktopArea> monitors = {
+        {0, 0, 1920, 1080}, {1920, 0, 1280, 720}, {1920, 720, 800, 600}};
+    EXPECT_EQ(findMostCovered({100, 100, 640, 360}, monitors), 0u);
+    EXPECT_EQ(findMostCovered({1800, 100, 640, 360}, monitors), 1u);
+    EXPECT_EQ(findMostCovered({1930, 700, 640, 360}, monitors), 2u);
+    EXPECT_EQ(findMostCovered({-5000, 0, 640, 360}, monitors), 0u);
+}
+
 // ------------------------------------------------------------------ the end
 
 /// Acts in every frame, also in those that run while the channel waits for an answer.
@@ -550,20 +704,55 @@ TEST_F(WindowTest, TheCloseButtonAsksBackAndTheSceneGoesOnMeanwhile) {
     EXPECT_FALSE(channel->runFrame());
 }
 
-TEST(ProgramInAWindowTest, AltF4EndsItAtOnceEvenWhileItAsks) {
-    if (!VirtualScreen::isInstalled()) GTEST_SKIP() << "there is no Xvfb to open a window on";
+struct ProgramInAWindowTest : testing::Test {
+    static constexpr const char* OPTIONS =
+        "--window --size 320x240 --scale 0.25 --eye 0 0 3000 0 80 --seconds 20 ";
+    void SetUp() override {
+        if (!VirtualScreen::isInstalled()) GTEST_SKIP() << "there is no Xvfb or no openbox";
+    }
+    /// Whether it ends at once, without the summary of an orderly end.
+    static void expectEndAtOnce(Program& program) {
+        std::string rest;
+        EXPECT_EQ(program.finish(&rest), 0);
+        EXPECT_EQ(rest.find("frames in"), std::string::npos) << rest;
+    }
     const ChannelFolder folder;
+};
+
+TEST_F(ProgramInAWindowTest, AQuickAltF4EndsItAtOnceEvenWhileItAsks) {
     VirtualScreen screen;
-    Program program(PROGRAM_PATH, "--window --size 320x240 --scale 0.25 --eye 0 0 3000 0 80");
+    Program program(PROGRAM_PATH, OPTIONS + std::string("--fps 4"));
     program.waitFor("fps"); // it has run for a second
     ASSERT_TRUE(screen.watch("Visual channel"));
     screen.pressCloseButton();
     program.waitFor("fps");
-    std::string rest;
+    screen.key(XK_Alt_L, true);
+    screen.stroke(XK_F4);
+    screen.key(XK_Alt_L, false); // all within a frame
+    expectEndAtOnce(program);
+}
+
+TEST_F(ProgramInAWindowTest, AltF4EndsItAtOnceWhereTheWindowManagerTakesIt) {
+    VirtualScreen::Desktop desktop;
+    desktop.managed = true;
+    VirtualScreen screen(desktop);
+    Program program(PROGRAM_PATH, OPTIONS);
+    program.waitFor("fps");
+    ASSERT_TRUE(screen.watch("Visual channel"));
     screen.key(XK_Alt_L, true);
     screen.key(XK_F4, true);
-    EXPECT_EQ(program.finish(&rest), 0);
-    EXPECT_EQ(rest.find("frames in"), std::string::npos) << rest; // no orderly end
+    screen.waitForManager(); // nobody's finger is faster
+    screen.key(XK_F4, false);
+    screen.key(XK_Alt_L, false);
+    expectEndAtOnce(program);
+}
+
+TEST_F(ProgramInAWindowTest, AMonitorThatIsNotThereIsNamedWithThoseThatAre) {
+    VirtualScreen screen;
+    Program program(PROGRAM_PATH, OPTIONS + std::string("--monitor 7"));
+    EXPECT_NE(program.waitFor("there is no monitor \"7\"; there is 1 \"").find("1024x800"),
+              std::string::npos);
+    EXPECT_EQ(program.finish(), 1);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "heli/config/StringTable.h"
+#include "ig/ui/UIButton.h"
 #include "ig/ui/UIEditLine.h"
 #include "ig/ui/UILayout.h"
 #include "ig/ui/UISpriteViewport.h"

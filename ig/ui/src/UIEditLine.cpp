@@ -29,7 +29,7 @@ const vec4 TEXT_COLOR(0.95f, 0.96f, 0.97f, 1);
 const vec4 SHADOW_COLOR(0, 0, 0, 0.75f);
 const vec4 FOCUS_FACE(0.05f, 0.07f, 0.09f, 0.90f);
 const vec4 FOCUS_EDGE(1.00f, 0.75f, 0.35f, 1);
-const vec4 LABEL_COLOR(0.72f, 0.80f, 0.88f, 1);
+const vec4 LABEL_COLOR(1.00f, 0.88f, 0.62f, 1);
 const vec4 REFUSED_EDGE(1.00f, 0.25f, 0.20f, 1);
 const vec4 SELECTION(0.20f, 0.45f, 0.75f, 0.80f);
 
