@@ -13,6 +13,7 @@ int main(int argc, char** argv) {
         "flight_sim");
     app.footer(
         "'flight_sim COMMAND --help' tells more. Exit status: 0 done, 1 failed, 2 wrong use.");
+    app.set_version_flag("--version", "flight_sim " VERSION, "Tell the version and exit");
     app.require_subcommand(1);
     flightsim::Command command;
     flightsim::addFly(app, command);
