@@ -91,5 +91,5 @@ void Channel::onLeft() { m_interface.keyUp(KEY_ALT); }
 /// Where the window manager takes Alt + F4 for itself all that comes is the request to close.
 void Channel::onClose() {
     if (m_control.isKeyPress(KEY_ALT)) return endAtOnce();
-    requestClose();
+    m_close_requested = true;
 }
