@@ -115,6 +115,7 @@ TEST_F(BoxTest, KeysPushTurnHeelAndTrimByTheirShare) {
         scene.control.keyDown(c.key);
         const Push with = push(c.r);
         scene.control.keyUp(c.key);
+        scene.control.endFrame(); // a press counts to the end of its frame
         const double share = std::pow(0.5 - std::abs(0.5 - c.r), 2);
         const dvec3 force(0, c.ahead * VOLUME * share, 0);
         EXPECT_LT(length(with.force - without.force - force), 500) << c.key << ' ' << c.r;
