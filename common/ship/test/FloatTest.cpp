@@ -220,10 +220,10 @@ struct SeaRun {
 
 TEST(Ships, StayAfloatUprightAndOnCourseAtEveryFrameRate) {
     const SeaRun RUNS[] = {{0, 0, 1, 0.1f, 0.01, 0.1, 0.27, 0.36},
-                        {4, 1, 5, 0, 4, 1, 0.05, 0.5},
-                        {7, 4, 9.6, 1 / 144.0f, 5, 4, 0.05, 0.5},
-                        {7, 4, 9.6, 0.1f, 5, 4, 0.05, 0.5},
-                        {7, 4, 9.6, 0, 5, 4, 0.05, 0.5}};
+                           {4, 1, 5, 0, 4, 1, 0.05, 0.5},
+                           {7, 4, 9.6, 1 / 144.0f, 5, 4, 0.05, 0.5},
+                           {7, 4, 9.6, 0.1f, 5, 4, 0.05, 0.5},
+                           {7, 4, 9.6, 0, 5, 4, 0.05, 0.5}};
     for (const SeaRun& run : RUNS) {
         SCOPED_TRACE(testing::Message() << run.beaufort << " at " << run.dt);
         ShipScene scene;
