@@ -88,6 +88,7 @@ bool Channel::open() {
     m_environment.connect(*m_logic);
     m_scene_command.connect(*m_logic);
     if (!m_logic->init()) {
+        if (m_world.getNodeByName("start_heli")) return false; // it has told why
         jLog::error("visual_channel: \"%s\" has no node \"start_heli\" for the helicopter to start "
                     "at",
                     m_logic->getWorldPath().c_str());

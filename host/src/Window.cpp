@@ -3,6 +3,7 @@
 
 #include "ig/base/jLog.h"
 #include "ig/ui/KeyCode.h"
+#include "render/gl/driverUse.h"
 
 #define GLFW_INCLUDE_NONE
 #include <GLFW/glfw3.h>
@@ -179,6 +180,7 @@ bool Window::open(int width, int height, const std::string& monitor) {
         close();
         return false;
     };
+    useDriver();
     if (!glfwInit()) return fail();
     glfwWindowHint(GLFW_CONTEXT_VERSION_MAJOR, 3);
     glfwWindowHint(GLFW_CONTEXT_VERSION_MINOR, 3);

@@ -2,6 +2,9 @@
 #include "Channel.h"
 #include "Options.h"
 #include "common/program/Process.h"
+#include "ig/base/jLog.h"
+
+#include <new>
 
 int main(int argc, char** argv) {
     program::fillStandardStreams();
@@ -9,9 +12,14 @@ int main(int argc, char** argv) {
     Options options;
     int exit_status = 0;
     if (!parseOptions(argc, argv, options, exit_status)) return exit_status;
-    Channel channel(options);
-    if (!channel.open()) return 1;
-    program::onStopSignal(Channel::requestStop); // so far a signal has ended it at once
-    channel.run();
-    return channel.getExitStatus();
+    try {
+        Channel channel(options);
+        if (!channel.open()) return 1;
+        program::onStopSignal(Channel::requestStop); // so far a signal has ended it at once
+        channel.run();
+        return channel.getExitStatus();
+    } catch (const std::bad_alloc&) {
+        ig::jLog::error("visual_channel: out of memory");
+        return 1;
+    }
 }

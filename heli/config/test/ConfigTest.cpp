@@ -99,13 +99,16 @@ TEST(StringTable, MissesAreLoggedAndAnsweredWithTheKey) {
     EXPECT_EQ(tr(jString("OK")), "OK");
     EXPECT_EQ(log.lines, (std::vector<std::string>(
                              2, "tr:string file not found:config/string.txt"))); // tried again
-    folder.write("config/string.txt", "OK: 确定\nNew line: Neue Zeile\n");
+    folder.write("config/string.txt", "OK: 确定\nNew line: Neue Zeile\nEmpty:\nList: [a]\n");
     log.lines.clear();
     EXPECT_EQ(tr("OK"), "确定");
     EXPECT_EQ(tr("New line"), "Neue Zeile");
     EXPECT_TRUE(log.lines.empty());
     EXPECT_EQ(tr("Cancel"), "Cancel");
     EXPECT_EQ(log.lines, (std::vector<std::string>{"tr:key[Cancel] not found in string file"}));
+    EXPECT_EQ(tr("Empty"), "Empty");
+    EXPECT_EQ(tr("List"), "List");
+    EXPECT_EQ(log.lines.back(), "tr:key[List] has no text in string file, line 4");
 }
 
 } // namespace

@@ -10,16 +10,22 @@ namespace logic_memory {
 
 inline constexpr const char* SOURCE = "src/logic/Logic_Nerith_Heli_Final";
 
-/// `function` is the qualified name of the allocating operation.
+/// The qualified name of the allocating or freeing operation, with the line that names it.
+struct Operation {
+    Operation(const char* name, std::source_location where = std::source_location::current())
+        : site(SOURCE, name, where) {}
+    ig::MemSite site;
+};
+
 template <class T, class... Args>
-T* create(const char* function, Args&&... args) {
-    return ig::memNew<T>({SOURCE, function}, std::forward<Args>(args)...);
+T* create(Operation operation, Args&&... args) {
+    return ig::memNew<T>(operation.site, std::forward<Args>(args)...);
 }
 
 /// Frees and nulls what `create` made.
 template <class T>
-void destroy(T*& object, const char* function) {
-    ig::memDelete(object, {SOURCE, function});
+void destroy(T*& object, Operation operation) {
+    ig::memDelete(object, operation.site);
 }
 
 } // namespace logic_memory

@@ -9,6 +9,7 @@
 #include "heli/logic/HandOper.h"
 #include "heli/logic/Logic_Nerith_Heli_Final.h"
 #include "heli/logic/records.h"
+#include "ig/base/jLog.h"
 #include "ig/scene/CameraControl.h"
 #include "ig/scene/ObjectPrefab.h"
 #include "ig/scene/World.h"
@@ -75,33 +76,34 @@ bool Logic_Nerith_Heli_Final::init() {
     const Node* start = m_world->getNodeByName("start_heli");
     if (!start) return false;
 
-    create_helicopter(*start);
+    if (!create_helicopter(*start)) return out_of_memory();
     read_mounts();
     find_weather_and_surfaces();
-    create_effects();
+    if (!create_effects()) return out_of_memory();
     update_third_view();
     init_ui_cam();
     init_ui_btns();
     init_ui_radar();
     place_start_camera();
-    create_records();
+    if (!create_records()) return out_of_memory();
     create_first_ship();
     create_second_ship();
     find_commander();
     announce_glass();
     load_tracks();
     preload_prefabs();
-    open_link();
-    return true;
+    return open_link() || out_of_memory();
 }
 
-void Logic_Nerith_Heli_Final::create_helicopter(const Node& start) {
+bool Logic_Nerith_Heli_Final::create_helicopter(const Node& start) {
     // Not controllable: the host flies it.
     m_heli = create<HelicopterCorax>(INIT, m_world, HELICOPTER, false);
+    if (!m_heli) return false;
     m_heli->set_transform(start.getWorldTransform());
     if (m_heli->m_tail_light) emit(m_sig_object, m_heli->m_tail_light, 0);
     emit(m_sig_prefab_added, m_heli->m_prefab, true);
     if (m_heli->m_front_proj) m_heli->m_front_proj->setEnabled(false);
+    return true;
 }
 
 void Logic_Nerith_Heli_Final::read_mounts() {
@@ -132,9 +134,10 @@ void Logic_Nerith_Heli_Final::find_weather_and_surfaces() {
 }
 
 /// A helicopter without downwash has said so, and shows none.
-void Logic_Nerith_Heli_Final::create_effects() {
+bool Logic_Nerith_Heli_Final::create_effects() {
     m_effects = create<HeliEffectsKitCorax>(INIT);
-    if (m_effects->init(m_heli)) m_effects->announce(m_sig_object);
+    if (m_effects && m_effects->init(m_heli)) m_effects->announce(m_sig_object);
+    return m_effects != nullptr;
 }
 
 void Logic_Nerith_Heli_Final::place_start_camera() {
@@ -146,7 +149,7 @@ void Logic_Nerith_Heli_Final::place_start_camera() {
     m_player_mode = PLAYER_MODE_THIRD;
 }
 
-void Logic_Nerith_Heli_Final::create_records() {
+bool Logic_Nerith_Heli_Final::create_records() {
     m_ship1 = m_ship2 = nullptr;
     m_sonar_info = create<SonarInfo>(INIT);
     m_winch_info = create<WinchInfo>(INIT);
@@ -154,6 +157,7 @@ void Logic_Nerith_Heli_Final::create_records() {
     m_flag_qizi2 = create<FlagOper>(INIT);
     m_flag_qizhi = create<FlagOper>(INIT);
     m_cmder = create<HandOper>(INIT);
+    return m_sonar_info && m_winch_info && m_flag_qizi1 && m_flag_qizi2 && m_flag_qizhi && m_cmder;
 }
 
 void Logic_Nerith_Heli_Final::create_first_ship() {
@@ -208,17 +212,25 @@ void Logic_Nerith_Heli_Final::preload_prefabs() {
     }
 }
 
-void Logic_Nerith_Heli_Final::open_link() {
+bool Logic_Nerith_Heli_Final::open_link() {
     AppData& config = *AppData::instance();
     const int port = config.recv_from_flightSimulation_port();
     m_udp_recv = create<UdpRecvKit>(INIT);
+    if (!m_udp_recv) return false;
     m_udp_recv->init(port); // a kit that failed has said so and receives nothing
     std::printf("接收飞仿数据端口：%d\n", port);
     const jString ip = config.flightSimulation_ip();
     m_udp_send = create<UdpSendKit>(INIT);
+    if (!m_udp_send) return false;
     m_udp_send->init(ip, config.send_to_flightSimulation_port());
     std::printf("飞仿IP：%s\n", ip.c_str());
     std::fflush(stdout);
     m_timers.addTimer(RECEIVE_PERIOD)
         ->m_sig_expired.append({this, &Logic_Nerith_Heli_Final::recv_udp});
+    return true;
+}
+
+bool Logic_Nerith_Heli_Final::out_of_memory() {
+    jLog::error("%s: out of memory", INIT);
+    return false;
 }

@@ -41,6 +41,10 @@ TEST(Allocator, PluginObjectFreedByTheEngineLeavesTheRegister) {
 TEST(Allocator, MemDeleteNullsTheOwnersPointer) {
     int alive = 0;
     Tracked* object = memNew<Tracked>({"src/test", "make"}, &alive);
+    const int line = __LINE__ - 1;
+    memForEach([&](const MemInfo& info) {
+        EXPECT_TRUE(info.pointer != object || info.line == line) << info.line;
+    });
     memDelete(object, {"src/test", "free"});
     EXPECT_EQ(object, nullptr);
     EXPECT_EQ(alive, 0);

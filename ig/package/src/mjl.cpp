@@ -3,6 +3,7 @@
 
 #include "PackageBuilder.h"
 #include "Utf8.h"
+#include "common/program/InputFile.h"
 #include "ig/base/jLog.h"
 #include "ig/package/Package.h"
 #include "readPackage.h"
@@ -37,22 +38,19 @@ ReadResult malformedAt(const jString& path, int line, int column, const std::str
     return ReadResult::malformed;
 }
 
-// Folders, pipes and devices are refused unopened: opening a pipe would wait for its writer.
 ReadResult loadText(const jString& path, std::string& text) {
     std::error_code error;
-    const fs::file_status status = fs::status(path.c_str(), error);
-    if (!fs::exists(status)) return ReadResult::missing;
-    if (!fs::is_regular_file(status))
-        return malformed(path,
-                         fs::is_directory(status) ? "a folder, not a file" : "not a regular file");
+    if (!fs::exists(path.c_str(), error) && !error) return ReadResult::missing;
+    const std::string why = program::whyUnreadable(path.c_str());
+    if (!why.empty()) return malformed(path, why);
     std::ifstream file(path.c_str(), std::ios::binary | std::ios::ate);
-    if (!file) return ReadResult::missing;
+    if (!file) return malformed(path, "cannot be opened");
     const auto size = static_cast<std::streamoff>(file.tellg());
     if (size > mjl::max_bytes) return malformed(path, "the file is too large");
     text.resize(size > 0 ? static_cast<std::size_t>(size) : 0);
     file.seekg(0);
     if (!file.read(text.data(), static_cast<std::streamsize>(text.size())))
-        return ReadResult::missing;
+        return malformed(path, "cannot be read to its end");
     return ReadResult::ok;
 }
 

@@ -9,7 +9,7 @@ class Package;
 
 enum class ReadResult {
     ok,
-    missing,  ///< no such file, or it can't be read; nothing was logged
+    missing,  ///< no such file; nothing was logged
     malformed ///< one error was logged
 };
 

@@ -4,6 +4,7 @@
 // the line; a node that makes no sense is left out with all below it, so that one slip in a file
 // doesn't take the rest of the scene with it.
 
+#include "NodeBudget.h"
 #include "ig/base/jLog.h"
 #include "ig/base/nearest.h"
 #include "ig/math/EllipsoidModel.h"
@@ -26,6 +27,9 @@ namespace ig {
 namespace {
 
 using Creator = NodeFactory::Creator;
+
+int g_loads = 0; ///< that are under way, one in the other
+int g_nodes = 0; ///< of the outermost of them so far
 
 void report(const Package& p, int line, const char* what, const jString& subject) {
     jLog::error("World::LoadNode: %s:%d: %s \"%s\"", p.getPath().c_str(), line, what,
@@ -333,9 +337,22 @@ NodeFactory::Creator NodeFactory::find(const jString& type) {
     return entry == creators().end() ? nullptr : entry->second;
 }
 
+NodeBudget::NodeBudget() { g_loads++; }
+
+NodeBudget::~NodeBudget() {
+    if (--g_loads == 0) g_nodes = 0;
+}
+
 Node* World::LoadNode(const Package* package) {
     if (!package) return nullptr;
     const Package& p = *package;
+    const NodeBudget budget;
+    if (++g_nodes > NodeBudget::MOST) {
+        if (g_nodes == NodeBudget::MOST + 1)
+            report(p, p.getLine(), "too many nodes, prefabs in prefabs included: left out from",
+                   p.getString("name"));
+        return nullptr;
+    }
     const Creator create = NodeFactory::find(p.getString("type"));
     if (!create) {
         std::vector<std::string> types;

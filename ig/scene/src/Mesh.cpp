@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "ig/scene/Mesh.h"
 
+#include "GltfTree.h"
+#include "common/program/InputFile.h"
 #include "ig/base/jLog.h"
 
+#include <assimp/DefaultIOSystem.h>
 #include <assimp/Importer.hpp>
 #include <assimp/postprocess.h>
 #include <assimp/scene.h>
@@ -92,6 +95,14 @@ void appendNode(const Source& source, const aiNode& node, const aiMatrix4x4& tra
                    surfaces);
 }
 
+/// What the importer may open: a model, and what it names, are regular files. Opening a pipe would
+/// wait for its writer.
+struct RegularFiles final : Assimp::DefaultIOSystem {
+    Assimp::IOStream* Open(const char* file, const char* mode) override {
+        return program::whyUnreadable(file).empty() ? DefaultIOSystem::Open(file, mode) : nullptr;
+    }
+};
+
 /// An imported file, kept while its parts are being asked for: prefabs name many parts of one file
 /// in a row, and reading it once per part would be felt at start-up.
 struct Import {
@@ -105,14 +116,21 @@ const aiScene* import(const std::string& path) {
     static std::set<std::string> failed; // each is reported once
     if (last.scene && last.path == path) return last.scene;
     if (failed.contains(path)) return nullptr;
+    const auto fail = [&path](const std::string& why) {
+        jLog::error("Mesh::get: \"%s\": %s", path.c_str(), why.c_str());
+        last.scene = nullptr;
+        failed.insert(path);
+        return nullptr;
+    };
+    std::string why = program::whyUnreadable(path);
+    if (why.empty() && isGltf(path)) why = whyUnfit(path);
+    if (!why.empty()) return fail(why);
     last.path = path;
+    if (!last.scene) last.importer.SetIOHandler(new RegularFiles); // which it owns
     last.scene = last.importer.ReadFile(path, aiProcess_Triangulate | aiProcess_GenNormals |
                                                   aiProcess_JoinIdenticalVertices);
     if (last.scene && last.scene->mRootNode) return last.scene;
-    jLog::error("Mesh::get: \"%s\": %s", path.c_str(), last.importer.GetErrorString());
-    last.scene = nullptr;
-    failed.insert(path);
-    return nullptr;
+    return fail(last.importer.GetErrorString());
 }
 
 std::shared_ptr<const Mesh> read(const std::string& reference) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ig/scene/World.h"
 
+#include "NodeBudget.h"
 #include "ig/base/jLog.h"
 #include "ig/math/EllipsoidModel.h"
 #include "ig/package/Package.h"
@@ -23,6 +24,7 @@ bool World::load(const jString& path) {
                     nodes ? nodes->getLine() : 1);
         return false;
     }
+    const NodeBudget budget; // for all of them together
     for (const Package* description : readList(*file, "nodes", "World::load"))
         if (Node* node = LoadNode(description)) addNode(node);
     return true;

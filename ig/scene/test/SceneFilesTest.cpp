@@ -13,6 +13,7 @@
 
 #include <gtest/gtest.h>
 #include <limits>
+#include <sys/stat.h>
 
 namespace ig {
 namespace {
@@ -201,6 +202,45 @@ TEST_F(SceneFiles, PrefabsNestAndOneThatHoldsItselfEnds) {
     EXPECT_FALSE(none.isLoaded());
     EXPECT_EQ(none.getNodeByName("x"), nullptr);
     EXPECT_EQ(log.lines.size(), 1u); // once per path
+}
+
+TEST_F(SceneFiles, SmallFilesThatAskForEndlessNodesAreRefusedEarly) {
+    folder.write("0.prefab", "node: {name: leaf}\n");
+    for (int i = 1; i <= 8; i++) { // each holds ten of the one before: 10^8 leaves
+        std::string text = "node: {children: [";
+        for (int k = 0; k < 10; k++)
+            text += "{type: prefab, path: " + std::to_string(i - 1) + ".prefab},";
+        folder.write(std::to_string(i) + ".prefab", text + "]}\n");
+    }
+    EXPECT_TRUE(load("nodes: [{type: prefab, path: 8.prefab}, {type: prefab, path: 8.prefab}]"));
+    EXPECT_TRUE(logged("too many nodes"));
+    EXPECT_EQ(log.lines.size(), 1u);
+    ASSERT_TRUE(load("nodes: [{name: after}]")); // counts anew
+    EXPECT_NE(object("after"), nullptr);
+
+    // Without triangles: what the importer itself would say.
+    const auto gltf = [this](const char* name, const std::string& nodes) {
+        folder.write(name,
+                     R"({"asset":{"version":"2.0"},"scene":0,"scenes":[{"nodes":[0]}],"nodes":[)" +
+                         nodes + "]}");
+        log.lines.clear();
+        EXPECT_EQ(Mesh::get(name), nullptr);
+        return log.lines.at(0);
+    };
+    std::string deep, shared,
+        sound = R"({"children":[1,2]},{"name":"children"},{"children":[3]},{})";
+    for (int i = 1; i <= 60'000; i++)
+        deep += R"({"children":[)" + std::to_string(i) + "]},";
+    for (int i = 1; i <= 30; i++)
+        shared += R"({"children":[)" + std::to_string(i) + "," + std::to_string(i) + "]},";
+    EXPECT_NE(gltf("deep.gltf", deep + "{}").find("nested more than"), std::string::npos);
+    EXPECT_NE(gltf("shared.gltf", shared + "{}").find("share their children"), std::string::npos);
+    EXPECT_NE(gltf("loop.gltf", R"({"children":[0]})").find("below itself"), std::string::npos);
+    EXPECT_NE(gltf("brackets.gltf", std::string(60'000, '[')).find("brackets"), std::string::npos);
+    EXPECT_NE(gltf("sound.gltf", sound).find("no triangles"), std::string::npos);
+    ASSERT_EQ(mkfifo("pipe.gltf", 0600), 0);
+    EXPECT_EQ(Mesh::get("pipe.gltf"), nullptr);
+    EXPECT_NE(log.lines.back().find("not a regular file"), std::string::npos);
 }
 
 TEST_F(SceneFiles, BodyOfTheRootMovesThePrefabOnceHandedOver) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "HeightRaster.h"
 
+#include "common/program/InputFile.h"
+
 #include <cpl_conv.h>
 #include <cpl_error.h>
 #include <gdal.h>
@@ -8,8 +10,11 @@
 #include <ogr_srs_api.h>
 
 #include <array>
+#include <filesystem>
 #include <limits>
 #include <memory>
+#include <string_view>
+#include <vector>
 
 namespace {
 
@@ -24,6 +29,30 @@ struct DestroySystem {
     void operator()(OGRSpatialReferenceH system) const { OSRDestroySpatialReference(system); }
 };
 using System = std::unique_ptr<std::remove_pointer_t<OGRSpatialReferenceH>, DestroySystem>;
+
+/// The formats that are read: each is one file of this machine, with what stands beside it. Others
+/// follow references, to servers too.
+constexpr const char* FORMATS[] = {"GTiff", "DTED",    "SRTMHGT", "AAIGrid", "EHdr",
+                                   "ENVI",  "USGSDEM", "RST",     "GSAG",    "GSBG",
+                                   "GS7BG", "XYZ",     "BT",      "PNG",     nullptr};
+
+/// Why a path isn't that of a file of this machine, or in an archive of it; "" when it is.
+std::string whyNotLocal(const std::string& path) {
+    constexpr std::string_view ARCHIVES[] = {"/vsizip/", "/vsitar/", "/vsigzip/"};
+    std::string_view rest = path;
+    for (const std::string_view archive : ARCHIVES)
+        if (rest.starts_with(archive)) rest.remove_prefix(archive.size());
+    if (rest.find("/vsi") != std::string_view::npos)
+        return "only files of this machine are read, and of virtual ones those in archives: "
+               "/vsizip/, /vsitar/, /vsigzip/";
+    if (rest.size() == path.size()) return program::whyUnreadable(path);
+    // The archive itself is somewhere on the way.
+    std::error_code error;
+    std::filesystem::path archive(rest);
+    while (archive.has_relative_path() && !std::filesystem::exists(archive, error))
+        archive = archive.parent_path();
+    return program::whyUnreadable(archive.string());
+}
 
 /// Keeps GDAL from printing: its last message becomes part of ours.
 struct QuietErrors {
@@ -129,7 +158,9 @@ bool HeightRaster::read(const ig::jString& path, std::string& failure) {
         failure = std::move(reason);
         return false;
     };
-    const Dataset file(GDALOpenEx(path.c_str(), GDAL_OF_RASTER | GDAL_OF_VERBOSE_ERROR, nullptr,
+    const std::string why = whyNotLocal(path.c_str());
+    if (!why.empty()) return fail(why);
+    const Dataset file(GDALOpenEx(path.c_str(), GDAL_OF_RASTER | GDAL_OF_VERBOSE_ERROR, FORMATS,
                                   nullptr, nullptr));
     if (!file) return fail(getLastError("not a raster"));
     if (GDALGetRasterCount(file.get()) < 1) return fail("holds no band");

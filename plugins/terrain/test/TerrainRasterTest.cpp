@@ -6,8 +6,13 @@
 #include "plugins/terrain/ObjectTerrain.h"
 #include "testkit/LogCapture.h"
 
+#include <arpa/inet.h>
+#include <cpl_conv.h>
 #include <gdal_alg.h>
 #include <optional>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -163,6 +168,53 @@ TEST(TerrainRaster, WhatCannotBeReadGivesOneMessageAndNoGround) {
         EXPECT_NE(log.lines[0].find(path.c_str()), std::string::npos);
         EXPECT_TRUE(terrain.getGrid().empty() && terrain.getBounds().isEmpty());
         EXPECT_FALSE(getAltitude(terrain, 10.1, 49.9));
+    }
+}
+
+/// A port of this machine that counts who comes.
+struct Door {
+    Door() {
+        socklen_t size = sizeof address;
+        listener = socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address);
+        listen(listener, 10);
+        getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size);
+    }
+    ~Door() { close(listener); }
+    bool knocked() const { return accept(listener, nullptr, nullptr) >= 0; }
+    std::string url() const {
+        return "http://127.0.0.1:" + std::to_string(ntohs(address.sin_port)) + "/heights.tif";
+    }
+    int listener = -1;
+    sockaddr_in address{};
+};
+
+TEST(TerrainRaster, OnlyFilesAndArchivesOfThisMachineAreRead) {
+    const RasterFolder folder;
+    const RasterFile good = RasterFile::degrees(64, 64, 10, 50, 0.01, [](int, int) { return 5; });
+    const jString file = folder.writeRaster(good), zip = folder.file("heights.zip");
+    const std::string inside = "/vsizip/" + std::string(zip.c_str()) + "/heights.tif";
+    ASSERT_EQ(CPLCopyFile(inside.c_str(), file.c_str()), 0);
+    ObjectTerrain terrain;
+    EXPECT_TRUE(terrain.load(inside));
+
+    const Door door;
+    const jString pipe = folder.file("pipe.tif");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const jString list = folder.write(
+        "far.vrt", "<VRTDataset rasterXSize=\"64\" rasterYSize=\"64\"><VRTRasterBand band=\"1\">"
+                   "<SimpleSource><SourceFilename>/vsicurl/" +
+                       door.url() +
+                       "</SourceFilename></SimpleSource></VRTRasterBand></VRTDataset>");
+    for (const jString& path :
+         {jString("/vsicurl/" + door.url()), jString("/vsizip//vsicurl/" + door.url()),
+          jString(door.url()), list, pipe}) {
+        const LogCapture log;
+        EXPECT_FALSE(terrain.load(path)) << path.c_str();
+        EXPECT_EQ(log.lines.size(), 1u);
+        EXPECT_FALSE(door.knocked()) << path.c_str();
     }
 }
 

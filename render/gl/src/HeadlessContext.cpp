@@ -2,6 +2,7 @@
 #include "HeadlessContext.h"
 
 #include "ig/base/jLog.h"
+#include "render/gl/driverUse.h"
 
 #include <epoxy/egl.h>
 
@@ -9,6 +10,7 @@ using ig::jLog;
 
 /// The platform without surfaces first; where a driver lacks it, the first device that works.
 bool HeadlessContext::create() {
+    useDriver();
     if (epoxy_has_egl_extension(EGL_NO_DISPLAY, "EGL_MESA_platform_surfaceless") &&
         open(eglGetPlatformDisplayEXT(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr)))
         return true;

@@ -105,7 +105,8 @@ public:
     // --- startup.cpp
 
     /// False, with nothing created, when the world has no node "start_heli"; whatever else is
-    /// missing is skipped.
+    /// missing is skipped. Also false, with one error, when memory runs out; `release` gives back
+    /// what had been created by then.
     bool init() override;
 
     // --- frame.cpp
@@ -323,19 +324,20 @@ public:
 
 private:
     // startup.cpp: the steps of init
-    void create_helicopter(const ig::Node& start);
+    bool create_helicopter(const ig::Node& start);
     void read_mounts();
     void find_weather_and_surfaces();
-    void create_effects();
+    bool create_effects();
     void place_start_camera();
-    void create_records();
+    bool create_records();
     void create_first_ship();
     void create_second_ship();
     void find_commander();
     void announce_glass();
     void load_tracks();
     void preload_prefabs();
-    void open_link();
+    bool open_link();
+    static bool out_of_memory();
 
     // frame.cpp: the steps of update
     void update_flags(float dt);

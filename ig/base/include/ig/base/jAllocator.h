@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <functional>
 #include <new>
+#include <source_location>
 #include <utility>
 
 namespace ig {
@@ -57,10 +58,18 @@ std::size_t memCount();
 void memForEach(const std::function<void(const MemInfo&)>& visit);
 
 /// Where an allocation is made: the fixed source name of the class and the operation's qualified
-/// name. String literals.
+/// name, string literals; and the line, unless another is given that of the source text where the
+/// site is named.
 struct MemSite {
+    MemSite(const char* file_name, const char* operation,
+            std::source_location where = std::source_location::current())
+        : MemSite(file_name, operation, static_cast<int>(where.line())) {}
+    MemSite(const char* file_name, const char* operation, int in_line)
+        : file(file_name), function(operation), line(in_line) {}
+
     const char* file;
     const char* function;
+    int line;
 };
 
 /// Allocates a `T` with the engine allocator, registers it and constructs it. Null when memory ran
@@ -69,7 +78,7 @@ template <class T, class... Args>
 T* memNew(MemSite site, Args&&... args) {
     void* memory = jAllocator::get()->localAlloc(sizeof(T));
     if (!memory) return nullptr;
-    memAddInfo(memory, false, site.file, 0, site.function, sizeof(T));
+    memAddInfo(memory, false, site.file, site.line, site.function, sizeof(T));
     return ::new (memory) T(std::forward<Args>(args)...);
 }
 
@@ -78,7 +87,7 @@ T* memNew(MemSite site, Args&&... args) {
 template <class T>
 void memDelete(T*& object, MemSite site) {
     if (!object) return;
-    memRemoveInfo(object, false, site.file, 0, site.function);
+    memRemoveInfo(object, false, site.file, site.line, site.function);
     object->~T();
     jAllocator::localFree(object);
     object = nullptr;

@@ -19,10 +19,10 @@ public:
 
     /// Replaces the content of `package` by the file's. An empty file is an empty package.
     ///
-    /// False leaves the package empty. A file that is missing or unreadable is left to the caller
-    /// to report; a malformed one (this includes a folder, a binary file, a key given twice and a
-    /// top level that isn't a map) logs one error with path, line and column. `encrypted` must be
-    /// false: there is no encrypted form.
+    /// False leaves the package empty. A missing file is left to the caller to report; an
+    /// unreadable or malformed one (this includes a folder, a pipe, a binary file, a key given
+    /// twice and a top level that isn't a map) logs one error with path, and line and column or the
+    /// reason. `encrypted` must be false: there is no encrypted form.
     static bool open(const jString& path, Package* package, bool encrypted = false);
 
     /// Writes the package so that `open` reads an equal one back. The file is written beside its

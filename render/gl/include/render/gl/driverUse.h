@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+/// Whether this process has asked for an OpenGL context, and so may have loaded a driver. Drivers
+/// leave bytes behind; a process without any is checked for leaks.
+bool isDriverUsed();
+/// Before anything of OpenGL, EGL or the windows' library is called.
+void useDriver();
