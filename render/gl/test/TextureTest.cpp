@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <fstream>
 #include <set>
+#include <sys/stat.h>
 
 using namespace ig;
 
@@ -155,8 +156,16 @@ TEST_F(TextureOf, AMissingModelsPlaceIsAChequeredCube) {
 
 TEST_F(TextureOf, AMissingOrBrokenOneIsNamedAndShowsMagenta) {
     m_folder.write("broken.png", "\x89PNG\r\n\x1a\nbut no more");
+    // 57 bytes that claim to be 8000 by 8000 pixels.
+    m_folder.write(
+        "claim.png",
+        std::string("\211\120\116\107\015\012\032\012\000\000\000\015\111\110\104\122\000\000\037"
+                    "\100\000\000\037\100\010\006\000\000\000\006\361\255\364\000\000\000\000\111"
+                    "\104\101\124\065\257\006\036\000\000\000\000\111\105\116\104\256\102\140\202",
+                    57));
+    ASSERT_EQ(mkfifo(m_folder.file("pipe.png").c_str(), 0600), 0);
     look(100, 0, 0);
-    for (const char* name : {"missing.png", "broken.png"}) {
+    for (const char* name : {"missing.png", "broken.png", "claim.png", "pipe.png"}) {
         m_world.clear();
         ObjectMesh* card = addCard(20, 6, {0.9f, 0.9f, 0.9f, 1});
         Material* skin = material({0.9f, 0.9f, 0.9f, 1}, 0);
