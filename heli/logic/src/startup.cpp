@@ -98,7 +98,7 @@ bool Logic_Nerith_Heli_Final::init() {
 bool Logic_Nerith_Heli_Final::create_helicopter(const Node& start) {
     // Not controllable: the host flies it.
     m_heli = create<HelicopterCorax>(INIT, m_world, HELICOPTER, false);
-    if (!m_heli) return false;
+    if (!m_heli || !m_heli->m_prefab) return false;
     m_heli->set_transform(start.getWorldTransform());
     if (m_heli->m_tail_light) emit(m_sig_object, m_heli->m_tail_light, 0);
     emit(m_sig_prefab_added, m_heli->m_prefab, true);

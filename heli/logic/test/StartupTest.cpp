@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 #include <map>
+#include <new>
 
 namespace {
 
@@ -43,6 +44,29 @@ TEST(Startup, WorldWithoutStartMarkerCreatesNothing) {
     logic->release();
     delete static_cast<LogicBase*>(logic);
     EXPECT_EQ(tracked(), before);
+}
+
+// Ever more memory, so that every step comes to be the one that lacks it. The engine's own objects
+// answer with the standard exception.
+TEST(Startup, OutOfMemoryOnItsWayIsToldAndEverythingCanBeReleased) {
+    int told = 0;
+    bool good = false;
+    for (std::size_t room = 0; !good && room < 4'000'000; room += room / 8 + 500) {
+        LogicScene scene;
+        scene.before_init = [room](Logic_Nerith_Heli_Final&) {
+            jAllocator::get()->setLimit(jAllocator::get()->getUsed() + room);
+        };
+        try {
+            good = scene.start();
+            if (!good && scene.log.lines.back() == "Logic_Nerith_Heli_Final::init: out of memory")
+                told++;
+        } catch (const std::bad_alloc&) {
+        }
+        jAllocator::get()->setLimit(0);
+        scene.stop();
+    }
+    EXPECT_TRUE(good);
+    EXPECT_GE(told, 1);
 }
 
 TEST(Startup, PlacesTheHelicopterAndReadsItsMounts) {

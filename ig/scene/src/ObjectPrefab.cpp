@@ -17,6 +17,12 @@ namespace {
 /// itself would never end.
 jVector<jString> g_loading;
 
+struct Loading {
+    explicit Loading(const jString& path) { g_loading.append(path); }
+    ~Loading() { g_loading.pop(); } // also when memory ran out
+    Loading(const Loading&) = delete;
+};
+
 /// Whether something is wrong with the prefab's file, which is then reported the first time.
 bool isRefused(const jString& path, const Package* description) {
     static std::set<jString> reported;
@@ -34,9 +40,8 @@ ObjectPrefab::ObjectPrefab(const jString& path) : Object(OBJECT_PREFAB), m_path(
     if (!file) return;
     const Package* description = file->getPackage("node");
     if (isRefused(path, description)) return;
-    g_loading.append(path);
+    const Loading loading(path);
     m_root = World::LoadNode(description);
-    g_loading.pop();
     if (!m_root) return;
     addChild(m_root);
     collect(m_root);

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cmath>
+#include <new>
 
 // The editors: numbers and vectors in fields that the wheel steps. Each is made with the object
 // that has the value, its setter and getter, the layout that gets the fields, the message that a
@@ -64,6 +65,7 @@ protected:
         for (ig::UIEditLineWheel*& edit : m_edits) {
             edit = ig::memNew<ig::UIEditLineWheel>({"src/ui/editors", function}, layout->getRoot(),
                                                    name);
+            if (!edit) throw std::bad_alloc(); // as from the engine's own objects
             edit->setValidator(validator);
             edit->m_sig_focus.append({this, &FieldEditor::onFocus});
             edit->m_sig_value_committed.append({this, &FieldEditor::apply});
