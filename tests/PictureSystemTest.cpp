@@ -12,6 +12,9 @@
 
 namespace {
 
+// A screen that is reset when its last program ends signals that to xvfb-run, which may die of it.
+const std::string XVFB = "-a -s '-screen 0 640x480x24 -noreset' ";
+
 /// Width and height from the head of a PNG file; 0, 0 when it isn't one.
 std::pair<int, int> pngSize(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
@@ -70,9 +73,10 @@ TEST(Pictures, AWindowOnADisplay) {
     TempFolder folder;
     const std::string picture = (folder.path() / "window.png").string();
     std::string output;
-    Program run("/usr/bin/xvfb-run", "-a -s '-screen 0 640x480x24 -noreset' " CHANNEL
-                                     " --window --size 320x180 --step 0.1 --fps 0 --frames 4"
-                                     " --screenshot '" +
+    Program run("/usr/bin/xvfb-run", XVFB +
+                                         CHANNEL
+                                         " --window --size 320x180 --step 0.1 --fps 0 --frames 4"
+                                         " --screenshot '" +
                                          picture + "'");
     EXPECT_EQ(run.finish(&output), 0) << output;
     EXPECT_EQ(pngSize(picture), std::make_pair(320, 180)) << output;
@@ -137,7 +141,7 @@ TEST(Pictures, WithoutOpenGLTheChannelAdvisesAndRunsWithoutPictures) {
     if (std::system("command -v xvfb-run >/dev/null") != 0) return;
     const Environment old_driver("MESA_GL_VERSION_OVERRIDE", "2.1");
     output.clear();
-    EXPECT_EQ(Program("/usr/bin/xvfb-run", "-a " CHANNEL " --window --frames 3").finish(&output),
+    EXPECT_EQ(Program("/usr/bin/xvfb-run", XVFB + CHANNEL " --window --frames 3").finish(&output),
               1);
     EXPECT_NE(output.find("no window with OpenGL 3.3"), std::string::npos) << output;
     EXPECT_NE(output.find("--null"), std::string::npos) << output;

@@ -20,6 +20,7 @@ public:
             dup2(pipe_ends[1], STDOUT_FILENO);
             dup2(pipe_ends[1], STDERR_FILENO);
             close(pipe_ends[0]);
+            close(pipe_ends[1]); // or what it leaves running would keep the outputs open
             const std::string line = "exec '" + path + "' " + arguments;
             execl("/bin/sh", "sh", "-c", line.c_str(), nullptr);
             _exit(127);
