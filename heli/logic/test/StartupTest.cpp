@@ -29,18 +29,7 @@ TEST(Startup, WorldWithoutStartMarkerCreatesNothing) {
     auto* logic = static_cast<Logic_Nerith_Heli_Final*>(CreateLogic(&world, &scene.camera_control));
     EXPECT_FALSE(logic->init());
     EXPECT_TRUE(world.getNodes().empty());
-    EXPECT_TRUE(scene.log.lines.empty());
-    EXPECT_EQ(tracked().size(), before.size() + 1);
-    // Commands before anything exists.
-    Engine::get()->setApp(&scene);
-    for (int key : {KEY_F5, KEY_F6, KEY_F2, KEY_F3, KEY_SPACE, KEY_DOWN, KEY_UP, KEY_F1}) {
-        scene.input.keyDown(key);
-        logic->update(0.01f);
-        scene.input.keyUp(key);
-        scene.control.endFrame();
-    }
-    logic->onKeyRelease({'g'}, nullptr);
-    logic->onMouseWheel({120, 1}, nullptr);
+    logic->update(0.01f);
     logic->release();
     delete static_cast<LogicBase*>(logic);
     EXPECT_EQ(tracked(), before);
@@ -69,39 +58,24 @@ TEST(Startup, OutOfMemoryOnItsWayIsToldAndEverythingCanBeReleased) {
     EXPECT_GE(told, 1);
 }
 
-TEST(Startup, PlacesTheHelicopterAndReadsItsMounts) {
+TEST(Startup, PlacesTheHelicopterAndLooksAtIt) {
     LogicScene scene;
+    scene.addToWorld("name: rain, type: particles, enabled: true");
+    scene.addToWorld("name: ocean, type: ocean");
     ASSERT_TRUE(scene.start());
     const Logic_Nerith_Heli_Final& logic = *scene.logic;
     const dvec3 wgs = scene.helicopterWgs();
     EXPECT_NEAR(wgs.x, LogicScene::LONGITUDE, 1e-12);
     EXPECT_NEAR(wgs.z, LogicScene::ALTITUDE, 1e-8);
     EXPECT_NEAR(logic.m_heli->m_prefab->getWgsHPR().x, 30, 1e-9);
-    EXPECT_EQ(logic.m_first_view_transform.getTranslate(), dvec3(0.5, 4, 1));
-    EXPECT_EQ(logic.m_dispensers[1].getTranslate(), dvec3(-1, -2, 0));
-    EXPECT_EQ(logic.m_dispensers[5].getTranslate(), dvec3(1, -3, 0));
     EXPECT_EQ(logic.m_dispensers[0], dmat4_identity); // the prefab has no dl_0
-    EXPECT_EQ(logic.m_sonar_mount.getTranslate(), dvec3(0, 1, -1));
-    EXPECT_EQ(logic.m_winch_mount.getTranslate(), dvec3(1.5, 1, 1));
-    EXPECT_EQ(logic.m_deflector_mount.getTranslate(), dvec3(0, 3, 2));
     EXPECT_FALSE(scene.helicopterNode("front_proj")->isEnabled());
-    EXPECT_EQ(logic.m_player_mode, Logic_Nerith_Heli_Final::PLAYER_MODE_THIRD);
     // The camera stands 25 m behind, at the height of the helicopter, and looks at it.
     const dvec3 to_camera = logic.m_third_cam_pos - logic.m_heli->get_world_position();
     EXPECT_NEAR(length(to_camera), 25, 1e-8);
     EXPECT_NEAR(dot(normalize(to_camera), scene.camera.getTransform().getZ()), 1, 1e-12);
-    scene.frame(); // nothing that is missing matters
-}
-
-TEST(Startup, TellsWhetherItRainsAndTakesTheSeasWindFromTheHostOnly) {
-    LogicScene scene;
-    scene.addToWorld("name: rain, type: particles, enabled: true");
-    scene.addToWorld("name: ocean, type: ocean");
-    scene.addToWorld("name: cmder"); // exists, but is no prefab
-    ASSERT_TRUE(scene.start());
-    EXPECT_TRUE(scene.logic->m_raining);
-    EXPECT_FALSE(scene.logic->m_ocean->getUseGlobalWind());
-    EXPECT_EQ(scene.logic->m_cmder->m_root, nullptr);
+    EXPECT_TRUE(logic.m_raining);
+    EXPECT_FALSE(logic.m_ocean->getUseGlobalWind()); // but the host's
 }
 
 TEST(Startup, AnnouncesInOrderAlsoWhatIsPreloadedAndMissing) {
@@ -135,26 +109,10 @@ TEST(Startup, AnnouncesInOrderAlsoWhatIsPreloadedAndMissing) {
     EXPECT_TRUE(scene.logic->get_track("data/PELMAR_PROJECT/ANIM/light.anim"));
 }
 
-TEST(Startup, ConsoleShowsPortAndAddressAlsoOfAPortInUse) {
-    LogicScene scene;
-    UdpPeer occupant;
-    scene.folder.write("config/Logic_Nerith_Heli_Final.cfg",
-                       "recv_from_flightSimulation_port: " + std::to_string(occupant.port()) +
-                           "\n");
-    testing::internal::CaptureStdout();
-    EXPECT_TRUE(scene.start());
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "接收飞仿数据端口：" + std::to_string(occupant.port()) + "\n飞仿IP：127.0.0.1\n");
-    scene.frame(); // it never receives
-    EXPECT_NEAR(scene.helicopterWgs().z, LogicScene::ALTITUDE, 1e-8);
-}
-
 TEST(Startup, WithoutHelicopterPartsOrPrefabTheFramesAndTheResetGoOn) {
     for (const bool present : {true, false}) {
         LogicScene scene;
-        scene.folder.write(LogicScene::HELICOPTER,
-                           "node: {name: bare, children: [{name: glass_top_left, type: mesh, mesh: "
-                           "square.obj, surfaces: [{material: light.mat}]}]}\n");
+        scene.folder.write(LogicScene::HELICOPTER, "node: {name: bare}\n");
         if (!present) std::filesystem::remove(scene.folder.path() / LogicScene::HELICOPTER);
         ASSERT_TRUE(scene.start());
         scene.world->removeNode(scene.world->getNodeByName("start_heli"));
@@ -166,12 +124,9 @@ TEST(Startup, WithoutHelicopterPartsOrPrefabTheFramesAndTheResetGoOn) {
         EXPECT_NEAR(scene.helicopterWgs().z, 99, 1e-8);
         EXPECT_TRUE(scene.feedback().has_value());
         scene.log.lines.clear();
-        for (int i = 0; i < 2; i++) { // without their glass, parameter and tracks; then released
-            scene.logic->setRain(1);
-            scene.logic->setSnow(1);
-            scene.logic->setTod(12);
-            scene.logic->release();
-        }
+        scene.logic->setRain(1);
+        scene.logic->setSnow(1);
+        scene.logic->setTod(12);
         EXPECT_TRUE(scene.log.lines.empty());
     }
 }
