@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "SignalRecorder.h"
-#include "ig/physics/Body.h"
 #include "ig/scene/SceneObjects.h"
-
-#include <cmath>
-#include <set>
 
 namespace {
 
@@ -19,10 +15,8 @@ TEST(Destruction, BurnsTurnsIntoTheWreckAndIsRepairedByReset) {
     scene.logic->heli_explosion();
     ASSERT_EQ(signals.effects.size(), 1u);
     EXPECT_EQ(signals.effects[0].path, "data/art/prefab/vfx/explosion_1/explosion_1.prefab");
-    EXPECT_EQ(signals.effects[0].duration, 6);
     EXPECT_LT(length(signals.effects[0].place - scene.logic->m_heli->get_world_position()), 1e-6);
     EXPECT_EQ(signals.removed.size(), 1u); // the sonar
-    EXPECT_TRUE(scene.helicopterNode("sonar")->isEnabled());
     EXPECT_TRUE(scene.helicopterNode("fire")->isEnabled());
     EXPECT_TRUE(flames->isEmitterEnabled());
     EXPECT_EQ(scene.logic->m_heli->get_collective_decay(), 0.98f);
@@ -48,24 +42,6 @@ TEST(Destruction, BurnsTurnsIntoTheWreckAndIsRepairedByReset) {
     EXPECT_NE(flames->getNumCleared(), cleared);
     scene.frames(30);
     EXPECT_TRUE(scene.helicopterNode("normal")->isEnabled()); // its timer is gone
-}
-
-TEST(Destruction, TumblesABodyThatIsEnabledAboutItsOwnAxesToEitherSide) {
-    SeaScene scene(300);
-    BodyRigid& body = *scene.logic->m_heli->m_body;
-    body.setEnabled(true);
-    body.setAngularDamping(0);
-    std::set<int> sides;
-    for (int i = 0; i < 40; i++) {
-        const dmat4 pose = scene.logic->m_heli->get_world_transform();
-        body.setAngularVelocity({});
-        scene.logic->heli_explosion();
-        scene.world->updatePhysics(1 / 60.0f);
-        const dvec3 spin = transpose(pose.getMat3()) * dvec3(body.getAngularVelocity());
-        EXPECT_TRUE(std::abs(spin.x) > 0.01 && std::abs(spin.z) > 0.01 && std::abs(spin.y) < 1e-3);
-        sides.insert((spin.x > 0) + 2 * (spin.z > 0));
-    }
-    EXPECT_EQ(sides.size(), 4u); // each sign is drawn for itself
 }
 
 } // namespace

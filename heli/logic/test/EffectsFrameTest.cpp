@@ -59,22 +59,6 @@ TEST_F(EffectsFrame, OverTheSeaSprayAndOverLandLeaves) {
     EXPECT_NEAR(alpha("leaf_1"), (10 - ground / 25) * 0.05f, 1e-5);
 }
 
-// The emitters that name a surface ask for it themselves, so that a deck stops the leaves too.
-TEST_F(EffectsFrame, EmittersAreSilentOverTheOtherSurface) {
-    auto* spray = new ObjectParticles();
-    spray->setSurface(ObjectParticles::Surface::water);
-    scene.world->addNode(spray);
-    const dmat4 ship = scene.world->getNodeByName("LNJ_2023")->getWorldTransform();
-    const auto silentAt = [&](const dvec3& place) {
-        spray->setWorldPosition(place);
-        scene.frame();
-        return spray->isSilent();
-    };
-    EXPECT_TRUE(silentAt(ship * dvec3(0, -40, 9)));
-    EXPECT_FALSE(silentAt(ship * dvec3(80, 0, 1)));
-    EXPECT_FALSE(silentAt(EllipsoidModel().toWorld({10, 10, 90000}))); // it doesn't know, and runs
-}
-
 TEST_F(EffectsFrame, TheDustIsThatOfTheGroundBelow) {
     const auto ground = [this](double longitude, double latitude) {
         hover(longitude, latitude, 4, 13.5f);
@@ -84,11 +68,9 @@ TEST_F(EffectsFrame, TheDustIsThatOfTheGroundBelow) {
     const vec4 sea = ground(-155.05, 19.74), pad = ground(-155.0625125, 19.7124631);
     const vec4 turf = ground(-155.0648, 19.7107), beach = ground(-155.05856, 19.71498);
     EXPECT_EQ(sea.w, 1);
-    EXPECT_LT(pad.w, beach.w); // concrete gives little
-    EXPECT_LT(turf.w, beach.w);
+    EXPECT_LT(pad.w, beach.w);        // concrete gives little
     EXPECT_GT(turf.y, 1.5f * turf.z); // brown and green
     EXPECT_GT(beach.x, 1.5f * beach.z);
-    EXPECT_NEAR(pad.x, pad.z, 0.05f);
     scene.logic->setSnow(1);
     const vec4 snow = ground(-155.0648, 19.7107);
     EXPECT_GT(std::min({snow.x, snow.y, snow.z}), 0.75f);

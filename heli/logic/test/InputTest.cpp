@@ -36,30 +36,26 @@ struct InputTest : testing::Test {
 
 TEST_F(InputTest, OfSeveralCommandsInAFrameOnlyTheFirstInOrderActs) {
     const auto done = [&] {
-        std::string what;
-        if (logic().m_player_mode == Mode::PLAYER_MODE_FREE) what += "view ";
-        if (scene.helicopterNode("fire")->isEnabled()) what += "explosion ";
-        if (!logic().m_torpedo_infos.empty()) what += "torpedo ";
-        if (logic().m_sonar_info->prefab) what += "sonar ";
-        if (logic().is_break_sonar_joint()) what += "cut ";
-        if (!logic().m_missiles.empty()) what += "missile ";
-        return what;
+        return std::vector<bool>{logic().m_player_mode == Mode::PLAYER_MODE_FREE,
+                                 scene.helicopterNode("fire")->isEnabled(),
+                                 !logic().m_torpedo_infos.empty(),
+                                 logic().m_sonar_info->prefab != nullptr,
+                                 logic().is_break_sonar_joint(),
+                                 !logic().m_missiles.empty()};
     };
-    const char* const expected[] = {"view ", "view explosion ", "view explosion torpedo ",
-                                    "view explosion torpedo sonar ",
-                                    "view explosion torpedo sonar cut "};
     std::vector<int> keys = {KEY_SPACE, KEY_F3, KEY_F2, KEY_F6, KEY_F5, KEY_F1};
-    for (const char* what : expected) {
+    std::vector<bool> expected(keys.size());
+    for (std::size_t first = 0; !keys.empty(); first++) {
         stroke(keys);
         scene.frame(); // the others are not caught up on
-        EXPECT_EQ(done(), what);
+        expected[first] = true;
+        EXPECT_EQ(done(), expected);
         keys.pop_back();
     }
 
     stroke({'4', '2', KEY_F1}); // the camera's speed is set besides a command
     EXPECT_EQ(logic().getCamSpeed(), 200);
     EXPECT_EQ(logic().m_player_mode, Mode::PLAYER_MODE_FIRST);
-    stroke({KEY_F4}); // the process would end with Alt
 }
 
 TEST_F(InputTest, ReturnLevelsTheCameraAndComesBeforeTheSonarsKeys) {
@@ -77,9 +73,6 @@ TEST_F(InputTest, ReturnLevelsTheCameraAndComesBeforeTheSonarsKeys) {
                 1e-9);
     scene.frames(32, 1 / 64.0f); // Return is still down, but was clicked before
     EXPECT_NEAR(sonarLength(), start + 1, 1e-4);
-    scene.input.keyDown(KEY_UP); // Down comes first
-    scene.frame(1 / 64.0f);
-    EXPECT_GT(sonarLength(), start + 1);
 }
 
 TEST_F(InputTest, GSwitchesTheProjectorOnAndOff) {

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// What the logic tells the host application about its weapons, in order.
@@ -32,25 +33,12 @@ struct SignalRecorder {
         added_flags.push_back(flag);
     }
     void onText(ig::Node*, const ig::jString& text) { texts.push_back(text.c_str()); }
-
-    void onCode(int code) {
-        codes.push_back(code);
-        removed_before_code.push_back(removed.size());
-    }
-    void forget() {
-        effects.clear();
-        removed = added = {};
-        added_flags.clear();
-        texts.clear();
-        codes.clear();
-        removed_before_code.clear();
-    }
+    void onCode(int code) { codes.emplace_back(code, removed.size()); }
     std::vector<Effect> effects;
     std::vector<ig::Node*> removed, added;
     std::vector<bool> added_flags;
     std::vector<std::string> texts;
-    std::vector<int> codes;
-    std::vector<std::size_t> removed_before_code;
+    std::vector<std::pair<int, std::size_t>> codes; ///< each with what was removed before it
 };
 
 /// The project's own scene, the helicopter over the open sea, calm unless a test wants waves, which
