@@ -48,7 +48,6 @@ struct CableTest : testing::Test {
 
 TEST_F(CableTest, SonarIsLoweredAndRaisedBetweenTwoAndSixteenMetres) {
     EXPECT_TRUE(scene.logic->emit_sonar());
-    EXPECT_EQ(signals.added_flags, (std::vector<bool>{false}));
     EXPECT_FALSE(sonar().prefab->isEnabled()); // until its first step
     EXPECT_FALSE(scene.helicopterNode("sonar")->isEnabled());
     scene.frame();

@@ -20,6 +20,9 @@ TEST(Reset, RemovesWhatIsDeployedInItsOrderAndLeavesMissilesAndWinch) {
     scene.logic->heli_explosion(); // takes the sonar
     scene.logic->emit_sonar();
     scene.frames(30);
+    const std::vector<bool> flags = {false, true,  true,  true,  true, true, true,
+                                     true,  false, false, false, true, false};
+    EXPECT_EQ(signals.added_flags, flags);
     const auto& a = signals.added;
     std::vector<Node*> expected = {a[0], a[8], a[10], a[7]};
     expected.insert(expected.end(), a.begin() + 1, a.begin() + 7);
