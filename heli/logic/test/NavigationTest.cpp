@@ -31,12 +31,6 @@ struct NavigationTest : testing::Test {
         scene.control.setLeftButton(true);
         move(dx, dy);
     }
-    void hold(std::initializer_list<int> keys) {
-        scene.control.releaseAll();
-        scene.control.setLeftButton(true);
-        for (int key : keys)
-            scene.control.keyDown(key);
-    }
     LogicScene scene;
 };
 
@@ -61,7 +55,10 @@ TEST_F(NavigationTest, FreeFlightMovesAlongTheCamerasAxesAtItsSpeed) {
     logic().setCamSpeed(200);
     const auto moved = [&](std::initializer_list<int> keys) {
         const dvec3 before = position();
-        hold(keys);
+        scene.control.releaseAll();
+        scene.control.setLeftButton(true);
+        for (int key : keys)
+            scene.control.keyDown(key);
         scene.frame(0.5f);
         return position() - before;
     };

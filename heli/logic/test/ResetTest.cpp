@@ -40,17 +40,4 @@ TEST(Reset, RemovesWhatIsDeployedInItsOrderAndLeavesMissilesAndWinch) {
     EXPECT_EQ(signals.removed, expected);
 }
 
-TEST(Tracks, AreFoundByPathAndOneThatCannotBeLoadedIsNamed) {
-    LogicScene scene;
-    ASSERT_TRUE(scene.start());
-    scene.log.lines.clear();
-    scene.folder.write("a.anim", "channels: [{node: deck, keys: [[0, 1], [1, 0]]}]\n");
-    scene.logic->load_track("a.anim");
-    scene.logic->load_track("b.anim");
-    EXPECT_EQ(scene.logic->m_tracks.size(), 1);
-    EXPECT_EQ(scene.logic->get_track("a.anim"), scene.logic->m_tracks[0]);
-    EXPECT_EQ(scene.log.lines, (std::vector<std::string>{
-                                   "Logic_Nerith_Heli_Final::load_track:\"b.anim\" load failed"}));
-}
-
 } // namespace
