@@ -60,7 +60,6 @@ TEST_F(InputTest, OfSeveralCommandsInAFrameOnlyTheFirstInOrderActs) {
 
 TEST_F(InputTest, ReturnLevelsTheCameraAndComesBeforeTheSonarsKeys) {
     stroke({KEY_F2});
-    ASSERT_NE(logic().m_sonar_info->rope, nullptr);
     const float start = sonarLength();
     logic().set_player_mode(Mode::PLAYER_MODE_FREE);
     scene.bankCamera();

@@ -119,17 +119,17 @@ TEST_F(PanelTest, TheCollectiveIsShownAndCannotBeEdited) {
     EXPECT_EQ(field(4)->getText(), "0.75");
     click(field(4));
     scene.input.text("9");
-    scene.input.wheel(1);
     EXPECT_EQ(field(4)->getText(), "0.75");
 }
 
 TEST_F(PanelTest, AMessageHasTranslatedButtonsAndWaitsForTheAnswer) {
     scene.folder.write("config/string.txt", "OK: 确定\nCancel: 取消\n");
+    int frames = 0;
     scene.ui->setModalFrame([&] {
         scene.frame();
         EXPECT_TRUE(shows("说明") && shows("确定") && shows("取消"));
         key(KEY_ESCAPE);
-        return true;
+        return frames++ < 9;
     });
     EXPECT_FALSE(show_message("标题", "说明", &scene, true));
 }

@@ -28,8 +28,6 @@ std::vector<float> sector() {
 
 float gain() { return Engine::get()->getEnvironment(ENVIRONMENT_SENSOR_GAIN); }
 
-const std::vector<float> ELSEWHERE = {0, 0, 180};
-
 struct RadarTest : testing::Test {
     void start() {
         ASSERT_TRUE(scene.start());
@@ -75,20 +73,13 @@ TEST_F(RadarTest, SectorAndGainHoldWhileThePictureIsDrawn) {
     scene.useProjectData();
     start();
     Engine::get()->setEnvironment(ENVIRONMENT_SENSOR_GAIN, 0.375f);
-    struct Case {
-        float value, width, offset;
-        std::vector<float> sector;
-        float gain;
-    };
-    const float nan = std::nanf("");
-    for (const Case& c :
-         {Case{2.5f, 60, 25, {1, 85, 145}, 2.5f}, Case{nan, 20, 0, {1, 80, 100}, 0.375f}}) {
-        tell(c.value, c.width, c.offset);
+    for (const auto& [value, told] : {std::pair(2.5f, 2.5f), {std::nanf(""), 0.375f}}) {
+        tell(value, 60, 25);
         viewport().beginUpdate();
-        EXPECT_EQ(sector(), c.sector);
-        EXPECT_EQ(gain(), c.gain);
+        EXPECT_EQ(sector(), (std::vector<float>{1, 85, 145}));
+        EXPECT_EQ(gain(), told);
         viewport().endUpdate();
-        EXPECT_EQ(sector(), ELSEWHERE);
+        EXPECT_EQ(sector(), (std::vector<float>{0, 0, 180}));
         EXPECT_EQ(gain(), 0.375f);
     }
     EXPECT_EQ(RPost::getNumUses(), 0);

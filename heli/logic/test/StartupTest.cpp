@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "heli/logic/HandOper.h"
 #include "ig/base/jAllocator.h"
 #include "ig/net/SocketUDP.h"
 #include "plugins/ocean/ObjectOcean.h"
@@ -69,7 +68,6 @@ TEST(Startup, PlacesTheHelicopterAndLooksAtIt) {
     EXPECT_NEAR(wgs.x, LogicScene::LONGITUDE, 1e-12);
     EXPECT_NEAR(wgs.z, LogicScene::ALTITUDE, 1e-8);
     EXPECT_NEAR(logic.m_heli->m_prefab->getWgsHPR().x, 30, 1e-9);
-    EXPECT_EQ(logic.m_dispensers[0], dmat4_identity); // the prefab has no dl_0
     EXPECT_FALSE(scene.helicopterNode("front_proj")->isEnabled());
     // The camera stands 25 m behind, at the height of the helicopter, and looks at it.
     const dvec3 to_camera = logic.m_third_cam_pos - logic.m_heli->get_world_position();
