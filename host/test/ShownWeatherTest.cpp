@@ -20,7 +20,6 @@ TEST(ShownWeather, OneSeesAsFarAsTheWorstOfItAllowsUnlessTheOperatorSaysHowFar) 
         float sight; ///< m
     };
     const Case cases[] = {{nothing, nothing, 60000},
-                          {weather(WEATHER_CLEAR, 0, 0, 0, 80000), nothing, 80000},
                           {fog, nothing, 800},
                           {weather(WEATHER_FOG, 0, 0, 0, 150), nothing, 150},
                           {weather(0, 0, 0, 0, 60000), weather(WEATHER_FOG, -1, -1, -1, -1), 800},
@@ -28,7 +27,6 @@ TEST(ShownWeather, OneSeesAsFarAsTheWorstOfItAllowsUnlessTheOperatorSaysHowFar) 
                           {fog, weather(-1, 3, 3, 3, 12000), 12000},
                           {weather(WEATHER_STORM, 3, 0, 0, 60000), nothing, 4000},
                           {weather(WEATHER_CLEAR, 1, 3, 1, 60000), nothing, 700},
-                          {weather(WEATHER_CLEAR, 0, 0, 3, 60000), nothing, 2500},
                           {weather(99, 99, 99, 99, 1e9f), nothing, 700}};
     for (const Case& c : cases)
         EXPECT_EQ(ShownWeather::of(c.told, c.asked).visibility, c.sight) << c.told.describe();

@@ -213,12 +213,6 @@ void VirtualScreen::openOtherProgram() {
     sync();
 }
 
-void VirtualScreen::closeOtherProgram() {
-    XDestroyWindow(m_display, m_other_window);
-    sync();
-    waitForManager();
-}
-
 /// It answers what it is asked in the order in which it was asked: about a window that is never
 /// shown, of which it has nothing else to say.
 void VirtualScreen::waitForManager() {
@@ -238,25 +232,4 @@ bool VirtualScreen::isWindowShown() {
     XWindowAttributes attributes{};
     return XGetWindowAttributes(m_display, m_window, &attributes) != 0 &&
            attributes.map_state == IsViewable;
-}
-
-void VirtualScreen::askForClipboard() {
-    XConvertSelection(m_display, XInternAtom(m_display, "CLIPBOARD", False),
-                      XInternAtom(m_display, "UTF8_STRING", False),
-                      XInternAtom(m_display, "TAKEN", False), m_own_window, CurrentTime);
-    sync();
-}
-
-std::string VirtualScreen::takeClipboard() {
-    Atom type = 0;
-    int format = 0;
-    unsigned long length = 0, rest = 0;
-    unsigned char* bytes = nullptr;
-    sync();
-    XGetWindowProperty(m_display, m_own_window, XInternAtom(m_display, "TAKEN", False), 0, 1024,
-                       True, AnyPropertyType, &type, &format, &length, &rest, &bytes);
-    std::string text;
-    if (bytes) text.assign(reinterpret_cast<const char*>(bytes), length);
-    if (bytes) XFree(bytes);
-    return text;
 }

@@ -35,10 +35,10 @@ public:
     bool watch(const std::string& title);
 
     void move(float x, float y);
-    void button(int number, bool down); ///< 1 left, 3 right, 4 wheel up, 5 wheel down
-    void roll(bool up) {
-        button(up ? 4 : 5, true);
-        button(up ? 4 : 5, false);
+    void button(int number, bool down); ///< 1 left, 3 right, 4 the wheel's upward notch
+    void rollUp() {
+        button(4, true);
+        button(4, false);
     }
     void key(unsigned long symbol, bool down); ///< X's name for a key: a character, or XK_…
     void stroke(unsigned long symbol) {
@@ -57,18 +57,12 @@ public:
     void resize(int width, int height);
     void focus(bool on_the_window);
     void pressCloseButton();
-    /// Another program's window comes up and has the keyboard, or goes again.
+    /// Another program's window comes up and has the keyboard.
     void openOtherProgram();
-    void closeOtherProgram();
     /// The window manager has done all that it was asked for.
     void waitForManager();
     /// Whether the window is to be seen, as far as it is not covered.
     bool isWindowShown();
-
-    // The clipboard, as another program reads it: ask, let the owner run, take.
-
-    void askForClipboard();
-    std::string takeClipboard();
 
 private:
     unsigned long find(unsigned long parent, const std::string& title);

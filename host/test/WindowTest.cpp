@@ -32,11 +32,6 @@ namespace {
 using namespace ig;
 using Logic = Logic_Nerith_Heli_Final;
 
-const char* const BUTTONS[] = {"第三视角", "气象雷达", "飞机损毁", "开闭雨刷", "投放鱼雷",
-                               "打开声呐", "关闭声呐", "释放声呐", "下放声呐", "上拉声呐",
-                               "打开吊索", "关闭吊索", "下放吊索", "上拉吊索", "发射导弹",
-                               "发射诱饵", "场景重置"};
-
 struct Messages final : MsgNode {
     Messages() { attach(); }
     void processMsg(UiMsg* message) override { seen.push_back(message->id); }
@@ -184,12 +179,8 @@ TEST_F(WindowTest, EveryButtonIsClickedWhereItIsDrawn) {
     EXPECT_EQ(logic().m_player_mode, Logic::PLAYER_MODE_FIRST);
     click("第一视角");
     EXPECT_EQ(logic().m_player_mode, Logic::PLAYER_MODE_THIRD);
-    EXPECT_TRUE(drawn("第三视角"));
-
     click("气象雷达");
     EXPECT_FALSE(logic().m_radar_viewport->isHidden());
-    click("气象雷达");
-    EXPECT_TRUE(logic().m_radar_viewport->isHidden());
     click("开闭雨刷");
     EXPECT_TRUE(logic().m_heli->is_wiper_on());
 
@@ -215,70 +206,59 @@ TEST_F(WindowTest, EveryButtonIsClickedWhereItIsDrawn) {
     EXPECT_EQ(logic().m_missiles.size(), 1);
     click("发射诱饵");
     EXPECT_EQ(logic().m_decoys.size(), 6);
-    int resets = 0;
-    logic().m_sig_code.append({&resets, [&](int) { resets++; }});
     click("飞机损毁");
     EXPECT_TRUE(helicopterNode("fire")->isEnabled());
     click("场景重置");
     EXPECT_FALSE(helicopterNode("fire")->isEnabled());
-    EXPECT_EQ(resets, 2); // its beginning and its end
     EXPECT_EQ(logic().m_torpedo_infos.size() + logic().m_decoys.size(), 0);
 }
 
-TEST_F(WindowTest, HitAreasFollowThePanelAndEveryButtonFitsEveryWindow) {
+TEST_F(WindowTest, HitAreasFollowThePanelThatFitsEveryWindow) {
     const auto before = drawn("气象雷达");
     ASSERT_TRUE(before);
-    for (const auto& [width, height] :
-         {std::pair(1000, 700), {640, 440}, {500, 300}, {420, 200}, {300, 780}}) {
+    for (const auto& [width, height] : {std::pair(420, 200), {300, 780}, {1000, 700}}) {
         screen->resize(width, height);
         frames(3);
-        ASSERT_EQ(channel->getWidth(), width);
-        ASSERT_EQ(channel->getHeight(), height);
         EXPECT_NEAR(aspectSeen(), static_cast<double>(width) / height, 1e-3);
-        for (const char* text : BUTTONS) {
-            const auto at = drawn(text);
-            ASSERT_TRUE(at) << text;
-            EXPECT_GE(at->y, 0) << text << " at " << width << " x " << height;
-            EXPECT_LE(at->y + at->h, height) << text << " at " << width << " x " << height;
-            EXPECT_LE(at->x + 4 * at->h, width) << text << " at " << width << " x " << height;
-        }
-        const bool hidden = logic().m_radar_viewport->isHidden();
-        click("气象雷达");
-        EXPECT_NE(logic().m_radar_viewport->isHidden(), hidden) << width << " x " << height;
+        const auto top = drawn("第三视角"), bottom = drawn("场景重置");
+        ASSERT_TRUE(top && bottom);
+        EXPECT_GE(top->y, 0) << width << " x " << height;
+        EXPECT_LE(bottom->y + bottom->h, height) << width << " x " << height;
+        EXPECT_LE(bottom->x + 4 * bottom->h, width) << width << " x " << height;
         const int missiles = logic().m_missiles.size();
         click("发射导弹"); // near the lower end
         EXPECT_EQ(logic().m_missiles.size(), missiles + 1) << width << " x " << height;
     }
-    screen->resize(1000, 700);
-    frames(3);
-    const bool hidden = logic().m_radar_viewport->isHidden();
     screen->move(before->x + before->h, before->y + before->h / 2); // where it was at first
     clickHere();
-    EXPECT_EQ(logic().m_radar_viewport->isHidden(), hidden);
+    EXPECT_TRUE(logic().m_radar_viewport->isHidden());
 }
 
 TEST_F(WindowTest, FieldsTakeWhatIsTypedAndTypingIsNoCommand) {
     Messages messages;
-    logic().setCamSpeed(1000);
-    frames(1);
     clickField(SPEED);
     screen->type("5");
     stroke(' ');
-    screen->type("abch");
-    screen->type("00");
-    stroke('g');
-    EXPECT_TRUE(drawn("500"));
-    EXPECT_EQ(logic().getCamSpeed(), 1000); // not yet, and no 5's speed either
+    screen->type("abch123");
+    for (const unsigned long symbol : {XK_Home, XK_Delete, XK_End, XK_BackSpace})
+        stroke(symbol);
+    EXPECT_TRUE(drawn("12"));
+    screen->rollUp(); // the mouse is over the field
+    frames();
+    EXPECT_TRUE(drawn("13"));
+    EXPECT_EQ(logic().getCamSpeed(), 13);
+    screen->type("0");
+    frames();
+    EXPECT_EQ(logic().getCamSpeed(), 13); // not yet, and no command either
     EXPECT_EQ(logic().m_missiles.size(), 0);
     EXPECT_FALSE(shows("dipping sonar"));
+    messages.take();
     stroke(XK_Return);
-    EXPECT_EQ(logic().getCamSpeed(), 500);
+    EXPECT_EQ(logic().getCamSpeed(), 130);
     EXPECT_EQ(messages.take(), std::vector<int>{123456});
     stroke('3'); // the field is left
     EXPECT_EQ(logic().getCamSpeed(), 1000);
-    EXPECT_TRUE(drawn("1000"));
 
-    stroke(XK_F1); // the free camera stays where it is put
     clickField(POSITION);
     screen->type("-154.5");
     stroke(XK_Tab);
@@ -291,121 +271,50 @@ TEST_F(WindowTest, FieldsTakeWhatIsTypedAndTypingIsNoCommand) {
     EXPECT_NEAR(geo.y, 19.25, 1e-6);
     EXPECT_NEAR(geo.z, 1234, 1e-3);
     EXPECT_EQ(messages.take(), std::vector<int>(3, 654321));
-
-    clickField(SPEED);
-    screen->type("1239");
-    stroke(XK_Home);
-    stroke(XK_Delete);
-    stroke(XK_End);
-    stroke(XK_BackSpace);
-    EXPECT_TRUE(drawn("23"));
-    screen->roll(true); // the mouse is over the field
-    frames();
-    EXPECT_TRUE(drawn("24"));
-    EXPECT_EQ(logic().getCamSpeed(), 24);
-    stroke(XK_Escape);
 }
 
 TEST_F(WindowTest, CopyAndPasteGoThroughTheDesktopsClipboard) {
-    const auto control = [this](unsigned long symbol) {
-        screen->key(XK_Control_L, true);
-        stroke(symbol);
-        screen->key(XK_Control_L, false);
-    };
     clickField(SPEED);
     screen->type("4711");
-    frames();
-    control('a');
-    control('c');
-    screen->askForClipboard();
-    frames();
-    EXPECT_EQ(screen->takeClipboard(), "4711");
-    control('v'); // over the selection
-    control('v'); // after it
+    screen->key(XK_Control_L, true);
+    for (const char symbol : {'a', 'c', 'v', 'v'}) // over the selection, and after it
+        stroke(static_cast<unsigned long>(symbol));
+    screen->key(XK_Control_L, false);
     EXPECT_TRUE(drawn("47114711"));
-    control('a');
-    control('x');
-    EXPECT_FALSE(drawn("47114711"));
-    screen->type("5");
-    stroke(XK_Return);
-    EXPECT_EQ(logic().getCamSpeed(), 5);
 }
 
-struct DenseWindowTest : WindowTest {
-    DenseWindowTest() { desktop.dpi = 192; }
+struct LargeWindowTest : WindowTest {
+    LargeWindowTest() {
+        desktop.dpi = 144;
+        options.full_screen = true;
+        options.interface_size = 1.3f;
+    }
 };
 
-TEST_F(DenseWindowTest, PanelsKeepTheirSizeInInches) {
-    screen->resize(1000, 780);
-    frames(3);
+TEST_F(LargeWindowTest, ItBeginsAsAllOfTheScreenWithPanelsInInchesTimesTheAskedSize) {
+    EXPECT_EQ(channel->getWidth(), VirtualScreen::WIDTH);
     const auto at = drawn("场景重置");
     ASSERT_TRUE(at);
-    EXPECT_NEAR(at->h, 15 * 2 * 0.7f, 1); // twice what a window of 390 units would have
-    EXPECT_GT(at->y + 2 * at->h, 780);    // in the corner
+    EXPECT_NEAR(at->h, 15 * 1.5f * 1.3f * 0.7f, 1); // 17 if either were left out
     click("气象雷达");
     EXPECT_FALSE(logic().m_radar_viewport->isHidden());
 }
 
 // ------------------------------------------------------------------ the scene
 
-TEST_F(WindowTest, KeysCommandTheScene) {
-    for (const Logic::PLAYER_MODE mode :
-         {Logic::PLAYER_MODE_FREE, Logic::PLAYER_MODE_FIRST, Logic::PLAYER_MODE_THIRD}) {
-        stroke(XK_F1);
-        EXPECT_EQ(logic().m_player_mode, mode);
-    }
-    const int speeds[] = {10, 200, 1000, 10000, 10000};
-    for (unsigned i = 0; i < 5; i++) {
-        logic().setCamSpeed(1);
-        stroke('1' + i);
-        EXPECT_EQ(logic().getCamSpeed(), speeds[i]);
-    }
-    const bool projector = logic().m_heli->m_front_proj->isEnabled();
-    stroke('g');
-    EXPECT_NE(logic().m_heli->m_front_proj->isEnabled(), projector);
-    stroke(' ');
-    EXPECT_EQ(logic().m_missiles.size(), 1);
-    stroke(XK_F6);
-    EXPECT_EQ(logic().m_torpedo_infos.size(), 1);
-
-    stroke(XK_F2);
-    Node* rope = logic().m_sonar_info->rope;
-    ASSERT_NE(rope, nullptr);
-    for (const auto& [key, change] : {std::pair(XK_Down, 1.0f), {XK_Up, -1.0f}}) {
-        const float before = ropeLength(rope);
-        screen->key(static_cast<unsigned long>(key), true);
-        frames(8);
-        screen->key(static_cast<unsigned long>(key), false);
-        frames(2);
-        EXPECT_NEAR(ropeLength(rope) - before, change, ONE_FRAME);
-    }
-    stroke(XK_F3);
-    EXPECT_TRUE(logic().is_break_sonar_joint());
-    stroke(XK_F5);
-    EXPECT_TRUE(helicopterNode("fire")->isEnabled());
-
-    EXPECT_FALSE(shows("dipping sonar"));
+TEST_F(WindowTest, KeysCommandTheSceneAndTheWindow) {
+    EXPECT_TRUE(shows("F12")); // the hint
     stroke(XK_F12);
     EXPECT_TRUE(shows("dipping sonar"));
     stroke('h');
-    EXPECT_FALSE(shows("dipping sonar"));
+    EXPECT_FALSE(shows("dipping sonar") || shows("F12")); // it was followed
+    stroke(XK_F11);
     stroke(XK_F11);
     frames(10);
     EXPECT_TRUE(shows("frames/s"));
-    stroke(XK_F11);
-    frames(10);
     EXPECT_TRUE(shows("records per frame"));
-    stroke(XK_F11);
-    EXPECT_FALSE(shows("frames/s"));
-
-    const auto radar = drawn("气象雷达");
-    stroke(XK_F10);
-    EXPECT_FALSE(drawn("气象雷达"));
-    screen->move(radar->x + radar->h, radar->y + radar->h / 2);
-    clickHere();
-    EXPECT_TRUE(logic().m_radar_viewport->isHidden()); // there is no button
-    stroke(XK_F10);
-    EXPECT_TRUE(drawn("气象雷达"));
+    stroke(' ');
+    EXPECT_EQ(logic().m_missiles.size(), 1);
 
     folder.write("picture_0002.png", "of a former run");
     screen->key(XK_Alt_L, true);
@@ -431,6 +340,8 @@ TEST_F(WindowTest, TheKeypadsDigitsAreDigitsWhileNumLockIsOn) {
     stroke(XK_KP_2); // down
     EXPECT_GT(ropeLength(rope), before);
     EXPECT_EQ(logic().getCamSpeed(), 100);
+    stroke(XK_Up);
+    EXPECT_EQ(ropeLength(rope), before);
     stroke(XK_Num_Lock);
     stroke(XK_KP_2);
     EXPECT_EQ(logic().getCamSpeed(), 200);
@@ -458,52 +369,36 @@ TEST_F(FrenchWindowTest, KeysGoByWhatStandsOnThem) {
 }
 
 TEST_F(WindowTest, TheMouseMovesTheCameras) {
-    const auto drag = [this](int button, float x, float y) {
+    const auto drag = [this](int button, float x) {
         screen->move(300, 200);
         frames(1);
         screen->button(button, true);
         frames(1);
-        screen->move(300 + x, 200 + y);
+        screen->move(300 + x, 200);
         frames(2);
         screen->button(button, false);
         frames(1);
     };
-    const auto distance = [this] {
-        return length(logic().m_third_cam_pos - logic().m_heli->get_world_position());
+    const auto ahead = [this] {
+        return normalize(logic().get_ray_to(WIDTH / 2, HEIGHT / 2) -
+                         EllipsoidModel().toWorld(logic().get_cam_pos_geo()));
     };
     screen->move(300, 200);
-    screen->roll(true);
+    screen->rollUp();
     frames();
-    EXPECT_NEAR(logic().m_third_dist, (25 - 1) * 0.9,
-                1e-4); // a metre by the event, a tenth by poll
-    screen->roll(false);
-    frames();
-    EXPECT_NEAR(logic().m_third_dist, (21.6 + 1) * 1.1, 1e-4);
+    const double distance = (25 - 1) * 0.9; // a metre by the event, a tenth by poll
+    EXPECT_NEAR(logic().m_third_dist, distance, 1e-4);
 
     const dvec3 behind = logic().m_third_cam_pos;
-    drag(3, 80, 0); // the right button orbits nothing
+    drag(3, 80); // the right button orbits nothing
     EXPECT_LT(length(logic().m_third_cam_pos - behind), 0.1);
-    drag(1, 80, 0); // 20 degrees
-    const double moved = length(logic().m_third_cam_pos - behind);
-    EXPECT_NEAR(moved, 2 * distance() * std::sin(10 * std::numbers::pi / 180), 1.0);
-    EXPECT_NEAR(distance(), static_cast<double>(logic().m_third_dist), 0.1);
-
+    drag(1, 80); // 20 degrees
+    EXPECT_NEAR(length(logic().m_third_cam_pos - behind),
+                2 * distance * std::sin(10 * std::numbers::pi / 180), 1.0);
     stroke(XK_F1);
-    const auto position = [this] { return EllipsoidModel().toWorld(logic().get_cam_pos_geo()); };
-    const auto ahead = [&] {
-        return normalize(logic().get_ray_to(WIDTH / 2, HEIGHT / 2) - position());
-    };
-    const dvec3 place = position(), looked = ahead();
-    drag(3, 40, 0); // 10 degrees
+    const dvec3 looked = ahead();
+    drag(3, 40); // 10 degrees
     EXPECT_NEAR(dot(looked, ahead()), std::cos(10 * std::numbers::pi / 180), 0.01);
-    stroke('1');
-    screen->button(1, true);
-    screen->key('w', true);
-    frames(16);
-    screen->key('w', false);
-    screen->button(1, false);
-    frames(1);
-    EXPECT_NEAR(length(position() - place), 10, 0.7); // 10 m/s, give or take a frame
 }
 
 TEST_F(WindowTest, NothingStaysHeldThatWasLetGo) {
@@ -512,8 +407,6 @@ TEST_F(WindowTest, NothingStaysHeldThatWasLetGo) {
     EXPECT_EQ(logic().m_player_mode, Logic::PLAYER_MODE_FREE);
     clickField(SPEED);
     screen->type("1234567");
-    frames();
-    EXPECT_TRUE(drawn("1234567"));
     screen->hold(XK_BackSpace, 5); // while in a text it does repeat
     frames();
     EXPECT_FALSE(shows("123"));
@@ -536,32 +429,6 @@ TEST_F(WindowTest, NothingStaysHeldThatWasLetGo) {
     screen->focus(true);
     frames();
     EXPECT_TRUE(stands());
-    pointAt("下放声呐");
-    screen->button(1, true);
-    frames();
-    EXPECT_FALSE(stands());
-    screen->move(100, 100); // off the button
-    frames();
-    EXPECT_TRUE(stands());
-    pointAt("下放声呐"); // back on it, still held
-    frames();
-    EXPECT_FALSE(stands());
-    screen->focus(false);
-    frames();
-    EXPECT_TRUE(stands());
-    screen->button(1, false);
-    screen->focus(true);
-    frames();
-    EXPECT_TRUE(stands());
-    pointAt("发射诱饵");
-    screen->button(1, true);
-    frames();
-    screen->focus(false); // and no click comes of it
-    frames();
-    screen->button(1, false);
-    screen->focus(true);
-    frames();
-    EXPECT_EQ(logic().m_decoys.size(), 0);
 }
 
 TEST_F(WindowTest, ModifiersAreAsTheyAreWhenAWindowManagerTookTheirKeys) {
@@ -589,13 +456,6 @@ TEST_F(WindowTest, ModifiersAreAsTheyAreWhenAWindowManagerTookTheirKeys) {
     screen->key(XK_Alt_L, false);
 }
 
-TEST_F(WindowTest, TheHintGoesWhenItWasFollowed) {
-    EXPECT_TRUE(shows("F12"));
-    stroke(XK_F12);
-    stroke(XK_F12);
-    EXPECT_FALSE(shows("F12"));
-}
-
 TEST_F(WindowTest, AJumpLevelsTheCameraThatComesAlongAndLeavesTheFreeOne) {
     const auto tilt = [this] {
         return dot(logic().get_ray_to(WIDTH / 2, 0) - logic().get_ray_to(WIDTH / 2, HEIGHT),
@@ -608,7 +468,9 @@ TEST_F(WindowTest, AJumpLevelsTheCameraThatComesAlongAndLeavesTheFreeOne) {
         folder.peer.send(&record, sizeof record, folder.records_port);
         frames(3);
     };
+    EXPECT_TRUE(shows("no host yet on port"));
     jump(-155);
+    EXPECT_FALSE(shows("no host yet"));
     screen->move(300, 200);
     screen->button(1, true);
     frames(1);
@@ -621,24 +483,8 @@ TEST_F(WindowTest, AJumpLevelsTheCameraThatComesAlongAndLeavesTheFreeOne) {
     EXPECT_EQ(tilt(), free);
     stroke(XK_F1);
     stroke(XK_F1);
-    EXPECT_NEAR(logic().m_third_dist,
-                length(logic().m_third_cam_pos - logic().m_heli->get_world_position()), 0.1);
     jump(-40);
     EXPECT_GT(tilt(), free);
-}
-
-struct LargeWindowTest : WindowTest {
-    LargeWindowTest() {
-        options.full_screen = true;
-        options.interface_size = 2;
-    }
-};
-
-TEST_F(LargeWindowTest, ItBeginsAsAllOfTheScreenWithLargerTexts) {
-    EXPECT_EQ(channel->getWidth(), VirtualScreen::WIDTH);
-    const auto at = drawn("场景重置");
-    ASSERT_TRUE(at);
-    EXPECT_GE(at->h, 20); // of 15, as far as there is room
 }
 
 struct ManagedWindowTest : WindowTest {
@@ -660,7 +506,6 @@ TEST_F(ManagedWindowTest, FullScreenStaysWhenAnotherProgramHasTheKeyboard) {
     EXPECT_TRUE(screen->isWindowShown());
     frames(2);
     EXPECT_EQ(channel->getWidth(), VirtualScreen::WIDTH);
-    screen->closeOtherProgram();
 }
 
 TEST(FindMostCovered, TheMonitorThatHasMostOfTheWindow) {
