@@ -88,9 +88,9 @@ TEST_F(VideoTest, EverySecondOfTheSceneGivesAsManyPicturesOfTheFirstsSize) {
     EXPECT_NEAR(static_cast<double>(pictures.size() / PICTURE), 4 * Video::RATE, 1);
     EXPECT_EQ(pictures[0], 1);
     const std::size_t last = pictures.size() - PICTURE;
-    EXPECT_EQ(pictures[last], renderer.number);
-    EXPECT_EQ(pictures[last + 3 * 10], 0); // beside the narrower picture
-    EXPECT_LE(renderer.number, 73);        // only what the video needs is read back
+    EXPECT_EQ(pictures[last + 3 * 16], renderer.number); // of the second row
+    EXPECT_EQ(pictures[last + 3 * 10], 0);               // beside the narrower picture
+    EXPECT_LE(renderer.number, 73);                      // only what the video needs is read back
     EXPECT_TRUE(log.lines.empty());
 }
 

@@ -161,6 +161,7 @@ TEST_F(LinkMonitorTest, SendersLossesAndSmallRoom) {
     run(10);
     expectEverywhere("records now from 127.0.0.2:4002, before from 127.0.0.1:4001");
     sample.in.senders[1].last_received = now;
+    sample.in.senders[2] = {0x0300007f, 4003, now - 3}; // no longer there
     sample.in.interleaved++;
     run(1);
     expectEverywhere("2 senders: 127.0.0.1:4001, 127.0.0.2:4002");
