@@ -18,57 +18,34 @@
 #include <cmath>
 #include <memory>
 #include <numbers>
-#include <optional>
-#include <random>
 #include <vector>
 
 inline constexpr double LONGITUDE = -155.0563123, LATITUDE = 19.7196898;
 inline const ig::EllipsoidModel EARTH;
 
-/// A sea of 12 straight-crested deep-water waves, spread about one direction, whose heights add up
-/// to a significant height and whose lengths lie about a peak period: a stand-in that shares no
-/// code with the real one. Beaufort 0: altitude `m_level` everywhere.
+/// A sea of 12 straight-crested deep-water waves, spread about north, whose heights add up to a
+/// significant height and whose lengths lie about a peak period: a stand-in that shares no code
+/// with the real one, and costs little. Without height: altitude `m_level` everywhere.
 class SwellSea : public ObjectOcean {
 public:
-    void setSea(float beaufort, double significant_height, double peak_period) {
-        m_beaufort = beaufort;
-        m_waves.clear();
-        if (significant_height == 0) return;
-        constexpr int COUNT = 12;
-        std::mt19937 random(7);
-        std::uniform_real_distribution<double> u(-1, 1);
-        for (int i = 0; i < COUNT; i++) {
-            const double omega = 2 * std::numbers::pi / peak_period * (0.7 + 1.3 * i / COUNT);
-            const double k = omega * omega / 9.81, direction = 0.6 * u(random);
-            // m0 = Hs² / 16 = Σ a² / 2
-            const double a = significant_height / 4 * std::sqrt(2.0 / COUNT);
-            m_waves.push_back({a, k * std::sin(direction), k * std::cos(direction), omega,
-                               std::numbers::pi * u(random)});
-        }
-    }
     float getBeaufort() const override { return m_beaufort; }
-
-    double getHeight(const ig::dvec3& geodetic) const {
-        double height = m_level;
-        const double x = (geodetic.x - LONGITUDE) * 104800, y = (geodetic.y - LATITUDE) * 110700;
-        for (const Wave& w : m_waves)
-            height += w.a * std::cos(w.kx * x + w.ky * y + w.omega * m_time + w.phase);
-        return height;
-    }
     ig::dvec3 getWorldPoint(const ig::dvec3& world) const override {
         ig::dvec3 g = EARTH.toWGS(world);
-        g.z = getHeight(g);
+        const double x = (g.x - LONGITUDE) * 104800, y = (g.y - LATITUDE) * 110700;
+        g.z = m_level;
+        for (int i = 0; i < 12 && m_significant_height > 0; i++) {
+            const double omega = 2 * std::numbers::pi / m_peak_period * (0.7 + 1.3 * i / 12);
+            const double k = omega * omega / 9.81, direction = 0.3 * (i % 5 - 2);
+            const double along = x * std::sin(direction) + y * std::cos(direction);
+            // m0 = Hs² / 16 = Σ a² / 2
+            g.z +=
+                m_significant_height / std::sqrt(96) * std::cos(k * along + omega * m_time + i * i);
+        }
         return EARTH.toWorld(g);
     }
 
-    double m_time = 0, m_level = 0;
+    double m_time = 0, m_level = 0, m_significant_height = 0, m_peak_period = 1;
     float m_beaufort = 0;
-
-private:
-    struct Wave {
-        double a, kx, ky, omega, phase;
-    };
-    std::vector<Wave> m_waves;
 };
 
 /// A world with that sea, and ships in it.
