@@ -59,16 +59,4 @@ TEST(Torpedo, ParachuteOpensStrictlyAfterTheDelayAndIsHiddenInTheWaterOrAtTheLim
     }
 }
 
-TEST(Torpedo, RecordForgetsTheActionWhenItGoesAndPartsMayBeMissing) {
-    Torpedo torpedo;
-    delete torpedo.info.action;
-    EXPECT_EQ(torpedo.info.action, nullptr);
-    torpedo.info.parachute = torpedo.info.torpedo = nullptr;
-    torpedo.info.action = ActionEmitTorpedo::Create(&torpedo.info, 1.5f);
-    EXPECT_TRUE(torpedo.info.action->step(50));
-    EXPECT_TRUE(torpedo.info.action->isDone());
-    EXPECT_EQ(ActionEmitTorpedo::Create(nullptr, 1.5f), nullptr);
-    EXPECT_EQ(ActionEmitMissile::Create(nullptr, 300, 20), nullptr);
-}
-
 } // namespace
