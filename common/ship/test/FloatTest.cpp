@@ -100,10 +100,10 @@ TEST_F(BoxTest, KeysPushTurnHeelAndTrimByTheirShare) {
         double r, ahead; ///< force ahead for each m³ and share
         dvec3 torque;    ///< for a whole share: trim, heel, turn
     };
-    const Case CASES[] = {
-        {KEY_UP, 0.7, 1000, {2000, 0, 0}},    {KEY_DOWN, 0.5, -2000, {-2000, 0, 0}},
-        {KEY_LEFT, 0.5, 0, {0, -3000, 5400}}, {KEY_RIGHT, 0.3, 0, {0, 3000, -5400}},
-        {KEY_UP, 0, 1000, {2000, 0, 0}},      {KEY_UP, 1, 1000, {2000, 0, 0}}};
+    const Case CASES[] = {{KEY_UP, 0.7, 1000, {2000, 0, 0}},
+                          {KEY_DOWN, 0.5, -2000, {-2000, 0, 0}},
+                          {KEY_LEFT, 0.5, 0, {0, -3000, 5400}},
+                          {KEY_RIGHT, 0.3, 0, {0, 3000, -5400}}};
     const auto push = [&](double r) {
         Object* object = box(r);
         Ship ship(object, scene.sea);
@@ -176,39 +176,28 @@ TEST(Ships, FloatStillAtTheirWaterlineAndSteamAtTheSpeedOfTheClosedForm) {
     }
 }
 
-struct SeaRun {
-    double significant_height, peak_period;
-    float dt;                 ///< 0: random, with stalls
-    double heel, trim;        ///< at most, degrees
-    double lightest, deepest; ///< immersion
-};
-
-TEST(Ships, StayAfloatUprightAndOnCourseAtEveryFrameRate) {
-    const SeaRun RUNS[] = {{1, 5, 0, 4, 1, 0.05, 0.5},
-                           {4, 9.6, 1 / 144.0f, 5, 4, 0.05, 0.5},
-                           {4, 9.6, 0.1f, 5, 4, 0.05, 0.5},
-                           {4, 9.6, 0, 5, 4, 0.05, 0.5}};
-    for (const SeaRun& run : RUNS) {
-        SCOPED_TRACE(testing::Message() << run.significant_height << " m at " << run.dt);
+TEST(Ships, StayAfloatUprightAndOnCourseInAVeryRoughSeaAtEveryFrameRate) {
+    for (const float fixed : {1 / 144.0f, 0.1f, 0.0f}) { // 0: random, with stalls
+        SCOPED_TRACE(fixed);
         ShipScene scene;
-        scene.sea->m_significant_height = run.significant_height;
-        scene.sea->m_peak_period = run.peak_period;
+        scene.sea->m_significant_height = 4;
+        scene.sea->m_peak_period = 9.6;
         for (const Fleet& f : FLEET)
             scene.addShip(f.path, f.thrust);
         std::mt19937 random(3);
         std::uniform_real_distribution<float> jitter(0.005f, 0.03f), stall(0.2f, 0.5f);
         for (double t = 0; t < 120;) {
-            float dt = run.dt;
+            float dt = fixed;
             if (dt == 0) dt = random() % 100 == 0 ? stall(random) : jitter(random);
             scene.frame(dt);
             t += static_cast<double>(dt);
             if (t < 20) continue; // settled
             for (const auto& ship : scene.ships) {
                 const ShipMotion motion(*ship);
-                const double immersion = static_cast<double>(ship->getBuoyancy()->getSubmerged());
-                ASSERT_LT(std::abs(motion.hpr.z), run.heel) << t;
-                ASSERT_LT(std::abs(motion.hpr.y), run.trim) << t;
-                ASSERT_TRUE(immersion > run.lightest && immersion < run.deepest) << immersion;
+                const float immersion = ship->getBuoyancy()->getSubmerged();
+                ASSERT_LT(std::abs(motion.hpr.z), 5) << t;
+                ASSERT_LT(std::abs(motion.hpr.y), 4) << t;
+                ASSERT_TRUE(immersion > 0.05f && immersion < 0.5f) << immersion;
                 ASSERT_GT(motion.velocity.y, 1) << t;
                 ASSERT_NEAR(std::remainder(motion.hpr.x, 360), 0, 10) << t;
             }
