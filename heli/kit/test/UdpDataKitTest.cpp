@@ -6,7 +6,6 @@
 #include "testkit/UdpPeer.h"
 
 #include <algorithm>
-#include <arpa/inet.h>
 #include <cmath>
 #include <cstring>
 #include <fcntl.h>
@@ -14,7 +13,7 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/resource.h>
-#include <sys/socket.h>
+#include <unistd.h>
 
 namespace {
 
@@ -91,18 +90,11 @@ TEST(UdpRecvKit, ImplausibleRecordsAreKeptAndComplainedAboutAndDearOnesEndADrain
 
 TEST(UdpSendKit, AFailureSaysSoAndASocketNeverWaits) {
     UdpSendKit kit;
+    const int next = dup(0); // the descriptor that comes next
+    close(next);
     ASSERT_TRUE(kit.init("127.0.0.1", 10005));
-    int found = 0;
-    for (int descriptor = 3; descriptor < 64; descriptor++) {
-        sockaddr_in own{};
-        socklen_t length = sizeof own;
-        if (getsockname(descriptor, reinterpret_cast<sockaddr*>(&own), &length) != 0 ||
-            ntohs(own.sin_port) != kit.m_socket->getPort())
-            continue;
-        found++;
-        EXPECT_TRUE(fcntl(descriptor, F_GETFL) & O_NONBLOCK);
-    }
-    EXPECT_EQ(found, 1);
+    const int flags = fcntl(next, F_GETFL);
+    EXPECT_TRUE(flags >= 0 && flags & O_NONBLOCK);
     kit.release();
     rlimit before{}, none{}; // no descriptor is to be had
     getrlimit(RLIMIT_NOFILE, &before);
