@@ -32,12 +32,8 @@ struct Owner {
 
 struct Messages final : MsgNode {
     Messages() { attach(); }
-    void processMsg(UiMsg* message) override {
-        seen.push_back(message->id);
-        ptr = message->ptr;
-    }
+    void processMsg(UiMsg* message) override { seen.push_back(message->id); }
     std::vector<int> seen;
-    void* ptr = nullptr;
 };
 
 struct EditorsTest : testing::Test {
@@ -133,25 +129,12 @@ TEST_F(EditorsTest, UnfinishedTextIsPutBackAndTheFieldShowsWhatBecameOfTheRest) 
     EXPECT_EQ(whole->getEdit()->getText(), "2147483647");
     enter(whole->getEdit(), "-99999999999");
     EXPECT_EQ(owner.whole, -2147483647 - 1);
-    whole->getEdit()->setValidator(UI_VALIDATE_DECIMAL_WHOLE);
-    enter(whole->getEdit(), "12.7");
-    EXPECT_EQ(owner.whole, 12);
-    EXPECT_EQ(whole->getEdit()->getText(), "12");
-    enter(whole->getEdit(), "+12"); // the same
-    EXPECT_EQ(whole->getEdit()->getText(), "12");
     const int sets = owner.sets;
     enter(whole->getEdit(), "");
     enter(number->getEdit(), "-");
     enter(vector->getEdit(0), "1e999");
     EXPECT_EQ(owner.sets, sets);
     EXPECT_EQ(vector->getEdit(0)->getText(), "-155.06");
-    for (UIEditLine* edit : {whole->getEdit(), number->getEdit(), vector->getEdit(0)})
-        edit->setValidator(UI_VALIDATE_NONE); // what nobody checks counts as 0
-    enter(whole->getEdit(), "");
-    enter(number->getEdit(), "-");
-    enter(vector->getEdit(0), "1e999");
-    EXPECT_EQ(owner.whole + owner.number, 0);
-    EXPECT_EQ(owner.vector, dvec3(0, 19.71, 40));
 }
 
 TEST_F(EditorsTest, AVectorsFieldsTakeAListThatIsNotAmbiguous) {
@@ -174,8 +157,6 @@ TEST_F(EditorsTest, AVectorsFieldsTakeAListThatIsNotAmbiguous) {
 
 TEST_F(EditorsTest, HexadecimalIsWrittenWithItsPrefixAndReadWithOrWithout) {
     whole->setBase(BASE_HEXADECIMAL);
-    EXPECT_TRUE(whole->refresh());
-    EXPECT_EQ(whole->getEdit()->getText(), "0xff");
     enter(whole->getEdit(), "1f");
     EXPECT_EQ(owner.whole, 31);
     enter(whole->getEdit(), "0x20");
@@ -186,34 +167,16 @@ TEST_F(EditorsTest, HexadecimalIsWrittenWithItsPrefixAndReadWithOrWithout) {
     EXPECT_FALSE(whole->refresh()); // reads back as −1
 }
 
-TEST_F(EditorsTest, SettersAndMessagePayload) {
+TEST_F(EditorsTest, EverySetterIsCalledOnceForAnotherValueAndAProgramSendsNoMessage) {
     Owner other;
-    whole->addSetter({&other, &Owner::setInt});
-    whole->addSetter({&other, &Owner::setInt}); // the same target
-    whole->setMsgPtr(&other);
-    whole->setValue(12); // by the program: no message
+    for (int i = 0; i < 2; i++) // the same target
+        whole->addSetter({&other, &Owner::setInt});
+    for (int i = 0; i < 2; i++)
+        whole->setValue(12);
     EXPECT_EQ(owner.whole, 12);
     EXPECT_EQ(other.sets, 1);
     EXPECT_EQ(whole->getEdit()->getText(), "12");
-    whole->setValue(12);
-    EXPECT_EQ(other.sets, 1);
     EXPECT_TRUE(messages.seen.empty());
-    enter(whole->getEdit(), "13");
-    EXPECT_EQ(other.whole, 13);
-    EXPECT_EQ(messages.ptr, &other);
-}
-
-TEST_F(EditorsTest, ADetachedEditorIsTheCallersAndLetsItsFieldsGo) {
-    UIEditLine* field = whole->getEdit();
-    whole->detach();
-    EXPECT_EQ(whole->getLayout(), nullptr);
-    owner.whole = 1;
-    root->update(0);
-    EXPECT_EQ(field->getText(), "255");
-    delete whole;
-    enter(field, "9"); // nobody listens any more
-    EXPECT_EQ(owner.sets, 0);
-    root.reset(); // the others go with their layout
 }
 
 } // namespace
