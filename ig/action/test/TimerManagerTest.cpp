@@ -56,17 +56,13 @@ TEST(TimerManager, long_frames_expire_once_and_keep_the_phase) {
     }
 }
 
-TEST(TimerManager, bad_times_change_nothing_and_copies_start_empty) {
+TEST(TimerManager, bad_times_change_nothing) {
     Counted c(1);
     c.timers.update(0.5f);
     for (float wrong : {NAN, INFINITY, -10.0f, 0.0f}) {
         c.timers.update(wrong);
         EXPECT_FALSE(c.timers.addTimer(wrong));
     }
-    TimerManager copy(c.timers);
-    copy.update(5);
-    EXPECT_EQ(c.count, 0);
-    c.timers = copy;
     c.timers.update(0.5f);
     EXPECT_EQ(c.count, 1);
 }
