@@ -137,19 +137,15 @@ TEST_F(Loopback, AReplayCountsFeedbackAndIsNotHeldUpByAFlood) {
     options.link.feedback_csv = csv.path;
     ASSERT_TRUE(replay.open(options, message)) << message;
     Sender channel(replay.link().listenPort());
-    const auto send = [&](std::int32_t frame) {
+    std::vector<std::int32_t> numbers = {5, 6, 9, 9};
+    numbers.resize(4 + flood, 9);
+    for (const std::int32_t frame : numbers)
         EXPECT_TRUE(channel.send(ByteBuilder().add(frame).add(Bytes(104)).bytes));
-    };
-    for (const int frame : {5, 6, 9, 9})
-        send(frame);
-    channel.send(Bytes(107));
     channel.send(Bytes(3000));
-    for (int i = 0; i < flood; i++)
-        send(9);
     EXPECT_TRUE(replay.run(stop, message)) << message;
     expectPaced(replay.link(), 50);
     const FeedbackStats& stats = replay.link().feedback();
-    EXPECT_EQ(stats.malformed, 2);
+    EXPECT_EQ(stats.malformed, 1);
     EXPECT_EQ(stats.skipped, 2);
     EXPECT_EQ(stats.received, 4 + flood);
     EXPECT_EQ(stats.duplicated, stats.received - 3);
@@ -312,9 +308,6 @@ TEST(ReplaySource, SelectsScalesLoopsAndHolds) {
     std::string message;
     ReplaySource source;
     options.hold = 10;
-    EXPECT_FALSE(source.open(options, message));
-    options.hold.reset();
-    options.from = 2;
     EXPECT_FALSE(source.open(options, message));
 }
 

