@@ -4,20 +4,15 @@
 // decoding, the feedback against geometry.
 
 #include "ChannelRun.h"
-#include "common/wire/UdpSendData.h"
 #include "flightsim/Recording.h"
-#include "ig/math/EllipsoidModel.h"
-#include "ig/math/quat.h"
 
 #include <algorithm>
 #include <cmath>
 #include <csignal>
 #include <cstring>
-#include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
 #include <regex>
-#include <sstream>
 #include <sys/wait.h>
 
 namespace {
@@ -125,58 +120,6 @@ TEST(Link, RecordedFlightIsShownRecordByRecordSoonAfterItsArrival) {
     EXPECT_GT(over_pad, frames.size() / 2);
 }
 
-TEST(Link, HeightOverADeckThatStandsAslopeAgreesWithGeometry) {
-    // The flight deck of the first ship lies 6 m above its origin; the ship is put at a heading, a
-    // pitch and a roll, far from everything.
-    ChannelRun run;
-    std::filesystem::remove(run.folder.path() / "data");
-    std::filesystem::create_directories(run.folder.path() / "data/PELMAR_PROJECT");
-    std::filesystem::create_symlink(std::filesystem::current_path() / "data/art",
-                                    run.folder.path() / "data/art");
-    for (const char* part : {"prefabs", "materials", "ANIM"})
-        std::filesystem::create_symlink(std::filesystem::current_path() / "data/PELMAR_PROJECT" /
-                                            part,
-                                        run.folder.path() / "data/PELMAR_PROJECT" / part);
-    std::ifstream ship("data/PELMAR_PROJECT/prefabs/SM_055_CN_2023/SM_055_CN_2023.prefab");
-    std::ostringstream prefab;
-    prefab << ship.rdbuf();
-    run.folder.write("still.prefab", // without mass it stays where it is put
-                     std::regex_replace(prefab.str(), std::regex("mass: [0-9.]+"), "mass: 0"));
-    run.folder.write(
-        "data/PELMAR_PROJECT/PELMAR_PROJECT.world",
-        "nodes:\n- {name: start_heli, wgs: [-154, 21, 30]}\n- {name: ship, type: prefab, path: "
-        "still.prefab, wgs: [-154, 21, 0], hpr: [50, 2, -3]}\n");
-    ASSERT_TRUE(run.start("--fps 100"));
-
-    // The point of the deck's plane below a place over the deck, by solving for the plane.
-    const ig::EllipsoidModel earth;
-    const ig::dvec3 origin = earth.toWorld({-154, 21, 0});
-    const ig::dmat3 attitude =
-        earth.getWGSTransform(origin).getMat3() * ig::composeHPR({50, 2, -3});
-    const ig::dvec3 on_deck = origin + attitude * ig::dvec3(1, -60, 6);
-    const ig::dvec3 place = on_deck + earth.getUp(on_deck) * 25.0;
-    const ig::dvec3 geodetic = earth.toWGS(place);
-    UdpRecvData record{};
-    record.longitude = geodetic.x;
-    record.latitude = geodetic.y;
-    record.altitude = static_cast<float>(geodetic.z);
-    run.send(&record, sizeof record);
-    std::string bytes;
-    do { // until it has been applied: at its start the helicopter stands elsewhere
-        bytes = run.peer.receive(PATIENCE);
-        ASSERT_EQ(bytes.size(), 108u);
-    } while (std::abs(field<double>(bytes, 12) + 154) < 1e-6);
-    ASSERT_EQ(run.stop(), 0) << run.output;
-
-    const ig::dvec3 from = earth.toWorld({geodetic.x, geodetic.y, double(record.altitude)});
-    const ig::dvec3 down = -earth.getUp(from), normal = attitude.getZ();
-    const double t = ig::dot(origin + normal * 6.0 - from, normal) / ig::dot(down, normal);
-    const ig::dvec3 expected = earth.toWGS(from + down * t);
-    EXPECT_NEAR(field<float>(bytes, 20), double(record.altitude) - expected.z, 0.001);
-    EXPECT_NEAR(field<double>(bytes, 4), expected.y, 1e-9);
-    EXPECT_NEAR(field<double>(bytes, 12), expected.x, 1e-9);
-}
-
 /// Stops the program for as long as it takes to send that many records.
 void sendDuringStall(ChannelRun& run, int count, UdpRecvData record,
                      const std::function<void(UdpRecvData&, int)>& change) {
@@ -255,12 +198,6 @@ struct Listener {
         }
         return false;
     }
-    long count(const std::string& text) const {
-        long found = 0;
-        for (std::size_t at = 0; (at = said.find(text, at)) != std::string::npos; at++)
-            found++;
-        return found;
-    }
     ChannelRun& run;
     std::string said;
 };
@@ -308,7 +245,7 @@ TEST(Link, WrongRecordsALostHostAndASecondOneAreWarnedOfOnceShownAndSummedUp) {
     told.push_back("2 senders: 127.0.0.1:");
     EXPECT_EQ(run.stop(), 0);
     for (const std::string& text : told) {
-        EXPECT_EQ(channel.count("warning: link: " + text), 1) << text;
+        EXPECT_EQ(countOf(channel.said, "warning: link: " + text), 1) << text;
         EXPECT_NE(run.output.find("\nlink: " + text), std::string::npos) << text << run.output;
     }
     EXPECT_NE(run.output.find("\nlink: host silent for "), std::string::npos) << run.output;

@@ -82,13 +82,6 @@ TEST(Pictures, AWindowOnADisplay) {
     EXPECT_EQ(pngSize(picture), std::make_pair(320, 180)) << output;
 }
 
-TEST(Pictures, TheNullRendererRunsTheWholeChannel) {
-    ChannelRun run;
-    run.start("--null --step 0.1 --fps 0 --frames 20");
-    EXPECT_EQ(run.program->finish(&run.output), 0) << run.output;
-    EXPECT_NE(run.output.find("20 frames"), std::string::npos);
-}
-
 TEST(Pictures, AFileThatCannotBeWrittenIsNamedOnceAndNothingOfItStays) {
     ChannelRun run;
     run.folder.write("bin/ffmpeg", "#!/bin/sh\nfor file; do :; done\ncat > \"${file#file:}\"\n");

@@ -21,11 +21,6 @@ TEST(Start, HelpAndWrongUse) {
 }
 
 TEST(Start, WhatIsMissingIsNamedAndTheExitStatusIsOne) {
-    const auto expectRefusal = [](ChannelRun& run, const std::string& options,
-                                  const std::string& text) {
-        EXPECT_FALSE(run.start(options + " --seconds 1"));
-        EXPECT_EQ(run.program->finish(&run.output), 1) << text;
-    };
     const auto output = [](const std::string& options, const TempFolder& folder) {
         std::string text;
         EXPECT_EQ(
@@ -35,7 +30,6 @@ TEST(Start, WhatIsMissingIsNamedAndTheExitStatusIsOne) {
         return text;
     };
     ChannelRun run;
-    expectRefusal(run, "--logic none.so", "logic");
     std::string text = output("--logic none.so", run.folder);
     EXPECT_EQ(countOf(text, "error"), 1) << text;
     EXPECT_NE(text.find("none.so"), std::string::npos) << text;
