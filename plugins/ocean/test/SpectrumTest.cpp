@@ -46,7 +46,6 @@ TEST(Spectrum, WavesRunWithTheWindAndHardlyAgainstIt) {
     EXPECT_NEAR(spectrum.density(0.8 * k, 0.6 * k) / with, std::pow(0.5, 10), 1e-9); // abeam
     EXPECT_LT(spectrum.density(-0.6 * k, 0.8 * k), 1e-12 * with);
     EXPECT_EQ(spectrum.density(0, 0), 0);
-    EXPECT_EQ(WaveSpectrum(SeaState(), 1, 0).density(k, 0), 0);
 }
 
 TEST(Spectrum, SeaStatesGrowBetweenWholeBeaufortNumbersToo) {
@@ -58,11 +57,6 @@ TEST(Spectrum, SeaStatesGrowBetweenWholeBeaufortNumbersToo) {
         EXPECT_GT(sea.significant_height, last.significant_height) << b;
         EXPECT_GT(sea.wind, last.wind) << b;
         EXPECT_GE(sea.peak_period, last.peak_period) << b;
-        // No steeper than wind waves get: significant steepness 2π Hs / (g Tp²).
-        EXPECT_LT(2 * std::numbers::pi * sea.significant_height /
-                      (GRAVITY * sea.peak_period * sea.peak_period),
-                  0.05)
-            << b;
         last = sea;
     }
     EXPECT_EQ(seaState(40).significant_height, seaState(12).significant_height);

@@ -289,8 +289,6 @@ TEST(WaveField, StaysContinuousAndArrivesWhenEverythingChangesEveryFrame) {
     sea.evolve(FRAMES * DT + 0.1);
     sea.evolve(FRAMES * DT + 5.1);
     EXPECT_GT(sea.getFrame().significant_height, 1.1); // still on its way
-    sea.evolve(FRAMES * DT + 10.1);
-    EXPECT_NEAR(sea.getFrame().significant_height, 1, 0.02);
     sea.evolve(FRAMES * DT + 20.2);
     EXPECT_NEAR(sea.getFrame().significant_height, 1, 1e-6);
     EXPECT_EQ(sea.getFrame().wind, 8);
