@@ -20,12 +20,11 @@ struct Listener : BodyContactCallbackBase {
     void onContact(Body* body, int contact) override {
         bodies.push_back(body);
         contacts.push_back(contact);
-        if (remove) physics->removeBody(body);
+        if (physics) physics->removeBody(body);
     }
     std::vector<Body*> bodies;
     std::vector<int> contacts;
-    Physics* physics = nullptr;
-    bool remove = false;
+    Physics* physics = nullptr; ///< to remove the body from
 };
 
 /// A capsule of 2.7 m that the test moves along its Y axis.
@@ -39,12 +38,11 @@ struct Missile : BodyRigid {
 
 TEST(Contacts, NothingFliesThroughABoxAtAnyStep) {
     Physics physics;
-    BodyRigid ship(0, {}), plate(0, {}), floating(3e5f, {});
-    const vec3 sizes[] = {{20, 160, 4}, {30, 30, 0.1f}, {16, 130, 4}};
-    const dmat4 poses[] = {PLACE, PLACE * translate(dvec3(400, 0, 0)),
-                           PLACE * translate(dvec3(-400, 0, 0))};
-    BodyRigid* targets[] = {&ship, &plate, &floating};
-    for (int i = 0; i < 3; i++) {
+    BodyRigid plate(0, {}), floating(3e5f, {});
+    const vec3 sizes[] = {{30, 30, 0.1f}, {16, 130, 4}};
+    const dmat4 poses[] = {PLACE, PLACE * translate(dvec3(-400, 0, 0))};
+    BodyRigid* targets[] = {&plate, &floating};
+    for (int i = 0; i < 2; i++) {
         targets[i]->addShape(Shape::createBox(sizes[i]));
         targets[i]->setTransform(poses[i]);
         physics.addBody(targets[i]);
@@ -54,13 +52,10 @@ TEST(Contacts, NothingFliesThroughABoxAtAnyStep) {
     int shots = 0, hits = 0;
     for (double dt : {1 / 144.0, 1 / 60.0, 0.1}) {
         for (int shot = 0; shot < 150; shot++, shots++) {
-            BodyRigid& target = *targets[shot % 3];
-            target.setTransform(poses[shot % 3]);
-            const vec3 size = sizes[shot % 3];
-            const dvec3 aim = poses[shot % 3] * (dvec3(u(random) * static_cast<double>(size.x),
-                                                       u(random) * static_cast<double>(size.y),
-                                                       u(random) * static_cast<double>(size.z)) *
-                                                 0.45);
+            const dvec3 size(sizes[shot % 2]);
+            const dvec3 aim =
+                poses[shot % 2] *
+                (dvec3(u(random) * size.x, u(random) * size.y, u(random) * size.z) * 0.45);
             const dvec3 y = normalize(dvec3(u(random), u(random), u(random)));
             const dvec3 x = normalize(cross(y, dvec3(y.y, -y.z, y.x + 2)));
             const dmat3 attitude(x, y, cross(x, y));
@@ -72,14 +67,13 @@ TEST(Contacts, NothingFliesThroughABoxAtAnyStep) {
             for (double t = 0; t < 1.2 && listener.bodies.empty(); t += dt) {
                 p += y * (300 * dt);
                 missile.setTransform({attitude, p});
-                floating.setTransform(poses[2]);
+                floating.setTransform(poses[1]);
                 physics.update(static_cast<float>(dt));
             }
             hits += !listener.bodies.empty() && listener.bodies[0] == &missile;
             physics.removeBody(&missile);
             // A sensor pushes nothing: what floats only fell.
-            const double spin = static_cast<double>(length(floating.getAngularVelocity()));
-            EXPECT_TRUE(&target != &floating || spin < 1e-3);
+            EXPECT_LT(length(floating.getAngularVelocity()), 1e-3f);
         }
     }
     EXPECT_EQ(hits, shots);
@@ -116,35 +110,10 @@ TEST(Contacts, ComeOncePerThingMetAndNotFromADisabledBody) {
     missile.setEnabled(true); // begins where it is
     physics.update(0.01f);
     EXPECT_EQ(listener.contacts.size(), 3u);
-    // A callback that removes the body ends its contacts.
-    listener.physics = &physics;
-    listener.remove = true;
+    listener.physics = &physics; // a callback that removes the body ends its contacts
     missile.setTransform(PLACE * translate(dvec3(0, 60, 0)));
     physics.update(0.01f);
     EXPECT_EQ(listener.contacts.size(), 4u);
-}
-
-TEST(Landing, BodyRestsOnTheGroundAndSinksThroughTheSeaUnlessItFloats) {
-    for (const float dt : {1 / 60.0f, 0.2f})
-        for (const double ground : {20.0, -1000.0})
-            for (const bool floating : {false, true}) {
-                Physics physics;
-                Level surfaces;
-                surfaces.ground = ground;
-                physics.setSurfaces(&surfaces);
-                BodyRigid body(235, {});
-                body.addShape(Shape::createCylinder(0.17f, 2.8f));
-                body.setLanding(true);
-                body.setFloating(floating);
-                body.setTransform(PLACE);
-                physics.addBody(&body);
-                for (float t = 0; t < 6; t += dt)
-                    physics.update(dt);
-                const double altitude = EARTH.getAltitude(body.getTransform().getTranslate());
-                const bool rests = ground > 0 || floating;
-                EXPECT_NEAR(altitude, rests ? std::max(ground, 0.0) + 1.4 : -126.5,
-                            rests ? 1e-3 : 20);
-            }
 }
 
 TEST(Impulse, ActsAtOnceOrWhenTheBodyEntersTheWorld) {
