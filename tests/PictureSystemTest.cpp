@@ -12,9 +12,6 @@
 
 namespace {
 
-// A screen that is reset when its last program ends signals that to xvfb-run, which may die of it.
-const std::string XVFB = "-a -s '-screen 0 640x480x24 -noreset' ";
-
 /// Width and height from the head of a PNG file; 0, 0 when it isn't one.
 std::pair<int, int> pngSize(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
@@ -57,29 +54,6 @@ TEST(Pictures, StillsOfTheAskedSizeWithoutADisplay) {
         EXPECT_EQ(pngSize(stem + name), std::make_pair(160, 90)) << name << "\n" << run.output;
     EXPECT_FALSE(std::filesystem::exists(stem + "_0004.png"));
     EXPECT_EQ(pngSize(stem + "s.png"), std::make_pair(3 * 160, 90)); // at 0.1, 1.1 and 2.1 s
-}
-
-TEST(Pictures, TheFirstOneCostsLittle) {
-    ChannelRun run;
-    ASSERT_TRUE(run.start("--headless --frames 2")); // the first is drawn when the second begins
-    EXPECT_EQ(run.program->finish(), 0);
-#ifndef __SANITIZE_ADDRESS__
-    EXPECT_LT(run.program->cpuSeconds(), 4); // 1.2 where this was written
-#endif
-}
-
-TEST(Pictures, AWindowOnADisplay) {
-    if (std::system("command -v xvfb-run >/dev/null") != 0) GTEST_SKIP() << "no xvfb-run";
-    TempFolder folder;
-    const std::string picture = (folder.path() / "window.png").string();
-    std::string output;
-    Program run("/usr/bin/xvfb-run", XVFB +
-                                         CHANNEL
-                                         " --window --size 320x180 --step 0.1 --fps 0 --frames 4"
-                                         " --screenshot '" +
-                                         picture + "'");
-    EXPECT_EQ(run.finish(&output), 0) << output;
-    EXPECT_EQ(pngSize(picture), std::make_pair(320, 180)) << output;
 }
 
 TEST(Pictures, AFileThatCannotBeWrittenIsNamedOnceAndNothingOfItStays) {
@@ -134,8 +108,11 @@ TEST(Pictures, WithoutOpenGLTheChannelAdvisesAndRunsWithoutPictures) {
     if (std::system("command -v xvfb-run >/dev/null") != 0) return;
     const Environment old_driver("MESA_GL_VERSION_OVERRIDE", "2.1");
     output.clear();
-    EXPECT_EQ(Program("/usr/bin/xvfb-run", XVFB + CHANNEL " --window --frames 3").finish(&output),
-              1);
+    // A screen that is reset when its last program ends signals that to xvfb-run, which may die of
+    // it.
+    Program in_a_window("/usr/bin/xvfb-run",
+                        "-a -s '-screen 0 640x480x24 -noreset' " CHANNEL " --window --frames 3");
+    EXPECT_EQ(in_a_window.finish(&output), 1);
     EXPECT_NE(output.find("no window with OpenGL 3.3"), std::string::npos) << output;
     EXPECT_NE(output.find("--null"), std::string::npos) << output;
 }
