@@ -163,17 +163,6 @@ TEST(World, CandidatesAreThoseWhoseBoundsTheSegmentTouchesAlsoAfterAChildMoved) 
     EXPECT_FALSE(query({300, 0, 0})); // a segment that ends before
 }
 
-TEST(BoundSphere, GrowsToHoldBothAndNoMore) {
-    BoundSphere sphere;
-    sphere.expand({{10, 0, 0}, 1});
-    sphere.expand({{-10, 0, 0}, 2});
-    EXPECT_NEAR(sphere.center.x, -0.5, 1e-12);
-    EXPECT_NEAR(sphere.radius, 11.5, 1e-12);
-    sphere.expand(BoundSphere::unbounded());
-    EXPECT_TRUE(sphere.intersectsSegment({1e9, 1e9, 0}, {1e9, 1e9, 1}));
-    EXPECT_FALSE(BoundSphere().intersectsSegment({0, 0, 0}, {1, 0, 0}));
-}
-
 // ------------------------------------------------------------------ cameras
 
 TEST(Camera, GeodeticAttitudeCountsPitchDownFromTheHorizon) {
