@@ -8,7 +8,6 @@
 #include "ig/app/Engine.h"
 #include "ig/app/IApp.h"
 #include "ig/package/PackageManager.h"
-#include "ig/physics/Body.h"
 #include "ig/scene/Material.h"
 #include "ig/scene/ObjectPrefab.h"
 #include "ig/scene/SceneObjects.h"
@@ -69,15 +68,6 @@ public:
         ig::Engine::get()->reset();
     }
 
-    /// A box-shaped object floating on its own, its origin at `altitude`.
-    ig::Object* addBox(const ig::vec3& size, float mass, double altitude) {
-        auto* object = new ig::Object(ig::NODE_DUMMY);
-        auto* body = new ig::BodyRigid(mass, {});
-        body->addShape(ig::Shape::createBox(size));
-        object->setBody(body);
-        place(object, altitude);
-        return object;
-    }
     /// A prefab of the project, full ahead at the thrust it has in the scene.
     Ship& addShip(const char* path, float thrust) {
         auto* prefab = new ig::ObjectPrefab(path);

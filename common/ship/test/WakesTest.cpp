@@ -7,13 +7,13 @@ namespace {
 
 using namespace ig;
 
-/// A ship without body whose wake, 10 m astern, has a foam of 40 m with two emitters, one below the
-/// other, and an emitter beside the foam.
+/// A ship without body whose wake, 10 m astern and 3 m to starboard, has a foam of 40 m with two
+/// emitters, one below the other, and an emitter beside the foam.
 struct WakesTest : testing::Test {
     WakesTest() {
         object = new Object(NODE_DUMMY);
         node = add<Node>(object, "wakes");
-        node->setPosition({0, -10, 0});
+        node->setPosition({3, -10, 0});
         foam = add<DecalOrtho>(node, "foam");
         bow = add<ObjectParticles>(foam, "bow");
         bow->setPosition({0, 20, 0});
@@ -47,8 +47,7 @@ TEST_F(WakesTest, FollowsPlaceAndHeadingButNeitherPitchNorRoll) {
         EXPECT_NEAR(hpr.z, 0, 0.01);
         const dvec3 offset = transpose(object->getWGSTransform().getMat3()) *
                              (node->getWorldPosition() - object->getWorldPosition());
-        const double h = heading * DEG_TO_RAD<double>;
-        EXPECT_LT(length(offset - dvec3(-10 * std::sin(h), -10 * std::cos(h), 0)), 1e-6);
+        EXPECT_LT(length(offset - dquat(0, 0, -heading) * dvec3(3, -10, 0)), 1e-6);
     }
 }
 
@@ -68,6 +67,7 @@ TEST_F(WakesTest, FoamCoversItsEmittersButNeverMoreThan512Metres) {
     bow->setLinearVelocity(1000);
     ship.getWakes()->update();
     EXPECT_EQ(foam->getWidth(), 512);
+    EXPECT_EQ(foam->getHeight(), 512);
 }
 
 TEST_F(WakesTest, NoBurstInTheFirstNineFrames) {
