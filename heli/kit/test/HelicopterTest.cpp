@@ -112,13 +112,13 @@ TEST_F(HelicopterTest, HostFlownModelIgnoresKeysAndForcesButClampsItsInputs) {
     const dmat4 pose = heli.get_world_transform();
     scene.control.keyDown('r');
     heli.m_yaw = 90;
-    heli.m_pitch = -5;
-    heli.m_roll = std::numeric_limits<float>::quiet_NaN();
+    heli.m_pitch = std::numeric_limits<float>::quiet_NaN();
+    heli.m_roll = -30;
     heli.m_collective = 1.5f;
     fly(30);
     EXPECT_EQ(heli.m_yaw, 1);
-    EXPECT_EQ(heli.m_pitch, -1);
-    EXPECT_EQ(heli.m_roll, 0);
+    EXPECT_EQ(heli.m_pitch, 0);
+    EXPECT_EQ(heli.m_roll, -7);
     EXPECT_EQ(heli.m_collective, 1);
     EXPECT_EQ(heli.get_world_transform(), pose);
 }

@@ -113,7 +113,6 @@ void swapBytes(UdpRecvData& record, std::size_t offset, std::size_t size) {
 }
 
 TEST(RecordCheck, NamesTheFieldAndGuessesTheCause) {
-    const float infinity = INFINITY;
     struct Case {
         const char *field, *hint;
         std::function<void(UdpRecvData&)> change;
@@ -126,16 +125,13 @@ TEST(RecordCheck, NamesTheFieldAndGuessesTheCause) {
         {nullptr, "", [](UdpRecvData& r) { r.cloud_top = r.hang_length = -1e9f; }}, // not in use
         {"latitude", "", [](UdpRecvData& r) { r.latitude = 123, r.longitude = 100; }},
         {"latitude", "exchanged", [](UdpRecvData& r) { r.latitude = -155, r.longitude = 19; }},
-        {"latitude", "", [](UdpRecvData& r) { r.latitude = NAN; }},
         {"latitude", "big-endian", [](UdpRecvData& r) { swapBytes(r, 124, 8); }},
         {"latitude", "big-endian", [](UdpRecvData& r) { r.latitude = 20, swapBytes(r, 124, 8); }},
-        {"longitude", "", [](UdpRecvData& r) { r.longitude = -361; }},
         {"position", "are 0", [](UdpRecvData& r) { r = {}; }},
-        {"altitude", "", [](UdpRecvData& r) { r.altitude = 30000; }},
         {"altitude", "big-endian",
          [](UdpRecvData& r) { r.altitude = 12.3f, swapBytes(r, 140, 4); }},
         {"weather_value_a", "", [](UdpRecvData& r) { r.weather_value_a = NAN; }},
-        {"sea_angle", "", [=](UdpRecvData& r) { r.sea_angle = -infinity; }},
+        {"sea_angle", "", [](UdpRecvData& r) { r.sea_angle = -INFINITY; }},
         {"cloud_base", "", [](UdpRecvData& r) { r.cloud_enable = 1, r.cloud_base = NAN; }},
         {"hang_length", "", [](UdpRecvData& r) { r.hang_enable = 1, r.hang_length = -1; }},
         {"command", "big-endian", [](UdpRecvData& r) { r.command = 6, swapBytes(r, 4, 4); }},
