@@ -75,9 +75,8 @@ TEST(TimerManager, handlers_may_remove_and_add_timers) {
                                  log += 'a';
                                  timers.removeTimer(a);
                                  timers.removeTimer(b);
-                                 for (int i = 0; i < 50; i++)
-                                     timers.addTimer(1)->m_sig_expired.append(
-                                         {&timers, [&](TimerManager::Timer*) { log += 'n'; }});
+                                 timers.addTimer(1)->m_sig_expired.append(
+                                     {&timers, [&](TimerManager::Timer*) { log += 'n'; }});
                                  timers.update(1); // ignored: an advance is under way
                              }});
     for (TimerManager::Timer* timer : {a, b})
@@ -85,6 +84,6 @@ TEST(TimerManager, handlers_may_remove_and_add_timers) {
     timers.update(1);
     EXPECT_EQ(log, "a");
     timers.update(1);
-    EXPECT_EQ(log, "a" + std::string(50, 'n'));
+    EXPECT_EQ(log, "an");
     timers.removeTimer(a); // dangling: only compared
 }

@@ -37,19 +37,14 @@ TEST(ControlApp, AClickLastsOneFrameOrUntilItIsCleared) {
     EXPECT_FALSE(control.isKeyPress(KEY_ALT)); // they were not
 }
 
-TEST(ControlApp, MotionAddsUpWithinAFrameAndFocusLossReleasesAll) {
+TEST(ControlApp, TheWheelLastsOneFrameAndFocusLossReleasesAll) {
     ControlApp control;
-    control.moveMouse(3, -1);
-    control.moveMouse(2, -1);
     control.rollWheel(-1);
     control.setLeftButton(true);
     control.keyDown('w');
-    EXPECT_EQ(control.getMouseDX(), 5);
-    EXPECT_EQ(control.getMouseDY(), -2);
     EXPECT_TRUE(control.isWheelButtonDown());
     EXPECT_FALSE(control.isWheelButtonUp());
     control.endFrame();
-    EXPECT_EQ(control.getMouseDX(), 0);
     EXPECT_FALSE(control.isWheelButtonDown());
     EXPECT_TRUE(control.isLeftButtonDown());
     control.releaseAll();
