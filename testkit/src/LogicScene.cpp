@@ -88,9 +88,6 @@ bool LogicScene::start() {
     Engine::get()->setWorld(&*world);
     logic = static_cast<Logic_Nerith_Heli_Final*>(CreateLogic(&*world, &camera_control));
     world->load(logic->getWorldPath());
-    for (Node* node : extra_nodes)
-        world->addNode(node);
-    extra_nodes.clear();
     if (const Node* marker = world->getNodeByName("start_heli"))
         camera.setTransform(marker->getWorldTransform() *
                             dmat4(dquat(dvec3(1, 0, 0), 90), dvec3()));
@@ -119,9 +116,6 @@ void LogicScene::stop() {
     delete static_cast<LogicBase*>(logic);
     logic = nullptr;
     world.reset();
-    for (Node* node : extra_nodes)
-        delete node;
-    extra_nodes.clear();
     MaterialManager::release();
     Mesh::release();
     PackageManager::release();
@@ -145,11 +139,6 @@ UdpRecvData LogicScene::record() {
     record.latitude = LATITUDE;
     record.altitude = ALTITUDE;
     return record;
-}
-
-void LogicScene::bankCamera() {
-    camera_control.m_rotation = normalize(camera_control.m_rotation * dquat(dvec3(0, 0, 1), 25));
-    camera_control.updateView();
 }
 
 dvec3 LogicScene::helicopterWgs() const {

@@ -14,7 +14,7 @@ TEST(GroundReference, HigherOfTerrainAndSeaDecides) {
     scene.addToWorld("name: ocean, type: ocean, beaufort: 5");
     auto* terrain = new FlatTerrain(7);
     terrain->setName("terrain");
-    scene.extra_nodes.push_back(terrain);
+    scene.before_init = [&](Logic_Nerith_Heli_Final&) { scene.world->addNode(terrain); };
     ASSERT_TRUE(scene.start());
     const HelicopterCorax& heli = *scene.logic->m_heli;
     const auto expect = [&](double ground, bool over_water) {

@@ -62,7 +62,7 @@ TEST_F(InputTest, ReturnLevelsTheCameraAndComesBeforeTheSonarsKeys) {
     stroke({KEY_F2});
     const float start = sonarLength();
     logic().set_player_mode(Mode::PLAYER_MODE_FREE);
-    scene.bankCamera();
+    scene.camera_control.m_rotation = dquat(30, 40, 25);
 
     scene.input.keyDown(KEY_DOWN);
     scene.input.keyDown(KEY_RETURN);

@@ -21,7 +21,6 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <vector>
 
 /// A terrain of one height everywhere; not met by segment queries.
 class FlatTerrain : public ObjectTerrain {
@@ -37,7 +36,7 @@ public:
 
 /// The logic in the test's own process: engine, world, camera, input, a working directory with
 /// small scene files, and the flight simulation's end of the link on free ports. Write or change
-/// files and add nodes before `start`.
+/// files before `start`.
 class LogicScene : public ig::IApp {
 public:
     static constexpr double LONGITUDE = -155.06, LATITUDE = 19.71; ///< of "start_heli"
@@ -77,9 +76,6 @@ public:
     /// A record that leaves the helicopter at its start.
     static UdpRecvData record();
 
-    /// Banks the camera by 25 degrees.
-    void bankCamera();
-
     ig::dvec3 helicopterWgs() const;
     ig::Node* helicopterNode(const char* name) const {
         return logic->m_heli->m_prefab->getNodeByName(name);
@@ -102,8 +98,7 @@ public:
     ig::Camera camera;
     ig::CameraControl camera_control{&camera};
     Logic_Nerith_Heli_Final* logic = nullptr;
-    std::vector<ig::Node*> extra_nodes; ///< given to the world at the start
-    /// Called before the logic's `init`, to connect to what that announces.
+    /// Called before the logic's `init`, to add nodes and to connect to what it announces.
     std::function<void(Logic_Nerith_Heli_Final&)> before_init;
 
 private:
