@@ -284,7 +284,7 @@ FrameCosts Channel::frame(float dt) {
     m_logic->update(step);
     m_link.update(LinkSample::read(), steadyNow());
     m_scene_command.update();
-    m_interface.getOverlays().setNotice(m_scene_command.getPictureText());
+    m_interface.getOverlays().setSceneState(m_scene_command.getPictureText());
     levelAfterJump();
     m_environment.update(step, getEye(), m_control);
     costs.update = spent();

@@ -92,7 +92,8 @@ void Overlays::place() {
 /// which the picture is wide enough.
 void Overlays::placeLink() {
     const std::string link = m_link ? m_link->getPictureText() : "";
-    const std::string text = m_notice + (m_notice.empty() || link.empty() ? "" : "\n") + link;
+    const std::string text =
+        m_scene_state + (m_scene_state.empty() || link.empty() ? "" : "\n") + link;
     m_link_label->setHidden(text.empty());
     if (text.empty()) return;
     m_link_label->setText(text);

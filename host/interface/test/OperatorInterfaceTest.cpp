@@ -173,7 +173,7 @@ TEST_F(OperatorInterfaceTest, StatisticsStepThroughTheirFormsAndCountOverHalfASe
 TEST_F(OperatorInterfaceTest, WhatIsWrongWithTheLinkStandsOverThePictureInsideIt) {
     EXPECT_FALSE(shows("10004"));
     channel.getOverlays().watch(&link);
-    channel.getOverlays().setNotice("nothing moves");
+    channel.getOverlays().setSceneState("nothing moves");
     EXPECT_TRUE(shows("nothing moves"));
     LinkSample sample;
     sample.listening = true;
@@ -200,7 +200,7 @@ TEST_F(OperatorInterfaceTest, WhatIsWrongWithTheLinkStandsOverThePictureInsideIt
     sample.out = {};
     link.update(sample, 0);
     EXPECT_FALSE(shows("10004"));
-    channel.getOverlays().setNotice("");
+    channel.getOverlays().setSceneState("");
     EXPECT_FALSE(shows("nothing moves"));
 }
 

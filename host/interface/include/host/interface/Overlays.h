@@ -32,7 +32,7 @@ public:
     /// more in the statistics. It must outlive the overlays.
     void watch(const LinkMonitor* link) { m_link = link; }
     /// Shows a line over the picture, above those of the link, until an empty one takes it away.
-    void setNotice(const std::string& text) { m_notice = text; }
+    void setSceneState(const std::string& text) { m_scene_state = text; }
     /// F12 or h shows and hides the key map, F11 steps through the statistics. Others are left
     /// alone.
     void onKey(int key);
@@ -62,7 +62,7 @@ private:
     ig::UILabel* m_label = nullptr; ///< the root's, as the link's
     ig::UILabel* m_link_label = nullptr;
     const LinkMonitor* m_link = nullptr;
-    std::string m_notice;
+    std::string m_scene_state;
     KeyMap m_key_map;
     Notices m_notices;
     Statistics m_statistics = Statistics::off;
