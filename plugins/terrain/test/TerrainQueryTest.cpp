@@ -202,4 +202,11 @@ TEST_F(TerrainQuery, WhatLiesBesideBelowOrBehindIsNotMet) {
     EXPECT_FALSE(queryDown(over(100)));
 }
 
+TEST_F(TerrainQuery, TheBorderOfAHoleHasGround) {
+    at(10, 8) = -32767;
+    load();
+    for (const auto& [u, v] : {std::pair(9.0, 8.5), {10.5, 8.5}, {10.5, 7}})
+        EXPECT_TRUE(queryDown(world(u, v, 100))) << u << " " << v;
+}
+
 } // namespace
