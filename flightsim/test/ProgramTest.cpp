@@ -154,6 +154,7 @@ TEST(Program, ARecordingCountsWhatIsInTheFileAndKeepsIt) {
     EXPECT_NE(output.find("recorded  2 of 5 datagrams"), std::string::npos) << output;
     EXPECT_NE(output.find("the first 2 records are kept"), std::string::npos) << output;
     expectRun("info " + path, 0, "2 of 1490 bytes");
+    EXPECT_EQ(std::filesystem::file_size(path), 24u + 2 * (12 + 1490)) << "no part of the third";
     std::filesystem::remove(path);
 }
 
