@@ -13,11 +13,8 @@
 namespace {
 
 TEST(Start, HelpAndWrongUse) {
-    std::string output;
-    EXPECT_EQ(Program(CHANNEL, "--help").finish(&output), 0);
-    EXPECT_NE(output.find("--fps"), std::string::npos);
-    EXPECT_EQ(Program(CHANNEL, "--fps many").finish(&output), 2);
-    EXPECT_NE(output.find("--fps"), std::string::npos);
+    EXPECT_EQ(Program(CHANNEL, "--help").finish(), 0);
+    EXPECT_EQ(Program(CHANNEL, "--fps many").finish(), 2);
 }
 
 TEST(Start, WhatIsMissingIsNamedAndTheExitStatusIsOne) {
