@@ -43,19 +43,6 @@ TEST(Physics, FreeFallFollowsTheClosedFormOfItsOwnIntegratorAndLongFramesAreClam
     EXPECT_NEAR(length(box.getLinearVelocity()), 9.80665 * 2.2, 1e-3);
 }
 
-TEST(Physics, BoxRestsOnStaticGroundWithoutSliding) {
-    Physics physics;
-    Box ground(0), box;
-    ground.setTransform(place(0));
-    box.setTransform(place(2.0));
-    physics.addBody(&ground);
-    physics.addBody(&box);
-    const dvec3 start = box.getTransform().getTranslate();
-    for (int i = 0; i < 1200; i++)
-        physics.update(1 / 60.0f);
-    EXPECT_LT(length(box.getTransform().getTranslate() - start), 0.05); // settles in its margin
-}
-
 TEST(Physics, DampingAboveOneIsNotClamped) {
     Physics physics;
     Box box;
