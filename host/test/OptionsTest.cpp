@@ -83,7 +83,7 @@ TEST_F(OptionsTest, WhatGoesTogetherIsTaken) {
 
 TEST_F(OptionsTest, SettingsHoldUnlessTheCommandLineSaysOtherwise) {
     const std::string settings = "fps: 25\nwind: [90, 7]\nquiet: yes\nplugin: [a.so, b.so]\n"
-                                 "rain:\nno-ui: false\ntime: 4\n";
+                                 "rain:\nhail:\nno-ui: false\ntime: 4\n";
     ASSERT_TRUE(parse("--rain 2 --fps 30", settings));
     EXPECT_EQ(options.frame_rate, 30);
     EXPECT_EQ(options.weather.wind_speed, 7);
