@@ -70,7 +70,8 @@ TEST_F(InputRouterTest, WhatWentDownForOneGoesUpForTheSame) {
     EXPECT_FALSE(scene.isLeftButtonDown());
     router.mouseDown(0, 50, 10);
     EXPECT_FALSE(router.mouseUp(0, 300, 200));
-    EXPECT_FALSE(router.keyUp('q')); // whose press nobody saw
+    EXPECT_FALSE(router.keyUp('q'));                                   // whose press nobody saw
+    EXPECT_FALSE(router.keyDown(-1) || router.mouseDown(9, 300, 200)); // which nobody knows
 }
 
 TEST_F(InputRouterTest, RepeatsNeverCommand) {
@@ -106,6 +107,9 @@ TEST_F(InputRouterTest, LosingTheFocusLetsEverythingGoAndKeepsTheText) {
     EXPECT_FALSE(scene.isKeyPress('w') || scene.isRightButtonDown());
     EXPECT_FALSE(router.keyUp('w'));
     EXPECT_TRUE(router.keyDown('w')); // a new press
+    router.mouseDown(0, 50, 10);
+    router.focusLost();
+    EXPECT_FALSE(button->isFocused());
     clickField();
     router.text("half");
     router.focusLost();
