@@ -57,6 +57,7 @@ TEST_F(FlagTest, SwingsBetweenItsLimitsAtItsRate) {
     EXPECT_EQ(after(1, 1000), 10); // cut at the limit, and turned round in the same frame
     EXPECT_EQ(after(1, 1000), -10);
     EXPECT_EQ(after(1, std::nanf("")), -10);
+    EXPECT_EQ(after(1, 1000), 10);
 }
 
 } // namespace
