@@ -34,10 +34,6 @@ const jString& tr(const char* key) {
         jLog::error("%s:key[%s] not found in string file", "tr", key);
         return miss(key);
     }
-    if (item->getString().empty()) { // a list has no text either: an empty label helps nobody
-        jLog::error("%s:key[%s] has no text in string file, line %d", "tr", key, item->getLine());
-        return miss(key);
-    }
     return item->getString();
 }
 
