@@ -181,6 +181,7 @@ void LinkMonitor::state(Kind kind, bool on, MakeValues&& values) {
 template <class MakeValues>
 void LinkMonitor::mishap(Kind kind, std::uint64_t count, MakeValues&& values) {
     Trouble& trouble = m_troubles[kind];
+    if (count < trouble.count) trouble.count = count; // another socket's
     if (count != trouble.count) {
         trouble.count = count;
         trouble.last_sign = m_now;
