@@ -47,6 +47,12 @@ TEST(UdpRecvKit, EveryDatagramOfAnySizeBecomesOneRecordInOrder) {
     const SocketStatistics& statistics = kit.m_socket->getStatistics();
     EXPECT_EQ(statistics.too_short, 3u);
     EXPECT_EQ(statistics.too_long, 3u);
+
+    LogCapture log;
+    UdpRecvKit deaf; // the port is taken
+    EXPECT_FALSE(deaf.init(port));
+    EXPECT_EQ(log.lines.back(), "UdpRecvKit::init: failed to create upd");
+    EXPECT_EQ(deaf.receive(), 0);
 }
 
 UdpRecvData plainRecord() {
