@@ -53,9 +53,10 @@ TEST_F(CableTest, SonarIsLoweredAndRaisedBetweenTwoAndSixteenMetres) {
     scene.frame();
     EXPECT_TRUE(sonar().prefab->isEnabled());
     using Logic = Logic_Nerith_Heli_Final;
+    Logic& logic = *scene.logic;
     const auto hold = [&](void (Logic::*move)(float), int n, float dt) {
         for (int i = 0; i < n; i++) {
-            (scene.logic->*move)(dt);
+            (logic.*move)(dt);
             scene.frame(dt);
         }
         return ropeOf(sonar().rope).getLength() * 1.5f;
