@@ -5,6 +5,7 @@
 #include "heli/logic/records.h"
 #include "heli/ui/editors.h"
 #include "ig/physics/BodyRope.h"
+#include "ig/scene/CameraControl.h"
 #include "ig/ui/UILabel.h"
 #include "ig/ui/UIRoot.h"
 #include "ig/ui/UISprite.h"
@@ -131,7 +132,10 @@ void Logic_Nerith_Heli_Final::init_ui_cam() {
         m_cam_panel->getRoot()->addChild(readout);
 }
 
-/// The other views would put the camera back at once, turned as it is levelled at the place.
-void Logic_Nerith_Heli_Final::show_free_view(const dvec3&) {
-    if (m_player_mode != PLAYER_MODE_FREE) set_player_mode(PLAYER_MODE_FREE);
+/// The other views would put the camera back at once, turned as it is levelled at the place. One
+/// that was refused changes no view.
+void Logic_Nerith_Heli_Final::show_free_view(const dvec3& geo) {
+    const dvec3 place = Engine::get()->getEllipsoidModel()->toWorld(geo, true);
+    if (m_player_mode != PLAYER_MODE_FREE && m_camera_control->m_position == place)
+        set_player_mode(PLAYER_MODE_FREE);
 }

@@ -88,6 +88,10 @@ TEST_F(PanelTest, APlaceThatIsEnteredIsLookedFromWhateverTheViewAndOneThatIsNotI
     logic().change_view();
     logic().change_view();
     EXPECT_LT(length(scene.camera.getPosition() - orbit), 1e-6); // it is still there
+    click(field(3));
+    scene.input.text("1e12"); // no camera looks from there
+    key(KEY_RETURN);
+    EXPECT_EQ(logic().m_btn_view->getText(), "第三视角");
 }
 
 TEST_F(PanelTest, CablesThatAreOutTellTheirLengthAndTheHostsWinchIsExplained) {
