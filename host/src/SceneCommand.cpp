@@ -16,12 +16,12 @@ void SceneCommand::connect(LogicBase& logic) {
 
 void SceneCommand::onCommand(CMD_TYPE command) {
     m_command = command;
-    if (command != CMD_EXIT) m_still = command == CMD_FREEZE || command == CMD_STOP;
+    if (command != CMD_EXIT) m_state = command;
 }
 
 /// Who resets a stopped scene begins anew; a frozen one is being prepared.
 void SceneCommand::onCode(int code) {
-    if (code == RESET_CODE && m_command == CMD_STOP) onCommand(CMD_RUN);
+    if (code == RESET_CODE && m_state == CMD_STOP) onCommand(CMD_RUN);
 }
 
 void SceneCommand::update() {
@@ -46,8 +46,8 @@ void SceneCommand::update() {
 }
 
 std::string SceneCommand::getPictureText() const {
-    if (!m_still) return "";
-    return Texts::get(m_command == CMD_STOP ? "scene.stop" : "scene.freeze");
+    if (!isStill()) return "";
+    return Texts::get(m_state == CMD_STOP ? "scene.stop" : "scene.freeze");
 }
 
 std::string SceneCommand::describe() const {

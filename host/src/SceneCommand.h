@@ -24,7 +24,7 @@ public:
     /// Once per frame, after the logic's update: says in the log what has changed.
     void update();
     /// The scene's time stands still.
-    bool isStill() const { return m_still; }
+    bool isStill() const { return m_state != CMD_RUN; }
     /// The channel is to end.
     bool isExit() const { return m_may_exit && m_command == CMD_EXIT; }
     /// Tells the operator, in his language, that the scene stands still; empty when it doesn't.
@@ -38,7 +38,7 @@ private:
 
     bool m_may_exit;
     CMD_TYPE m_command = CMD_RUN;
-    bool m_still = false;
-    CMD_TYPE m_said = CMD_RUN; ///< in the log, last
-    ig::LogLimiter m_limiter;  ///< two hosts may contradict each other in every frame
+    CMD_TYPE m_state = CMD_RUN; ///< the last one that isn't exit
+    CMD_TYPE m_said = CMD_RUN;  ///< in the log, last
+    ig::LogLimiter m_limiter;   ///< two hosts may contradict each other in every frame
 };

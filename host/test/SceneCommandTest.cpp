@@ -37,6 +37,7 @@ TEST(SceneCommand, HoldsUntilAnotherComesAndIsSaidOnce) {
     EXPECT_FALSE(stillAfter(CMD_RUN));
     EXPECT_EQ(command.getPictureText(), "");
     EXPECT_TRUE(stillAfter(CMD_STOP));
+    EXPECT_TRUE(stillAfter(CMD_EXIT)); // still a stop
     EXPECT_EQ(command.getPictureText(), Texts::get("scene.stop"));
     EXPECT_FALSE(stillAfterReset());
     EXPECT_FALSE(stillAfter(CMD_EXIT));
