@@ -36,7 +36,8 @@ void Screenshots::afterFrame(ig::Renderer& renderer, double time) {
 
 std::string Screenshots::takeNew(ig::Renderer& renderer) {
     std::string path = nextPath();
-    while (std::filesystem::exists(path))
+    std::error_code unknown; // writing will say what is wrong with the folder
+    while (std::filesystem::exists(path, unknown))
         path = nextPath();
     return keep(renderer, path) ? path : "";
 }

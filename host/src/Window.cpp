@@ -321,6 +321,7 @@ void Window::poll() { glfwPollEvents(); }
 void Window::swap() { glfwSwapBuffers(m_window); }
 
 void Window::toggleFullScreen() {
+    if (!m_window) return; // a script's key, without a window
     if (glfwGetWindowMonitor(m_window)) {
         glfwSetWindowMonitor(m_window, nullptr, m_restore.x, m_restore.y, m_restore.width,
                              m_restore.height, GLFW_DONT_CARE);
