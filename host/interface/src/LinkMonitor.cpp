@@ -44,15 +44,6 @@ const Words WORDS[] = {
     {"link.send_failing", "feedback fails: {1}", ""},
 };
 
-std::string fill(std::string text, const std::vector<std::string>& values) {
-    for (std::size_t i = 0; i < values.size(); i++) {
-        const std::string place = '{' + std::to_string(i + 1) + '}';
-        if (const auto at = text.find(place); at != std::string::npos)
-            text.replace(at, place.size(), values[i]);
-    }
-    return text;
-}
-
 std::string number(double value) {
     char text[32];
     std::snprintf(text, sizeof text, "%g", value);
@@ -207,7 +198,7 @@ void LinkMonitor::mishap(Kind kind, std::uint64_t count, MakeValues&& values) {
 
 void LinkMonitor::tell(Kind kind, const std::string& about) {
     const Words& words = WORDS[kind];
-    const std::string text = fill(words.text, m_troubles[kind].values);
+    const std::string text = Texts::fillIn(words.text, m_troubles[kind].values);
     if (kind == NO_HOST) // as it is at every start
         jLog::message("link: %s", text.c_str());
     else
@@ -250,7 +241,7 @@ std::string LinkMonitor::getStatus() const {
     std::vector<std::string> texts;
     for (int kind = 0; kind < KINDS; kind++)
         if (isShown(static_cast<Kind>(kind)))
-            texts.push_back(fill(WORDS[kind].text, m_troubles[kind].values));
+            texts.push_back(Texts::fillIn(WORDS[kind].text, m_troubles[kind].values));
     return join(texts, "; ");
 }
 
@@ -258,7 +249,7 @@ std::string LinkMonitor::getPictureText() const {
     std::vector<std::string> texts;
     for (int kind = 0; kind < KINDS; kind++)
         if (isShown(static_cast<Kind>(kind)))
-            texts.push_back(fill(Texts::get(WORDS[kind].key), m_troubles[kind].values));
+            texts.push_back(Texts::fillIn(Texts::get(WORDS[kind].key), m_troubles[kind].values));
     return join(texts, "\n");
 }
 
@@ -293,8 +284,8 @@ std::string LinkMonitor::getSummary(int applied, int resets) const {
         if (event.kind == NO_HOST && in.datagrams_received) continue; // it came
         std::string line = event.text;
         if (event.kind == SILENT)
-            line = fill(WORDS[SILENT].text, {wholeSeconds(m_longest_silence)});
-        if (event.kind == LOST) line = fill(WORDS[LOST].text, m_troubles[LOST].values);
+            line = Texts::fillIn(WORDS[SILENT].text, {wholeSeconds(m_longest_silence)});
+        if (event.kind == LOST) line = Texts::fillIn(WORDS[LOST].text, m_troubles[LOST].values);
         if (event.times > 1) line += ", " + std::to_string(event.times) + " times";
         text += "link: " + line + '\n';
     }

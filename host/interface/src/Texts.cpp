@@ -50,7 +50,10 @@ const char* Texts::get(const char* key, const std::string& language) {
 }
 
 std::string Texts::fill(const char* key, std::initializer_list<std::string> values) {
-    std::string text = get(key);
+    return fillIn(get(key), values);
+}
+
+std::string Texts::fillIn(std::string text, const std::vector<std::string>& values) {
     int number = 0;
     for (const std::string& value : values) {
         const std::string place = '{' + std::to_string(++number) + '}';

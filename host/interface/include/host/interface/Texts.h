@@ -3,6 +3,7 @@
 
 #include <initializer_list>
 #include <string>
+#include <vector>
 
 /// What the application itself says to the operator in the picture (boxes, overlays, statistics,
 /// hints), in his language: flat `key: text` files, config/texts.zh.yaml and config/texts.en.yaml,
@@ -21,4 +22,6 @@ public:
     /// The text of that key with `{1}`, `{2}`, ... replaced by the values: the order of the words
     /// is the language's.
     static std::string fill(const char* key, std::initializer_list<std::string> values);
+    /// The same for a text that is at hand.
+    static std::string fillIn(std::string text, const std::vector<std::string>& values);
 };
