@@ -2,6 +2,7 @@
 #include "Environment.h"
 
 #include "Lightning.h"
+#include "LogicListener.h"
 #include "Options.h"
 #include "ig/app/ControlApp.h"
 #include "ig/app/Engine.h"
@@ -29,7 +30,6 @@ constexpr double PATH = 60;               ///< m that drops pass the eye by at m
 constexpr double FASTEST_EYE = 400;       ///< m/s; what is faster has jumped
 constexpr double EYE_SMOOTHING = 0.15;    ///< s; host records come unevenly
 constexpr double DAY = 24;                ///< hours
-constexpr int RESET_CODE = 25;            ///< of the scene
 constexpr float DARK = 0.5f;              ///< clouds of which lightning comes
 constexpr float ROTOR_RADIUS = 9.5f;      ///< m
 constexpr float WASH_FADES_FROM = 8, WASH_FADES_TO = 30; ///< altitude over the water, m
@@ -83,7 +83,7 @@ void Environment::attach(const World& world) {
 // ------------------------------------------------------------------ what is asked for
 
 void Environment::onCode(int code) {
-    if (code == RESET_CODE) m_settles = true;
+    if (code == LogicListener::RESET_CODE) m_settles = true;
 }
 
 void Environment::onCloud(CloudInfo* cloud) {

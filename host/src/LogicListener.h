@@ -6,6 +6,8 @@
 /// Listens to the logic's signals. The handlers only store; the application reads once per frame.
 class LogicListener {
 public:
+    static constexpr int RESET_CODE = 25; ///< on `m_sig_code`: the scene has been reset
+
     void connect(LogicBase& logic);
 
     /// The own helicopter: the first prefab that the logic announces. Null before `init` and after
@@ -22,5 +24,4 @@ private:
     void onCode(int code) {
         if (code == RESET_CODE) m_resets++;
     }
-    static constexpr int RESET_CODE = 25;
 };

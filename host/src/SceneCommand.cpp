@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "SceneCommand.h"
 
+#include "LogicListener.h"
 #include "host/interface/Texts.h"
 
 using namespace ig;
-
-namespace {
-constexpr int RESET_CODE = 25;
-} // namespace
 
 void SceneCommand::connect(LogicBase& logic) {
     logic.m_sig_command.append({this, &SceneCommand::onCommand});
@@ -21,7 +18,7 @@ void SceneCommand::onCommand(CMD_TYPE command) {
 
 /// Who resets a stopped scene begins anew; a frozen one is being prepared.
 void SceneCommand::onCode(int code) {
-    if (code == RESET_CODE && m_state == CMD_STOP) onCommand(CMD_RUN);
+    if (code == LogicListener::RESET_CODE && m_state == CMD_STOP) onCommand(CMD_RUN);
 }
 
 void SceneCommand::update() {
