@@ -1,21 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "ChannelRun.h"
 
+#include "testkit/ChannelFolder.h"
+
 #include <chrono>
 #include <cstdio>
 #include <fstream>
 #include <thread>
 
 ChannelRun::ChannelRun() {
-    std::filesystem::create_symlink(std::filesystem::current_path() / "data",
-                                    folder.path() / "data");
-    std::filesystem::create_directory(folder.path() / "config");
-    for (const char* texts : {"config/texts.zh.yaml", "config/texts.en.yaml"})
-        std::filesystem::create_symlink(std::filesystem::current_path() / texts,
-                                        folder.path() / texts);
-    folder.write("config/Logic_Nerith_Heli_Final.cfg",
-                 "recv_from_flightSimulation_port: " + std::to_string(receive_port) +
-                     "\nsend_to_flightSimulation_port: " + std::to_string(peer.port()) + "\n");
+    fillChannelFolder(folder, std::filesystem::current_path(), receive_port, peer.port());
 }
 
 bool ChannelRun::start(const std::string& options) {

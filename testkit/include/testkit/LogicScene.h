@@ -56,7 +56,7 @@ public:
 
     /// Loads the world, creates the logic and initialises it.
     bool start();
-    /// One frame as the host application runs it; `still`: the scene stands still in it.
+    /// One frame as the application runs it; `still`: the scene stands still in it.
     void frame(float dt = 1 / 60.0f, bool still = false);
     void frames(int count, float dt = 1 / 60.0f) {
         for (int i = 0; i < count; i++)

@@ -1,0 +1,360 @@
+// SPDX-License-Identifier: MIT
+#include "Channel.h"
+
+#include "channel/interface/Texts.h"
+#include "common/logic/LogicBase.h"
+#include "ig/app/Engine.h"
+#include "ig/app/Message.h"
+#include "ig/app/MsgBox.h"
+#include "ig/base/jLog.h"
+#include "ig/net/SocketUDP.h"
+#include "ig/package/PackageManager.h"
+#include "ig/scene/ObjectPrefab.h"
+#include "render/gl/RendererGL.h"
+#include "render/null/RendererNull.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <unistd.h>
+
+using namespace ig;
+
+namespace {
+
+volatile std::sig_atomic_t g_stop = 0;
+
+constexpr float FIELD_OF_VIEW = 50;  ///< vertical, degrees
+constexpr double Z_NEAR = 0.1;       ///< metres: the cockpit is close
+constexpr double Z_FAR = 1e7;        ///< metres
+constexpr double JUMP = 10000;       ///< metres between two frames after which we level the camera
+constexpr int LEVEL_CAMERA = 654321; ///< identifier of the UI message
+
+double steadyNow() {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+/// For a message: the folder above the program that holds `path`, as a build has it, or nothing.
+std::string findFolder(const std::string& path) {
+    std::error_code error;
+    std::filesystem::path folder = std::filesystem::read_symlink("/proc/self/exe", error);
+    while (folder.has_relative_path()) {
+        folder = folder.parent_path();
+        if (std::filesystem::exists(folder / path, error))
+            return ", but in \"" + folder.string() + '"';
+    }
+    return {};
+}
+
+void levelCamera() {
+    UiMsg message{LEVEL_CAMERA};
+    MsgMngr::get()->send(&message);
+}
+
+} // namespace
+
+Channel::Channel(const Options& options)
+    : m_options(options), m_window(*this), m_interface(this, &m_control),
+      m_script(*this, *m_interface.getRoot()), m_camera_control(nullptr), m_environment(m_options),
+      m_scene_command(options.obey_exit),
+      m_screenshots(options.screenshot, options.screenshot_every, options.contact_sheet),
+      m_video(options.video), m_clock(options.frame_rate, options.step) {
+    m_status.setQuiet(options.quiet);
+}
+
+void Channel::requestStop() { g_stop = 1; }
+
+// ------------------------------------------------------------------ start
+
+bool Channel::open() {
+    if (!m_options.directory.empty() && chdir(m_options.directory.c_str()) != 0) {
+        jLog::error("visual_channel: \"%s\": %s", m_options.directory.c_str(),
+                    std::strerror(errno));
+        return false;
+    }
+    if (!loadScript() || !checkOutputs() || !makeRenderer()) return false;
+    Engine::get()->setApp(this);
+    Engine::get()->setWorld(&m_world);
+    prepareInterface();
+    if (!loadLibraries() || !loadWorld()) return false;
+    Texts::load(m_options.language);
+    placeCamera();
+    m_listener.connect(*m_logic);
+    m_environment.connect(*m_logic);
+    m_scene_command.connect(*m_logic);
+    if (!m_logic->init()) {
+        if (m_world.getNodeByName("start_heli")) return false; // it has told why
+        jLog::error("visual_channel: \"%s\" has no node \"start_heli\" for the helicopter to start "
+                    "at",
+                    m_logic->getWorldPath().c_str());
+        return false;
+    }
+    m_environment.attach(m_world);
+    m_interface.open(m_logic);
+    m_interface.getOverlays().watch(&m_link);
+    m_interface.getOverlays().showHelp(m_options.show_help);
+    if (m_window.isOpen() && !m_options.show_help)
+        m_interface.getOverlays().getNotices().showHint();
+    m_interface.getOverlays().showStatistics(m_options.statistics);
+    if (m_listener.m_helicopter) m_last_position = m_listener.m_helicopter->getWorldPosition();
+    for (SocketUDP* socket : SocketUDP::getOpenSockets())
+        if (!m_options.allow_sender.empty() && !socket->setAllowedSender(m_options.allow_sender))
+            return false;
+    return m_options.trace.empty() || m_trace.open(m_options.trace);
+}
+
+bool Channel::loadScript() {
+    Script script;
+    std::string message;
+    if (!m_options.script.empty() && !readScript(m_options.script, script, message)) {
+        jLog::error("visual_channel: %s", message.c_str());
+        return false;
+    }
+    m_script.open(std::move(script));
+    return true;
+}
+
+/// What can't be written is refused now, not after a flight.
+bool Channel::checkOutputs() const {
+    return m_screenshots.check(m_script.keepsPictures()) && m_video.check() &&
+           (m_options.trace.empty() || Trace::check(m_options.trace));
+}
+
+bool Channel::wantsPictures() const {
+    return m_options.renderer == "gl" || m_options.window || !m_options.screenshot.empty() ||
+           !m_options.contact_sheet.empty() || !m_options.video.empty();
+}
+
+/// Pictures where the machine can draw them; where it can't, the whole channel still runs without,
+/// unless pictures were asked for.
+bool Channel::makeRenderer() {
+    const auto refuse = [] {
+        jLog::error("visual_channel: no pictures: --null runs the channel without");
+        return false;
+    };
+    if (!openWindow()) return refuse();
+    if (m_options.renderer != "null") {
+        m_renderer = std::make_unique<RendererGL>(m_window.isOpen() ? RendererGL::Surface::window
+                                                                    : RendererGL::Surface::none);
+        m_renderer->setScale(m_options.scale > 0 ? m_options.scale : 1);
+        m_renderer->setProfiling(m_options.profile);
+        if (m_renderer->init(m_options.width, m_options.height)) return true;
+        if (wantsPictures()) return refuse();
+        jLog::warning("visual_channel: going on without pictures, as with --null");
+    }
+    m_renderer = std::make_unique<RendererNull>();
+    return m_renderer->init(m_options.width, m_options.height);
+}
+
+void Channel::prepareInterface() {
+    m_interface.resize(m_options.width, m_options.height,
+                       m_window.getDensity() * m_options.interface_size);
+    UIRoot* root = m_interface.getRoot();
+    // The scene and the link go on while the operator is asked something.
+    root->setModalFrame([this] { return runFrame(); });
+    root->setClipboard([this] { return jString(m_window.readClipboard()); },
+                       [this](const jString& text) { m_window.writeClipboard(text.c_str()); });
+    if (m_renderer->getTextWidth(16, "0") < 0) return; // it draws no texts
+    root->setTextWidth(
+        [this](float size, std::string_view utf8) { return m_renderer->getTextWidth(size, utf8); });
+}
+
+bool Channel::loadLibraries() {
+    for (const std::string& path : m_options.plugins) {
+        m_plugins.push_back(std::make_unique<Library>());
+        if (!m_plugins.back()->load(path)) return false;
+    }
+    if (!m_library.load(m_options.logic.empty() ? DEFAULT_LOGIC : m_options.logic)) return false;
+    const auto create = reinterpret_cast<CreateLogicFunction>(m_library.find("CreateLogic"));
+    if (!create) return false;
+    m_logic = create(&m_world, &m_camera_control);
+    if (!m_logic) jLog::error("visual_channel: out of memory");
+    return m_logic != nullptr;
+}
+
+bool Channel::loadWorld() {
+    const jString path = m_logic->getWorldPath();
+    std::error_code error;
+    if (path.empty() || std::filesystem::exists(path.c_str(), error))
+        return path.empty() || m_world.load(path);
+    jLog::error("visual_channel: there is no \"%s\" in \"%s\"%s: start in the folder that holds "
+                "config/ and data/, or name it with --directory",
+                path.c_str(), std::filesystem::current_path(error).c_str(),
+                findFolder(path.c_str()).c_str());
+    return false;
+}
+
+/// A level camera at the start marker, looking ahead: the logic's views take over from it.
+void Channel::placeCamera() {
+    setProjection();
+    if (const Node* start = m_world.getNodeByName("start_heli"))
+        m_camera.setTransform(start->getWorldTransform() *
+                              dmat4(dquat(dvec3(1, 0, 0), 90), dvec3()));
+    m_camera_control.setCamera(&m_camera);
+    levelCamera();
+    if (m_options.eye.empty()) return;
+    const std::vector<double>& eye = m_options.eye;
+    m_fixed_camera.setWgsPosition({eye[0], eye[1], eye[2]});
+    m_fixed_camera.setWgsHPR({eye[3], -eye[4], 0});
+}
+
+void Channel::setProjection() {
+    m_camera.setPerspective(
+        FIELD_OF_VIEW, static_cast<float>(m_options.width) / static_cast<float>(m_options.height),
+        Z_NEAR, Z_FAR);
+    m_fixed_camera.setProjection(m_camera.getProjection());
+}
+
+// ------------------------------------------------------------------ frames
+
+void Channel::run() {
+    while (runFrame())
+        if (m_close_requested) askToQuit();
+    m_screenshots.afterLast(*m_renderer);
+    m_video.close();
+    m_trace.close();
+    m_status.printSummary(m_listener, m_link);
+    for (const PassTime& pass : m_renderer->getPassTimes())
+        std::printf("  %-12s %7.2f ms\n", pass.name, pass.milliseconds);
+}
+
+bool Channel::runFrame() {
+    if (g_stop || m_quit || isOver()) return false;
+    const float dt = m_clock.beginFrame();
+    const double begin = steadyNow();
+    if (m_window.isOpen()) m_window.poll();
+    if (m_frames > 0) playScript(); // before, no button has been laid out
+    const float scale = m_renderer->getScale();
+    const std::string& still = m_script.getPictureName();
+    // A still is looked at longer than a frame.
+    if (!still.empty() && m_options.scale <= 0) m_renderer->setScale(1);
+    const FrameCosts costs = frame(dt);
+    if (!still.empty()) m_screenshots.take(*m_renderer, still);
+    m_renderer->setScale(scale);
+    const double work = steadyNow() - begin;
+    if (m_window.isOpen()) m_window.swap(); // waits for a graphics device that is still drawing
+    if (m_options.scale <= 0)
+        m_renderer->setScale(m_governor.update(steadyNow() - begin, m_renderer->getScale()));
+    m_interface.getOverlays().addFrame(dt, costs, m_listener.m_records - m_last_records);
+    m_last_records = m_listener.m_records;
+    m_trace.write(begin, m_listener);
+    m_status.addFrame(dt, work);
+    m_status.print(m_listener, m_link, m_scene_command.describe() + ' ' + m_environment.describe());
+    m_scene_time += static_cast<double>(dt);
+    m_frames++;
+    if (m_scene_command.isExit()) m_quit = true;
+    return true;
+}
+
+void Channel::playScript() {
+    m_script.play(m_scene_time, m_listener.m_records > 0);
+    if (m_script.hasQuit()) requestStop();
+}
+
+void Channel::askToQuit() {
+    MsgBox box(this, Texts::get("quit.title"), Texts::get("quit.question"));
+    box.getOkButton()->setText(Texts::get("box.ok"));
+    box.getCancelButton()->setText(Texts::get("box.cancel"));
+    box.center();
+    if (box.modality()) m_quit = true;
+    m_close_requested = false;
+}
+
+bool Channel::isOver() const {
+    // Half a frame's worth of allowance: sums of single-precision steps fall short of round times.
+    return (m_options.seconds > 0 && m_scene_time > m_options.seconds - 1e-3) ||
+           (m_options.frames > 0 && m_frames >= m_options.frames);
+}
+
+FrameCosts Channel::frame(float dt) {
+    FrameCosts costs;
+    double last = steadyNow();
+    const auto spent = [&last] {
+        const double before = last;
+        last = steadyNow();
+        return last - before;
+    };
+    Engine::get()->beginFrame(dt, m_scene_command.isStill());
+    const float step = Engine::get()->getSceneStep();
+    m_logic->update(step);
+    m_link.update(LinkSample::read(), steadyNow());
+    m_scene_command.update();
+    m_interface.getOverlays().setSceneState(m_scene_command.getPictureText());
+    levelAfterJump();
+    m_environment.update(step, getEye(), m_control);
+    costs.update = spent();
+    m_world.updatePhysics(step);
+    m_world.updateParticles(step);
+    const Weather weather = m_environment.getWeather();
+    m_particles.setWind(weather.wind_direction, std::max(weather.wind_speed, 0.0f));
+    m_particles.advance(m_world, step);
+    costs.physics = spent();
+    m_interface.update(dt);
+    m_frame_info.ui = m_options.no_interface ? nullptr : m_interface.draw();
+    m_frame_info.ui_root = m_options.no_interface ? nullptr : m_interface.getRoot();
+    costs.interface = spent();
+    m_logic->swap();
+    draw();
+    m_logic->render();
+    costs.draw = spent();
+    m_control.endFrame();
+    return costs;
+}
+
+void Channel::draw() {
+    m_environment.fillFrame(getEye(), m_listener.m_helicopter, Engine::get()->getRunningTime(),
+                            m_frame_info);
+    m_frame_info.particles = &m_particles;
+    m_renderer->render(m_world, getEye(), m_frame_info);
+    const double time = m_scene_time + static_cast<double>(Engine::get()->getFrameTime());
+    m_screenshots.afterFrame(*m_renderer, time);
+    m_video.afterFrame(*m_renderer, time);
+}
+
+/// Elsewhere on the earth "up" points elsewhere: a camera that came along would hang askew. A free
+/// one stayed where it is.
+void Channel::levelAfterJump() {
+    if (!m_listener.m_helicopter) return;
+    const dvec3 position = m_listener.m_helicopter->getWorldPosition();
+    const dvec3 eye = m_camera.getWorldPosition();
+    const bool jumped = length(position - m_last_position) > JUMP;
+    if (jumped && length(eye - m_last_eye) > JUMP / 2) levelCamera();
+    m_last_position = position;
+    m_last_eye = eye;
+}
+
+// ------------------------------------------------------------------ end
+
+int Channel::getExitStatus() const {
+    return m_script.getFailures() > 0 || m_screenshots.hasFailed() || m_video.hasFailed() ||
+           m_trace.hasFailed();
+}
+
+void Channel::close() {
+    if (m_logic) {
+        m_logic->release();
+        if (m_renderer) m_renderer->release();
+        m_listener.m_helicopter = nullptr;
+        m_frame_info.ui = nullptr;
+        m_frame_info.ui_root = nullptr;
+        m_interface.close();
+        m_particles.clear();
+        m_world.clear();
+        delete m_logic;
+        m_logic = nullptr;
+    }
+    m_trace.close();
+    MaterialManager::release();
+    Mesh::release();
+    PackageManager::release();
+    Engine::get()->reset();
+    m_renderer.reset();
+    m_window.close();
+    m_library.unload();
+    m_plugins.clear();
+}

@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Environment.h"
+#include "FrameClock.h"
+#include "Library.h"
+#include "LogicListener.h"
+#include "Options.h"
+#include "ScaleGovernor.h"
+#include "SceneCommand.h"
+#include "Screenshots.h"
+#include "ScriptPlayer.h"
+#include "Status.h"
+#include "Trace.h"
+#include "Video.h"
+#include "Window.h"
+#include "channel/interface/LinkMonitor.h"
+#include "channel/interface/OperatorInterface.h"
+#include "ig/app/ControlApp.h"
+#include "ig/app/IApp.h"
+#include "ig/app/Renderer.h"
+#include "ig/scene/Camera.h"
+#include "ig/scene/CameraControl.h"
+#include "ig/scene/ParticleSystem.h"
+#include "ig/scene/World.h"
+
+#include <memory>
+
+class LogicBase;
+
+/// The application that hosts a scene logic: it loads the libraries and the world, runs the frames,
+/// and ends in order. `docs/architecture.md` tells what happens in a frame.
+class Channel : public ig::IApp, private WindowListener {
+public:
+    explicit Channel(const Options& options);
+    ~Channel() override { close(); }
+
+    /// Everything up to the first frame. False, with a message, when the logic, the world or its
+    /// start marker is missing.
+    bool open();
+    /// Runs frames until the time or the number of frames is up, until `requestStop`, or until the
+    /// operator closes the window and confirms it.
+    void run();
+    /// After `run`: 0, or 1 when a command of the script could not be done or a file that was asked
+    /// for could not be written.
+    int getExitStatus() const;
+    /// One of these frames. False, with nothing done, after the last one.
+    bool runFrame();
+    /// Releases everything in the order that the objects need; a second call does nothing.
+    void close();
+    /// Ends `run` after the present frame. May be called from a signal handler.
+    static void requestStop();
+    /// Null before `open` and after `close`.
+    LogicBase* getLogic() const { return m_logic; }
+
+    int getWidth() const override { return m_options.width; }
+    int getHeight() const override { return m_options.height; }
+    ig::ControlApp* getControl() override { return &m_control; }
+    ig::UIRoot* getUIRoot() const override { return m_interface.getRoot(); }
+
+private:
+    // ChannelWindow.cpp
+    bool openWindow();
+    void endAtOnce();
+    void takePicture();
+    void onKey(int key, bool down, bool repeat) override;
+    void onModifiers(bool shift, bool ctrl, bool alt) override;
+    void onText(const char* utf8) override;
+    void onButton(int button, bool down, float x, float y) override;
+    void onMove(float x, float y) override;
+    void onWheel(float notches) override;
+    void onFocusLost() override;
+    void onLeft() override;
+    void onClose() override;
+    void onResized(int width, int height, float density) override;
+
+    bool checkOutputs() const;
+    bool wantsPictures() const;
+    bool makeRenderer();
+    void prepareInterface();
+    bool loadLibraries();
+    bool loadWorld();
+    void placeCamera();
+    FrameCosts frame(float dt);
+    void askToQuit();
+    bool loadScript();
+    void playScript();
+    void setProjection();
+    void draw();
+    void levelAfterJump();
+    const ig::Camera& getEye() const { return m_options.eye.empty() ? m_camera : m_fixed_camera; }
+    bool isOver() const;
+
+    Options m_options;
+    Window m_window;
+    std::unique_ptr<ig::Renderer> m_renderer; ///< before the window goes
+    ScaleGovernor m_governor;
+    ig::ControlApp m_control;
+    OperatorInterface m_interface;
+    ScriptPlayer m_script;
+    ig::World m_world;
+    ig::Camera m_camera;       ///< the logic's
+    ig::Camera m_fixed_camera; ///< what is seen through instead when the options say so
+    ig::CameraControl m_camera_control;
+    std::vector<std::unique_ptr<Library>> m_plugins; ///< unloaded after the logic
+    Library m_library;
+    LogicBase* m_logic = nullptr; ///< owned
+    LogicListener m_listener;
+    LinkMonitor m_link; ///< looks at the logic's sockets
+    Status m_status;
+    Environment m_environment;
+    SceneCommand m_scene_command;
+    Screenshots m_screenshots;
+    Video m_video;
+    ig::ParticleSystem m_particles;
+    ig::FrameInfo m_frame_info;
+    Trace m_trace;
+    ig::dvec3 m_last_position; ///< of the helicopter
+    ig::dvec3 m_last_eye;      ///< of the logic's camera
+    FrameClock m_clock;
+    double m_scene_time = 0; ///< s; goes on while the scene stands still
+    int m_frames = 0;
+    bool m_close_requested = false;
+    bool m_quit = false;    ///< the operator has confirmed it
+    int m_last_records = 0; ///< applied up to the frame before
+};

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ShownWeather.h"
+#include "Weather.h"
+#include "common/logic/LogicBase.h"
+#include "ig/app/Renderer.h"
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+namespace ig {
+class Camera;
+class ControlApp;
+class ObjectParticles;
+} // namespace ig
+class ObjectOcean;
+struct Options;
+
+/// Light, air and sea of the scene. The flight simulation's weather arrives through the logic's
+/// signals, whose handlers only store it; once a frame it is applied to the sea, the precipitation,
+/// the wind and the picture, which follow changes in their own time, and the logic is told what
+/// belongs to its own scene. What is told first after the start or with a reset of the scene holds
+/// at once, and so does what changes while the scene stands still. The hour is this application's
+/// own. What the operator asks for, by options or keys, wins over the flight
+/// simulation:
+///
+///   F7   look of the sky: as told, clear, overcast, storm, fog
+///   F8   precipitation: as told, light, medium, heavy rain, heavy snow, heavy hail, none
+///   b    sea: as told, Beaufort 0, 2, 4, 6, 8
+///   t    an hour later; with Shift an hour earlier
+class Environment {
+public:
+    explicit Environment(const Options& options);
+    /// Listens from then on; the logic must be there as long as this object is used.
+    void connect(LogicBase& logic);
+    /// Finds the ocean and the emitters "rain", "snow" and "hail", whose rates then count as those
+    /// of the highest level. Called once, when the world is complete.
+    void attach(const ig::World& world);
+
+    /// Once per frame, after the logic's update and before physics and particles. `dt`: by how much
+    /// the scene moves on, 0 while it stands still. Precipitation falls around `camera`.
+    void update(float dt, const ig::Camera& camera, const ig::ControlApp& keys);
+    /// Fills in what concerns light, air and water. The hour counts at the camera's longitude;
+    /// `helicopter` may be null; `time` is the scene's.
+    void fillFrame(const ig::Camera& camera, const ig::ObjectPrefab* helicopter, double time,
+                   ig::FrameInfo& frame) const;
+
+    /// What is asked for at present.
+    Weather getWeather() const { return m_told.overriddenBy(m_operator); }
+    double getHour() const { return m_hour; } ///< local solar time, in [0, 24)
+    /// For the status line.
+    std::string describe() const;
+
+private:
+    struct Precipitation {
+        ig::ObjectParticles* emitter;
+        float ShownWeather::*strength;
+        float full_rate; ///< particles per second at full strength, at rest
+        float fall;      ///< m/s through the air
+        float life;      ///< s, at rest
+    };
+
+    void onCode(int code);
+    void onWeather(WEATHER_TYPE look) { m_told.look = look; }
+    void onRain(WEATHER_DETAIL level) { m_told.rain = level; }
+    void onSnow(WEATHER_DETAIL level) { m_told.snow = level; }
+    void onHail(WEATHER_DETAIL level) { m_told.hail = level; }
+    void onCloud(CloudInfo* cloud);
+    void onWindDirection(float direction) {
+        if (std::isfinite(direction)) m_told.wind_direction = direction;
+    }
+    void onWindSpeed(float speed);
+    void onVisibility(float fraction);
+    void onSea(int code);
+
+    void readKeys(const ig::ControlApp& keys);
+    void followEye(const ig::Camera& camera, float dt);
+    void followWeather(float dt);
+    void applyPrecipitation(const Weather& weather, const ig::Camera& camera);
+    void tellLogic();
+    void fillSky(double longitude, double time, ig::FrameInfo& frame) const;
+    static void fillDownwash(const ig::ObjectPrefab* helicopter, ig::FrameInfo& frame);
+
+    LogicBase* m_logic = nullptr;   ///< the application's
+    ObjectOcean* m_ocean = nullptr; ///< the world's
+    std::vector<Precipitation> m_precipitation;
+    ig::dvec3 m_eye, m_eye_velocity; ///< world; the velocity smoothed
+    bool m_eye_known = false;
+    Weather m_told;     ///< by the flight simulation
+    Weather m_operator; ///< by options and keys
+    bool m_host_heard = false;
+    bool m_settles = true; ///< the next frame shows at once what is asked for
+    ShownWeather m_shown, m_target;
+    double m_hour;
+    double m_time_scale;
+    int m_day_of_year;
+    float m_told_rain = -1, m_told_snow = -1, m_told_hour = -1; ///< to the logic, last
+};

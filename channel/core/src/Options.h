@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Weather.h"
+#include "channel/interface/Overlays.h"
+
+#include <string>
+#include <vector>
+
+/// What the command line asks for. The defaults are those of a user who gives nothing.
+struct Options {
+    std::string logic;                ///< library of the scene logic; empty: the one that we ship
+    std::vector<std::string> plugins; ///< further engine plug-ins, loaded before the logic
+    std::string directory;            ///< to work in; empty: the present one
+    double frame_rate = 60;           ///< frames per second in real time; 0: as fast as possible
+    double step = 0; ///< seconds that every frame advances the scene; 0: the time that has passed
+    double seconds = 0;             ///< of scene time until the end; 0: until stopped
+    int frames = 0;                 ///< until the end; 0: until stopped
+    int width = 1280, height = 720; ///< of the picture
+    std::string renderer = "auto";  ///< gl, null, or auto: gl where the machine has it
+    bool headless = false;          ///< no window, even with a display
+    bool window = false;            ///< a window or nothing
+    bool no_vertical_sync = false;  ///< pictures don't wait for the display and may tear
+    bool full_screen = false;       ///< the window begins as all of its monitor
+    std::string monitor;            ///< name or number of the window's; empty: any
+    float interface_size = 1;       ///< of panels and texts, 0.5 to 4
+    float scale = 1;                ///< of the rendering, 0.25 to 1; 0: so that 20 frames/s hold
+    std::string screenshot;         ///< PNG of the last frame; empty: none
+    std::string contact_sheet;      ///< PNG of all numbered pictures; empty: none
+    std::string video;              ///< file for ffmpeg to write; empty: none
+    double screenshot_every = 0;    ///< s of scene time between numbered pictures; 0: none
+    double time_of_day = 10;        ///< local solar time, hours
+    int day_of_year = 172;          ///< 1 to 366
+    double time_scale = 1;          ///< seconds by which the hour advances in a second of the scene
+    Weather weather;                ///< what is asked for here, whatever the flight simulation says
+    std::vector<double> eye;   ///< longitude, latitude, altitude, heading, pitch of a fixed camera
+    bool profile = false;      ///< milliseconds per pass in the summary
+    std::string script;        ///< file of timed operator commands; empty: none
+    std::string allow_sender;  ///< whose records are taken; empty: anybody's
+    std::string trace;         ///< CSV file with a line per frame; empty: none
+    bool quiet = false;        ///< no status line
+    bool obey_exit = false;    ///< the flight simulation may end the channel
+    bool no_interface = false; ///< pictures without panels and texts
+    std::string language = "zh"; ///< of what the application says in the picture: zh or en
+    bool show_help = false;      ///< the key map, from the start
+    Overlays::Statistics statistics = Overlays::Statistics::off; ///< in the picture
+};
+
+/// Reads the command line. False when the program is to end at once with `exit_status`: after
+/// --help, or after a mistake, which has been explained.
+bool parseOptions(int argc, char** argv, Options& options, int& exit_status);

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#include "channel/Program.h"
+
+#include "Channel.h"
+#include "Options.h"
+#include "common/program/Process.h"
+#include "ig/base/jLog.h"
+
+#include <new>
+
+int runChannel(int argc, char** argv) {
+    program::fillStandardStreams();
+    program::letWritesFail();
+    Options options;
+    int exit_status = 0;
+    if (!parseOptions(argc, argv, options, exit_status)) return exit_status;
+    try {
+        Channel channel(options);
+        if (!channel.open()) return 1;
+        program::onStopSignal(Channel::requestStop); // so far a signal has ended it at once
+        channel.run();
+        return channel.getExitStatus();
+    } catch (const std::bad_alloc&) {
+        ig::jLog::error("visual_channel: out of memory");
+        return 1;
+    }
+}

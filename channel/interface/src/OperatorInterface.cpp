@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: MIT
+#include "channel/interface/OperatorInterface.h"
+
+#include "channel/interface/Texts.h"
+#include "common/logic/LogicBase.h"
+#include "ig/app/IApp.h"
+#include "ig/ui/UISpriteViewport.h"
+
+#include <algorithm>
+
+using namespace ig;
+
+namespace {
+// Units that the panels need, with what rounding to whole pixels adds: the row of fields and the
+// column of buttons side by side; the column; the radar picture above the column.
+constexpr float FULL_WIDTH = 760, COLUMN_HEIGHT = 455, FULL_HEIGHT = 256 + COLUMN_HEIGHT;
+/// Pixels per unit where texts can just be read.
+constexpr float READABLE = 0.7f;
+} // namespace
+
+OperatorInterface::OperatorInterface(IApp* app, ControlApp* control)
+    : m_app(app), m_root(std::make_unique<UIRoot>()), m_input(m_root.get(), control) {}
+
+void OperatorInterface::open(LogicBase* logic) {
+    m_logic = logic;
+    m_panels.assign(m_root->getChildren().begin(), m_root->getChildren().end());
+    m_overlays.open(m_root.get());
+}
+
+void OperatorInterface::close() {
+    m_panels.clear();
+    m_root.reset();
+    m_logic = nullptr;
+}
+
+void OperatorInterface::showPanels(bool show) {
+    m_panels_shown = show;
+    for (UIElement* panel : m_panels)
+        panel->setHidden(!show);
+    m_root->tell(Texts::get(show ? "notice.panels_shown" : "notice.panels_hidden"));
+}
+
+void OperatorInterface::resize(int width, int height, float density) {
+    m_width = width;
+    m_height = height;
+    m_density = density;
+    fit();
+}
+
+/// In windows that are too small for everything the panels shrink, down to where texts can just be
+/// read; in still lower ones so far that no button is cut off, or covered by a radar picture.
+void OperatorInterface::fit() {
+    const auto& viewports = m_root->getViewports();
+    const bool radar = std::any_of(viewports.begin(), viewports.end(),
+                                   [](const UISpriteViewport* v) { return !v->isHidden(); });
+    const float width = static_cast<float>(m_width) / m_density;
+    const float height = static_cast<float>(m_height) / m_density;
+    const float all = std::min({1.0f, width / FULL_WIDTH, height / FULL_HEIGHT});
+    const float shown = height / (radar ? FULL_HEIGHT : COLUMN_HEIGHT);
+    m_root->resize(m_width, m_height, m_density * std::max(all, std::min(READABLE, shown)));
+}
+
+void OperatorInterface::keyDown(int key, bool repeat) {
+    if (!m_input.keyDown(key, repeat)) return;
+    m_overlays.onKey(key);
+    if (key == KEY_F10) showPanels(!m_panels_shown);
+    m_logic->onKeyPress({key}, m_app);
+}
+
+void OperatorInterface::keyUp(int key) {
+    if (m_input.keyUp(key)) m_logic->onKeyRelease({key}, m_app);
+}
+
+void OperatorInterface::setModifiers(bool shift, bool ctrl, bool alt) {
+    for (const auto& [key, down] :
+         {std::pair(KEY_SHIFT, shift), {KEY_CTRL, ctrl}, {KEY_ALT, alt}}) {
+        if (isHeld(key) == down) continue;
+        if (down)
+            keyDown(key, false);
+        else
+            keyUp(key);
+    }
+}
+
+void OperatorInterface::mouseDown(int button, float x, float y) {
+    if (m_input.mouseDown(button, x, y)) m_logic->onMouseDown({button, x, y}, m_app);
+}
+
+void OperatorInterface::mouseUp(int button, float x, float y) {
+    if (m_input.mouseUp(button, x, y)) m_logic->onMouseUp({button, x, y}, m_app);
+}
+
+void OperatorInterface::mouseMove(float x, float y) {
+    if (m_input.mouseMove(x, y)) m_logic->onMouseMove({0, x, y}, m_app);
+}
+
+void OperatorInterface::wheel(float notches) {
+    const auto up = static_cast<unsigned char>(notches > 0 ? 1 : 0);
+    if (notches != 0 && m_input.wheel(notches)) m_logic->onMouseWheel({notches * 120, up}, m_app);
+}
+
+void OperatorInterface::update(float dt) {
+    fit();
+    m_overlays.place();
+    m_root->update(dt);
+}
+
+const UiDrawList* OperatorInterface::draw() {
+    m_root->draw(m_list);
+    return &m_list;
+}
