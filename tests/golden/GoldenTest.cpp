@@ -7,12 +7,12 @@
 // After an intended change of the looks, run with GOLDEN_RENEW=1, and look at every changed picture
 // before committing it.
 
-#include "Png.h"
 #include "heli/kit/HelicopterCorax.h"
 #include "ig/app/Sky.h"
 #include "ig/scene/ParticleSystem.h"
 #include "ig/ui/UiDrawList.h"
 #include "render/gl/RendererGL.h"
+#include "render/image/Png.h"
 #include "testkit/LogicScene.h"
 
 #include <cstdlib>

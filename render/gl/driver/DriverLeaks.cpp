@@ -4,4 +4,4 @@
 // was one. What is ours is counted then by the memory tracker and the renderer's resource counters.
 #include "render/gl/driverUse.h"
 
-extern "C" int __lsan_is_turned_off() { return isDriverUsed(); }
+extern "C" int __lsan_is_turned_off() { return ig::isDriverUsed(); }

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <string>
 
-namespace gl {
+namespace ig::gl {
 
 namespace {
 
@@ -24,7 +24,7 @@ std::string_view findShader(std::string_view name) {
 }
 
 int& count(Kind kind) {
-    ig::RenderResources& r = resources();
+    RenderResources& r = resources();
     switch (kind) {
     case Kind::buffer:
         return r.buffers;
@@ -58,16 +58,16 @@ GLuint compile(GLenum stage, std::string_view files, std::string_view variant) {
     if (good) return shader;
     char log[2048] = "";
     glGetShaderInfoLog(shader, sizeof log, nullptr, log);
-    ig::jLog::error("RendererGL: shader \"%.*s\": %s", static_cast<int>(files.size()), files.data(),
-                    log);
+    jLog::error("RendererGL: shader \"%.*s\": %s", static_cast<int>(files.size()), files.data(),
+                log);
     glDeleteShader(shader);
     return 0;
 }
 
 } // namespace
 
-ig::RenderResources& resources() {
-    static ig::RenderResources counts;
+RenderResources& resources() {
+    static RenderResources counts;
     return counts;
 }
 
@@ -161,9 +161,9 @@ bool Program::build(std::string_view vertex_files, std::string_view fragment_fil
     if (!good) {
         char log[2048] = "";
         glGetProgramInfoLog(m_id, sizeof log, nullptr, log);
-        ig::jLog::error("RendererGL: shaders \"%.*s\" and \"%.*s\": %s",
-                        static_cast<int>(vertex_files.size()), vertex_files.data(),
-                        static_cast<int>(fragment_files.size()), fragment_files.data(), log);
+        jLog::error("RendererGL: shaders \"%.*s\" and \"%.*s\": %s",
+                    static_cast<int>(vertex_files.size()), vertex_files.data(),
+                    static_cast<int>(fragment_files.size()), fragment_files.data(), log);
         return false;
     }
     const GLuint block = glGetUniformBlockIndex(m_id, "Frame");
@@ -193,15 +193,11 @@ GLint Program::locate(const char* name) {
 
 void Program::set(const char* name, int value) { glUniform1i(locate(name), value); }
 void Program::set(const char* name, float value) { glUniform1f(locate(name), value); }
-void Program::set(const char* name, ig::vec2 value) { glUniform2fv(locate(name), 1, &value.x); }
-void Program::set(const char* name, const ig::vec3& value) {
-    glUniform3fv(locate(name), 1, &value.x);
-}
-void Program::set(const char* name, const ig::vec4& value) {
-    glUniform4fv(locate(name), 1, &value.x);
-}
-void Program::set(const char* name, const ig::vec4* values, int number) {
+void Program::set(const char* name, vec2 value) { glUniform2fv(locate(name), 1, &value.x); }
+void Program::set(const char* name, const vec3& value) { glUniform3fv(locate(name), 1, &value.x); }
+void Program::set(const char* name, const vec4& value) { glUniform4fv(locate(name), 1, &value.x); }
+void Program::set(const char* name, const vec4* values, int number) {
     glUniform4fv(locate(name), number, &values->x);
 }
 
-} // namespace gl
+} // namespace ig::gl

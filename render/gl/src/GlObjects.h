@@ -12,10 +12,10 @@
 #include <utility>
 #include <vector>
 
-namespace gl {
+namespace ig::gl {
 
 /// How many objects of each kind this process holds, for the check that all are freed.
-ig::RenderResources& resources();
+RenderResources& resources();
 
 enum class Kind { buffer, texture, vertex_array, framebuffer };
 
@@ -84,10 +84,10 @@ public:
     // Uniforms of the program in use; one that the shader doesn't use is ignored.
     void set(const char* name, int value);
     void set(const char* name, float value);
-    void set(const char* name, ig::vec2 value);
-    void set(const char* name, const ig::vec3& value);
-    void set(const char* name, const ig::vec4& value);
-    void set(const char* name, const ig::vec4* values, int count);
+    void set(const char* name, vec2 value);
+    void set(const char* name, const vec3& value);
+    void set(const char* name, const vec4& value);
+    void set(const char* name, const vec4* values, int count);
     /// Looked up anew: for names that the program doesn't outlive. −1 for one that isn't used.
     GLint find(const char* name) const { return glGetUniformLocation(m_id, name); }
 
@@ -108,4 +108,4 @@ enum Unit { UNIT_SKY, UNIT_SHADOW, UNIT_SHADOW_FAR, UNIT_NOISE, UNIT_FIRST_OWN }
 /// projection follow it.
 bool hasClipControl();
 
-} // namespace gl
+} // namespace ig::gl

@@ -8,7 +8,7 @@
 #include <ft2build.h>
 #include FT_FREETYPE_H
 
-using namespace ig;
+namespace ig {
 
 namespace {
 /// In order of preference; the first has Latin and Chinese characters.
@@ -132,3 +132,5 @@ std::uint32_t takeCharacter(std::string_view& text) {
     text.remove_prefix(good ? length : 1);
     return good ? character : BAD;
 }
+
+} // namespace ig

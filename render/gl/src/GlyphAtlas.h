@@ -11,9 +11,11 @@
 struct FT_LibraryRec_;
 struct FT_FaceRec_;
 
+namespace ig {
+
 /// Coverage of one character at one size.
 struct Glyph {
-    ig::vec2 low, high;        ///< corners in the atlas, 0 to 1
+    vec2 low, high;            ///< corners in the atlas, 0 to 1
     int width = 0, height = 0; ///< pixels
     int left = 0, top = 0;     ///< of the bitmap from the pen, to the right and upwards
     float advance = 0;         ///< of the pen
@@ -32,7 +34,7 @@ public:
     /// From the top of the em box to the line that letters stand on, pixels.
     float getAscent(int size) const;
     /// A place in the atlas that is fully covered, for plain rectangles.
-    ig::vec2 getSolid() const;
+    vec2 getSolid() const;
     /// Brings new characters to the device and binds the texture.
     void bind(int unit);
 
@@ -53,3 +55,5 @@ private:
 /// Takes the first character off UTF-8 text, which must not be empty. What is malformed reads as
 /// U+FFFD, a byte at a time.
 std::uint32_t takeCharacter(std::string_view& text);
+
+} // namespace ig

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "GrassPass.h"
 
-#include "SurfaceLook.h"
 #include "TerrainPass.h"
 #include "ig/math/EllipsoidModel.h"
 #include "ig/scene/SceneObjects.h"
 #include "ig/scene/World.h"
+#include "render/scene/SurfaceLook.h"
 
 #include <algorithm>
 #include <cmath>
 
-using namespace ig;
+namespace ig {
 
 namespace {
 
@@ -251,3 +251,5 @@ void GrassPass::setField(const FrameView& view, const std::vector<const NodeFiel
     m_program.set("uField", place);
     m_program.set("uFieldMotion", motion);
 }
+
+} // namespace ig

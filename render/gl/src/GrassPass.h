@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "FrameView.h"
 #include "GlObjects.h"
 #include "plugins/terrain/ObjectTerrain.h"
+#include "render/scene/FrameView.h"
 
 #include <cstdint>
 #include <unordered_map>
 #include <vector>
 
 namespace ig {
+
 class NodeField;
 class World;
-} // namespace ig
 
 /// Grass around an eye near the ground: tufts of five blades that stand where the open ground of
 /// the terrain is level and dry, thin out with distance, and lean away from the rotor as the
@@ -28,34 +28,34 @@ public:
     void release();
     /// Places tufts that are missing, draws those in view. After the opaque passes. `fields` are
     /// the scene's; there may be none.
-    void draw(const FrameView& view, const ig::World& world, const ObjectTerrain& terrain,
-              const std::vector<const ig::NodeField*>& fields);
+    void draw(const FrameView& view, const World& world, const ObjectTerrain& terrain,
+              const std::vector<const NodeField*>& fields);
 
 private:
     struct Tuft {
-        ig::vec3 place; ///< in the square's frame
-        float height;   ///< of the blades, m
-        float chance;   ///< 0 to 1: turns, tones and thins out
+        vec3 place;   ///< in the square's frame
+        float height; ///< of the blades, m
+        float chance; ///< 0 to 1: turns, tones and thins out
     };
     struct Square {
-        ig::dmat4 frame; ///< of the middle, on the ellipsoid, world
-        ig::vec3 middle; ///< on the ground, in that frame
-        ig::dvec2 noise; ///< place of the middle in the ground's noise, m
+        dmat4 frame; ///< of the middle, on the ellipsoid, world
+        vec3 middle; ///< on the ground, in that frame
+        dvec2 noise; ///< place of the middle in the ground's noise, m
         std::vector<Tuft> tufts;
         int last_used = 0;
     };
     struct Instance {
-        ig::vec4 place; ///< E; w: height, m
-        ig::vec4 look;  ///< place in the noise, m; chance
+        vec4 place; ///< E; w: height, m
+        vec4 look;  ///< place in the noise, m; chance
     };
 
     void adopt(const ObjectTerrain& terrain);
-    void visit(const FrameView& view, const ig::World& world, const ObjectTerrain& terrain,
+    void visit(const FrameView& view, const World& world, const ObjectTerrain& terrain,
                std::int32_t column, std::int32_t row);
-    void plant(Square& square, const ig::World& world, const ObjectTerrain& terrain,
+    void plant(Square& square, const World& world, const ObjectTerrain& terrain,
                std::int32_t column, std::int32_t row) const;
     void addInstances(const FrameView& view, const Square& square);
-    void setField(const FrameView& view, const std::vector<const ig::NodeField*>& fields);
+    void setField(const FrameView& view, const std::vector<const NodeField*>& fields);
     void purge();
 
     gl::Program m_program;
@@ -66,3 +66,5 @@ private:
     const float* m_heights = nullptr; ///< whose squares these are
     int m_frame = 0, m_planted = 0;
 };
+
+} // namespace ig

@@ -6,7 +6,7 @@
 
 #include <epoxy/egl.h>
 
-using ig::jLog;
+namespace ig {
 
 /// The platform without surfaces first; where a driver lacks it, the first device that works.
 bool HeadlessContext::create() {
@@ -57,3 +57,5 @@ void HeadlessContext::destroy() {
     eglTerminate(m_display);
     m_context = m_display = nullptr;
 }
+
+} // namespace ig

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+namespace ig {
+
 /// An OpenGL 3.3 core context without window or X server, current from `create` to `destroy`.
 class HeadlessContext {
 public:
@@ -19,3 +21,5 @@ private:
     void* m_display = nullptr; ///< EGLDisplay
     void* m_context = nullptr; ///< EGLContext
 };
+
+} // namespace ig

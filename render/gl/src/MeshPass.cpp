@@ -9,7 +9,7 @@
 #include <cstddef>
 #include <iterator>
 
-using namespace ig;
+namespace ig {
 
 namespace {
 
@@ -212,3 +212,5 @@ void MeshPass::drawDepth(const std::vector<Batch>& batches, const vec4& plane, c
     for (const Batch& batch : batches)
         bindInstances(batch);
 }
+
+} // namespace ig

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "FrameBlock.h"
 #include "GlObjects.h"
-#include "SceneList.h"
 #include "TextureStore.h"
+#include "render/scene/FrameBlock.h"
+#include "render/scene/SceneList.h"
 
 #include <unordered_map>
+
+namespace ig {
 
 class SkyPass;
 
@@ -27,7 +29,7 @@ public:
 
 private:
     struct DeviceMesh {
-        std::shared_ptr<const ig::Mesh> mesh;
+        std::shared_ptr<const Mesh> mesh;
         gl::VertexArray vertex_array;
         gl::Buffer vertices, indices;
         struct Range {
@@ -48,29 +50,31 @@ private:
         }
     };
     struct Instance {
-        ig::vec4 rows[3];
-        ig::vec4 haze;
+        vec4 rows[3];
+        vec4 haze;
     };
 
     /// Ways to shade, one program each: what a surface doesn't need, no pixel of it pays for.
     enum Shading { PLAIN, TEXTURED, PAVED, SOAKED, PAINTED, DECAL, GLASS, ROTOR, NUM_SHADINGS };
     static Shading choose(const SurfaceLook& look);
 
-    const DeviceMesh& find(const std::shared_ptr<const ig::Mesh>& mesh);
-    static void fill(DeviceMesh& device, const ig::Mesh& mesh);
+    const DeviceMesh& find(const std::shared_ptr<const Mesh>& mesh);
+    static void fill(DeviceMesh& device, const Mesh& mesh);
     void addBatches(const std::vector<MeshItem>& items, std::vector<Batch>& batches,
                     const SkyPass& sky);
     void bindInstances(const Batch& batch);
     void draw(const std::vector<Batch>& batches);
-    void drawDepth(const std::vector<Batch>& batches, const ig::vec4& plane, const ig::vec4& depth);
+    void drawDepth(const std::vector<Batch>& batches, const vec4& plane, const vec4& depth);
     void setLook(gl::Program& program, const SurfaceLook& look, bool has_places);
     void purge();
 
     gl::Program m_programs[NUM_SHADINGS], m_depth_program;
     TextureStore m_textures;
     gl::Buffer m_instance_buffer;
-    std::unordered_map<const ig::Mesh*, DeviceMesh> m_meshes;
+    std::unordered_map<const Mesh*, DeviceMesh> m_meshes;
     std::vector<Instance> m_instances;
     std::vector<Batch> m_opaque, m_transparent, m_casters, m_far_casters;
     int m_frames = 0;
 };
+
+} // namespace ig

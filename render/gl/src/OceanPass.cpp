@@ -11,7 +11,7 @@
 #include <cstdint>
 #include <cstring>
 
-using namespace ig;
+namespace ig {
 
 namespace {
 
@@ -408,3 +408,5 @@ void OceanPass::draw(const FrameView& view, const OceanFrame& frame, const Downw
     glBindVertexArray(m_vertex_array.id());
     glDrawElements(GL_TRIANGLES, m_num_indices, GL_UNSIGNED_INT, nullptr);
 }
+
+} // namespace ig

@@ -1,17 +1,20 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "FrameView.h"
 #include "GlObjects.h"
+#include "render/scene/FrameView.h"
 
 #include <vector>
 
 struct OceanFrame;
+
+namespace ig {
+
 class WakePass;
 
 /// A helicopter's downwash on the water.
 struct Downwash {
-    ig::vec3 position;  ///< of the rotor, E
+    vec3 position;      ///< of the rotor, E
     float radius = 0;   ///< of the rotor, m
     float strength = 0; ///< 0 to 1
 };
@@ -63,3 +66,5 @@ private:
     std::vector<std::uint32_t> m_texels; ///< scratch for the encoded slopes
     std::vector<float> m_measure;        ///< scratch for the foam's calibration
 };
+
+} // namespace ig

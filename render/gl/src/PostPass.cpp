@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "PostPass.h"
 
-#include "SurfaceLook.h"
 #include "ig/base/jLog.h"
 #include "ig/scene/Material.h"
 #include "ig/scene/RPost.h"
+#include "render/scene/SurfaceLook.h"
 
 #include <algorithm>
 #include <cmath>
 
-using namespace ig;
+namespace ig {
 
 bool PostPass::init() {
     m_empty.create();
@@ -80,3 +80,5 @@ bool PostPass::draw(const jString& name, const gl::Texture& picture, int width, 
     if (material) RPost::FreeMaterial(material, this);
     return program != nullptr;
 }
+
+} // namespace ig

@@ -7,11 +7,11 @@
 #include <string>
 
 namespace ig {
+
 class jString;
 class Material;
-} // namespace ig
 
-/// Sends a finished picture through a post-process material (`ig::RPost`). The material NAME goes
+/// Sends a finished picture through a post-process material (`RPost`). The material NAME goes
 /// with the fragment shader NAME.frag; each of the material's sliders and values is the uniform
 /// `vec4` of its tag, each of its states the `int` of its name. A shader also gets
 ///
@@ -25,22 +25,23 @@ class Material;
 class PostPass {
 public:
     struct Input { ///< what a material needs
-        ig::vec4 part{0, 0, 1, 1};
+        vec4 part{0, 0, 1, 1};
         float detail = 1;
     };
     bool init();
     void release();
     /// For a result of that width over height; all, as it is, without such a material.
-    Input getInput(const ig::jString& name, float aspect) const;
+    Input getInput(const jString& name, float aspect) const;
     /// From `picture` onto the bound framebuffer of that size. False when there is no such
     /// material or shader, having logged that once; nothing is drawn then.
-    bool draw(const ig::jString& name, const gl::Texture& picture, int width, int height,
-              double time);
+    bool draw(const jString& name, const gl::Texture& picture, int width, int height, double time);
 
 private:
-    gl::Program* find(const ig::jString& name);
-    static void setParameters(const gl::Program& program, const ig::Material& material);
+    gl::Program* find(const jString& name);
+    static void setParameters(const gl::Program& program, const Material& material);
 
     gl::VertexArray m_empty;
     std::map<std::string, gl::Program, std::less<>> m_programs; ///< empty ones: there is no such
 };
+
+} // namespace ig

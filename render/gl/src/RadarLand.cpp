@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cmath>
 
-using namespace ig;
+namespace ig {
 
 namespace {
 
@@ -100,3 +100,5 @@ void RadarLand::bind(gl::Program& program, const FrameView& view, float texel) c
     const double level = std::log2(std::max(static_cast<double>(texel) * per_north, 1.0));
     program.set("uDetail", static_cast<float>(std::floor(level)));
 }
+
+} // namespace ig

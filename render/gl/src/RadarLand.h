@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "FrameView.h"
 #include "GlObjects.h"
+#include "render/scene/FrameView.h"
 
 class ObjectTerrain;
 struct TerrainGrid;
+
+namespace ig {
 
 /// The land as a radar needs it: a texture of the terrain's raster with the slope towards east and
 /// north (−1 to 1 over red and green) and whether there is land at all (blue), made once per
@@ -28,3 +30,5 @@ private:
     const float* m_made_of = nullptr;
     const ObjectTerrain* m_terrain = nullptr;
 };
+
+} // namespace ig

@@ -13,7 +13,7 @@
 #include <cmath>
 #include <cstddef>
 
-using namespace ig;
+namespace ig {
 
 namespace {
 
@@ -223,3 +223,5 @@ void RadarPass::drawTargets(float gain) {
     glBlendEquation(GL_FUNC_ADD);
     glDisable(GL_BLEND);
 }
+
+} // namespace ig

@@ -1,20 +1,21 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "FrameView.h"
 #include "GlObjects.h"
 #include "RadarLand.h"
+#include "render/scene/FrameView.h"
 
 #include <vector>
 
+class ObjectOcean;
+class ObjectTerrain;
+
 namespace ig {
+
 class Node;
 class ObjectMesh;
 class World;
 struct FrameInfo;
-} // namespace ig
-class ObjectOcean;
-class ObjectTerrain;
 
 /// Vision mode 3: what a weather radar at the camera's place sees, in the camera's projection and
 /// in shades of one green, black without any echo. Nothing of the scene itself is drawn; one pass
@@ -36,24 +37,24 @@ public:
     bool init();
     void release();
     /// Onto the bound framebuffer, whose viewport is set, and within the scissor.
-    void draw(const ig::World& world, const FrameView& view, const ig::FrameInfo& frame,
+    void draw(const World& world, const FrameView& view, const FrameInfo& frame,
               const gl::Texture& noise, float gain);
 
 private:
-    struct Corner {     ///< of a target's rectangle
-        ig::vec3 place; ///< x, y, w in clip space
+    struct Corner { ///< of a target's rectangle
+        vec3 place; ///< x, y, w in clip space
         float strength;
     };
 
-    void gather(const ig::Node& node, const ig::FrameInfo& frame, const FrameView& view);
-    void addTarget(const ig::ObjectMesh& object, const FrameView& view);
-    void addRectangle(const ig::vec3& center, const ig::vec3& x, const ig::vec3& y, float strength,
+    void gather(const Node& node, const FrameInfo& frame, const FrameView& view);
+    void addTarget(const ObjectMesh& object, const FrameView& view);
+    void addRectangle(const vec3& center, const vec3& x, const vec3& y, float strength,
                       const FrameView& view);
-    void moveCells(const FrameView& view, const ig::FrameInfo& frame);
-    void drawGround(const FrameView& view, const ig::FrameInfo& frame, const gl::Texture& noise,
+    void moveCells(const FrameView& view, const FrameInfo& frame);
+    void drawGround(const FrameView& view, const FrameInfo& frame, const gl::Texture& noise,
                     float gain);
     void setSea(float texel);
-    void setCells(const ig::FrameInfo& frame);
+    void setCells(const FrameInfo& frame);
     void drawTargets(float gain);
 
     gl::Program m_ground, m_target;
@@ -66,8 +67,10 @@ private:
     std::vector<Corner> m_corners;
 
     double m_cells_latitude = 1e9; ///< where the plane of the cells is true, degrees
-    ig::dvec2 m_cells_place;       ///< of the radar in the drifting plane, m
-    ig::dvec2 m_drift;             ///< of the cells since the first picture, m east and north
+    dvec2 m_cells_place;           ///< of the radar in the drifting plane, m
+    dvec2 m_drift;                 ///< of the cells since the first picture, m east and north
     double m_drift_time = 0;       ///< scene time that the drift stands at, s
     int m_pictures = 0;
 };
+
+} // namespace ig

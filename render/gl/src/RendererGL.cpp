@@ -1,17 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "render/gl/RendererGL.h"
 
-#include "DecalStore.h"
-#include "FrameBlock.h"
-#include "FrameView.h"
 #include "GlObjects.h"
 #include "GrassPass.h"
 #include "HeadlessContext.h"
 #include "MeshPass.h"
-#include "NoiseTexture.h"
 #include "OceanPass.h"
-#include "Png.h"
-#include "SceneList.h"
 #include "ShadowMap.h"
 #include "SkyPass.h"
 #include "SpritePass.h"
@@ -23,13 +17,19 @@
 #include "ig/base/jLog.h"
 #include "ig/scene/Camera.h"
 #include "plugins/ocean/ObjectOcean.h"
+#include "render/image/Png.h"
+#include "render/scene/DecalStore.h"
+#include "render/scene/FrameBlock.h"
+#include "render/scene/FrameView.h"
+#include "render/scene/Patterns.h"
+#include "render/scene/SceneList.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstring>
 
-using namespace ig;
+namespace ig {
 
 namespace {
 
@@ -138,7 +138,11 @@ bool RendererGL::Impl::initPasses() {
     glBufferData(GL_UNIFORM_BUFFER, sizeof(FrameBlock), nullptr, GL_DYNAMIC_DRAW);
     glBindBufferBase(GL_UNIFORM_BUFFER, gl::FRAME_BLOCK, block_buffer.id());
     empty.create();
-    makeNoiseTexture(noise);
+    const Pattern pattern = makeNoisePattern();
+    gl::TextureFormat format{GL_RGBA8, GL_RGBA, GL_UNSIGNED_BYTE, GL_REPEAT};
+    format.filter = GL_LINEAR_MIPMAP_LINEAR;
+    gl::makeTexture(noise, pattern.edge, pattern.edge, format, pattern.texels.data());
+    glGenerateMipmap(GL_TEXTURE_2D);
     // The software renderer pays for every texel of the bake.
     const bool software = std::strstr(device.c_str(), "llvmpipe") != nullptr;
     return tonemap.build("screen.vert", "tonemap.frag") && fxaa.build("screen.vert", "fxaa.frag") &&
@@ -376,3 +380,5 @@ double RendererGL::readDistance(double x, double y) {
                  GL_FLOAT, &depth);
     return r.view.toDistance(static_cast<double>(depth));
 }
+
+} // namespace ig

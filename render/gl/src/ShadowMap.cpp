@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-using namespace ig;
+namespace ig {
 
 namespace {
 constexpr float DEPTH = 4 * ShadowMap::RADIUS; // m each way: casters up the light's path count too
@@ -104,3 +104,5 @@ void ShadowMap::bind() const {
     gl::bindTexture(gl::UNIT_SHADOW, m_near.depth);
     gl::bindTexture(gl::UNIT_SHADOW_FAR, m_far.depth);
 }
+
+} // namespace ig

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "FrameBlock.h"
 #include "GlObjects.h"
+#include "render/scene/FrameBlock.h"
 
 #include <vector>
+
+namespace ig {
 
 /// What the sun (or moon) sees, as the depth of the nearest caster: a near map of the surroundings
 /// of one place, and a far one, fitted around what looks largest of the large things in view beyond
@@ -20,10 +22,10 @@ public:
     void release();
     /// Puts the near map's transform into the frame block: the light's direction must be there
     /// already. `center` in E.
-    void place(const ig::vec3& center, FrameBlock& block) const;
+    void place(const vec3& center, FrameBlock& block) const;
     /// Puts the far map's into the block: around the largest to the eye of the spheres (E; w:
     /// radius) of what may cast into it, and those beside it. After `place`.
-    void fit(const std::vector<ig::vec4>& casters, FrameBlock& block) const;
+    void fit(const std::vector<vec4>& casters, FrameBlock& block) const;
     /// Make a map the target of the casters' draws; the caller sets the viewport back.
     void beginNear();
     void beginFar();
@@ -40,3 +42,5 @@ private:
 
     Map m_near, m_far;
 };
+
+} // namespace ig

@@ -7,7 +7,7 @@
 #include <cmath>
 #include <vector>
 
-using namespace ig;
+namespace ig {
 
 namespace {
 
@@ -299,3 +299,5 @@ void SkyPass::drawClouds(const FrameView& view, const gl::Texture& depth) {
     glDisable(GL_BLEND);
     glEnable(GL_DEPTH_TEST);
 }
+
+} // namespace ig

@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "SpritePass.h"
 
-#include "PuffTexture.h"
-#include "SceneList.h"
 #include "ig/app/Renderer.h"
 #include "ig/scene/ParticleSystem.h"
 #include "ig/scene/SceneObjects.h"
+#include "render/scene/Patterns.h"
+#include "render/scene/SceneList.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 
-using namespace ig;
+namespace ig {
 
 namespace {
 constexpr float LONGEST_STREAK = 2.5f;  ///< m: longer ones would reach through the cabin's walls
@@ -38,7 +38,12 @@ bool SpritePass::init() {
     attribute(1, 4, offsetof(Sprite, color));
     attribute(2, 4, offsetof(Sprite, turn));
     attribute(3, 4, offsetof(Sprite, stretch));
-    makePuffTexture(m_sheet);
+    const Pattern puffs = makePuffPattern();
+    gl::TextureFormat format{GL_RG8, GL_RG, GL_UNSIGNED_BYTE};
+    format.filter = GL_LINEAR_MIPMAP_LINEAR;
+    gl::makeTexture(m_sheet, puffs.edge, puffs.edge, format, puffs.texels.data());
+    glGenerateMipmap(GL_TEXTURE_2D);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 4); // beyond, shapes run into each other
     return true;
 }
 
@@ -176,3 +181,5 @@ void SpritePass::draw(const FrameView& view, const gl::Texture& depth) {
     glDepthMask(GL_TRUE);
     glDisable(GL_BLEND);
 }
+
+} // namespace ig

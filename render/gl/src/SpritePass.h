@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "FrameView.h"
 #include "GlObjects.h"
+#include "render/scene/FrameView.h"
 
 #include <vector>
 
-struct CableItem;
 namespace ig {
+
+struct CableItem;
 struct FrameInfo;
 class ObjectParticles;
 struct Particle;
 struct ParticleCloud;
-} // namespace ig
 struct LampItem;
 
 /// Draws particles, lamps and thin cables as squares that face the eye, all in one call, far to
@@ -22,31 +22,30 @@ public:
     bool init();
     void release();
     /// Gathers the frame's sprites; its `particles` may be null.
-    void gather(const FrameView& view, const ig::FrameInfo& frame,
-                const std::vector<LampItem>& lamps, const std::vector<CableItem>& cables);
+    void gather(const FrameView& view, const FrameInfo& frame, const std::vector<LampItem>& lamps,
+                const std::vector<CableItem>& cables);
     /// `depth` of the scene, in which soft particles end softly.
     void draw(const FrameView& view, const gl::Texture& depth);
 
 private:
     struct Sprite { ///< `additive`: 1 adds light only, 0 covers what is behind
-        ig::vec3 position;
+        vec3 position;
         float size;
-        ig::vec4 color;
+        vec4 color;
         float turn, emission, additive, kind;
-        ig::vec3 stretch;
+        vec3 stretch;
         float youth; ///< 0 at birth, 1 at the end
         float depth; ///< along the view, for the order; the shader doesn't read it
     };
     struct Look { ///< what an emitter's material says
-        ig::vec4 color;
+        vec4 color;
         float size, growth, emission, soot, streak, exposure;
         int sheet; ///< 0 discs, 1 puffs, 2 flames, 3 drops
     };
-    static Look readLook(const ig::ObjectParticles& emitter);
-    static float shapeOf(int sheet, const ig::Particle& particle);
-    static ig::vec3 cooled(const Look& look, float youth);
-    void addCloud(const FrameView& view, const ig::ParticleCloud& cloud,
-                  const ig::vec3& eye_velocity);
+    static Look readLook(const ObjectParticles& emitter);
+    static float shapeOf(int sheet, const Particle& particle);
+    static vec3 cooled(const Look& look, float youth);
+    void addCloud(const FrameView& view, const ParticleCloud& cloud, const vec3& eye_velocity);
 
     gl::Program m_program;
     gl::VertexArray m_vertex_array;
@@ -54,3 +53,5 @@ private:
     gl::Texture m_sheet;
     std::vector<Sprite> m_sprites;
 };
+
+} // namespace ig

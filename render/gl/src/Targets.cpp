@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace ig {
+
 bool Targets::make(int width, int height, float scale) {
     m_width = std::max(width, 1);
     m_height = std::max(height, 1);
@@ -37,8 +39,8 @@ bool Targets::make(int width, int height, float scale) {
     attach(toned_target, toned, nullptr);
     attach(finished_target, finished, nullptr);
     if (!complete)
-        ig::jLog::error("RendererGL: the driver refuses framebuffers of %d x %d pixels", m_width,
-                        m_height);
+        jLog::error("RendererGL: the driver refuses framebuffers of %d x %d pixels", m_width,
+                    m_height);
     return complete;
 }
 
@@ -48,3 +50,5 @@ void Targets::release() {
     for (gl::Framebuffer* target : {&scene_target, &toned_target, &finished_target})
         target->destroy();
 }
+
+} // namespace ig

@@ -3,6 +3,8 @@
 
 #include "GlObjects.h"
 
+namespace ig {
+
 /// Where the picture comes into being: scene light and depth at the render scale, the toned picture
 /// at the same size, the finished one at full size.
 class Targets {
@@ -22,3 +24,5 @@ public:
 private:
     int m_width = 0, m_height = 0, m_scene_width = 0, m_scene_height = 0;
 };
+
+} // namespace ig

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "TerrainPass.h"
 
-#include "SurfaceLook.h"
 #include "ig/math/EllipsoidModel.h"
 #include "ig/math/quat.h"
+#include "render/scene/SurfaceLook.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 
-using namespace ig;
+namespace ig {
 
 namespace {
 
@@ -256,3 +256,5 @@ void TerrainPass::fill(Chunk& chunk, const TerrainGrid& grid, const Square& squa
     for (GLuint i = 0; i < 3; i++)
         glEnableVertexAttribArray(i);
 }
+
+} // namespace ig

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "FrameView.h"
 #include "GlObjects.h"
 #include "plugins/terrain/ObjectTerrain.h"
+#include "render/scene/FrameView.h"
 
 #include <unordered_map>
 #include <vector>
+
+namespace ig {
 
 /// Draws the ground. A quadtree over the samples of the terrain: a node is a square of 32 × 32
 /// cells, of every sample at the leaves, of every second, fourth, ... above. Near the eye nodes are
@@ -21,9 +23,9 @@ public:
     void release();
     void draw(const FrameView& view, const ObjectTerrain& terrain);
     /// Place in the noise that colours the ground, m, of a geodetic place.
-    static ig::dvec2 toNoise(const TerrainGrid& grid, double longitude, double latitude);
+    static dvec2 toNoise(const TerrainGrid& grid, double longitude, double latitude);
     static constexpr float SHORE_HEIGHT = 3.5f; ///< where the beach ends, unless the material tells
-    static ig::vec3 readTurf(const ig::Material* material); ///< colour of the grass
+    static vec3 readTurf(const Material* material); ///< colour of the grass
 
 private:
     static constexpr int CELLS = 32;
@@ -31,8 +33,8 @@ private:
         gl::VertexArray vertex_array;
         gl::Buffer vertices, indices;
         int num_indices = 0;
-        ig::dmat4 frame; ///< of the chunk's middle, world
-        ig::dvec2 patch; ///< place of the middle in the noise, m
+        dmat4 frame; ///< of the chunk's middle, world
+        dvec2 patch; ///< place of the middle in the noise, m
         int last_drawn = 0;
     };
     struct Square { ///< of the quadtree
@@ -57,3 +59,5 @@ private:
     const TerrainGrid* m_grid = nullptr;
     int m_frame = 0;
 };
+
+} // namespace ig

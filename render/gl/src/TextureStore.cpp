@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "TextureStore.h"
 
-#include "ImageFile.h"
 #include "ig/scene/Mesh.h"
+#include "render/image/ImageFile.h"
 
 #include <algorithm>
 #include <cstring>
 
-using namespace ig;
+namespace ig {
 
 namespace {
 
@@ -63,3 +63,5 @@ void TextureStore::fill(gl::Texture& texture, const jString& path) {
 }
 
 void TextureStore::release() { m_textures.clear(); }
+
+} // namespace ig

@@ -6,17 +6,21 @@
 
 #include <map>
 
+namespace ig {
+
 /// The pictures that surfaces wear, read from their files when first asked for and kept until the
 /// end. A file that can't be read is named in the log once and shown as a magenta chequer.
 class TextureStore {
 public:
     /// Colours are taken as sRGB and become linear; with mip levels, repeated beyond the edges, the
     /// first row of the file at the top (v = 1).
-    const gl::Texture& get(const ig::jString& path);
+    const gl::Texture& get(const jString& path);
     void release();
 
 private:
-    static void fill(gl::Texture& texture, const ig::jString& path);
+    static void fill(gl::Texture& texture, const jString& path);
 
-    std::map<ig::jString, gl::Texture> m_textures;
+    std::map<jString, gl::Texture> m_textures;
 };
+
+} // namespace ig

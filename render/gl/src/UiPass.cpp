@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "UiPass.h"
 
-#include "ImageFile.h"
 #include "ViewportPass.h"
 #include "ig/ui/UiDrawList.h"
+#include "render/image/ImageFile.h"
 
 #include <cmath>
 #include <cstddef>
 
-using namespace ig;
+namespace ig {
 
 bool UiPass::init() {
     if (!m_program.build("ui.vert", "ui.frag")) return false;
@@ -133,3 +133,5 @@ void UiPass::draw(const UiDrawList& list, const ViewportPass& viewports, int wid
     }
     glDisable(GL_BLEND);
 }
+
+} // namespace ig

@@ -8,8 +8,8 @@
 #include <string>
 
 namespace ig {
+
 class UiDrawList;
-}
 class ViewportPass;
 
 /// Draws the user interface over the finished picture. Rectangles and texts between two images go
@@ -21,20 +21,20 @@ public:
     /// Of a line as `draw` sets it, pixels.
     float getTextWidth(float size, std::string_view utf8);
     /// Onto the bound framebuffer of that size.
-    void draw(const ig::UiDrawList& list, const ViewportPass& viewports, int width, int height);
+    void draw(const UiDrawList& list, const ViewportPass& viewports, int width, int height);
 
 private:
     struct Vertex {
-        ig::vec2 place, texture;
-        ig::vec4 color;
+        vec2 place, texture;
+        vec4 color;
     };
     struct Run {                  ///< of vertices with one texture
         const gl::Texture* image; ///< null: the atlas
         int first, count;
     };
-    void addQuad(const gl::Texture* image, ig::vec2 low, ig::vec2 high, ig::vec2 texture_low,
-                 ig::vec2 texture_high, const ig::vec4& color);
-    void addText(float x, float y, float size, const ig::vec4& color, std::string_view utf8);
+    void addQuad(const gl::Texture* image, vec2 low, vec2 high, vec2 texture_low, vec2 texture_high,
+                 const vec4& color);
+    void addText(float x, float y, float size, const vec4& color, std::string_view utf8);
     const gl::Texture& findImage(std::string_view path);
 
     gl::Program m_program;
@@ -45,3 +45,5 @@ private:
     std::vector<Vertex> m_vertices;
     std::vector<Run> m_runs;
 };
+
+} // namespace ig

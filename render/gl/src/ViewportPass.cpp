@@ -11,7 +11,7 @@
 #include <cmath>
 #include <limits>
 
-using namespace ig;
+namespace ig {
 
 namespace {
 
@@ -170,3 +170,5 @@ void ViewportPass::drawRadar(Picture& picture, const UISpriteViewport& viewport,
                  Engine::get()->getEnvironment(ENVIRONMENT_SENSOR_GAIN));
     glDisable(GL_SCISSOR_TEST);
 }
+
+} // namespace ig

@@ -11,13 +11,13 @@
 #include <vector>
 
 namespace ig {
+
 class Camera;
 class UISpriteViewport;
 class UiDrawList;
 class UIRoot;
 class World;
 struct FrameInfo;
-} // namespace ig
 
 /// The pictures of the user interface's viewports: second views, each drawn into a texture of its
 /// own, at a rate of its own, and shown where the draw list says. A viewport that the draw list
@@ -29,12 +29,12 @@ class ViewportPass {
 public:
     /// Draws the ordinary scene, without user interface.
     using DrawScene =
-        std::function<void(const ig::World& world, const ig::Camera& camera, Targets& targets)>;
+        std::function<void(const World& world, const Camera& camera, Targets& targets)>;
 
     bool init();
     void release();
     /// Once per frame, before the main view: `draw_scene` uses the passes that the main view uses.
-    void update(const ig::FrameInfo& frame, const gl::Texture& noise, const DrawScene& draw_scene);
+    void update(const FrameInfo& frame, const gl::Texture& noise, const DrawScene& draw_scene);
     /// The last picture of the viewport of that id; null when it has none.
     const gl::Texture* find(int viewport) const;
 
@@ -50,19 +50,21 @@ private:
         const gl::Texture* finished = nullptr; ///< which of them is shown; null: none yet
     };
     struct Wanted { ///< a viewport that the draw list shows
-        ig::UISpriteViewport* viewport = nullptr;
+        UISpriteViewport* viewport = nullptr;
         int width = 0, height = 0;
     };
 
-    void dropGone(const ig::UIRoot* root);
-    Wanted findMostOverdue(const ig::FrameInfo& frame);
+    void dropGone(const UIRoot* root);
+    Wanted findMostOverdue(const FrameInfo& frame);
     Picture& obtain(int viewport);
-    void draw(Picture& picture, const Wanted& wanted, const ig::FrameInfo& frame,
+    void draw(Picture& picture, const Wanted& wanted, const FrameInfo& frame,
               const gl::Texture& noise, const DrawScene& draw_scene);
-    void drawRadar(Picture& picture, const ig::UISpriteViewport& viewport,
-                   const ig::FrameInfo& frame, const gl::Texture& noise);
+    void drawRadar(Picture& picture, const UISpriteViewport& viewport, const FrameInfo& frame,
+                   const gl::Texture& noise);
 
     RadarPass m_radar;
     PostPass m_post;
     std::vector<std::unique_ptr<Picture>> m_pictures;
 };
+
+} // namespace ig

@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "WakePass.h"
 
-#include "SurfaceLook.h"
 #include "ig/physics/Body.h"
 #include "ig/physics/Shape.h"
 #include "ig/scene/ParticleSystem.h"
 #include "ig/scene/SceneObjects.h"
 #include "plugins/ocean/OceanFrame.h"
+#include "render/scene/SurfaceLook.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 
-using namespace ig;
+namespace ig {
 
 namespace {
 
@@ -231,3 +231,5 @@ void WakePass::paintPatches(const Map& map) {
     glDrawArraysInstanced(GL_TRIANGLE_STRIP, 0, 4, static_cast<GLsizei>(m_patches.size()));
     glDisable(GL_BLEND);
 }
+
+} // namespace ig

@@ -1,17 +1,18 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "FrameView.h"
 #include "GlObjects.h"
+#include "render/scene/FrameView.h"
 
 #include <vector>
 
+struct OceanFrame;
+
 namespace ig {
+
 class DecalOrtho;
 class ParticleSystem;
 struct ParticleCloud;
-} // namespace ig
-struct OceanFrame;
 
 /// Paints what ships leave on the water onto two maps of effects around the eye, which the sea
 /// reads: slopes east and north (128 is level, 255 a slope of 1/4), foam, calm. The near map shows
@@ -26,20 +27,20 @@ public:
     struct Map {
         gl::Texture texture;
         gl::Framebuffer target;
-        ig::vec2 corner;       ///< in the waves' plane, from this frame's nadir, m
+        vec2 corner;           ///< in the waves' plane, from this frame's nadir, m
         float edge = 1;        ///< m
         double every = 0;      ///< s of scene time between paintings
         bool empty = false;    ///< holds nothing
         double painted = -1e9; ///< the sea's time then, s
-        ig::dvec2 place;       ///< of the corner in the waves' plane, m
+        dvec2 place;           ///< of the corner in the waves' plane, m
     };
 
     /// `map_size` in texels: 384 or more looks right.
     bool init(int map_size);
     void release();
     /// Gathers the frame's wakes; `particles` may be null.
-    void gather(const FrameView& view, const ig::ParticleSystem* particles,
-                const std::vector<const ig::DecalOrtho*>& decals);
+    void gather(const FrameView& view, const ParticleSystem* particles,
+                const std::vector<const DecalOrtho*>& decals);
     /// Brings both maps up to date, each at its own rate; the caller sets target and viewport back.
     void draw(const FrameView& view, const OceanFrame& ocean);
 
@@ -49,18 +50,18 @@ public:
 private:
     static constexpr int MOST = 4; ///< wakes at once, the nearest, as in the shaders
     struct Patch {
-        ig::vec2 place; ///< E
+        vec2 place; ///< E
         float radius, opacity;
     };
     struct Wake {
-        ig::vec4 hull;   ///< place (E), unit vector ahead
-        ig::vec4 motion; ///< speed, length, beam, life of foam
+        vec4 hull;   ///< place (E), unit vector ahead
+        vec4 motion; ///< speed, length, beam, life of foam
     };
-    void addPatches(const FrameView& view, const ig::ParticleCloud& cloud);
-    void addWake(const FrameView& view, const ig::DecalOrtho& decal);
+    void addPatches(const FrameView& view, const ParticleCloud& cloud);
+    void addWake(const FrameView& view, const DecalOrtho& decal);
     void bakeKelvin();
-    void refresh(Map& map, float edge, ig::dvec2 nadir, double time);
-    void paintWakes(const Map& map, ig::dvec2 nadir);
+    void refresh(Map& map, float edge, dvec2 nadir, double time);
+    void paintWakes(const Map& map, dvec2 nadir);
     void paintPatches(const Map& map);
 
     int m_size = 0;
@@ -72,3 +73,5 @@ private:
     std::vector<Patch> m_patches;
     std::vector<Wake> m_wakes;
 };
+
+} // namespace ig

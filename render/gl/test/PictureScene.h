@@ -22,7 +22,7 @@ public:
     static constexpr double HALF_HEIGHT = 0.5; ///< of the picture at unit distance
 
     static void SetUpTestSuite() {
-        s_renderer = std::make_unique<RendererGL>(RendererGL::Surface::none);
+        s_renderer = std::make_unique<ig::RendererGL>(ig::RendererGL::Surface::none);
         s_drawable = s_renderer->init(WIDTH, HEIGHT);
     }
     static void TearDownTestSuite() { s_renderer.reset(); }
@@ -99,7 +99,7 @@ public:
         return p[1] > 150 && p[0] < 90 && p[2] < 90;
     }
 
-    static inline std::unique_ptr<RendererGL> s_renderer;
+    static inline std::unique_ptr<ig::RendererGL> s_renderer;
     static inline bool s_drawable = false;
     const ig::vec4 RED{1, 0.01f, 0.01f, 1}, GREEN{0.01f, 1, 0.01f, 1};
     std::vector<std::unique_ptr<ig::Material>> m_materials; // outlive the world

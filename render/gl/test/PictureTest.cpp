@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "GlyphAtlas.h"
 #include "PictureScene.h"
-#include "Png.h"
 #include "ig/ui/UiDrawList.h"
 #include "plugins/ocean/ObjectOcean.h"
+#include "render/image/Png.h"
 #include "testkit/LogCapture.h"
 #include "testkit/TempFolder.h"
 

@@ -5,6 +5,8 @@
 
 #include <memory>
 
+namespace ig {
+
 /// Draws the scene with OpenGL 3.3 core.
 ///
 /// Everything is drawn into framebuffers of its own, at the render scale, in linear light; then
@@ -12,7 +14,7 @@
 /// window the picture is copied to it; without, it is there to be read back.
 ///
 /// One renderer at a time in a process, used from one thread.
-class RendererGL : public ig::Renderer {
+class RendererGL : public Renderer {
 public:
     enum class Surface {
         none,  ///< makes a context of its own, without window or display server
@@ -24,27 +26,28 @@ public:
     const char* getName() const override { return "OpenGL"; }
     bool init(int width, int height) override;
     void resize(int width, int height) override;
-    void render(const ig::World& world, const ig::Camera& camera,
-                const ig::FrameInfo& frame) override;
+    void render(const World& world, const Camera& camera, const FrameInfo& frame) override;
     void release() override;
 
     void setScale(float scale) override;
     float getScale() const override;
     float getTextWidth(float size, std::string_view utf8) override;
-    bool readPicture(ig::Picture& picture) override;
-    bool savePicture(const ig::jString& path) override;
-    bool writePicture(const ig::jString& path, const ig::Picture& picture) override;
+    bool readPicture(Picture& picture) override;
+    bool savePicture(const jString& path) override;
+    bool writePicture(const jString& path, const Picture& picture) override;
     void setProfiling(bool on) override;
-    std::span<const ig::PassTime> getPassTimes() const override;
-    ig::RenderResources getResources() const override;
+    std::span<const PassTime> getPassTimes() const override;
+    RenderResources getResources() const override;
 
     /// Distance from the eye, along the view axis, of what the last frame shows at a place of the
     /// picture, (0, 0) top left to (1, 1) bottom right; infinite for the sky.
     double readDistance(double x, double y);
     /// Who draws, as the driver tells; empty before `init`.
-    const ig::jString& getDevice() const;
+    const jString& getDevice() const;
 
 private:
     struct Impl;
     std::unique_ptr<Impl> m_impl;
 };
+
+} // namespace ig

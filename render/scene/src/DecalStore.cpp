@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "DecalStore.h"
+#include "render/scene/DecalStore.h"
 
 #include "ig/scene/Mesh.h"
 #include "ig/scene/SceneObjects.h"
@@ -9,7 +9,7 @@
 #include <cmath>
 #include <vector>
 
-using namespace ig;
+namespace ig {
 
 namespace {
 
@@ -91,3 +91,5 @@ void DecalStore::purge() {
     std::erase_if(m_sheets,
                   [this](const auto& entry) { return entry.second.last_used < m_frame - KEPT; });
 }
+
+} // namespace ig

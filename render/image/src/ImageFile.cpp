@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ImageFile.h"
+#include "render/image/ImageFile.h"
 
 #include "common/program/InputFile.h"
 #include "ig/base/jLog.h"
@@ -7,7 +7,7 @@
 #include <cstring>
 #include <fstream>
 
-using ig::jLog;
+namespace ig {
 
 namespace {
 
@@ -61,3 +61,5 @@ bool readImage(const std::string& path, Image& image) {
     jLog::error("readImage: \"%s\": not a DDS file of 32-bit pixels", path.c_str());
     return false;
 }
+
+} // namespace ig

@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "FrameView.h"
-#include "SurfaceLook.h"
+#include "render/scene/FrameView.h"
+#include "render/scene/SurfaceLook.h"
 
 #include <memory>
 #include <vector>
 
+class ObjectOcean;
+class ObjectTerrain;
+
 namespace ig {
+
 class DecalOrtho;
 class Mesh;
 class Node;
@@ -15,30 +19,27 @@ class NodeField;
 class ObjectParticles;
 class ObjectRope;
 class World;
-} // namespace ig
-class ObjectOcean;
-class ObjectTerrain;
 
 /// One surface of a mesh to be drawn.
 struct MeshItem {
-    const std::shared_ptr<const ig::Mesh>* mesh; ///< the object's own; valid in this frame
+    const std::shared_ptr<const Mesh>* mesh; ///< the object's own; valid in this frame
     int surface;
-    ig::mat4 transform; ///< mesh to E
-    float distance;     ///< of the object's middle from the eye, m
+    mat4 transform; ///< mesh to E
+    float distance; ///< of the object's middle from the eye, m
     SurfaceLook look;
 };
 
 /// A lamp that is seen itself.
 struct LampItem {
-    ig::vec3 position; ///< E
-    ig::vec3 color;
+    vec3 position; ///< E
+    vec3 color;
     float power;
 };
 
 /// A piece of a cable too thin for triangles.
 struct CableItem {
-    ig::vec3 middle, half; ///< E; from the middle to the end
-    ig::vec3 color;
+    vec3 middle, half; ///< E; from the middle to the end
+    vec3 color;
     float radius; ///< m
 };
 
@@ -48,38 +49,40 @@ class SceneList {
 public:
     /// Meshes outside the view are left out, those that cast a shadow into the sphere around
     /// `shadow_center` (E) excepted.
-    void gather(const ig::World& world, const FrameView& view, const ig::vec3& shadow_center,
+    void gather(const World& world, const FrameView& view, const vec3& shadow_center,
                 float shadow_radius);
 
     /// Brings batches together and what lets light through into order; after all has been added.
     void sort();
 
-    const ig::Node* left_out = nullptr; ///< set before `gather`: with all below it; null: none
+    const Node* left_out = nullptr; ///< set before `gather`: with all below it; null: none
 
     std::vector<MeshItem> opaque;      ///< near batches first; equal mesh, surface, look adjoin
     std::vector<MeshItem> transparent; ///< far to near
     std::vector<MeshItem> casters;     ///< opaque ones near the shadow's centre
     std::vector<MeshItem> far_casters; ///< large ones in view beyond those
-    std::vector<ig::vec4> far_bounds;  ///< their spheres in E; w: radius, m
+    std::vector<vec4> far_bounds;      ///< their spheres in E; w: radius, m
     std::vector<LampItem> lamps;
     std::vector<CableItem> cables; ///< thinner than a pixel; thicker ones are meshes
-    std::vector<const ig::ObjectParticles*> emitters;
-    std::vector<const ig::DecalOrtho*> decals;   ///< without texture: of wakes
-    std::vector<const ig::DecalOrtho*> pictures; ///< decals with one
-    std::vector<const ig::NodeField*> fields;
+    std::vector<const ObjectParticles*> emitters;
+    std::vector<const DecalOrtho*> decals;   ///< without texture: of wakes
+    std::vector<const DecalOrtho*> pictures; ///< decals with one
+    std::vector<const NodeField*> fields;
     const ObjectOcean* ocean = nullptr;
     const ObjectTerrain* terrain = nullptr;
     int visited = 0; ///< nodes looked at
 
 private:
-    void visit(const ig::Node& node);
-    void addDecal(const ig::DecalOrtho& decal);
-    void addCable(const ig::ObjectRope& rope);
-    void addMesh(const ig::Node& node);
-    bool castsFar(const ig::vec3& center, float radius) const;
-    void addLamp(const ig::Node& node);
+    void visit(const Node& node);
+    void addDecal(const DecalOrtho& decal);
+    void addCable(const ObjectRope& rope);
+    void addMesh(const Node& node);
+    bool castsFar(const vec3& center, float radius) const;
+    void addLamp(const Node& node);
 
     const FrameView* m_view = nullptr;
-    ig::vec3 m_shadow_center;
+    vec3 m_shadow_center;
     float m_shadow_radius = 0;
 };
+
+} // namespace ig

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "PuffTexture.h"
+#include "render/scene/Patterns.h"
 
 #include "ValueNoise.h"
 
 #include <algorithm>
 #include <vector>
+
+namespace ig {
 
 namespace {
 
@@ -62,7 +64,7 @@ float density(int cell, float x, float y) {
 
 } // namespace
 
-void makePuffTexture(gl::Texture& texture) {
+Pattern makePuffPattern() {
     std::vector<std::uint8_t> bytes;
     const auto byte = [](float v) {
         return static_cast<std::uint8_t>(std::clamp(v * 255 + 0.5f, 0.0f, 255.0f));
@@ -77,9 +79,7 @@ void makePuffTexture(gl::Texture& texture) {
             bytes.push_back(byte(here));
             bytes.push_back(byte(0.5f + 0.9f * (here - towards_light)));
         }
-    gl::TextureFormat format{GL_RG8, GL_RG, GL_UNSIGNED_BYTE};
-    format.filter = GL_LINEAR_MIPMAP_LINEAR;
-    gl::makeTexture(texture, CELLS * CELL, CELLS * CELL, format, bytes.data());
-    glGenerateMipmap(GL_TEXTURE_2D);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 4); // beyond, shapes run into each other
+    return {CELLS * CELL, std::move(bytes)};
 }
+
+} // namespace ig

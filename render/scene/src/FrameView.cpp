@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "FrameView.h"
+#include "render/scene/FrameView.h"
 
 #include "ig/math/EllipsoidModel.h"
 #include "ig/scene/Camera.h"
@@ -7,7 +7,7 @@
 #include <cmath>
 #include <limits>
 
-using namespace ig;
+namespace ig {
 
 namespace {
 
@@ -95,3 +95,5 @@ double FrameView::toDistance(double depth) const {
     if (depth <= 0) return std::numeric_limits<double>::infinity();
     return near * far / (depth * (far - near) + near);
 }
+
+} // namespace ig

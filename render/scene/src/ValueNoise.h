@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstdint>
 
+namespace ig {
+
 /// 0 to 1, by cell.
 inline float hash(int x, int y) {
     auto h =
@@ -26,3 +28,5 @@ inline float valueNoise(float x, float y, int cells) {
     return std::lerp(std::lerp(at(i, j), at(i + 1, j), u),
                      std::lerp(at(i, j + 1), at(i + 1, j + 1), u), v);
 }
+
+} // namespace ig

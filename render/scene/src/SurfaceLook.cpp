@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "SurfaceLook.h"
+#include "render/scene/SurfaceLook.h"
 
 #include "ig/scene/Material.h"
 
-using namespace ig;
+namespace ig {
 
 namespace {
 // Short tags stay within jString's own storage: asking costs no allocation.
@@ -42,3 +42,5 @@ SurfaceLook SurfaceLook::read(const Material* material) {
     look.texture = material->findTexture(BASE_COLOR);
     return look;
 }
+
+} // namespace ig

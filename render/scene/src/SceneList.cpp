@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "SceneList.h"
+#include "render/scene/SceneList.h"
 
 #include "ig/scene/Mesh.h"
 #include "ig/scene/SceneObjects.h"
@@ -10,7 +10,7 @@
 #include <algorithm>
 #include <tuple>
 
-using namespace ig;
+namespace ig {
 
 void SceneList::gather(const World& world, const FrameView& view, const vec3& shadow_center,
                        float shadow_radius) {
@@ -157,3 +157,5 @@ void SceneList::sort() {
     std::sort(transparent.begin(), transparent.end(),
               [](const MeshItem& a, const MeshItem& b) { return a.distance > b.distance; });
 }
+
+} // namespace ig

@@ -5,8 +5,10 @@
 
 #include <string>
 
+namespace ig {
+
 /// Writes a picture. False, with one log line, when the file can't be written.
-bool writePng(const std::string& path, const ig::Picture& picture);
+bool writePng(const std::string& path, const Picture& picture);
 
 /// Pixels of an image file: four bytes (red, green, blue, opacity) each, rows from the top.
 struct Image {
@@ -15,3 +17,5 @@ struct Image {
 };
 /// Reads an image. False, with one log line, when it can't be read.
 bool readPng(const std::string& path, Image& image);
+
+} // namespace ig

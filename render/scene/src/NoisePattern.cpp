@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "NoiseTexture.h"
+#include "render/scene/Patterns.h"
 
 #include "ValueNoise.h"
 
@@ -7,6 +7,8 @@
 #include <cmath>
 #include <cstdint>
 #include <numeric>
+
+namespace ig {
 
 namespace {
 
@@ -42,7 +44,7 @@ void spreadEvenly(std::vector<float>& values) {
 
 } // namespace
 
-void makeNoiseTexture(gl::Texture& texture) {
+Pattern makeNoisePattern() {
     std::vector<float> lace, clouds;
     for (int y = 0; y < SIZE; y++)
         for (int x = 0; x < SIZE; x++) {
@@ -78,8 +80,7 @@ void makeNoiseTexture(gl::Texture& texture) {
             bytes.push_back(toByte(0.5f + (cloudAt(x + 5, y) - cloudAt(x - 5, y)) / 2));
             bytes.push_back(toByte(0.5f + (cloudAt(x, y + 5) - cloudAt(x, y - 5)) / 2));
         }
-    gl::TextureFormat format{GL_RGBA8, GL_RGBA, GL_UNSIGNED_BYTE, GL_REPEAT};
-    format.filter = GL_LINEAR_MIPMAP_LINEAR;
-    gl::makeTexture(texture, SIZE, SIZE, format, bytes.data());
-    glGenerateMipmap(GL_TEXTURE_2D);
+    return {SIZE, std::move(bytes)};
 }
+
+} // namespace ig

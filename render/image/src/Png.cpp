@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Png.h"
+#include "render/image/Png.h"
 
 #include "common/program/InputFile.h"
 #include "common/program/OutputFile.h"
@@ -10,7 +10,8 @@
 #include <new>
 #include <png.h>
 
-using ig::jLog;
+namespace ig {
+
 using program::OutputFile;
 
 namespace {
@@ -39,7 +40,7 @@ bool isSane(std::uint64_t width, std::uint64_t height, std::uint64_t bytes, std:
 
 // The compression level and filter are the ones that cost least for rendered pictures: 44 ms
 // instead of some 200 for 1280 × 720.
-bool writePng(const std::string& path, const ig::Picture& picture) {
+bool writePng(const std::string& path, const Picture& picture) {
     OutputFile file;
     if (!file.open(path, OutputFile::Kind::whole)) {
         jLog::error("writePng: %s", file.message().c_str());
@@ -91,3 +92,5 @@ bool readPng(const std::string& path, Image& image) {
     png_image_free(&header);
     return false;
 }
+
+} // namespace ig

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "SceneList.h"
+#include "render/scene/SceneList.h"
 
 #include <map>
 #include <memory>
+
+namespace ig {
 
 /// Pictures laid down onto what lies below their nodes: soot, oil, tyre marks. When a decal first
 /// comes into view its rectangle is let down along the node's −Z, point by point, onto what segment
@@ -16,18 +18,20 @@ public:
         2; ///< m below the node; where nothing is met the sheet has a hole
 
     /// Adds the sheets of the list's pictures to what it draws, lays one that is missing.
-    void gather(const ig::World& world, const FrameView& view, SceneList& list);
+    void gather(const World& world, const FrameView& view, SceneList& list);
     void release() { m_sheets.clear(); }
 
 private:
     struct Sheet {
-        std::shared_ptr<const ig::Mesh> mesh; ///< in the node's frame; null: nothing below
-        ig::vec2 size;
+        std::shared_ptr<const Mesh> mesh; ///< in the node's frame; null: nothing below
+        vec2 size;
         int last_used = 0;
     };
-    static std::shared_ptr<const ig::Mesh> lay(const ig::World& world, const ig::DecalOrtho& decal);
+    static std::shared_ptr<const Mesh> lay(const World& world, const DecalOrtho& decal);
     void purge();
 
-    std::map<const ig::DecalOrtho*, Sheet> m_sheets;
+    std::map<const DecalOrtho*, Sheet> m_sheets;
     int m_frame = 0;
 };
+
+} // namespace ig

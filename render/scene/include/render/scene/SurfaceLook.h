@@ -6,29 +6,31 @@
 #include "ig/base/jString.h"
 
 namespace ig {
+
 class Material;
-}
 
 /// What the mesh shaders take from a material. docs/worlds.md lists the tags.
 struct SurfaceLook {
-    ig::vec4 color{0.6f, 0.6f, 0.6f, 1}; ///< linear; w: opacity
+    vec4 color{0.6f, 0.6f, 0.6f, 1}; ///< linear; w: opacity
     float roughness = 0.8f, metalness = 0, emission = 0;
     float wetness = 0, ice = 0, rain = 0, wiper = 0; ///< 0 to 1
     bool two_sided = false;
-    ig::vec4 paving;  ///< slab's edges along X and Y, m, half a joint, m, spread of tones; 0: none
+    vec4 paving;      ///< slab's edges along X and Y, m, half a joint, m, spread of tones; 0: none
     float paint = -1; ///< width over which paint frays, m; negative: no paint
-    ig::vec4 rotor;   ///< radius, chord, m, blades, 1 where it turns about X, not Z; 0: none
+    vec4 rotor;       ///< radius, chord, m, blades, 1 where it turns about X, not Z; 0: none
     float tile = 0;   ///< m of one texture's edge on meshes without texture coordinates
     /// Base colour's picture file, or null; the material's or the mesh's own.
-    const ig::jString* texture = nullptr;
+    const jString* texture = nullptr;
 
     /// Tags that the material lacks, or all without material, keep their defaults.
-    static SurfaceLook read(const ig::Material* material);
+    static SurfaceLook read(const Material* material);
     bool isOpaque() const { return color.w >= 0.999f && paint < 0 && rotor.x <= 0; }
     friend bool operator==(const SurfaceLook&, const SurfaceLook&) = default;
 };
 
 /// The slider of that tag, or `otherwise` when there is no such tag or no material.
-float readSlider(const ig::Material* material, const char* tag, float otherwise);
+float readSlider(const Material* material, const char* tag, float otherwise);
 /// The value of that tag, likewise.
-ig::vec4 readValue(const ig::Material* material, const char* tag, const ig::vec4& otherwise);
+vec4 readValue(const Material* material, const char* tag, const vec4& otherwise);
+
+} // namespace ig
