@@ -4,7 +4,7 @@
 // decoding, the feedback against geometry.
 
 #include "ChannelRun.h"
-#include "flightsim/Recording.h"
+#include "flightsim/recording/Recording.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,8 +2,8 @@
 
 // The missions that we ship against the world that we ship: ships under way, real ground below.
 
-#include "flightsim/MissionFile.h"
-#include "flightsim/MissionFlight.h"
+#include "flightsim/mission/MissionFile.h"
+#include "flightsim/mission/MissionFlight.h"
 #include "plugins/ocean/ObjectOcean.h"
 #include "testkit/LogicScene.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "testkit/Program.h"
 #include "common/wire/UdpRecvData.h"
-#include "flightsim/UdpLink.h"
+#include "flightsim/link/UdpLink.h"
 
 #include <algorithm>
 #include <csignal>

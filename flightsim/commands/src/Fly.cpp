@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+#include "Fly.h"
+
+#include "flightsim/mission/MissionFile.h"
+
+#include <cmath>
+#include <memory>
+
+namespace flightsim {
+
+bool Fly::openMission(const FlyOptions& options, std::string& message) {
+    m_options = options;
+    auto mission = readMission(options.file, message);
+    if (!mission) return false;
+    m_mission = std::move(*mission);
+    m_mission.reset = m_mission.reset && options.reset;
+    auto plan = planFlight(m_mission, options.duration, message);
+    if (!plan) return false;
+    m_plan = std::move(*plan);
+    return true;
+}
+
+bool Fly::open(const FlyOptions& options, std::string& message) {
+    if (!openMission(options, message)) return false;
+    if (!m_link.open(options.link, message)) return false;
+    if (options.record.empty() || m_writer.open(options.record, RecordingFormat::whole, wallNow()))
+        return true;
+    message = m_writer.message();
+    return false;
+}
+
+bool Fly::run(const StopFlag& stop, std::string& message) {
+    const double interval = m_options.speed / m_options.rate; // seconds of flight
+    m_link.awaitFeedback(m_options.wait, stop);
+    auto flight = std::make_unique<MissionFlight>(m_mission, m_plan.legs);
+    bool good = true;
+    for (std::int64_t n = 0; good; n++) {
+        if (m_options.seconds >= 0 && double(n) * interval >= m_options.seconds) break;
+        if (flight->finished() && m_options.loop)
+            flight = std::make_unique<MissionFlight>(m_mission, m_plan.legs);
+        // Whole numbers of records, so that a long flight doesn't drift from the clock.
+        const auto time_ns = static_cast<std::int64_t>(
+            std::llround(double(n) * double(ns_per_second) / m_options.rate));
+        const UdpRecvData& now = flight->record();
+        if (!m_link.sendAt(time_ns, {reinterpret_cast<const std::uint8_t*>(&now), sizeof now},
+                           stop))
+            break;
+        good = record(time_ns, now);
+        if (flight->finished()) break;
+        takeFeedback(*flight);
+        flight->advance(interval);
+        if (!flight->fault().empty()) break;
+    }
+    message = flight->fault();
+    if (!m_writer.close() && !m_writer.message().empty()) {
+        if (message.empty()) message = m_writer.message();
+        m_writer.discard(); // the mission can be flown again
+    }
+    std::string link_message;
+    if (!m_link.finish(link_message) && message.empty()) message = link_message;
+    return message.empty();
+}
+
+/// Keeps a record that was sent, when a file is wanted for them. False when it can't be written.
+bool Fly::record(std::int64_t time_ns, const UdpRecvData& record) {
+    if (m_options.record.empty()) return true;
+    bool good =
+        m_writer.append(time_ns, {reinterpret_cast<const std::uint8_t*>(&record), sizeof record});
+    if (time_ns >= m_next_flush_ns) {
+        m_next_flush_ns = time_ns + ns_per_second;
+        good = m_writer.flush() && good;
+    }
+    return good;
+}
+
+void Fly::takeFeedback(MissionFlight& flight) {
+    const std::int64_t received = m_link.feedback().received;
+    if (received == m_feedback_taken) return;
+    m_feedback_taken = received;
+    flight.takeFeedback(*m_link.lastFeedback());
+}
+
+bool Fly::printProfile(std::FILE* out, std::string& message) const {
+    const double interval = 1 / m_options.rate;
+    MissionFlight flight(m_mission, m_plan.legs);
+    std::fprintf(out, "%s\n", MissionFlight::profileHeading().c_str());
+    double next_row = 0;
+    for (std::int64_t n = 0;; n++) {
+        const bool over = m_options.seconds >= 0 && double(n) * interval >= m_options.seconds;
+        const bool last = over || flight.finished() || !flight.fault().empty();
+        if (last || flight.time() + interval / 2 > next_row) {
+            std::fprintf(out, "%s\n", flight.profileRow().c_str());
+            next_row += 1;
+        }
+        if (last) break;
+        flight.advance(interval);
+    }
+    message = flight.fault();
+    return message.empty();
+}
+
+} // namespace flightsim

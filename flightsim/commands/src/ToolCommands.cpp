@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+#include "CommandHelp.h"
+#include "flightsim/commands/Commands.h"
+#include "flightsim/recording/RecordingTools.h"
+
+#include <memory>
+
+namespace flightsim {
+
+namespace {
+
+int runInfo(const std::string& path) {
+    std::string warning, message;
+    const bool good = printInfo(path, stdout, warning, message) && endOutput(message);
+    printWarning("info", warning);
+    return good ? 0 : printFailure("info", message);
+}
+
+struct CutCommandOptions {
+    CutOptions cut;
+    double from = 0;
+    double seconds = -1;
+    std::int64_t record = 0;
+    std::int64_t count = -1;
+    bool compact = false;
+};
+
+int runCut(const CutCommandOptions& options) {
+    CutOptions cut = options.cut;
+    cut.selection = Selection::ofSeconds(options.from, options.seconds);
+    cut.selection.from_number = options.record;
+    if (options.count >= 0) cut.selection.until_number = options.record + options.count;
+    cut.format = options.compact ? RecordingFormat::compact : RecordingFormat::whole;
+    CutResult result;
+    std::string message;
+    if (!cutRecording(cut, result, message)) return printFailure("cut", message);
+    printWarning("cut", result.warning);
+    std::printf("%lld records, %lld bytes\n", static_cast<long long>(result.records),
+                static_cast<long long>(result.bytes));
+    return 0;
+}
+
+} // namespace
+
+void addInfo(CLI::App& app, Command& command) {
+    const auto path = std::make_shared<std::string>();
+    CLI::App* sub = app.add_subcommand("info", "Tell what a recording holds");
+    sub->footer(
+        "Prints span, rate, intervals between datagrams, sizes, positions, commands other than 0,\n"
+        "and the first and the last record. Records are numbered from 0.");
+    sub->add_option("FILE", *path, "The recording")->required();
+    sub->callback([path, &command] { command = [path] { return runInfo(*path); }; });
+}
+
+void addCut(CLI::App& app, Command& command) {
+    const auto options = std::make_shared<CutCommandOptions>();
+    CLI::App* sub = app.add_subcommand("cut", "Write a part of a recording to another file");
+    sub->footer("The part is named by time, by record number, or by both: what lies in both.\n"
+                "Without any it converts the whole recording.\n"
+                "\n"
+                "Examples:\n"
+                "  flight_sim cut flight.hrec takeoff.hrec --from 12 --seconds 20\n"
+                "  flight_sim cut flight.hrec one.hrec --record 311 --count 1\n"
+                "  flight_sim cut flight.hrec small.hrec --compact");
+    sub->add_option("IN", options->cut.in, "The recording to cut from")->required();
+    sub->add_option("OUT", options->cut.out, "The recording to write; an existing file is replaced")
+        ->required();
+    addSeconds(*sub, "--from", options->from, "Second of the recording to begin with");
+    addSeconds(*sub, "--seconds", options->seconds, "Seconds to write (default: to the end)");
+    sub->add_option("--record", options->record, "Number of the first record, counted from 0")
+        ->type_name("N")
+        ->check(numberBetween(0, 1e15));
+    sub->add_option("--count", options->count, "Number of records to write (default: to the end)")
+        ->type_name("N")
+        ->check(numberBetween(1, 1e15));
+    sub->add_flag("--compact", options->compact,
+                  "Store differences between datagrams: a tenth of the size, nothing lost");
+    sub->callback([options, &command] { command = [options] { return runCut(*options); }; });
+}
+
+} // namespace flightsim

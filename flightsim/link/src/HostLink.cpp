@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: MIT
+#include "flightsim/link/HostLink.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cmath>
+#include <cstring>
+
+namespace flightsim {
+
+bool HostLink::open(const LinkOptions& options, std::string& message) {
+    m_options = options;
+    const auto to = UdpAddress::parse(options.to, message);
+    if (!to) return false;
+    m_to = *to;
+    if (!m_sender.open(message)) return false;
+    if (options.feedback && !m_listener.bind(options.listen, message)) return false;
+    if (!options.feedback_csv.empty() && !m_csv.open(options.feedback_csv, message)) return false;
+    m_start_ns = steadyNow();
+    m_next_row_ns = m_start_ns + ns_per_second;
+    return true;
+}
+
+void HostLink::awaitFeedback(double seconds, const StopFlag& stop) {
+    constexpr std::int64_t look_at_stop_ns = ns_per_second / 5;
+    const std::int64_t end_ns = steadyNow() + std::llround(seconds * double(ns_per_second));
+    std::int64_t now_ns = steadyNow();
+    for (; !stop && feedback().received == 0 && now_ns < end_ns; now_ns = steadyNow())
+        if (m_listener.waitReadable(std::min(end_ns, now_ns + look_at_stop_ns))) receiveOne();
+    m_start_ns = now_ns;
+    m_next_row_ns = m_start_ns + ns_per_second;
+}
+
+bool HostLink::sendAt(std::int64_t time_ns, std::span<const std::uint8_t> record,
+                      const StopFlag& stop) {
+    if (!waitUntil(m_pacer.due(time_ns, steadyNow()), stop)) return false;
+    m_pacer.sent(steadyNow());
+    if (m_sender.send(m_to, record)) {
+        m_sent++;
+    } else if (m_failed++ == 0) {
+        m_send_error = errno;
+    }
+    return true;
+}
+
+bool HostLink::waitUntil(std::int64_t due_ns, const StopFlag& stop) {
+    // Feedback has to wait during the last millisecond, which belongs to the record. Its time of
+    // arrival is stamped by the system, so that nothing is lost by that.
+    constexpr std::int64_t undisturbed_ns = ns_per_ms;
+    constexpr std::int64_t look_at_stop_ns = ns_per_second / 5;
+    // Without time to spare, as in a fast replay, a few datagrams per record are still taken.
+    for (int i = 0; i < 4 && receiveOne(); i++) {
+    }
+    for (;;) {
+        if (stop) return false;
+        const std::int64_t now_ns = steadyNow();
+        if (now_ns >= m_next_row_ns) showRow(now_ns);
+        if (due_ns - now_ns <= undisturbed_ns) break;
+        const std::int64_t until_ns =
+            std::min({due_ns - undisturbed_ns, m_next_row_ns, now_ns + look_at_stop_ns});
+        // One datagram, then another look at the clock: a flood can't hold up the record.
+        if (m_listener.waitReadable(until_ns)) receiveOne();
+    }
+    sleepUntil(due_ns);
+    return true;
+}
+
+bool HostLink::receiveOne() {
+    std::array<std::uint8_t, 2048> buffer;
+    if (!m_listener.isOpen()) return false;
+    const auto arrival = m_listener.receive(buffer);
+    if (!arrival) return false;
+    // A datagram beyond the buffer is of the wrong size, and so is the part of it that is at hand.
+    const auto datagram = std::span(buffer).first(std::min(arrival->size, buffer.size()));
+    if (const auto feedback = m_monitor.take(datagram, arrival->steady_ns))
+        m_csv.write(sinceStart_s(arrival->steady_ns), m_sent, *feedback);
+    return true;
+}
+
+void HostLink::showRow(std::int64_t now_ns) {
+    constexpr int rows_per_heading = 20;
+    // Rows that were due while the process was held up are left out.
+    m_next_row_ns += (1 + (now_ns - m_next_row_ns) / ns_per_second) * ns_per_second;
+    if (m_options.quiet) return;
+    if (m_rows++ % rows_per_heading == 0)
+        std::fprintf(m_options.out, "%s\n", FeedbackTable::heading().c_str());
+    const std::string row = m_table.row(sinceStart_s(now_ns), m_sent, m_monitor);
+    std::fprintf(m_options.out, "%s\n", row.c_str());
+    std::fflush(m_options.out);
+}
+
+bool HostLink::finish(std::string& message) {
+    constexpr std::int64_t on_the_way_ns = ns_per_second / 10;
+    const std::int64_t end_ns = steadyNow();
+    if (m_listener.isOpen()) {
+        while (steadyNow() < end_ns + on_the_way_ns)
+            if (m_listener.waitReadable(end_ns + on_the_way_ns)) receiveOne();
+    }
+    printSummary(sinceStart_s(end_ns));
+    return m_csv.close(message);
+}
+
+void HostLink::printSummary(double seconds) {
+    const PacingStats& p = pacing();
+    const FeedbackStats& f = feedback();
+    std::FILE* out = m_options.out;
+    const auto ll = [](std::int64_t n) { return static_cast<long long>(n); };
+    std::fprintf(out, "sent      %lld records in %.2f s, %lld refused by the system%s%s\n",
+                 ll(m_sent), seconds, ll(m_failed), m_failed ? ": " : "",
+                 m_failed ? std::strerror(m_send_error) : "");
+    std::fprintf(out, "pacing    late by %.1f us mean, %.1f us rms, %.1f us max; %lld stalls\n",
+                 p.mean_us(), p.rms_us(), p.max_us(), ll(p.moved));
+    if (m_listener.isOpen()) {
+        std::fprintf(out, "feedback  %lld datagrams, %.1f Hz, %lld malformed\n", ll(f.received),
+                     f.rate(), ll(f.malformed));
+        std::fprintf(out, "frames    %lld gaps with %lld skipped, %lld duplicated, %lld backward\n",
+                     ll(f.gaps), ll(f.skipped), ll(f.duplicated), ll(f.backward));
+    }
+    std::fflush(out);
+}
+
+} // namespace flightsim
