@@ -11,25 +11,33 @@ static_assert(std::endian::native == std::endian::little,
 
 #pragma pack(push, 1)
 
-/// Attitude of one wheel node in the local geodetic frame; all zero when the model lacks the wheel.
+/// Attitude of one wheel of the helicopter's model as it is in the scene, its own turn against the
+/// airframe included: from the local east-north-up frame heading first, then pitch, then roll. All
+/// 0 when the model has no node of that name.
 struct UdpWheelAttitude {
-    float h; ///< heading, degrees
-    float p; ///< pitch, degrees
-    float r; ///< roll, degrees
-    std::int32_t reserved;
+    float h;               ///< heading, degrees clockwise from true north, in [0, 360)
+    float p;               ///< pitch, degrees, nose up positive, −90 to 90
+    float r;               ///< roll, degrees, right side down positive, −180 to 180
+    std::int32_t reserved; ///< 0
 };
 
-/// The feedback datagram: what the visual channel sends to the flight simulation once per frame.
-/// 108 bytes, little-endian, no padding (both doubles are unaligned).
+/// The feedback datagram: what the visual channel sends to the flight simulation, one at the end of
+/// every frame, also while the scene stands still and before any record has come. 108 bytes,
+/// little-endian, no padding (both doubles are unaligned). The channel fills every field, from the
+/// scene as this frame shows it: the pose is that of the last record applied.
+///
+/// The ground is the nearest visible surface of the scene, be it land, sea, deck or roof, straight
+/// below the helicopter's reference point, the origin of its model. When there is none within
+/// 100 km its three fields are 0.
 struct UdpSendData {
-    std::int32_t frame;        ///< the engine's frame number at sending time
-    double ground_latitude;    ///< of the surface point straight below the helicopter, degrees
-    double ground_longitude;   ///< degrees; both 0 when nothing lies below within 100 km
-    float height_above_ground; ///< helicopter altitude minus that point's, metres; 0 likewise
-    UdpWheelAttitude wheel_front;
+    std::int32_t frame;        ///< the engine's frame number, 1 at first, one more with each frame
+    double ground_latitude;    ///< geodetic (WGS84), degrees, north positive
+    double ground_longitude;   ///< degrees, east positive
+    float height_above_ground; ///< of the reference point above the ground, metres
+    UdpWheelAttitude wheel_front; ///< of the node "wheel_front"; the others likewise
     UdpWheelAttitude wheel_left;
     UdpWheelAttitude wheel_right;
-    std::uint8_t reserved72[36];
+    std::uint8_t reserved72[36]; ///< 0
 };
 
 #pragma pack(pop)
