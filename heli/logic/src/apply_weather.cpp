@@ -83,7 +83,7 @@ void Logic_Nerith_Heli_Final::apply_cloud(UdpRecvData& record) {
     emit(m_sig_cloud, &info);
 }
 
-// ------------------------------------------------------------------ from the host application
+// ------------------------------------------------------------------ from the application
 
 void Logic_Nerith_Heli_Final::setRain(float value) {
     if (m_heli && m_heli->m_prefab) {

@@ -44,7 +44,7 @@ void Logic_Nerith_Heli_Final::reset() {
     reset_helicopter();
     reset_ships();
     clear_all_particles();
-    // The host application clears what it keeps of the old scene.
+    // The application clears what it keeps of the old scene.
     emit(m_sig_code, 25);
     emit(m_sig_code, 26);
     for (TorpedoInfo* info : m_torpedo_infos) {

@@ -12,7 +12,7 @@
 #include <string>
 
 // What the buttons and fields do when they are clicked and typed into is tested in a real window,
-// with the host application.
+// with the application.
 
 namespace {
 

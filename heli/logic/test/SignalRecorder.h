@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-/// What the logic tells the host application about its weapons, in order.
+/// What the logic tells the application about its weapons, in order.
 struct SignalRecorder {
     struct Effect {
         std::string path;

@@ -18,12 +18,12 @@ class World;
 
 #define LOGIC_API __attribute__((visibility("default")))
 
-/// Base of every logic plug-in. The host application loads the library, calls its exported factory
+/// Base of every logic plug-in. The application loads the library, calls its exported factory
 /// `LogicBase* CreateLogic(World*, CameraControl*)`, loads the world that `getWorldPath` names,
 /// calls `init` once, then `update` and `swap` every frame with the event entries between frames,
 /// at the end `release`, and deletes the object. All on the main thread.
 ///
-/// The signal lists tell the host application what changes in the scene. It fills them after
+/// The signal lists tell the application what changes in the scene. It fills them after
 /// creation; the logic emits, synchronously, and never reads what the listeners do. Listeners must
 /// not change a list while it is emitted.
 class LOGIC_API LogicBase {
@@ -36,7 +36,7 @@ public:
     virtual void setCamSpeed(int speed) { m_cam_speed = speed; }
     virtual ~LogicBase() = default;
 
-    // Values from the host application, on scales of its own.
+    // Values from the application, on scales of its own.
     virtual void setRain(float) {}
     virtual void setSnow(float) {}
     virtual void setTod(float) {}
@@ -67,8 +67,8 @@ protected:
     /// that looks along the vertical is levelled by its X axis. Nothing without a camera.
     void adjust_geo_rotation_forward();
 
-    ig::CameraControl* m_camera_control; ///< the host application's
-    ig::World* m_world;                  ///< the host application's
+    ig::CameraControl* m_camera_control; ///< the application's
+    ig::World* m_world;                  ///< the application's
     int m_cam_speed = 100;               ///< of the free camera, metres per second
 
 public:

@@ -36,7 +36,7 @@ struct WinchInfo;
 
 /// The scene logic of the helicopter visual channel: it shows the scene as the flight simulation
 /// commands it, answers every frame with what lies below the helicopter, and animates what the host
-/// does not pose. `CreateLogic` makes the one object; `LogicBase` tells how the host application
+/// does not pose. `CreateLogic` makes the one object; `LogicBase` tells how the application
 /// drives it. Everything runs on the main thread.
 ///
 /// The operations stand in the order of the files in `src/` that hold them:
