@@ -14,6 +14,10 @@ Body::~Body() {
         delete shape;
 }
 
+void Body::leavePhysics() {
+    if (m_physics) m_physics->removeBody(this);
+}
+
 mat4 Body::getShapeTransform(int i) const {
     const Shape* shape = getShape(i);
     return shape ? shape->getTransform() : mat4_identity;
@@ -23,9 +27,7 @@ BodyRigid::BodyRigid(float mass, const vec3& center_of_mass)
     : m_mass(std::isfinite(mass) && mass > 0 ? mass : 0), m_center(center_of_mass),
       m_simulation(std::make_unique<Simulation>()) {}
 
-BodyRigid::~BodyRigid() {
-    if (m_physics) m_physics->removeBody(this);
-}
+BodyRigid::~BodyRigid() { leavePhysics(); }
 
 void BodyRigid::setEnabled(bool enabled) {
     if (enabled == m_enabled) return;
@@ -61,6 +63,14 @@ void BodyRigid::setHeldTransform(const dmat4& transform) {
 bool BodyRigid::isHeld() const {
     return std::any_of(m_joints.begin(), m_joints.end(),
                        [](const Joint* joint) { return !joint->isBroken(); });
+}
+
+void BodyRigid::followJoints() {
+    if (!m_physics) return;
+    if (isHeld())
+        m_physics->extract(this);
+    else if (m_enabled)
+        m_physics->insert(this);
 }
 
 void BodyRigid::setPreserveTransform(const dmat4& transform) {

@@ -4,7 +4,7 @@
 #include "ig/base/jLog.h"
 #include "ig/math/EllipsoidModel.h"
 #include "ig/physics/Joint.h"
-#include "ig/physics/Physics.h"
+#include "ig/physics/PhysicsSurfaces.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,7 +15,6 @@ namespace {
 
 const EllipsoidModel EARTH;
 LogLimiter g_length_report; // a host can make new ropes with every datagram
-constexpr double GRAVITY = Physics::GRAVITY;
 
 constexpr double SUBSTEP = 1.0 / 120;
 constexpr double FOLLOWER_RATE = 2;     ///< ω, rad/s: slower than record jitter, as fast as flight
@@ -58,9 +57,7 @@ BodyRope::BodyRope(float length, float factor)
     : m_length(length), m_factor(factor),
       m_hanging(std::max(MIN_LENGTH, static_cast<double>(length * factor))) {}
 
-BodyRope::~BodyRope() {
-    if (m_physics) m_physics->removeBody(this);
-}
+BodyRope::~BodyRope() { leavePhysics(); }
 
 void BodyRope::setTransform(const dmat4& transform) {
     if (isFinite(transform) && !m_anchor) m_frame = EARTH.getWGSTransform(transform.getTranslate());

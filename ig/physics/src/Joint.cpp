@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ig/physics/Joint.h"
 
-#include "bullet.h"
 #include "ig/physics/BodyRope.h"
 
 namespace ig {
@@ -14,7 +13,7 @@ Joint::Joint(const jString& name, BodyRigid* load, BodyRope* rope)
     : m_name(name), m_load(load), m_rope(rope) {
     load->m_joints.append(this);
     rope->m_joints.append(this);
-    if (load->m_physics) load->m_physics->extract(load);
+    load->followJoints();
 }
 
 Joint::~Joint() {
@@ -27,14 +26,11 @@ Joint::~Joint() {
 void Joint::setBroken(bool broken) {
     if (broken == m_broken) return;
     m_broken = broken;
-    Physics* physics = m_load->m_physics;
-    if (!broken) {
-        if (physics) physics->extract(m_load);
-        m_rope->catchLoad(m_load->getTransform().getTranslate());
-    } else if (physics && m_load->isEnabled() && !m_load->isHeld()) {
-        physics->insert(m_load);
+    m_load->followJoints();
+    if (broken)
         m_load->setLinearVelocity(m_rope->getEndVelocity());
-    }
+    else
+        m_rope->catchLoad(m_load->getTransform().getTranslate());
 }
 
 } // namespace ig

@@ -44,6 +44,8 @@ Physics::~Physics() {
         removeBody(m_bodies.back());
 }
 
+vec3 Physics::getGravity() const { return {0, 0, -Body::GRAVITY}; }
+
 void Physics::addBody(Body* body) {
     if (m_bodies.find(body) >= 0) return;
     m_bodies.append(body);
@@ -111,7 +113,7 @@ void BodyRigid::accelerate(double h) {
     const auto& s = *m_simulation;
     if (!s.inserted || m_mass == 0 || !s.body->isActive()) return;
     const dvec3 up = EARTH.getUp(fromBullet(s.body->getCenterOfMassPosition()));
-    const dvec3 acceleration = dvec3(m_force) / double(m_mass) - up * double(Physics::GRAVITY);
+    const dvec3 acceleration = dvec3(m_force) / double(m_mass) - up * double(GRAVITY);
     const btVector3 v = s.body->getLinearVelocity();
     const double drag = 0.5 * AIR_DENSITY * m_drag_area * v.length() / m_mass;
     s.body->setLinearVelocity((v + toBullet(acceleration) * h) /

@@ -24,6 +24,7 @@ class Physics;
 class Body : public jObject {
 public:
     enum Type { BODY_RIGID = 1, BODY_ROPE = 4 };
+    static constexpr float GRAVITY = 9.80665f; ///< standard gravity, m/s²
 
     ~Body() override;
     virtual Type getType() const = 0;
@@ -64,6 +65,8 @@ public:
 protected:
     /// A shape was given a mass of its own.
     virtual void changeShapeMass(Shape&, float) {}
+    /// The destructor of a body that a world has says so, while it is still whole.
+    void leavePhysics();
 
     bool m_enabled = true;
     Physics* m_physics = nullptr; ///< the world's, while the body is in one
@@ -159,6 +162,7 @@ private:
     void accelerate(double h);    // the velocities after h seconds of gravity, forces, damping
     dvec3 getWorldCenter() const; // centre of mass
     bool isHeld() const;          // by a rope
+    void followJoints();          // held, it is carried; let go, it takes part
     void setHeldTransform(const dmat4& transform);
     void applyMass();
     static void setDamping(float& damping, float value);

@@ -3,6 +3,7 @@
 
 #include "ig/base/jVector.h"
 #include "ig/math/vec.h"
+#include "ig/physics/PhysicsSurfaces.h"
 
 #include <memory>
 
@@ -10,7 +11,6 @@ namespace ig {
 
 class Body;
 class BodyRigid;
-class Joint;
 
 /// Told what a body with a contact callback runs into. Called on the thread and at the end of
 /// `Physics::update`, when nothing is being walked over: it may add, remove, enable and disable.
@@ -20,17 +20,6 @@ public:
     /// `body` is the one that carries the callback; `contact` counts what it met in this frame,
     /// from 0.
     virtual void onContact(Body* body, int contact) = 0;
-};
-
-/// What bodies can meet that has no body of its own: the ground, decks, the sea.
-class PhysicsSurfaces {
-public:
-    /// The first crossing of the segment from → to with the ground, and with the sea when `sea`;
-    /// false when there is none. World coordinates; `point` may be null.
-    virtual bool meet(const dvec3& from, const dvec3& to, bool sea, dvec3* point) const = 0;
-
-protected:
-    ~PhysicsSurfaces() = default;
 };
 
 /// The physics of one world, which owns it. Gravity acts on every body along the normal of the
@@ -45,13 +34,12 @@ class Physics {
 public:
     /// A longer frame counts as this, seconds: what floats explodes at steps beyond 0.3 s.
     static constexpr float MAX_FRAME_TIME = 0.2f;
-    static constexpr float GRAVITY = 9.80665f; ///< m/s²
 
     Physics();
     ~Physics();
 
     /// Gravity in the local east-north-up frame.
-    vec3 getGravity() const { return {0, 0, -GRAVITY}; }
+    vec3 getGravity() const;
     /// Not owned; null: there are none.
     void setSurfaces(const PhysicsSurfaces* surfaces) { m_surfaces = surfaces; }
 
@@ -66,7 +54,6 @@ public:
 
 private:
     friend class BodyRigid;
-    friend class Joint;
     struct Solver;
     void insert(BodyRigid* body); // makes an enabled body take part
     void extract(BodyRigid* body);
