@@ -21,13 +21,11 @@ void SceneList::gather(const World& world, const FrameView& view, const vec3& sh
     far_bounds.clear();
     lamps.clear();
     cables.clear();
-    emitters.clear();
     decals.clear();
     pictures.clear();
     fields.clear();
     ocean = nullptr;
     terrain = nullptr;
-    visited = 0;
     m_view = &view;
     m_shadow_center = shadow_center;
     m_shadow_radius = shadow_radius;
@@ -37,7 +35,6 @@ void SceneList::gather(const World& world, const FrameView& view, const vec3& sh
 
 void SceneList::visit(const Node& node) {
     if (!node.isEnabled() || &node == left_out) return;
-    visited++;
     switch (node.getType()) {
     case OBJECT_MESH:
         addMesh(node);
@@ -47,9 +44,6 @@ void SceneList::visit(const Node& node) {
         return; // its pieces are seen to
     case OBJECT_LIGHT:
         addLamp(node);
-        break;
-    case OBJECT_PARTICLES:
-        emitters.push_back(static_cast<const ObjectParticles*>(&node));
         break;
     case DECAL_ORTHO:
         addDecal(static_cast<const DecalOrtho&>(node));

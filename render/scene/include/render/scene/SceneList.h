@@ -16,7 +16,6 @@ class DecalOrtho;
 class Mesh;
 class Node;
 class NodeField;
-class ObjectParticles;
 class ObjectRope;
 class World;
 
@@ -64,13 +63,11 @@ public:
     std::vector<vec4> far_bounds;      ///< their spheres in E; w: radius, m
     std::vector<LampItem> lamps;
     std::vector<CableItem> cables; ///< thinner than a pixel; thicker ones are meshes
-    std::vector<const ObjectParticles*> emitters;
     std::vector<const DecalOrtho*> decals;   ///< without texture: of wakes
     std::vector<const DecalOrtho*> pictures; ///< decals with one
     std::vector<const NodeField*> fields;
     const ObjectOcean* ocean = nullptr;
     const ObjectTerrain* terrain = nullptr;
-    int visited = 0; ///< nodes looked at
 
 private:
     void visit(const Node& node);

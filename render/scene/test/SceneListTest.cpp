@@ -1,0 +1,187 @@
+// SPDX-License-Identifier: MIT
+#include "render/scene/SceneList.h"
+
+#include "ig/math/quat.h"
+#include "ig/package/PackageManager.h"
+#include "ig/scene/Camera.h"
+#include "ig/scene/Material.h"
+#include "ig/scene/Mesh.h"
+#include "ig/scene/ObjectPrefab.h"
+#include "ig/scene/SceneObjects.h"
+#include "ig/scene/World.h"
+#include "plugins/ocean/ObjectOcean.h"
+#include "plugins/terrain/ObjectTerrain.h"
+#include "testkit/TempFolder.h"
+
+#include <gtest/gtest.h>
+#include <memory>
+
+using namespace ig;
+
+namespace {
+
+/// An eye 100 m above the sea that looks north; the shadows' sphere of 50 m lies 200 m behind it.
+class SceneListOf : public testing::Test {
+public:
+    SceneListOf() {
+        camera.setPerspective(50, 1, 0.1, 1e6);
+        camera.setWgsPosition({-155, 20, 100});
+        camera.setWgsHPR({0, 0, 0});
+    }
+    ~SceneListOf() override {
+        world.clear();
+        MaterialManager::release();
+        PackageManager::release();
+    }
+    void gather() {
+        view = FrameView(camera, 720, true);
+        list.gather(world, view, {0, -200, 0}, 50);
+        list.sort();
+    }
+    /// Puts it so many metres ahead of the eye and to its right; the world owns it.
+    template <class T>
+    T* place(T* node, double ahead, double right = 0) {
+        node->setTransform(camera.getWorldTransform() * translate(dvec3(right, 0, -ahead)));
+        world.addNode(node);
+        return node;
+    }
+    ObjectMesh* addCard(double ahead, double right = 0, float opacity = 1) {
+        ObjectMesh* card = place(new ObjectMesh(mesh), ahead, right);
+        card->setSurfaceMaterial(0, material(opacity));
+        return card;
+    }
+    Material* material(float opacity) {
+        materials.push_back(std::make_unique<Material>());
+        materials.back()->addValue("diffuse_color", {0.5f, 0.5f, 0.5f, opacity});
+        return materials.back().get();
+    }
+    static std::shared_ptr<const Mesh> square() {
+        Mesh::Surface s;
+        s.positions = {{-1, -1, 0}, {1, -1, 0}, {1, 1, 0}, {-1, 1, 0}};
+        s.normals.assign(4, {0, 0, 1});
+        s.indices = {0, 1, 2, 0, 2, 3};
+        return std::make_shared<Mesh>(std::vector<Mesh::Surface>{s});
+    }
+
+    std::vector<std::unique_ptr<Material>> materials; // outlive the world
+    const std::shared_ptr<const Mesh> mesh = square();
+    World world;
+    Camera camera;
+    FrameView view;
+    SceneList list;
+};
+
+} // namespace
+
+TEST_F(SceneListOf, HoldsWhatIsSeenAndWhatCastsAShadow) {
+    addCard(50);
+    ObjectMesh* const hidden = addCard(60);
+    ObjectMesh* const below_hidden = new ObjectMesh(mesh);
+    hidden->addChild(below_hidden);
+    hidden->setEnabled(false);
+    ObjectMesh* const own = addCard(70);
+    list.left_out = own;
+    addCard(50, 40);        // beside the picture
+    addCard(20000);         // less than a third of a pixel
+    addCard(200);           // seen far from the shadows: too small for the far map
+    addCard(-200);          // behind the eye, among what casts shadows
+    addCard(-251);          // at its border
+    addCard(-200, 0, 0.5f); // glass casts none
+    gather();
+    EXPECT_EQ(list.opaque.size(), 2U);
+    EXPECT_EQ(list.casters.size(), 2U);
+    EXPECT_TRUE(list.transparent.empty());
+    EXPECT_TRUE(list.far_casters.empty());
+
+    hidden->setEnabled(true);
+    list.left_out = nullptr;
+    own->setTransform(own->getTransform() * dmat4(dmat3{{5, 0, 0}, {0, 5, 0}, {0, 0, 5}}, dvec3()));
+    gather();
+    EXPECT_EQ(list.opaque.size(), 5U);
+    ASSERT_EQ(list.far_casters.size(), 1U);
+    EXPECT_NEAR(list.far_bounds.at(0).w, 5 * std::sqrt(2), 1e-4);
+    EXPECT_NEAR(list.far_bounds.at(0).y, 70, 1e-3); // north of the eye
+}
+
+TEST_F(SceneListOf, TellsThingsByTheirType) {
+    Material* const dark = material(1);
+    dark->addSlider("density", 0);
+    Material* const picture = material(1);
+    picture->setTexture("base_color", "soot.png");
+    place(new ObjectLight(), 10);
+    place(new ObjectLight(), 10)->setSurfaceMaterial(0, dark);
+    place(new ObjectLight(), -10);
+    const auto* wake = place(new DecalOrtho(), -10);
+    auto* soot = place(new DecalOrtho(), -10);
+    soot->setSurfaceMaterial(0, picture);
+    const auto* field = place(new NodeField(), -10);
+    const auto* sea = place(new ObjectOcean(), 0);
+    const auto* land = place(new ObjectTerrain(), 0);
+    gather();
+    EXPECT_EQ(list.lamps.size(), 1U);
+    EXPECT_EQ(list.decals, std::vector<const DecalOrtho*>{wake});
+    EXPECT_EQ(list.pictures, std::vector<const DecalOrtho*>{soot});
+    EXPECT_EQ(list.fields, std::vector<const NodeField*>{field});
+    EXPECT_EQ(list.ocean, sea);
+    EXPECT_EQ(list.terrain, land);
+    EXPECT_TRUE(list.opaque.empty());
+
+    world.clear();
+    gather();
+    EXPECT_TRUE(list.lamps.empty() && list.decals.empty() && list.fields.empty());
+    EXPECT_TRUE(!list.ocean && !list.terrain);
+}
+
+TEST_F(SceneListOf, CablesAreMeshesNearbyAndLinesFarAway) {
+    const auto hang = [this](double ahead) {
+        auto* cable = new ObjectRope(0.05f, material(1));
+        cable->setBody(new BodyRope(10, 1));
+        place(cable, ahead);
+        world.updatePhysics(0.1f);
+        gather();
+    };
+    hang(20);
+    EXPECT_EQ(list.opaque.size(), std::size_t{BodyRope::SEGMENTS});
+    EXPECT_TRUE(list.cables.empty());
+    world.clear();
+    hang(400);
+    EXPECT_EQ(list.cables.size(), std::size_t{BodyRope::SEGMENTS});
+    EXPECT_TRUE(list.opaque.empty());
+}
+
+TEST_F(SceneListOf, PrefabsInPrefabsAreLookedInto) {
+    WorkingFolder folder;
+    folder.write("inner.prefab", "node: {type: field, children: [{type: light}]}\n");
+    folder.write("outer.prefab", "node: {name: top, children: [{name: slot, type: prefab, "
+                                 "path: inner.prefab}, {type: light}]}\n");
+    auto* outer = place(new ObjectPrefab("outer.prefab"), 10);
+    gather();
+    EXPECT_EQ(list.lamps.size(), 2U);
+    EXPECT_EQ(list.fields.size(), 1U);
+    outer->getNodeByName("slot")->setEnabled(false);
+    gather();
+    EXPECT_EQ(list.lamps.size(), 1U);
+    EXPECT_TRUE(list.fields.empty());
+}
+
+TEST_F(SceneListOf, EqualThingsAdjoinAndGlassGoesFarToNear) {
+    const std::shared_ptr<const Mesh> other = square();
+    for (int i = 0; i < 6; i++)
+        place(new ObjectMesh(i % 2 ? mesh : other), 30 + i);
+    for (const double ahead : {40, 20, 60})
+        addCard(ahead, 0, 0.5f);
+    gather();
+    ASSERT_EQ(list.opaque.size(), 6U);
+    int changes = 0;
+    for (std::size_t i = 1; i < 6; i++)
+        changes += *list.opaque[i].mesh != *list.opaque[i - 1].mesh;
+    EXPECT_EQ(changes, 1);
+    ASSERT_EQ(list.transparent.size(), 3U);
+    EXPECT_NEAR(list.transparent[0].distance, 60, 1e-3);
+    EXPECT_NEAR(list.transparent[2].distance, 20, 1e-3);
+
+    const MeshItem* memory = list.opaque.data();
+    gather(); // neither twice the things nor new memory
+    EXPECT_EQ(list.opaque.size(), 6U);
+    EXPECT_EQ(list.opaque.data(), memory);
+}
