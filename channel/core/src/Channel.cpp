@@ -10,8 +10,7 @@
 #include "ig/net/SocketUDP.h"
 #include "ig/package/PackageManager.h"
 #include "ig/scene/ObjectPrefab.h"
-#include "render/gl/RendererGL.h"
-#include "render/null/RendererNull.h"
+#include "render/factory/RendererKind.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -126,7 +125,8 @@ bool Channel::checkOutputs() const {
 }
 
 bool Channel::wantsPictures() const {
-    return m_options.renderer == "gl" || m_options.window || !m_options.screenshot.empty() ||
+    const RendererKind* kind = findRendererKind(m_options.renderer);
+    return (kind && kind->draws) || m_options.window || !m_options.screenshot.empty() ||
            !m_options.contact_sheet.empty() || !m_options.video.empty();
 }
 
@@ -138,17 +138,18 @@ bool Channel::makeRenderer() {
         return false;
     };
     if (!openWindow()) return refuse();
-    if (m_options.renderer != "null") {
-        m_renderer = std::make_unique<RendererGL>(m_window.isOpen() ? RendererGL::Surface::window
-                                                                    : RendererGL::Surface::none);
+    for (const RendererKind& kind : getRendererKinds()) {
+        if (m_options.renderer != "auto" && m_options.renderer != kind.name) continue;
+        if (!kind.draws && m_renderer) { // which could not
+            if (wantsPictures()) break;
+            jLog::warning("visual_channel: going on without pictures, as with --null");
+        }
+        m_renderer = kind.make(m_window.isOpen());
         m_renderer->setScale(m_options.scale > 0 ? m_options.scale : 1);
         m_renderer->setProfiling(m_options.profile);
         if (m_renderer->init(m_options.width, m_options.height)) return true;
-        if (wantsPictures()) return refuse();
-        jLog::warning("visual_channel: going on without pictures, as with --null");
     }
-    m_renderer = std::make_unique<RendererNull>();
-    return m_renderer->init(m_options.width, m_options.height);
+    return refuse();
 }
 
 void Channel::prepareInterface() {

@@ -6,6 +6,7 @@
 #include "channel/interface/Texts.h"
 #include "ig/base/jLog.h"
 #include "ig/ui/KeyCode.h"
+#include "render/factory/RendererKind.h"
 
 using namespace ig;
 
@@ -16,7 +17,8 @@ constexpr int KEY_PICTURE = 'p';
 /// With a display there is a window unless none is wanted. False when one was asked for and can't
 /// be had.
 bool Channel::openWindow() {
-    if (m_options.headless || m_options.renderer == "null") return true;
+    const RendererKind* kind = findRendererKind(m_options.renderer);
+    if (m_options.headless || (kind && !kind->draws)) return true;
     if (!m_options.window && !Window::hasDisplay()) return true;
     if (!m_window.open(m_options.width, m_options.height, m_options.monitor)) {
         if (!m_options.window) jLog::warning("visual_channel: going on without a window");

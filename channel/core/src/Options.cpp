@@ -5,6 +5,7 @@
 #include "OptionValues.h"
 #include "Settings.h"
 #include "ig/base/jLog.h"
+#include "render/factory/RendererKind.h"
 
 #include <algorithm>
 #include <cctype>
@@ -61,10 +62,16 @@ void addInterfaceOptions(CLI::App& app, Options& options) {
 }
 
 void addPictureOptions(CLI::App& app, Options& options) {
+    std::vector<std::string> renderers = {"auto"};
+    std::string help;
+    for (const ig::RendererKind& kind : ig::getRendererKinds()) {
+        renderers.push_back(kind.name);
+        help +=
+            std::string(kind.name) + (kind.draws ? ": pictures or nothing; " : ": no pictures; ");
+    }
     app.add_option("--renderer", options.renderer,
-                   "gl: pictures or nothing; null: no pictures; auto: pictures where the machine "
-                   "can draw them")
-        ->check(word({"auto", "gl", "null"}));
+                   help + "auto: pictures where the machine can draw them")
+        ->check(word(renderers));
     app.add_flag_function(
         "--null", [&options](std::int64_t) { options.renderer = "null"; }, "--renderer null");
     app.add_flag("--headless", options.headless, "No window");

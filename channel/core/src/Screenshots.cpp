@@ -4,6 +4,7 @@
 #include "common/program/OutputFile.h"
 #include "ig/app/Renderer.h"
 #include "ig/base/jLog.h"
+#include "render/image/Png.h"
 
 #include <cstdio>
 #include <filesystem>
@@ -60,18 +61,26 @@ std::string Screenshots::nameBeside(const std::string& name) const {
 }
 
 bool Screenshots::keep(ig::Renderer& renderer, const std::string& path) {
-    const bool saved = renderer.savePicture(path);
-    m_failed = m_failed || !saved;
     ig::Picture picture;
-    if (!m_sheet_path.empty() && renderer.readPicture(picture)) m_sheet.add(picture);
+    const bool saved = save(renderer, path, picture);
+    if (!m_sheet_path.empty()) m_sheet.add(picture);
+    return saved;
+}
+
+/// The last frame into the file and into `picture`.
+bool Screenshots::save(ig::Renderer& renderer, const std::string& path, ig::Picture& picture) {
+    const bool drawn = renderer.readPicture(picture);
+    if (!drawn) jLog::error("Screenshots: no picture for \"%s\": nothing is drawn", path.c_str());
+    const bool saved = drawn && ig::writePng(path, picture);
+    m_failed = m_failed || !saved;
     return saved;
 }
 
 void Screenshots::afterLast(ig::Renderer& renderer) {
-    if (!m_path.empty() && !renderer.savePicture(m_path)) m_failed = true;
+    ig::Picture picture;
+    if (!m_path.empty()) save(renderer, m_path, picture);
     if (m_sheet_path.empty()) return;
     if (m_sheet.isEmpty())
         jLog::error("Screenshots: no \"%s\": no picture was taken for it", m_sheet_path.c_str());
-    if (m_sheet.isEmpty() || !renderer.writePicture(m_sheet_path, m_sheet.compose()))
-        m_failed = true;
+    if (m_sheet.isEmpty() || !ig::writePng(m_sheet_path, m_sheet.compose())) m_failed = true;
 }

@@ -3,7 +3,7 @@
 
 #include "ig/base/jLog.h"
 #include "ig/ui/KeyCode.h"
-#include "render/gl/driverUse.h"
+#include "render/driver/driverUse.h"
 
 #define GLFW_INCLUDE_NONE
 #include <GLFW/glfw3.h>

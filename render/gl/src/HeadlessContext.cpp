@@ -2,7 +2,7 @@
 #include "HeadlessContext.h"
 
 #include "ig/base/jLog.h"
-#include "render/gl/driverUse.h"
+#include "render/driver/driverUse.h"
 
 #include <epoxy/egl.h>
 

@@ -17,7 +17,6 @@
 #include "ig/base/jLog.h"
 #include "ig/scene/Camera.h"
 #include "plugins/ocean/ObjectOcean.h"
-#include "render/image/Png.h"
 #include "render/scene/DecalStore.h"
 #include "render/scene/FrameBlock.h"
 #include "render/scene/FrameView.h"
@@ -356,17 +355,6 @@ bool RendererGL::readPicture(Picture& picture) {
                          top + static_cast<std::ptrdiff_t>(row) * (y + 1),
                          top + static_cast<std::ptrdiff_t>(row) * (picture.height - 1 - y));
     return true;
-}
-
-bool RendererGL::savePicture(const jString& path) {
-    Picture picture;
-    if (readPicture(picture)) return writePng(path.c_str(), picture);
-    jLog::error("RendererGL::savePicture: there is no picture for \"%s\"", path.c_str());
-    return false;
-}
-
-bool RendererGL::writePicture(const jString& path, const Picture& picture) {
-    return writePng(path.c_str(), picture);
 }
 
 double RendererGL::readDistance(double x, double y) {

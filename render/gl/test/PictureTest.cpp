@@ -3,9 +3,7 @@
 #include "PictureScene.h"
 #include "ig/ui/UiDrawList.h"
 #include "plugins/ocean/ObjectOcean.h"
-#include "render/image/Png.h"
 #include "testkit/LogCapture.h"
-#include "testkit/TempFolder.h"
 
 #include <algorithm>
 #include <cmath>
@@ -142,23 +140,6 @@ TEST_F(PictureOf, TheUserInterfaceLiesOnTop) {
         return line.find("no_such_picture.png") != std::string::npos;
     };
     EXPECT_EQ(std::count_if(log.lines.begin(), log.lines.end(), tells), 1); // not once per frame
-}
-
-TEST_F(PictureOf, APictureSurvivesItsFile) {
-    look(20, 0, 0);
-    addCard(50, 20, GREEN, 10);
-    draw();
-    ASSERT_TRUE(s_renderer->readPicture(m_picture));
-    TempFolder folder;
-    const jString path = folder.file("picture.png");
-    ASSERT_TRUE(s_renderer->savePicture(path));
-    Image image;
-    ASSERT_TRUE(readPng(path.c_str(), image));
-    ASSERT_EQ(image.width, WIDTH);
-    ASSERT_EQ(image.height, HEIGHT);
-    for (std::size_t i = 0; i < m_picture.rgb.size(); i += 301)
-        ASSERT_EQ(image.rgba[i / 3 * 4 + i % 3], m_picture.rgb[i]);
-    EXPECT_FALSE(s_renderer->savePicture(folder.file("no_folder/picture.png")));
 }
 
 TEST_F(PictureOf, ResizingAndScalingKeepThePicture) {

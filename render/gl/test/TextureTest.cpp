@@ -2,6 +2,7 @@
 #include "PictureScene.h"
 #include "ig/scene/Mesh.h"
 #include "ig/scene/SceneObjects.h"
+#include "render/image/Png.h"
 #include "testkit/LogCapture.h"
 #include "testkit/TempFolder.h"
 
@@ -28,7 +29,7 @@ public:
         for (int y = 4; y < 8; y++)
             for (int x = 4; x < 8; x++)
                 std::fill_n(picture.rgb.begin() + 3 * (8 * y + x), 3, std::uint8_t{255});
-        ASSERT_TRUE(s_renderer->writePicture((m_folder.path() / path).string().c_str(), picture));
+        ASSERT_TRUE(writePng((m_folder.path() / path).string(), picture));
     }
     /// A square that fills the middle of the picture, facing the eye; its surface is the file's.
     void show(const jString& model) {

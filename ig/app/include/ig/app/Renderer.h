@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ig/base/jString.h"
 #include "ig/math/mat.h"
 
 #include <cstdint>
@@ -74,12 +73,11 @@ struct RenderResources {
 
 /// Draws the scene; decides nothing about it. The host application makes one, calls `init` once
 /// before the first frame, `render` once per frame after the logic's `swap`, and `release` before
-/// the world goes. Implementations: `render/gl` (OpenGL) and `render/null`, which draws nothing.
+/// the world goes. Implementations: `render/gl` (OpenGL) and `render/null`, which draws nothing;
+/// `render/factory` makes them.
 class Renderer {
 public:
     virtual ~Renderer() = default;
-    /// For the status line: what draws.
-    virtual const char* getName() const = 0;
     /// False, having logged why, when there is nothing to draw with.
     virtual bool init(int width, int height) = 0;
     virtual void resize(int width, int height) = 0;
@@ -97,10 +95,6 @@ public:
 
     /// The last frame's picture. False when there is none.
     virtual bool readPicture(Picture&) { return false; }
-    /// Writes it as PNG. False, having logged why, when that is impossible.
-    virtual bool savePicture(const jString&) { return false; }
-    /// Writes any picture as PNG, likewise.
-    virtual bool writePicture(const jString&, const Picture&) { return false; }
 
     /// Measures passes from the next frame on; waits for the device after each, so that frames take
     /// longer.

@@ -23,7 +23,6 @@ public:
     explicit RendererGL(Surface surface);
     ~RendererGL() override;
 
-    const char* getName() const override { return "OpenGL"; }
     bool init(int width, int height) override;
     void resize(int width, int height) override;
     void render(const World& world, const Camera& camera, const FrameInfo& frame) override;
@@ -33,8 +32,6 @@ public:
     float getScale() const override;
     float getTextWidth(float size, std::string_view utf8) override;
     bool readPicture(Picture& picture) override;
-    bool savePicture(const jString& path) override;
-    bool writePicture(const jString& path, const Picture& picture) override;
     void setProfiling(bool on) override;
     std::span<const PassTime> getPassTimes() const override;
     RenderResources getResources() const override;
