@@ -3,10 +3,8 @@
 
 #include "testkit/ChannelFolder.h"
 
-#include <chrono>
 #include <cstdio>
 #include <fstream>
-#include <thread>
 
 ChannelRun::ChannelRun() {
     fillChannelFolder(folder, std::filesystem::current_path(), receive_port, peer.port());
@@ -60,9 +58,4 @@ long countOf(const std::string& text, const std::string& part) {
     for (std::size_t at = 0; (at = text.find(part, at)) != std::string::npos; at++)
         count++;
     return count;
-}
-
-double steadyNow() {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
-        .count();
 }

@@ -44,6 +44,3 @@ private:
 
 /// How often `text` holds a part.
 long countOf(const std::string& text, const std::string& part);
-
-/// Seconds on the steady clock, which all processes of the machine share.
-double steadyNow();

@@ -4,6 +4,7 @@
 // decoding, the feedback against geometry.
 
 #include "ChannelRun.h"
+#include "common/program/Clock.h"
 #include "flightsim/recording/Recording.h"
 
 #include <algorithm>
@@ -71,7 +72,7 @@ TEST(Link, RecordedFlightIsShownRecordByRecordSoonAfterItsArrival) {
     std::vector<double> sent; // when the send had returned: the datagram waits in the socket
     for (const TimedRecord& record : flight) {
         run.send(record.bytes.data(), record.bytes.size());
-        sent.push_back(steadyNow());
+        sent.push_back(program::steadyNow());
         awaitFrame();
     }
     const auto drain = [&] {

@@ -3,6 +3,7 @@
 
 #include "channel/interface/Texts.h"
 #include "common/logic/LogicBase.h"
+#include "common/program/Clock.h"
 #include "ig/app/Engine.h"
 #include "ig/app/Message.h"
 #include "ig/app/MsgBox.h"
@@ -14,7 +15,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
@@ -22,6 +22,7 @@
 #include <unistd.h>
 
 using namespace ig;
+using program::steadyNow;
 
 namespace {
 
@@ -32,11 +33,6 @@ constexpr double Z_NEAR = 0.1;       ///< metres: the cockpit is close
 constexpr double Z_FAR = 1e7;        ///< metres
 constexpr double JUMP = 10000;       ///< metres between two frames after which we level the camera
 constexpr int LEVEL_CAMERA = 654321; ///< identifier of the UI message
-
-double steadyNow() {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
-        .count();
-}
 
 /// For a message: the folder above the program that holds `path`, as a build has it, or nothing.
 std::string findFolder(const std::string& path) {

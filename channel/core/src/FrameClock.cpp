@@ -1,17 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "FrameClock.h"
 
-#include <chrono>
+#include "common/program/Clock.h"
+
 #include <cmath>
 #include <ctime>
 #include <utility>
 
 namespace {
-
-double steadyNow() {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
-        .count();
-}
 
 void sleepUntil(double time) {
     timespec until;
@@ -22,7 +18,7 @@ void sleepUntil(double time) {
 
 } // namespace
 
-FrameClock::Time FrameClock::Time::ofSystem() { return {steadyNow, ::sleepUntil}; }
+FrameClock::Time FrameClock::Time::ofSystem() { return {program::steadyNow, ::sleepUntil}; }
 
 FrameClock::FrameClock(double rate, double step, Time time)
     : m_time(std::move(time)), m_period(rate > 0 ? 1 / rate : 0), m_step(step) {}
