@@ -278,12 +278,13 @@ FrameCosts Channel::frame(float dt) {
     };
     Engine::get()->beginFrame(dt, m_scene_command.isStill());
     const float step = Engine::get()->getSceneStep();
+    m_environment.readKeys(m_control);
     m_logic->update(step);
     m_link.update(LinkSample::read(), steadyNow());
     m_scene_command.update();
     m_interface.getOverlays().setSceneState(m_scene_command.getPictureText());
     levelAfterJump();
-    m_environment.update(step, getEye(), m_control);
+    m_environment.update(step, getEye());
     costs.update = spent();
     m_world.updatePhysics(step);
     m_world.updateParticles(step);

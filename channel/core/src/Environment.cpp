@@ -68,6 +68,7 @@ void Environment::connect(LogicBase& logic) {
 void Environment::attach(const World& world) {
     Node* ocean = world.getNodeByName("ocean");
     if (ocean && ocean->getType() == OBJECT_OCEAN) m_ocean = static_cast<ObjectOcean*>(ocean);
+    applySea();
     const std::pair<const char*, float ShownWeather::*> kinds[] = {{"rain", &ShownWeather::rain},
                                                                    {"snow", &ShownWeather::snow},
                                                                    {"hail", &ShownWeather::hail}};
@@ -108,7 +109,10 @@ void Environment::onVisibility(float fraction) {
     m_told.visibility = metres > 0 ? std::max(metres, LEAST_VISIBILITY) : -1;
 }
 
-void Environment::onSea(int code) { m_told.beaufort = std::clamp(code, 0, HIGHEST_SEA); }
+void Environment::onSea(int code) {
+    m_told.beaufort = std::clamp(code, 0, HIGHEST_SEA);
+    applySea();
+}
 
 void Environment::readKeys(const ControlApp& keys) {
     if (keys.isKeyClick(LOOK_KEY))
@@ -128,6 +132,7 @@ void Environment::readKeys(const ControlApp& keys) {
         const auto* higher =
             std::upper_bound(std::begin(SEAS), std::end(SEAS), m_operator.beaufort);
         m_operator.beaufort = higher == std::end(SEAS) ? SEAS[0] : *higher;
+        applySea();
     }
     if (keys.isKeyClick(HOUR_KEY))
         m_hour = wrapHour(m_hour + (keys.isKeyPress(KEY_SHIFT) ? -1 : 1));
@@ -135,14 +140,17 @@ void Environment::readKeys(const ControlApp& keys) {
 
 // ------------------------------------------------------------------ what comes of it
 
-void Environment::update(float dt, const Camera& camera, const ControlApp& keys) {
-    readKeys(keys);
+/// At once: the sea evolves at the frame's first query, which is the logic's.
+void Environment::applySea() {
+    const int beaufort = getWeather().beaufort;
+    if (m_ocean && beaufort >= 0) m_ocean->setBeaufort(static_cast<float>(beaufort));
+}
+
+void Environment::update(float dt, const Camera& camera) {
     if (dt > 0) m_hour = wrapHour(m_hour + static_cast<double>(dt) * m_time_scale / 3600);
     const Weather weather = getWeather();
     Engine::get()->setWindDirection(weather.wind_direction);
     Engine::get()->setWindStrength(std::max(weather.wind_speed, 0.0f) * WIND_STRENGTH);
-    if (m_ocean && weather.beaufort >= 0)
-        m_ocean->setBeaufort(static_cast<float>(weather.beaufort));
     followEye(camera, dt);
     followWeather(dt);
     applyPrecipitation(weather, camera);

@@ -19,9 +19,10 @@ class ObjectOcean;
 struct Options;
 
 /// Light, air and sea of the scene. The flight simulation's weather arrives through the logic's
-/// signals, whose handlers only store it; once a frame it is applied to the sea, the precipitation,
-/// the wind and the picture, which follow changes in their own time, and the logic is told what
-/// belongs to its own scene. What is told first after the start or with a reset of the scene holds
+/// signals. What they say of the sea is passed on at once, so that it holds for the queries of the
+/// same frame; the rest is stored, and applied once a frame to the precipitation, the wind and the
+/// picture, which follow changes in their own time, and the logic is told what belongs to its own
+/// scene. What is told first after the start or with a reset of the scene holds
 /// at once, and so does what changes while the scene stands still. The hour is this application's
 /// own. What the operator asks for, by options or keys, wins over the flight
 /// simulation:
@@ -39,9 +40,11 @@ public:
     /// of the highest level. Called once, when the world is complete.
     void attach(const ig::World& world);
 
+    /// Once per frame, before the logic's update.
+    void readKeys(const ig::ControlApp& keys);
     /// Once per frame, after the logic's update and before physics and particles. `dt`: by how much
     /// the scene moves on, 0 while it stands still. Precipitation falls around `camera`.
-    void update(float dt, const ig::Camera& camera, const ig::ControlApp& keys);
+    void update(float dt, const ig::Camera& camera);
     /// Fills in what concerns light, air and water. The hour counts at the camera's longitude;
     /// `helicopter` may be null; `time` is the scene's.
     void fillFrame(const ig::Camera& camera, const ig::ObjectPrefab* helicopter, double time,
@@ -75,7 +78,7 @@ private:
     void onVisibility(float fraction);
     void onSea(int code);
 
-    void readKeys(const ig::ControlApp& keys);
+    void applySea();
     void followEye(const ig::Camera& camera, float dt);
     void followWeather(float dt);
     void applyPrecipitation(const Weather& weather, const ig::Camera& camera);

@@ -45,7 +45,7 @@ struct CabinTest : testing::Test {
             record.latitude += north_speed * STEP / 110700;
             scene.send(record);
             scene.frame(STEP);
-            environment->update(STEP, scene.camera, scene.control);
+            environment->update(STEP, scene.camera);
             particles.advance(*scene.world, STEP);
             within += countInCabin();
         }
