@@ -54,9 +54,9 @@ void levelCamera() {
 } // namespace
 
 Channel::Channel(const Options& options)
-    : m_options(options), m_window(*this), m_interface(this, &m_control),
-      m_script(*this, *m_interface.getRoot()), m_camera_control(nullptr), m_environment(m_options),
-      m_scene_command(options.obey_exit),
+    : m_options(options), m_interface(this, this, &m_control), m_window(m_interface),
+      m_script(m_interface, *m_interface.getRoot()), m_camera_control(nullptr),
+      m_environment(m_options), m_scene_command(options.obey_exit),
       m_screenshots(options.screenshot, options.screenshot_every, options.contact_sheet),
       m_video(options.video), m_clock(options.frame_rate, options.step) {
     m_status.setQuiet(options.quiet);
@@ -211,7 +211,7 @@ void Channel::setProjection() {
 
 void Channel::run() {
     while (runFrame())
-        if (m_close_requested) askToQuit();
+        if (m_interface.isCloseRequested()) askToQuit();
     m_screenshots.afterLast(*m_renderer);
     m_video.close();
     m_trace.close();
@@ -259,7 +259,7 @@ void Channel::askToQuit() {
     box.getCancelButton()->setText(Texts::get("box.cancel"));
     box.center();
     if (box.modality()) m_quit = true;
-    m_close_requested = false;
+    m_interface.dropCloseRequest();
 }
 
 bool Channel::isOver() const {

@@ -30,7 +30,7 @@ class LogicBase;
 
 /// The application that hosts a scene logic: it loads the libraries and the world, runs the frames,
 /// and ends in order. `docs/architecture.md` tells what happens in a frame.
-class Channel : public ig::IApp, private WindowListener {
+class Channel : public ig::IApp, private WindowOwner {
 public:
     explicit Channel(const Options& options);
     ~Channel() override { close(); }
@@ -61,18 +61,9 @@ public:
 private:
     // ChannelWindow.cpp
     bool openWindow();
-    void endAtOnce();
-    void takePicture();
-    void onKey(int key, bool down, bool repeat) override;
-    void onModifiers(bool shift, bool ctrl, bool alt) override;
-    void onText(const char* utf8) override;
-    void onButton(int button, bool down, float x, float y) override;
-    void onMove(float x, float y) override;
-    void onWheel(float notches) override;
-    void onFocusLost() override;
-    void onLeft() override;
-    void onClose() override;
-    void onResized(int width, int height, float density) override;
+    void toggleFullScreen() override;
+    void takePicture() override;
+    void resize(int width, int height, float density) override;
 
     bool checkOutputs() const;
     bool wantsPictures() const;
@@ -92,11 +83,11 @@ private:
     bool isOver() const;
 
     Options m_options;
+    ig::ControlApp m_control;
+    OperatorInterface m_interface; ///< hears what happens in the window
     Window m_window;
     std::unique_ptr<ig::Renderer> m_renderer; ///< before the window goes
     ScaleGovernor m_governor;
-    ig::ControlApp m_control;
-    OperatorInterface m_interface;
     ScriptPlayer m_script;
     ig::World m_world;
     ig::Camera m_camera;       ///< the logic's
@@ -120,7 +111,6 @@ private:
     FrameClock m_clock;
     double m_scene_time = 0; ///< s; goes on while the scene stands still
     int m_frames = 0;
-    bool m_close_requested = false;
     bool m_quit = false;    ///< the operator has confirmed it
     int m_last_records = 0; ///< applied up to the frame before
 };

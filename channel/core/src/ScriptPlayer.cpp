@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ScriptPlayer.h"
 
-#include "Window.h"
+#include "channel/interface/WindowListener.h"
 #include "ig/base/jLog.h"
 #include "ig/ui/KeyCode.h"
 #include "ig/ui/UIElement.h"

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Window.h"
 
+#include "channel/interface/WindowListener.h"
 #include "ig/base/jLog.h"
 #include "ig/ui/KeyCode.h"
 #include "render/driver/driverUse.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Script.h"
 #include "ScriptPlayer.h"
-#include "Window.h"
+#include "channel/interface/WindowListener.h"
 #include "ig/ui/UIButton.h"
 #include "ig/ui/UILabel.h"
 #include "testkit/LogicScene.h"

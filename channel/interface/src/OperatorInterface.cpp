@@ -3,6 +3,7 @@
 
 #include "channel/interface/Texts.h"
 #include "common/logic/LogicBase.h"
+#include "ig/app/ControlApp.h"
 #include "ig/app/IApp.h"
 #include "ig/ui/UISpriteViewport.h"
 
@@ -16,10 +17,12 @@ namespace {
 constexpr float FULL_WIDTH = 760, COLUMN_HEIGHT = 455, FULL_HEIGHT = 256 + COLUMN_HEIGHT;
 /// Pixels per unit where texts can just be read.
 constexpr float READABLE = 0.7f;
+constexpr int KEY_PICTURE = 'p';
 } // namespace
 
-OperatorInterface::OperatorInterface(IApp* app, ControlApp* control)
-    : m_app(app), m_root(std::make_unique<UIRoot>()), m_input(m_root.get(), control) {}
+OperatorInterface::OperatorInterface(IApp* app, WindowOwner* owner, ControlApp* control)
+    : m_app(app), m_owner(owner), m_control(control), m_root(std::make_unique<UIRoot>()),
+      m_input(m_root.get(), control) {}
 
 void OperatorInterface::open(LogicBase* logic) {
     m_logic = logic;
@@ -60,43 +63,69 @@ void OperatorInterface::fit() {
     m_root->resize(m_width, m_height, m_density * std::max(all, std::min(READABLE, shown)));
 }
 
-void OperatorInterface::keyDown(int key, bool repeat) {
+void OperatorInterface::onKey(int key, bool down, bool repeat) {
+    if (!down) {
+        if (m_input.keyUp(key)) m_logic->onKeyRelease({key}, m_app);
+        return;
+    }
+    if (!repeat && m_input.isHeld(KEY_ALT) && doWindowsOwn(key)) return;
     if (!m_input.keyDown(key, repeat)) return;
     m_overlays.onKey(key);
     if (key == KEY_F10) showPanels(!m_panels_shown);
     m_logic->onKeyPress({key}, m_app);
 }
 
-void OperatorInterface::keyUp(int key) {
-    if (m_input.keyUp(key)) m_logic->onKeyRelease({key}, m_app);
+/// With Alt. False for a key that is none of the window's.
+bool OperatorInterface::doWindowsOwn(int key) {
+    if (key == KEY_RETURN)
+        m_owner->toggleFullScreen();
+    else if (key == KEY_PICTURE)
+        m_owner->takePicture();
+    else if (key == KEY_F4)
+        endAtOnce();
+    else
+        return false;
+    return true;
 }
 
-void OperatorInterface::setModifiers(bool shift, bool ctrl, bool alt) {
-    for (const auto& [key, down] :
-         {std::pair(KEY_SHIFT, shift), {KEY_CTRL, ctrl}, {KEY_ALT, alt}}) {
-        if (isHeld(key) == down) continue;
-        if (down)
-            keyDown(key, false);
-        else
-            keyUp(key);
-    }
+/// The logic ends the process in its next update, also while a message box has all other keys.
+void OperatorInterface::endAtOnce() {
+    m_control->keyDown(KEY_F4);
+    m_control->keyUp(KEY_F4);
 }
 
-void OperatorInterface::mouseDown(int button, float x, float y) {
-    if (m_input.mouseDown(button, x, y)) m_logic->onMouseDown({button, x, y}, m_app);
+void OperatorInterface::onModifiers(bool shift, bool ctrl, bool alt) {
+    for (const auto& [key, down] : {std::pair(KEY_SHIFT, shift), {KEY_CTRL, ctrl}, {KEY_ALT, alt}})
+        if (m_input.isHeld(key) != down) onKey(key, down, false);
 }
 
-void OperatorInterface::mouseUp(int button, float x, float y) {
-    if (m_input.mouseUp(button, x, y)) m_logic->onMouseUp({button, x, y}, m_app);
+void OperatorInterface::onButton(int button, bool down, float x, float y) {
+    if (down && m_input.mouseDown(button, x, y)) m_logic->onMouseDown({button, x, y}, m_app);
+    if (!down && m_input.mouseUp(button, x, y)) m_logic->onMouseUp({button, x, y}, m_app);
 }
 
-void OperatorInterface::mouseMove(float x, float y) {
+void OperatorInterface::onMove(float x, float y) {
     if (m_input.mouseMove(x, y)) m_logic->onMouseMove({0, x, y}, m_app);
 }
 
-void OperatorInterface::wheel(float notches) {
+void OperatorInterface::onWheel(float notches) {
+    if (notches == 0) return; // sideways
     const auto up = static_cast<unsigned char>(notches > 0 ? 1 : 0);
-    if (notches != 0 && m_input.wheel(notches)) m_logic->onMouseWheel({notches * 120, up}, m_app);
+    if (m_input.wheel(notches)) m_logic->onMouseWheel({notches * 120, up}, m_app);
+}
+
+/// Alt is also held to work with windows. Outside its release may be kept from us, and the close
+/// button there shall ask.
+void OperatorInterface::onLeft() { onKey(KEY_ALT, false, false); }
+
+/// Where the window manager takes Alt + F4 for itself all that comes is the request to close.
+void OperatorInterface::onClose() {
+    if (m_control->isKeyPress(KEY_ALT)) return endAtOnce();
+    m_close_requested = true;
+}
+
+void OperatorInterface::onResized(int width, int height, float density) {
+    m_owner->resize(width, height, density);
 }
 
 void OperatorInterface::update(float dt) {

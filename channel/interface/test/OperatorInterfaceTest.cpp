@@ -49,8 +49,8 @@ struct OperatorInterfaceTest : testing::Test {
         channel.update(0);
     }
     void stroke(int key) {
-        channel.keyDown(key, false);
-        channel.keyUp(key);
+        channel.onKey(key, true, false);
+        channel.onKey(key, false, false);
         logic.take();
     }
     /// Whether a text that holds `part` is drawn.
@@ -70,28 +70,28 @@ struct OperatorInterfaceTest : testing::Test {
     LinkMonitor link;
     Recorder logic;
     ControlApp control;
-    OperatorInterface channel{nullptr, &control};
+    OperatorInterface channel{nullptr, nullptr, &control};
     UIButton* button = new UIButton(channel.getRoot(), "b"); // at the top left
     UIEditLine* field = new UIEditLine(channel.getRoot(), "");
 };
 
 TEST_F(OperatorInterfaceTest, TheLogicHearsWhatIsTheScenes) {
-    channel.mouseMove(600, 400);
-    channel.mouseDown(1, 600, 400);
-    channel.mouseUp(1, 600, 400);
-    channel.wheel(1);
-    channel.wheel(-2);
-    channel.wheel(0);
-    channel.keyDown('g', false);
-    channel.keyDown('g', true);
-    channel.keyUp('g');
+    channel.onMove(600, 400);
+    channel.onButton(1, true, 600, 400);
+    channel.onButton(1, false, 600, 400);
+    channel.onWheel(1);
+    channel.onWheel(-2);
+    channel.onWheel(0);
+    channel.onKey('g', true, false);
+    channel.onKey('g', true, true);
+    channel.onKey('g', false, false);
     EXPECT_EQ(logic.take(),
               "move600 down1 up1 wheel120 flag1 wheel-240 flag0 press103 release103 ");
-    channel.mouseDown(0, 5, 105);
-    channel.keyDown('h', false);
-    channel.text("h");
-    channel.keyUp('h');
-    channel.wheel(1);
+    channel.onButton(0, true, 5, 105);
+    channel.onKey('h', true, false);
+    channel.onText("h");
+    channel.onKey('h', false, false);
+    channel.onWheel(1);
     EXPECT_EQ(logic.take(), "");
     EXPECT_EQ(field->getText(), "h");
     EXPECT_FALSE(shows("dipping sonar"));
@@ -101,19 +101,19 @@ TEST_F(OperatorInterfaceTest, PanelsComeAndGoWithoutTheOverlays) {
     stroke(KEY_F10);
     EXPECT_TRUE(shows("F10 shows them"));
     EXPECT_FALSE(shows("b"));
-    channel.mouseDown(0, 5, 5);
+    channel.onButton(0, true, 5, 5);
     EXPECT_EQ(logic.take(), "down0 "); // the scene's: there is no button
-    channel.mouseUp(0, 5, 5);
+    channel.onButton(0, false, 5, 5);
     stroke(KEY_F12);
     EXPECT_TRUE(shows("dipping sonar"));
-    channel.mouseDown(0, 640, 360); // it takes the mouse where it lies
-    channel.mouseUp(0, 640, 360);
+    channel.onButton(0, true, 640, 360); // it takes the mouse where it lies
+    channel.onButton(0, false, 640, 360);
     stroke('h');
     EXPECT_FALSE(shows("dipping sonar"));
     EXPECT_EQ(logic.take(), "");
     stroke(KEY_F10);
     EXPECT_TRUE(shows("Panels shown"));
-    channel.mouseDown(0, 5, 5);
+    channel.onButton(0, true, 5, 5);
     EXPECT_EQ(logic.take(), "");
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "channel/interface/Overlays.h"
+#include "channel/interface/WindowListener.h"
 #include "ig/app/InputRouter.h"
 #include "ig/ui/UIRoot.h"
 #include "ig/ui/UiDrawList.h"
@@ -18,10 +19,12 @@ class IApp;
 
 /// What the operator sees over the picture and works the channel with: the user interface that the
 /// logic builds its panels in, the overlays, and the way that keys and mouse take. The window hands
-/// its events over between frames.
-class OperatorInterface {
+/// its events over between frames. Keys of the window itself are taken with Alt, so that none of
+/// the scene's or a text's is.
+class OperatorInterface final : public WindowListener {
 public:
-    OperatorInterface(ig::IApp* app, ig::ControlApp* control);
+    /// `owner` may be null where nothing of the window's is asked for.
+    OperatorInterface(ig::IApp* app, WindowOwner* owner, ig::ControlApp* control);
 
     /// After the logic's `init`, so that the overlays cover its panels; the logic gets the events
     /// that are the scene's.
@@ -37,17 +40,20 @@ public:
 
     // --- the window's events
 
-    void keyDown(int key, bool repeat); ///< a `KeyCode`
-    void keyUp(int key);
-    bool isHeld(int key) const { return m_input.isHeld(key); }
+    void onKey(int key, bool down, bool repeat) override;
     /// Presses and lets go the modifier keys that the window system knows better.
-    void setModifiers(bool shift, bool ctrl, bool alt);
-    void text(const char* utf8) { m_input.text(utf8); }
-    void mouseDown(int button, float x, float y); ///< 0 left, 1 right, 2 middle; picture pixels
-    void mouseUp(int button, float x, float y);
-    void mouseMove(float x, float y);
-    void wheel(float notches); ///< positive when rolled up
-    void focusLost() { m_input.focusLost(); }
+    void onModifiers(bool shift, bool ctrl, bool alt) override;
+    void onText(const char* utf8) override { m_input.text(utf8); }
+    void onButton(int button, bool down, float x, float y) override;
+    void onMove(float x, float y) override;
+    void onWheel(float notches) override;
+    void onFocusLost() override { m_input.focusLost(); }
+    void onLeft() override;
+    void onClose() override;
+    void onResized(int width, int height, float density) override;
+    /// The window is to be closed, and the operator has not been asked back.
+    bool isCloseRequested() const { return m_close_requested; }
+    void dropCloseRequest() { m_close_requested = false; }
 
     // --- frame
 
@@ -57,9 +63,13 @@ public:
     const ig::UiDrawList* draw();
 
 private:
+    bool doWindowsOwn(int key);
+    void endAtOnce();
     void fit();
 
     ig::IApp* m_app;
+    WindowOwner* m_owner;
+    ig::ControlApp* m_control;
     LogicBase* m_logic = nullptr;
     std::unique_ptr<ig::UIRoot> m_root;
     ig::InputRouter m_input;
@@ -67,6 +77,7 @@ private:
     Overlays m_overlays;
     std::vector<ig::UIElement*> m_panels; ///< the root's; those of the logic
     bool m_panels_shown = true;
+    bool m_close_requested = false;
     int m_width = 0, m_height = 0; ///< of the picture, pixels
     float m_density = 1;           ///< pixels per unit of 1/96 inch
 };
