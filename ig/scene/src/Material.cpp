@@ -144,6 +144,23 @@ const jString* Material::findTexture(const jString& name) const {
 }
 
 namespace {
+// Short tags stay within jString's own storage: asking costs no allocation.
+int find(const Material* material, const char* tag) {
+    return material ? material->findParameterIDByTag(tag) : -1;
+}
+} // namespace
+
+float readSlider(const Material* material, const char* tag, float otherwise) {
+    const int id = find(material, tag);
+    return id < 0 ? otherwise : material->getParameterSlider(id);
+}
+
+vec4 readValue(const Material* material, const char* tag, const vec4& otherwise) {
+    const int id = find(material, tag);
+    return id < 0 ? otherwise : material->getParameterValue(id);
+}
+
+namespace {
 std::map<jString, std::unique_ptr<Material>>& materials() {
     static std::map<jString, std::unique_ptr<Material>> map;
     return map;

@@ -19,11 +19,6 @@ constexpr double WAKE_SPEED = 5;     ///< m/s at which a flat emitter reaches it
 constexpr std::size_t MOST = 12000;  ///< particles of one emitter
 constexpr float GRAVITY = 9.81f;     ///< m/s²
 
-float slider(const Material* material, const char* tag) {
-    const int id = material ? material->findParameterIDByTag(tag) : -1;
-    return id < 0 ? 0 : material->getParameterSlider(id);
-}
-
 } // namespace
 
 void ParticleSystem::advance(const World& world, float dt) {
@@ -58,8 +53,8 @@ void ParticleSystem::advanceEmitter(const ObjectParticles& emitter, float dt, bo
     entry.cloud.flat = flat;
     entry.round = m_round;
     const Material* material = emitter.getSurfaceMaterial(0);
-    const Motion motion{slider(material, "gravity"), slider(material, "drag"),
-                        slider(material, "spin"), slider(material, "wind")};
+    const Motion motion{readSlider(material, "gravity", 0), readSlider(material, "drag", 0),
+                        readSlider(material, "spin", 0), readSlider(material, "wind", 0)};
     // Foam lies where a hull has gone: it doesn't pile up around a still one.
     const dvec3 moved = position - entry.position;
     const double speed = length(moved) / static_cast<double>(dt);

@@ -126,20 +126,15 @@ void World::updateParticles(float dt) {
 }
 
 namespace {
-float slider(const Material* material, const char* tag, float otherwise) {
-    const int id = material ? material->findParameterIDByTag(tag) : -1;
-    return id < 0 ? otherwise : material->getParameterSlider(id);
-}
-
 constexpr float WHITE = 0.35f; ///< share of "ice" from which a surface counts as snow
 
 /// Of what kind a place is on an object that isn't the sea.
 ObjectParticles::Surface kindOf(const Object& object, int surface, const dvec3& place) {
     using Surface = ObjectParticles::Surface;
     const Material* material = object.getSurfaceMaterial(surface);
-    if (slider(material, "ice", 0) > WHITE) return Surface::snow;
+    if (readSlider(material, "ice", 0) > WHITE) return Surface::snow;
     if (object.getType() != OBJECT_TERRAIN) return Surface::hard;
-    const double shore = static_cast<double>(slider(material, "shore_height", -1e9f));
+    const double shore = static_cast<double>(readSlider(material, "shore_height", -1e9f));
     return EllipsoidModel().getAltitude(place) < shore ? Surface::sand : Surface::grass;
 }
 } // namespace
@@ -148,7 +143,7 @@ void World::tellSurface(ObjectParticles& emitter, float dt, Below& last) const {
     using Surface = ObjectParticles::Surface;
     if (!emitter.isVisible()) return;
     if (emitter.getSurface() == Surface::any &&
-        slider(emitter.getSurfaceMaterial(0), "ground_tint", 0) <= 0)
+        readSlider(emitter.getSurfaceMaterial(0), "ground_tint", 0) <= 0)
         return;
     // From above the crests: an emitter that is laid onto the sea may lie just below it.
     constexpr double ABOVE = 5, BELOW = 100, SAME_PLACE = 0.5;

@@ -1,26 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "render/scene/SurfaceLook.h"
 
-#include "ig/scene/Material.h"
-
 namespace ig {
-
-namespace {
-// Short tags stay within jString's own storage: asking costs no allocation.
-int find(const Material* material, const char* tag) {
-    return material ? material->findParameterIDByTag(tag) : -1;
-}
-} // namespace
-
-float readSlider(const Material* material, const char* tag, float otherwise) {
-    const int id = find(material, tag);
-    return id < 0 ? otherwise : material->getParameterSlider(id);
-}
-
-vec4 readValue(const Material* material, const char* tag, const vec4& otherwise) {
-    const int id = find(material, tag);
-    return id < 0 ? otherwise : material->getParameterValue(id);
-}
 
 SurfaceLook SurfaceLook::read(const Material* material) {
     SurfaceLook look;

@@ -81,6 +81,11 @@ private:
     jVector<Texture> m_textures;
 };
 
+/// The slider of that tag, or `otherwise` when there is no such tag or no material.
+float readSlider(const Material* material, const char* tag, float otherwise);
+/// The value of that tag, likewise.
+vec4 readValue(const Material* material, const char* tag, const vec4& otherwise);
+
 /// The shared materials of the process, by path.
 class MaterialManager {
 public:

@@ -1,13 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ig/math/vec.h"
-
-#include "ig/base/jString.h"
+#include "ig/scene/Material.h"
 
 namespace ig {
-
-class Material;
 
 /// What the mesh shaders take from a material. docs/worlds.md lists the tags.
 struct SurfaceLook {
@@ -27,10 +23,5 @@ struct SurfaceLook {
     bool isOpaque() const { return color.w >= 0.999f && paint < 0 && rotor.x <= 0; }
     friend bool operator==(const SurfaceLook&, const SurfaceLook&) = default;
 };
-
-/// The slider of that tag, or `otherwise` when there is no such tag or no material.
-float readSlider(const Material* material, const char* tag, float otherwise);
-/// The value of that tag, likewise.
-vec4 readValue(const Material* material, const char* tag, const vec4& otherwise);
 
 } // namespace ig
