@@ -169,16 +169,12 @@ Node* createPrefab(const Package& p) {
     return new ObjectPrefab(p.getString("path")); // an empty one stands in for a missing file
 }
 
-ObjectParticles::Surface readSurface(const Package& p) {
-    using Surface = ObjectParticles::Surface;
+Ground::Kind readSurface(const Package& p) {
     const jString& name = p.getString("surface");
-    constexpr std::pair<std::string_view, Surface> NAMES[] = {
-        {"land", Surface::land}, {"water", Surface::water}, {"grass", Surface::grass},
-        {"sand", Surface::sand}, {"snow", Surface::snow},   {"hard", Surface::hard}};
-    for (const auto& [known, surface] : NAMES)
-        if (std::string_view(name.c_str()) == known) return surface;
-    if (!name.empty()) report(p, p.getLine(), "unknown surface:", name);
-    return Surface::any;
+    const Ground::Kind kind = Ground::find(name.view());
+    if (kind == Ground::Kind::any && !name.empty())
+        report(p, p.getLine(), "unknown surface:", name);
+    return kind;
 }
 
 /// Two numbers under `key`, both at least `least`. True when the key is absent (`out` unchanged) or

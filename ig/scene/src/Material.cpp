@@ -19,6 +19,11 @@ bool Material::load(const jString& path) {
         jLog::error("Material::load: %s:1: there is no map \"parameters\"", path.c_str());
         return false;
     }
+    const jString& ground = file->getString("ground");
+    m_ground = Ground::find(ground.view());
+    if (m_ground == Ground::Kind::any && !ground.empty())
+        jLog::error("Material::load: %s:%d: unknown ground \"%s\"", path.c_str(),
+                    file->getItem("ground")->getLine(), ground.c_str());
     const Package* states = file->getPackage("states");
     const Package* textures = file->getPackage("textures");
     return loadParameters(*parameters) && (!states || loadStates(*states)) &&

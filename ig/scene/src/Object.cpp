@@ -30,6 +30,22 @@ bool Object::isIntersection(int surface) const {
     return slot && slot->intersection;
 }
 
+Ground Object::getGroundAt(int surface, const dvec3&) const {
+    return readGround(surface, {Ground::Kind::hard, {0.42f, 0.41f, 0.4f, 0.6f}});
+}
+
+Ground Object::readGround(int surface, Ground otherwise) const {
+    constexpr float WHITE = 0.35f; // share of "ice" from which a surface counts as snow
+    const Material* material = getSurfaceMaterial(surface);
+    if (readSlider(material, "ice", 0) > WHITE)
+        return {Ground::Kind::snow,
+                readValue(material, "snow_lifted", {0.82f, 0.87f, 0.95f, 3.6f})};
+    if (material && material->getGround() != Ground::Kind::any)
+        otherwise.kind = material->getGround();
+    otherwise.lifted = readValue(material, "lifted", otherwise.lifted);
+    return otherwise;
+}
+
 Material* Object::getSurfaceMaterial(int surface) const {
     const Slot* slot = getSlot(surface);
     if (!slot) return nullptr;

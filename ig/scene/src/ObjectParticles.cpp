@@ -14,39 +14,20 @@ void forChildEmitters(const Node& node, Act act) {
         if (node.getChild(i)->getType() == OBJECT_PARTICLES)
             act(static_cast<ObjectParticles*>(node.getChild(i)));
 }
-/// What rotor wind lifts off a surface.
-vec4 liftedFrom(ObjectParticles::Surface surface) {
-    using Surface = ObjectParticles::Surface;
-    switch (surface) {
-    case Surface::water:
-        return {0.84f, 0.88f, 0.92f, 1};
-    case Surface::grass:
-        return {0.24f, 0.2f, 0.1f, 0.9f};
-    case Surface::sand:
-        return {0.5f, 0.41f, 0.27f, 3.2f};
-    case Surface::snow:
-        return {0.82f, 0.87f, 0.95f, 3.6f};
-    case Surface::hard:
-    case Surface::land:
-        return {0.42f, 0.41f, 0.4f, 0.6f};
-    default:
-        return {1, 1, 1, 1};
-    }
-}
 
 constexpr float GROUND_CHANGES_IN = 0.6f; ///< s: the dust in the air is still that of before
 } // namespace
 
-void ObjectParticles::passOver(Surface surface, float dt) {
-    const bool known = surface != Surface::any;
-    const bool suits = m_surface == Surface::any || m_surface == surface ||
-                       (m_surface == Surface::land && surface != Surface::water);
+void ObjectParticles::passOver(const Ground& below, float dt) {
+    using Kind = Ground::Kind;
+    const bool known = below.kind != Kind::any;
+    const bool suits = m_surface == Kind::any || m_surface == below.kind ||
+                       (m_surface == Kind::land && below.kind != Kind::water);
     m_silent = known && !suits;
     if (!known) return;
     const float share = m_ground_known ? 1 - std::exp(-dt / GROUND_CHANGES_IN) : 1;
-    const vec4 lifted = liftedFrom(surface);
-    m_ground = {m_ground.xyz() + (lifted.xyz() - m_ground.xyz()) * share,
-                std::lerp(m_ground.w, lifted.w, share)};
+    m_ground = {m_ground.xyz() + (below.lifted.xyz() - m_ground.xyz()) * share,
+                std::lerp(m_ground.w, below.lifted.w, share)};
     m_ground_known = true;
 }
 

@@ -107,7 +107,7 @@ void World::updatePhysics(float dt) {
 struct World::Below {
     dvec3 place;
     bool known = false;
-    ObjectParticles::Surface surface = ObjectParticles::Surface::any;
+    Ground ground;
 };
 
 void World::updateParticles(float dt) {
@@ -125,24 +125,9 @@ void World::updateParticles(float dt) {
         advance(advance, node);
 }
 
-namespace {
-constexpr float WHITE = 0.35f; ///< share of "ice" from which a surface counts as snow
-
-/// Of what kind a place is on an object that isn't the sea.
-ObjectParticles::Surface kindOf(const Object& object, int surface, const dvec3& place) {
-    using Surface = ObjectParticles::Surface;
-    const Material* material = object.getSurfaceMaterial(surface);
-    if (readSlider(material, "ice", 0) > WHITE) return Surface::snow;
-    if (object.getType() != OBJECT_TERRAIN) return Surface::hard;
-    const double shore = static_cast<double>(readSlider(material, "shore_height", -1e9f));
-    return EllipsoidModel().getAltitude(place) < shore ? Surface::sand : Surface::grass;
-}
-} // namespace
-
 void World::tellSurface(ObjectParticles& emitter, float dt, Below& last) const {
-    using Surface = ObjectParticles::Surface;
     if (!emitter.isVisible()) return;
-    if (emitter.getSurface() == Surface::any &&
+    if (emitter.getSurface() == Ground::Kind::any &&
         readSlider(emitter.getSurfaceMaterial(0), "ground_tint", 0) <= 0)
         return;
     // From above the crests: an emitter that is laid onto the sea may lie just below it.
@@ -154,12 +139,9 @@ void World::tellSurface(ObjectParticles& emitter, float dt, Below& last) const {
         int surface = 0;
         const Object* object = findFirst(level * dvec3(0, 0, ABOVE), level * dvec3(0, 0, -BELOW),
                                          true, point, surface);
-        last = {place, true, Surface::any};
-        if (object)
-            last.surface = object->getType() == OBJECT_OCEAN ? Surface::water
-                                                             : kindOf(*object, surface, point);
+        last = {place, true, object ? object->getGroundAt(surface, point) : Ground()};
     }
-    emitter.passOver(last.surface, dt);
+    emitter.passOver(last.ground, dt);
 }
 
 namespace {

@@ -4,7 +4,7 @@
 #include "ig/base/jAllocator.h"
 #include "ig/base/jString.h"
 #include "ig/base/jVector.h"
-#include "ig/math/vec.h"
+#include "ig/scene/Ground.h"
 
 namespace ig {
 
@@ -12,7 +12,8 @@ class Package;
 
 /// How a surface or a finished picture looks: a set of parameters found by tag, each either a
 /// slider (one number) or a value (four), of states found by name, which choose between ways to
-/// draw, and of textures found by name: picture files. A material read from a file is shared by all
+/// draw, of textures found by name: picture files, and what kind of ground the surface is. A
+/// material read from a file is shared by all
 /// its users and owned by the `MaterialManager`; a copy of its own is owned by the object that
 /// asked for it.
 class Material : public jObject {
@@ -56,6 +57,9 @@ public:
     /// material goes.
     const jString* findTexture(const jString& name) const;
 
+    /// `any` when the file doesn't say.
+    Ground::Kind getGround() const { return m_ground; }
+
 private:
     struct State {
         jString name;
@@ -79,6 +83,7 @@ private:
     jVector<Parameter> m_parameters;
     jVector<State> m_states;
     jVector<Texture> m_textures;
+    Ground::Kind m_ground = Ground::Kind::any;
 };
 
 /// The slider of that tag, or `otherwise` when there is no such tag or no material.

@@ -30,6 +30,9 @@ public:
     void setIntersection(int surface, bool on);
     bool isIntersection(int surface) const;
 
+    /// What lies at a place (world) of a surface: what the material says it is, else hard.
+    virtual Ground getGroundAt(int surface, const dvec3& place) const;
+
     /// The material of a surface, or null.
     Material* getSurfaceMaterial(int surface) const;
     /// The shared material; not owned.
@@ -59,6 +62,9 @@ public:
     void applyDrag();
 
 protected:
+    /// What a surface's material says that it is, and `otherwise` where it doesn't say; snow when
+    /// the material is iced over.
+    Ground readGround(int surface, Ground otherwise) const;
     void setNumSurfaces(int count) { m_slots.resize(static_cast<std::size_t>(count)); }
     void onMoved() override;
     void onWorldChanged(World* world) override;

@@ -34,18 +34,17 @@ public:
     void setDuration(float duration) { m_duration = duration; }
     void setBurst(float burst) { m_burst = burst; } ///< s of them in which it spawns; 0: all
 
-    /// What it works over; `land` is all that isn't water, `hard` is concrete and decks.
-    enum class Surface { any, land, water, grass, sand, snow, hard };
-    Surface getSurface() const { return m_surface; }
-    void setSurface(Surface surface) { m_surface = surface; }
+    /// What it works over.
+    Ground::Kind getSurface() const { return m_surface; }
+    void setSurface(Ground::Kind surface) { m_surface = surface; }
     /// Whether something else lies below it, as the world found at the last step.
     bool isSilent() const { return m_silent; }
-    /// What the rotor's wind lifts off the ground below: its colour (linear), and how thick, 1
-    /// being the mist over water. Particles take it on when their material has a "ground_tint".
+    /// What is lifted off the ground below, as `Ground::lifted`. Particles take it on when their
+    /// material has a "ground_tint".
     const vec4& getGround() const { return m_ground; }
-    /// The world tells it what lies below, `any` when it found nothing; the ground's colour follows
-    /// within a second.
-    void passOver(Surface surface, float dt);
+    /// The world tells it what lies below, of the kind `any` when it found nothing; the ground's
+    /// colour follows within a second.
+    void passOver(const Ground& below, float dt);
 
     /// Runs from the beginning, with the emitters among its children.
     void play();
@@ -98,7 +97,7 @@ private:
     float m_duration = 0, m_burst = 0;
     float m_elapsed = 0;
     bool m_running = true;
-    Surface m_surface = Surface::any;
+    Ground::Kind m_surface = Ground::Kind::any;
     bool m_silent = false;
     unsigned m_cleared = 0;
     jVector<dmat4> m_deflectors;

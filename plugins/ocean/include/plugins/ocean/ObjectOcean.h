@@ -56,6 +56,10 @@ public:
     /// engine begins another frame.
     void evolve(double time);
 
+    /// Water, and the spray that wind tears off it.
+    ig::Ground getGroundAt(int, const ig::dvec3&) const override {
+        return {ig::Ground::Kind::water, {0.84f, 0.88f, 0.92f, 1}};
+    }
     bool getIntersection(int surface, const ig::dvec3& a, const ig::dvec3& b,
                          ig::dvec3* out) const override;
 

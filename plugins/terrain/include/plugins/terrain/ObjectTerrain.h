@@ -59,6 +59,10 @@ public:
     bool getIntersection(int surface, const ig::dvec3& a, const ig::dvec3& b,
                          ig::dvec3* out) const override;
 
+    /// Sand below the material's "shore_height", grass elsewhere unless the material says
+    /// otherwise.
+    ig::Ground getGroundAt(int surface, const ig::dvec3& place) const override;
+
     /// The samples; empty without a raster.
     const TerrainGrid& getGrid() const;
 
