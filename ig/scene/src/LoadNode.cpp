@@ -4,134 +4,48 @@
 // the line; a node that makes no sense is left out with all below it, so that one slip in a file
 // doesn't take the rest of the scene with it.
 
+#include "LoadBody.h"
 #include "NodeBudget.h"
 #include "ig/base/jLog.h"
 #include "ig/base/nearest.h"
-#include "ig/math/EllipsoidModel.h"
 #include "ig/package/Package.h"
-#include "ig/physics/Body.h"
 #include "ig/scene/Camera.h"
+#include "ig/scene/NodeReader.h"
 #include "ig/scene/ObjectPrefab.h"
 #include "ig/scene/SceneObjects.h"
 #include "ig/scene/World.h"
-#include "readList.h"
 
 #include <algorithm>
 #include <cmath>
 #include <map>
 #include <memory>
-#include <string_view>
 
 namespace ig {
 
-namespace {
+using enum NodeKeys::Kind;
 
-using Creator = NodeFactory::Creator;
+namespace {
 
 int g_loads = 0; ///< that are under way, one in the other
 int g_nodes = 0; ///< of the outermost of them so far
 
-void report(const Package& p, int line, const char* what, const jString& subject) {
-    jLog::error("World::LoadNode: %s:%d: %s \"%s\"", p.getPath().c_str(), line, what,
-                subject.c_str());
+NodeSchema& getNodeSchema() {
+    static NodeSchema schema{"node", {}};
+    return schema;
 }
 
-/// Three numbers under `key`. True when the key is absent (`out` unchanged) or good.
-bool readVec3(const Package& p, const char* key, dvec3& out) {
-    const Item* item = p.getItem(key);
-    if (!item) return true;
-    double v[3];
-    if (item->getDoubles(v, 3) != 3 || item->getCount() != 3 ||
-        !isFinite(dvec3(v[0], v[1], v[2]))) {
-        report(p, item->getLine(), "three numbers are needed in", key);
-        return false;
-    }
-    out = {v[0], v[1], v[2]};
-    return true;
-}
-
-/// Reports keys that nothing reads, so that a misspelt one is noticed.
-void reportUnknownKeys(const Package& p, std::initializer_list<std::string_view> own,
-                       bool is_node = false) {
-    std::vector<std::string> known(own.begin(), own.end());
-    if (is_node)
-        known.insert(known.end(), {"name", "type", "enabled", "position", "rotation", "wgs", "hpr",
-                                   "children", "body"});
-    p.warnUnknownKeys("World::LoadNode", known);
-}
-
-// ------------------------------------------------------------------ bodies
-
-Shape* loadShape(const Package& p) {
-    reportUnknownKeys(p, {"type", "size", "radius", "height", "position", "rotation"});
-    dvec3 position, rotation, size;
-    if (!readVec3(p, "position", position) || !readVec3(p, "rotation", rotation) ||
-        !readVec3(p, "size", size))
-        return nullptr;
-    const mat4 transform(dmat4(dquat(rotation.x, rotation.y, rotation.z), position));
-    const jString& type = p.getString("type");
-    const auto length = [&p](const char* key) {
-        const float value = p.getFloat(key);
-        return std::isfinite(value) ? value : 0;
-    };
-    const float radius = length("radius"), height = length("height");
-    if (type == "box" && size.x > 0 && size.y > 0 && size.z > 0)
-        return Shape::createBox(vec3(size), transform);
-    if (type == "sphere" && radius > 0) return Shape::createSphere(radius, transform);
-    if (type == "capsule" && radius > 0 && height > 0)
-        return Shape::createCapsule(radius, height, transform);
-    if (type == "cylinder" && radius > 0 && height > 0)
-        return Shape::createCylinder(radius, height, transform);
-    report(p, p.getLine(), "unknown shape, or one without positive dimensions:", type);
-    return nullptr;
-}
-
-Body* loadRope(const Package& p) {
-    reportUnknownKeys(p, {"type", "length", "factor", "anchor"});
-    const float length = p.getFloat("length");
-    const float factor = p.getItem("factor") ? p.getFloat("factor") : 1;
-    if (length > 0 && std::isfinite(length) && factor > 0 && std::isfinite(factor))
-        return new BodyRope(length, factor);
-    report(p, p.getLine(), "a rope needs a positive length and factor, not a length of",
-           p.getString("length"));
-    return nullptr;
-}
-
-/// Without what names other nodes of the prefab: `connectBodies` adds that.
-Body* loadBody(const Package& p) {
-    if (p.getString("type") == "rope") return loadRope(p);
-    reportUnknownKeys(p, {"type", "mass", "center", "linear_damping", "angular_damping", "enabled",
-                          "sensor", "landing", "floating", "drag", "joints", "shapes"});
-    if (p.getItem("type") && p.getString("type") != "rigid") {
-        report(p, p.getLine(), "unknown type of body", p.getString("type"));
-        return nullptr;
-    }
-    dvec3 center;
-    if (!readVec3(p, "center", center)) return nullptr;
-    auto body = std::make_unique<BodyRigid>(p.getFloat("mass"), vec3(center));
-    for (const Package* description : readList(p, "shapes", "World::LoadNode"))
-        if (Shape* shape = loadShape(*description)) body->addShape(shape);
-    body->setLinearDamping(p.getFloat("linear_damping"));
-    body->setAngularDamping(p.getFloat("angular_damping"));
-    body->setSensor(p.getBool("sensor"));
-    body->setLanding(p.getBool("landing"));
-    body->setFloating(p.getBool("floating"));
-    if (p.getItem("enabled")) body->setEnabled(p.getBool("enabled"));
-    return body.release();
+std::map<std::string, NodeFactory::Creator>& getCreators() {
+    static std::map<std::string, NodeFactory::Creator> creators;
+    return creators;
 }
 
 // ------------------------------------------------------------------ node types
 
-Material* loadMaterial(const Package& p) {
-    const jString& path = p.getString("material");
-    return path.empty() ? nullptr : MaterialManager::get(path);
-}
-
-Node* createNode(const Package& p) {
-    reportUnknownKeys(p, {}, true);
+Node* createNode(const NodeReader& r) {
     // A body needs an object to belong to.
-    return p.getItem("body") ? new Object(NODE_DUMMY) : new Node();
+    return r.has("body") ? new Object(NODE_DUMMY) : new Node();
 }
+const bool NODE = NodeFactory::add("node", createNode, {}); // first: of what names no type
 
 /// Shows where something is missing, and keeps the node's name and children; nothing meets it.
 Node* createPlaceholder() {
@@ -140,137 +54,121 @@ Node* createPlaceholder() {
     return object;
 }
 
-Node* createMesh(const Package& p) {
-    reportUnknownKeys(p, {"mesh", "intersect", "surfaces"}, true);
-    const jString& reference = p.getString("mesh");
+const NodeSchema SURFACE{"surface",
+                         {{"surface", {{material, {"material"}}, {flag, {"intersect"}}}}}};
+
+Node* createMesh(const NodeReader& r) {
+    const jString& reference = r.getText("mesh");
     const auto mesh = Mesh::get(reference);
     if (!mesh) { // reported with the model's path, once for all who ask for it
-        report(p, p.getLine(), "no mesh from", reference);
+        r.report("no mesh from", reference);
         return createPlaceholder();
     }
     auto* object = new ObjectMesh(mesh);
-    const bool intersect = !p.getItem("intersect") || p.getBool("intersect");
+    const bool intersect = r.getFlag("intersect", true);
     for (int i = 0; i < object->getNumSurfaces(); i++)
         object->setIntersection(i, intersect);
-    const jVector<const Package*> surfaces = readList(p, "surfaces", "World::LoadNode");
-    if (surfaces.size() > object->getNumSurfaces())
-        report(p, surfaces.back()->getLine(), "more surfaces than the mesh has in", reference);
-    for (int i = 0; i < std::min(surfaces.size(), object->getNumSurfaces()); i++) {
-        reportUnknownKeys(*surfaces[i], {"material", "intersect"});
-        object->setSurfaceMaterial(i, loadMaterial(*surfaces[i]));
-        if (surfaces[i]->getItem("intersect"))
-            object->setIntersection(i, surfaces[i]->getBool("intersect"));
+    int i = 0;
+    for (const NodeReader& surface : r.getMaps("surfaces")) {
+        if (i == object->getNumSurfaces()) {
+            surface.report("more surfaces than the mesh has in", reference);
+            break;
+        }
+        object->setSurfaceMaterial(i, surface.getMaterial());
+        object->setIntersection(i++, surface.getFlag("intersect", intersect));
     }
     return object;
 }
+const bool MESH = NodeFactory::add(
+    "mesh", createMesh, {{text, {"mesh"}}, {flag, {"intersect"}}, {list, {"surfaces"}, &SURFACE}});
 
-Node* createPrefab(const Package& p) {
-    reportUnknownKeys(p, {"path"}, true);
-    return new ObjectPrefab(p.getString("path")); // an empty one stands in for a missing file
+Node* createPrefab(const NodeReader& r) {
+    return new ObjectPrefab(r.getText("path")); // an empty one stands in for a missing file
 }
+const bool PREFAB = NodeFactory::add("prefab", createPrefab, {{text, {"path"}}});
 
-Ground::Kind readSurface(const Package& p) {
-    const jString& name = p.getString("surface");
+Ground::Kind readSurface(const NodeReader& r) {
+    const jString& name = r.getText("surface");
     const Ground::Kind kind = Ground::find(name.view());
-    if (kind == Ground::Kind::any && !name.empty())
-        report(p, p.getLine(), "unknown surface:", name);
+    if (kind == Ground::Kind::any && !name.empty()) r.report("unknown surface:", name);
     return kind;
 }
 
-/// Two numbers under `key`, both at least `least`. True when the key is absent (`out` unchanged) or
-/// good.
-bool readVec2(const Package& p, const char* key, double least, vec2& out) {
-    const Item* item = p.getItem(key);
-    if (!item) return true;
-    double v[2];
-    if (item->getDoubles(v, 2) != 2 || item->getCount() != 2 || !(v[0] >= least && v[1] >= least) ||
-        !std::isfinite(v[0] + v[1])) {
-        report(p, item->getLine(), "two numbers, not too small, are needed in", key);
-        return false;
-    }
-    out = {static_cast<float>(v[0]), static_cast<float>(v[1])};
-    return true;
-}
-
-Node* createParticles(const Package& p) {
-    reportUnknownKeys(p,
-                      {"life", "life_spread", "velocity", "velocity_spread", "rate", "spread",
-                       "duration", "burst", "surface", "material", "deflectors", "deflector_size",
-                       "ring", "outflow"},
-                      true);
+Node* createParticles(const NodeReader& r) {
     dvec3 spread;
-    if (!readVec3(p, "spread", spread)) return nullptr;
     vec2 half{2.5f, 2.5f}, ring;
-    if (!readVec2(p, "deflector_size", 0.01, half) || !readVec2(p, "ring", 0, ring)) return nullptr;
+    if (!r.readTriple("spread", spread) || !r.readPair("deflector_size", half) ||
+        !r.readPair("ring", ring))
+        return nullptr;
     auto* particles = new ObjectParticles();
-    if (p.getItem("life")) particles->setLife(p.getFloat("life"));
-    particles->setLifeSpread(p.getFloat("life_spread"));
-    particles->setLinearVelocity(p.getFloat("velocity"));
-    particles->setLinearVelocitySpread(p.getFloat("velocity_spread"));
-    particles->setSpawnRate(p.getFloat("rate"));
-    particles->setDuration(p.getFloat("duration"));
-    particles->setBurst(p.getFloat("burst"));
+    particles->setLife(r.getNumber("life", particles->getLife()));
+    particles->setLifeSpread(r.getNumber("life_spread"));
+    particles->setLinearVelocity(r.getNumber("velocity"));
+    particles->setLinearVelocitySpread(r.getNumber("velocity_spread"));
+    particles->setSpawnRate(r.getNumber("rate"));
+    particles->setDuration(r.getNumber("duration"));
+    particles->setBurst(r.getNumber("burst"));
     particles->setSpread(vec3(spread));
-    particles->setSurface(readSurface(p));
-    particles->setNumDeflectors(std::clamp(p.getInt("deflectors"), 0, 16));
+    particles->setSurface(readSurface(r));
+    particles->setNumDeflectors(r.getWhole("deflectors"));
     particles->setDeflectorSize(half);
-    particles->setRing(ring, p.getFloat("outflow"));
-    particles->setSurfaceMaterial(0, loadMaterial(p));
+    particles->setRing(ring, r.getNumber("outflow"));
+    particles->setSurfaceMaterial(0, r.getMaterial());
     particles->setIntersection(0, false);
     return particles;
 }
+const bool PARTICLES = NodeFactory::add("particles", createParticles,
+                                        {{number,
+                                          {"life", "life_spread", "velocity", "velocity_spread",
+                                           "rate", "duration", "burst", "outflow"}},
+                                         {triple, {"spread"}},
+                                         {text, {"surface"}},
+                                         {material, {"material"}},
+                                         {whole, {"deflectors"}, nullptr, 0, 16},
+                                         {pair, {"deflector_size"}, nullptr, 0.01},
+                                         {pair, {"ring"}, nullptr, 0}});
 
-Node* createDecal(const Package& p) {
-    reportUnknownKeys(p, {"width", "height", "material"}, true);
+Node* createDecal(const NodeReader& r) {
     auto* decal = new DecalOrtho();
-    decal->setWidth(p.getFloat("width"));
-    decal->setHeight(p.getFloat("height"));
-    decal->setSurfaceMaterial(0, loadMaterial(p));
+    decal->setWidth(r.getNumber("width"));
+    decal->setHeight(r.getNumber("height"));
+    decal->setSurfaceMaterial(0, r.getMaterial());
     return decal;
 }
+const bool DECAL = NodeFactory::add("decal", createDecal,
+                                    {{number, {"width", "height"}}, {material, {"material"}}});
 
-Node* createLight(const Package& p) {
-    reportUnknownKeys(p, {"material"}, true);
+Node* createLight(const NodeReader& r) {
     auto* light = new ObjectLight();
-    light->setSurfaceMaterial(0, loadMaterial(p));
+    light->setSurfaceMaterial(0, r.getMaterial());
     return light;
 }
+const bool LIGHT = NodeFactory::add("light", createLight, {{material, {"material"}}});
 
-Node* createRope(const Package& p) {
-    reportUnknownKeys(p, {"radius", "material"}, true);
-    const float radius = p.getFloat("radius");
+Node* createRope(const NodeReader& r) {
+    const float radius = r.getNumber("radius");
     if (!(radius > 0) || !std::isfinite(radius)) {
-        report(p, p.getLine(), "a rope needs a positive radius, not", p.getString("radius"));
+        r.report("a rope needs a positive radius, not", r.getPackage().getString("radius"));
         return nullptr;
     }
-    return new ObjectRope(radius, loadMaterial(p));
+    return new ObjectRope(radius, r.getMaterial());
 }
+const bool ROPE =
+    NodeFactory::add("rope", createRope, {{number, {"radius"}}, {material, {"material"}}});
 
-Node* createField(const Package& p) {
-    reportUnknownKeys(p, {"parameters"}, true);
+Node* createField(const NodeReader& r) {
     auto* field = new NodeField();
     dvec3 parameters;
-    readVec3(p, "parameters", parameters);
+    r.readTriple("parameters", parameters);
     field->setParameter(0, static_cast<float>(parameters.x));
     field->setParameter(1, static_cast<float>(parameters.y));
     field->setParameter(2, static_cast<float>(parameters.z));
     return field;
 }
+const bool FIELD = NodeFactory::add("field", createField, {{triple, {"parameters"}}});
 
-Node* createCamera(const Package& p) {
-    reportUnknownKeys(p, {}, true);
-    return new Camera();
-}
-
-std::map<jString, Creator>& creators() {
-    static std::map<jString, Creator> map = {
-        {"", createNode},         {"node", createNode},   {"mesh", createMesh},
-        {"prefab", createPrefab}, {"decal", createDecal}, {"particles", createParticles},
-        {"light", createLight},   {"field", createField}, {"camera", createCamera},
-        {"rope", createRope},
-    };
-    return map;
-}
+Node* createCamera(const NodeReader&) { return new Camera(); }
+const bool CAMERA = NodeFactory::add("camera", createCamera, {});
 
 // ------------------------------------------------------------------ what all nodes have
 
@@ -282,14 +180,14 @@ const char* wgsFault(const dvec3& wgs) {
                : "longitude within 360 and latitude within 90 degrees are needed in \"wgs\" of";
 }
 
-bool placeNode(const Package& p, Node& node) {
+bool placeNode(const NodeReader& r, Node& node) {
     dvec3 position, rotation, wgs, hpr;
-    if (!readVec3(p, "position", position) || !readVec3(p, "rotation", rotation) ||
-        !readVec3(p, "wgs", wgs) || !readVec3(p, "hpr", hpr))
+    if (!r.readTriple("position", position) || !r.readTriple("rotation", rotation) ||
+        !r.readTriple("wgs", wgs) || !r.readTriple("hpr", hpr))
         return false;
-    if (const Item* item = p.getItem("wgs")) {
+    if (r.has("wgs")) {
         if (std::abs(wgs.x) > 360 || std::abs(wgs.y) > 90) {
-            report(p, item->getLine(), wgsFault(wgs), p.getString("name"));
+            r.report(wgsFault(wgs), r.getText("name"), "wgs");
             return false;
         }
         node.setWgsPosition(wgs);
@@ -301,37 +199,40 @@ bool placeNode(const Package& p, Node& node) {
 }
 
 /// A geodetic place would be taken for one in the parent's frame.
-Node* loadChild(const Package& parent, const Package& description) {
-    if (const Item* wgs = description.getItem("wgs"))
-        report(parent, wgs->getLine(), "\"wgs\" is for nodes without parent, not for",
-               description.getString("name"));
-    else
-        return World::LoadNode(&description);
+Node* loadChild(const NodeReader& child) {
+    if (!child.has("wgs")) return World::LoadNode(&child.getPackage());
+    child.report("\"wgs\" is for nodes without parent, not for", child.getText("name"), "wgs");
     return nullptr;
 }
 
 /// A body of the prefab's root belongs to the root; only objects have bodies.
-void giveBody(const Package& p, Node& node) {
-    const Package* description = p.getPackage("body");
+void giveBody(const NodeReader& r, Node& node) {
+    const auto description = r.getMap("body");
     if (!description) return;
     if (!node.isObject())
-        report(p, description->getLine(),
-               "this type of node can't have a body:", p.getString("type"));
+        description->report("this type of node can't have a body:", r.getText("type"));
     else if (Body* body = loadBody(*description))
         static_cast<Object&>(node).setBody(body);
 }
 
 } // namespace
 
-bool NodeFactory::add(const char* type, Creator create) {
-    creators()[type] = create;
+bool NodeFactory::add(const char* type, Creator create, std::vector<NodeKeys> keys) {
+    NodeSchema& schema = getNodeSchema();
+    keys.insert(keys.begin(), {{text, {"name", "type"}},
+                               {flag, {"enabled"}},
+                               {triple, {"position", "rotation", "wgs", "hpr"}},
+                               {list, {"children"}, &schema},
+                               {map, {"body"}, &BODY_SCHEMA}});
+    std::erase_if(schema.types, [type](const auto& known) { return known.name == type; });
+    schema.types.push_back({type, std::move(keys)});
+    getCreators()[type] = create;
     return true;
 }
 
-NodeFactory::Creator NodeFactory::find(const jString& type) {
-    const auto entry = creators().find(type);
-    return entry == creators().end() ? nullptr : entry->second;
-}
+std::string NodeFactory::describe() { return getNodeSchema().describe(); }
+
+NodeReader::NodeReader(const Package& node) : NodeReader(node, getNodeSchema()) {}
 
 NodeBudget::NodeBudget() { g_loads++; }
 
@@ -341,32 +242,32 @@ NodeBudget::~NodeBudget() {
 
 Node* World::LoadNode(const Package* package) {
     if (!package) return nullptr;
-    const Package& p = *package;
+    const NodeReader r(*package);
     const NodeBudget budget;
     if (++g_nodes > NodeBudget::MOST) {
         if (g_nodes == NodeBudget::MOST + 1)
-            report(p, p.getLine(), "too many nodes, prefabs in prefabs included: left out from",
-                   p.getString("name"));
+            r.report("too many nodes, prefabs in prefabs included: left out from",
+                     r.getText("name"));
         return nullptr;
     }
-    const Creator create = NodeFactory::find(p.getString("type"));
-    if (!create) {
+    if (!r.getType()) {
         std::vector<std::string> types;
-        for (const auto& [type, known] : creators())
-            types.push_back(type.c_str());
+        for (const auto& type : getNodeSchema().types)
+            types.push_back(type.name);
         jLog::error("World::LoadNode: %s:%d: unknown type of node \"%s\"%s; it is left out",
-                    p.getPath().c_str(), p.getLine(), p.getString("type").c_str(),
-                    nearest(p.getString("type").view(), types).c_str());
+                    package->getPath().c_str(), package->getLine(), r.getText("type").c_str(),
+                    nearest(r.getText("type").view(), types).c_str());
         return nullptr;
     }
-    std::unique_ptr<Node> node(create(p));
+    r.reportUnknownKeys();
+    std::unique_ptr<Node> node(getCreators()[r.getType()->name](r));
     if (!node) return nullptr;
-    node->setName(p.getString("name"));
-    if (p.getItem("enabled")) node->setEnabled(p.getBool("enabled"));
-    if (!placeNode(p, *node)) return nullptr;
-    for (const Package* description : readList(p, "children", "World::LoadNode"))
-        if (Node* child = loadChild(p, *description)) node->addChild(child);
-    giveBody(p, *node);
+    node->setName(r.getText("name"));
+    if (r.has("enabled")) node->setEnabled(r.getFlag("enabled"));
+    if (!placeNode(r, *node)) return nullptr;
+    for (const NodeReader& description : r.getMaps("children"))
+        if (Node* child = loadChild(description)) node->addChild(child);
+    giveBody(r, *node);
     return node.release();
 }
 

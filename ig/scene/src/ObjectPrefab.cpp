@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "ig/scene/ObjectPrefab.h"
 
-#include "connectBodies.h"
+#include "LoadBody.h"
 #include "ig/base/jLog.h"
 #include "ig/package/Package.h"
 #include "ig/package/PackageManager.h"
 #include "ig/physics/Body.h"
+#include "ig/scene/NodeReader.h"
 #include "ig/scene/World.h"
 
 #include <set>
@@ -45,7 +46,7 @@ ObjectPrefab::ObjectPrefab(const jString& path) : Object(OBJECT_PREFAB), m_path(
     if (!m_root) return;
     addChild(m_root);
     collect(m_root);
-    connectBodies(*description, *this);
+    connectBodies(NodeReader(*description), *this);
 }
 
 void ObjectPrefab::collect(Node* node) {

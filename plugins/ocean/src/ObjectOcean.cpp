@@ -5,8 +5,7 @@
 #include "WaveField.h"
 #include "ig/app/Engine.h"
 #include "ig/math/quat.h"
-#include "ig/package/Package.h"
-#include "ig/scene/World.h"
+#include "ig/scene/NodeReader.h"
 
 #include <limits>
 
@@ -19,27 +18,18 @@ const EllipsoidModel EARTH;
 constexpr float MAX_BEAUFORT = 12;
 constexpr float MAX_SPEED = 75; ///< m/s; the strongest winds at sea stay below
 
-/// A number under `key`; false when there is none, with a message when there is something else.
-bool readNumber(const Package& p, const char* key, float& value) {
-    const Item* item = p.getItem(key);
-    if (!item) return false;
-    if (item->getKind() != Item::Kind::value) {
-        jLog::error("ObjectOcean: %s:%d: a number is needed in \"%s\"", p.getPath().c_str(),
-                    item->getLine(), key);
-        return false;
-    }
-    return item->getFloats(&value, 1) == 1; // reports what is not a number itself
-}
-
-Node* create(const Package& p) {
+Node* create(const NodeReader& r) {
     auto* sea = new ObjectOcean();
-    float value = 0;
-    if (readNumber(p, "beaufort", value)) sea->setBeaufort(value);
-    if (readNumber(p, "speed", value)) sea->setSpeed(value);
-    if (readNumber(p, "angle", value)) sea->setAngle(value);
+    sea->setBeaufort(r.getNumber("beaufort", sea->getBeaufort()));
+    sea->setSpeed(r.getNumber("speed", sea->getSpeed()));
+    sea->setAngle(r.getNumber("angle", sea->getAngle()));
     return sea;
 }
-const bool registered = NodeFactory::add("ocean", create);
+using enum NodeKeys::Kind;
+const bool TYPE = NodeFactory::add("ocean", create,
+                                   {{number, {"beaufort"}, nullptr, 0, MAX_BEAUFORT},
+                                    {number, {"speed"}, nullptr, 0, MAX_SPEED},
+                                    {number, {"angle"}}});
 
 /// Metres per degree of longitude and of latitude at a latitude in degrees: the radii of curvature
 /// of the prime vertical, times the latitude's cosine, and of the meridian.

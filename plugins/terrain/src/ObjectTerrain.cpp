@@ -8,8 +8,7 @@
 #include "ig/base/jLog.h"
 #include "ig/math/EllipsoidModel.h"
 #include "ig/math/quat.h"
-#include "ig/package/Package.h"
-#include "ig/scene/World.h"
+#include "ig/scene/NodeReader.h"
 
 using namespace ig;
 
@@ -17,19 +16,19 @@ namespace {
 
 const EllipsoidModel EARTH;
 
-Node* create(const Package& p) {
+Node* create(const NodeReader& r) {
     auto* terrain = new ObjectTerrain();
-    const jString& raster = p.getString("raster");
+    const jString& raster = r.getText("raster");
     if (raster.empty())
-        jLog::error("ObjectTerrain: %s:%d: a terrain needs a \"raster\"", p.getPath().c_str(),
-                    p.getLine());
+        r.report("a terrain needs a", "raster");
     else
         terrain->load(raster); // a terrain without ground stands in for a missing one
-    const jString& material = p.getString("material");
-    if (!material.empty()) terrain->setSurfaceMaterial(0, MaterialManager::get(material));
+    terrain->setSurfaceMaterial(0, r.getMaterial());
     return terrain;
 }
-const bool registered = NodeFactory::add("terrain", create);
+const bool TYPE = NodeFactory::add(
+    "terrain", create,
+    {{NodeKeys::Kind::text, {"raster"}}, {NodeKeys::Kind::material, {"material"}}});
 
 /// Length of a degree of longitude and of latitude at a place, m.
 dvec2 getDegreeLengths(double latitude, double altitude) {

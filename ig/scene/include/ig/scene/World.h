@@ -68,14 +68,4 @@ private:
     mutable jVector<Node*> m_crossed; ///< by the segment of `findFirst`; kept for its memory
 };
 
-/// Node types that plug-in libraries add to the scene files.
-class NodeFactory {
-public:
-    using Creator = Node* (*)(const Package&);
-    /// From then on a node of this `type` in a file is made by `create`, which reads the keys of
-    /// its own and returns null, having logged, when they make no sense. Returns true.
-    static bool add(const char* type, Creator create);
-    static Creator find(const jString& type);
-};
-
 } // namespace ig
