@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "assets.h"
 #include "heli/kit/HelicopterCorax.h"
 #include "heli/logic/Logic_Nerith_Heli_Final.h"
 #include "ig/scene/ObjectPrefab.h"
@@ -7,10 +8,6 @@
 using namespace ig;
 
 namespace {
-
-const char* const WET_RUNWAY = "data/PELMAR_PROJECT/ANIM/runway_ssr.anim";
-const char* const ICY_RUNWAY = "data/PELMAR_PROJECT/ANIM/runway_ice.anim";
-const char* const LIGHTS = "data/PELMAR_PROJECT/ANIM/light.anim";
 
 // ------------------------------------------------------------------ from the host
 

@@ -1,20 +1,22 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+// The cables of sonar and winch. What the operator sees of a length is a multiple of the rope
+// body's.
+
+#include "nodes.h"
+
 #include <algorithm>
 
-namespace cable {
+inline constexpr float SHOWN_PER_LENGTH = 1.5f; ///< shown length over the rope body's value
+inline constexpr float CABLE_SPEED = 2;         ///< m/s, shown, of the operator's buttons
+inline constexpr float SHORTEST_CABLE = 2, LONGEST_CABLE = 16; ///< m, shown, that the buttons reach
 
-constexpr float DISPLAYED_PER_LENGTH = 1.5f; ///< displayed length over the rope body's value
-constexpr float SPEED = 2;                   ///< m/s, displayed, of the operator's buttons
-constexpr float MIN = 2, MAX = 16;           ///< m, displayed, that the buttons reach
-
-/// The rope body's length after the operator has paid out `change` metres of displayed length.
-inline float payOut(float length, float change) {
-    return std::clamp(DISPLAYED_PER_LENGTH * length + change, MIN, MAX) / DISPLAYED_PER_LENGTH;
+/// Lowers what hangs on a cable by `change` metres of shown length, or raises it. Nothing for a
+/// node that is no rope.
+inline void payOut(ig::Node* node, float change) {
+    if (ig::BodyRope* rope = ropeOf(node))
+        rope->setLength(std::clamp(SHOWN_PER_LENGTH * rope->getLength() + change, SHORTEST_CABLE,
+                                   LONGEST_CABLE) /
+                        SHOWN_PER_LENGTH);
 }
-
-/// The rope body's length for a displayed one.
-inline float fromDisplayed(float displayed) { return displayed / DISPLAYED_PER_LENGTH; }
-
-} // namespace cable

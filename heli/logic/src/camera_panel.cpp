@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "bodies.h"
+#include "assets.h"
 #include "cable.h"
 #include "heli/logic/Logic_Nerith_Heli_Final.h"
 #include "heli/logic/records.h"
 #include "heli/ui/editors.h"
-#include "ig/physics/BodyRope.h"
 #include "ig/scene/CameraControl.h"
 #include "ig/ui/UILabel.h"
 #include "ig/ui/UIRoot.h"
@@ -14,15 +13,10 @@
 #include <cstdio>
 
 using namespace ig;
-using logic_memory::create;
 
 namespace {
 
 const char* const INIT_UI_CAM = "Logic_Nerith_Heli_Final::init_ui_cam";
-
-const char* const SPEED_ICON = "data/core/editor/gui/run.dds";
-const char* const POSITION_ICON = "data/core/editor/gui/position.dds";
-const char* const COLLECTIVE_ICON = "data/PELMAR_PROJECT/gui/thr.png";
 
 constexpr int SPEED_MESSAGE = 123456;    ///< the operator set the camera's speed
 constexpr int POSITION_MESSAGE = 654321; ///< … its place: it is levelled there
@@ -60,7 +54,7 @@ public:
         int size = 0;
         const auto add = [&](const char* name, const BodyRope* rope) {
             if (!rope) return;
-            const float length = rope->getLength() * cable::DISPLAYED_PER_LENGTH;
+            const float length = rope->getLength() * SHOWN_PER_LENGTH;
             size +=
                 std::snprintf(text + size, sizeof text - static_cast<std::size_t>(size),
                               "%s%s %.1f m", size ? "   " : "", name, static_cast<double>(length));
@@ -68,8 +62,8 @@ public:
         text[0] = 0;
         const SonarInfo* sonar = m_logic.m_sonar_info;
         const WinchInfo* winch = m_logic.m_winch_info;
-        add("声呐缆 Sonar", sonar ? logic_bodies::ropeOf(sonar->rope) : nullptr);
-        add("吊索 Winch", winch ? logic_bodies::ropeOf(winch->rope) : nullptr);
+        add("声呐缆 Sonar", sonar ? ropeOf(sonar->rope) : nullptr);
+        add("吊索 Winch", winch ? ropeOf(winch->rope) : nullptr);
         setText(text);
         setPosition(m_row.getX(), m_row.getY() - getHeight() - pixels(READOUT_GAP));
     }
@@ -83,7 +77,7 @@ private:
 };
 
 void styleField(UIEditLine* field, int width) {
-    field->setBackgroundColor(logic_panels::HALF);
+    field->setBackgroundColor(PANEL_BACKGROUND);
     field->setFixSize(width, ROW);
 }
 
@@ -92,7 +86,7 @@ void styleField(UIEditLine* field, int width) {
 /// The row in the lower left corner: the free camera's speed, its geodetic position, the
 /// helicopter's collective.
 void Logic_Nerith_Heli_Final::init_ui_cam() {
-    m_cam_panel = logic_panels::create<UIHLayout>(INIT_UI_CAM);
+    m_cam_panel = createPanel<UIHLayout>(INIT_UI_CAM);
     if (!m_cam_panel) return;
     using Logic = Logic_Nerith_Heli_Final;
     addIcon(m_cam_panel, SPEED_ICON);

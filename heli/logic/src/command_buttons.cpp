@@ -6,7 +6,6 @@
 #include "panel.h"
 
 using namespace ig;
-using logic_memory::create;
 
 namespace {
 const char* const INIT_UI_BTNS = "Logic_Nerith_Heli_Final::init_ui_btns";
@@ -47,7 +46,7 @@ void Logic_Nerith_Heli_Final::init_ui_btns() {
         {"场景重置", &Logic::on_click_reset, nullptr},
     };
 
-    m_btn_panel = logic_panels::create<UIVLayout>(INIT_UI_BTNS);
+    m_btn_panel = createPanel<UIVLayout>(INIT_UI_BTNS);
     if (!m_btn_panel) return;
     for (const Row& row : ROWS) {
         auto* button = create<UIButton>(INIT_UI_BTNS, m_btn_panel->getRoot(), row.text);

@@ -1,19 +1,18 @@
 // SPDX-License-Identifier: MIT
+#include "assets.h"
 #include "common/ActionAttack/ActionPlaySpe.h"
 #include "heli/kit/HelicopterCorax.h"
 #include "heli/logic/Logic_Nerith_Heli_Final.h"
 #include "ig/action/ActionMulti.h"
 #include "ig/math/jMath.h"
-#include "ig/physics/Body.h"
-#include "ig/scene/ObjectPrefab.h"
 #include "ig/scene/SceneObjects.h"
 #include "ig/scene/World.h"
+#include "nodes.h"
 
 using namespace ig;
 
 namespace {
 
-const char* const EXPLOSION = "data/art/prefab/vfx/explosion_1/explosion_1.prefab";
 constexpr float EXPLOSION_TIME = 6;       ///< seconds
 constexpr float WRECK_DELAY = 0.2f;       ///< seconds until the airframe turns into its wreck
 constexpr float TUMBLE_TORQUE = 300000;   ///< N·m about each of the two axes
@@ -61,18 +60,11 @@ void Logic_Nerith_Heli_Final::on_heli_destory(Action*) {
     show_airframe("normal", false);
 }
 
-/// Shows or hides one of the airframe's states, a direct child of the prefab's root.
-void Logic_Nerith_Heli_Final::show_airframe(const char* state, bool on) {
-    const Node* root = m_heli && m_heli->m_prefab ? m_heli->m_prefab->getRoot() : nullptr;
-    Node* node = root ? root->getChildByName(state, false) : nullptr;
-    if (node) node->setEnabled(on);
-}
-
 void Logic_Nerith_Heli_Final::clear_all_particles() {
     for (Node* node : m_world->getNodes()) {
         clearIfParticles(node);
-        if (node->getType() != OBJECT_PREFAB) continue;
-        for (Node* part : static_cast<ObjectPrefab*>(node)->getNodes())
-            clearIfParticles(part);
+        if (const ObjectPrefab* prefab = asPrefab(node))
+            for (Node* part : prefab->getNodes())
+                clearIfParticles(part);
     }
 }

@@ -12,7 +12,7 @@ constexpr int PROJECTOR_KEY = 'g';
 } // namespace
 
 extern "C" LOGIC_API LogicBase* CreateLogic(World* world, CameraControl* camera) {
-    return logic_memory::create<Logic_Nerith_Heli_Final>("CreateLogic", world, camera);
+    return create<Logic_Nerith_Heli_Final>("CreateLogic", world, camera);
 }
 
 Logic_Nerith_Heli_Final::Logic_Nerith_Heli_Final(World* world, CameraControl* camera)

@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include "common/ship/FlagOper.h"
-#include "common/ship/Ship.h"
-#include "common/ship/Wakes.h"
 #include "heli/kit/HeliEffectsKitCorax.h"
 #include "heli/kit/HelicopterCorax.h"
 #include "heli/kit/UdpDataKit.h"
@@ -26,12 +24,6 @@ namespace {
 const char* const RELEASE = "Logic_Nerith_Heli_Final::release";
 constexpr float NO_GROUND = -1e9f;    ///< neither terrain nor sea below the helicopter
 constexpr double RADAR_HEIGHT = 10.0; ///< of the radar camera above the helicopter, metres
-
-void update_ship(Ship* ship) {
-    if (!ship) return;
-    if (ship->getObject()->isEnabled() && ship->getWakes()) ship->getWakes()->update();
-    ship->update();
-}
 } // namespace
 
 void Logic_Nerith_Heli_Final::update(float dt) {
@@ -45,8 +37,7 @@ void Logic_Nerith_Heli_Final::update(float dt) {
         update_precipitation_deflector();
         update_radar_camera();
     }
-    update_ship(m_ship1);
-    update_ship(m_ship2);
+    update_ships();
     update_input();
     update_torpedo(dt);
     update_sonar();
@@ -134,7 +125,6 @@ void Logic_Nerith_Heli_Final::swap() {
 }
 
 void Logic_Nerith_Heli_Final::release() {
-    using logic_memory::destroy;
     if (m_udp_recv) m_udp_recv->release();
     destroy(m_udp_recv, RELEASE);
     if (m_udp_send) m_udp_send->release();

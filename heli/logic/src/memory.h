@@ -6,14 +6,12 @@
 
 #include "ig/base/jAllocator.h"
 
-namespace logic_memory {
-
-inline constexpr const char* SOURCE = "src/logic/Logic_Nerith_Heli_Final";
+inline constexpr const char* LOGIC_SOURCE = "src/logic/Logic_Nerith_Heli_Final";
 
 /// The qualified name of the allocating or freeing operation, with the line that names it.
 struct Operation {
     Operation(const char* name, std::source_location where = std::source_location::current())
-        : site(SOURCE, name, where) {}
+        : site(LOGIC_SOURCE, name, where) {}
     ig::MemSite site;
 };
 
@@ -27,5 +25,3 @@ template <class T>
 void destroy(T*& object, Operation operation) {
     ig::memDelete(object, operation.site);
 }
-
-} // namespace logic_memory

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "assets.h"
 #include "heli/kit/HelicopterCorax.h"
 #include "heli/kit/LogicActions.h"
 #include "heli/logic/Logic_Nerith_Heli_Final.h"
@@ -9,15 +10,12 @@
 #include "memory.h"
 
 using namespace ig;
-using namespace logic_memory;
 
 namespace {
-const char* const MISSILE = "data/PELMAR_PROJECT/prefabs/missile/missile.prefab";
-const char* const DECOY = "data/PELMAR_PROJECT/prefabs/vfx/decoy/decoy.prefab";
-const char* const HIT = "data/art/prefab/vfx/explosion/explosion.prefab";
 constexpr double LAUNCH_DISTANCE = 5;  ///< ahead of the helicopter, metres
 constexpr float MISSILE_SPEED = 300;   ///< m/s
 constexpr float MISSILE_LIFETIME = 20; ///< seconds
+constexpr float EXPLOSION_TIME = 20;   ///< seconds
 constexpr float DECOY_IMPULSE = 50;    ///< N·s
 constexpr float DECOY_LIFETIME = 20;   ///< seconds
 } // namespace
@@ -45,7 +43,7 @@ void Logic_Nerith_Heli_Final::on_missile_hit(Body* body, int) {
     if (!body->isEnabled()) return; // it has exploded already
     const auto* object = static_cast<const Object*>(body->getOwner());
     body->setEnabled(false);
-    play_effect(HIT, 20, object->getWorldPosition());
+    play_effect(MISSILE_HIT, EXPLOSION_TIME, object->getWorldPosition());
 }
 
 void Logic_Nerith_Heli_Final::update_missle() {

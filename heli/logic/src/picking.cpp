@@ -4,8 +4,8 @@
 #include "ig/base/jLog.h"
 #include "ig/scene/Camera.h"
 #include "ig/scene/CameraControl.h"
-#include "ig/scene/ObjectPrefab.h"
 #include "ig/scene/World.h"
+#include "nodes.h"
 
 using namespace ig;
 
@@ -24,8 +24,8 @@ jVector<Object*> visibleObjects(const jVector<Node*>& nodes) {
     objects.reserve(nodes.size());
     for (Node* node : nodes) {
         if (!isShown(node)) continue;
-        if (node->getType() == OBJECT_PREFAB) {
-            for (Object* object : static_cast<ObjectPrefab*>(node)->getObjects())
+        if (const ObjectPrefab* prefab = asPrefab(node)) {
+            for (Object* object : prefab->getObjects())
                 if (isShown(object)) objects.append(object);
         } else if (node->isObject()) {
             objects.append(static_cast<Object*>(node));

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "assets.h"
 #include "heli/logic/Logic_Nerith_Heli_Final.h"
 #include "ig/scene/Camera.h"
 #include "ig/scene/Material.h"
@@ -10,12 +11,10 @@
 #include <cstdio>
 
 using namespace ig;
-using logic_memory::create;
 
 namespace {
 
 const char* const INIT_UI_RADAR = "Logic_Nerith_Heli_Final::init_ui_radar";
-const char* const POST_RADAR = "post_radar";
 constexpr int PICTURE_SIZE = 256;    ///< pixels
 constexpr double AHEAD = 90.0;       ///< degrees in the picture, clockwise from its left
 constexpr float WHOLE_PICTURE = 180; ///< degrees
@@ -28,7 +27,7 @@ const vec4 SCALE_COLOR(0.55f, 1.0f, 0.65f, 0.9f), SHADOW(0, 0, 0, 0.8f);
 /// Sets the sector of the radar's material: the state "fan" draws it, from and to are degrees.
 /// Without the material the picture has no sector.
 void setSector(const void* owner, const char* function, int fan, float from, float to) {
-    Material* material = RPost::GetMaterial(POST_RADAR, owner, {logic_memory::SOURCE, function});
+    Material* material = RPost::GetMaterial(POST_RADAR, owner, {LOGIC_SOURCE, function});
     if (!material) return;
     const int state = material->findStateID("fan");
     if (state != -1) material->setStateValue(state, fan);
@@ -70,7 +69,7 @@ private:
 } // namespace
 
 void Logic_Nerith_Heli_Final::init_ui_radar() {
-    m_radar_panel = logic_panels::create<UIVLayout>(INIT_UI_RADAR);
+    m_radar_panel = createPanel<UIVLayout>(INIT_UI_RADAR);
     if (!m_radar_panel) return;
     m_radar_object = create<Camera>(INIT_UI_RADAR, NODE_CAMERA_RADAR);
     m_radar_viewport = create<UISpriteViewport>(INIT_UI_RADAR, m_radar_panel->getRoot(),

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "common/ship/Ship.h"
+#include "assets.h"
 #include "heli/kit/HelicopterCorax.h"
 #include "heli/kit/LogicActions.h"
 #include "heli/logic/Logic_Nerith_Heli_Final.h"
@@ -12,21 +12,18 @@
 #include "memory.h"
 
 using namespace ig;
-using namespace logic_memory;
 
-jString Logic_Nerith_Heli_Final::getWorldPath() {
-    return "data/PELMAR_PROJECT/PELMAR_PROJECT.world";
-}
+jString Logic_Nerith_Heli_Final::getWorldPath() { return WORLD; }
 
 void Logic_Nerith_Heli_Final::load_track(const jString& path) {
-    const char* const name = "Logic_Nerith_Heli_Final::load_track";
+    static const char* const OPERATION = "Logic_Nerith_Heli_Final::load_track";
     if (path.empty()) return;
-    Track* track = create<Track>(name);
+    Track* track = create<Track>(OPERATION);
     if (!track) return;
     if (!track->load(path, m_world)) {
-        jLog::error("%s:\"%s\" load failed", name, path.c_str());
+        jLog::error("%s:\"%s\" load failed", OPERATION, path.c_str());
         track->release();
-        destroy(track, name);
+        destroy(track, OPERATION);
         return;
     }
     m_tracks.append(track);
@@ -61,9 +58,7 @@ void Logic_Nerith_Heli_Final::reset() {
     for (ObjectPrefab* decoy : m_decoys)
         remove_from_scene(decoy);
     m_decoys.clear();
-    if (m_sonar_info->prefab) remove_from_scene(m_sonar_info->prefab);
-    *m_sonar_info = {};
-    update_heli_sonar_enable();
+    release_sonar();
 }
 
 /// Intact, at rest, at the start marker.
@@ -79,16 +74,4 @@ void Logic_Nerith_Heli_Final::reset_helicopter() {
     show_airframe("normal", true);
     if (const Node* start = m_world->getNodeByName("start_heli"))
         m_heli->set_transform(start->getWorldTransform());
-}
-
-/// Back at their start poses, at rest.
-void Logic_Nerith_Heli_Final::reset_ships() {
-    if (m_ship1) m_ship1->getObject()->setWorldTransform(m_ship1_start);
-    if (m_ship2) m_ship2->getObject()->setWorldTransform(m_ship2_start);
-}
-
-/// Announces that a prefab goes and lets the world remove and destroy it.
-void Logic_Nerith_Heli_Final::remove_from_scene(ObjectPrefab* prefab) {
-    emit(m_sig_node_removed, prefab);
-    m_world->removeNode(prefab);
 }

@@ -1,28 +1,20 @@
 // SPDX-License-Identifier: MIT
-#include "bodies.h"
+#include "assets.h"
 #include "cable.h"
 #include "heli/kit/HelicopterCorax.h"
 #include "heli/logic/Logic_Nerith_Heli_Final.h"
 #include "heli/logic/records.h"
 #include "ig/app/Engine.h"
 #include "ig/physics/Joint.h"
-#include "ig/scene/ObjectPrefab.h"
 #include "ig/scene/World.h"
 #include "memory.h"
 #include "plugins/ocean/ObjectOcean.h"
 
 using namespace ig;
-using namespace logic_bodies;
-using namespace logic_memory;
 
 namespace {
-const char* const DIPPING_SONAR = "data/PELMAR_PROJECT/prefabs/sonar/sonar_rope.prefab";
-const char* const SONOBUOY = "data/PELMAR_PROJECT/prefabs/sonar/sonar.prefab";
-const char* const SPLASH = "data/PELMAR_PROJECT/prefabs/vfx/water_drop/water_drop.prefab";
-const char* const JOINT = "sonar";  ///< what holds the sonar body
-constexpr float SPLASH_TIME = 3;    ///< seconds
-constexpr double SPLASH_HEIGHT = 1; ///< above the sea, metres
-constexpr double DROP_HEIGHT = 1;   ///< of a thrown buoy below the helicopter, metres
+const char* const JOINT = "sonar"; ///< what holds the sonar body
+constexpr double DROP_HEIGHT = 1;  ///< of a thrown buoy below the helicopter, metres
 } // namespace
 
 // ------------------------------------------------------------------ the dipping sonar
@@ -48,17 +40,6 @@ bool Logic_Nerith_Heli_Final::emit_sonar() {
     return true;
 }
 
-/// Names a cable's prefab, places it level at a mount of the helicopter and adds it to the world;
-/// returns the mount's place.
-dvec3 Logic_Nerith_Heli_Final::add_below_mount(ObjectPrefab* prefab, const dmat4& mount,
-                                               const char* name) {
-    const dvec3 place = m_heli->get_world_transform() * mount.getTranslate();
-    prefab->setWorldTransform(Engine::get()->getEllipsoidModel()->getWGSTransform(place, true));
-    prefab->setName(name);
-    m_world->addNode(prefab);
-    return place;
-}
-
 void Logic_Nerith_Heli_Final::release_sonar() {
     if (!m_sonar_info) return;
     if (m_sonar_info->prefab) remove_from_scene(m_sonar_info->prefab);
@@ -82,13 +63,11 @@ bool Logic_Nerith_Heli_Final::is_break_sonar_joint() {
 }
 
 void Logic_Nerith_Heli_Final::sonar_down(float dt) {
-    if (BodyRope* rope = m_sonar_info ? ropeOf(m_sonar_info->rope) : nullptr)
-        rope->setLength(cable::payOut(rope->getLength(), cable::SPEED * dt));
+    if (m_sonar_info) payOut(m_sonar_info->rope, CABLE_SPEED * dt);
 }
 
 void Logic_Nerith_Heli_Final::sonar_up(float dt) {
-    if (BodyRope* rope = m_sonar_info ? ropeOf(m_sonar_info->rope) : nullptr)
-        rope->setLength(cable::payOut(rope->getLength(), -cable::SPEED * dt));
+    if (m_sonar_info) payOut(m_sonar_info->rope, -CABLE_SPEED * dt);
 }
 
 void Logic_Nerith_Heli_Final::update_heli_sonar_enable() {
@@ -113,19 +92,19 @@ void Logic_Nerith_Heli_Final::update_sonar_op() {
         return;
     info.sonar_mesh->setEnabled(false);
     if (Body* body = bodyOf(info.sonar)) body->setEnabled(false);
-    play_effect(SPLASH, SPLASH_TIME, lift(surface, SPLASH_HEIGHT));
+    play_splash(SPLASH, surface);
 }
 
 // ------------------------------------------------------------------ thrown buoys
 
 void Logic_Nerith_Heli_Final::throw_sonar() {
-    const char* const name = "Logic_Nerith_Heli_Final::throw_sonar";
+    static const char* const OPERATION = "Logic_Nerith_Heli_Final::throw_sonar";
     if (!m_heli) return;
-    auto* prefab = create<ObjectPrefab>(name, SONOBUOY);
+    auto* prefab = create<ObjectPrefab>(OPERATION, SONOBUOY);
     if (!prefab) return;
     prefab->moveBodyFromRoot();
     prefab->setWorldTransform(place_below_helicopter(DROP_HEIGHT));
-    auto* info = create<SonarInfo>(name);
+    auto* info = create<SonarInfo>(OPERATION);
     if (!info) {
         delete prefab;
         return;
@@ -149,7 +128,7 @@ void Logic_Nerith_Heli_Final::update_sonar() {
         } else if (earth.toWGS(surface, true).z > earth.toWGS(place, true).z) {
             info->sonar->setEnabled(false);
             if (Body* body = info->prefab->getBody()) body->setEnabled(false);
-            play_effect(SPLASH, SPLASH_TIME, lift(surface, SPLASH_HEIGHT));
+            play_splash(SPLASH, surface);
         }
     }
 }

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "assets.h"
 #include "common/ship/FlagOper.h"
-#include "common/ship/Ship.h"
-#include "common/ship/Wakes.h"
 #include "heli/config/AppData.h"
 #include "heli/kit/HeliEffectsKitCorax.h"
 #include "heli/kit/HelicopterCorax.h"
@@ -11,62 +10,22 @@
 #include "heli/logic/records.h"
 #include "ig/base/jLog.h"
 #include "ig/scene/CameraControl.h"
-#include "ig/scene/ObjectPrefab.h"
 #include "ig/scene/World.h"
 #include "ig/ui/UIButton.h"
 #include "memory.h"
+#include "nodes.h"
 #include "plugins/ocean/ObjectOcean.h"
 #include "plugins/terrain/ObjectTerrain.h"
 
 #include <cstdio>
 
 using namespace ig;
-using namespace logic_memory;
 
 namespace {
 
 const char* const INIT = "Logic_Nerith_Heli_Final::init";
 
-const char* const HELICOPTER =
-    "data/PELMAR_PROJECT/prefabs/KZ_CORAX_CN_NERITH/KZ_CORAX_CN_NERITH.prefab";
-
-const char* const TRACKS[] = {
-    "data/PELMAR_PROJECT/ANIM/runway_ssr.anim", // wet runway, by rain
-    "data/PELMAR_PROJECT/ANIM/runway_ice.anim", // icy runway, by snow
-    "data/PELMAR_PROJECT/ANIM/light.anim",      // lights, by time of day
-};
-
-// What is spawned later and must be in the engine's caches by then.
-const char* const PRELOADED[] = {
-    "data/PELMAR_PROJECT/prefabs/yulei_CORAXF/yulei.prefab",
-    "data/art/prefab/vfx/explosion/explosion.prefab",
-    "data/art/prefab/vfx/explosion_1/explosion_1.prefab",
-    "data/PELMAR_PROJECT/prefabs/vfx/water_explosion/water_explosion.prefab",
-    "data/PELMAR_PROJECT/prefabs/sonar/sonar.prefab",
-    "data/PELMAR_PROJECT/prefabs/winch/winch.prefab",
-    "data/PELMAR_PROJECT/prefabs/vfx/water_drop/water_drop.prefab",
-    "data/PELMAR_PROJECT/prefabs/missile/missile.prefab",
-    "data/PELMAR_PROJECT/prefabs/sonar/sonar_rope.prefab",
-    "data/PELMAR_PROJECT/prefabs/vfx/decoy/decoy.prefab",
-};
-
 constexpr float RECEIVE_PERIOD = 0.01f; ///< seconds
-
-constexpr int FULL_AHEAD = 2;                                  ///< control mode of the ships
-constexpr float FIRST_THRUST = 700.0f, SECOND_THRUST = 300.0f; ///< N per m³
-constexpr float SECOND_WAKE_LIFE = 40.0f;                      ///< seconds
-constexpr float FLAG_AMPLITUDE = 10.0f;                        ///< degrees
-constexpr float FLAG_SPEED = 3.0f;                             ///< degrees per second
-
-/// The prefab of that name in the world; null for any other node.
-ObjectPrefab* findPrefab(World& world, const char* name) {
-    Node* node = world.getNodeByName(name);
-    return node && node->getType() == OBJECT_PREFAB ? static_cast<ObjectPrefab*>(node) : nullptr;
-}
-
-void setUpFlag(const ObjectPrefab& ship, const char* name, FlagOper* flag) {
-    if (Node* node = ship.getNodeByName(name)) flag->init(node, FLAG_AMPLITUDE, FLAG_SPEED);
-}
 
 } // namespace
 
@@ -86,8 +45,7 @@ bool Logic_Nerith_Heli_Final::init() {
     init_ui_radar();
     place_start_camera();
     if (!create_records()) return out_of_memory();
-    create_first_ship();
-    create_second_ship();
+    create_ships();
     find_commander();
     announce_glass();
     load_tracks();
@@ -150,7 +108,6 @@ void Logic_Nerith_Heli_Final::place_start_camera() {
 }
 
 bool Logic_Nerith_Heli_Final::create_records() {
-    m_ship1 = m_ship2 = nullptr;
     m_sonar_info = create<SonarInfo>(INIT);
     m_winch_info = create<WinchInfo>(INIT);
     m_flag_qizi1 = create<FlagOper>(INIT);
@@ -160,34 +117,8 @@ bool Logic_Nerith_Heli_Final::create_records() {
     return m_sonar_info && m_winch_info && m_flag_qizi1 && m_flag_qizi2 && m_flag_qizhi && m_cmder;
 }
 
-void Logic_Nerith_Heli_Final::create_first_ship() {
-    ObjectPrefab* prefab = findPrefab(*m_world, "SM_055_CN_2023");
-    if (!prefab) return;
-    prefab->moveBodyFromRoot();
-    m_ship1 = create<Ship>(INIT, prefab, m_ocean);
-    if (!m_ship1) return; // out of memory
-    m_ship1->setControlMode(FULL_AHEAD);
-    m_ship1->setThrust(FIRST_THRUST);
-    m_ship1_start = prefab->getWorldTransform();
-    setUpFlag(*prefab, "qizi1", m_flag_qizi1);
-    setUpFlag(*prefab, "qizi2", m_flag_qizi2);
-}
-
-void Logic_Nerith_Heli_Final::create_second_ship() {
-    ObjectPrefab* prefab = findPrefab(*m_world, "LNJ_2023");
-    if (!prefab) return;
-    prefab->moveBodyFromRoot();
-    m_ship2 = create<Ship>(INIT, prefab, m_ocean);
-    if (!m_ship2) return; // out of memory
-    m_ship2->setControlMode(FULL_AHEAD);
-    m_ship2->setThrust(SECOND_THRUST);
-    if (Wakes* wakes = m_ship2->getWakes()) wakes->setWakeLife(SECOND_WAKE_LIFE);
-    m_ship2_start = prefab->getWorldTransform();
-    setUpFlag(*prefab, "qizhi", m_flag_qizhi);
-}
-
 void Logic_Nerith_Heli_Final::find_commander() {
-    if (ObjectPrefab* commander = findPrefab(*m_world, "cmder")) m_cmder->init(commander);
+    m_cmder->init(asPrefab(m_world->getNodeByName("cmder")));
 }
 
 void Logic_Nerith_Heli_Final::announce_glass() {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "common/ActionAttack/ActionPlaySpe.h"
+#include "assets.h"
 #include "heli/kit/HelicopterCorax.h"
 #include "heli/kit/LogicActions.h"
 #include "heli/logic/Logic_Nerith_Heli_Final.h"
@@ -11,25 +11,21 @@
 #include "plugins/ocean/ObjectOcean.h"
 
 using namespace ig;
-using namespace logic_memory;
 
 namespace {
-const char* const TORPEDO = "data/PELMAR_PROJECT/prefabs/yulei_CORAXF/yulei.prefab";
-const char* const EXPLOSION = "data/art/prefab/vfx/explosion_1/explosion_1.prefab";
-const char* const SPLASH = "data/PELMAR_PROJECT/prefabs/vfx/water_explosion/water_explosion.prefab";
-const char* const EMIT = "Logic_Nerith_Heli_Final::emit_torpedo";
+const char* const EMIT_TORPEDO = "Logic_Nerith_Heli_Final::emit_torpedo";
 constexpr double DROP_HEIGHT = 3;       ///< below the helicopter, metres
 constexpr float TIME_LIMIT = 40;        ///< seconds
 constexpr float PARACHUTE_DELAY = 1.5f; ///< seconds
-constexpr double SPLASH_HEIGHT = 1;     ///< above the sea, metres
+constexpr float EXPLOSION_TIME = 20;    ///< seconds
 } // namespace
 
 void Logic_Nerith_Heli_Final::emit_torpedo() {
     if (!m_heli) return;
-    auto* prefab = create<ObjectPrefab>(EMIT, TORPEDO);
+    auto* prefab = create<ObjectPrefab>(EMIT_TORPEDO, TORPEDO);
     if (!prefab) return;
     prefab->setWorldTransform(place_below_helicopter(DROP_HEIGHT));
-    auto* info = create<TorpedoInfo>(EMIT);
+    auto* info = create<TorpedoInfo>(EMIT_TORPEDO);
     if (!info) {
         delete prefab;
         return;
@@ -44,14 +40,6 @@ void Logic_Nerith_Heli_Final::emit_torpedo() {
     info->action = ActionEmitTorpedo::Create(info, PARACHUTE_DELAY);
     m_action_manager.addAction(info->action, false);
     emit(m_sig_prefab_added, prefab, false);
-}
-
-/// The local frame, level and facing north, that many metres below the helicopter along the local
-/// vertical.
-dmat4 Logic_Nerith_Heli_Final::place_below_helicopter(double distance) const {
-    const dmat4 frame = m_heli->m_prefab ? m_heli->m_prefab->getWGSTransform() : dmat4_identity;
-    return Engine::get()->getEllipsoidModel()->getWGSTransform(
-        frame.getTranslate() - frame.getZ() * distance, true);
 }
 
 void Logic_Nerith_Heli_Final::update_torpedo(float dt) {
@@ -81,27 +69,7 @@ bool Logic_Nerith_Heli_Final::is_torpedo_over(TorpedoInfo& info, float dt) {
     const dvec3 place = info.torpedo->getWorldPosition();
     const dvec3 surface = m_ocean->getWorldPoint(place);
     if (earth.toWGS(surface, true).z < earth.toWGS(place, true).z) return false;
-    play_effect(EXPLOSION, 20, place);
-    play_effect(SPLASH, 3, lift(surface, SPLASH_HEIGHT));
+    play_effect(EXPLOSION, EXPLOSION_TIME, place);
+    play_splash(COLUMN_OF_WATER, surface);
     return true;
-}
-
-dvec3 Logic_Nerith_Heli_Final::lift(const dvec3& world, double height) const {
-    const EllipsoidModel& earth = *Engine::get()->getEllipsoidModel();
-    dvec3 geodetic = earth.toWGS(world, true);
-    geodetic.z += height;
-    return earth.toWorld(geodetic, true);
-}
-
-void Logic_Nerith_Heli_Final::play_effect(const jString& path, float duration,
-                                          const dvec3& position) {
-    m_action_manager.addAction(ActionPlaySpe::Create(m_world, path, duration, position), false);
-    announce_effect(path, duration, position);
-}
-
-void Logic_Nerith_Heli_Final::announce_effect(const jString& path, float duration,
-                                              const dvec3& position) {
-    SynCoder::CMDPlaySpeOnceInfo info{
-        path, duration, Engine::get()->getEllipsoidModel()->getWGSTransform(position, true)};
-    emit(m_sig_play_spe_once, &info);
 }

@@ -1,20 +1,15 @@
 // SPDX-License-Identifier: MIT
-#include "bodies.h"
+#include "assets.h"
 #include "cable.h"
 #include "heli/kit/HelicopterCorax.h"
 #include "heli/logic/Logic_Nerith_Heli_Final.h"
 #include "heli/logic/records.h"
-#include "ig/scene/ObjectPrefab.h"
 #include "memory.h"
 #include "panel.h"
 
 using namespace ig;
-using namespace logic_bodies;
-using namespace logic_memory;
 
 namespace {
-// Not the prefab that start-up warms up: what is lowered is the basket.
-const char* const LOAD = "data/PELMAR_PROJECT/prefabs/rope_car/rope_car.prefab";
 /// Otherwise the button would seem to do nothing.
 const char* const STOWED_BY_HOST =
     "吊索已由飞行仿真收回：数据包中 hang_enable 为 0\n"
@@ -24,7 +19,7 @@ const char* const STOWED_BY_HOST =
 bool Logic_Nerith_Heli_Final::emit_winch() {
     release_winch();
     if (!m_heli) return false;
-    auto* prefab = create<ObjectPrefab>("Logic_Nerith_Heli_Final::emit_winch", LOAD);
+    auto* prefab = create<ObjectPrefab>("Logic_Nerith_Heli_Final::emit_winch", BASKET);
     if (!prefab) return false;
     const dvec3 mount = add_below_mount(prefab, m_winch_mount, "_winch_");
     WinchInfo& info = *m_winch_info;
@@ -45,13 +40,11 @@ void Logic_Nerith_Heli_Final::release_winch() {
 }
 
 void Logic_Nerith_Heli_Final::winch_down(float dt) {
-    if (BodyRope* rope = m_winch_info ? ropeOf(m_winch_info->rope) : nullptr)
-        rope->setLength(cable::payOut(rope->getLength(), cable::SPEED * dt));
+    if (m_winch_info) payOut(m_winch_info->rope, CABLE_SPEED * dt);
 }
 
 void Logic_Nerith_Heli_Final::winch_up(float dt) {
-    if (BodyRope* rope = m_winch_info ? ropeOf(m_winch_info->rope) : nullptr)
-        rope->setLength(cable::payOut(rope->getLength(), -cable::SPEED * dt));
+    if (m_winch_info) payOut(m_winch_info->rope, -CABLE_SPEED * dt);
 }
 
 // The hoist stays in sight while its cable is out.
@@ -59,7 +52,7 @@ void Logic_Nerith_Heli_Final::update_heli_winch_enable() {}
 
 void Logic_Nerith_Heli_Final::apply_hang(UdpRecvData& record) {
     if (record.hang_enable == 0) {
-        if (m_winch_info && m_winch_info->prefab) logic_panels::tell(STOWED_BY_HOST);
+        if (m_winch_info && m_winch_info->prefab) tellOperator(STOWED_BY_HOST);
         release_winch();
         return;
     }
@@ -67,7 +60,7 @@ void Logic_Nerith_Heli_Final::apply_hang(UdpRecvData& record) {
     if (!m_winch_info->prefab) emit_winch();
     if (!m_winch_info->prefab) return; // the next record tries again
     if (BodyRope* rope = ropeOf(m_winch_info->rope))
-        rope->setLength(cable::fromDisplayed(record.hang_length));
+        rope->setLength(record.hang_length / SHOWN_PER_LENGTH);
     const Body* load = bodyOf(m_winch_info->obj);
     if (Shape* shape = load ? load->getShape(0) : nullptr)
         shape->setMass(static_cast<float>(record.hang_mass));

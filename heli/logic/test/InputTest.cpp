@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "bodies.h"
+#include "nodes.h"
 #include "heli/logic/records.h"
 #include "testkit/LogicScene.h"
 
@@ -28,7 +28,7 @@ struct InputTest : testing::Test {
             scene.input.keyUp(key);
     }
     float sonarLength() {
-        const BodyRope* rope = logic_bodies::ropeOf(logic().m_sonar_info->rope);
+        const BodyRope* rope = ropeOf(logic().m_sonar_info->rope);
         return rope ? rope->getLength() * 1.5f : 0; // as displayed
     }
     LogicScene scene;

@@ -44,13 +44,15 @@ struct WinchInfo;
 ///   entry.cpp         factory, construction, small event entries
 ///   startup.cpp       init
 ///   frame.cpp         update, swap, release
+///   ships.cpp         the table of the ships, and their share in the three
 ///   reset_tracks.cpp  getWorldPath, tracks, reset
 ///   receive.cpp       the receive-and-apply cycle
 ///   feedback.cpp      the feedback datagram
 ///   apply_weather.cpp weather from the host to the signals, and from the application to the scene
 ///   apply_sea_pose.cpp  the sea and the helicopter's pose from the host
 ///   deflector.cpp     what keeps precipitation out of the cabin
-///   torpedo.cpp       the torpedo, and effects shown once
+///   scene_effects.cpp what all equipment does: it comes, goes, and shows effects
+///   torpedo.cpp       the torpedo
 ///   missile_decoy.cpp  missiles and the decoy salvo
 ///   destruction.cpp   the helicopter's own end
 ///   sonar.cpp         the dipping sonar and thrown buoys
@@ -330,8 +332,6 @@ private:
     bool create_effects();
     void place_start_camera();
     bool create_records();
-    void create_first_ship();
-    void create_second_ship();
     void find_commander();
     void announce_glass();
     void load_tracks();
@@ -348,23 +348,25 @@ private:
     void update_effects();
     void pin_cable(ig::Node* anchor, const ig::dmat4& mount);
 
-    // torpedo.cpp
-    ig::dmat4 place_below_helicopter(double distance) const;
-    bool is_torpedo_over(TorpedoInfo& info, float dt);
-    ig::dvec3 lift(const ig::dvec3& world, double height) const;
-    void play_effect(const ig::jString& path, float duration, const ig::dvec3& position);
-    void announce_effect(const ig::jString& path, float duration, const ig::dvec3& position);
-
-    // destruction.cpp
-    void show_airframe(const char* state, bool on);
-
-    // sonar.cpp
-    ig::dvec3 add_below_mount(ig::ObjectPrefab* prefab, const ig::dmat4& mount, const char* name);
+    // ships.cpp: their share in init, update and reset
+    void create_ships();
+    void update_ships();
+    void reset_ships();
 
     // reset_tracks.cpp
     void reset_helicopter();
-    void reset_ships();
+
+    // scene_effects.cpp: what all equipment does
+    ig::dmat4 place_below_helicopter(double distance) const;
+    ig::dvec3 add_below_mount(ig::ObjectPrefab* prefab, const ig::dmat4& mount, const char* name);
     void remove_from_scene(ig::ObjectPrefab* prefab);
+    void show_airframe(const char* state, bool on);
+    void play_effect(const ig::jString& path, float duration, const ig::dvec3& position);
+    void announce_effect(const ig::jString& path, float duration, const ig::dvec3& position);
+    void play_splash(const ig::jString& path, const ig::dvec3& surface);
+
+    // torpedo.cpp
+    bool is_torpedo_over(TorpedoInfo& info, float dt);
 
     // view_modes.cpp
     void place_first_view();

@@ -1,10 +1,16 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ig/physics/BodyRope.h"
-#include "ig/scene/Object.h"
+// What a node is and has, for those that may be missing or of another kind.
 
-namespace logic_bodies {
+#include "ig/physics/BodyRope.h"
+#include "ig/scene/ObjectPrefab.h"
+
+/// Null for a missing node and for one of another kind.
+inline ig::ObjectPrefab* asPrefab(ig::Node* node) {
+    return node && node->getType() == ig::OBJECT_PREFAB ? static_cast<ig::ObjectPrefab*>(node)
+                                                        : nullptr;
+}
 
 /// The body of a node; null for a missing node and for one without.
 inline ig::Body* bodyOf(ig::Node* node) {
@@ -17,5 +23,3 @@ inline ig::BodyRope* ropeOf(ig::Node* node) {
     return body && body->getType() == ig::Body::BODY_ROPE ? static_cast<ig::BodyRope*>(body)
                                                           : nullptr;
 }
-
-} // namespace logic_bodies
