@@ -17,7 +17,7 @@
 namespace flightsim {
 namespace {
 
-const std::string recorded_flight = "data/recordings/helicopter_flight.hrec";
+const std::string RECORDED_FLIGHT = "data/recordings/helicopter_flight.hrec";
 
 std::string temporary(const std::string& name) {
     return testing::TempDir() + "flight_sim_" + std::to_string(getpid()) + "_" + name;
@@ -44,7 +44,7 @@ TEST(Program, AnswersWrongUseAndBadFilesWithOneMessage) {
         expectRun(command + pipe, 1, "not a regular file");
     std::filesystem::remove(pipe);
     expectRun("fly CMakePresets.json", 1, "CMakePresets.json:2:3: a mission has no key");
-    expectRun("replay " + recorded_flight + " --to 127.0.0.1", 1, "not an address");
+    expectRun("replay " + RECORDED_FLIGHT + " --to 127.0.0.1", 1, "not an address");
 }
 
 TEST(Program, AFileThatCannotBeWrittenIsNamedOnceAndNothingOfItStays) {
@@ -69,7 +69,7 @@ TEST(Program, AFileThatCannotBeWrittenIsNamedOnceAndNothingOfItStays) {
             EXPECT_TRUE(fs::is_empty(folder)) << command << file;
         }
     fs::remove_all(folder);
-    expectRun("info " + recorded_flight + " > /dev/full", 1, "cannot print to the end");
+    expectRun("info " + RECORDED_FLIGHT + " > /dev/full", 1, "cannot print to the end");
 }
 
 TEST(Program, FliesTheDemoMissionWithoutSending) {
@@ -83,7 +83,7 @@ TEST(Program, FliesTheDemoMissionWithoutSending) {
 
 TEST(Program, DescribesTheRecordedFlight) {
     std::string output;
-    EXPECT_EQ(Program(PROGRAM_PATH, "info " + recorded_flight).finish(&output), 0);
+    EXPECT_EQ(Program(PROGRAM_PATH, "info " + RECORDED_FLIGHT).finish(&output), 0);
     // Figures of an independent decoder.
     for (const char* text :
          {"2976 over 62.00 s, 47.99 Hz", "mean 20.84, sd 7.48, p50 20.00, p99 55.34, max 311.67",
@@ -96,7 +96,7 @@ TEST(Program, NamesAPortInUseAndCanDoWithoutIt) {
     std::string message;
     ASSERT_TRUE(taken.bind(0, message) && channel.bind(0, message)) << message;
     const std::string line =
-        "replay " + recorded_flight +
+        "replay " + RECORDED_FLIGHT +
         " --hold 1500 --seconds 0.1 --to 127.0.0.1:" + std::to_string(channel.port());
     const std::string port = std::to_string(taken.port());
     expectRun(line + " --listen " + port, 1, "UDP port " + port);
@@ -105,7 +105,7 @@ TEST(Program, NamesAPortInUseAndCanDoWithoutIt) {
 
 TEST(Program, UsesWhatIsWholeOfACutOffRecording) {
     const std::string cut = temporary("cut_off.hrec");
-    std::filesystem::copy_file(recorded_flight, cut);
+    std::filesystem::copy_file(RECORDED_FLIGHT, cut);
     std::filesystem::resize_file(cut, 2000);
     expectRun("replay " + cut + " --no-feedback --to 127.0.0.1:9 --quiet", 0,
               "the file ends at byte 2000");

@@ -27,13 +27,13 @@ inline CLI::Validator numberBetween(double least, double greatest) {
     return CLI::Validator(check, "");
 }
 
-inline constexpr double max_seconds = 366.0 * 86400; ///< as long as a recording may be
+inline constexpr double MAX_SECONDS = 366.0 * 86400; ///< as long as a recording may be
 
 /// An option of seconds, such as `--seconds` and `--from`.
 inline CLI::Option* addSeconds(CLI::App& sub, const char* name, double& seconds, const char* help) {
     return sub.add_option(name, seconds, help)
         ->type_name("S")
-        ->check(numberBetween(0, max_seconds));
+        ->check(numberBetween(0, MAX_SECONDS));
 }
 
 /// The options of a subcommand that sends records. `owner` keeps `link` alive.

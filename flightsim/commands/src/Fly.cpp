@@ -40,7 +40,7 @@ bool Fly::run(const StopFlag& stop, std::string& message) {
             flight = std::make_unique<MissionFlight>(m_mission, m_plan.legs);
         // Whole numbers of records, so that a long flight doesn't drift from the clock.
         const auto time_ns = static_cast<std::int64_t>(
-            std::llround(double(n) * double(ns_per_second) / m_options.rate));
+            std::llround(double(n) * double(NS_PER_SECOND) / m_options.rate));
         const UdpRecvData& now = flight->record();
         if (!m_link.sendAt(time_ns, {reinterpret_cast<const std::uint8_t*>(&now), sizeof now},
                            stop))
@@ -67,7 +67,7 @@ bool Fly::record(std::int64_t time_ns, const UdpRecvData& record) {
     bool good =
         m_writer.append(time_ns, {reinterpret_cast<const std::uint8_t*>(&record), sizeof record});
     if (time_ns >= m_next_flush_ns) {
-        m_next_flush_ns = time_ns + ns_per_second;
+        m_next_flush_ns = time_ns + NS_PER_SECOND;
         good = m_writer.flush() && good;
     }
     return good;

@@ -21,7 +21,7 @@ bool Recorder::open(const RecorderOptions& options, std::string& message) {
         return false;
     }
     m_start_ns = steadyNow();
-    m_next_line_ns = m_start_ns + ns_per_second;
+    m_next_line_ns = m_start_ns + NS_PER_SECOND;
     if (m_writer.open(options.file, RecordingFormat::whole, wallNow())) return true;
     message = m_writer.message();
     return false;
@@ -30,7 +30,7 @@ bool Recorder::open(const RecorderOptions& options, std::string& message) {
 bool Recorder::run(const StopFlag& stop, std::string& message) {
     const std::int64_t until_ns =
         m_options.seconds >= 0
-            ? m_start_ns + static_cast<std::int64_t>(m_options.seconds * double(ns_per_second))
+            ? m_start_ns + static_cast<std::int64_t>(m_options.seconds * double(NS_PER_SECOND))
             : std::numeric_limits<std::int64_t>::max();
     bool good = record(until_ns, stop);
     const std::int64_t end_ns = std::min(until_ns, steadyNow());
@@ -51,7 +51,7 @@ bool Recorder::run(const StopFlag& stop, std::string& message) {
 
 /// The main loop. False when the file can't be written.
 bool Recorder::record(std::int64_t until_ns, const StopFlag& stop) {
-    constexpr std::int64_t look_at_stop_ns = ns_per_second / 5;
+    constexpr std::int64_t LOOK_AT_STOP_NS = NS_PER_SECOND / 5;
     while (!stop && !full()) {
         const std::int64_t now_ns = steadyNow();
         if (now_ns >= until_ns) break;
@@ -59,7 +59,7 @@ bool Recorder::record(std::int64_t until_ns, const StopFlag& stop) {
             if (!m_writer.flush()) return false;
             showLine(now_ns);
         }
-        if (m_socket.waitReadable(std::min({until_ns, m_next_line_ns, now_ns + look_at_stop_ns})))
+        if (m_socket.waitReadable(std::min({until_ns, m_next_line_ns, now_ns + LOOK_AT_STOP_NS})))
             takeOne(until_ns);
         if (!m_writer.message().empty()) return false;
     }
@@ -69,7 +69,7 @@ bool Recorder::record(std::int64_t until_ns, const StopFlag& stop) {
 /// Takes one waiting datagram, passes it on and records it. False when there is none, when it came
 /// in after `latest_ns`, or when the file is full or can't be written.
 bool Recorder::takeOne(std::int64_t latest_ns) {
-    std::array<std::uint8_t, max_datagram_size> buffer;
+    std::array<std::uint8_t, MAX_DATAGRAM_SIZE> buffer;
     if (full()) return false;
     const auto arrival = m_socket.receive(buffer);
     if (!arrival || arrival->steady_ns > latest_ns) return false;
@@ -82,11 +82,11 @@ bool Recorder::takeOne(std::int64_t latest_ns) {
 
 bool Recorder::full() const {
     return m_options.size_limit_mb > 0 &&
-           double(m_writer.size()) + double(max_datagram_size) > m_options.size_limit_mb * 1e6;
+           double(m_writer.size()) + double(MAX_DATAGRAM_SIZE) > m_options.size_limit_mb * 1e6;
 }
 
 void Recorder::showLine(std::int64_t now_ns) {
-    m_next_line_ns += (1 + (now_ns - m_next_line_ns) / ns_per_second) * ns_per_second;
+    m_next_line_ns += (1 + (now_ns - m_next_line_ns) / NS_PER_SECOND) * NS_PER_SECOND;
     if (m_options.quiet) return;
     std::fprintf(m_options.out, "%7.1f s %9lld datagrams, %4lld in the last second, %.1f MB\n",
                  double(now_ns - m_start_ns) * 1e-9, static_cast<long long>(m_stats.datagrams),

@@ -22,7 +22,7 @@ public:
     /// Waits for `count` datagrams, for a minute at most.
     std::vector<TimedBytes> take(std::size_t count) {
         std::vector<TimedBytes> result;
-        const std::int64_t end_ns = steadyNow() + 60 * ns_per_second;
+        const std::int64_t end_ns = steadyNow() + 60 * NS_PER_SECOND;
         while (result.size() < count && steadyNow() < end_ns) {
             if (!m_socket.waitReadable(end_ns)) continue;
             if (const auto arrival = m_socket.receive(m_buffer))
@@ -34,7 +34,7 @@ public:
 
 private:
     UdpSocket m_socket;
-    Bytes m_buffer = Bytes(max_datagram_size);
+    Bytes m_buffer = Bytes(MAX_DATAGRAM_SIZE);
 };
 
 /// Sends to a port of this machine, like the host or the channel does.
@@ -59,7 +59,7 @@ std::vector<TimedBytes> flight(int count, std::int64_t step_ms) {
         Bytes bytes(i % 7 == 3 ? 100 : 1490, static_cast<std::uint8_t>(i));
         bytes[0] = static_cast<std::uint8_t>(i >> 8);
         // The recording begins with silence, which a replay doesn't wait for.
-        records.push_back({30 * ns_per_second + i * step_ms * ns_per_ms, bytes});
+        records.push_back({30 * NS_PER_SECOND + i * step_ms * NS_PER_MS, bytes});
     }
     return records;
 }
@@ -129,7 +129,7 @@ TEST_F(Loopback, AReplayIsRecordedUnchangedAndPassedOnInItsOwnTime) {
 }
 
 TEST_F(Loopback, AReplayCountsFeedbackAndIsNotHeldUpByAFlood) {
-    constexpr int flood = 400;
+    constexpr int FLOOD = 400;
     TestFile file("flooded"), csv("flood.csv");
     writeRecording(file.path, RecordingFormat::whole, flight(50, 0)); // without time to spare
     Replay replay;
@@ -138,7 +138,7 @@ TEST_F(Loopback, AReplayCountsFeedbackAndIsNotHeldUpByAFlood) {
     ASSERT_TRUE(replay.open(options, message)) << message;
     Sender channel(replay.link().listenPort());
     std::vector<std::int32_t> numbers = {5, 6, 9, 9};
-    numbers.resize(4 + flood, 9);
+    numbers.resize(4 + FLOOD, 9);
     for (const std::int32_t frame : numbers)
         EXPECT_TRUE(channel.send(ByteBuilder().add(frame).add(Bytes(104)).bytes));
     channel.send(Bytes(3000));
@@ -147,7 +147,7 @@ TEST_F(Loopback, AReplayCountsFeedbackAndIsNotHeldUpByAFlood) {
     const FeedbackStats& stats = replay.link().feedback();
     EXPECT_EQ(stats.malformed, 1);
     EXPECT_EQ(stats.skipped, 2);
-    EXPECT_EQ(stats.received, 4 + flood);
+    EXPECT_EQ(stats.received, 4 + FLOOD);
     EXPECT_EQ(stats.duplicated, stats.received - 3);
     const Bytes bytes = csv.read();
     const std::string rows(bytes.begin(), bytes.end());
@@ -160,7 +160,7 @@ TEST_F(Loopback, AReplayCountsFeedbackAndIsNotHeldUpByAFlood) {
 
 TEST_F(Loopback, AReplayStopsWithinALongPause) {
     TestFile file("pause");
-    writeRecording(file.path, RecordingFormat::whole, {{0, {1}}, {3600 * ns_per_second, {2}}});
+    writeRecording(file.path, RecordingFormat::whole, {{0, {1}}, {3600 * NS_PER_SECOND, {2}}});
     Replay replay;
     ASSERT_TRUE(replay.open(replayOptions(file.path, receiver.address()), message));
     std::thread thread = start(replay);
@@ -210,7 +210,7 @@ TEST_F(Loopback, AFlightSendsRecordsAtItsRateAboveTheGroundThatTheChannelReports
     ASSERT_TRUE(fly.open(options, message)) << message;
     Sender channel(fly.link().listenPort());
     std::thread thread = start(fly);
-    const std::int64_t up_ns = steadyNow() + ns_per_second / 4; // the channel takes time to start
+    const std::int64_t up_ns = steadyNow() + NS_PER_SECOND / 4; // the channel takes time to start
     sleepUntil(up_ns);
     channel.send(Bytes(sizeof(UdpSendData)));
     std::vector<TimedBytes> received;
@@ -235,7 +235,7 @@ TEST_F(Loopback, AFlightSendsRecordsAtItsRateAboveTheGroundThatTheChannelReports
     EXPECT_GE(received[0].time_ns, up_ns) << "the first one would be missed";
     expectPaced(fly.link(), 100);
     for (std::size_t i = 0; i < received.size(); i++) {
-        ASSERT_EQ(recorded[i], (TimedBytes{std::int64_t(i) * 20 * ns_per_ms, received[i].bytes}));
+        ASSERT_EQ(recorded[i], (TimedBytes{std::int64_t(i) * 20 * NS_PER_MS, received[i].bytes}));
         std::memcpy(&record, received[i].bytes.data(), sizeof record);
         ASSERT_EQ(+record.command, i == 0 ? 6u : 0u) << i;
         ASSERT_EQ(+record.weather_type, i < 3 ? 1 : 3) << i; // 0.5 s after 2.5 records
@@ -262,7 +262,7 @@ TEST(ReplaySource, SelectsScalesLoopsAndHolds) {
     TestFile file("source");
     std::vector<TimedBytes> records;
     for (int i = 0; i < 10; i++)
-        records.push_back({i * 100 * ns_per_ms, {static_cast<std::uint8_t>(i)}});
+        records.push_back({i * 100 * NS_PER_MS, {static_cast<std::uint8_t>(i)}});
     writeRecording(file.path, RecordingFormat::compact, records);
     ReplayOptions options;
     options.file = file.path;

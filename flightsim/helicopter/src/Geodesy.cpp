@@ -12,15 +12,15 @@ struct Scale {
 };
 
 Scale scaleAt(double latitude, double altitude) {
-    constexpr double a = 6378137.0;
-    constexpr double f = 1 / 298.257223563;
-    constexpr double e2 = f * (2 - f);
-    const double s = std::sin(latitude * radians);
-    const double w2 = 1 - e2 * s * s;
-    const double prime_vertical_radius = a / std::sqrt(w2);
-    const double meridian_radius = prime_vertical_radius * (1 - e2) / w2;
-    return {(prime_vertical_radius + altitude) * std::cos(latitude * radians) * radians,
-            (meridian_radius + altitude) * radians};
+    constexpr double SEMI_MAJOR_AXIS = 6378137.0;
+    constexpr double FLATTENING = 1 / 298.257223563;
+    constexpr double ECCENTRICITY2 = FLATTENING * (2 - FLATTENING);
+    const double s = std::sin(latitude * RADIANS);
+    const double w2 = 1 - ECCENTRICITY2 * s * s;
+    const double prime_vertical_radius = SEMI_MAJOR_AXIS / std::sqrt(w2);
+    const double meridian_radius = prime_vertical_radius * (1 - ECCENTRICITY2) / w2;
+    return {(prime_vertical_radius + altitude) * std::cos(latitude * RADIANS) * RADIANS,
+            (meridian_radius + altitude) * RADIANS};
 }
 
 } // namespace

@@ -7,16 +7,16 @@
 namespace flightsim {
 namespace {
 
-constexpr double a = 6378137.0;
-constexpr double e2 = 6.69437999014e-3;
+constexpr double A = 6378137.0;
+constexpr double E2 = 6.69437999014e-3;
 
 /// Earth-centred position by the closed formula, which `offset` and `moved` don't use.
 std::array<double, 3> earthCentred(const Geodetic& g) {
-    const double s = std::sin(g.latitude * radians), c = std::cos(g.latitude * radians);
-    const double n = a / std::sqrt(1 - e2 * s * s);
-    return {(n + g.altitude) * c * std::cos(g.longitude * radians),
-            (n + g.altitude) * c * std::sin(g.longitude * radians),
-            (n * (1 - e2) + g.altitude) * s};
+    const double s = std::sin(g.latitude * RADIANS), c = std::cos(g.latitude * RADIANS);
+    const double n = A / std::sqrt(1 - E2 * s * s);
+    return {(n + g.altitude) * c * std::cos(g.longitude * RADIANS),
+            (n + g.altitude) * c * std::sin(g.longitude * RADIANS),
+            (n * (1 - E2) + g.altitude) * s};
 }
 
 double chord(const Geodetic& from, const Geodetic& to) {

@@ -15,7 +15,7 @@ static_assert(StopFlag::is_always_lock_free, "set in a signal handler");
 std::int64_t read(clockid_t clock) {
     timespec t{};
     clock_gettime(clock, &t);
-    return t.tv_sec * ns_per_second + t.tv_nsec;
+    return t.tv_sec * NS_PER_SECOND + t.tv_nsec;
 }
 
 } // namespace
@@ -24,10 +24,10 @@ std::int64_t steadyNow() { return read(CLOCK_MONOTONIC); }
 std::int64_t wallNow() { return read(CLOCK_REALTIME); }
 
 void sleepUntil(std::int64_t due_ns) {
-    constexpr std::int64_t spin_ns = 200'000;
-    const std::int64_t wake_ns = due_ns - spin_ns;
+    constexpr std::int64_t SPIN_NS = 200'000;
+    const std::int64_t wake_ns = due_ns - SPIN_NS;
     if (wake_ns > steadyNow()) {
-        const timespec wake{wake_ns / ns_per_second, wake_ns % ns_per_second};
+        const timespec wake{wake_ns / NS_PER_SECOND, wake_ns % NS_PER_SECOND};
         // A signal cuts the sleep short; the loop below then waits out the rest.
         clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &wake, nullptr);
     }

@@ -18,18 +18,18 @@ bool HostLink::open(const LinkOptions& options, std::string& message) {
     if (options.feedback && !m_listener.bind(options.listen, message)) return false;
     if (!options.feedback_csv.empty() && !m_csv.open(options.feedback_csv, message)) return false;
     m_start_ns = steadyNow();
-    m_next_row_ns = m_start_ns + ns_per_second;
+    m_next_row_ns = m_start_ns + NS_PER_SECOND;
     return true;
 }
 
 void HostLink::awaitFeedback(double seconds, const StopFlag& stop) {
-    constexpr std::int64_t look_at_stop_ns = ns_per_second / 5;
-    const std::int64_t end_ns = steadyNow() + std::llround(seconds * double(ns_per_second));
+    constexpr std::int64_t LOOK_AT_STOP_NS = NS_PER_SECOND / 5;
+    const std::int64_t end_ns = steadyNow() + std::llround(seconds * double(NS_PER_SECOND));
     std::int64_t now_ns = steadyNow();
     for (; !stop && feedback().received == 0 && now_ns < end_ns; now_ns = steadyNow())
-        if (m_listener.waitReadable(std::min(end_ns, now_ns + look_at_stop_ns))) receiveOne();
+        if (m_listener.waitReadable(std::min(end_ns, now_ns + LOOK_AT_STOP_NS))) receiveOne();
     m_start_ns = now_ns;
-    m_next_row_ns = m_start_ns + ns_per_second;
+    m_next_row_ns = m_start_ns + NS_PER_SECOND;
 }
 
 bool HostLink::sendAt(std::int64_t time_ns, std::span<const std::uint8_t> record,
@@ -47,8 +47,8 @@ bool HostLink::sendAt(std::int64_t time_ns, std::span<const std::uint8_t> record
 bool HostLink::waitUntil(std::int64_t due_ns, const StopFlag& stop) {
     // Feedback has to wait during the last millisecond, which belongs to the record. Its time of
     // arrival is stamped by the system, so that nothing is lost by that.
-    constexpr std::int64_t undisturbed_ns = ns_per_ms;
-    constexpr std::int64_t look_at_stop_ns = ns_per_second / 5;
+    constexpr std::int64_t UNDISTURBED_NS = NS_PER_MS;
+    constexpr std::int64_t LOOK_AT_STOP_NS = NS_PER_SECOND / 5;
     // Without time to spare, as in a fast replay, a few datagrams per record are still taken.
     for (int i = 0; i < 4 && receiveOne(); i++) {
     }
@@ -56,9 +56,9 @@ bool HostLink::waitUntil(std::int64_t due_ns, const StopFlag& stop) {
         if (stop) return false;
         const std::int64_t now_ns = steadyNow();
         if (now_ns >= m_next_row_ns) showRow(now_ns);
-        if (due_ns - now_ns <= undisturbed_ns) break;
+        if (due_ns - now_ns <= UNDISTURBED_NS) break;
         const std::int64_t until_ns =
-            std::min({due_ns - undisturbed_ns, m_next_row_ns, now_ns + look_at_stop_ns});
+            std::min({due_ns - UNDISTURBED_NS, m_next_row_ns, now_ns + LOOK_AT_STOP_NS});
         // One datagram, then another look at the clock: a flood can't hold up the record.
         if (m_listener.waitReadable(until_ns)) receiveOne();
     }
@@ -79,11 +79,11 @@ bool HostLink::receiveOne() {
 }
 
 void HostLink::showRow(std::int64_t now_ns) {
-    constexpr int rows_per_heading = 20;
+    constexpr int ROWS_PER_HEADING = 20;
     // Rows that were due while the process was held up are left out.
-    m_next_row_ns += (1 + (now_ns - m_next_row_ns) / ns_per_second) * ns_per_second;
+    m_next_row_ns += (1 + (now_ns - m_next_row_ns) / NS_PER_SECOND) * NS_PER_SECOND;
     if (m_options.quiet) return;
-    if (m_rows++ % rows_per_heading == 0)
+    if (m_rows++ % ROWS_PER_HEADING == 0)
         std::fprintf(m_options.out, "%s\n", FeedbackTable::heading().c_str());
     const std::string row = m_table.row(sinceStart_s(now_ns), m_sent, m_monitor);
     std::fprintf(m_options.out, "%s\n", row.c_str());
@@ -91,11 +91,11 @@ void HostLink::showRow(std::int64_t now_ns) {
 }
 
 bool HostLink::finish(std::string& message) {
-    constexpr std::int64_t on_the_way_ns = ns_per_second / 10;
+    constexpr std::int64_t ON_THE_WAY_NS = NS_PER_SECOND / 10;
     const std::int64_t end_ns = steadyNow();
     if (m_listener.isOpen()) {
-        while (steadyNow() < end_ns + on_the_way_ns)
-            if (m_listener.waitReadable(end_ns + on_the_way_ns)) receiveOne();
+        while (steadyNow() < end_ns + ON_THE_WAY_NS)
+            if (m_listener.waitReadable(end_ns + ON_THE_WAY_NS)) receiveOne();
     }
     printSummary(sinceStart_s(end_ns));
     return m_csv.close(message);

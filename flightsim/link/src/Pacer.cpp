@@ -8,7 +8,7 @@
 namespace flightsim {
 
 std::int64_t Pacer::due(std::int64_t time_ns, std::int64_t now_ns) {
-    constexpr std::int64_t give_up_ns = ns_per_second / 2;
+    constexpr std::int64_t GIVE_UP_NS = NS_PER_SECOND / 2;
     const std::int64_t step_ns = time_ns - m_time_ns;
     m_time_ns = time_ns;
     if (!m_started) {
@@ -16,7 +16,7 @@ std::int64_t Pacer::due(std::int64_t time_ns, std::int64_t now_ns) {
         m_origin_ns = now_ns - time_ns;
         return now_ns;
     }
-    if (now_ns - (m_origin_ns + time_ns) > give_up_ns) {
+    if (now_ns - (m_origin_ns + time_ns) > GIVE_UP_NS) {
         m_origin_ns = std::max(now_ns, m_sent_ns + step_ns) - time_ns;
         m_stats.moved++;
     }

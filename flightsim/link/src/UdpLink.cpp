@@ -18,7 +18,7 @@ namespace flightsim {
 namespace {
 
 /// Both the channel's datagrams and a whole second of records must fit while this side is busy.
-constexpr int receive_buffer_size = 1 << 20;
+constexpr int RECEIVE_BUFFER_SIZE = 1 << 20;
 
 /// When a datagram came in, on the steady clock. The system stamps it on the wall clock; what that
 /// shows to have passed since is taken off. A wall clock that was set meanwhile is not believed.
@@ -29,8 +29,8 @@ std::int64_t arrivalTime(msghdr& message) {
         if (c->cmsg_level != SOL_SOCKET || c->cmsg_type != SCM_TIMESTAMPNS) continue;
         timespec stamp;
         std::memcpy(&stamp, CMSG_DATA(c), sizeof stamp);
-        const std::int64_t age_ns = wall_ns - (stamp.tv_sec * ns_per_second + stamp.tv_nsec);
-        if (age_ns >= 0 && age_ns < ns_per_second) return now_ns - age_ns;
+        const std::int64_t age_ns = wall_ns - (stamp.tv_sec * NS_PER_SECOND + stamp.tv_nsec);
+        if (age_ns >= 0 && age_ns < NS_PER_SECOND) return now_ns - age_ns;
     }
     return now_ns;
 }
@@ -92,7 +92,7 @@ bool UdpSocket::bind(int port, std::string& message) {
     if (!open(message)) return false;
     const int on = 1;
     // Comfort only: without them the times are less exact and a busy moment loses datagrams.
-    setsockopt(m_socket, SOL_SOCKET, SO_RCVBUF, &receive_buffer_size, sizeof receive_buffer_size);
+    setsockopt(m_socket, SOL_SOCKET, SO_RCVBUF, &RECEIVE_BUFFER_SIZE, sizeof RECEIVE_BUFFER_SIZE);
     setsockopt(m_socket, SOL_SOCKET, SO_TIMESTAMPNS, &on, sizeof on);
     sockaddr_in address{};
     address.sin_family = AF_INET;
@@ -134,7 +134,7 @@ std::optional<Arrival> UdpSocket::receive(std::span<std::uint8_t> buffer) {
 
 bool UdpSocket::waitReadable(std::int64_t until_ns) const {
     const std::int64_t left_ns = std::max<std::int64_t>(0, until_ns - steadyNow());
-    const timespec timeout{left_ns / ns_per_second, left_ns % ns_per_second};
+    const timespec timeout{left_ns / NS_PER_SECOND, left_ns % NS_PER_SECOND};
     pollfd entry{m_socket, POLLIN, 0}; // a negative descriptor is skipped by the system
     // An error pending on the socket counts too: `receive` takes it off.
     return ppoll(&entry, 1, &timeout, nullptr) > 0;

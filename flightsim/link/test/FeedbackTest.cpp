@@ -22,16 +22,16 @@ TEST(Feedback, CountsGapsRepeatsRestartsAndWrongSizes) {
     const auto take = [&](std::int32_t frame) {
         monitor.take(feedback(frame), time_ns += 50'000'000);
     };
-    constexpr auto greatest = std::numeric_limits<std::int32_t>::max();
-    for (const int frame : {100, 101, 105, 105, 106, greatest, -greatest - 1})
+    constexpr auto GREATEST = std::numeric_limits<std::int32_t>::max();
+    for (const int frame : {100, 101, 105, 105, 106, GREATEST, -GREATEST - 1})
         take(frame); // 102 to 104 missing, then 107 to the greatest; it wraps
     for (const std::size_t size : {0u, 107u, 109u, 2048u})
         EXPECT_FALSE(monitor.take(Bytes(size), time_ns));
-    take(greatest); // a new channel
+    take(GREATEST); // a new channel
     EXPECT_EQ(monitor.stats().received, 8);
     EXPECT_EQ(monitor.stats().malformed, 4);
     EXPECT_EQ(monitor.stats().gaps, 2);
-    EXPECT_EQ(monitor.stats().skipped, 3 + (std::int64_t{greatest} - 107));
+    EXPECT_EQ(monitor.stats().skipped, 3 + (std::int64_t{GREATEST} - 107));
     EXPECT_EQ(monitor.stats().duplicated, 1);
     EXPECT_EQ(monitor.stats().backward, 1);
     EXPECT_NEAR(monitor.stats().rate(), 20.0, 1e-9);

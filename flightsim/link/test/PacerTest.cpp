@@ -9,41 +9,41 @@
 namespace flightsim {
 namespace {
 
-constexpr std::int64_t step_ns = 20 * ns_per_ms;
-constexpr std::int64_t start_ns = 5'000 * ns_per_second;
+constexpr std::int64_t STEP_NS = 20 * NS_PER_MS;
+constexpr std::int64_t START_NS = 5'000 * NS_PER_SECOND;
 
 TEST(Pacer, LateSendsDoNotShiftWhatFollows) {
     Pacer pacer;
     std::mt19937 random(3);
-    std::int64_t now_ns = start_ns;
+    std::int64_t now_ns = START_NS;
     double squares = 0, worst = 0;
-    constexpr int n = 10'000;
-    for (int i = 0; i < n; i++) {
-        const std::int64_t due_ns = pacer.due(7 + i * step_ns, now_ns);
-        ASSERT_EQ(due_ns, start_ns + i * step_ns);
+    constexpr int N = 10'000;
+    for (int i = 0; i < N; i++) {
+        const std::int64_t due_ns = pacer.due(7 + i * STEP_NS, now_ns);
+        ASSERT_EQ(due_ns, START_NS + i * STEP_NS);
         const std::int64_t late_ns = i ? static_cast<std::int64_t>(random() % 9'000'000) : 0;
         now_ns = due_ns + late_ns;
         pacer.sent(now_ns);
         squares += double(late_ns) * double(late_ns);
         worst = std::max(worst, double(late_ns));
     }
-    EXPECT_EQ(pacer.stats().count, n);
-    EXPECT_NEAR(pacer.stats().rms_us(), std::sqrt(squares / n) * 1e-3, 1e-6);
+    EXPECT_EQ(pacer.stats().count, N);
+    EXPECT_NEAR(pacer.stats().rms_us(), std::sqrt(squares / N) * 1e-3, 1e-6);
     EXPECT_NEAR(pacer.stats().max_us(), worst * 1e-3, 1e-6);
     EXPECT_EQ(pacer.stats().moved, 0);
 }
 
 TEST(Pacer, CatchesUpWithoutBunchingAndGoesOnFromWhereALongStallEnded) {
-    for (const std::int64_t stall_ns : {300 * ns_per_ms, 60 * ns_per_second}) {
-        const bool is_long = stall_ns > ns_per_second;
+    for (const std::int64_t stall_ns : {300 * NS_PER_MS, 60 * NS_PER_SECOND}) {
+        const bool is_long = stall_ns > NS_PER_SECOND;
         Pacer pacer;
-        std::int64_t sent_ns = start_ns;
+        std::int64_t sent_ns = START_NS;
         for (int i = 0; i < 100; i++) {
-            std::int64_t due_ns = pacer.due(i * step_ns, sent_ns);
+            std::int64_t due_ns = pacer.due(i * STEP_NS, sent_ns);
             if (i == 10) due_ns += stall_ns;
-            ASSERT_GE(due_ns - sent_ns, i == 0 ? 0 : is_long && i > 11 ? step_ns : step_ns / 2);
+            ASSERT_GE(due_ns - sent_ns, i == 0 ? 0 : is_long && i > 11 ? STEP_NS : STEP_NS / 2);
             // Back on schedule, or still as late as the stall made it.
-            const std::int64_t late_ns = due_ns - (start_ns + i * step_ns);
+            const std::int64_t late_ns = due_ns - (START_NS + i * STEP_NS);
             EXPECT_TRUE(i < 46 || late_ns == (is_long ? stall_ns : 0)) << late_ns;
             pacer.sent(sent_ns = due_ns);
         }

@@ -7,12 +7,12 @@ namespace flightsim {
 
 namespace {
 
-constexpr double velocity_gain = 0.9;  // 1/s: acceleration per error of the velocity
-constexpr double position_gain = 0.45; // 1/s: speed per distance in the last metres
-constexpr double height_gain = 0.6;    // 1/s: likewise, vertically
-constexpr double slow = 6;             // m/s over ground: the velocity is flown directly
-constexpr double fast = 12;            // m/s: speed and course are flown apart
-constexpr double sidestep_distance = 100;
+constexpr double VELOCITY_GAIN = 0.9;  // 1/s: acceleration per error of the velocity
+constexpr double POSITION_GAIN = 0.45; // 1/s: speed per distance in the last metres
+constexpr double HEIGHT_GAIN = 0.6;    // 1/s: likewise, vertically
+constexpr double SLOW = 6;             // m/s over ground: the velocity is flown directly
+constexpr double FAST = 12;            // m/s: speed and course are flown apart
+constexpr double SIDESTEP_DISTANCE = 100;
 
 double smoothStep(double from, double to, double x) {
     const double t = std::clamp((x - from) / (to - from), 0.0, 1.0);
@@ -39,10 +39,10 @@ bool samePlace(const Point& a, const Point& b) {
 /// The deceleration that a leg is flown with: what its lean gives, and a little to spare for a wind
 /// from behind.
 double braking(const Leg& leg) {
-    return std::min(leg.deceleration, 0.97 * gravity * std::tan(leg.lean * radians));
+    return std::min(leg.deceleration, 0.97 * GRAVITY * std::tan(leg.lean * RADIANS));
 }
 
-double lateralLimit(const Leg& leg) { return gravity * std::tan(leg.bank * radians); }
+double lateralLimit(const Leg& leg) { return GRAVITY * std::tan(leg.bank * RADIANS); }
 
 } // namespace
 
@@ -79,21 +79,21 @@ void Guidance::begin(const HelicopterState& state, double time) {
     beginPoint(state);
     const Enu way = offset(state.position, m_point.at(time));
     const bool may_sidestep = leg().kind == LegKind::follow || leg().heading;
-    m_sidestep = may_sidestep && way.horizontal() < sidestep_distance;
+    m_sidestep = may_sidestep && way.horizontal() < SIDESTEP_DISTANCE;
     const double climb = std::abs(targetAltitude(0) - state.position.altitude);
     m_patience = 60 + leg().seconds + 3 * way.horizontal() / leg().speed + 3 * climb / leg().rate;
 }
 
 /// A leg without a point stays with that of the leg before; from a fast flight, it stops first.
 void Guidance::beginPoint(const HelicopterState& state) {
-    constexpr double stopped = 2; // m/s
+    constexpr double STOPPED = 2; // m/s
     const Point before = m_point;
     const Enu over_point = state.velocity - m_point.velocity;
     if (leg().point) {
         m_point = *leg().point;
-    } else if (over_point.horizontal() > stopped) {
+    } else if (over_point.horizontal() > STOPPED) {
         const double speed = state.velocity.horizontal();
-        const double way = speed * speed / (2 * braking(leg())) + speed / velocity_gain;
+        const double way = speed * speed / (2 * braking(leg())) + speed / VELOCITY_GAIN;
         const Enu stop = Enu::ofCourse(state.velocity.course(), way);
         m_point = {moved(state.position, stop), {}};
         m_point.position.altitude = before.surface();
@@ -141,24 +141,24 @@ bool Guidance::done(const HelicopterState& state, double time) const {
     case LegKind::approach:
         // As slow as who comes to a stop is at that distance, and a little to spare.
         return way.horizontal() < leg().radius && (turned || !leg().heading) && level &&
-               over_point.horizontal() < 1.3 * position_gain * leg().radius;
+               over_point.horizontal() < 1.3 * POSITION_GAIN * leg().radius;
     case LegKind::land:
-        return !m_in_the_air && state.gear_load > 0.95 * gravity;
+        return !m_in_the_air && state.gear_load > 0.95 * GRAVITY;
     }
     return true;
 }
 
 /// The wheels carry, or are meant to: the collective is down. Notices lift-off and touchdown.
 bool Guidance::stands(const HelicopterState& state) {
-    if (leg().kind == LegKind::take_off && state.rotor > 0.95 * full_rotor) m_in_the_air = true;
-    if (leg().kind == LegKind::land && state.gear_load > 0.15 * gravity) m_in_the_air = false;
+    if (leg().kind == LegKind::take_off && state.rotor > 0.95 * FULL_ROTOR) m_in_the_air = true;
+    if (leg().kind == LegKind::land && state.gear_load > 0.15 * GRAVITY) m_in_the_air = false;
     return !m_in_the_air;
 }
 
 HelicopterControls Guidance::groundControls(double time) {
     const double share = smoothStep(0, leg().seconds, time - m_leg_time);
-    if (leg().kind == LegKind::spin_up) m_rotor = std::lerp(m_begin_rotor, full_rotor, share);
-    if (leg().kind == LegKind::take_off) m_rotor = full_rotor;
+    if (leg().kind == LegKind::spin_up) m_rotor = std::lerp(m_begin_rotor, FULL_ROTOR, share);
+    if (leg().kind == LegKind::take_off) m_rotor = FULL_ROTOR;
     if (leg().kind == LegKind::spin_down) m_rotor = std::lerp(m_begin_rotor, 0.0, share);
     HelicopterControls controls;
     controls.rotor = m_rotor;
@@ -176,23 +176,23 @@ Enu Guidance::acceleration(const HelicopterState& state, double time) const {
     // On the way to a stop the wanted speed itself falls; to follow it without lag, so must ours.
     const bool stopping = leg().kind != LegKind::fly_to && wanted_speed < leg().speed;
     const double slowing =
-        stopping ? stoppingRate(wanted_speed, closing, braking(leg()), position_gain) : 0;
+        stopping ? stoppingRate(wanted_speed, closing, braking(leg()), POSITION_GAIN) : 0;
 
     const double most = std::max(leg().acceleration, braking(leg()));
-    Enu direct = (wanted - state.velocity) * velocity_gain + toward * slowing;
+    Enu direct = (wanted - state.velocity) * VELOCITY_GAIN + toward * slowing;
     direct.up = 0;
     if (direct.horizontal() > most) direct = direct * (most / direct.horizontal());
 
     const double speed = state.velocity.horizontal();
     const double course = state.velocity.course();
     const double error = wrap180(wanted.course() - course);
-    const double along = std::clamp(velocity_gain * (wanted.horizontal() - speed) + slowing,
+    const double along = std::clamp(VELOCITY_GAIN * (wanted.horizontal() - speed) + slowing,
                                     -1.3 * braking(leg()), leg().acceleration);
     const double across =
-        std::clamp(0.8 * speed * error * radians, -lateralLimit(leg()), lateralLimit(leg()));
+        std::clamp(0.8 * speed * error * RADIANS, -lateralLimit(leg()), lateralLimit(leg()));
     const Enu turning = Enu::ofCourse(course, along) + Enu::ofCourse(course + 90, across);
 
-    const double share = m_sidestep ? 0 : smoothStep(slow, fast, travelSpeed(state));
+    const double share = m_sidestep ? 0 : smoothStep(SLOW, FAST, travelSpeed(state));
     Enu result = turning * share + direct * (1 - share);
     result.up = verticalAcceleration(state, distance);
     return result;
@@ -207,73 +207,73 @@ double Guidance::travelSpeed(const HelicopterState& state) const {
 
 /// Speed over the point towards it.
 double Guidance::wantedSpeed(const Enu& way, const HelicopterState& state) const {
-    constexpr double step_speed = 8;    // m/s, sideways
-    constexpr double turning_speed = 5; // m/s, until the nose points the way
+    constexpr double STEP_SPEED = 8;    // m/s, sideways
+    constexpr double TURNING_SPEED = 5; // m/s, until the nose points the way
     const double distance = way.horizontal();
     double speed = leg().speed;
     if (leg().kind != LegKind::fly_to)
-        speed = std::min(speed, stoppingSpeed(distance, braking(leg()), position_gain));
-    if (m_sidestep) return std::min(speed, step_speed);
+        speed = std::min(speed, stoppingSpeed(distance, braking(leg()), POSITION_GAIN));
+    if (m_sidestep) return std::min(speed, STEP_SPEED);
     const double ground_speed = state.velocity.horizontal();
-    if (ground_speed < slow) {
+    if (ground_speed < SLOW) {
         const double off = std::abs(wrap180(way.course() - state.heading));
-        return off > 40 && distance > 30 ? std::min(speed, turning_speed) : speed;
+        return off > 40 && distance > 30 ? std::min(speed, TURNING_SPEED) : speed;
     }
     // The circle that leads from this course to the point has the radius d / (2 sin error). With
     // four fifths of the bank for it the point is reached, never orbited.
-    const double error = wrap180(way.course() - state.velocity.course()) * radians;
+    const double error = wrap180(way.course() - state.velocity.course()) * RADIANS;
     const double bend = std::max(std::abs(std::sin(error)), 1e-3);
-    return std::min(speed, std::max(std::sqrt(0.4 * lateralLimit(leg()) * distance / bend), slow));
+    return std::min(speed, std::max(std::sqrt(0.4 * lateralLimit(leg()) * distance / bend), SLOW));
 }
 
 double Guidance::verticalAcceleration(const HelicopterState& state, double distance) const {
-    constexpr double gain = 1.4;    // 1/s
-    constexpr double greatest = 2;  // m/s²
-    constexpr double levelling = 1; // m/s²: how briskly a climb or descent ends
+    constexpr double GAIN = 1.4;    // 1/s
+    constexpr double GREATEST = 2;  // m/s²
+    constexpr double LEVELLING = 1; // m/s²: how briskly a climb or descent ends
     const double error = targetAltitude(distance) - state.position.altitude;
-    double wanted = std::min(leg().rate, stoppingSpeed(std::abs(error), levelling, height_gain));
+    double wanted = std::min(leg().rate, stoppingSpeed(std::abs(error), LEVELLING, HEIGHT_GAIN));
     if (error < 0) wanted = -wanted;
     if (leg().kind == LegKind::land) wanted = landingSpeed(state, distance);
-    return std::clamp(gain * (wanted - state.velocity.up), -greatest, greatest);
+    return std::clamp(GAIN * (wanted - state.velocity.up), -GREATEST, GREATEST);
 }
 
 /// Vertical speed of a landing: slower and slower, waiting just above while it isn't over the
 /// point.
 double Guidance::landingSpeed(const HelicopterState& state, double distance) const {
-    constexpr double touchdown = 0.25; // m/s
-    constexpr double waiting_height = 3;
-    constexpr double over_point = 0.35; // metres
+    constexpr double TOUCHDOWN = 0.25; // m/s
+    constexpr double WAITING_HEIGHT = 3;
+    constexpr double OVER_POINT = 0.35; // metres
     const double height = state.position.altitude - pointRestAltitude();
-    const double above = distance > over_point ? waiting_height : 0;
+    const double above = distance > OVER_POINT ? WAITING_HEIGHT : 0;
     const double down = stoppingSpeed(std::abs(height - above), 0.5, 0.3);
     if (height < above) return std::min(down, 1.0);
-    return -std::min(leg().rate, above > 0 ? down : down + touchdown);
+    return -std::min(leg().rate, above > 0 ? down : down + TOUCHDOWN);
 }
 
 double Guidance::targetAltitude(double distance) const {
-    constexpr double least_height = 1; // of the wheels, except to take off and land
-    constexpr double glide = 0.12;     // 7 degrees
-    constexpr double level_distance = 15;
+    constexpr double LEAST_HEIGHT = 1; // of the wheels, except to take off and land
+    constexpr double GLIDE = 0.12;     // 7 degrees
+    constexpr double LEVEL_DISTANCE = 15;
     double altitude = m_height ? m_surface + *m_height : m_altitude;
-    altitude = std::max(altitude, pointRestAltitude() + least_height);
+    altitude = std::max(altitude, pointRestAltitude() + LEAST_HEIGHT);
     if (leg().kind == LegKind::approach && m_begin_altitude > altitude)
         altitude =
-            std::min(m_begin_altitude, altitude + glide * std::max(0.0, distance - level_distance));
+            std::min(m_begin_altitude, altitude + GLIDE * std::max(0.0, distance - LEVEL_DISTANCE));
     return altitude;
 }
 
 double Guidance::headingRate(const HelicopterState& state, const Enu& wind, double time) {
-    constexpr double gain = 1.2;      // 1/s
-    constexpr double nose_gain = 2;   // 1/s: an airstream from the side turns the nose quickly
-    constexpr double far_enough = 30; // metres: nearer, the point's direction means nothing
-    constexpr double greatest = 20;   // degrees/s, to follow the airspeed
+    constexpr double GAIN = 1.2;      // 1/s
+    constexpr double NOSE_GAIN = 2;   // 1/s: an airstream from the side turns the nose quickly
+    constexpr double FAR_ENOUGH = 30; // metres: nearer, the point's direction means nothing
+    constexpr double GREATEST = 20;   // degrees/s, to follow the airspeed
     const Enu air = state.velocity - wind;
-    const double along = m_sidestep ? 0 : smoothStep(slow - 1, fast, travelSpeed(state));
+    const double along = m_sidestep ? 0 : smoothStep(SLOW - 1, FAST, travelSpeed(state));
     const Enu way = offset(state.position, m_point.at(time));
     const bool travels = leg().kind == LegKind::fly_to || leg().kind == LegKind::approach;
     if (along > 0.5 && !leg().heading)
         m_hold_heading = state.heading;
-    else if (travels && !m_sidestep && way.horizontal() > far_enough)
+    else if (travels && !m_sidestep && way.horizontal() > FAR_ENOUGH)
         m_hold_heading = way.course();
     else if (leg().heading)
         m_hold_heading = *leg().heading;
@@ -282,31 +282,31 @@ double Guidance::headingRate(const HelicopterState& state, const Enu& wind, doub
     const double nose = wrap180(air.course() - state.heading);
     const double air_speed2 = std::max(air.horizontal() * air.horizontal(), 1.0);
     const Enu& a = state.acceleration;
-    const double air_turn = (a.east * air.north - a.north * air.east) / air_speed2 / radians;
-    const double in_hover = std::clamp(gain * hold, -leg().turn_rate, leg().turn_rate);
-    const double in_flight = std::clamp(nose_gain * nose, -greatest, greatest) + air_turn;
+    const double air_turn = (a.east * air.north - a.north * air.east) / air_speed2 / RADIANS;
+    const double in_hover = std::clamp(GAIN * hold, -leg().turn_rate, leg().turn_rate);
+    const double in_flight = std::clamp(NOSE_GAIN * nose, -GREATEST, GREATEST) + air_turn;
     return std::lerp(in_hover, in_flight, along);
 }
 
 double Guidance::restAltitude(const HelicopterState& state, double time) const {
-    constexpr double around = 50; // metres
-    constexpr double nothing = -1e5;
+    constexpr double AROUND = 50; // metres
+    constexpr double NOTHING = -1e5;
     const Enu way = offset(state.position, m_point.at(time));
-    return way.horizontal() < around ? pointRestAltitude() : nothing;
+    return way.horizontal() < AROUND ? pointRestAltitude() : NOTHING;
 }
 
 void Guidance::takeSurface(double altitude, const HelicopterState& state, double time) {
-    constexpr double over_point = 5; // metres
-    constexpr double tolerance = 5;  // metres from the mission's own surface
-    constexpr double smoothing = 2;  // s: waves pass below, and a report is a frame old
-    constexpr double slew = 1;       // m/s
+    constexpr double OVER_POINT = 5; // metres
+    constexpr double TOLERANCE = 5;  // metres from the mission's own surface
+    constexpr double SMOOTHING = 2;  // s: waves pass below, and a report is a frame old
+    constexpr double SLEW = 1;       // m/s
     const double dt = std::clamp(time - m_report_time, 0.0, 0.2);
     m_report_time = time;
     if (!m_in_the_air || leg().kind == LegKind::fly_to || state.gear_load > 0) return;
     const Enu way = offset(state.position, m_point.at(time));
-    if (way.horizontal() > over_point || std::abs(altitude - m_point.surface()) > tolerance) return;
-    const double change = (altitude - m_surface) * std::min(dt / smoothing, 1.0);
-    m_surface += std::clamp(change, -slew * dt, slew * dt);
+    if (way.horizontal() > OVER_POINT || std::abs(altitude - m_point.surface()) > TOLERANCE) return;
+    const double change = (altitude - m_surface) * std::min(dt / SMOOTHING, 1.0);
+    m_surface += std::clamp(change, -SLEW * dt, SLEW * dt);
 }
 
 } // namespace flightsim

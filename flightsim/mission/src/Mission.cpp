@@ -46,7 +46,7 @@ const char* faultInOrder(const Leg& leg, Condition& now) {
 std::optional<std::vector<Leg>> selectLegs(const Mission& mission, std::optional<double> duration,
                                            std::string& message) {
     std::vector<Leg> legs;
-    Condition now{false, mission.rotor > 0.9 * full_rotor};
+    Condition now{false, mission.rotor > 0.9 * FULL_ROTOR};
     for (const Leg& leg : mission.legs) {
         if (!isFlown(leg, duration)) continue;
         if (const char* fault = faultInOrder(leg, now)) {

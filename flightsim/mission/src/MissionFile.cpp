@@ -36,10 +36,10 @@ struct Key {
 using Keys = std::vector<Key>;
 
 // What a mission may ask for at most; beyond that no helicopter follows.
-constexpr double any_number = std::numeric_limits<float>::max();
-constexpr double most_seconds = 86'400;
-constexpr double most_altitude = 6'000;
-constexpr double most_distance = 500'000;
+constexpr double ANY_NUMBER = std::numeric_limits<float>::max();
+constexpr double MOST_SECONDS = 86'400;
+constexpr double MOST_ALTITUDE = 6'000;
+constexpr double MOST_DISTANCE = 500'000;
 
 /// What it takes to make `b` of `a`: a letter to insert counts 1, one to delete or change 2, so
 /// that an abbreviation lies near to its word.
@@ -89,7 +89,7 @@ double readNumber(const YAML::Node& node, const std::string& what, double least,
         value <= greatest)
         return value;
     std::string range;
-    if (least > -any_number || greatest < any_number) {
+    if (least > -ANY_NUMBER || greatest < ANY_NUMBER) {
         std::array<char, 64> text;
         std::snprintf(text.data(), text.size(), " from %g to %g", least, greatest);
         range = text.data();
@@ -120,8 +120,8 @@ Key later(const char* name, YAML::Node& to) {
 
 Change readChange(const YAML::Node& node) {
     Change change;
-    Keys keys = {number("after", change.after, 0, most_seconds),
-                 number("over", change.over, 0, most_seconds)};
+    Keys keys = {number("after", change.after, 0, MOST_SECONDS),
+                 number("over", change.over, 0, MOST_SECONDS)};
     for (const char* flown :
          {"latitude", "longitude", "altitude", "pitch", "roll", "heading", "rotor_speed"}) {
         keys.push_back({flown, [flown](const YAML::Node& value) {
@@ -167,11 +167,11 @@ const Point& namedPoint(const YAML::Node& node, const Points& points) {
 }
 
 Enu readVelocity(const YAML::Node& node) {
-    constexpr double fastest_ship = 25;
+    constexpr double FASTEST_SHIP = 25;
     if (!node.IsSequence() || node.size() != 2)
         fail(node.Mark(), "velocity must be [east, north] in m/s");
-    return {readNumber(node[0], "velocity", -fastest_ship, fastest_ship),
-            readNumber(node[1], "velocity", -fastest_ship, fastest_ship), 0};
+    return {readNumber(node[0], "velocity", -FASTEST_SHIP, FASTEST_SHIP),
+            readNumber(node[1], "velocity", -FASTEST_SHIP, FASTEST_SHIP), 0};
 }
 
 Point readPoint(const YAML::Node& node, const Points& points) {
@@ -183,11 +183,11 @@ Point readPoint(const YAML::Node& node, const Points& points) {
     readMap(node, "a point",
             {number("longitude", longitude, -180, 180),
              number("latitude", latitude, -89, 89),
-             number("east", east, -most_distance, most_distance),
-             number("north", north, -most_distance, most_distance),
+             number("east", east, -MOST_DISTANCE, MOST_DISTANCE),
+             number("north", north, -MOST_DISTANCE, MOST_DISTANCE),
              number("bearing", bearing, -360, 360),
-             number("distance", distance, 0, most_distance),
-             number("surface", point.position.altitude, -500, most_altitude),
+             number("distance", distance, 0, MOST_DISTANCE),
+             number("surface", point.position.altitude, -500, MOST_ALTITUDE),
              {"from", [&](const YAML::Node& value) { from = namedPoint(value, points); }},
              {"velocity", [&](const YAML::Node& value) { velocity = readVelocity(value); }}});
     const bool geodetic = longitude && latitude;
@@ -232,7 +232,7 @@ const std::vector<LegForm>& legForms() {
     take_off.height = 5;
     Leg approach = usual;
     approach.radius = 2;
-    static const std::vector<LegForm> forms = {
+    static const std::vector<LegForm> FORMS = {
         {"spin_up", LegKind::spin_up, {"seconds"}, false, legDefaults(12, 3)},
         {"take_off", LegKind::take_off, {"height", "rate", "heading"}, false, take_off},
         {"hover",
@@ -265,13 +265,13 @@ const std::vector<LegForm>& legForms() {
         {"wait", LegKind::wait, {"seconds"}, false, usual},
         {"spin_down", LegKind::spin_down, {"seconds"}, false, legDefaults(12, 3)},
     };
-    return forms;
+    return FORMS;
 }
 
 Keys legKeys(Leg& leg, const Points& points) {
-    return {number("seconds", leg.seconds, 0, most_seconds),
-            number("height", leg.height, 3, most_altitude),
-            number("altitude", leg.altitude, -500, most_altitude),
+    return {number("seconds", leg.seconds, 0, MOST_SECONDS),
+            number("height", leg.height, 3, MOST_ALTITUDE),
+            number("altitude", leg.altitude, -500, MOST_ALTITUDE),
             number("heading", leg.heading, -360, 360),
             number("speed", leg.speed, 2, 80),
             number("rate", leg.rate, 0.5, 8),
@@ -324,8 +324,8 @@ Leg readLeg(const YAML::Node& node, const Points& points) {
                             readLegBody(body, node.Mark(), form, points, leg);
                         }});
     const Keys common = {text("name", name), number("stretch", stretch, 0, 1000),
-                         number("optional_from", from, 0, most_seconds),
-                         number("optional_below", below, 0, most_seconds), changes(leg_changes)};
+                         number("optional_from", from, 0, MOST_SECONDS),
+                         number("optional_below", below, 0, MOST_SECONDS), changes(leg_changes)};
     keys.insert(keys.end(), common.begin(), common.end());
     readMap(node, "a leg", keys);
     if (!has_kind) fail(node.Mark(), "a leg needs a kind, such as \"hover\" or \"fly_to\"");
@@ -349,10 +349,10 @@ void readStart(const YAML::Node& node, Mission& mission) {
     std::optional<double> longitude, latitude;
     readMap(node, "start",
             {number("longitude", longitude, -180, 180), number("latitude", latitude, -89, 89),
-             number("surface", surface, -500, most_altitude),
+             number("surface", surface, -500, MOST_ALTITUDE),
              number("wheel_height", mission.wheel_height, 0, 20),
              number("heading", mission.heading, -360, 360),
-             number("rotor", mission.rotor, 0, full_rotor)});
+             number("rotor", mission.rotor, 0, FULL_ROTOR)});
     if (!longitude || !latitude) fail(node.Mark(), "start needs \"longitude\" and \"latitude\"");
     mission.start = {*longitude, *latitude, surface + mission.wheel_height};
 }
@@ -389,7 +389,7 @@ Mission readDocument(const YAML::Node& root) {
                   if (!YAML::convert<bool>::decode(node, mission.reset))
                       fail(node.Mark(), "reset must be true or false");
               }},
-             number("duration", mission.duration, 1, most_seconds),
+             number("duration", mission.duration, 1, MOST_SECONDS),
              changes(mission.changes),
              later("start", start),
              later("points", points),
@@ -407,21 +407,21 @@ Mission readDocument(const YAML::Node& root) {
 } // namespace
 
 std::optional<Mission> readMission(const std::string& path, std::string& message) {
-    constexpr std::size_t largest = 1 << 20; // bytes
+    constexpr std::size_t LARGEST = 1 << 20; // bytes
     const std::string why = program::whyUnreadable(path);
     if (!why.empty()) {
         message = "cannot read \"" + path + "\": " + why;
         return std::nullopt;
     }
     std::ifstream file(path, std::ios::binary);
-    std::string content(largest + 1, '\0');
+    std::string content(LARGEST + 1, '\0');
     file.read(content.data(), static_cast<std::streamsize>(content.size()));
     if (file.bad() || (!file.eof() && file.fail())) {
         message = "cannot read \"" + path + "\": " + std::strerror(errno);
         return std::nullopt;
     }
     content.resize(static_cast<std::size_t>(file.gcount()));
-    if (content.size() <= largest) return parseMission(content, path, message);
+    if (content.size() <= LARGEST) return parseMission(content, path, message);
     message = "\"" + path + "\" is larger than a mission file may be: 1 MiB";
     return std::nullopt;
 }

@@ -9,21 +9,21 @@ namespace flightsim {
 
 namespace {
 
-constexpr double longest_step = 0.005; // s, for the helicopter
+constexpr double LONGEST_STEP = 0.005; // s, for the helicopter
 
 HelicopterState startOf(const Mission& mission) {
     HelicopterState state;
     state.position = mission.start;
     state.heading = mission.heading;
     state.rotor = mission.rotor;
-    state.gear_load = gravity;
+    state.gear_load = GRAVITY;
     return state;
 }
 
 /// Where the record says that the wind blows to. The flight takes at most a whole gale.
 Enu windOf(const UdpRecvData& record) {
-    constexpr double strongest = 28;
-    const double speed = std::clamp(double(record.weather_value_a), 0.0, strongest);
+    constexpr double STRONGEST = 28;
+    const double speed = std::clamp(double(record.weather_value_a), 0.0, STRONGEST);
     return Enu::ofCourse(double(record.weather_angle) + 180, speed);
 }
 
@@ -35,10 +35,10 @@ Change resetChange() {
 
 /// Flies the legs to their end and tells how long they take.
 double flownSeconds(const Mission& mission, const std::vector<Leg>& legs, std::string& message) {
-    constexpr double step = 0.02;
+    constexpr double STEP = 0.02;
     MissionFlight flight(mission, legs);
     while (!flight.finished() && flight.fault().empty())
-        flight.advance(step);
+        flight.advance(STEP);
     message = flight.fault();
     return flight.time();
 }
@@ -63,7 +63,7 @@ bool stretch(const Mission& mission, double duration, FlightPlan& plan, std::str
 
 std::optional<FlightPlan> planFlight(const Mission& mission, std::optional<double> duration,
                                      std::string& message) {
-    constexpr double tolerance = 1; // s
+    constexpr double TOLERANCE = 1; // s
     if (!duration) duration = mission.duration;
     auto legs = selectLegs(mission, duration, message);
     if (!legs) return std::nullopt;
@@ -72,7 +72,7 @@ std::optional<FlightPlan> planFlight(const Mission& mission, std::optional<doubl
     if (!message.empty()) return std::nullopt;
     if (!duration) return plan;
     if (!stretch(mission, *duration, plan, message)) return std::nullopt;
-    if (std::abs(plan.seconds - *duration) > tolerance) {
+    if (std::abs(plan.seconds - *duration) > TOLERANCE) {
         std::array<char, 128> text;
         std::snprintf(text.data(), text.size(), "the mission takes %.1f s, not %.1f s",
                       plan.seconds, *duration);
@@ -95,7 +95,7 @@ MissionFlight::MissionFlight(const Mission& mission, std::vector<Leg> legs)
 }
 
 void MissionFlight::advance(double dt) {
-    const int steps = std::max(1, static_cast<int>(std::ceil(dt / longest_step - 1e-9)));
+    const int steps = std::max(1, static_cast<int>(std::ceil(dt / LONGEST_STEP - 1e-9)));
     for (int i = 0; i < steps; i++)
         step(dt / steps);
     if (m_guidance.stuck(m_time) && m_fault.empty())
@@ -105,9 +105,9 @@ void MissionFlight::advance(double dt) {
 }
 
 void MissionFlight::step(double dt) {
-    constexpr double wind_lag = 1; // s: the record's wind may jump, the air doesn't
+    constexpr double WIND_LAG = 1; // s: the record's wind may jump, the air doesn't
     const Enu wind = windOf(m_record);
-    m_wind += (wind - m_wind) * (dt / wind_lag);
+    m_wind += (wind - m_wind) * (dt / WIND_LAG);
     const HelicopterControls controls = m_guidance.update(state(), m_wind, m_time);
     const Surroundings around{m_wind, m_guidance.point().velocity,
                               m_guidance.restAltitude(state(), m_time)};
@@ -119,8 +119,8 @@ void MissionFlight::step(double dt) {
 }
 
 void MissionFlight::updateRecord() {
-    constexpr double rounding = 1e-6; // s: a change at 10 s belongs to the record of 9.999999999 s
-    m_schedule.apply(m_time + rounding, m_record);
+    constexpr double ROUNDING = 1e-6; // s: a change at 10 s belongs to the record of 9.999999999 s
+    m_schedule.apply(m_time + ROUNDING, m_record);
     const HelicopterState& s = state();
     m_record.latitude = s.position.latitude;
     m_record.longitude = s.position.longitude;
@@ -147,7 +147,7 @@ std::string MissionFlight::profileHeading() {
 std::string MissionFlight::profileRow() const {
     const HelicopterState& s = state();
     const double air_speed = (s.velocity - m_wind).horizontal();
-    const double bank = std::atan(air_speed * s.heading_rate * radians / gravity) / radians;
+    const double bank = std::atan(air_speed * s.heading_rate * RADIANS / GRAVITY) / RADIANS;
     std::array<char, 192> text;
     std::snprintf(text.data(), text.size(),
                   "%6.1f %-14.14s %11.6f %11.6f %8.2f %7.2f %6.2f %7.2f %6.2f %6.2f %11.2f %5.0f",

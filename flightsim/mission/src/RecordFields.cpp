@@ -31,34 +31,34 @@ double withType(Type type, Act act) {
     return 0;
 }
 
-constexpr bool code = false;
-constexpr bool quantity = true;
+constexpr bool CODE = false;
+constexpr bool QUANTITY = true;
 
-constexpr RecordField fields[] = {
-    {"command", Type::u32, offsetof(UdpRecvData, command), code},
-    {"system_cmd", Type::u32, offsetof(UdpRecvData, system_cmd), code},
-    {"weather_type", Type::u16, offsetof(UdpRecvData, weather_type), code},
-    {"rain_level", Type::u16, offsetof(UdpRecvData, rain_level), quantity},
-    {"snow_level", Type::u16, offsetof(UdpRecvData, snow_level), quantity},
-    {"hail_level", Type::u16, offsetof(UdpRecvData, hail_level), quantity},
-    {"cloud_enable", Type::u16, offsetof(UdpRecvData, cloud_enable), code},
-    {"cloud_param1", Type::i16, offsetof(UdpRecvData, cloud_param1), quantity},
-    {"cloud_param2", Type::i16, offsetof(UdpRecvData, cloud_param2), quantity},
-    {"cloud_percent", Type::i16, offsetof(UdpRecvData, cloud_percent), quantity},
-    {"cloud_top", Type::f32, offsetof(UdpRecvData, cloud_top), quantity},
-    {"cloud_base", Type::f32, offsetof(UdpRecvData, cloud_base), quantity},
-    {"weather_angle", Type::f32, offsetof(UdpRecvData, weather_angle), quantity},
-    {"weather_value_a", Type::f32, offsetof(UdpRecvData, weather_value_a), quantity},
-    {"weather_value_b", Type::i32, offsetof(UdpRecvData, weather_value_b), quantity},
-    {"sea_code", Type::i16, offsetof(UdpRecvData, sea_code), quantity},
-    {"sea_speed", Type::f32, offsetof(UdpRecvData, sea_speed), quantity},
-    {"sea_angle", Type::f32, offsetof(UdpRecvData, sea_angle), quantity},
-    {"radar_value", Type::f32, offsetof(UdpRecvData, radar_value), quantity},
-    {"radar_sector_width", Type::f32, offsetof(UdpRecvData, radar_sector_width), quantity},
-    {"radar_sector_offset", Type::f32, offsetof(UdpRecvData, radar_sector_offset), quantity},
-    {"hang_mass", Type::i16, offsetof(UdpRecvData, hang_mass), quantity},
-    {"hang_length", Type::f32, offsetof(UdpRecvData, hang_length), quantity},
-    {"hang_enable", Type::u16, offsetof(UdpRecvData, hang_enable), code},
+constexpr RecordField FIELDS[] = {
+    {"command", Type::u32, offsetof(UdpRecvData, command), CODE},
+    {"system_cmd", Type::u32, offsetof(UdpRecvData, system_cmd), CODE},
+    {"weather_type", Type::u16, offsetof(UdpRecvData, weather_type), CODE},
+    {"rain_level", Type::u16, offsetof(UdpRecvData, rain_level), QUANTITY},
+    {"snow_level", Type::u16, offsetof(UdpRecvData, snow_level), QUANTITY},
+    {"hail_level", Type::u16, offsetof(UdpRecvData, hail_level), QUANTITY},
+    {"cloud_enable", Type::u16, offsetof(UdpRecvData, cloud_enable), CODE},
+    {"cloud_param1", Type::i16, offsetof(UdpRecvData, cloud_param1), QUANTITY},
+    {"cloud_param2", Type::i16, offsetof(UdpRecvData, cloud_param2), QUANTITY},
+    {"cloud_percent", Type::i16, offsetof(UdpRecvData, cloud_percent), QUANTITY},
+    {"cloud_top", Type::f32, offsetof(UdpRecvData, cloud_top), QUANTITY},
+    {"cloud_base", Type::f32, offsetof(UdpRecvData, cloud_base), QUANTITY},
+    {"weather_angle", Type::f32, offsetof(UdpRecvData, weather_angle), QUANTITY},
+    {"weather_value_a", Type::f32, offsetof(UdpRecvData, weather_value_a), QUANTITY},
+    {"weather_value_b", Type::i32, offsetof(UdpRecvData, weather_value_b), QUANTITY},
+    {"sea_code", Type::i16, offsetof(UdpRecvData, sea_code), QUANTITY},
+    {"sea_speed", Type::f32, offsetof(UdpRecvData, sea_speed), QUANTITY},
+    {"sea_angle", Type::f32, offsetof(UdpRecvData, sea_angle), QUANTITY},
+    {"radar_value", Type::f32, offsetof(UdpRecvData, radar_value), QUANTITY},
+    {"radar_sector_width", Type::f32, offsetof(UdpRecvData, radar_sector_width), QUANTITY},
+    {"radar_sector_offset", Type::f32, offsetof(UdpRecvData, radar_sector_offset), QUANTITY},
+    {"hang_mass", Type::i16, offsetof(UdpRecvData, hang_mass), QUANTITY},
+    {"hang_length", Type::f32, offsetof(UdpRecvData, hang_length), QUANTITY},
+    {"hang_enable", Type::u16, offsetof(UdpRecvData, hang_enable), CODE},
 };
 
 } // namespace
@@ -87,11 +87,11 @@ void RecordField::write(UdpRecvData& record, double value) const {
     });
 }
 
-std::span<const RecordField> recordFields() { return fields; }
+std::span<const RecordField> recordFields() { return FIELDS; }
 
 const RecordField* findRecordField(std::string_view name) {
-    const auto* found = std::ranges::find(fields, name, &RecordField::name);
-    return found == std::end(fields) ? nullptr : found;
+    const auto* found = std::ranges::find(FIELDS, name, &RecordField::name);
+    return found == std::end(FIELDS) ? nullptr : found;
 }
 
 UdpRecvData fairWeatherRecord() {

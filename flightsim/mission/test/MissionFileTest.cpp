@@ -6,7 +6,7 @@
 namespace flightsim {
 namespace {
 
-const std::string head = "start: {longitude: -155, latitude: 19.7, surface: 12}\n";
+const std::string HEAD = "start: {longitude: -155, latitude: 19.7, surface: 12}\n";
 
 /// The message about a mission that can't be used, behind the path.
 std::string faultOf(const std::string& text) {
@@ -17,23 +17,23 @@ std::string faultOf(const std::string& text) {
 }
 
 std::string faultOfLeg(const std::string& leg) {
-    return faultOf(head + "legs:\n  - " + leg + "\n");
+    return faultOf(HEAD + "legs:\n  - " + leg + "\n");
 }
 
 TEST(MissionFile, SaysWhereAndWhatIsWrong) {
     const std::pair<std::string, std::string> cases[] = {
         {"", "1:1: a mission must be a map"},
         {"start: {longitude: 1", "1:1: end of map flow not found"},
-        {head, "1:1: a mission needs a list of \"legs\""},
+        {HEAD, "1:1: a mission needs a list of \"legs\""},
         {"start: {longitude: 1}\nlegs: [wait: 1]", "1:8: start needs \"longitude\" and \"lat"},
         {"start: {longitude: 1, latitude: 90}\n", "1:33: latitude must be a number from -89 to 89"},
-        {head + "legs: [wait: 1]\nlegs: [wait: 1]", "3:1: a mission: \"legs\" is given twice"},
-        {head + "reste: true", "2:1: a mission has no key \"reste\"; nearest is \"reset\""},
-        {head + "points: {a: {east: 1, bearing: 3, distance: 9}}\nlegs: [wait: 1]",
+        {HEAD + "legs: [wait: 1]\nlegs: [wait: 1]", "3:1: a mission: \"legs\" is given twice"},
+        {HEAD + "reste: true", "2:1: a mission has no key \"reste\"; nearest is \"reset\""},
+        {HEAD + "points: {a: {east: 1, bearing: 3, distance: 9}}\nlegs: [wait: 1]",
          "2:13: a point is either"},
-        {head + "set: {see_code: 1}", "2:7: set has no key \"see_code\"; nearest is \"sea_code\""},
-        {head + "set: {pitch: 1}", "2:14: pitch is flown"},
-        {head + "set:\n  - {rain_level: 70000}",
+        {HEAD + "set: {see_code: 1}", "2:7: set has no key \"see_code\"; nearest is \"sea_code\""},
+        {HEAD + "set: {pitch: 1}", "2:14: pitch is flown"},
+        {HEAD + "set:\n  - {rain_level: 70000}",
          "3:18: rain_level must be a number from 0 to 65535"},
     };
     for (const auto& [text, fault] : cases)
@@ -61,7 +61,7 @@ TEST(MissionFile, SaysWhatIsWrongWithALeg) {
 
 TEST(MissionFile, ReadsPlacesDefaultsAndShorthand) {
     std::string message;
-    const auto mission = parseMission(head + R"(
+    const auto mission = parseMission(HEAD + R"(
 points:
   ship: {bearing: 90, distance: 500, velocity: [1, 2]}
   deck: {from: ship, north: -60, surface: 6}

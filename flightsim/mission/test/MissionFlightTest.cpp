@@ -11,7 +11,7 @@
 namespace flightsim {
 namespace {
 
-constexpr double step = 0.02;
+constexpr double STEP = 0.02;
 
 struct Flown {
     double time;
@@ -33,7 +33,7 @@ std::vector<Flown> flyToEnd(const Mission& mission, std::optional<double> durati
         flown.push_back(
             {flight.time(), flight.guidance().leg().name, flight.record(), flight.wind()});
         if (flight.finished() || !flight.fault().empty()) break;
-        flight.advance(step);
+        flight.advance(STEP);
     }
     EXPECT_EQ(flight.fault(), "");
     return flown;
@@ -56,22 +56,22 @@ std::vector<Flown> flyShipped(const std::string& name, std::optional<double> dur
 }
 
 /// Over a tenth of a second to both sides: altitudes are single precision.
-constexpr int reach = 5;
+constexpr int REACH = 5;
 
 Enu velocityAt(const std::vector<Flown>& f, std::size_t i) {
-    return offset(f[i - reach].place(), f[i + reach].place()) * (1 / (2 * reach * step));
+    return offset(f[i - REACH].place(), f[i + REACH].place()) * (1 / (2 * REACH * STEP));
 }
 
 Enu accelerationAt(const std::vector<Flown>& f, std::size_t i) {
     const Enu sum =
-        offset(f[i].place(), f[i + reach].place()) + offset(f[i].place(), f[i - reach].place());
-    return sum * (1 / (reach * step * reach * step));
+        offset(f[i].place(), f[i + REACH].place()) + offset(f[i].place(), f[i - REACH].place());
+    return sum * (1 / (REACH * STEP * REACH * STEP));
 }
 
 /// The fuselage's vertical axis: headed clockwise from north, nose up, right side down, in this
 /// order, each a turn of the one before.
 Enu rotorAxis(const UdpRecvData& r) {
-    const double h = r.heading * radians, p = r.pitch * radians, b = r.roll * radians;
+    const double h = r.heading * RADIANS, p = r.pitch * RADIANS, b = r.roll * RADIANS;
     const Enu forward_of_up{-std::sin(h) * std::sin(p), -std::cos(h) * std::sin(p), std::cos(p)};
     const Enu right{std::cos(h), -std::sin(h), 0};
     return forward_of_up * std::cos(b) + right * std::sin(b);
@@ -79,12 +79,12 @@ Enu rotorAxis(const UdpRecvData& r) {
 
 double angleBetween(const Enu& a, const Enu& b) {
     const double dot = a.east * b.east + a.north * b.north + a.up * b.up;
-    return std::acos(std::clamp(dot / a.length() / b.length(), -1.0, 1.0)) / radians;
+    return std::acos(std::clamp(dot / a.length() / b.length(), -1.0, 1.0)) / RADIANS;
 }
 
 void expectSmoothAndConsistent(const std::vector<Flown>& f) {
     double worst_step = 0, worst_lean = 0;
-    for (std::size_t i = reach; i + reach + 1 < f.size(); i++) {
+    for (std::size_t i = REACH; i + REACH + 1 < f.size(); i++) {
         const Enu a = accelerationAt(f, i);
         worst_step = std::max(worst_step, (accelerationAt(f, i + 1) - a).length());
         const bool on_wheels = f[i].record.altitude < 14.2 || a.length() > 8;
@@ -153,7 +153,7 @@ legs:
     EXPECT_LT(miss.length(), 0.3);
     EXPECT_NEAR(wrap180(end.record.heading), 0, 1);
     // The wind comes from the right: the thrust must lean that way, tan = drag / g.
-    const double lean = std::atan(dragAcceleration({-15, 0, 0}).length() / 9.80665) / radians;
+    const double lean = std::atan(dragAcceleration({-15, 0, 0}).length() / 9.80665) / RADIANS;
     EXPECT_NEAR(end.record.roll, lean, 0.1);
     EXPECT_NEAR(end.record.pitch, 0, 0.1);
 }
@@ -209,7 +209,7 @@ legs:
                             std::nullopt);
     expectSmoothAndConsistent(f);
     double steepest = 0, sideslip = 0;
-    for (std::size_t i = reach; i + reach < f.size(); i++) {
+    for (std::size_t i = REACH; i + REACH < f.size(); i++) {
         const Enu air = velocityAt(f, i) - f[i].wind;
         if (velocityAt(f, i).horizontal() < 30) continue;
         steepest = std::max(steepest, std::abs(double(f[i].record.roll)));
@@ -231,18 +231,18 @@ legs:
         double latitude;
         double landed, tolerance;
     };
-    constexpr double itself = 1e9; // a ray that hits the helicopter must not make it climb for ever
+    constexpr double ITSELF = 1e9; // a ray that hits the helicopter must not make it climb for ever
     for (const Case& c : {Case{14.5, 19.7, 15.72, 0.1}, Case{9, 19.7, 10.22, 0.1},
                           Case{20, 19.7, 13.22, 0.05}, Case{NAN, 19.7, 13.22, 0.05},
-                          Case{12 + 2, 0, 13.22, 0.05}, Case{itself, 19.7, 13.22, 5}}) {
+                          Case{12 + 2, 0, 13.22, 0.05}, Case{ITSELF, 19.7, 13.22, 5}}) {
         MissionFlight flight(mission, mission.legs);
         while (!flight.finished() && flight.time() < 200) {
             UdpSendData feedback{};
             feedback.ground_latitude = c.latitude;
-            const double height = c.ground == itself ? 0.5 : flight.record().altitude - c.ground;
+            const double height = c.ground == ITSELF ? 0.5 : flight.record().altitude - c.ground;
             feedback.height_above_ground = static_cast<float>(height);
             flight.takeFeedback(feedback);
-            flight.advance(step);
+            flight.advance(STEP);
         }
         EXPECT_TRUE(flight.finished());
         EXPECT_NEAR(flight.state().position.altitude, c.landed, c.tolerance) << c.ground;

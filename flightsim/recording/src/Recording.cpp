@@ -19,12 +19,12 @@ namespace flightsim {
 
 namespace {
 
-constexpr char magic[8] = {'H', 'R', 'E', 'C', '1', '4', '9', '0'};
-constexpr std::uint32_t header_rest = 16;
-constexpr std::int64_t header_size = 24;
-constexpr std::uint16_t whole_datagram = 0xffff;
-constexpr std::size_t run_head = 4; ///< bytes that a run costs beside its content
-constexpr std::size_t block_size = 256 * 1024;
+constexpr char MAGIC[8] = {'H', 'R', 'E', 'C', '1', '4', '9', '0'};
+constexpr std::uint32_t HEADER_REST = 16;
+constexpr std::int64_t HEADER_SIZE = 24;
+constexpr std::uint16_t WHOLE_DATAGRAM = 0xffff;
+constexpr std::size_t RUN_HEAD = 4; ///< bytes that a run costs beside its content
+constexpr std::size_t BLOCK_SIZE = 256 * 1024;
 
 template <class T>
 T decode(const std::uint8_t* bytes) {
@@ -47,23 +47,23 @@ bool RecordingReader::open(const std::string& path) {
         m_message = "cannot open \"" + path + "\": " + (why.empty() ? systemError() : why);
         return false;
     }
-    std::uint8_t header[header_size];
+    std::uint8_t header[HEADER_SIZE];
     if (!take(header, sizeof header)) {
         m_message = "\"" + path + "\": byte " + std::to_string(m_offset) +
-                    ": ends within the header of " + std::to_string(header_size) + " bytes";
+                    ": ends within the header of " + std::to_string(HEADER_SIZE) + " bytes";
         return false;
     }
     const auto refuse = [&](int offset, const std::string& what) {
         m_message = "\"" + path + "\": byte " + std::to_string(offset) + ": " + what;
         return false;
     };
-    if (std::memcmp(header, magic, sizeof magic) != 0)
+    if (std::memcmp(header, MAGIC, sizeof MAGIC) != 0)
         return refuse(0, "not a recording (\"HREC1490\" is missing)");
     const auto version = decode<std::uint32_t>(header + 8);
     if (version != 1 && version != 2)
         return refuse(8, "version " + std::to_string(version) + " is neither 1 nor 2");
-    if (decode<std::uint32_t>(header + 12) != header_rest)
-        return refuse(12, "header size is not " + std::to_string(header_rest));
+    if (decode<std::uint32_t>(header + 12) != HEADER_REST)
+        return refuse(12, "header size is not " + std::to_string(HEADER_REST));
     m_format = static_cast<RecordingFormat>(version);
     m_start_wall_ns = decode<std::int64_t>(header + 16);
     rewind();
@@ -72,8 +72,8 @@ bool RecordingReader::open(const std::string& path) {
 
 void RecordingReader::rewind() {
     m_file.clear();
-    m_file.seekg(header_size);
-    m_offset = header_size;
+    m_file.seekg(HEADER_SIZE);
+    m_offset = HEADER_SIZE;
     m_number = 0;
     m_last_time_ns = 0;
     m_datagram.clear();
@@ -90,10 +90,10 @@ ReadStatus RecordingReader::next(Record& record) {
     }
     const auto time_ns = decode<std::int64_t>(head);
     const auto length = decode<std::uint32_t>(head + 8);
-    if (time_ns < m_last_time_ns || time_ns > max_record_time_ns)
+    if (time_ns < m_last_time_ns || time_ns > MAX_RECORD_TIME_NS)
         return fail(ReadStatus::malformed,
                     "time " + std::to_string(time_ns) + " ns goes back or is beyond a year");
-    if (length > max_datagram_size)
+    if (length > MAX_DATAGRAM_SIZE)
         return fail(ReadStatus::malformed,
                     "length " + std::to_string(length) + " is beyond the 65507 of a datagram");
     if (readBody(length) != ReadStatus::record) return m_status;
@@ -103,10 +103,10 @@ ReadStatus RecordingReader::next(Record& record) {
 }
 
 ReadStatus RecordingReader::readBody(std::uint32_t length) {
-    std::uint16_t runs = whole_datagram;
+    std::uint16_t runs = WHOLE_DATAGRAM;
     if (m_format == RecordingFormat::compact && !take(&runs, sizeof runs))
         return truncated("its head");
-    if (runs != whole_datagram) return readRuns(length, runs);
+    if (runs != WHOLE_DATAGRAM) return readRuns(length, runs);
     m_datagram.resize(length);
     return take(m_datagram.data(), length) ? ReadStatus::record : truncated("its datagram");
 }
@@ -165,17 +165,17 @@ bool RecordingWriter::open(const std::string& path, RecordingFormat format,
     m_file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     if (m_file < 0) return fail("cannot create");
     const auto version = static_cast<std::uint32_t>(format);
-    put(magic, sizeof magic);
+    put(MAGIC, sizeof MAGIC);
     put(&version, sizeof version);
-    put(&header_rest, sizeof header_rest);
+    put(&HEADER_REST, sizeof HEADER_REST);
     put(&start_wall_ns, sizeof start_wall_ns);
     return flush();
 }
 
 bool RecordingWriter::append(std::int64_t time_ns, std::span<const std::uint8_t> datagram) {
     if (m_file < 0) return false;
-    m_last_time_ns = std::clamp(time_ns, m_last_time_ns, max_record_time_ns);
-    const auto length = static_cast<std::uint32_t>(std::min(datagram.size(), max_datagram_size));
+    m_last_time_ns = std::clamp(time_ns, m_last_time_ns, MAX_RECORD_TIME_NS);
+    const auto length = static_cast<std::uint32_t>(std::min(datagram.size(), MAX_DATAGRAM_SIZE));
     datagram = datagram.first(length);
     put(&m_last_time_ns, sizeof m_last_time_ns);
     put(&length, sizeof length);
@@ -183,14 +183,14 @@ bool RecordingWriter::append(std::int64_t time_ns, std::span<const std::uint8_t>
         put(datagram.data(), length);
     } else {
         if (!putRuns(datagram)) {
-            put(&whole_datagram, sizeof whole_datagram);
+            put(&WHOLE_DATAGRAM, sizeof WHOLE_DATAGRAM);
             put(datagram.data(), length);
         }
         m_previous.assign(datagram.begin(), datagram.end());
         m_has_previous = true;
     }
     m_waiting_records++;
-    return m_waiting.size() < block_size || flush();
+    return m_waiting.size() < BLOCK_SIZE || flush();
 }
 
 /// Puts the difference to the datagram before, or nothing and false when there is none or when it
@@ -207,7 +207,7 @@ bool RecordingWriter::putRuns(std::span<const std::uint8_t> datagram) {
             continue;
         }
         std::size_t end = i + 1; // behind the last changed byte of this run
-        for (std::size_t j = end; j < n && j - end < run_head; j++)
+        for (std::size_t j = end; j < n && j - end < RUN_HEAD; j++)
             if (datagram[j] != m_previous[j]) end = j + 1;
         const std::uint16_t head[2] = {static_cast<std::uint16_t>(i),
                                        static_cast<std::uint16_t>(end - i)};
@@ -281,7 +281,7 @@ bool RecordingWriter::fail(const char* what) {
 Selection Selection::ofSeconds(double from, double seconds) {
     // Seconds beyond the longest recording select to its end; that also keeps the casts in range.
     const auto ns = [](double s) {
-        return static_cast<std::int64_t>(std::min(s * 1e9, double(max_record_time_ns)));
+        return static_cast<std::int64_t>(std::min(s * 1e9, double(MAX_RECORD_TIME_NS)));
     };
     Selection selection;
     selection.from_ns = ns(from);

@@ -110,15 +110,15 @@ void printIntervals(std::vector<double> ms, std::FILE* out) {
 }
 
 void printCommands(const std::vector<CommandRun>& commands, std::FILE* out) {
-    constexpr std::size_t shown = 20;
+    constexpr std::size_t SHOWN = 20;
     std::fprintf(out, "commands ");
     if (commands.empty()) std::fprintf(out, " none");
-    for (std::size_t i = 0; i < std::min(shown, commands.size()); i++) {
+    for (std::size_t i = 0; i < std::min(SHOWN, commands.size()); i++) {
         const CommandRun& run = commands[i];
         std::fprintf(out, "%s%u in record %lld", i ? ", " : " ", run.command, printable(run.first));
         if (run.last > run.first) std::fprintf(out, " to %lld", printable(run.last));
     }
-    if (commands.size() > shown) std::fprintf(out, ", and %zu more", commands.size() - shown);
+    if (commands.size() > SHOWN) std::fprintf(out, ", and %zu more", commands.size() - SHOWN);
     std::fprintf(out, "\n");
 }
 

@@ -36,7 +36,7 @@ std::vector<TimedBytes> oddDatagrams() {
             {13, Bytes(65507)},
             {14, base},
             {15, noise(1491)},
-            {max_record_time_ns, Bytes(1491, 0xff)}};
+            {MAX_RECORD_TIME_NS, Bytes(1491, 0xff)}};
 }
 
 TEST(Recording, BothFormatsGiveBackWhatWasWritten) {
@@ -114,7 +114,7 @@ TEST(Recording, NamesTheDamagedRecordAndItsOffset) {
     const std::pair<ByteBuilder, const char*> cases[] = {
         {v1().record(49, four), "record 1 at byte 40: time 49"},
         {ByteBuilder::header(1).record(-1, four), "record 0 at byte 24: time -1"},
-        {v1().record(max_record_time_ns + 1, four), "record 1 at byte 40: time"},
+        {v1().record(MAX_RECORD_TIME_NS + 1, four), "record 1 at byte 40: time"},
         {v1().record(60, Bytes(65508)), "record 1 at byte 40: length 65508"},
         {orphan, "record 0 at byte 24: differs"},
         {v2(5, 0), "record 1 at byte 42: differs"},

@@ -22,10 +22,10 @@ namespace {
 
 // Room for about 900 host records: what a host at 100 records per second sends in 9 s, and a host
 // at 1,000 per second in nearly one, so that a stall of the channel loses nothing.
-constexpr int least_receive_buffer = 1 << 20;
+constexpr int LEAST_RECEIVE_BUFFER = 1 << 20;
 
 // A sender that has been silent for so long is not one of several that send at a time.
-constexpr double sender_pause = 1; // s
+constexpr double SENDER_PAUSE = 1; // s
 
 jVector<SocketUDP*>& openSockets() {
     static jVector<SocketUDP*> sockets;
@@ -107,7 +107,7 @@ bool SocketUDP::refuse(int port, const char* reason) const {
 }
 
 bool SocketUDP::recv(int size) {
-    const int wanted = std::max(size, least_receive_buffer);
+    const int wanted = std::max(size, LEAST_RECEIVE_BUFFER);
     // The first form exceeds the system's limit and needs a privilege; the second takes what the
     // limit allows.
     if (setsockopt(m_descriptor, SOL_SOCKET, SO_RCVBUFFORCE, &wanted, sizeof wanted) != 0 &&
@@ -220,7 +220,7 @@ void SocketUDP::noteSender(const SocketSender& sender) {
     SocketSender* place = std::find(s.senders, end, sender);
     if (place != s.senders && s.senders[0].port != 0) {
         const bool recent =
-            place != end && sender.last_received - place->last_received < sender_pause;
+            place != end && sender.last_received - place->last_received < SENDER_PAUSE;
         (recent ? s.interleaved : s.taken_over)++;
     }
     std::rotate(s.senders, place == end ? end - 1 : place, place == end ? end : place + 1);

@@ -9,7 +9,7 @@
 /// only steps and offsets are metres, so that nothing loses precision far from the start.
 namespace flightsim {
 
-inline constexpr double radians = std::numbers::pi / 180; ///< one degree
+inline constexpr double RADIANS = std::numbers::pi / 180; ///< one degree
 
 struct Geodetic {
     double longitude = 0; ///< degrees
@@ -30,10 +30,10 @@ struct Enu {
     double length() const { return std::sqrt(east * east + north * north + up * up); }
     double horizontal() const { return std::hypot(east, north); }
     /// Direction of the horizontal part, degrees clockwise from north, in (−180, 180].
-    double course() const { return std::atan2(east, north) / radians; }
+    double course() const { return std::atan2(east, north) / RADIANS; }
     /// A horizontal vector of this length and direction.
     static Enu ofCourse(double course, double length) {
-        return {length * std::sin(course * radians), length * std::cos(course * radians), 0};
+        return {length * std::sin(course * RADIANS), length * std::cos(course * RADIANS), 0};
     }
 };
 

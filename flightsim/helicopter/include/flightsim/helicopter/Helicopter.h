@@ -13,8 +13,8 @@
 /// acceleration smooth. Tail-rotor side force and the tilt of the rotor mast are left out.
 namespace flightsim {
 
-inline constexpr double gravity = 9.80665;
-inline constexpr double full_rotor = 270; ///< rotor speed of flight, in the record's unit
+inline constexpr double GRAVITY = 9.80665;
+inline constexpr double FULL_ROTOR = 270; ///< rotor speed of flight, in the record's unit
 
 struct HelicopterState {
     Geodetic position;       ///< of the reference point, which stands above the wheels

@@ -6,8 +6,8 @@
 
 namespace flightsim {
 
-inline constexpr std::int64_t ns_per_second = 1'000'000'000;
-inline constexpr std::int64_t ns_per_ms = 1'000'000;
+inline constexpr std::int64_t NS_PER_SECOND = 1'000'000'000;
+inline constexpr std::int64_t NS_PER_MS = 1'000'000;
 
 /// Nanoseconds on the clock that never jumps. Every deadline is on it.
 std::int64_t steadyNow();

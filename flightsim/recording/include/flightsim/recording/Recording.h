@@ -40,9 +40,9 @@
 namespace flightsim {
 
 /// The most that a UDP datagram carries over IPv4, bytes.
-inline constexpr std::size_t max_datagram_size = 65507;
+inline constexpr std::size_t MAX_DATAGRAM_SIZE = 65507;
 /// Times of a recording stay below this, so that arithmetic on them never overflows: one year.
-inline constexpr std::int64_t max_record_time_ns = 366LL * 86400 * 1'000'000'000;
+inline constexpr std::int64_t MAX_RECORD_TIME_NS = 366LL * 86400 * 1'000'000'000;
 
 enum class RecordingFormat : std::uint32_t { whole = 1, compact = 2 };
 
@@ -110,7 +110,7 @@ public:
 
     /// Creates or empties a file and writes the header. False with `message()` when that fails.
     bool open(const std::string& path, RecordingFormat format, std::int64_t start_wall_ns);
-    /// Adds a datagram of at most `max_datagram_size` bytes. A time before the last one's counts as
+    /// Adds a datagram of at most `MAX_DATAGRAM_SIZE` bytes. A time before the last one's counts as
     /// that. False with `message()` once the file can't be written any more; it stays readable.
     bool append(std::int64_t time_ns, std::span<const std::uint8_t> datagram);
     /// Hands what is waiting to the operating system. False like `append`.
