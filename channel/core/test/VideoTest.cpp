@@ -20,7 +20,6 @@ using namespace ig;
 
 /// Shows one grey; the n-th picture read back is n bright.
 struct GreyRenderer final : Renderer {
-    const char* getName() const override { return "grey"; }
     bool init(int, int) override { return true; }
     void resize(int w, int h) override { width = w, height = h; }
     void render(const World&, const Camera&, const FrameInfo&) override {}

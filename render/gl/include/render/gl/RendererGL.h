@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ig/app/Renderer.h"
+#include "ig/base/jString.h"
 
 #include <memory>
 
