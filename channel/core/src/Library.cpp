@@ -23,6 +23,8 @@ void Library::unload() {
     m_handle = nullptr;
 }
 
+std::string Library::getName() const { return std::filesystem::path(m_path).stem(); }
+
 void* Library::find(const char* name) const {
     void* symbol = m_handle ? dlsym(m_handle, name) : nullptr;
     if (!symbol) ig::jLog::error("Library::find: %s doesn't export %s", m_path.c_str(), name);

@@ -16,6 +16,8 @@ public:
     /// log line, when it can't be loaded.
     bool load(const std::string& path);
     void unload();
+    /// The file's name without folder and suffix, by which what belongs to the library is found.
+    std::string getName() const;
     /// Null, with one log line, when the library doesn't export `name`.
     void* find(const char* name) const;
 

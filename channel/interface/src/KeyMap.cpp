@@ -2,6 +2,8 @@
 #include "channel/interface/KeyMap.h"
 
 #include "channel/interface/Texts.h"
+#include "ig/package/Package.h"
+#include "ig/package/mjl.h"
 #include "ig/ui/UILabel.h"
 #include "ig/ui/UILayout.h"
 #include "ig/ui/UIRoot.h"
@@ -25,27 +27,12 @@ const vec4 ENGLISH_COLOR(0.72f, 0.84f, 0.95f, 1);
 
 enum Column { KEYS, CHINESE, ENGLISH, BUTTONS, MEANINGS };
 
-/// Words with a dot are keys of `Texts`; those of the keyboard stand on it in every language.
+/// The application's own. Words with a dot are keys of `Texts`; those of the keyboard stand on it
+/// in every language.
 struct Line {
     const char *keys, *action;
 };
-const Line KEY_LINES[] = {
-    {"F1", "help.next_view"},
-    {"F2", "help.sonar_deploy"},
-    {"F3", "help.sonar_cut"},
-    {"Down / Up", "help.sonar_move"},
-    {"F5", "help.destroy"},
-    {"F6", "help.torpedo"},
-    {"Space", "help.missile"},
-    {"g", "help.projector"},
-    {"Return", "help.level"},
-    {"1 2 3 4 5", "help.speed"},
-    {"", ""},
-    {"mouse.drag_left", "help.orbit"},
-    {"mouse.wheel", "help.distance"},
-    {"mouse.drag_any", "help.look"},
-    {"mouse.left_keys", "help.fly"},
-    {"", ""},
+const Line OWN_LINES[] = {
     {"mouse.field", "help.field_set"},
     {"", "help.field_step"},
     {"", "help.field_clipboard"},
@@ -58,19 +45,13 @@ const Line KEY_LINES[] = {
     {"Alt + F4", "help.end"},
 };
 
-/// From the top of the column of buttons to its end, by what `Texts` calls them.
-const char* const BUTTON_LINES[] = {
-    "button.view",       "button.radar",      "button.destroy",     "button.wiper",
-    "button.torpedo",    "button.sonar_open", "button.sonar_close", "button.sonar_cut",
-    "button.sonar_down", "button.sonar_up",   "button.winch_open",  "button.winch_close",
-    "button.winch_down", "button.winch_up",   "button.missile",     "button.decoy",
-    "button.reset",
-};
-
-void addLine(std::string& text, const char* line) {
-    if (!text.empty()) text += '\n';
-    text += line;
+/// A text of the logic's file, which may have one for each language.
+const char* textOf(const Package& line, const char* key, const std::string& language) {
+    const Package* texts = line.getPackage(key);
+    return (texts ? texts->getString(language) : line.getString(key)).c_str();
 }
+
+void addLine(std::string& text, const char* line) { text.append(line) += '\n'; }
 
 UILabel* addColumn(UIHLayout* layout, std::string text, const vec4& color) {
     auto* label = new UILabel(layout->getRoot(), jString(std::move(text)));
@@ -80,30 +61,43 @@ UILabel* addColumn(UIHLayout* layout, std::string text, const vec4& color) {
     return label;
 }
 
-bool isChinese() { return !std::strcmp(Texts::get("box.ok"), Texts::get("box.ok", "zh")); }
+bool isChinese() { return Texts::getLanguage() == "zh"; }
 
 } // namespace
 
-void KeyMap::open(UIRoot* root) {
+void KeyMap::open(UIRoot* root, const std::string& help_path) {
     m_root = root;
     m_layout = new UIHLayout(root, 18, 18);
     m_layout->setAlignFree(true);
     m_layout->setBackgroundColor(FACE);
+    Package help;
+    mjl::open(help_path, &help); // a logic may have none
+    help.warnUnknownKeys("KeyMap::open", {"keys", "buttons"});
     std::string texts[COLUMNS];
-    for (const Line& line : KEY_LINES) {
-        const bool blank = !*line.action;
-        addLine(texts[KEYS], std::strchr(line.keys, '.') ? Texts::get(line.keys) : line.keys);
-        addLine(texts[CHINESE], blank ? "" : Texts::get(line.action, "zh"));
-        addLine(texts[ENGLISH], blank ? "" : Texts::get(line.action, "en"));
+    for (const Package* line : help.getPackages("keys")) {
+        line->warnUnknownKeys("KeyMap::open", {"keys", "does"});
+        addLine(texts[KEYS], textOf(*line, "keys", Texts::getLanguage()));
+        addLine(texts[CHINESE], textOf(*line, "does", "zh"));
+        addLine(texts[ENGLISH], textOf(*line, "does", "en"));
     }
-    for (const char* button : BUTTON_LINES) {
-        addLine(texts[BUTTONS], Texts::get(button, "zh"));
-        addLine(texts[MEANINGS], Texts::get(button, "en"));
+    for (std::string& text : texts)
+        if (!text.empty()) text += '\n'; // apart from the application's own
+    for (const Line& line : OWN_LINES) {
+        addLine(texts[KEYS], std::strchr(line.keys, '.') ? Texts::get(line.keys) : line.keys);
+        addLine(texts[CHINESE], Texts::get(line.action, "zh"));
+        addLine(texts[ENGLISH], Texts::get(line.action, "en"));
+    }
+    for (const Package* line : help.getPackages("buttons")) {
+        line->warnUnknownKeys("KeyMap::open", {"button", "does"});
+        addLine(texts[BUTTONS], textOf(*line, "button", Texts::getLanguage()));
+        addLine(texts[MEANINGS], textOf(*line, "does", "en"));
     }
     const vec4 chinese(0.95f, 0.96f, 0.97f, 1);
     const vec4 colors[] = {KEY_COLOR, chinese, ENGLISH_COLOR, KEY_COLOR, ENGLISH_COLOR};
-    for (std::size_t i = 0; i < COLUMNS; i++)
+    for (std::size_t i = 0; i < COLUMNS; i++) {
+        if (!texts[i].empty()) texts[i].pop_back(); // its last line ends with the text
         m_columns[i] = addColumn(m_layout, texts[i], colors[i]);
+    }
     m_layout->setHidden(true);
     root->addChild(m_layout);
 }

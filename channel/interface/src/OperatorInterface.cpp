@@ -24,10 +24,10 @@ OperatorInterface::OperatorInterface(IApp* app, WindowOwner* owner, ControlApp* 
     : m_app(app), m_owner(owner), m_control(control), m_root(std::make_unique<UIRoot>()),
       m_input(m_root.get(), control) {}
 
-void OperatorInterface::open(LogicBase* logic) {
+void OperatorInterface::open(LogicBase* logic, const std::string& help_path) {
     m_logic = logic;
     m_panels.assign(m_root->getChildren().begin(), m_root->getChildren().end());
-    m_overlays.open(m_root.get());
+    m_overlays.open(m_root.get(), help_path);
 }
 
 void OperatorInterface::close() {

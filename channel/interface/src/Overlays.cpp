@@ -30,7 +30,7 @@ std::string decimal(double value, int places) {
 
 } // namespace
 
-void Overlays::open(UIRoot* root) {
+void Overlays::open(UIRoot* root, const std::string& help_path) {
     m_root = root;
     m_label = new UILabel(root, "");
     m_label->setAlignFree(true);
@@ -44,7 +44,7 @@ void Overlays::open(UIRoot* root) {
         root->addChild(label);
     }
     m_notices.open(root);
-    m_key_map.open(root);
+    m_key_map.open(root, help_path);
 }
 
 void Overlays::onKey(int key) {

@@ -39,6 +39,8 @@ bool Texts::load(const std::string& language) {
     return tableOf(language).loaded;
 }
 
+const std::string& Texts::getLanguage() { return g_language; }
+
 const char* Texts::get(const char* key) { return get(key, g_language); }
 
 const char* Texts::get(const char* key, const std::string& language) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 
 namespace ig {
 class UIHLayout;
@@ -10,12 +11,14 @@ class UIRoot;
 } // namespace ig
 
 /// The keys, the mouse and the panels' buttons over the picture, each with what it does in Chinese
-/// and English side by side: who reads one of them finds what the other one calls it. Where that
-/// would be too small to read it keeps to the language that was chosen.
+/// and English side by side: whoever reads one of them finds what the other one calls it. Where
+/// that would be too small to read it keeps to the language that was chosen. What belongs to the
+/// scene logic stands in a file beside its configuration (`docs/operator.md`).
 class KeyMap {
 public:
-    /// Adds it, hidden, to the user interface, which owns it.
-    void open(ig::UIRoot* root);
+    /// Adds it, hidden, to the user interface, which owns it. `help_path`: the logic's file, which
+    /// there need not be.
+    void open(ig::UIRoot* root, const std::string& help_path);
     void show(bool show);
     bool isShown() const;
     /// Keeps it in the middle of the picture, all of it; before the layout.

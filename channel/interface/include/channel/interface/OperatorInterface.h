@@ -27,8 +27,8 @@ public:
     OperatorInterface(ig::IApp* app, WindowOwner* owner, ig::ControlApp* control);
 
     /// After the logic's `init`, so that the overlays cover its panels; the logic gets the events
-    /// that are the scene's.
-    void open(LogicBase* logic);
+    /// that are the scene's. `help_path`: see `KeyMap`.
+    void open(LogicBase* logic, const std::string& help_path);
     /// Destroys the user interface; after the logic's `release`, before the world goes.
     void close();
     ig::UIRoot* getRoot() const { return m_root.get(); }

@@ -26,8 +26,9 @@ class Overlays {
 public:
     enum class Statistics { off, rate, full };
 
-    /// Adds the overlays, hidden, to the user interface, which owns them.
-    void open(ig::UIRoot* root);
+    /// Adds the overlays, hidden, to the user interface, which owns them. `help_path`: see
+    /// `KeyMap`.
+    void open(ig::UIRoot* root, const std::string& help_path);
     /// Shows how that link is doing: a line over the picture while something is wrong with it, and
     /// more in the statistics. It must outlive the overlays.
     void watch(const LinkMonitor* link) { m_link = link; }

@@ -13,6 +13,7 @@ public:
     /// Chooses the language, "zh" or "en", of everything asked for from now on; "zh" until the
     /// first call. False, with one log line, when its file can't be read: keys are then shown.
     static bool load(const std::string& language);
+    static const std::string& getLanguage();
 
     /// The text of that key in the chosen language; valid as long as the process. A key that the
     /// file doesn't have is logged once and answered with the key itself.
