@@ -28,11 +28,6 @@ void collectEmitters(Node* node, jVector<ObjectParticles*>& emitters) {
 
 Wakes::Wakes(Node* node, Ship* ship, ObjectOcean* ocean)
     : m_ship(ship), m_offset(node->getTransform()), m_ocean(ocean), m_node(node) {
-    jVector<ObjectParticles*> all;
-    collectEmitters(node, all);
-    for (const ObjectParticles* e : all)
-        m_emitters.append({e->getID(), e->getLife(), e->getLifeSpread(), e->getLinearVelocity(),
-                           e->getLinearVelocitySpread(), e->getSpawnRate()});
     Node* foam = node->getChildByName("foam", false);
     if (!foam || foam->getType() != DECAL_ORTHO) return;
     m_foam = static_cast<DecalOrtho*>(foam);

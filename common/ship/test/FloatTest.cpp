@@ -3,194 +3,166 @@
 // How ships float and steam, against closed forms and over long runs.
 
 #include "ShipScene.h"
-#include "ig/physics/Body.h"
+#include "common/ship/Buoyancy.h"
 #include "testkit/LogCapture.h"
 
-#include <gtest/gtest.h>
+#include <algorithm>
 #include <random>
 
 namespace {
 
 using namespace ig;
 
-constexpr double G = 9.80665;
-constexpr float H = 1 / 60.0f; ///< one physics substep
+constexpr double SUBSTEP = 1 / 60.0; ///< of the physics
 
-struct BoxTest : testing::Test {
-    static constexpr double X = 10, Y = 70, Z = 4, VOLUME = X * Y * Z, MASS = 2e5;
-    static constexpr double FULL_LIFT = G * VOLUME * 100;
+struct CubeTest : ShipScene {
+    static constexpr double EDGE = 10, MASS = 1e5;
 
-    /// A box whose points are all immersed by the share `r` as long as it is level: their feet
-    /// stand half its height, along the earth's axis, below its middle.
-    Object* box(double r) {
-        auto* object = new Object(NODE_DUMMY);
+    /// Force and torque, in its own axes, on a cube that heads north and steers by the keyboard,
+    /// beside what damps it: found from what one substep does. Its points are all immersed by the
+    /// share `r` as long as it is level: their feet stand half its height, along the earth's axis,
+    /// below its middle.
+    std::pair<dvec3, dvec3> push(double r, double roll, const dvec3& v, int key) {
+        auto* cube = new Object(NODE_DUMMY);
         auto* body = new BodyRigid(static_cast<float>(MASS), {});
-        body->addShape(Shape::createBox(vec3(dvec3(X, Y, Z))));
-        object->setBody(body);
-        scene.place(object, Z / 2 * std::sin(LATITUDE * DEG_TO_RAD<double>) - Z * r);
-        return object;
+        body->addShape(Shape::createBox(vec3(dvec3(EDGE, EDGE, EDGE))));
+        cube->setBody(body);
+        place(cube, EDGE / 2 * std::sin(LATITUDE * DEG_TO_RAD<double>) - EDGE * r);
+        cube->setWgsHPR({0, 0, roll});
+        const dmat3 axes = cube->getWorldTransform().getMat3(), own = transpose(axes);
+        body->setLinearVelocity(vec3(axes * v));
+        Ship ship(cube, sea);
+        ship.setControlMode(1);
+        control.keyDown(key);
+        ship.update();
+        control.releaseAll();
+        const double s = std::clamp(r, 0.0, 1.0);
+        EXPECT_NEAR(body->getLinearDamping(), 0.1 * s, 1e-5);
+        EXPECT_NEAR(body->getAngularDamping(), 1.2 * s, 1e-4);
+        world.updatePhysics(static_cast<float>(SUBSTEP));
+        const dvec3 gained = own * dvec3(body->getLinearVelocity()) * (1 + 0.1 * s * SUBSTEP) - v;
+        const dvec3 turned = own * dvec3(body->getAngularVelocity()) * (1 + 1.2 * s * SUBSTEP);
+        world.removeNode(cube);
+        return {gained * (MASS / SUBSTEP), turned * (MASS * EDGE * EDGE / 6 / SUBSTEP)};
     }
-    /// Force and torque on a body in its own axes, found from what one substep does to it, without
-    /// gravity and damping.
-    struct Push {
-        dvec3 force, torque;
-    };
-    Push step(Object* object) {
-        const BodyRigid& body = *object->getBodyRigid();
-        const dmat3 to_body = transpose(object->getWorldTransform().getMat3());
-        const dvec3 gravity = to_body * object->getWGSTransform().getZ() * -G;
-        const dvec3 v(body.getLinearVelocity()), w(body.getAngularVelocity());
-        scene.world.updatePhysics(H);
-        const double h = static_cast<double>(H);
-        const auto gained = [&](const vec3& now, const dvec3& before, float damping) {
-            return to_body * (dvec3(now) * (1 + static_cast<double>(damping) * h) - before) / h;
-        };
-        const dvec3 turn = gained(body.getAngularVelocity(), w, body.getAngularDamping());
-        const Push push = {
-            (gained(body.getLinearVelocity(), v, body.getLinearDamping()) - gravity) * MASS,
-            dvec3(turn.x * (Y * Y + Z * Z), turn.y * (X * X + Z * Z), turn.z * (X * X + Y * Y)) *
-                (MASS / 12)};
-        scene.world.removeNode(object);
-        return push;
-    }
-    ShipScene scene;
 };
 
-TEST_F(BoxTest, WaterLiftsAlongTheBoxsUpWithTheSquareOfTheImmersionAndBrakes) {
+TEST_F(CubeTest, WaterLiftsWithTheSquareOfTheImmersionAndBrakesAndKeysPushTurnHeelAndTrim) {
     struct Case {
         double r, roll;
         dvec3 v; ///< own axes
+        int key;
+        double ahead; ///< force by the key for a whole share
+        dvec3 torque; ///< likewise: trim, heel, turn
     };
-    for (const auto& [r, roll, v] : {Case{-0.5, 0, {}},
-                                     {0.25, 0, {}},
-                                     {0.5, 0, {2, 3, -1}},
-                                     {1, 0, {2, 3, -1}},
-                                     {3, 20, {}}}) {
-        Object* object = box(r);
-        object->setWgsHPR({0, 0, roll});
-        BodyRigid& body = *object->getBodyRigid();
-        body.setLinearVelocity(vec3(object->getWGSTransform().getMat3() * v));
-        Ship ship(object, scene.sea);
-        ship.update();
-        const double s = std::clamp(r, 0.0, 1.0);
-        EXPECT_NEAR(ship.getBuoyancy()->getSubmerged(), s, 1e-4);
-        EXPECT_NEAR(static_cast<double>(body.getLinearDamping()), 0.1 * s, 1e-4);
-        EXPECT_NEAR(static_cast<double>(body.getAngularDamping()), 1.2 * s, 1e-3);
+    for (const auto& [r, roll, v, key, ahead, torque] :
+         {Case{-0.5, 0, {}, KEY_UP, 1e6, {2000, 0, 0}},
+          {0.3, 0, {}, KEY_RIGHT, 0, {0, 3000, -5400}},
+          {0.5, 0, {}, KEY_LEFT, 0, {0, -3000, 5400}},
+          {0.5, 0, {2, 3, -1}, KEY_DOWN, -2e6, {-2000, 0, 0}},
+          {0.7, 0, {}, KEY_UP, 1e6, {2000, 0, 0}},
+          {1, 0, {2, 3, -1}, KEY_UP, 1e6, {2000, 0, 0}},
+          {3, 20, {}, KEY_UP, 1e6, {2000, 0, 0}}}) {
+        const double s = std::clamp(r, 0.0, 1.0), weight = 9.80665 * MASS;
+        const dvec3 fall = dquat(0, -roll, 0) * dvec3(0, 0, -weight);
+        const dvec3 lift(0, 0, weight * s * s);              // of 100 kg for each m³
         const dvec3 points = v * (-24 * 0.3 * s * s * MASS); // in all directions, and the hull
         const dvec3 hull = dvec3(v.x, v.y, 0) * (-length(v) * s * 4000); // horizontally
-        const dvec3 expected = dvec3(0, 0, FULL_LIFT * s * s) + points + hull;
-        EXPECT_LT(length(step(object).force - expected), 800 + 600 * length(v)) << r; // of 54,000 N
+        const auto [force, twist] = push(r, roll, v, 0);
+        EXPECT_LT(length(force - fall - lift - points - hull), 300 + 300 * length(v)) << r;
+        // Strongest half immersed, nothing in the air or under water.
+        const double share = std::pow(0.5 - std::abs(0.5 - s), 2);
+        const auto [steered_force, steered_twist] = push(r, roll, v, key);
+        EXPECT_LT(length(steered_force - force - dvec3(0, ahead * share, 0)), 300) << r;
+        EXPECT_LT(length(steered_twist - twist - torque * share), 20) << r;
     }
 }
 
-// Strongest half immersed, nothing in the air or under water: (0.5 − |0.5 − r|)², here `share`.
-TEST_F(BoxTest, KeysPushTurnHeelAndTrimByTheirShare) {
-    struct Case {
-        int key;
-        double r, ahead; ///< force ahead for each m³ and share
-        dvec3 torque;    ///< for a whole share: trim, heel, turn
-    };
-    const Case CASES[] = {{KEY_UP, 0.7, 1000, {2000, 0, 0}},
-                          {KEY_DOWN, 0.5, -2000, {-2000, 0, 0}},
-                          {KEY_LEFT, 0.5, 0, {0, -3000, 5400}},
-                          {KEY_RIGHT, 0.3, 0, {0, 3000, -5400}}};
-    const auto push = [&](double r) {
-        Object* object = box(r);
-        Ship ship(object, scene.sea);
-        ship.setControlMode(1);
-        ship.update();
-        return step(object);
-    };
-    for (const Case& c : CASES) {
-        const Push without = push(c.r);
-        scene.control.keyDown(c.key);
-        const Push with = push(c.r);
-        scene.control.keyUp(c.key);
-        scene.control.endFrame(); // a press counts to the end of its frame
-        const double share = std::pow(0.5 - std::abs(0.5 - c.r), 2);
-        const dvec3 force(0, c.ahead * VOLUME * share, 0);
-        EXPECT_LT(length(with.force - without.force - force), 500) << c.key << ' ' << c.r;
-        EXPECT_LT(length(with.torque - without.torque - c.torque * share), 20) << c.key;
-    }
-}
-
-TEST_F(BoxTest, WithoutABoxItIsInertAndSaysSo) {
+TEST_F(CubeTest, WhatIsNoBoxIsInertAndSaysSo) {
     LogCapture log;
     BodyRigid ball(10, {});
     ball.addShape(Shape::createSphere(1));
-    Buoyancy(&ball, scene.sea).update();
+    Buoyancy(&ball, sea).update();
     EXPECT_EQ(log.lines, std::vector<std::string>{"Buoyancy::Buoyancy:first shape must be box"});
 }
 
 // ------------------------------------------------------------------ the project's ships
 
-struct Fleet {
+/// Where s² = mass / (100 · volume), and the root v of
+/// s² · volume · thrust = 7.2 · mass · s² · v + 4000 · s · v² + 0.1 · s · mass · v.
+struct Kind {
     const char* path;
-    float thrust;
-    double volume, mass;
+    float thrust; ///< that it has in the scene
+    double immersion, speed;
 };
-const Fleet FLEET[] = {{ShipScene::FRIGATE, 700, 20 * 160 * 4, 156800},
-                       {ShipScene::LANDING_SHIP, 300, 16 * 130 * 4, 65229}};
+constexpr Kind KINDS[] = {
+    {FRIGATE, 700, 0.35, 7.14},
+    {"data/PELMAR_PROJECT/prefabs/LNJ_2023/LNJ_2023.prefab", 300, 0.28, 4.48}};
 
-/// Where thrust meets drag: the root of s²VP = 7.2 m s² v + 4000 s v² + 0.1 s m v.
-double cruisingSpeed(const Fleet& f) {
-    const double s = std::sqrt(f.mass / (100 * f.volume));
-    const double a = 4000 * s, b = (7.2 * s + 0.1) * s * f.mass;
-    const double thrust = s * s * f.volume * static_cast<double>(f.thrust);
-    return (std::sqrt(b * b + 4 * a * thrust) - b) / (2 * a);
-}
-
-TEST(Ships, FloatStillAtTheirWaterlineAndSteamAtTheSpeedOfTheClosedForm) {
-    for (const Fleet& f : FLEET) {
-        ShipScene scene;
-        Ship& ship = scene.addShip(f.path, f.thrust);
-        const auto run = [&](int mode) {
-            ship.setControlMode(mode);
-            for (int i = 0; i < 60 * 60; i++)
-                scene.frame(H);
-            return ShipMotion(ship);
-        };
-        const ShipMotion still = run(0);
-        EXPECT_NEAR(ship.getBuoyancy()->getSubmerged(), std::sqrt(f.mass / (100 * f.volume)),
-                    0.002);
-        EXPECT_NEAR(still.altitude, 0, 0.01); // the hull is drawn for that waterline
-        EXPECT_NEAR(still.hpr.y, 0, 0.1);
-        EXPECT_LT(length(still.velocity), 0.02);
-
-        const ShipMotion ahead = run(2);
-        EXPECT_NEAR(ahead.velocity.y, cruisingSpeed(f), 0.05 * cruisingSpeed(f));
-        EXPECT_NEAR(ahead.velocity.x, 0, 0.05);
-        EXPECT_NEAR(ahead.hpr.z, 0, 0.1);
-    }
-}
-
-TEST(Ships, StayAfloatUprightAndOnCourseInAVeryRoughSeaAtEveryFrameRate) {
-    for (const float fixed : {1 / 144.0f, 0.1f, 0.0f}) { // 0: random, with stalls
-        SCOPED_TRACE(fixed);
-        ShipScene scene;
-        scene.sea->m_significant_height = 4;
-        scene.sea->m_peak_period = 9.6;
-        for (const Fleet& f : FLEET)
-            scene.addShip(f.path, f.thrust);
-        std::mt19937 random(3);
-        std::uniform_real_distribution<float> jitter(0.005f, 0.03f), stall(0.2f, 0.5f);
-        for (double t = 0; t < 120;) {
-            float dt = fixed;
-            if (dt == 0) dt = random() % 100 == 0 ? stall(random) : jitter(random);
-            scene.frame(dt);
-            t += static_cast<double>(dt);
-            if (t < 20) continue; // settled
-            for (const auto& ship : scene.ships) {
-                const ShipMotion motion(*ship);
-                const float immersion = ship->getBuoyancy()->getSubmerged();
-                ASSERT_LT(std::abs(motion.hpr.z), 5) << t;
-                ASSERT_LT(std::abs(motion.hpr.y), 4) << t;
-                ASSERT_TRUE(immersion > 0.05f && immersion < 0.5f) << immersion;
-                ASSERT_GT(motion.velocity.y, 1) << t;
-                ASSERT_NEAR(std::remainder(motion.hpr.x, 360), 0, 10) << t;
-            }
+struct ShipsTest : ShipScene {
+    /// Both, 500 m abreast.
+    ShipsTest() {
+        for (int i : {0, 1}) {
+            auto* prefab = new ObjectPrefab(KINDS[i].path);
+            prefab->moveBodyFromRoot();
+            place(prefab, 0);
+            prefab->setWgsPosition({LONGITUDE + 0.005 * i, LATITUDE, 0});
+            ships[i].emplace(prefab, sea).setThrust(KINDS[i].thrust);
         }
     }
+    /// A frame, at whose end `look` is called for each ship with its kind, its object, its velocity
+    /// to the east, north and up, and its immersion, which its damping tells.
+    template <class Look>
+    void frame(double dt, int mode, Look look) {
+        Engine::get()->beginFrame(static_cast<float>(dt));
+        sea->m_time += dt;
+        for (auto& ship : ships) {
+            ship->setControlMode(mode);
+            ship->update();
+        }
+        world.updatePhysics(static_cast<float>(dt));
+        for (int i : {0, 1}) {
+            const Object& object = *ships[i]->getObject();
+            const dmat3 to_local = transpose(object.getWGSTransform().getMat3());
+            look(KINDS[i], object, to_local * dvec3(ships[i]->getVelocity()),
+                 object.getBodyRigid()->getLinearDamping() / 0.1);
+        }
+    }
+    std::optional<Ship> ships[2];
+};
+
+TEST_F(ShipsTest, FloatStillAtTheirWaterlineAndSteamAtTheSpeedOfTheClosedForm) {
+    for (int i = 1; i <= 2 * 3600; i++)
+        frame(SUBSTEP, i <= 3600 ? 0 : 2,
+              [i](auto& kind, auto& ship, const dvec3& v, double immersion) {
+                  if (i % 3600) return; // not settled
+                  const bool still = i == 3600;
+                  const dvec3 hpr = ship.getWgsHPR();
+                  EXPECT_NEAR(hpr.z, 0, 0.1);
+                  EXPECT_LT(length(v - dvec3(0, still ? 0 : kind.speed, 0)), still ? 0.02 : 0.1);
+                  EXPECT_NEAR(hpr.y, 0, still ? 0.1 : 1);
+                  EXPECT_NEAR(immersion, kind.immersion, still ? 0.002 : 0.02);
+                  // The hull is drawn for that waterline.
+                  EXPECT_NEAR(EARTH.getAltitude(ship.getWorldPosition()), 0, still ? 0.01 : 0.1);
+              });
+}
+
+TEST_F(ShipsTest, StayAfloatUprightAndOnCourseInAVeryRoughSeaAtEveryFrameRate) {
+    sea->m_rough = true;
+    std::mt19937 random(3);
+    std::uniform_real_distribution<double> jitter(0.005, 0.03), stall(0.2, 0.5);
+    for (const double fixed : {1 / 144.0, 0.1, 0.0}) // 0: random, with stalls
+        for (double t = 0, dt = fixed; t < 120; t += dt) {
+            if (fixed == 0) dt = random() % 100 == 0 ? stall(random) : jitter(random);
+            frame(dt, 2, [t](auto&, auto& ship, const dvec3& v, double immersion) {
+                if (t < 20) return; // not settled
+                const dvec3 hpr = ship.getWgsHPR();
+                ASSERT_TRUE(std::abs(hpr.z) < 5 && std::abs(hpr.y) < 4) << t;
+                ASSERT_NEAR(std::remainder(hpr.x, 360), 0, 10) << t;
+                ASSERT_GT(v.y, 1) << t;
+                ASSERT_TRUE(immersion > 0.05 && immersion < 0.5) << immersion;
+            });
+        }
 }
 
 } // namespace

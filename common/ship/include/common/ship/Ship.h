@@ -42,10 +42,6 @@ public:
 
     ig::Object* getObject() const { return m_object; }
     Wakes* getWakes() const { return m_wakes; } ///< null without a node "wakes"
-    /// Null without a body.
-    const Buoyancy* getBuoyancy() const { return m_buoyancy; }
-    /// x thrust, y rudder (to the left positive), z 0.
-    const ig::vec3& getControl() const { return m_control; }
     /// m/s, world axes; zero without a body.
     ig::vec3 getVelocity() const;
 
@@ -55,9 +51,9 @@ private:
 
     ig::Object* m_object;
     ig::BodyRigid* m_body;
-    Buoyancy* m_buoyancy = nullptr; ///< owned
-    Wakes* m_wakes = nullptr;       ///< owned
-    ig::vec3 m_control;
+    Buoyancy* m_buoyancy = nullptr;   ///< owned
+    Wakes* m_wakes = nullptr;         ///< owned
+    ig::vec3 m_control;               ///< x thrust, y rudder (to the left positive), z 0
     ig::vec3 m_still_velocity;        ///< what a ship without body reports
     float m_drag = 4000.0f;           ///< of the hull fully immersed, N per (m/s)²
     float m_angular_damping = 1.2f;   ///< fully immersed, 1/s

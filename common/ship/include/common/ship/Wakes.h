@@ -17,14 +17,6 @@ class Ship;
 /// ship; `update` once per frame, before the ship's.
 class Wakes {
 public:
-    /// What an emitter's file says of it.
-    struct Emitter {
-        int id; ///< of the node
-        float life, life_spread;
-        float linear_velocity, linear_velocity_spread;
-        float spawn_rate;
-    };
-
     /// Without an ocean (null) the foam's life stays as the file says.
     Wakes(ig::Node* node, Ship* ship, ObjectOcean* ocean);
     Wakes(const Wakes&) = delete;
@@ -38,9 +30,6 @@ public:
     /// Nothing for a wake without emitters below "foam".
     void update();
 
-    /// All emitters of the wake as they were found, parents before children.
-    const ig::jVector<Emitter>& getEmitters() const { return m_emitters; }
-
 private:
     void sizeFoam();
     void followShip();
@@ -52,6 +41,5 @@ private:
     ig::jVector<ig::ObjectParticles*> m_foam_particles;
     ObjectOcean* m_ocean;
     ig::Node* m_node;
-    ig::jVector<Emitter> m_emitters;
     float m_wake_life = 30.0f;
 };
