@@ -79,4 +79,35 @@ double EllipsoidModel::getAltitude(const dvec3& world) const {
 
 dvec3 EllipsoidModel::getUp(const dvec3& world) const { return getWGSTransform(world).getZ(); }
 
+EllipsoidModel::Radii EllipsoidModel::getRadii(double latitude) const {
+    const double sine = std::sin(latitude * DEG_TO_RAD<double>), w2 = 1 - E2 * sine * sine;
+    const double prime_vertical = A / std::sqrt(w2);
+    return {prime_vertical * (1 - E2) / w2, prime_vertical};
+}
+
+dvec2 EllipsoidModel::getDegreeLengths(double latitude, double altitude) const {
+    constexpr double UNIT = DEG_TO_RAD<double>;
+    const Radii radii = getRadii(latitude);
+    return {(radii.prime_vertical + altitude) * std::cos(latitude * UNIT) * UNIT,
+            (radii.meridian + altitude) * UNIT};
+}
+
+bool EllipsoidModel::cut(const dvec3& a, const dvec3& b, double altitude, Stretch& out) const {
+    const double major = A + altitude, minor = B + altitude;
+    const auto scaled = [=](const dvec3& p) {
+        return dvec3(p.x / major, p.y / major, p.z / minor);
+    };
+    const dvec3 o = scaled(a), d = scaled(b) - o;
+    // |o + t d|² = 1
+    const double dd = dot(d, d), od = dot(o, d), c = dot(o, o) - 1;
+    const double discriminant = od * od - dd * c;
+    if (!(dd > 0) || !(discriminant >= 0)) return false;
+    const double root = std::sqrt(discriminant);
+    // Of the two forms of each root the one that doesn't cancel.
+    const double q = od > 0 ? -od - root : -od + root;
+    const double t1 = q / dd, t2 = q != 0 ? c / q : t1;
+    out = {std::min(t1, t2), std::max(t1, t2)};
+    return true;
+}
+
 } // namespace ig

@@ -71,6 +71,18 @@ TEST(EllipsoidModel, LocalFrameIsEastNorthUp) {
     EXPECT_LT(length(EARTH.getUp(w) - frame.getZ()), 1e-15);
 }
 
+TEST(EllipsoidModel, DegreesAreAsLongAsTheirChords) {
+    constexpr double STEP = 1e-3; // degrees: a chord is shorter than its arc by 5e-11 of it
+    for (const dvec3 place : {dvec3(-155, 19.7, 0), dvec3(20, -75, 4000), dvec3(0, 0, -50)}) {
+        const auto chord = [&](dvec3 half) {
+            return length(EARTH.toWorld(place + half) - EARTH.toWorld(place - half)) / STEP;
+        };
+        const dvec2 degree = EARTH.getDegreeLengths(place.y, place.z);
+        EXPECT_NEAR(degree.x, chord({STEP / 2, 0, 0}), 1e-4);
+        EXPECT_NEAR(degree.y, chord({0, STEP / 2, 0}), 1e-4);
+    }
+}
+
 TEST(EllipsoidModel, FlagFalseMeansRadians) {
     const dvec3 w = EARTH.toWorld({30, 20, 100});
     const dvec3 g = EARTH.toWGS(w, false);

@@ -31,17 +31,6 @@ const bool TYPE = NodeFactory::add("ocean", create,
                                     {number, {"speed"}, nullptr, 0, MAX_SPEED},
                                     {number, {"angle"}}});
 
-/// Metres per degree of longitude and of latitude at a latitude in degrees: the radii of curvature
-/// of the prime vertical, times the latitude's cosine, and of the meridian.
-dvec2 metresPerDegree(double latitude) {
-    constexpr double F = EllipsoidModel::FLATTENING, E2 = F * (2 - F);
-    const double phi = latitude * DEG_TO_RAD<double>, sine = std::sin(phi);
-    const double w = 1 - E2 * sine * sine;
-    const double prime_vertical = EllipsoidModel::SEMI_MAJOR_AXIS / std::sqrt(w);
-    return {prime_vertical * std::cos(phi) * DEG_TO_RAD<double>,
-            prime_vertical * (1 - E2) / w * DEG_TO_RAD<double>};
-}
-
 } // namespace
 
 ObjectOcean::ObjectOcean()
@@ -125,7 +114,7 @@ void ObjectOcean::anchor() const {
     if (position == m_anchored_at) return;
     m_anchored_at = position;
     const dvec3 geodetic = EARTH.toWGS(position);
-    const dvec2 scale = metresPerDegree(geodetic.y);
+    const dvec2 scale = EARTH.getDegreeLengths(geodetic.y);
     m_waves->setAnchor(geodetic.x, geodetic.y, scale.x, scale.y);
 }
 

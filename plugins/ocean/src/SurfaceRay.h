@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ig/math/vec.h"
+#include "ig/math/EllipsoidModel.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,10 +9,7 @@
 
 namespace ocean {
 
-/// A stretch of a segment a + (b − a) t.
-struct Stretch {
-    double begin = 0, end = 0; ///< t, within [0, 1]
-};
+using Stretch = ig::EllipsoidModel::Stretch; ///< of a segment: within [0, 1]
 
 /// The stretches of the segment a → b (earth-centred) that lie between the altitudes −depth and
 /// depth, in order, each a little longer than exact. Returns their number, 0 to 2.

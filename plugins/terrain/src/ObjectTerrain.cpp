@@ -30,18 +30,6 @@ const bool TYPE = NodeFactory::add(
     "terrain", create,
     {{NodeKeys::Kind::text, {"raster"}}, {NodeKeys::Kind::material, {"material"}}});
 
-/// Length of a degree of longitude and of latitude at a place, m.
-dvec2 getDegreeLengths(double latitude, double altitude) {
-    constexpr double A = EllipsoidModel::SEMI_MAJOR_AXIS, F = EllipsoidModel::FLATTENING;
-    constexpr double E2 = F * (2 - F);
-    const double sine = std::sin(latitude * DEG_TO_RAD<double>);
-    const double w2 = 1 - E2 * sine * sine;
-    const double prime_vertical = A / std::sqrt(w2), meridional = prime_vertical * (1 - E2) / w2;
-    return {(prime_vertical + altitude) * std::cos(latitude * DEG_TO_RAD<double>) *
-                DEG_TO_RAD<double>,
-            (meridional + altitude) * DEG_TO_RAD<double>};
-}
-
 } // namespace
 
 ObjectTerrain::ObjectTerrain() : Object(OBJECT_TERRAIN) { setNumSurfaces(1); }
@@ -77,7 +65,7 @@ bool ObjectTerrain::getAltitudeByLonLat(double longitude, double latitude, doubl
     if (altitude) *altitude = facet.altitude;
     if (normal) {
         const TerrainGrid& grid = m_field->getGrid();
-        const dvec2 degree = getDegreeLengths(latitude, facet.altitude);
+        const dvec2 degree = EARTH.getDegreeLengths(latitude, facet.altitude);
         const double east = facet.slope_u / (grid.spacing_longitude * degree.x);
         const double north = -facet.slope_v / (grid.spacing_latitude * degree.y);
         const dmat4 frame =

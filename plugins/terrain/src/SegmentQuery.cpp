@@ -5,7 +5,6 @@
 #include "ig/math/quat.h"
 
 #include <algorithm>
-#include <optional>
 
 using namespace ig;
 
@@ -26,23 +25,6 @@ constexpr double STRAIGHT = 32;
 constexpr double LONGEST_PIECE = 20000;
 /// Below the smallest radius of curvature of the ellipsoid and of all land below it, m.
 constexpr double SMALLEST_RADIUS = 6.3e6;
-
-struct Interval {
-    double begin, end;
-};
-
-/// Where the line o + t·d is inside the ellipsoid whose half-axes are the earth's, longer by
-/// `altitude`.
-std::optional<Interval> crossShell(const dvec3& o, const dvec3& d, double altitude) {
-    const double a = EllipsoidModel::SEMI_MAJOR_AXIS + altitude;
-    const double b = EllipsoidModel::SEMI_MAJOR_AXIS * (1 - EllipsoidModel::FLATTENING) + altitude;
-    const dvec3 so(o.x / a, o.y / a, o.z / b), sd(d.x / a, d.y / a, d.z / b);
-    const double dd = length2(sd), od = dot(so, sd);
-    const double discriminant = od * od - dd * (length2(so) - 1);
-    if (!(dd > 0) || !(discriminant > 0)) return {};
-    const double root = std::sqrt(discriminant);
-    return Interval{(-od - root) / dd, (-od + root) / dd};
-}
 
 /// The places where a coordinate that runs linearly from c0 to c1 takes whole values, in order.
 class WholeValues {
@@ -96,13 +78,13 @@ double SegmentQuery::solve() {
     const TerrainGrid& grid = m_field.getGrid();
     // The surface at constant altitude is not quite the ellipsoid with longer axes.
     const auto margin = [](double altitude) { return 1 + 1e-4 * std::abs(altitude); };
-    const auto outer = crossShell(m_a, m_direction, grid.highest + margin(grid.highest));
-    if (!outer) return NONE;
-    const double begin = std::max(outer->begin, 0.0), end = std::min(outer->end, 1.0);
-    const auto inner = crossShell(m_a, m_direction, grid.lowest - margin(grid.lowest));
-    if (!inner) return solveBetween(begin, end);
-    const double t = solveBetween(begin, std::min(end, inner->begin));
-    return t >= 0 ? t : solveBetween(std::max(begin, inner->end), end);
+    EllipsoidModel::Stretch outer, inner;
+    if (!EARTH.cut(m_a, m_a + m_direction, grid.highest + margin(grid.highest), outer)) return NONE;
+    const double begin = std::max(outer.begin, 0.0), end = std::min(outer.end, 1.0);
+    if (!EARTH.cut(m_a, m_a + m_direction, grid.lowest - margin(grid.lowest), inner))
+        return solveBetween(begin, end);
+    const double t = solveBetween(begin, std::min(end, inner.begin));
+    return t >= 0 ? t : solveBetween(std::max(begin, inner.end), end);
 }
 
 /// 1 for straight up, −1 for straight down, 0 for any other direction, by the altitude of the

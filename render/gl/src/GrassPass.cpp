@@ -36,7 +36,7 @@ struct Lattice {
 
     explicit Lattice(const TerrainGrid& grid) {
         const double middle = grid.north - grid.spacing_latitude * grid.rows / 2;
-        constexpr double DEGREE = EllipsoidModel::SEMI_MAJOR_AXIS * DEG_TO_RAD<double>;
+        constexpr double DEGREE = EllipsoidModel::DEGREE;
         cell = {EDGE / (DEGREE * std::max(std::cos(middle * DEG_TO_RAD<double>), 0.01)),
                 EDGE / DEGREE};
     }

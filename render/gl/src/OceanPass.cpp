@@ -16,7 +16,6 @@ namespace ig {
 namespace {
 
 constexpr int BLOCK = 31; ///< cells of the grid along an edge whose vertices stay in the cache
-constexpr double EARTH_RADIUS = 6371000; ///< m; mean
 constexpr double NOISE_PERIOD =
     14400; ///< m; a multiple of all scales that the shaders ask noise at
 /// Above these altitudes (m) waves move from geometry into the surface's roughness.
@@ -290,7 +289,9 @@ OceanPass::Fan OceanPass::fitFan(const FrameView& view, const OceanFrame& frame)
     Fan fan{};
     fan.row_height = std::max(altitude, 4 + 4 * waves);
     const float horizon =
-        1.02f * (std::sqrt(2 * static_cast<float>(EARTH_RADIUS) * std::max(altitude, 1.0f)) + 4000);
+        1.02f *
+        (std::sqrt(2 * static_cast<float>(EllipsoidModel::MEAN_RADIUS) * std::max(altitude, 1.0f)) +
+         4000);
     fan.flattest = fan.row_height / horizon;
     fan.azimuth = -PI;
     fan.azimuth_range = 2 * PI;
@@ -338,10 +339,7 @@ void OceanPass::setWaveUniforms(const FrameView& view, const OceanFrame& frame) 
 
     // The plane of the waves around the eye, to the second order: radii of curvature at its place
     // against the metres per degree at the anchor.
-    constexpr double F = EllipsoidModel::FLATTENING, E2 = F * (2 - F);
-    const double w = 1 - E2 * std::sin(latitude) * std::sin(latitude);
-    const double prime = EllipsoidModel::SEMI_MAJOR_AXIS / std::sqrt(w);
-    const double meridian = prime * (1 - E2) / w;
+    const auto [meridian, prime] = EllipsoidModel().getRadii(view.geodetic.y);
     const double cosine = std::max(std::cos(latitude), 1e-3), tangent = std::tan(latitude);
     const double kx = frame.metres_per_longitude / (prime * cosine * DEG_TO_RAD<double>);
     const double ky = frame.metres_per_latitude / (meridian * DEG_TO_RAD<double>);
@@ -393,7 +391,7 @@ void OceanPass::draw(const FrameView& view, const OceanFrame& frame, const Downw
     m_program.set("uFan", vec4(fan.azimuth, fan.azimuth_range, fan.steepest, fan.flattest));
     m_program.set("uFanSize",
                   vec4(static_cast<float>(m_columns - 1), static_cast<float>(m_rows - 1),
-                       fan.row_height, static_cast<float>(1 / (2 * EARTH_RADIUS))));
+                       fan.row_height, static_cast<float>(1 / (2 * EllipsoidModel::MEAN_RADIUS))));
     setWaveUniforms(view, frame);
     m_program.set("uWash", vec4(wash.position.x, wash.position.y, wash.radius, wash.strength));
     const WakePass::Map &near = wakes.getNear(), &far = wakes.getFar();

@@ -14,7 +14,6 @@ namespace {
 constexpr int LARGEST = 1024;           ///< texels; finer detail is lost at a radar's resolution
 constexpr float SEA_BED = -20;          ///< m; also where there is no data
 constexpr float WET = 0.2f, DRY = 1.5f; ///< m: no land below, nothing but land above
-constexpr double DEGREE = EllipsoidModel::SEMI_MAJOR_AXIS * DEG_TO_RAD<double>; ///< m
 
 std::uint8_t toByte(float value) { // 0 to 1
     return static_cast<std::uint8_t>(std::lround(std::clamp(value, 0.0f, 1.0f) * 255));
@@ -53,8 +52,9 @@ void RadarLand::fill(const TerrainGrid& grid) {
     for (int row = 0; row < grid.rows; row += m_step) {
         const double latitude = (grid.north - row * grid.spacing_latitude) * DEG_TO_RAD<double>;
         const double east = grid.spacing_longitude * std::max(std::cos(latitude), 0.01);
-        const auto across_east = static_cast<float>(2 * m_step * DEGREE * east);
-        const auto across_north = static_cast<float>(2 * m_step * DEGREE * grid.spacing_latitude);
+        const auto across_east = static_cast<float>(2 * m_step * EllipsoidModel::DEGREE * east);
+        const auto across_north =
+            static_cast<float>(2 * m_step * EllipsoidModel::DEGREE * grid.spacing_latitude);
         for (int column = 0; column < grid.columns; column += m_step, out += 4) {
             const float rise_east = height(column + m_step, row) - height(column - m_step, row);
             const float rise_north = height(column, row - m_step) - height(column, row + m_step);
@@ -80,10 +80,7 @@ void RadarLand::bind(gl::Program& program, const FrameView& view, float texel) c
         return;
     }
     const double latitude = view.geodetic.y * DEG_TO_RAD<double>;
-    constexpr double F = EllipsoidModel::FLATTENING, E2 = F * (2 - F);
-    const double w = 1 - E2 * std::sin(latitude) * std::sin(latitude);
-    const double prime = EllipsoidModel::SEMI_MAJOR_AXIS / std::sqrt(w); // radii of curvature
-    const double meridian = prime * (1 - E2) / w;
+    const auto [meridian, prime] = EllipsoidModel().getRadii(view.geodetic.y);
     const double tangent = std::tan(latitude), cosine = std::max(std::cos(latitude), 1e-3);
     program.set("uBend", vec2{static_cast<float>(tangent / meridian),
                               static_cast<float>(tangent / (2 * prime))});

@@ -17,8 +17,6 @@ namespace ig {
 
 namespace {
 
-constexpr double EARTH_RADIUS = 6371000;
-
 constexpr float LEAST_TEXELS = 2.2f;   ///< half the edge of the smallest rectangle
 constexpr float BLIND_RANGE = 150;     ///< m: the radar still sends when nearer echoes come back
 constexpr float FLAT = 2;              ///< m: what is lower reflects everything away
@@ -29,7 +27,7 @@ constexpr float LEAST_STRENGTH = 0.1f; ///< weaker targets are lost in the noise
 // doesn't repeat within a picture.
 constexpr double CELLS_WIDE = 41000, CELLS_FINE = 17300;
 constexpr float GRAIN = 60; ///< smallest edge of the speckle's grains, m
-constexpr double DEGREE = EllipsoidModel::SEMI_MAJOR_AXIS * DEG_TO_RAD<double>; ///< m
+constexpr double DEGREE = EllipsoidModel::DEGREE;
 
 float fraction(double x) { return static_cast<float>(x - std::floor(x)); }
 
@@ -197,7 +195,8 @@ void RadarPass::drawGround(const FrameView& view, const FrameInfo& frame, const 
     m_ground.set("uBack", vec3(c[0].z, c[1].z, c[2].z));
     const auto altitude = static_cast<float>(view.geodetic.z);
     const float texel = view.pixel_angle * (view.orthographic ? 1 : std::max(altitude, 1.0f));
-    m_ground.set("uSite", vec4(altitude, static_cast<float>(0.5 / EARTH_RADIUS), texel, gain));
+    m_ground.set("uSite", vec4(altitude, static_cast<float>(0.5 / EllipsoidModel::MEAN_RADIUS),
+                               texel, gain));
     m_ground.set("uParallel", view.orthographic ? 1 : 0);
     m_ground.set("uBlind", BLIND_RANGE);
     m_land.bind(m_ground, view, texel);

@@ -35,7 +35,7 @@ std::uint32_t packNormal(const vec3& n) {
 /// Metres per sample to the east and to the north at a row.
 dvec2 spacing(const TerrainGrid& grid, double row) {
     const double latitude = (grid.north - row * grid.spacing_latitude) * DEG_TO_RAD<double>;
-    constexpr double DEGREE = EllipsoidModel::SEMI_MAJOR_AXIS * DEG_TO_RAD<double>;
+    constexpr double DEGREE = EllipsoidModel::DEGREE;
     return {grid.spacing_longitude * DEGREE * std::max(std::cos(latitude), 0.01),
             grid.spacing_latitude * DEGREE};
 }

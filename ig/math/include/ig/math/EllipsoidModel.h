@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ig/math/mat.h"
+#include "ig/math/quat.h"
 
 namespace ig {
 
@@ -18,6 +18,9 @@ class EllipsoidModel {
 public:
     static constexpr double SEMI_MAJOR_AXIS = 6378137.0;
     static constexpr double FLATTENING = 1.0 / 298.257223563;
+    static constexpr double MEAN_RADIUS = 6371000; ///< where a sphere will do
+    /// Of longitude on the equator, m.
+    static constexpr double DEGREE = SEMI_MAJOR_AXIS * DEG_TO_RAD<double>;
 
     dvec3 toWGS(const dvec3& world, bool degrees = true) const;
     dvec3 toWorld(const dvec3& geodetic, bool degrees = true) const;
@@ -29,6 +32,24 @@ public:
     double getAltitude(const dvec3& world) const;
     /// The outward normal of the ellipsoid below a world position: the local vertical.
     dvec3 getUp(const dvec3& world) const;
+
+    /// Radii of curvature at a latitude (degrees): along the meridian a (1 − e²) / w³ and across
+    /// it, in the prime vertical, a / w, with w² = 1 − e² sin²φ (W. Torge, "Geodesy", 4.1.3).
+    struct Radii {
+        double meridian, prime_vertical;
+    };
+    Radii getRadii(double latitude) const;
+    /// Lengths of a degree of longitude and of one of latitude at a place (degrees), m.
+    dvec2 getDegreeLengths(double latitude, double altitude = 0) const;
+
+    /// A stretch of the line a + (b − a) t.
+    struct Stretch {
+        double begin = 0, end = 0; ///< t
+    };
+    /// What of the line a → b lies inside the ellipsoid that is `altitude` larger than the earth's
+    /// in both axes; it departs from the surface of that altitude by less than 1 % of it. False
+    /// when the line passes by.
+    bool cut(const dvec3& a, const dvec3& b, double altitude, Stretch& out) const;
 };
 
 } // namespace ig
