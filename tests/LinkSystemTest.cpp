@@ -37,7 +37,7 @@ struct TimedRecord {
 std::vector<TimedRecord> recordedFlight(std::int64_t first, double seconds) {
     std::vector<TimedRecord> records;
     flightsim::RecordingReader reader;
-    EXPECT_TRUE(reader.open("data/recordings/helicopter_flight.hrec")) << reader.message();
+    EXPECT_TRUE(reader.open("data/recordings/helicopter_flight.hrec")) << reader.getMessage();
     flightsim::Record record;
     double start = -1;
     while (reader.next(record) == flightsim::ReadStatus::record) {

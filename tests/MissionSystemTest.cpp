@@ -33,17 +33,17 @@ public:
     /// The frame of the present record, and on to the next one. False at the end.
     bool step() {
         constexpr double interval = 0.1;
-        scene.send(flight->record());
-        ocean->setBeaufort(flight->record().sea_code); // as the channel does
+        scene.send(flight->getRecord());
+        ocean->setBeaufort(flight->getRecord().sea_code); // as the channel does
         scene.frame(interval);
         const auto answer = scene.feedback();
         if (answer) feedback = *answer;
         if (answer) flight->takeFeedback(*answer);
         flight->advance(interval);
-        return !flight->finished() && flight->fault().empty();
+        return !flight->isFinished() && flight->getFault().empty();
     }
-    const std::string& leg() const { return flight->guidance().leg().name; }
-    double legTime() const { return flight->time() - flight->guidance().legTime(); }
+    const std::string& leg() const { return flight->getGuidance().getLeg().name; }
+    double legTime() const { return flight->getTime() - flight->getGuidance().getLegTime(); }
     /// Of the helicopter in the frame of the frigate: to starboard, ahead.
     dvec3 fromFrigate() const {
         const Node* frigate = scene.world->getNodeByName("SM_055_CN_2023");
@@ -69,7 +69,7 @@ void expectMeets(MissionRun&& run, const std::vector<Station>& stations) {
     std::set<std::string> met;
     while (run.step()) {
         if (met.contains(stations.back().leg) && run.leg() != stations.back().leg) break;
-        const double height = run.feedback.height_above_ground, time = run.flight->time();
+        const double height = run.feedback.height_above_ground, time = run.flight->getTime();
         if (time > 1) { // the wheels reach down 1.22 m and give a little
             ASSERT_GT(height, 1.1) << time;
         }
@@ -82,7 +82,7 @@ void expectMeets(MissionRun&& run, const std::vector<Station>& stations) {
             ASSERT_NEAR(height, station.height, 2.5) << time;
         }
     }
-    EXPECT_EQ(run.flight->fault(), "");
+    EXPECT_EQ(run.flight->getFault(), "");
     EXPECT_EQ(met.size(), stations.size());
 }
 

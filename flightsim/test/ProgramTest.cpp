@@ -97,8 +97,8 @@ TEST(Program, NamesAPortInUseAndCanDoWithoutIt) {
     ASSERT_TRUE(taken.bind(0, message) && channel.bind(0, message)) << message;
     const std::string line =
         "replay " + RECORDED_FLIGHT +
-        " --hold 1500 --seconds 0.1 --to 127.0.0.1:" + std::to_string(channel.port());
-    const std::string port = std::to_string(taken.port());
+        " --hold 1500 --seconds 0.1 --to 127.0.0.1:" + std::to_string(channel.getPort());
+    const std::string port = std::to_string(taken.getPort());
     expectRun(line + " --listen " + port, 1, "UDP port " + port);
     expectRun(line + " --no-feedback", 0, "sent      5 records");
 }

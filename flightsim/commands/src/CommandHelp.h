@@ -58,8 +58,8 @@ inline void addLinkOptions(CLI::App& sub, std::shared_ptr<void> owner, LinkOptio
 
 /// Tells where records go, before the first one.
 inline void printLink(const HostLink& link) {
-    std::printf("sending to %s", link.destination().c_str());
-    if (link.listenPort() != 0) std::printf(", feedback on port %d", link.listenPort());
+    std::printf("sending to %s", link.getDestination().c_str());
+    if (link.getListenPort() != 0) std::printf(", feedback on port %d", link.getListenPort());
     std::printf("\n");
     std::fflush(stdout);
 }

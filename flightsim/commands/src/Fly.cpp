@@ -25,7 +25,7 @@ bool Fly::open(const FlyOptions& options, std::string& message) {
     if (!m_link.open(options.link, message)) return false;
     if (options.record.empty() || m_writer.open(options.record, RecordingFormat::whole, wallNow()))
         return true;
-    message = m_writer.message();
+    message = m_writer.getMessage();
     return false;
 }
 
@@ -36,24 +36,24 @@ bool Fly::run(const StopFlag& stop, std::string& message) {
     bool good = true;
     for (std::int64_t n = 0; good; n++) {
         if (m_options.seconds >= 0 && double(n) * interval >= m_options.seconds) break;
-        if (flight->finished() && m_options.loop)
+        if (flight->isFinished() && m_options.loop)
             flight = std::make_unique<MissionFlight>(m_mission, m_plan.legs);
         // Whole numbers of records, so that a long flight doesn't drift from the clock.
         const auto time_ns = static_cast<std::int64_t>(
             std::llround(double(n) * double(NS_PER_SECOND) / m_options.rate));
-        const UdpRecvData& now = flight->record();
+        const UdpRecvData& now = flight->getRecord();
         if (!m_link.sendAt(time_ns, {reinterpret_cast<const std::uint8_t*>(&now), sizeof now},
                            stop))
             break;
         good = record(time_ns, now);
-        if (flight->finished()) break;
+        if (flight->isFinished()) break;
         takeFeedback(*flight);
         flight->advance(interval);
-        if (!flight->fault().empty()) break;
+        if (!flight->getFault().empty()) break;
     }
-    message = flight->fault();
-    if (!m_writer.close() && !m_writer.message().empty()) {
-        if (message.empty()) message = m_writer.message();
+    message = flight->getFault();
+    if (!m_writer.close() && !m_writer.getMessage().empty()) {
+        if (message.empty()) message = m_writer.getMessage();
         m_writer.discard(); // the mission can be flown again
     }
     std::string link_message;
@@ -74,10 +74,10 @@ bool Fly::record(std::int64_t time_ns, const UdpRecvData& record) {
 }
 
 void Fly::takeFeedback(MissionFlight& flight) {
-    const std::int64_t received = m_link.feedback().received;
+    const std::int64_t received = m_link.getFeedback().received;
     if (received == m_feedback_taken) return;
     m_feedback_taken = received;
-    flight.takeFeedback(*m_link.lastFeedback());
+    flight.takeFeedback(*m_link.getLastFeedback());
 }
 
 bool Fly::printProfile(std::FILE* out, std::string& message) const {
@@ -87,15 +87,15 @@ bool Fly::printProfile(std::FILE* out, std::string& message) const {
     double next_row = 0;
     for (std::int64_t n = 0;; n++) {
         const bool over = m_options.seconds >= 0 && double(n) * interval >= m_options.seconds;
-        const bool last = over || flight.finished() || !flight.fault().empty();
-        if (last || flight.time() + interval / 2 > next_row) {
+        const bool last = over || flight.isFinished() || !flight.getFault().empty();
+        if (last || flight.getTime() + interval / 2 > next_row) {
             std::fprintf(out, "%s\n", flight.profileRow().c_str());
             next_row += 1;
         }
         if (last) break;
         flight.advance(interval);
     }
-    message = flight.fault();
+    message = flight.getFault();
     return message.empty();
 }
 

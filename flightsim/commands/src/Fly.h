@@ -32,9 +32,9 @@ public:
     /// Opens only the mission; enough for `printProfile`.
     bool openMission(const FlyOptions& options, std::string& message);
 
-    const Mission& mission() const { return m_mission; }
-    const FlightPlan& plan() const { return m_plan; }
-    const HostLink& link() const { return m_link; }
+    const Mission& getMission() const { return m_mission; }
+    const FlightPlan& getPlan() const { return m_plan; }
+    const HostLink& getLink() const { return m_link; }
 
     /// Sends until the end or until `stop` is set. False with `message` when the mission can't be
     /// flown to its end or a file fails.

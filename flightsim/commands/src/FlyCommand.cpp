@@ -10,10 +10,10 @@ namespace flightsim {
 namespace {
 
 void printPlan(const Fly& fly) {
-    const std::string& name = fly.mission().name;
+    const std::string& name = fly.getMission().name;
     std::printf("mission   %s, %zu legs, %.1f s\n",
-                name.empty() ? fly.mission().path.c_str() : name.c_str(), fly.plan().legs.size(),
-                fly.plan().seconds);
+                name.empty() ? fly.getMission().path.c_str() : name.c_str(),
+                fly.getPlan().legs.size(), fly.getPlan().seconds);
     std::fflush(stdout);
 }
 
@@ -22,14 +22,14 @@ int runFly(const FlyOptions& options, bool dry_run) {
     std::string message;
     const bool opened = dry_run ? fly.openMission(options, message) : fly.open(options, message);
     if (!opened) return printFailure("fly", message);
-    printWarning("fly", fly.plan().warning);
+    printWarning("fly", fly.getPlan().warning);
     printPlan(fly);
     if (dry_run)
         return fly.printProfile(stdout, message) && endOutput(message)
                    ? 0
                    : printFailure("fly", message);
     const StopFlag& stop = stopOnSignals(); // until here a signal ends it at once
-    printLink(fly.link());
+    printLink(fly.getLink());
     return fly.run(stop, message) ? 0 : printFailure("fly", message);
 }
 

@@ -11,7 +11,7 @@ namespace {
 
 int runRecord(const RecorderOptions& options) {
     return runUntilStopped<Recorder>("record", options, [&](const Recorder& recorder) {
-        std::printf("recording port %d into %s\n", recorder.port(), options.file.c_str());
+        std::printf("recording port %d into %s\n", recorder.getPort(), options.file.c_str());
         std::fflush(stdout);
     });
 }

@@ -16,14 +16,14 @@ bool Recorder::open(const RecorderOptions& options, std::string& message) {
         if (!m_forward || !m_forwarder.open(message)) return false;
     }
     if (!m_socket.bind(options.port, message)) return false;
-    if (m_forward && m_forward->isLoopback(m_socket.port())) {
+    if (m_forward && m_forward->isLoopback(m_socket.getPort())) {
         message = "\"" + options.forward + "\" is the port that is recorded";
         return false;
     }
     m_start_ns = steadyNow();
     m_next_line_ns = m_start_ns + NS_PER_SECOND;
     if (m_writer.open(options.file, RecordingFormat::whole, wallNow())) return true;
-    message = m_writer.message();
+    message = m_writer.getMessage();
     return false;
 }
 
@@ -41,9 +41,9 @@ bool Recorder::run(const StopFlag& stop, std::string& message) {
     }
     good = m_writer.close() && good;
     if (!good) {
-        message = m_writer.message();
-        if (m_writer.records() > 0)
-            message += "; the first " + std::to_string(m_writer.records()) + " records are kept";
+        message = m_writer.getMessage();
+        if (m_writer.getRecords() > 0)
+            message += "; the first " + std::to_string(m_writer.getRecords()) + " records are kept";
     }
     printSummary(end_ns);
     return good;
@@ -52,7 +52,7 @@ bool Recorder::run(const StopFlag& stop, std::string& message) {
 /// The main loop. False when the file can't be written.
 bool Recorder::record(std::int64_t until_ns, const StopFlag& stop) {
     constexpr std::int64_t LOOK_AT_STOP_NS = NS_PER_SECOND / 5;
-    while (!stop && !full()) {
+    while (!stop && !isFull()) {
         const std::int64_t now_ns = steadyNow();
         if (now_ns >= until_ns) break;
         if (now_ns >= m_next_line_ns) {
@@ -61,7 +61,7 @@ bool Recorder::record(std::int64_t until_ns, const StopFlag& stop) {
         }
         if (m_socket.waitReadable(std::min({until_ns, m_next_line_ns, now_ns + LOOK_AT_STOP_NS})))
             takeOne(until_ns);
-        if (!m_writer.message().empty()) return false;
+        if (!m_writer.getMessage().empty()) return false;
     }
     return true;
 }
@@ -70,7 +70,7 @@ bool Recorder::record(std::int64_t until_ns, const StopFlag& stop) {
 /// in after `latest_ns`, or when the file is full or can't be written.
 bool Recorder::takeOne(std::int64_t latest_ns) {
     std::array<std::uint8_t, MAX_DATAGRAM_SIZE> buffer;
-    if (full()) return false;
+    if (isFull()) return false;
     const auto arrival = m_socket.receive(buffer);
     if (!arrival || arrival->steady_ns > latest_ns) return false;
     const auto datagram = std::span(buffer).first(std::min(arrival->size, buffer.size()));
@@ -80,9 +80,9 @@ bool Recorder::takeOne(std::int64_t latest_ns) {
     return m_writer.append(arrival->steady_ns - m_start_ns, datagram);
 }
 
-bool Recorder::full() const {
+bool Recorder::isFull() const {
     return m_options.size_limit_mb > 0 &&
-           double(m_writer.size()) + double(MAX_DATAGRAM_SIZE) > m_options.size_limit_mb * 1e6;
+           double(m_writer.getSize()) + double(MAX_DATAGRAM_SIZE) > m_options.size_limit_mb * 1e6;
 }
 
 void Recorder::showLine(std::int64_t now_ns) {
@@ -91,7 +91,7 @@ void Recorder::showLine(std::int64_t now_ns) {
     std::fprintf(m_options.out, "%7.1f s %9lld datagrams, %4lld in the last second, %.1f MB\n",
                  double(now_ns - m_start_ns) * 1e-9, static_cast<long long>(m_stats.datagrams),
                  static_cast<long long>(m_stats.datagrams - m_line_datagrams),
-                 double(m_writer.size()) * 1e-6);
+                 double(m_writer.getSize()) * 1e-6);
     std::fflush(m_options.out);
     m_line_datagrams = m_stats.datagrams;
 }
@@ -99,9 +99,9 @@ void Recorder::showLine(std::int64_t now_ns) {
 void Recorder::printSummary(std::int64_t end_ns) const {
     std::fprintf(
         m_options.out, "recorded  %lld of %lld datagrams in %.2f s, %lld came not of %zu bytes%s\n",
-        static_cast<long long>(m_writer.records()), static_cast<long long>(m_stats.datagrams),
+        static_cast<long long>(m_writer.getRecords()), static_cast<long long>(m_stats.datagrams),
         double(end_ns - m_start_ns) * 1e-9, static_cast<long long>(m_stats.unusual),
-        sizeof(UdpRecvData), full() ? "; the size limit is reached" : "");
+        sizeof(UdpRecvData), isFull() ? "; the size limit is reached" : "");
     if (m_forward)
         std::fprintf(m_options.out, "forwarded to %s, %lld refused by the system\n",
                      m_forward->text().c_str(), static_cast<long long>(m_stats.forward_failures));

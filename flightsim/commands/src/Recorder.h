@@ -36,17 +36,17 @@ public:
     /// Opens port and file. False with `message` when one of them or the address can't be used; the
     /// file is touched last.
     bool open(const RecorderOptions& options, std::string& message);
-    int port() const { return m_socket.port(); }
+    int getPort() const { return m_socket.getPort(); }
     /// Records until `stop` is set, the time is over or the file has reached its limit. What had
     /// come in before the end is in the file. False with `message` when it can't be written: what
     /// came in before that can't be had again, so its whole records stay in the file.
     bool run(const StopFlag& stop, std::string& message);
-    const RecorderStats& stats() const { return m_stats; }
+    const RecorderStats& getStats() const { return m_stats; }
 
 private:
     bool record(std::int64_t until_ns, const StopFlag& stop);
     bool takeOne(std::int64_t latest_ns);
-    bool full() const;
+    bool isFull() const;
     void showLine(std::int64_t now_ns);
     void printSummary(std::int64_t end_ns) const;
 

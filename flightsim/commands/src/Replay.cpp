@@ -20,7 +20,7 @@ bool ReplaySource::open(const ReplayOptions& options, std::string& message) {
     m_held.clear();
     m_held_sent = 0;
     if (!m_reader.open(options.file)) {
-        message = m_reader.message();
+        message = m_reader.getMessage();
         return false;
     }
     m_selection = options.hold ? Selection{} : Selection::ofSeconds(options.from, options.seconds);
@@ -46,7 +46,7 @@ std::optional<ReplaySource::Step> ReplaySource::next(std::string& message) {
         Record record;
         const ReadStatus status = m_reader.next(record);
         if (status == ReadStatus::malformed) {
-            message = m_reader.message();
+            message = m_reader.getMessage();
             return std::nullopt;
         }
         if (status != ReadStatus::record || record.time_ns >= m_selection.until_ns) {

@@ -34,7 +34,7 @@ public:
     };
     /// Nothing at the end, or, with `message`, when the file changed since it was checked.
     std::optional<Step> next(std::string& message);
-    const Survey& survey() const { return m_survey; }
+    const Survey& getSurvey() const { return m_survey; }
 
 private:
     bool openHeld(std::string& message);
@@ -56,10 +56,10 @@ public:
     /// False with `message` when the recording, an address, a port or a file can't be used.
     bool open(const ReplayOptions& options, std::string& message);
     /// Not empty: what is doubtful about the recording, though it can be used.
-    const std::string& warning() const { return m_source.survey().warning; }
+    const std::string& getWarning() const { return m_source.getSurvey().warning; }
     /// Sends until the end or until `stop` is set. False with `message` when a file fails.
     bool run(const StopFlag& stop, std::string& message);
-    const HostLink& link() const { return m_link; }
+    const HostLink& getLink() const { return m_link; }
 
 private:
     ReplayOptions m_options;

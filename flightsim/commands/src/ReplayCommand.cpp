@@ -11,8 +11,8 @@ namespace {
 
 int runReplay(const ReplayOptions& options) {
     return runUntilStopped<Replay>("replay", options, [](const Replay& replay) {
-        printWarning("replay", replay.warning());
-        printLink(replay.link());
+        printWarning("replay", replay.getWarning());
+        printLink(replay.getLink());
     });
 }
 

@@ -18,7 +18,7 @@ public:
         std::string message;
         EXPECT_TRUE(m_socket.bind(0, message)) << message;
     }
-    std::string address() const { return "127.0.0.1:" + std::to_string(m_socket.port()); }
+    std::string address() const { return "127.0.0.1:" + std::to_string(m_socket.getPort()); }
     /// Waits for `count` datagrams, for a minute at most.
     std::vector<TimedBytes> take(std::size_t count) {
         std::vector<TimedBytes> result;
@@ -85,11 +85,11 @@ protected:
         });
     }
 
-    /// All have left, and none before it was due: who doesn't wait is early on average.
+    /// All have left, and none before it was due: a sender that doesn't wait is early on average.
     static void expectPaced(const HostLink& link, std::int64_t count) {
-        EXPECT_EQ(link.sent(), count);
-        EXPECT_EQ(link.pacing().count, count);
-        EXPECT_GE(link.pacing().mean_us(), 0);
+        EXPECT_EQ(link.getSent(), count);
+        EXPECT_EQ(link.getPacing().count, count);
+        EXPECT_GE(link.getPacing().mean_us(), 0);
     }
 
     std::FILE* out = std::fopen("/dev/null", "w"); ///< swallows what the programs print
@@ -112,7 +112,7 @@ TEST_F(Loopback, AReplayIsRecordedUnchangedAndPassedOnInItsOwnTime) {
     std::thread thread = start(recorder);
     Replay replay;
     StopFlag never = false;
-    const std::string to = "127.0.0.1:" + std::to_string(recorder.port());
+    const std::string to = "127.0.0.1:" + std::to_string(recorder.getPort());
     EXPECT_TRUE(replay.open(replayOptions(in.path, to), message)) << message;
     EXPECT_TRUE(replay.run(never, message)) << message;
     stop = true; // what waits in the socket is recorded all the same
@@ -124,8 +124,8 @@ TEST_F(Loopback, AReplayIsRecordedUnchangedAndPassedOnInItsOwnTime) {
         ASSERT_EQ(recorded[i].bytes, records[i].bytes) << i;
         ASSERT_EQ(forwarded[i].bytes, records[i].bytes) << i;
     }
-    EXPECT_EQ(recorder.stats().unusual, 6); // 3, 10, 17 … 38
-    expectPaced(replay.link(), 40);
+    EXPECT_EQ(recorder.getStats().unusual, 6); // 3, 10, 17 … 38
+    expectPaced(replay.getLink(), 40);
 }
 
 TEST_F(Loopback, AReplayCountsFeedbackAndIsNotHeldUpByAFlood) {
@@ -136,15 +136,15 @@ TEST_F(Loopback, AReplayCountsFeedbackAndIsNotHeldUpByAFlood) {
     auto options = replayOptions(file.path, receiver.address());
     options.link.feedback_csv = csv.path;
     ASSERT_TRUE(replay.open(options, message)) << message;
-    Sender channel(replay.link().listenPort());
+    Sender channel(replay.getLink().getListenPort());
     std::vector<std::int32_t> numbers = {5, 6, 9, 9};
     numbers.resize(4 + FLOOD, 9);
     for (const std::int32_t frame : numbers)
         EXPECT_TRUE(channel.send(ByteBuilder().add(frame).add(Bytes(104)).bytes));
     channel.send(Bytes(3000));
     EXPECT_TRUE(replay.run(stop, message)) << message;
-    expectPaced(replay.link(), 50);
-    const FeedbackStats& stats = replay.link().feedback();
+    expectPaced(replay.getLink(), 50);
+    const FeedbackStats& stats = replay.getLink().getFeedback();
     EXPECT_EQ(stats.malformed, 1);
     EXPECT_EQ(stats.skipped, 2);
     EXPECT_EQ(stats.received, 4 + FLOOD);
@@ -167,7 +167,7 @@ TEST_F(Loopback, AReplayStopsWithinALongPause) {
     EXPECT_EQ(receiver.take(1).size(), 1u);
     stop = true;
     thread.join();
-    EXPECT_EQ(replay.link().sent(), 1);
+    EXPECT_EQ(replay.getLink().getSent(), 1);
 }
 
 TEST_F(Loopback, ARecorderStopsAtItsSizeLimit) {
@@ -180,7 +180,7 @@ TEST_F(Loopback, ARecorderStopsAtItsSizeLimit) {
     options.out = out;
     Recorder recorder;
     ASSERT_TRUE(recorder.open(options, message)) << message;
-    Sender sender(recorder.port());
+    Sender sender(recorder.getPort());
     std::atomic<bool> over = false;
     std::thread thread([&] {
         while (!over)
@@ -208,7 +208,7 @@ TEST_F(Loopback, AFlightSendsRecordsAtItsRateAboveTheGroundThatTheChannelReports
     options.record = flown.path;
     Fly fly;
     ASSERT_TRUE(fly.open(options, message)) << message;
-    Sender channel(fly.link().listenPort());
+    Sender channel(fly.getLink().getListenPort());
     std::thread thread = start(fly);
     const std::int64_t up_ns = steadyNow() + NS_PER_SECOND / 4; // the channel takes time to start
     sleepUntil(up_ns);
@@ -233,7 +233,7 @@ TEST_F(Loopback, AFlightSendsRecordsAtItsRateAboveTheGroundThatTheChannelReports
     ASSERT_EQ(received.size(), 100u); // 20 s of flight, ten times as fast as life
     ASSERT_EQ(recorded.size(), 100u);
     EXPECT_GE(received[0].time_ns, up_ns) << "the first one would be missed";
-    expectPaced(fly.link(), 100);
+    expectPaced(fly.getLink(), 100);
     for (std::size_t i = 0; i < received.size(); i++) {
         ASSERT_EQ(recorded[i], (TimedBytes{std::int64_t(i) * 20 * NS_PER_MS, received[i].bytes}));
         std::memcpy(&record, received[i].bytes.data(), sizeof record);

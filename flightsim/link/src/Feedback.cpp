@@ -75,15 +75,15 @@ std::string FeedbackTable::heading() {
 }
 
 std::string FeedbackTable::row(double time_s, std::int64_t sent, const FeedbackMonitor& monitor) {
-    const FeedbackStats& stats = monitor.stats();
+    const FeedbackStats& stats = monitor.getStats();
     const double span_s = time_s - m_time_s;
     const double rate = span_s > 0 ? double(stats.received - m_received) / span_s : 0;
     m_time_s = time_s;
     m_received = stats.received;
     std::string line =
         column(time_s, 6, 1) + column(sent, 9) + column(stats.received, 10) + column(rate, 7, 1);
-    if (!monitor.last()) return line + "          - (nothing has come back yet)";
-    const UdpSendData& f = *monitor.last();
+    if (!monitor.getLast()) return line + "          - (nothing has come back yet)";
+    const UdpSendData& f = *monitor.getLast();
     return line + column(std::int64_t{f.frame}, 11) + column(stats.skipped, 8) +
            column(stats.duplicated, 6) + column(f.ground_latitude, 13, 7) +
            column(f.ground_longitude, 14, 7) + column(f.height_above_ground, 10, 2) +

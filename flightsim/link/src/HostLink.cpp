@@ -26,7 +26,7 @@ void HostLink::awaitFeedback(double seconds, const StopFlag& stop) {
     constexpr std::int64_t LOOK_AT_STOP_NS = NS_PER_SECOND / 5;
     const std::int64_t end_ns = steadyNow() + std::llround(seconds * double(NS_PER_SECOND));
     std::int64_t now_ns = steadyNow();
-    for (; !stop && feedback().received == 0 && now_ns < end_ns; now_ns = steadyNow())
+    for (; !stop && getFeedback().received == 0 && now_ns < end_ns; now_ns = steadyNow())
         if (m_listener.waitReadable(std::min(end_ns, now_ns + LOOK_AT_STOP_NS))) receiveOne();
     m_start_ns = now_ns;
     m_next_row_ns = m_start_ns + NS_PER_SECOND;
@@ -102,8 +102,8 @@ bool HostLink::finish(std::string& message) {
 }
 
 void HostLink::printSummary(double seconds) {
-    const PacingStats& p = pacing();
-    const FeedbackStats& f = feedback();
+    const PacingStats& p = getPacing();
+    const FeedbackStats& f = getFeedback();
     std::FILE* out = m_options.out;
     const auto ll = [](std::int64_t n) { return static_cast<long long>(n); };
     std::fprintf(out, "sent      %lld records in %.2f s, %lld refused by the system%s%s\n",

@@ -106,7 +106,7 @@ bool UdpSocket::bind(int port, std::string& message) {
     return false;
 }
 
-int UdpSocket::port() const {
+int UdpSocket::getPort() const {
     sockaddr_in address{};
     socklen_t size = sizeof address;
     if (m_socket < 0 || getsockname(m_socket, reinterpret_cast<sockaddr*>(&address), &size) != 0)

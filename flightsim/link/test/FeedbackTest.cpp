@@ -28,13 +28,13 @@ TEST(Feedback, CountsGapsRepeatsRestartsAndWrongSizes) {
     for (const std::size_t size : {0u, 107u, 109u, 2048u})
         EXPECT_FALSE(monitor.take(Bytes(size), time_ns));
     take(GREATEST); // a new channel
-    EXPECT_EQ(monitor.stats().received, 8);
-    EXPECT_EQ(monitor.stats().malformed, 4);
-    EXPECT_EQ(monitor.stats().gaps, 2);
-    EXPECT_EQ(monitor.stats().skipped, 3 + (std::int64_t{GREATEST} - 107));
-    EXPECT_EQ(monitor.stats().duplicated, 1);
-    EXPECT_EQ(monitor.stats().backward, 1);
-    EXPECT_NEAR(monitor.stats().rate(), 20.0, 1e-9);
+    EXPECT_EQ(monitor.getStats().received, 8);
+    EXPECT_EQ(monitor.getStats().malformed, 4);
+    EXPECT_EQ(monitor.getStats().gaps, 2);
+    EXPECT_EQ(monitor.getStats().skipped, 3 + (std::int64_t{GREATEST} - 107));
+    EXPECT_EQ(monitor.getStats().duplicated, 1);
+    EXPECT_EQ(monitor.getStats().backward, 1);
+    EXPECT_NEAR(monitor.getStats().rate(), 20.0, 1e-9);
 }
 
 TEST(Feedback, TableShowsTheLastSecond) {

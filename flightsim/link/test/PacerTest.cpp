@@ -27,10 +27,10 @@ TEST(Pacer, LateSendsDoNotShiftWhatFollows) {
         squares += double(late_ns) * double(late_ns);
         worst = std::max(worst, double(late_ns));
     }
-    EXPECT_EQ(pacer.stats().count, N);
-    EXPECT_NEAR(pacer.stats().rms_us(), std::sqrt(squares / N) * 1e-3, 1e-6);
-    EXPECT_NEAR(pacer.stats().max_us(), worst * 1e-3, 1e-6);
-    EXPECT_EQ(pacer.stats().moved, 0);
+    EXPECT_EQ(pacer.getStats().count, N);
+    EXPECT_NEAR(pacer.getStats().rms_us(), std::sqrt(squares / N) * 1e-3, 1e-6);
+    EXPECT_NEAR(pacer.getStats().max_us(), worst * 1e-3, 1e-6);
+    EXPECT_EQ(pacer.getStats().moved, 0);
 }
 
 TEST(Pacer, CatchesUpWithoutBunchingAndGoesOnFromWhereALongStallEnded) {
@@ -47,8 +47,8 @@ TEST(Pacer, CatchesUpWithoutBunchingAndGoesOnFromWhereALongStallEnded) {
             EXPECT_TRUE(i < 46 || late_ns == (is_long ? stall_ns : 0)) << late_ns;
             pacer.sent(sent_ns = due_ns);
         }
-        EXPECT_EQ(pacer.stats().moved, is_long);
-        EXPECT_NEAR(pacer.stats().max_us(), double(stall_ns) * 1e-3, 1) << "the stall shows";
+        EXPECT_EQ(pacer.getStats().moved, is_long);
+        EXPECT_NEAR(pacer.getStats().max_us(), double(stall_ns) * 1e-3, 1) << "the stall shows";
     }
 }
 

@@ -26,7 +26,7 @@ double stoppingSpeed(double distance, double deceleration, double gain) {
                              : std::sqrt(2 * deceleration * (distance - linear / 2));
 }
 
-/// How fast that speed changes, m/s², for who closes in.
+/// How fast that speed changes, m/s², for whoever closes in.
 double stoppingRate(double speed, double closing, double deceleration, double gain) {
     return -closing * (gain * speed < deceleration ? gain : deceleration / speed);
 }
@@ -64,8 +64,9 @@ HelicopterControls Guidance::update(const HelicopterState& state, const Enu& win
         }
     }
     if (stands(state)) return groundControls(time);
-    HelicopterControls controls = controlsFor(acceleration(state, time), state, wind,
-                                              {leg().lean, std::max(leg().lean, leg().bank)});
+    HelicopterControls controls =
+        controlsFor(acceleration(state, time), state, wind,
+                    {getLeg().lean, std::max(getLeg().lean, getLeg().bank)});
     controls.heading_rate = headingRate(state, wind, time);
     return controls;
 }
@@ -75,13 +76,14 @@ void Guidance::begin(const HelicopterState& state, double time) {
     m_leg_time = time;
     m_begin_altitude = state.position.altitude;
     m_begin_rotor = m_rotor;
-    m_hold_heading = leg().heading.value_or(state.heading);
+    m_hold_heading = getLeg().heading.value_or(state.heading);
     beginPoint(state);
     const Enu way = offset(state.position, m_point.at(time));
-    const bool may_sidestep = leg().kind == LegKind::follow || leg().heading;
+    const bool may_sidestep = getLeg().kind == LegKind::follow || getLeg().heading;
     m_sidestep = may_sidestep && way.horizontal() < SIDESTEP_DISTANCE;
     const double climb = std::abs(targetAltitude(0) - state.position.altitude);
-    m_patience = 60 + leg().seconds + 3 * way.horizontal() / leg().speed + 3 * climb / leg().rate;
+    m_patience =
+        60 + getLeg().seconds + 3 * way.horizontal() / getLeg().speed + 3 * climb / getLeg().rate;
 }
 
 /// A leg without a point stays with that of the leg before; from a fast flight, it stops first.
@@ -89,25 +91,25 @@ void Guidance::beginPoint(const HelicopterState& state) {
     constexpr double STOPPED = 2; // m/s
     const Point before = m_point;
     const Enu over_point = state.velocity - m_point.velocity;
-    if (leg().point) {
-        m_point = *leg().point;
+    if (getLeg().point) {
+        m_point = *getLeg().point;
     } else if (over_point.horizontal() > STOPPED) {
         const double speed = state.velocity.horizontal();
-        const double way = speed * speed / (2 * braking(leg())) + speed / VELOCITY_GAIN;
+        const double way = speed * speed / (2 * braking(getLeg())) + speed / VELOCITY_GAIN;
         const Enu stop = Enu::ofCourse(state.velocity.course(), way);
         m_point = {moved(state.position, stop), {}};
-        m_point.position.altitude = before.surface();
+        m_point.position.altitude = before.getSurface();
     }
     // What the channel reported about a place stays true as long as the place is the same.
     const bool same = samePlace(before, m_point);
-    if (!same) m_surface = m_point.surface();
+    if (!same) m_surface = m_point.getSurface();
     beginHeight(state, same);
 }
 
 void Guidance::beginHeight(const HelicopterState& state, bool same_point) {
-    if (leg().height || leg().altitude) {
-        m_height = leg().height;
-        m_altitude = leg().altitude.value_or(0);
+    if (getLeg().height || getLeg().altitude) {
+        m_height = getLeg().height;
+        m_altitude = getLeg().altitude.value_or(0);
     } else if (!same_point || !m_height) {
         m_height.reset();
         m_altitude = state.position.altitude;
@@ -122,13 +124,13 @@ bool Guidance::done(const HelicopterState& state, double time) const {
                        std::abs(state.velocity.up) < 0.4;
     const bool turned =
         std::abs(wrap180(m_hold_heading - state.heading)) < 1 && std::abs(state.heading_rate) < 1.5;
-    switch (leg().kind) {
+    switch (getLeg().kind) {
     case LegKind::spin_up:
     case LegKind::spin_down:
     case LegKind::hover:
     case LegKind::follow:
     case LegKind::wait:
-        return elapsed >= leg().seconds;
+        return elapsed >= getLeg().seconds;
     case LegKind::turn_to:
         return turned;
     case LegKind::take_off:
@@ -137,11 +139,11 @@ bool Guidance::done(const HelicopterState& state, double time) const {
     case LegKind::descend:
         return level;
     case LegKind::fly_to:
-        return way.horizontal() < leg().radius;
+        return way.horizontal() < getLeg().radius;
     case LegKind::approach:
-        // As slow as who comes to a stop is at that distance, and a little to spare.
-        return way.horizontal() < leg().radius && (turned || !leg().heading) && level &&
-               over_point.horizontal() < 1.3 * POSITION_GAIN * leg().radius;
+        // As slow as a helicopter that comes to a stop is at that distance, and a little to spare.
+        return way.horizontal() < getLeg().radius && (turned || !getLeg().heading) && level &&
+               over_point.horizontal() < 1.3 * POSITION_GAIN * getLeg().radius;
     case LegKind::land:
         return !m_in_the_air && state.gear_load > 0.95 * GRAVITY;
     }
@@ -150,16 +152,16 @@ bool Guidance::done(const HelicopterState& state, double time) const {
 
 /// The wheels carry, or are meant to: the collective is down. Notices lift-off and touchdown.
 bool Guidance::stands(const HelicopterState& state) {
-    if (leg().kind == LegKind::take_off && state.rotor > 0.95 * FULL_ROTOR) m_in_the_air = true;
-    if (leg().kind == LegKind::land && state.gear_load > 0.15 * GRAVITY) m_in_the_air = false;
+    if (getLeg().kind == LegKind::take_off && state.rotor > 0.95 * FULL_ROTOR) m_in_the_air = true;
+    if (getLeg().kind == LegKind::land && state.gear_load > 0.15 * GRAVITY) m_in_the_air = false;
     return !m_in_the_air;
 }
 
 HelicopterControls Guidance::groundControls(double time) {
-    const double share = smoothStep(0, leg().seconds, time - m_leg_time);
-    if (leg().kind == LegKind::spin_up) m_rotor = std::lerp(m_begin_rotor, FULL_ROTOR, share);
-    if (leg().kind == LegKind::take_off) m_rotor = FULL_ROTOR;
-    if (leg().kind == LegKind::spin_down) m_rotor = std::lerp(m_begin_rotor, 0.0, share);
+    const double share = smoothStep(0, getLeg().seconds, time - m_leg_time);
+    if (getLeg().kind == LegKind::spin_up) m_rotor = std::lerp(m_begin_rotor, FULL_ROTOR, share);
+    if (getLeg().kind == LegKind::take_off) m_rotor = FULL_ROTOR;
+    if (getLeg().kind == LegKind::spin_down) m_rotor = std::lerp(m_begin_rotor, 0.0, share);
     HelicopterControls controls;
     controls.rotor = m_rotor;
     return controls;
@@ -174,11 +176,11 @@ Enu Guidance::acceleration(const HelicopterState& state, double time) const {
     const Enu over_point = state.velocity - m_point.velocity;
     const double closing = over_point.east * toward.east + over_point.north * toward.north;
     // On the way to a stop the wanted speed itself falls; to follow it without lag, so must ours.
-    const bool stopping = leg().kind != LegKind::fly_to && wanted_speed < leg().speed;
+    const bool stopping = getLeg().kind != LegKind::fly_to && wanted_speed < getLeg().speed;
     const double slowing =
-        stopping ? stoppingRate(wanted_speed, closing, braking(leg()), POSITION_GAIN) : 0;
+        stopping ? stoppingRate(wanted_speed, closing, braking(getLeg()), POSITION_GAIN) : 0;
 
-    const double most = std::max(leg().acceleration, braking(leg()));
+    const double most = std::max(getLeg().acceleration, braking(getLeg()));
     Enu direct = (wanted - state.velocity) * VELOCITY_GAIN + toward * slowing;
     direct.up = 0;
     if (direct.horizontal() > most) direct = direct * (most / direct.horizontal());
@@ -187,9 +189,9 @@ Enu Guidance::acceleration(const HelicopterState& state, double time) const {
     const double course = state.velocity.course();
     const double error = wrap180(wanted.course() - course);
     const double along = std::clamp(VELOCITY_GAIN * (wanted.horizontal() - speed) + slowing,
-                                    -1.3 * braking(leg()), leg().acceleration);
+                                    -1.3 * braking(getLeg()), getLeg().acceleration);
     const double across =
-        std::clamp(0.8 * speed * error * RADIANS, -lateralLimit(leg()), lateralLimit(leg()));
+        std::clamp(0.8 * speed * error * RADIANS, -lateralLimit(getLeg()), lateralLimit(getLeg()));
     const Enu turning = Enu::ofCourse(course, along) + Enu::ofCourse(course + 90, across);
 
     const double share = m_sidestep ? 0 : smoothStep(SLOW, FAST, travelSpeed(state));
@@ -198,8 +200,8 @@ Enu Guidance::acceleration(const HelicopterState& state, double time) const {
     return result;
 }
 
-/// The speed that tells flight from hover: who keeps station with a ship hovers, however fast she
-/// is.
+/// The speed that tells flight from hover: a helicopter that keeps station with a ship hovers,
+/// however fast she is.
 double Guidance::travelSpeed(const HelicopterState& state) const {
     const Enu over_point = state.velocity - m_point.velocity;
     return std::min(state.velocity.horizontal(), over_point.horizontal());
@@ -210,9 +212,9 @@ double Guidance::wantedSpeed(const Enu& way, const HelicopterState& state) const
     constexpr double STEP_SPEED = 8;    // m/s, sideways
     constexpr double TURNING_SPEED = 5; // m/s, until the nose points the way
     const double distance = way.horizontal();
-    double speed = leg().speed;
-    if (leg().kind != LegKind::fly_to)
-        speed = std::min(speed, stoppingSpeed(distance, braking(leg()), POSITION_GAIN));
+    double speed = getLeg().speed;
+    if (getLeg().kind != LegKind::fly_to)
+        speed = std::min(speed, stoppingSpeed(distance, braking(getLeg()), POSITION_GAIN));
     if (m_sidestep) return std::min(speed, STEP_SPEED);
     const double ground_speed = state.velocity.horizontal();
     if (ground_speed < SLOW) {
@@ -223,7 +225,8 @@ double Guidance::wantedSpeed(const Enu& way, const HelicopterState& state) const
     // four fifths of the bank for it the point is reached, never orbited.
     const double error = wrap180(way.course() - state.velocity.course()) * RADIANS;
     const double bend = std::max(std::abs(std::sin(error)), 1e-3);
-    return std::min(speed, std::max(std::sqrt(0.4 * lateralLimit(leg()) * distance / bend), SLOW));
+    return std::min(speed,
+                    std::max(std::sqrt(0.4 * lateralLimit(getLeg()) * distance / bend), SLOW));
 }
 
 double Guidance::verticalAcceleration(const HelicopterState& state, double distance) const {
@@ -231,9 +234,9 @@ double Guidance::verticalAcceleration(const HelicopterState& state, double dista
     constexpr double GREATEST = 2;  // m/s²
     constexpr double LEVELLING = 1; // m/s²: how briskly a climb or descent ends
     const double error = targetAltitude(distance) - state.position.altitude;
-    double wanted = std::min(leg().rate, stoppingSpeed(std::abs(error), LEVELLING, HEIGHT_GAIN));
+    double wanted = std::min(getLeg().rate, stoppingSpeed(std::abs(error), LEVELLING, HEIGHT_GAIN));
     if (error < 0) wanted = -wanted;
-    if (leg().kind == LegKind::land) wanted = landingSpeed(state, distance);
+    if (getLeg().kind == LegKind::land) wanted = landingSpeed(state, distance);
     return std::clamp(GAIN * (wanted - state.velocity.up), -GREATEST, GREATEST);
 }
 
@@ -247,7 +250,7 @@ double Guidance::landingSpeed(const HelicopterState& state, double distance) con
     const double above = distance > OVER_POINT ? WAITING_HEIGHT : 0;
     const double down = stoppingSpeed(std::abs(height - above), 0.5, 0.3);
     if (height < above) return std::min(down, 1.0);
-    return -std::min(leg().rate, above > 0 ? down : down + TOUCHDOWN);
+    return -std::min(getLeg().rate, above > 0 ? down : down + TOUCHDOWN);
 }
 
 double Guidance::targetAltitude(double distance) const {
@@ -256,7 +259,7 @@ double Guidance::targetAltitude(double distance) const {
     constexpr double LEVEL_DISTANCE = 15;
     double altitude = m_height ? m_surface + *m_height : m_altitude;
     altitude = std::max(altitude, pointRestAltitude() + LEAST_HEIGHT);
-    if (leg().kind == LegKind::approach && m_begin_altitude > altitude)
+    if (getLeg().kind == LegKind::approach && m_begin_altitude > altitude)
         altitude =
             std::min(m_begin_altitude, altitude + GLIDE * std::max(0.0, distance - LEVEL_DISTANCE));
     return altitude;
@@ -270,20 +273,20 @@ double Guidance::headingRate(const HelicopterState& state, const Enu& wind, doub
     const Enu air = state.velocity - wind;
     const double along = m_sidestep ? 0 : smoothStep(SLOW - 1, FAST, travelSpeed(state));
     const Enu way = offset(state.position, m_point.at(time));
-    const bool travels = leg().kind == LegKind::fly_to || leg().kind == LegKind::approach;
-    if (along > 0.5 && !leg().heading)
+    const bool travels = getLeg().kind == LegKind::fly_to || getLeg().kind == LegKind::approach;
+    if (along > 0.5 && !getLeg().heading)
         m_hold_heading = state.heading;
     else if (travels && !m_sidestep && way.horizontal() > FAR_ENOUGH)
         m_hold_heading = way.course();
-    else if (leg().heading)
-        m_hold_heading = *leg().heading;
+    else if (getLeg().heading)
+        m_hold_heading = *getLeg().heading;
 
     const double hold = wrap180(m_hold_heading - state.heading);
     const double nose = wrap180(air.course() - state.heading);
     const double air_speed2 = std::max(air.horizontal() * air.horizontal(), 1.0);
     const Enu& a = state.acceleration;
     const double air_turn = (a.east * air.north - a.north * air.east) / air_speed2 / RADIANS;
-    const double in_hover = std::clamp(GAIN * hold, -leg().turn_rate, leg().turn_rate);
+    const double in_hover = std::clamp(GAIN * hold, -getLeg().turn_rate, getLeg().turn_rate);
     const double in_flight = std::clamp(NOSE_GAIN * nose, -GREATEST, GREATEST) + air_turn;
     return std::lerp(in_hover, in_flight, along);
 }
@@ -302,9 +305,10 @@ void Guidance::takeSurface(double altitude, const HelicopterState& state, double
     constexpr double SLEW = 1;       // m/s
     const double dt = std::clamp(time - m_report_time, 0.0, 0.2);
     m_report_time = time;
-    if (!m_in_the_air || leg().kind == LegKind::fly_to || state.gear_load > 0) return;
+    if (!m_in_the_air || getLeg().kind == LegKind::fly_to || state.gear_load > 0) return;
     const Enu way = offset(state.position, m_point.at(time));
-    if (way.horizontal() > OVER_POINT || std::abs(altitude - m_point.surface()) > TOLERANCE) return;
+    if (way.horizontal() > OVER_POINT || std::abs(altitude - m_point.getSurface()) > TOLERANCE)
+        return;
     const double change = (altitude - m_surface) * std::min(dt / SMOOTHING, 1.0);
     m_surface += std::clamp(change, -SLEW * dt, SLEW * dt);
 }

@@ -37,10 +37,10 @@ Change resetChange() {
 double flownSeconds(const Mission& mission, const std::vector<Leg>& legs, std::string& message) {
     constexpr double STEP = 0.02;
     MissionFlight flight(mission, legs);
-    while (!flight.finished() && flight.fault().empty())
+    while (!flight.isFinished() && flight.getFault().empty())
         flight.advance(STEP);
-    message = flight.fault();
-    return flight.time();
+    message = flight.getFault();
+    return flight.getTime();
 }
 
 /// Shares out the seconds that the plan lacks. A second round takes in that a moving ship has got
@@ -87,7 +87,7 @@ MissionFlight::MissionFlight(const Mission& mission, std::vector<Leg> legs)
     if (mission.reset) m_schedule.add(resetChange(), 0);
     for (const Change& change : mission.changes)
         m_schedule.add(change, 0);
-    for (const Change& change : m_guidance.leg().changes)
+    for (const Change& change : m_guidance.getLeg().changes)
         m_schedule.add(change, 0);
     m_scheduled_legs = 1;
     updateRecord();
@@ -98,9 +98,10 @@ void MissionFlight::advance(double dt) {
     const int steps = std::max(1, static_cast<int>(std::ceil(dt / LONGEST_STEP - 1e-9)));
     for (int i = 0; i < steps; i++)
         step(dt / steps);
-    if (m_guidance.stuck(m_time) && m_fault.empty())
-        m_fault = missionMessage(m_path, m_guidance.leg().line, m_guidance.leg().column,
-                                 "leg \"" + m_guidance.leg().name + "\" doesn't come to its end");
+    if (m_guidance.isStuck(m_time) && m_fault.empty())
+        m_fault =
+            missionMessage(m_path, m_guidance.getLeg().line, m_guidance.getLeg().column,
+                           "leg \"" + m_guidance.getLeg().name + "\" doesn't come to its end");
     updateRecord();
 }
 
@@ -108,20 +109,20 @@ void MissionFlight::step(double dt) {
     constexpr double WIND_LAG = 1; // s: the record's wind may jump, the air doesn't
     const Enu wind = windOf(m_record);
     m_wind += (wind - m_wind) * (dt / WIND_LAG);
-    const HelicopterControls controls = m_guidance.update(state(), m_wind, m_time);
-    const Surroundings around{m_wind, m_guidance.point().velocity,
-                              m_guidance.restAltitude(state(), m_time)};
+    const HelicopterControls controls = m_guidance.update(getState(), m_wind, m_time);
+    const Surroundings around{m_wind, m_guidance.getPoint().velocity,
+                              m_guidance.restAltitude(getState(), m_time)};
     m_helicopter.step(controls, around, dt);
     m_time += dt;
-    for (; m_scheduled_legs <= m_guidance.legIndex(); m_scheduled_legs++)
-        for (const Change& change : m_guidance.legs()[m_scheduled_legs].changes)
-            m_schedule.add(change, m_guidance.legTime());
+    for (; m_scheduled_legs <= m_guidance.getLegIndex(); m_scheduled_legs++)
+        for (const Change& change : m_guidance.getLegs()[m_scheduled_legs].changes)
+            m_schedule.add(change, m_guidance.getLegTime());
 }
 
 void MissionFlight::updateRecord() {
     constexpr double ROUNDING = 1e-6; // s: a change at 10 s belongs to the record of 9.999999999 s
     m_schedule.apply(m_time + ROUNDING, m_record);
-    const HelicopterState& s = state();
+    const HelicopterState& s = getState();
     m_record.latitude = s.position.latitude;
     m_record.longitude = s.position.longitude;
     m_record.altitude = static_cast<float>(s.position.altitude);
@@ -136,7 +137,7 @@ void MissionFlight::takeFeedback(const UdpSendData& feedback) {
     // All zero: nothing lies below.
     const bool nothing = feedback.ground_latitude == 0 && feedback.ground_longitude == 0;
     if (nothing || !std::isfinite(height)) return;
-    m_guidance.takeSurface(state().position.altitude - height, state(), m_time);
+    m_guidance.takeSurface(getState().position.altitude - height, getState(), m_time);
 }
 
 std::string MissionFlight::profileHeading() {
@@ -145,15 +146,15 @@ std::string MissionFlight::profileHeading() {
 }
 
 std::string MissionFlight::profileRow() const {
-    const HelicopterState& s = state();
+    const HelicopterState& s = getState();
     const double air_speed = (s.velocity - m_wind).horizontal();
     const double bank = std::atan(air_speed * s.heading_rate * RADIANS / GRAVITY) / RADIANS;
     std::array<char, 192> text;
     std::snprintf(text.data(), text.size(),
                   "%6.1f %-14.14s %11.6f %11.6f %8.2f %7.2f %6.2f %7.2f %6.2f %6.2f %11.2f %5.0f",
-                  m_time, m_guidance.leg().name.c_str(), s.position.longitude, s.position.latitude,
-                  s.position.altitude, s.velocity.horizontal(), s.velocity.up, s.heading, s.pitch,
-                  s.roll, s.roll - bank, s.rotor);
+                  m_time, m_guidance.getLeg().name.c_str(), s.position.longitude,
+                  s.position.latitude, s.position.altitude, s.velocity.horizontal(), s.velocity.up,
+                  s.heading, s.pitch, s.roll, s.roll - bank, s.rotor);
     return text.data();
 }
 

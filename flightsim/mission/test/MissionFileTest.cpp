@@ -84,7 +84,7 @@ legs:
     const Leg& there = mission->legs[2];
     EXPECT_EQ(there.name, "there");
     EXPECT_EQ(there.line, 9);
-    EXPECT_EQ(there.point->surface(), 6);
+    EXPECT_EQ(there.point->getSurface(), 6);
     const Enu way = offset(mission->start, there.point->position);
     EXPECT_NEAR(way.east, 500, 0.01);
     EXPECT_NEAR(way.north, -60, 0.01);

@@ -303,13 +303,13 @@ bool survey(RecordingReader& reader, const std::string& path, const Selection& s
     }
     message.clear();
     if (status == ReadStatus::malformed || (status == ReadStatus::truncated && !result.records))
-        message = reader.message();
+        message = reader.getMessage();
     else if (!result.records)
         message = "\"" + path + "\" holds no records";
     else if (!result.selected)
         message = "\"" + path + "\": none of its " + std::to_string(result.records) +
                   " records lies in the part asked for";
-    if (status == ReadStatus::truncated) result.warning = reader.message();
+    if (status == ReadStatus::truncated) result.warning = reader.getMessage();
     reader.rewind();
     return message.empty();
 }

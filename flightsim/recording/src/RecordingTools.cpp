@@ -166,7 +166,7 @@ bool printInfo(const std::string& path, std::FILE* out, std::string& warning,
     RecordingReader reader;
     Survey found;
     if (!reader.open(path)) {
-        message = reader.message();
+        message = reader.getMessage();
         return false;
     }
     if (!survey(reader, path, {}, found, message)) return false;
@@ -177,8 +177,8 @@ bool printInfo(const std::string& path, std::FILE* out, std::string& warning,
         contents.add(record);
     const double span_s = double(found.last_ns - found.first_ns) * 1e-9;
     std::fprintf(out, "recording %s, %s, %lld bytes, begun %s\n", path.c_str(),
-                 reader.format() == RecordingFormat::compact ? "compact" : "whole",
-                 printable(reader.offset()), utc(reader.startWall_ns()).c_str());
+                 reader.getFormat() == RecordingFormat::compact ? "compact" : "whole",
+                 printable(reader.getOffset()), utc(reader.getStartWall_ns()).c_str());
     std::fprintf(out, "records   %lld over %.2f s", printable(found.records), span_s);
     if (span_s > 0) std::fprintf(out, ", %.2f Hz", double(found.records - 1) / span_s);
     std::fprintf(out, "\n");
@@ -191,7 +191,7 @@ bool cutRecording(const CutOptions& options, CutResult& result, std::string& mes
     Survey found;
     std::error_code error;
     if (!reader.open(options.in)) {
-        message = reader.message();
+        message = reader.getMessage();
         return false;
     }
     if (std::filesystem::equivalent(options.in, options.out, error)) {
@@ -202,7 +202,7 @@ bool cutRecording(const CutOptions& options, CutResult& result, std::string& mes
     RecordingWriter writer;
     Record record;
     // Unsigned, because a damaged header may hold any start.
-    const auto start_wall_ns = static_cast<std::uint64_t>(reader.startWall_ns()) +
+    const auto start_wall_ns = static_cast<std::uint64_t>(reader.getStartWall_ns()) +
                                static_cast<std::uint64_t>(found.first_ns);
     bool good = writer.open(options.out, options.format, static_cast<std::int64_t>(start_wall_ns));
     while (good && reader.next(record) == ReadStatus::record)
@@ -210,10 +210,10 @@ bool cutRecording(const CutOptions& options, CutResult& result, std::string& mes
             good = writer.append(record.time_ns - found.first_ns, record.datagram);
     good = good && writer.close();
     if (!good) {
-        message = writer.message();
+        message = writer.getMessage();
         writer.discard();
     }
-    result = {found.selected, writer.size(), found.warning};
+    result = {found.selected, writer.getSize(), found.warning};
     return good;
 }
 

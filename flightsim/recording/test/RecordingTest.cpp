@@ -45,9 +45,9 @@ TEST(Recording, BothFormatsGiveBackWhatWasWritten) {
         TestFile file("round_trip");
         writeRecording(file.path, format, records);
         RecordingReader reader;
-        ASSERT_TRUE(reader.open(file.path)) << reader.message();
-        EXPECT_EQ(reader.format(), format);
-        EXPECT_EQ(reader.startWall_ns(), 1'700'000'000'000'000'000);
+        ASSERT_TRUE(reader.open(file.path)) << reader.getMessage();
+        EXPECT_EQ(reader.getFormat(), format);
+        EXPECT_EQ(reader.getStartWall_ns(), 1'700'000'000'000'000'000);
         for (int pass = 0; pass < 2; pass++) { // the second one after a rewind in mid-file
             ReadStatus status;
             EXPECT_EQ(readAll(reader, status), records);
@@ -94,7 +94,7 @@ TEST(Recording, RefusesFilesThatAreNoRecordings) {
         TestFile file("header", bytes);
         RecordingReader reader;
         EXPECT_FALSE(reader.open(file.path));
-        EXPECT_NE(reader.message().find(message), std::string::npos) << reader.message();
+        EXPECT_NE(reader.getMessage().find(message), std::string::npos) << reader.getMessage();
     }
 }
 
@@ -129,7 +129,7 @@ TEST(Recording, NamesTheDamagedRecordAndItsOffset) {
         ReadStatus status;
         readAll(reader, status);
         EXPECT_EQ(status, ReadStatus::malformed) << message;
-        EXPECT_NE(reader.message().find(message), std::string::npos) << reader.message();
+        EXPECT_NE(reader.getMessage().find(message), std::string::npos) << reader.getMessage();
         Record record;
         EXPECT_EQ(reader.next(record), ReadStatus::malformed) << "nothing behind it can be trusted";
     }
@@ -146,7 +146,7 @@ TEST(Recording, KeepsWholeRecordsOfAFileCutOffAnywhere) {
         RecordingReader whole;
         ASSERT_TRUE(whole.open(file.path));
         for (Record r; ends.size() <= records.size(); whole.next(r))
-            ends.push_back(static_cast<std::size_t>(whole.offset()));
+            ends.push_back(static_cast<std::size_t>(whole.getOffset()));
         ASSERT_EQ(ends.back(), all.size());
         for (std::size_t size = ends[0]; size <= all.size(); size++) {
             const auto n = std::ranges::upper_bound(ends, size) - ends.begin() - 1;
@@ -184,7 +184,7 @@ TEST(Recording, CutsByTimeAndNumberAndConvertsWithoutLoss) {
     ASSERT_EQ(cut.size(), 6u); // numbers 4 to 9 at 7 to 12 ns
     EXPECT_EQ(cut.front(), (TimedBytes{0, oddDatagrams()[4].bytes}));
     EXPECT_EQ(cut.back(), (TimedBytes{5, oddDatagrams()[9].bytes}));
-    EXPECT_EQ(reader.startWall_ns(), 1'700'000'000'000'000'007) << "keeps the moment";
+    EXPECT_EQ(reader.getStartWall_ns(), 1'700'000'000'000'000'007) << "keeps the moment";
 
     const Bytes untouched = in.read();
     EXPECT_FALSE(cutRecording({in.path, in.path, {}, RecordingFormat::compact}, result, message));

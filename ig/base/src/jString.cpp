@@ -8,7 +8,7 @@
 namespace ig {
 
 namespace {
-/// In place, for who brings memory of their own.
+/// In place, for callers that bring memory of their own.
 class Shortest {
 public:
     template <class T>

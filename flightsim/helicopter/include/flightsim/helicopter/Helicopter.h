@@ -67,7 +67,7 @@ public:
     explicit Helicopter(const HelicopterState& state) : m_state(state) {}
     /// Moves on by `dt`, at most 0.005 s.
     void step(const HelicopterControls& controls, const Surroundings& around, double dt);
-    const HelicopterState& state() const { return m_state; }
+    const HelicopterState& getState() const { return m_state; }
 
 private:
     void turn(const HelicopterControls& controls, double dt);

@@ -35,8 +35,8 @@ public:
     /// A datagram of any size came in. The decoded feedback when it is one; nothing, and one more
     /// malformed datagram, when its size is wrong.
     std::optional<UdpSendData> take(std::span<const std::uint8_t> datagram, std::int64_t steady_ns);
-    const FeedbackStats& stats() const { return m_stats; }
-    const std::optional<UdpSendData>& last() const { return m_last; }
+    const FeedbackStats& getStats() const { return m_stats; }
+    const std::optional<UdpSendData>& getLast() const { return m_last; }
 
 private:
     FeedbackStats m_stats;

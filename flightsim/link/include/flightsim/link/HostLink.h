@@ -32,8 +32,8 @@ public:
     /// Opens sockets and files. False with `message` when the address can't be resolved, the port
     /// is in use or the file can't be created.
     bool open(const LinkOptions& options, std::string& message);
-    int listenPort() const { return m_listener.port(); } ///< 0 without feedback
-    std::string destination() const { return m_to.text(); }
+    int getListenPort() const { return m_listener.getPort(); } ///< 0 without feedback
+    std::string getDestination() const { return m_to.text(); }
 
     /// Waits for the channel's first feedback, `seconds` at most; what is sent counts from then.
     void awaitFeedback(double seconds, const StopFlag& stop);
@@ -45,11 +45,10 @@ public:
     /// with `message` when the file of the feedback could not be completed and is removed.
     bool finish(std::string& message);
 
-    std::int64_t sent() const { return m_sent; }
-    std::int64_t failed() const { return m_failed; } ///< records that the system refused to send
-    const PacingStats& pacing() const { return m_pacer.stats(); }
-    const FeedbackStats& feedback() const { return m_monitor.stats(); }
-    const std::optional<UdpSendData>& lastFeedback() const { return m_monitor.last(); }
+    std::int64_t getSent() const { return m_sent; }
+    const PacingStats& getPacing() const { return m_pacer.getStats(); }
+    const FeedbackStats& getFeedback() const { return m_monitor.getStats(); }
+    const std::optional<UdpSendData>& getLastFeedback() const { return m_monitor.getLast(); }
 
 private:
     bool waitUntil(std::int64_t due_ns, const StopFlag& stop);
@@ -70,8 +69,8 @@ private:
     std::int64_t m_next_row_ns = 0; ///< when the next row of the table is due
     std::int64_t m_rows = 0;
     std::int64_t m_sent = 0;
-    std::int64_t m_failed = 0;
-    int m_send_error = 0; ///< errno of the first failed send
+    std::int64_t m_failed = 0; ///< records that the system refused to send
+    int m_send_error = 0;      ///< errno of the first failed send
 };
 
 } // namespace flightsim

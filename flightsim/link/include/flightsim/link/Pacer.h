@@ -19,14 +19,14 @@ struct PacingStats {
     double max_us() const { return double(max_ns) * 1e-3; }
 };
 
-/// Lays the times of a flight onto the steady clock. It only reckons: who sends asks for the
+/// Lays the times of a flight onto the steady clock. It only reckons: the sender asks for the
 /// deadline, waits, and tells when it sent.
 ///
 /// The flight's first datagram is due at once and fixes the schedule; every other deadline counts
-/// from there, so that errors of single waits don't add up. Who falls behind catches up without
-/// bunching: two datagrams are never closer than half the time between them on the schedule. Who
-/// falls behind by more than half a second, as a suspended process does, doesn't catch up: the
-/// schedule moves.
+/// from there, so that errors of single waits don't add up. A sender that falls behind catches up
+/// without bunching: two datagrams are never closer than half the time between them on the
+/// schedule. One that falls behind by more than half a second, as a suspended process does, doesn't
+/// catch up: the schedule moves.
 class Pacer {
 public:
     /// The steady-clock time at which the datagram of flight time `time_ns` is due. Flight times
@@ -34,7 +34,7 @@ public:
     std::int64_t due(std::int64_t time_ns, std::int64_t now_ns);
     /// The datagram asked about last leaves now.
     void sent(std::int64_t now_ns);
-    const PacingStats& stats() const { return m_stats; }
+    const PacingStats& getStats() const { return m_stats; }
 
 private:
     std::int64_t m_origin_ns = 0; ///< flight time 0 on the steady clock

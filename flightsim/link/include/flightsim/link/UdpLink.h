@@ -43,7 +43,7 @@ public:
     /// with `message`, for example when the port is in use.
     bool bind(int port, std::string& message);
     bool isOpen() const { return m_socket >= 0; }
-    int port() const; ///< the bound one, or 0
+    int getPort() const; ///< the bound one, or 0
 
     /// False when the system refuses; `errno` then tells why.
     bool send(const UdpAddress& to, std::span<const std::uint8_t> datagram);

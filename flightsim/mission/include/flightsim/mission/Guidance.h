@@ -30,17 +30,17 @@ public:
     /// deck or a wave from a wrong scene.
     void takeSurface(double altitude, const HelicopterState& state, double time);
 
-    bool finished() const { return m_finished; } ///< the last leg is done; it goes on hovering
+    bool isFinished() const { return m_finished; } ///< the last leg is done; it goes on hovering
     /// The leg takes so much longer than it should that its point will not be reached.
-    bool stuck(double time) const { return !m_finished && time - m_leg_time > m_patience; }
-    const std::vector<Leg>& legs() const { return m_legs; }
-    std::size_t legIndex() const { return m_index; }
-    const Leg& leg() const { return m_legs[m_index]; }
-    double legTime() const { return m_leg_time; } ///< time of flight at which it began
+    bool isStuck(double time) const { return !m_finished && time - m_leg_time > m_patience; }
+    const std::vector<Leg>& getLegs() const { return m_legs; }
+    std::size_t getLegIndex() const { return m_index; }
+    const Leg& getLeg() const { return m_legs[m_index]; }
+    double getLegTime() const { return m_leg_time; } ///< time of flight at which it began
     /// Where the reference point would rest on the ground. Of that a mission knows only what lies
     /// around its points; elsewhere there is nothing to stand on.
     double restAltitude(const HelicopterState& state, double time) const;
-    const Point& point() const { return m_point; } ///< what lies below at the leg's end
+    const Point& getPoint() const { return m_point; } ///< what lies below at the leg's end
 
 private:
     void begin(const HelicopterState& state, double time);

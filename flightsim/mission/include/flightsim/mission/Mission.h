@@ -17,7 +17,7 @@ struct Point {
     Enu velocity;      ///< horizontal, m/s
 
     Geodetic at(double time) const { return moved(position, velocity * time); }
-    double surface() const { return position.altitude; }
+    double getSurface() const { return position.altitude; }
 };
 
 enum class LegKind {
@@ -77,7 +77,7 @@ struct Mission {
 
 /// The legs to fly for a duration; without one, those that `optional_from` names are flown and
 /// those that `optional_below` names are not. Nothing, with `message`, when they don't follow from
-/// each other: who isn't in the air can't land.
+/// each other: whoever isn't in the air can't land.
 std::optional<std::vector<Leg>> selectLegs(const Mission& mission, std::optional<double> duration,
                                            std::string& message);
 

@@ -28,27 +28,25 @@ std::optional<FlightPlan> planFlight(const Mission& mission, std::optional<doubl
                                      std::string& message);
 
 /// A mission being flown: pilot, helicopter, weather and the record that tells of them. It knows no
-/// clock: who flies it asks for the record of now and advances it from record to record.
+/// clock: whoever flies it asks for the record of now and advances it from record to record.
 class MissionFlight {
 public:
     MissionFlight(const Mission& mission, std::vector<Leg> legs);
 
     /// The host data record of now, ready to send.
-    const UdpRecvData& record() const { return m_record; }
+    const UdpRecvData& getRecord() const { return m_record; }
     /// Flies on by `dt` seconds, of any length, and makes the next record.
     void advance(double dt);
     /// The channel's latest feedback; heights in it refine those of the mission.
     void takeFeedback(const UdpSendData& feedback);
 
-    bool finished() const { return m_guidance.finished(); }
+    bool isFinished() const { return m_guidance.isFinished(); }
     /// Not empty: the flight can't go on as the mission wants it.
-    const std::string& fault() const { return m_fault; }
+    const std::string& getFault() const { return m_fault; }
 
-    double time() const { return m_time; }
-    const HelicopterState& state() const { return m_helicopter.state(); }
-    const Guidance& guidance() const { return m_guidance; }
-    /// Velocity of the air over ground: from where `weather_angle` says, at `weather_value_a` m/s.
-    const Enu& wind() const { return m_wind; }
+    double getTime() const { return m_time; }
+    const HelicopterState& getState() const { return m_helicopter.getState(); }
+    const Guidance& getGuidance() const { return m_guidance; }
 
     /// One line of the flown profile, and its heading. The bank error is that of a coordinated
     /// turn: roll less the angle whose tangent is airspeed · turn rate / g.
@@ -63,7 +61,7 @@ private:
     double m_time = 0;
     RecordSchedule m_schedule;
     UdpRecvData m_record;
-    Enu m_wind;
+    Enu m_wind; ///< of the air over ground: from `weather_angle`, at `weather_value_a` m/s
     Helicopter m_helicopter;
     Guidance m_guidance;
     std::size_t m_scheduled_legs = 0; ///< legs whose changes are in the schedule

@@ -63,7 +63,7 @@ enum class ReadStatus {
 /// Reads a recording of either format from first to last, one record in memory at a time.
 class RecordingReader {
 public:
-    /// Opens a file and reads its header. False with `message()` when that fails.
+    /// Opens a file and reads its header. False with `getMessage()` when that fails.
     bool open(const std::string& path);
     /// Reads the next record into `record`. Once it has answered anything but `record` it repeats
     /// that answer until `rewind`.
@@ -71,12 +71,12 @@ public:
     /// Back to before the first record.
     void rewind();
 
-    RecordingFormat format() const { return m_format; }
-    std::int64_t startWall_ns() const { return m_start_wall_ns; } ///< Unix time
-    std::int64_t offset() const { return m_offset; }              ///< bytes read so far
+    RecordingFormat getFormat() const { return m_format; }
+    std::int64_t getStartWall_ns() const { return m_start_wall_ns; } ///< Unix time
+    std::int64_t getOffset() const { return m_offset; }              ///< bytes read so far
     /// What went wrong, with path, record number and byte offset. For `open` that failed, and for
     /// `truncated` and `malformed`.
-    const std::string& message() const { return m_message; }
+    const std::string& getMessage() const { return m_message; }
 
 private:
     bool take(void* to, std::size_t size);
@@ -108,10 +108,10 @@ public:
     RecordingWriter& operator=(const RecordingWriter&) = delete;
     ~RecordingWriter();
 
-    /// Creates or empties a file and writes the header. False with `message()` when that fails.
+    /// Creates or empties a file and writes the header. False with `getMessage()` when that fails.
     bool open(const std::string& path, RecordingFormat format, std::int64_t start_wall_ns);
     /// Adds a datagram of at most `MAX_DATAGRAM_SIZE` bytes. A time before the last one's counts as
-    /// that. False with `message()` once the file can't be written any more; it stays readable.
+    /// that. False with `getMessage()` once the file can't be written any more; it stays readable.
     bool append(std::int64_t time_ns, std::span<const std::uint8_t> datagram);
     /// Hands what is waiting to the operating system. False like `append`.
     bool flush();
@@ -121,9 +121,9 @@ public:
     /// Closes and removes the file, for those to whom a part of it is of no use.
     void discard();
 
-    std::int64_t size() const { return m_size; }       ///< of the file once flushed, bytes
-    std::int64_t records() const { return m_records; } ///< that the file holds
-    const std::string& message() const { return m_message; }
+    std::int64_t getSize() const { return m_size; }       ///< of the file once flushed, bytes
+    std::int64_t getRecords() const { return m_records; } ///< that the file holds
+    const std::string& getMessage() const { return m_message; }
 
 private:
     void put(const void* bytes, std::size_t size);

@@ -70,10 +70,10 @@ public:
 inline void writeRecording(const std::string& path, RecordingFormat format,
                            const std::vector<TimedBytes>& records) {
     RecordingWriter writer;
-    ASSERT_TRUE(writer.open(path, format, 1'700'000'000'000'000'000)) << writer.message();
+    ASSERT_TRUE(writer.open(path, format, 1'700'000'000'000'000'000)) << writer.getMessage();
     for (const TimedBytes& r : records)
         ASSERT_TRUE(writer.append(r.time_ns, r.bytes));
-    ASSERT_TRUE(writer.close()) << writer.message();
+    ASSERT_TRUE(writer.close()) << writer.getMessage();
 }
 
 /// Reads on to the end of what can be read; `status` tells what ended it.
@@ -90,10 +90,10 @@ inline std::vector<TimedBytes> readAll(RecordingReader& reader, ReadStatus& stat
 /// The records of a file that is whole.
 inline std::vector<TimedBytes> readRecording(const std::string& path) {
     RecordingReader reader;
-    EXPECT_TRUE(reader.open(path)) << reader.message();
+    EXPECT_TRUE(reader.open(path)) << reader.getMessage();
     ReadStatus status;
     const auto records = readAll(reader, status);
-    EXPECT_EQ(status, ReadStatus::end) << reader.message();
+    EXPECT_EQ(status, ReadStatus::end) << reader.getMessage();
     return records;
 }
 
