@@ -4,21 +4,12 @@
 #include "common/program/Clock.h"
 
 #include <cmath>
-#include <ctime>
 #include <utility>
 
-namespace {
-
-void sleepUntil(double time) {
-    timespec until;
-    until.tv_sec = static_cast<time_t>(time);
-    until.tv_nsec = static_cast<long>((time - std::floor(time)) * 1e9);
-    clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &until, nullptr);
+FrameClock::Time FrameClock::Time::ofSystem() {
+    return {program::steadyNow,
+            [](double time) { program::sleepUntil(std::llround(time * program::NS_PER_SECOND)); }};
 }
-
-} // namespace
-
-FrameClock::Time FrameClock::Time::ofSystem() { return {program::steadyNow, ::sleepUntil}; }
 
 FrameClock::FrameClock(double rate, double step, Time time)
     : m_time(std::move(time)), m_period(rate > 0 ? 1 / rate : 0), m_step(step) {}

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "common/program/Process.h"
 
+#include "common/program/Clock.h"
+
 #include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
-#include <ctime>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -21,9 +22,7 @@ static_assert(std::atomic<std::int64_t>::is_always_lock_free, "set in a signal h
 
 void handle(int number) {
     const int error = errno;
-    timespec t{};
-    clock_gettime(CLOCK_MONOTONIC, &t);
-    const std::int64_t now_ns = std::int64_t{t.tv_sec} * 1'000'000'000 + t.tv_nsec;
+    const std::int64_t now_ns = steadyNow_ns();
     std::int64_t first_ns = 0;
     if (g_first_ns.compare_exchange_strong(first_ns, now_ns)) {
         g_stop.load()();

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "flightsim/link/Clock.h"
 #include "flightsim/link/HostLink.h"
+#include "flightsim/link/StopFlag.h"
 
 #include <CLI/CLI.hpp>
 

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "Fly.h"
 
+#include "common/program/Clock.h"
 #include "flightsim/mission/MissionFile.h"
 
 #include <cmath>
 #include <memory>
 
 namespace flightsim {
+
+using program::NS_PER_SECOND;
 
 bool Fly::openMission(const FlyOptions& options, std::string& message) {
     m_options = options;
@@ -23,7 +26,8 @@ bool Fly::openMission(const FlyOptions& options, std::string& message) {
 bool Fly::open(const FlyOptions& options, std::string& message) {
     if (!openMission(options, message)) return false;
     if (!m_link.open(options.link, message)) return false;
-    if (options.record.empty() || m_writer.open(options.record, RecordingFormat::whole, wallNow()))
+    if (options.record.empty() ||
+        m_writer.open(options.record, RecordingFormat::whole, program::wallNow_ns()))
         return true;
     message = m_writer.getMessage();
     return false;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Recorder.h"
 
+#include "common/program/Clock.h"
 #include "common/wire/UdpRecvData.h"
 
 #include <algorithm>
@@ -8,6 +9,9 @@
 #include <limits>
 
 namespace flightsim {
+
+using program::NS_PER_SECOND;
+using program::steadyNow_ns;
 
 bool Recorder::open(const RecorderOptions& options, std::string& message) {
     m_options = options;
@@ -20,9 +24,9 @@ bool Recorder::open(const RecorderOptions& options, std::string& message) {
         message = "\"" + options.forward + "\" is the port that is recorded";
         return false;
     }
-    m_start_ns = steadyNow();
+    m_start_ns = steadyNow_ns();
     m_next_line_ns = m_start_ns + NS_PER_SECOND;
-    if (m_writer.open(options.file, RecordingFormat::whole, wallNow())) return true;
+    if (m_writer.open(options.file, RecordingFormat::whole, program::wallNow_ns())) return true;
     message = m_writer.getMessage();
     return false;
 }
@@ -33,7 +37,7 @@ bool Recorder::run(const StopFlag& stop, std::string& message) {
             ? m_start_ns + static_cast<std::int64_t>(m_options.seconds * double(NS_PER_SECOND))
             : std::numeric_limits<std::int64_t>::max();
     bool good = record(until_ns, stop);
-    const std::int64_t end_ns = std::min(until_ns, steadyNow());
+    const std::int64_t end_ns = std::min(until_ns, steadyNow_ns());
     // Datagrams that came in before the end may still wait; the first ones of a socket carry no
     // time of the system's that would tell. As many as fit into the socket, so that a sender which
     // goes on can't keep us here.
@@ -53,7 +57,7 @@ bool Recorder::run(const StopFlag& stop, std::string& message) {
 bool Recorder::record(std::int64_t until_ns, const StopFlag& stop) {
     constexpr std::int64_t LOOK_AT_STOP_NS = NS_PER_SECOND / 5;
     while (!stop && !isFull()) {
-        const std::int64_t now_ns = steadyNow();
+        const std::int64_t now_ns = steadyNow_ns();
         if (now_ns >= until_ns) break;
         if (now_ns >= m_next_line_ns) {
             if (!m_writer.flush()) return false;

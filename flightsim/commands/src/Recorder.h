@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "flightsim/link/Clock.h"
+#include "flightsim/link/StopFlag.h"
 #include "flightsim/link/UdpLink.h"
 #include "flightsim/recording/Recording.h"
 

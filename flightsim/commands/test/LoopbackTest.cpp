@@ -2,6 +2,7 @@
 #include "Fly.h"
 #include "Recorder.h"
 #include "Replay.h"
+#include "common/program/Clock.h"
 #include "flightsim/testkit/TestFiles.h"
 
 #include <algorithm>
@@ -10,6 +11,10 @@
 
 namespace flightsim {
 namespace {
+
+using program::NS_PER_MS;
+using program::NS_PER_SECOND;
+using program::steadyNow_ns;
 
 /// Receives like the channel does, at a port that the system chooses.
 class Receiver {
@@ -22,8 +27,8 @@ public:
     /// Waits for `count` datagrams, for a minute at most.
     std::vector<TimedBytes> take(std::size_t count) {
         std::vector<TimedBytes> result;
-        const std::int64_t end_ns = steadyNow() + 60 * NS_PER_SECOND;
-        while (result.size() < count && steadyNow() < end_ns) {
+        const std::int64_t end_ns = steadyNow_ns() + 60 * NS_PER_SECOND;
+        while (result.size() < count && steadyNow_ns() < end_ns) {
             if (!m_socket.waitReadable(end_ns)) continue;
             if (const auto arrival = m_socket.receive(m_buffer))
                 result.push_back({arrival->steady_ns,
@@ -210,8 +215,9 @@ TEST_F(Loopback, AFlightSendsRecordsAtItsRateAboveTheGroundThatTheChannelReports
     ASSERT_TRUE(fly.open(options, message)) << message;
     Sender channel(fly.getLink().getListenPort());
     std::thread thread = start(fly);
-    const std::int64_t up_ns = steadyNow() + NS_PER_SECOND / 4; // the channel takes time to start
-    sleepUntil(up_ns);
+    const std::int64_t up_ns =
+        steadyNow_ns() + NS_PER_SECOND / 4; // the channel takes time to start
+    program::sleepUntil(up_ns);
     channel.send(Bytes(sizeof(UdpSendData)));
     std::vector<TimedBytes> received;
     UdpRecvData record{};

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "flightsim/link/HostLink.h"
 
+#include "common/program/Clock.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -8,6 +10,22 @@
 #include <cstring>
 
 namespace flightsim {
+
+using program::NS_PER_SECOND;
+using program::steadyNow_ns;
+
+namespace {
+
+/// Waits until `due_ns` on the steady clock: asleep until 200 µs before, since that is about what
+/// waking up may take, then awake. Returns within a few microseconds of it on an idle machine.
+void waitExactly(std::int64_t due_ns) {
+    constexpr std::int64_t SPIN_NS = 200'000;
+    if (due_ns - SPIN_NS > steadyNow_ns()) program::sleepUntil(due_ns - SPIN_NS);
+    while (steadyNow_ns() < due_ns) { // also when a signal cut the sleep short
+    }
+}
+
+} // namespace
 
 bool HostLink::open(const LinkOptions& options, std::string& message) {
     m_options = options;
@@ -17,16 +35,16 @@ bool HostLink::open(const LinkOptions& options, std::string& message) {
     if (!m_sender.open(message)) return false;
     if (options.feedback && !m_listener.bind(options.listen, message)) return false;
     if (!options.feedback_csv.empty() && !m_csv.open(options.feedback_csv, message)) return false;
-    m_start_ns = steadyNow();
+    m_start_ns = steadyNow_ns();
     m_next_row_ns = m_start_ns + NS_PER_SECOND;
     return true;
 }
 
 void HostLink::awaitFeedback(double seconds, const StopFlag& stop) {
     constexpr std::int64_t LOOK_AT_STOP_NS = NS_PER_SECOND / 5;
-    const std::int64_t end_ns = steadyNow() + std::llround(seconds * double(NS_PER_SECOND));
-    std::int64_t now_ns = steadyNow();
-    for (; !stop && getFeedback().received == 0 && now_ns < end_ns; now_ns = steadyNow())
+    const std::int64_t end_ns = steadyNow_ns() + std::llround(seconds * double(NS_PER_SECOND));
+    std::int64_t now_ns = steadyNow_ns();
+    for (; !stop && getFeedback().received == 0 && now_ns < end_ns; now_ns = steadyNow_ns())
         if (m_listener.waitReadable(std::min(end_ns, now_ns + LOOK_AT_STOP_NS))) receiveOne();
     m_start_ns = now_ns;
     m_next_row_ns = m_start_ns + NS_PER_SECOND;
@@ -34,8 +52,8 @@ void HostLink::awaitFeedback(double seconds, const StopFlag& stop) {
 
 bool HostLink::sendAt(std::int64_t time_ns, std::span<const std::uint8_t> record,
                       const StopFlag& stop) {
-    if (!waitUntil(m_pacer.due(time_ns, steadyNow()), stop)) return false;
-    m_pacer.sent(steadyNow());
+    if (!waitUntil(m_pacer.due(time_ns, steadyNow_ns()), stop)) return false;
+    m_pacer.sent(steadyNow_ns());
     if (m_sender.send(m_to, record)) {
         m_sent++;
     } else if (m_failed++ == 0) {
@@ -47,14 +65,14 @@ bool HostLink::sendAt(std::int64_t time_ns, std::span<const std::uint8_t> record
 bool HostLink::waitUntil(std::int64_t due_ns, const StopFlag& stop) {
     // Feedback has to wait during the last millisecond, which belongs to the record. Its time of
     // arrival is stamped by the system, so that nothing is lost by that.
-    constexpr std::int64_t UNDISTURBED_NS = NS_PER_MS;
+    constexpr std::int64_t UNDISTURBED_NS = program::NS_PER_MS;
     constexpr std::int64_t LOOK_AT_STOP_NS = NS_PER_SECOND / 5;
     // Without time to spare, as in a fast replay, a few datagrams per record are still taken.
     for (int i = 0; i < 4 && receiveOne(); i++) {
     }
     for (;;) {
         if (stop) return false;
-        const std::int64_t now_ns = steadyNow();
+        const std::int64_t now_ns = steadyNow_ns();
         if (now_ns >= m_next_row_ns) showRow(now_ns);
         if (due_ns - now_ns <= UNDISTURBED_NS) break;
         const std::int64_t until_ns =
@@ -62,7 +80,7 @@ bool HostLink::waitUntil(std::int64_t due_ns, const StopFlag& stop) {
         // One datagram, then another look at the clock: a flood can't hold up the record.
         if (m_listener.waitReadable(until_ns)) receiveOne();
     }
-    sleepUntil(due_ns);
+    waitExactly(due_ns);
     return true;
 }
 
@@ -92,9 +110,9 @@ void HostLink::showRow(std::int64_t now_ns) {
 
 bool HostLink::finish(std::string& message) {
     constexpr std::int64_t ON_THE_WAY_NS = NS_PER_SECOND / 10;
-    const std::int64_t end_ns = steadyNow();
+    const std::int64_t end_ns = steadyNow_ns();
     if (m_listener.isOpen()) {
-        while (steadyNow() < end_ns + ON_THE_WAY_NS)
+        while (steadyNow_ns() < end_ns + ON_THE_WAY_NS)
             if (m_listener.waitReadable(end_ns + ON_THE_WAY_NS)) receiveOne();
     }
     printSummary(sinceStart_s(end_ns));

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "flightsim/link/Pacer.h"
 
-#include "flightsim/link/Clock.h"
+#include "common/program/Clock.h"
 
 #include <algorithm>
 
 namespace flightsim {
 
 std::int64_t Pacer::due(std::int64_t time_ns, std::int64_t now_ns) {
-    constexpr std::int64_t GIVE_UP_NS = NS_PER_SECOND / 2;
+    constexpr std::int64_t GIVE_UP_NS = program::NS_PER_SECOND / 2;
     const std::int64_t step_ns = time_ns - m_time_ns;
     m_time_ns = time_ns;
     if (!m_started) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "flightsim/link/UdpLink.h"
 
-#include "flightsim/link/Clock.h"
+#include "common/program/Clock.h"
 
 #include <algorithm>
 #include <arpa/inet.h>
@@ -15,6 +15,9 @@
 
 namespace flightsim {
 
+using program::NS_PER_SECOND;
+using program::steadyNow_ns;
+
 namespace {
 
 /// Both the channel's datagrams and a whole second of records must fit while this side is busy.
@@ -23,8 +26,8 @@ constexpr int RECEIVE_BUFFER_SIZE = 1 << 20;
 /// When a datagram came in, on the steady clock. The system stamps it on the wall clock; what that
 /// shows to have passed since is taken off. A wall clock that was set meanwhile is not believed.
 std::int64_t arrivalTime(msghdr& message) {
-    const std::int64_t now_ns = steadyNow();
-    const std::int64_t wall_ns = wallNow();
+    const std::int64_t now_ns = steadyNow_ns();
+    const std::int64_t wall_ns = program::wallNow_ns();
     for (cmsghdr* c = CMSG_FIRSTHDR(&message); c; c = CMSG_NXTHDR(&message, c)) {
         if (c->cmsg_level != SOL_SOCKET || c->cmsg_type != SCM_TIMESTAMPNS) continue;
         timespec stamp;
@@ -133,7 +136,7 @@ std::optional<Arrival> UdpSocket::receive(std::span<std::uint8_t> buffer) {
 }
 
 bool UdpSocket::waitReadable(std::int64_t until_ns) const {
-    const std::int64_t left_ns = std::max<std::int64_t>(0, until_ns - steadyNow());
+    const std::int64_t left_ns = std::max<std::int64_t>(0, until_ns - steadyNow_ns());
     const timespec timeout{left_ns / NS_PER_SECOND, left_ns % NS_PER_SECOND};
     pollfd entry{m_socket, POLLIN, 0}; // a negative descriptor is skipped by the system
     // An error pending on the socket counts too: `receive` takes it off.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "flightsim/link/Pacer.h"
-#include "flightsim/link/Clock.h"
+#include "common/program/Clock.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -8,6 +8,9 @@
 
 namespace flightsim {
 namespace {
+
+using program::NS_PER_MS;
+using program::NS_PER_SECOND;
 
 constexpr std::int64_t STEP_NS = 20 * NS_PER_MS;
 constexpr std::int64_t START_NS = 5'000 * NS_PER_SECOND;

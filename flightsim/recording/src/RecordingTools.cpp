@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "flightsim/recording/RecordingTools.h"
 
+#include "common/program/Clock.h"
 #include "common/wire/UdpRecvData.h"
 
 #include <algorithm>
@@ -83,7 +84,7 @@ void Contents::decode(const Record& record) {
 long long printable(std::int64_t value) { return value; }
 
 std::string utc(std::int64_t wall_ns) {
-    const std::time_t seconds = wall_ns / 1'000'000'000;
+    const std::time_t seconds = wall_ns / program::NS_PER_SECOND;
     std::tm parts{};
     char text[64] = "unknown";
     if (gmtime_r(&seconds, &parts))

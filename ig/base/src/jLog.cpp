@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ig/base/jLog.h"
 
-#include <chrono>
+#include "common/program/Clock.h"
+
 #include <cmath>
 #include <cstdarg>
 #include <cstdio>
@@ -21,11 +22,6 @@ jLog::Sink& currentSink() {
 LogLimiter::Clock& currentClock() {
     static LogLimiter::Clock clock;
     return clock;
-}
-
-double steadySeconds() {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
-        .count();
 }
 
 spdlog::logger& console() {
@@ -79,7 +75,7 @@ void jLog::setSink(Sink sink) { currentSink() = std::move(sink); }
 void LogLimiter::setClock(Clock clock) { currentClock() = std::move(clock); }
 
 bool LogLimiter::allow(int* held_back) {
-    const double now = currentClock() ? currentClock()() : steadySeconds();
+    const double now = currentClock() ? currentClock()() : program::steadyNow();
     if (std::abs(now - m_last) < 1.0) { // one that lies ahead is another clock's
         m_held_back++;
         return false;

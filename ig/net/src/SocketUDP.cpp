@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "ig/net/SocketUDP.h"
 
+#include "common/program/Clock.h"
 #include "ig/base/jLog.h"
 
 #include <algorithm>
 #include <arpa/inet.h>
 #include <cerrno>
-#include <chrono>
 #include <cstring>
 #include <fcntl.h>
 #include <limits>
@@ -57,11 +57,6 @@ std::uint32_t parseAddress(const jString& ip) {
     in_addr address{};
     if (ip == "localhost") return htonl(INADDR_LOOPBACK);
     return inet_pton(AF_INET, ip.c_str(), &address) == 1 ? address.s_addr : 0;
-}
-
-double steadySeconds() {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
-        .count();
 }
 
 bool isPort(int port) { return port >= 1 && port <= 65535; }
@@ -200,7 +195,7 @@ int SocketUDP::endDrain(int error) {
 
 void SocketUDP::noteReceived(int length, std::uint32_t address, int port) {
     SocketStatistics& s = m_statistics;
-    s.last_received = steadySeconds();
+    s.last_received = program::steadyNow();
     if (s.datagrams_received == 0) s.first_received = s.last_received;
     s.smallest = s.datagrams_received ? std::min(s.smallest, length) : length;
     s.largest = std::max(s.largest, length);

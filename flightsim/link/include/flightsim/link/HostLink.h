@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "flightsim/link/Clock.h"
 #include "flightsim/link/Feedback.h"
 #include "flightsim/link/Pacer.h"
+#include "flightsim/link/StopFlag.h"
 #include "flightsim/link/UdpLink.h"
 
 #include <cstdint>
