@@ -47,7 +47,8 @@ TYPE_KEYS = {
     "rope": {"radius", "material"},
     "decal": {"width", "height", "material"},
     "light": {"material"},
-    "field": {"parameters"},
+    "field": {"parameters", "reach"},
+    "downdraught": {"radius", "fades"},
     "ocean": set(),
     "terrain": {"raster", "material"},
 }
@@ -66,7 +67,7 @@ NODES = {
                                      "glass_top_left", "windows", "wheel_front", "wheel_left",
                                      "wheel_right")},
         **{name: "particles" for name in ("fire_spe", "downwash_spe", *EMITTERS)},
-        "field_anim": "field", "tail_light": "light",
+        "field_anim": "field", "downdraught": "downdraught", "tail_light": "light",
     },
     f"{PREFABS}/SM_055_CN_2023/SM_055_CN_2023.prefab": {
         "hull": "mesh", "superstructure": "mesh", "deck": "mesh", "qizi1": None, "qizi2": None,

@@ -38,6 +38,7 @@ struct Stage : LogicScene {
         useProjectData();
         start();
         frame(STEP);
+        helicopterNode("downdraught")->setEnabled(false); // until a view is about it
         picture.particles = &particles;
         picture.focus = logic->m_heli->m_prefab;
         eye.setPerspective(50, 16.0f / 9, 0.1, 1e7);
@@ -188,15 +189,12 @@ const View VIEWS[] = {
          s.flown.sea_code = 3;
          s.hoverByFrigate(-150, 0, 9, 250);
          s.run(6);
-         s.picture.wash_position = s.logic->m_heli->get_world_position();
-         s.picture.wash_radius = 9.5f;
-         s.picture.wash_strength = 1;
+         s.helicopterNode("downdraught")->setEnabled(true);
          s.lookAtHelicopter(22, -18, -1);
      }},
     {"rainy_cockpit",
      [](Stage& s) {
          s.land();
-         s.picture.wash_strength = 0;
          s.picture.overcast = s.picture.cloud_darkness = 1;
          s.picture.flash = 0.5f;
          s.picture.bolt_azimuth = 45;

@@ -7,7 +7,6 @@
 #include "ig/app/ControlApp.h"
 #include "ig/app/Engine.h"
 #include "ig/app/Sky.h"
-#include "ig/math/jMath.h"
 #include "ig/scene/Camera.h"
 #include "ig/scene/ObjectPrefab.h"
 #include "ig/scene/SceneObjects.h"
@@ -31,8 +30,6 @@ constexpr double FASTEST_EYE = 400;       ///< m/s; what is faster has jumped
 constexpr double EYE_SMOOTHING = 0.15;    ///< s; host records come unevenly
 constexpr double DAY = 24;                ///< hours
 constexpr float DARK = 0.5f;              ///< clouds of which lightning comes
-constexpr float ROTOR_RADIUS = 9.5f;      ///< m
-constexpr float WASH_FADES_FROM = 8, WASH_FADES_TO = 30; ///< altitude over the water, m
 
 // What the keys go through; the first of each is "as told".
 constexpr int LOOK_KEY = KEY_F7, SHOWER_KEY = KEY_F8, SEA_KEY = 'b', HOUR_KEY = 't';
@@ -227,7 +224,6 @@ void Environment::fillFrame(const Camera& camera, const ObjectPrefab* helicopter
     frame.eye_velocity = m_eye_velocity;
     fillSky(Engine::get()->getEllipsoidModel()->toWGS(camera.getWorldPosition(), true).x, time,
             frame);
-    fillDownwash(helicopter, frame);
 }
 
 void Environment::fillSky(double longitude, double time, FrameInfo& frame) const {
@@ -252,18 +248,6 @@ void Environment::fillSky(double longitude, double time, FrameInfo& frame) const
     frame.flash = light.flash;
     frame.bolt_azimuth = light.azimuth;
     frame.bolt_shape = light.shape;
-}
-
-/// The water feels the rotor as long as the logic shows its downwash.
-void Environment::fillDownwash(const ObjectPrefab* helicopter, FrameInfo& frame) {
-    frame.wash_strength = 0;
-    const Node* node = helicopter ? helicopter->getNodeByName("downwash_spe") : nullptr;
-    if (!node || !node->isVisible()) return;
-    frame.wash_position = helicopter->getWorldPosition();
-    frame.wash_radius = ROTOR_RADIUS;
-    const double altitude = Engine::get()->getEllipsoidModel()->getAltitude(frame.wash_position);
-    frame.wash_strength =
-        jMath::getFadeOut(static_cast<float>(altitude), WASH_FADES_TO, WASH_FADES_FROM);
 }
 
 std::string Environment::describe() const {

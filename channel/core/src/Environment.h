@@ -45,7 +45,7 @@ public:
     /// Once per frame, after the logic's update and before physics and particles. `dt`: by how much
     /// the scene moves on, 0 while it stands still. Precipitation falls around `camera`.
     void update(float dt, const ig::Camera& camera);
-    /// Fills in what concerns light, air and water. The hour counts at the camera's longitude;
+    /// Fills in what concerns light and air. The hour counts at the camera's longitude;
     /// `helicopter` may be null; `time` is the scene's.
     void fillFrame(const ig::Camera& camera, const ig::ObjectPrefab* helicopter, double time,
                    ig::FrameInfo& frame) const;
@@ -84,7 +84,6 @@ private:
     void applyPrecipitation(const Weather& weather, const ig::Camera& camera);
     void tellLogic();
     void fillSky(double longitude, double time, ig::FrameInfo& frame) const;
-    static void fillDownwash(const ig::ObjectPrefab* helicopter, ig::FrameInfo& frame);
 
     LogicBase* m_logic = nullptr;   ///< the application's
     ObjectOcean* m_ocean = nullptr; ///< the world's

@@ -160,12 +160,27 @@ Node* createField(const NodeReader& r) {
     auto* field = new NodeField();
     dvec3 parameters;
     r.readTriple("parameters", parameters);
+    vec2 reach = field->getReach();
+    r.readPair("reach", reach);
+    field->setReach(reach);
     field->setParameter(0, static_cast<float>(parameters.x));
     field->setParameter(1, static_cast<float>(parameters.y));
     field->setParameter(2, static_cast<float>(parameters.z));
     return field;
 }
-const bool FIELD = NodeFactory::add("field", createField, {{triple, {"parameters"}}});
+const bool FIELD = NodeFactory::add("field", createField,
+                                    {{triple, {"parameters"}}, {pair, {"reach"}, nullptr, 0.01}});
+
+Node* createDowndraught(const NodeReader& r) {
+    const float radius = r.getNumber("radius");
+    vec2 fades{8, 30};
+    if (!r.readPair("fades", fades)) return nullptr;
+    if (radius > 0 && std::isfinite(radius)) return new NodeDowndraught(radius, fades);
+    r.report("a downdraught needs a positive radius, not", r.getPackage().getString("radius"));
+    return nullptr;
+}
+const bool DOWNDRAUGHT = NodeFactory::add("downdraught", createDowndraught,
+                                          {{number, {"radius"}}, {pair, {"fades"}, nullptr, 0}});
 
 Node* createCamera(const NodeReader&) { return new Camera(); }
 const bool CAMERA = NodeFactory::add("camera", createCamera, {});

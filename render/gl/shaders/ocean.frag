@@ -12,7 +12,8 @@ uniform vec4 uSlopeVariance; // of each tile, each axis
 uniform vec4 uFoam;          // threshold, width and spread of the breaking measure; mean of tile 2
 uniform vec4 uWind;          // where it blows (unit), slope variance of the ripples, streaks 0 to 1
 uniform vec4 uFoamOrigin;    // nadir along and across the wind in the noise's period; crest height;
-uniform vec4 uWash;          // rotor downwash: place in the plane from the nadir, radius, strength
+uniform vec4 uDowndraughts[4]; // place in the plane from the nadir, radius, strength
+uniform int uNumDowndraughts;
 uniform sampler2D uSlope0, uSlope1, uSlope2, uSlope3;
 uniform sampler2D uNoise;
 uniform sampler2D uEffects, uFarEffects;       // slopes, foam and calm of wakes around the eye
@@ -82,15 +83,15 @@ vec4 effectsHere() {
     return mix(near, far, beyond);
 }
 
-/// Rings that run outwards under a rotor, and the foam that they tear off. Returns the foam.
-float downwash(inout Sea sea) {
-    vec2 q = vPlane - uWash.xy;
-    float r = length(q), x = r / max(uWash.z, 0.1);
-    if (uWash.w <= 0.0 || x > 4.5) return 0.0;
+/// Rings that run outwards under wind from above, and the foam that they tear off. Returns the foam.
+float downdraught(vec4 wind, inout Sea sea) {
+    vec2 q = vPlane - wind.xy;
+    float r = length(q), x = r / max(wind.z, 0.1);
+    if (x > 4.5) return 0.0;
     vec2 outward = q / max(r, 0.01);
     float angle = atan(q.y, q.x) / 6.2831853;
     float ripple = texture(uNoise, vec2(angle * 7.0, r / 22.0 - uTime.x * 0.45)).x;
-    float strength = smoothstep(0.15, 0.7, x) * exp(-max(x - 1.0, 0.0) * 1.1) * uWash.w;
+    float strength = smoothstep(0.15, 0.7, x) * exp(-max(x - 1.0, 0.0) * 1.1) * wind.w;
     float near = r * 3.9 - uTime.x * 13.0 + 1.6 * ripple, far = r * 1.9 - uTime.x * 8.5 - 1.3 * ripple;
     sea.slope = mix(sea.slope, sea.slope * 0.5, strength) +
                 outward * strength * (0.20 * cos(near) + 0.16 * cos(far));
@@ -108,7 +109,9 @@ void main() {
     vec4 effects = effectsHere();
     sea.slope = sea.slope * (1.0 - 0.5 * effects.w) + (effects.xy - 0.50196078) * 0.5;
     sea.variance *= 1.0 - 0.75 * effects.w;
-    float torn_off = downwash(sea);
+    float torn_off = 0.0;
+    for (int i = 0; i < uNumDowndraughts; i++)
+        torn_off = max(torn_off, downdraught(uDowndraughts[i], sea));
 
     vec3 normal = normalize(vec3(-sea.slope, 1.0));
     float c = max(dot(normal, toEye), 0.02), sigma = sqrt(sea.variance);

@@ -21,8 +21,6 @@ constexpr int TUFTS = 100;         ///< on a full square
 constexpr int PLANTED_A_FRAME = 6; ///< squares; what bounds the cost when the eye moves fast
 constexpr int KEPT = 300;          ///< frames that a square outlives its last use
 constexpr double STEEPEST = 0.6;   ///< rise over run that grass still grows on
-constexpr float FIELD_RADIUS = 13; ///< m around a field until its force is down to a third
-constexpr float FIELD_HEIGHT = 25; ///< m above the ground where a field's force ends
 
 float hash(std::uint32_t n) {
     n = (n ^ (n >> 15)) * 2246822519u;
@@ -244,9 +242,9 @@ void GrassPass::setField(const FrameView& view, const std::vector<const NodeFiel
         const vec3 at(view.toFrame(field->getWorldPosition()));
         if (length(at) >= nearest) continue;
         nearest = length(at);
-        place = vec4(at, FIELD_RADIUS);
+        place = vec4(at, field->getReach().x);
         motion = {field->getParameter(0), field->getParameter(1), field->getParameter(2),
-                  FIELD_HEIGHT};
+                  field->getReach().y};
     }
     m_program.set("uField", place);
     m_program.set("uFieldMotion", motion);

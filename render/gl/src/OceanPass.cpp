@@ -384,8 +384,8 @@ void OceanPass::setWaveUniforms(const FrameView& view, const OceanFrame& frame) 
                        static_cast<float>(frame.significant_height), 0));
 }
 
-void OceanPass::draw(const FrameView& view, const OceanFrame& frame, const Downwash& wash,
-                     const WakePass& wakes) {
+void OceanPass::draw(const FrameView& view, const OceanFrame& frame,
+                     const std::vector<vec4>& downdraughts, const WakePass& wakes) {
     m_program.use();
     const Fan fan = fitFan(view, frame);
     m_program.set("uFan", vec4(fan.azimuth, fan.azimuth_range, fan.steepest, fan.flattest));
@@ -393,7 +393,9 @@ void OceanPass::draw(const FrameView& view, const OceanFrame& frame, const Downw
                   vec4(static_cast<float>(m_columns - 1), static_cast<float>(m_rows - 1),
                        fan.row_height, static_cast<float>(1 / (2 * EllipsoidModel::MEAN_RADIUS))));
     setWaveUniforms(view, frame);
-    m_program.set("uWash", vec4(wash.position.x, wash.position.y, wash.radius, wash.strength));
+    const int winds = std::min(static_cast<int>(downdraughts.size()), MOST_DOWNDRAUGHTS);
+    m_program.set("uNumDowndraughts", winds);
+    if (winds > 0) m_program.set("uDowndraughts", downdraughts.data(), winds);
     const WakePass::Map &near = wakes.getNear(), &far = wakes.getFar();
     m_program.set("uEffectsPlace", vec4(near.corner.x, near.corner.y, 1 / near.edge, 0));
     m_program.set("uFarEffectsPlace", vec4(far.corner.x, far.corner.y, 1 / far.edge, 0));

@@ -12,13 +12,6 @@ namespace ig {
 
 class WakePass;
 
-/// A helicopter's downwash on the water.
-struct Downwash {
-    vec3 position;      ///< of the rotor, E
-    float radius = 0;   ///< of the rotor, m
-    float strength = 0; ///< 0 to 1
-};
-
 /// Draws the sea from the very arrays that queries read, so that what floats sits in the water
 /// that one sees.
 class OceanPass {
@@ -29,11 +22,13 @@ public:
 
     /// Brings the waves to the device when they have changed.
     void upload(const OceanFrame& frame);
-    void draw(const FrameView& view, const OceanFrame& frame, const Downwash& wash,
+    /// `downdraughts` as the `SceneList` has them; the first four show.
+    void draw(const FrameView& view, const OceanFrame& frame, const std::vector<vec4>& downdraughts,
               const WakePass& wakes);
 
 private:
     static constexpr int TILES = 4, DISPLACED = 3;
+    static constexpr int MOST_DOWNDRAUGHTS = 4; ///< as in ocean.frag
     struct Fan { ///< part of the sea around the eye that the view can see
         float azimuth, azimuth_range, steepest, flattest, row_height;
     };

@@ -97,7 +97,6 @@ struct RendererGL::Impl {
     WakePass wakes;
     UiPass ui;
     ViewportPass viewports;
-    Downwash wash;
     gl::Texture noise;
     SceneList list;
     FrameView view;
@@ -256,7 +255,6 @@ void RendererGL::Impl::prepare(const World& world, const Camera& camera, const F
     shadow.fit(list.far_bounds, block);
     sprites.gather(view, frame, list.lamps, list.cables);
     wakes.gather(view, frame.particles, list.decals);
-    wash = {vec3(view.toFrame(frame.wash_position)), frame.wash_radius, frame.wash_strength};
     uploadBlock();
     meshes.upload(list, sky);
     if (list.ocean) ocean.upload(list.ocean->getFrame());
@@ -296,7 +294,7 @@ void RendererGL::Impl::drawScene(const World& world) {
     clock.mark("terrain");
     if (list.terrain) grass.draw(view, world, *list.terrain, list.fields);
     clock.mark("grass");
-    if (list.ocean) ocean.draw(view, list.ocean->getFrame(), wash, wakes);
+    if (list.ocean) ocean.draw(view, list.ocean->getFrame(), list.downdraughts, wakes);
     clock.mark("ocean");
     sky.drawBackground(view);
     sky.drawClouds(view, canvas->depth);

@@ -8,6 +8,7 @@
 #include "plugins/terrain/ObjectTerrain.h"
 
 #include <algorithm>
+#include <cmath>
 #include <tuple>
 
 namespace ig {
@@ -24,6 +25,7 @@ void SceneList::gather(const World& world, const FrameView& view, const vec3& sh
     decals.clear();
     pictures.clear();
     fields.clear();
+    downdraughts.clear();
     ocean = nullptr;
     terrain = nullptr;
     m_view = &view;
@@ -50,6 +52,9 @@ void SceneList::visit(const Node& node) {
         break;
     case NODE_FIELD:
         fields.push_back(static_cast<const NodeField*>(&node));
+        break;
+    case NODE_DOWNDRAUGHT:
+        addDowndraught(static_cast<const NodeDowndraught&>(node));
         break;
     case OBJECT_OCEAN:
         ocean = static_cast<const ObjectOcean*>(&node);
@@ -133,6 +138,12 @@ void SceneList::addLamp(const Node& node) {
     lamps.push_back({position, readValue(material, "diffuse_color", {1, 1, 1, 1}).xyz(), power});
 }
 
+void SceneList::addDowndraught(const NodeDowndraught& wind) {
+    const float strength = wind.getStrength();
+    const vec3 place(m_view->toFrame(wind.getSource()));
+    if (strength > 0) downdraughts.push_back({place.x, place.y, wind.getRadius(), strength});
+}
+
 namespace {
 auto batchKey(const MeshItem& item) {
     const SurfaceLook& l = item.look;
@@ -150,6 +161,9 @@ void SceneList::sort() {
     std::sort(far_casters.begin(), far_casters.end(), by_batch);
     std::sort(transparent.begin(), transparent.end(),
               [](const MeshItem& a, const MeshItem& b) { return a.distance > b.distance; });
+    std::sort(downdraughts.begin(), downdraughts.end(), [](const vec4& a, const vec4& b) {
+        return std::hypot(a.x, a.y) < std::hypot(b.x, b.y);
+    });
 }
 
 } // namespace ig

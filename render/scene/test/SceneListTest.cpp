@@ -185,3 +185,29 @@ TEST_F(SceneListOf, EqualThingsAdjoinAndGlassGoesFarToNear) {
     EXPECT_EQ(list.opaque.size(), 6U);
     EXPECT_EQ(list.opaque.data(), memory);
 }
+
+TEST_F(SceneListOf, EveryPrefabBlowsOnTheSeaAsItsFileSays) {
+    WorkingFolder folder;
+    folder.write("large.prefab", "node: {type: downdraught, radius: 9.5}\n");
+    folder.write("small.prefab", "node: {name: mast, children: [{name: wind, type: downdraught, "
+                                 "position: [0, 0, -5], radius: 4, fades: [10, 20]}]}\n");
+    const auto fly = [this](const char* path, double metres_north, double altitude) {
+        auto* aircraft = new ObjectPrefab(path);
+        aircraft->setWgsPosition({-155, 20 + metres_north / 110704, altitude});
+        world.addNode(aircraft);
+        return aircraft->getNodeByName("wind");
+    };
+    fly("small.prefab", 300, 15); // half way, the wind's node 5 m lower
+    fly("small.prefab", 200, 5)->setEnabled(false);
+    fly("large.prefab", 400, 31); // beyond the default
+    fly("large.prefab", 100, 7);
+    gather();
+    ASSERT_EQ(list.downdraughts.size(), 2U);
+    const vec4 near = list.downdraughts[0], far = list.downdraughts[1];
+    EXPECT_LT(std::hypot(near.x, near.y - 100), 0.1f);
+    EXPECT_EQ(near.z, 9.5f);
+    EXPECT_EQ(near.w, 1);
+    EXPECT_LT(std::hypot(far.x, far.y - 300), 0.1f);
+    EXPECT_EQ(far.z, 4);
+    EXPECT_NEAR(far.w, 0.5, 1e-4);
+}

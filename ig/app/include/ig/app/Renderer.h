@@ -37,13 +37,10 @@ struct FrameInfo {
     float bolt_azimuth = 0;             ///< degrees clockwise from north
     float bolt_shape = 0;               ///< 0 to 1, the same as long as a bolt lasts
     dvec3 eye_velocity; ///< world, m/s: drops are streaked by the way they pass the eye
-    /// The helicopter: where shadows are sharpest, and what its own radar doesn't see; null: none,
+    /// Where shadows are sharpest, and what radar cameras, which it carries, don't see; null: none,
     /// and shadows around the camera.
     const Node* focus = nullptr;
     const ParticleSystem* particles = nullptr;
-    /// A helicopter's downwash on the water: the rotor's middle (world), its radius, 0 to 1.
-    dvec3 wash_position;
-    float wash_radius = 0, wash_strength = 0;
     const UiDrawList* ui = nullptr; ///< drawn last; null: none
     /// Its viewports are drawn where `ui` shows them; null: none.
     const UIRoot* ui_root = nullptr;

@@ -16,6 +16,7 @@ enum NodeType {
     NODE_DUMMY = 0,
     NODE_FIELD = 2,
     NODE_CAMERA = 3,
+    NODE_DOWNDRAUGHT = 4,
     DECAL_ORTHO = 8,
     OBJECT_MESH = 16,
     OBJECT_PREFAB = 18,

@@ -143,15 +143,41 @@ public:
     }
 };
 
-/// Something that flutters with the rotor's wind (grass, dust); three free parameters.
+/// Wind that makes the grass around it flutter.
 class NodeField : public Node {
 public:
     NodeField() : Node(NODE_FIELD) {}
-    float getParameter(int i) const { return m_parameters[i]; } ///< i from 0 to 2
+    /// How far blades lean away, how much they shiver, how much they are pressed down, 0 to 1 each;
+    /// i from 0 to 2.
+    float getParameter(int i) const { return m_parameters[i]; }
     void setParameter(int i, float value) { m_parameters[i] = value; }
+    /// How far from the field its force is down to a third, and how high above the ground the field
+    /// has none, m.
+    const vec2& getReach() const { return m_reach; }
+    void setReach(const vec2& reach) { m_reach = reach; }
 
 private:
     float m_parameters[3] = {};
+    vec2 m_reach{13, 25};
+};
+
+/// Wind of a rotor, or of whatever else blows down: where it meets the sea, rings run outwards and
+/// foam is torn off while the node can be seen. It comes from the place of the prefab that the node
+/// belongs to, without one from its own; the node itself may lie on the surface, among the emitters
+/// of the same wind.
+class NodeDowndraught : public Node {
+public:
+    /// `radius` of the rotor, m; `fades`: altitudes of its place from and to which the wind's force
+    /// goes from 1 to 0.
+    NodeDowndraught(float radius, const vec2& fades)
+        : Node(NODE_DOWNDRAUGHT), m_radius(radius), m_fades(fades) {}
+    float getRadius() const { return m_radius; }
+    dvec3 getSource() const; ///< world
+    float getStrength() const;
+
+private:
+    float m_radius;
+    vec2 m_fades;
 };
 
 } // namespace ig

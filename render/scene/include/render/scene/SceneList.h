@@ -15,6 +15,7 @@ namespace ig {
 class DecalOrtho;
 class Mesh;
 class Node;
+class NodeDowndraught;
 class NodeField;
 class ObjectRope;
 class World;
@@ -51,7 +52,8 @@ public:
     void gather(const World& world, const FrameView& view, const vec3& shadow_center,
                 float shadow_radius);
 
-    /// Brings batches together and what lets light through into order; after all has been added.
+    /// Brings batches together, and what lets light through and downdraughts into order; after all
+    /// has been added.
     void sort();
 
     const Node* left_out = nullptr; ///< set before `gather`: with all below it; null: none
@@ -66,6 +68,7 @@ public:
     std::vector<const DecalOrtho*> decals;   ///< without texture: of wakes
     std::vector<const DecalOrtho*> pictures; ///< decals with one
     std::vector<const NodeField*> fields;
+    std::vector<vec4> downdraughts; ///< x and y in E, radius, strength above 0; nearest first
     const ObjectOcean* ocean = nullptr;
     const ObjectTerrain* terrain = nullptr;
 
@@ -76,6 +79,7 @@ private:
     void addMesh(const Node& node);
     bool castsFar(const vec3& center, float radius) const;
     void addLamp(const Node& node);
+    void addDowndraught(const NodeDowndraught& wind);
 
     const FrameView* m_view = nullptr;
     vec3 m_shadow_center;
