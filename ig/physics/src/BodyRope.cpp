@@ -20,7 +20,7 @@ constexpr double SUBSTEP = 1.0 / 120;
 constexpr double FOLLOWER_RATE = 2;     ///< ω, rad/s: slower than record jitter, as fast as flight
 constexpr double MAX_ACCELERATION = 6;  ///< m/s², of the follower; a hard manoeuvre
 constexpr double START_TIME = 1;        ///< s of the first line through the anchor
-constexpr double JUMP = 15;             ///< m in one step: faster than any helicopter
+constexpr double JUMP = 15;             ///< m in one step: faster than anything that carries a load
 constexpr double LOAD_DAMPING = 0.4;    ///< 1/s, the air's; lets a swing die away in seconds
 constexpr double MAX_REEL_SPEED = 8;    ///< m/s
 constexpr double REEL_ACCELERATION = 5; ///< m/s²
@@ -213,7 +213,7 @@ void BodyRope::swing(const dvec3& up, double h) {
 }
 
 /// Puts a load that is in the ground onto it, and one that stood on it as well, so that it doesn't
-/// hop while the helicopter climbs; whether it did. Never above the anchor.
+/// hop while the anchor climbs; whether it did. Never above the anchor.
 bool BodyRope::settle(dvec3& load, const dvec3& up) const {
     const double floor = std::min(dot(m_ground - m_place, up) + m_reach, -MIN_LENGTH);
     const double gap = dot(load, up) - floor;

@@ -4,7 +4,7 @@
 namespace ig {
 
 namespace {
-// Metres: mountains above the helicopter and, from any altitude that it reaches, the sea.
+// Metres: mountains above the radar and, from any altitude that its carrier reaches, the sea.
 constexpr double RADAR_NEAR = -10000, RADAR_FAR = 20000;
 } // namespace
 

@@ -15,10 +15,9 @@ class NodeField;
 class World;
 
 /// Grass around an eye near the ground: tufts of five blades that stand where the open ground of
-/// the terrain is level and dry, thin out with distance, and lean away from the rotor as the
-/// nearest field of the scene tells. A field's parameters are how far blades below it lean (1:
-/// flat), how much they shiver, and how much they are pressed down; all die away around it and with
-/// its height.
+/// the terrain is level and dry, thin out with distance, and lean away from the nearest field of
+/// the scene as it tells. A field's parameters are how far blades below it lean (1: flat), how much
+/// they shiver, and how much they are pressed down; all die away around it and with its height.
 ///
 /// The ground is divided into squares whose tufts are placed when the square comes near, a few
 /// squares a frame, and forgotten when it is far.

@@ -29,7 +29,7 @@ struct FrameInfo;
 ///
 /// Then what stands up from the ground is laid over it, brighter the more it shows to the side:
 /// each mesh of some size, as the rectangle of its bounds, never smaller than a few texels, so that
-/// a ship is seen at any range. The frame's focus, the radar's own helicopter, is left out.
+/// a ship is seen at any range. The frame's focus, which carries the radar, is left out.
 ///
 /// The gain multiplies every echo before it is cut off at full brightness.
 class RadarPass {

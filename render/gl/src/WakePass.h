@@ -16,7 +16,7 @@ struct ParticleCloud;
 
 /// Paints what ships leave on the water onto two maps of effects around the eye, which the sea
 /// reads: slopes east and north (128 is level, 255 a slope of 1/4), foam, calm. The near map shows
-/// foam as fine as a helicopter over the deck sees it, the far one carries it out to 1,800 m, and
+/// foam as fine as an eye over the deck sees it, the far one carries it out to 1,800 m, and
 /// further from high above.
 ///
 /// A wake is drawn for every decal that hangs below an object with a box for a rigid body, as long

@@ -18,9 +18,9 @@ class PhysicsSurfaces;
 ///
 ///   a = ω² (anchor − p) − 2 ω v,   p and v the follower's position and velocity,
 ///
-/// with a limited to what a helicopter can do. Per substep of at most 1/120 s the load then obeys
-/// r" = g − a − c r', projected back to the length of the cable. Towards an observer on the
-/// helicopter the load is smooth; in the world it moves exactly as the helicopter is drawn.
+/// with a limited to a hard manoeuvre. Per substep of at most 1/120 s the load then obeys
+/// r" = g − a − c r', projected back to the length of the cable. Towards an observer at the anchor
+/// the load is smooth; in the world it moves exactly as the anchor is drawn.
 ///
 /// The follower starts on the straight line that fits the anchor's first second, with its velocity
 /// v and at the distance 2 v / ω that it keeps behind an even motion, so that a load put out in
@@ -29,8 +29,8 @@ class PhysicsSurfaces;
 /// vertical.
 ///
 /// A load whose body lands is held up by the surface below it and stands there, upright, as long as
-/// the cable is slack. It then keeps its place below the helicopter: nobody says how fast a deck
-/// steams ahead, and one that is lowered onto is followed by the helicopter.
+/// the cable is slack. It then keeps its place below the anchor: nobody says how fast a deck steams
+/// ahead, and one that is lowered onto is followed by what carries the cable.
 ///
 /// The cable itself is a chain of points without mass, pinned at the anchor and at the load.
 class BodyRope : public Body {

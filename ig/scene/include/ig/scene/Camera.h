@@ -12,9 +12,9 @@ namespace ig {
 /// the pitch counts down from the horizon; 90 looks straight down with the picture's top towards
 /// the heading, and a positive roll turns the camera clockwise.
 ///
-/// A radar camera (`NODE_CAMERA_RADAR`) is orthographic and is carried above its helicopter,
+/// A radar camera (`NODE_CAMERA_RADAR`) is orthographic and is carried above what has the radar,
 /// looking straight down with the heading up. It sees `RADAR_RANGE` metres to each side, and what
-/// stands higher than itself as well. The renderer leaves its helicopter, the node that the
+/// stands higher than itself as well. The renderer leaves its carrier, the node that the
 /// application calls the frame's focus, out of its picture.
 class Camera : public Node {
 public:

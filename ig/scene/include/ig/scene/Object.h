@@ -25,8 +25,8 @@ public:
     /// may be null, receives the point in the same frame. False for a surface that is not made for
     /// queries (`setIntersection`) or out of range.
     virtual bool getIntersection(int surface, const dvec3& a, const dvec3& b, dvec3* out) const;
-    /// Whether segment queries meet a surface; default true. Off for the helicopter, its equipment
-    /// and effects: the feedback ray starts inside the fuselage.
+    /// Whether segment queries meet a surface; default true. Off for effects, and for what asks
+    /// for the ground from within itself: the ray starts inside it.
     void setIntersection(int surface, bool on);
     bool isIntersection(int surface) const;
 

@@ -18,8 +18,7 @@ class Material;
 /// "post_radar" takes a picture seen straight from above, the radar in its middle, and shows the
 /// half ahead as a fan, its apex at the middle of the lower edge: the directions from the slider
 /// "min_angle" to the slider "max_angle", degrees clockwise from the left, so that 90 is ahead.
-/// With the state "fan" 0 all directions are shown. The angles are the flight simulation's,
-/// unchecked.
+/// With the state "fan" 0 all directions are shown. The angles are taken as they are.
 class RPost {
 public:
     /// The material, for `owner` to use until `FreeMaterial`; null when there is none of that name

@@ -76,7 +76,7 @@ public:
     WorldBoundBox getWorldBoundBox() const;
 
     /// Deflectors remove the particles in their column, which reaches without end along the
-    /// deflector's own Z axis: it leans with the helicopter that it shelters. World transforms.
+    /// deflector's own Z axis: it leans with what it shelters. World transforms.
     int getNumDeflectors() const { return m_deflectors.size(); }
     void setNumDeflectors(int count) { m_deflectors.resize(count); }
     const dmat4& getDeflectorTransform(int i) const { return m_deflectors[i]; }

@@ -34,7 +34,7 @@ struct TerrainGrid {
 };
 
 /// The ground of a world: one surface that drawing, floating and queries agree on. The logic asks
-/// it for the ground height under the helicopter; segment queries meet it as an object with one
+/// it for the ground's height below a place; segment queries meet it as an object with one
 /// surface. Node type "terrain" in world files. It stands where its raster says, whatever the
 /// node's pose. Without a raster it has no ground anywhere and is never met.
 class ObjectTerrain : public ig::Object {
