@@ -14,6 +14,7 @@ import json
 import math
 import pathlib
 import struct
+import subprocess
 import sys
 
 import numpy as np
@@ -26,6 +27,7 @@ from modelkit import airfield
 
 gdal.UseExceptions()
 
+ROOT = pathlib.Path(__file__).resolve().parent.parent
 PROJECT = "data/PELMAR_PROJECT"
 PREFABS = f"{PROJECT}/prefabs"
 WORLD = f"{PROJECT}/PELMAR_PROJECT.world"
@@ -35,23 +37,6 @@ LARGEST_MODELS = 4_000_000  # bytes of all models
 LARGEST_TOTAL = 5_000_000  # bytes of all data
 SHIP_DEPTH, SHIP_ROOM, OPEN_SEA = -12.0, 150.0, 10_000.0  # m below, around and north of a ship
 WHEEL_DEPTH = -1.22
-
-COMMON_KEYS = {"name", "type", "enabled", "position", "rotation", "wgs", "hpr", "children", "body"}
-TYPE_KEYS = {
-    "node": set(),
-    "mesh": {"mesh", "intersect", "surfaces"},
-    "prefab": {"path"},
-    "particles": {"life", "life_spread", "velocity", "velocity_spread", "rate", "spread",
-                  "duration", "burst", "surface", "material", "deflectors", "deflector_size",
-                  "ring", "outflow"},
-    "rope": {"radius", "material"},
-    "decal": {"width", "height", "material"},
-    "light": {"material"},
-    "field": {"parameters", "reach"},
-    "downdraught": {"radius", "fades"},
-    "ocean": set(),
-    "terrain": {"raster", "material"},
-}
 
 EMITTERS = ["out_blade", "out_snow", "h_blade", "leaf_1", "leaf_2", "water"]
 DISPENSERS = ["dl_0", "dl_1", "dl_2", "dr_0", "dr_1", "dr_2"]
@@ -215,7 +200,8 @@ def unsound_parts(model):
 class Checker:
     """Reads each file of a repository once and collects the faults."""
 
-    def __init__(self, root):
+    def __init__(self, root, schema):
+        self.schema = schema  # what nodes may say: family, type, key and the kind of value
         self.root, self.faults, self.texts, self.models = pathlib.Path(root), [], {}, {}
         self.unreadable = set()  # one line is enough for these: what follows from it is left out
 
@@ -257,28 +243,51 @@ class Checker:
     # ---- nodes
 
     def check_node(self, path, node):
-        """Keys, numbers and references of one node."""
+        """Keys, values and references of one node, without those below it."""
         where = f'node "{node.get("name", "")}"'
-        if kind(node) not in TYPE_KEYS:
-            self.fault(path, f'{where}: unknown type "{kind(node)}"')
-            return
-        for key in node.keys() - COMMON_KEYS - TYPE_KEYS[kind(node)]:
-            self.fault(path, f'{where}: unknown key "{key}"')
-        for key in ("position", "rotation", "wgs", "hpr", "parameters"):
-            value = node.get(key, [0, 0, 0])
-            self.expect(isinstance(value, list) and len(value) == 3 and all(
-                isinstance(v, (int, float)) and math.isfinite(v) for v in value), path,
-                f"{where}: {key} is not three numbers")
-        for key in ("life", "life_spread", "velocity", "velocity_spread", "rate", "duration", "burst",
-                    "radius"):
-            self.expect(isinstance(node.get(key, 0), (int, float)), path,
-                        f"{where}: {key} is not a number")
+        self.check_map(path, where, "node", node)
         if "material" in node:
             self.check_material(node["material"])
         if kind(node) == "mesh":
             self.check_mesh(path, where, node)
         if kind(node) == "prefab":
             self.check_prefab(node.get("path", ""))
+
+    def check_map(self, path, where, family, values):
+        """A map of a family of the schema, with the maps in it."""
+        types = self.schema[family]
+        first = next(iter(types))
+        name = first if len(types) == 1 else values.get("type", first)
+        if name not in types:
+            self.fault(path, f'{where}: unknown type "{name}"')
+            return
+        for key, value in values.items():
+            if key not in types[name]:
+                self.fault(path, f'{where}: unknown key "{key}"')
+                continue
+            what, _, inner = types[name][key].partition(" of ")
+            self.check_value(path, f"{where}: {key}", types[name][key], value)
+            if inner and inner != "node":
+                for each in value if what == "list" and isinstance(value, list) else [value]:
+                    if isinstance(each, dict):
+                        self.check_map(path, where, inner, each)
+
+    def check_value(self, path, where, described, value):
+        """A value against its description: a kind, perhaps with limits ("pair from 0 to 1")."""
+        word, *limits = described.split()
+        limits = dict(zip(limits[::2], limits[1::2]))
+        counts = {"number": 1, "whole": 1, "pair": 2, "triple": 3}
+        if word in counts:
+            numbers = value if isinstance(value, list) else [value]
+            names = {1: "a number", 2: "two numbers", 3: "three numbers"}
+            self.expect(len(numbers) == counts[word] and all(
+                isinstance(v, (int, float)) and math.isfinite(v) and
+                float(limits.get("from", -math.inf)) <= v <= float(limits.get("to", math.inf))
+                for v in numbers), path,
+                f"{where} is not {names[counts[word]]}{described.removeprefix(word)}")
+        types = {"text": str, "material": str, "flag": bool, "map": dict, "list": list}
+        if word in types:
+            self.expect(isinstance(value, types[word]), path, f"{where} is not a {word}")
 
     def check_mesh(self, path, where, node):
         file, _, part = node.get("mesh", "").partition("#")
@@ -507,11 +516,30 @@ class Checker:
         return self.faults
 
 
+def read_schema(file):
+    """What nodes may say, as the program tells it: from a file of it, or from the one built last."""
+    if file:
+        return yaml.safe_load(file)
+    programs = sorted(ROOT.glob("build/*/bin/visual_channel"), key=lambda p: p.stat().st_mtime)
+    if not programs:
+        return None
+    return yaml.safe_load(subprocess.run([programs[-1], "--schema"], check=True,
+                                         stdout=subprocess.PIPE).stdout)
+
+
 def main():
-    default = pathlib.Path(__file__).resolve().parent.parent
     parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("root", nargs="?", default=default, help="the folder that holds data/")
-    faults = Checker(parser.parse_args().root).run()
+    parser.add_argument("root", nargs="?", default=ROOT, help="the folder that holds data/")
+    parser.add_argument("--schema", type=argparse.FileType(),
+                        metavar="FILE", help="what nodes may say, as visual_channel "
+                        "--schema tells it; default: the program built last is asked")
+    arguments = parser.parse_args()
+    schema = read_schema(arguments.schema)
+    if not schema:
+        parser.error("the keys of nodes are not known: build the program (scripts/prepare release "
+                     "visual_channel), or name a file with what visual_channel --schema tells: "
+                     "--schema FILE")
+    faults = Checker(arguments.root, schema).run()
     for fault in faults:
         print(fault, file=sys.stderr)
     print("data: no faults" if not faults else f"data: {len(faults)} faults")

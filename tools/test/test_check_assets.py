@@ -10,6 +10,7 @@ import sys
 import tempfile
 import unittest
 
+import yaml
 from osgeo import gdal
 
 TOOLS = pathlib.Path(__file__).resolve().parent.parent
@@ -21,6 +22,35 @@ from check_assets import (Checker, EFFECTS, HELICOPTER, NODES, PREFABS, PROJECT,
 FRIGATE = f"{PREFABS}/SM_055_CN_2023/SM_055_CN_2023.prefab"
 MODEL = FRIGATE.replace(".prefab", ".glb")
 TERRAIN = f"{PROJECT}/terrain/coast.tif"
+
+
+def schema_of(data):
+    """What the nodes below a folder say, as a schema that knows their keys and nothing else."""
+    schema = {"node": {"node": {}}, "body": {"rigid": {}, "rope": {}}, "surface": {"surface": {}},
+              "shape": {"shape": {}}, "joint": {"joint": {}}, "drag": {"drag": {}}}
+    maps = {"body": "map of body", "surfaces": "list of surface", "shapes": "list of shape",
+            "joints": "list of joint", "drag": "list of drag", "children": "list of node"}
+    triples = ["position", "wgs", "hpr", "rotation", "center", "size", "spread", "parameters"]
+
+    def add(family, values):
+        types = schema[family]
+        first = next(iter(types))
+        keys = types.setdefault(values.get("type", first) if family in ("node", "body") else first, {})
+        for key, value in values.items():
+            scalar = {bool: "flag", str: "text", list: "pair from 0"}.get(type(value), "number")
+            keys[key] = maps.get(key, "triple" if key in triples else scalar)
+            if key in maps:
+                for each in value if isinstance(value, list) else [value]:
+                    add(keys[key].split()[-1], each)
+
+    for file in [*data.rglob("*.prefab"), *data.rglob("*.world")]:
+        content = yaml.safe_load(file.read_text("utf-8"))
+        for node in content.get("nodes") or [content["node"]]:
+            add("node", node)
+    return schema
+
+
+SCHEMA = schema_of(TOOLS.parent / "data")
 
 
 class Damage(unittest.TestCase):
@@ -35,12 +65,12 @@ class Damage(unittest.TestCase):
         text = file.read_text("utf-8")
         self.assertIn(old, text)
         file.write_text(text.replace(old, new, count), "utf-8")
-        faults = Checker(self.root).run()
+        faults = Checker(self.root, SCHEMA).run()
         file.write_text(text, "utf-8")
         return "\n".join(faults)
 
     def test_the_data_has_no_faults(self):
-        self.assertEqual(Checker(self.root).run(), [])
+        self.assertEqual(Checker(self.root, SCHEMA).run(), [])
 
     def test_missing_files_are_named(self):
         for path in (WORLD, HELICOPTER, TERRAIN, *EFFECTS, f"{PROJECT}/ANIM/light.anim",
@@ -48,7 +78,7 @@ class Damage(unittest.TestCase):
             file = self.root / path
             text = file.read_bytes()
             file.unlink()
-            self.assertTrue([f for f in Checker(self.root).run() if f.startswith(path)], path)
+            self.assertTrue([f for f in Checker(self.root, SCHEMA).run() if f.startswith(path)], path)
             file.write_bytes(text)
 
     def test_every_name_that_is_looked_up_is_missed(self):
@@ -61,7 +91,7 @@ class Damage(unittest.TestCase):
                                          "name: other", damaged)
                 self.assertEqual(count, 1, f"{path} {name}")
             file.write_text(damaged, "utf-8")
-            faults = Checker(self.root).run()
+            faults = Checker(self.root, SCHEMA).run()
             for name in names:
                 self.assertIn(f'{path}: 0 nodes "{name}" instead of one', faults)
             file.write_text(intact, "utf-8")
@@ -78,6 +108,9 @@ class Damage(unittest.TestCase):
             (FRIGATE, "type: decal", "type: sticker", "unknown type"),
             (FRIGATE, "position: [0, 13, 39.8]", "position: [0, 13]", "not three numbers"),
             (EFFECTS[0], "rate: 130", "speed: 90", 'unknown key "speed"'),
+            (HELICOPTER, "mass: 10800", "mas: 10800", 'unknown key "mas"'),
+            (HELICOPTER, "mass: 10800", "mass: heavy", "mass is not a number"),
+            (WORLD, "deflector_size: [", "deflector_size: [-", "two numbers from 0"),
             (EFFECTS[0], "  type: particles\n", "", "not of type particles"),
             (WORLD, "13.67]", "13.68]", "does not stand on the pad"),
             (f"{PROJECT}/ANIM/light.anim", "node: runway_lights", "node: lamp", 'no node "lamp"'),
@@ -111,7 +144,7 @@ class Damage(unittest.TestCase):
                  (with_triangle(b, c, a), "differs from what build_models.py writes")]
         for content, expected in cases:
             file.write_bytes(content)
-            faults = [f for f in Checker(self.root).run() if f.startswith(MODEL)]
+            faults = [f for f in Checker(self.root, SCHEMA).run() if f.startswith(MODEL)]
             self.assertTrue(any(expected in f for f in faults), (expected, faults))
 
     def test_ground_in_the_wrong_place_is_reported(self):
@@ -128,7 +161,7 @@ class Damage(unittest.TestCase):
             raster.GetRasterBand(1).WriteRaster(int((longitude - west) / step), row, 1, 1,
                                                 struct.pack("f", height), buf_type=gdal.GDT_Float32)
             del raster
-            faults = Checker(self.root).run()
+            faults = Checker(self.root, SCHEMA).run()
             self.assertEqual(len(faults), 1, faults)
             self.assertIn(expected, faults[0])
             file.write_bytes(intact)

@@ -10,6 +10,7 @@
 #include "ig/base/jLog.h"
 #include "ig/net/SocketUDP.h"
 #include "ig/package/PackageManager.h"
+#include "ig/scene/NodeReader.h"
 #include "ig/scene/ObjectPrefab.h"
 #include "render/factory/RendererKind.h"
 
@@ -66,17 +67,17 @@ void Channel::requestStop() { g_stop = 1; }
 
 // ------------------------------------------------------------------ start
 
+bool Channel::printSchema() {
+    return enterFolder() && loadLibraries() &&
+           std::fputs(NodeFactory::describe().c_str(), stdout) >= 0;
+}
+
 bool Channel::open() {
-    if (!m_options.directory.empty() && chdir(m_options.directory.c_str()) != 0) {
-        jLog::error("visual_channel: \"%s\": %s", m_options.directory.c_str(),
-                    std::strerror(errno));
-        return false;
-    }
-    if (!loadScript() || !checkOutputs() || !makeRenderer()) return false;
+    if (!enterFolder() || !loadScript() || !checkOutputs() || !makeRenderer()) return false;
     Engine::get()->setApp(this);
     Engine::get()->setWorld(&m_world);
     prepareInterface();
-    if (!loadLibraries() || !loadWorld()) return false;
+    if (!loadLibraries() || !createLogic() || !loadWorld()) return false;
     Texts::load(m_options.language);
     placeCamera();
     m_listener.connect(*m_logic);
@@ -101,6 +102,13 @@ bool Channel::open() {
         if (!m_options.allow_sender.empty() && !socket->setAllowedSender(m_options.allow_sender))
             return false;
     return m_options.trace.empty() || m_trace.open(m_options.trace);
+}
+
+bool Channel::enterFolder() const {
+    const char* const folder = m_options.directory.c_str();
+    if (*folder == 0 || chdir(folder) == 0) return true;
+    jLog::error("visual_channel: \"%s\": %s", folder, std::strerror(errno));
+    return false;
 }
 
 bool Channel::loadScript() {
@@ -166,7 +174,10 @@ bool Channel::loadLibraries() {
         m_plugins.push_back(std::make_unique<Library>());
         if (!m_plugins.back()->load(path)) return false;
     }
-    if (!m_library.load(m_options.logic.empty() ? DEFAULT_LOGIC : m_options.logic)) return false;
+    return m_library.load(m_options.logic.empty() ? DEFAULT_LOGIC : m_options.logic);
+}
+
+bool Channel::createLogic() {
     const auto create = reinterpret_cast<CreateLogicFunction>(m_library.find("CreateLogic"));
     if (!create) return false;
     m_logic = create(&m_world, &m_camera_control);

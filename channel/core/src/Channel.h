@@ -38,6 +38,9 @@ public:
     /// Everything up to the first frame. False, with a message, when the logic, the world or its
     /// start marker is missing.
     bool open();
+    /// In place of `open`: tells what nodes of scene files may say, those of the libraries too.
+    /// False, with a message, when one of these can't be loaded.
+    bool printSchema();
     /// Runs frames until the time or the number of frames is up, until `requestStop`, or until the
     /// operator closes the window and confirms it.
     void run();
@@ -69,7 +72,9 @@ private:
     bool wantsPictures() const;
     bool makeRenderer();
     void prepareInterface();
+    bool enterFolder() const;
     bool loadLibraries();
+    bool createLogic();
     bool loadWorld();
     void placeCamera();
     FrameCosts frame(float dt);

@@ -200,7 +200,8 @@ void addOptions(CLI::App& app, Options& options) {
 // ------------------------------------------------------------------ command line, then file
 
 /// What only the command line says: it comes before the settings file, or ends the program.
-const char* const COMMAND_LINE_ONLY[] = {"help", "version", "directory", "config", "null"};
+const char* const COMMAND_LINE_ONLY[] = {"help",      "version", "schema",
+                                         "directory", "config",  "null"};
 
 std::string nameOf(const CLI::Option& option) { return option.get_lnames().front(); }
 
@@ -333,6 +334,10 @@ bool parseOptions(int argc, char** argv, Options& options, int& exit_status) {
                  "visual_channel"};
     app.option_defaults()->always_capture_default();
     app.set_version_flag("--version", "visual_channel " VERSION, "Tell the version and exit");
+    app.add_flag(
+        "--schema", options.print_schema,
+        "Tell, as YAML, what nodes may say in world and prefab files (docs/worlds.md), those "
+        "of --logic and --plugin too, and exit");
     app.add_option("--directory", options.directory,
                    "Folder that holds config/ and data/, to which all other paths are "
                    "relative; default: the present one");
