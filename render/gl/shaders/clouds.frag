@@ -10,7 +10,7 @@ uniform sampler2D uDepth, uNoise;
 out vec4 oColor;
 
 float lumps(vec2 p, float footprint) {
-    float n = 0.50 * texture(uNoise, p / 14400.0).y + 0.27 * texture(uNoise, p.yx / 4800.0).y;
+    float n = 0.50 * texture(uNoise, p / NOISE_PERIOD).y + 0.27 * texture(uNoise, p.yx / 4800.0).y;
     n += 0.15 * mix(texture(uNoise, p / 1600.0).y, 0.5, smoothstep(80.0, 400.0, footprint));
     return n + 0.08 * mix(texture(uNoise, p.yx / 450.0).y, 0.5, smoothstep(20.0, 100.0, footprint));
 }

@@ -1,29 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What every pass knows about the frame. All positions and directions are in the eye's own
-// east-north-up frame, its origin at the eye: nothing here is far from zero but the far.
-layout(std140) uniform Frame {
-    mat4 uProjection;   // eye (x right, y up, looking along -z) to clip, reversed depth
-    mat4 uView;         // east-north-up to eye
-    mat4 uShadow;       // east-north-up to the near shadow map's unit cube
-    vec4 uShadowFar;      // from there to the far map's: scale and offset along x and y
-    vec4 uShadowFarDepth; // scale and offset along z; w: 1 with a far map
-    vec4 uLightDirection; // towards the sun, or the moon at night; w: 1 with a shadow map
-    vec4 uLight;        // irradiance of that light; w: exposure
-    vec4 uAmbient;      // irradiance of the sky; w: extinction of the air at sea level, 1/m
-    vec4 uAir;          // x: 1 / scale height of the haze, 1/m; y: haze at the eye; z: altitude, m;
-                        // w: dip of the horizon, rad
-    vec4 uScreen;       // width, height, and their inverses, pixels
-    vec4 uSunDirection; // w: brightness of the disc
-    vec4 uMoonDirection; // w: brightness of the disc
-    vec4 uSky;          // x: range of the sky map; y: stars; z: night-to-day turn of the stars, rad;
-                        // w: haze that covers the sky itself
-    vec4 uWeather;      // x: rain, y: snow, z: cloud cover, w: overcast, or in the clouds
-    vec4 uTime;         // x: scene time, s; y: angle of a pixel, rad; z: lightning, 0 to 1
-    vec4 uBolt;         // towards the bolt's foot (unit, level); z: its shape, 0 to 1
-};
+// What all shaders share, after the constants and the block of the frame (render/scene).
 uniform sampler2D uSkyMap;
-
-const float PI = 3.14159265;
 
 // The sky map holds the upper half of the sky: the zenith in the middle, r = sqrt(1 - sqrt(z)),
 // which spends most texels near the horizon. What is below the horizon reads the horizon.

@@ -21,7 +21,7 @@ uniform vec4 uEffectsPlace, uFarEffectsPlace; // corner in the plane from the na
 out vec4 oColor;
 
 const vec3 WATER = vec3(0.006, 0.036, 0.052), CREST = vec3(0.010, 0.085, 0.070);
-const float ZERO = 1.00392157; // twice the code of a level slope, 128 of 255
+const float ZERO = 2.0 * LEVEL_SLOPE;
 
 struct Sea {
     vec2 slope;
@@ -41,23 +41,23 @@ Sea waves(float footprint) {
     s.zw = (s.zw + e.zw) * 0.5;
     sea.slope = (a + b) * (0.70710678 * uSlopeScale.x);
     sea.variance = s.z * uSlopeVariance.x;
-    sea.breaking = s.w * 1.6;
+    sea.breaking = s.w * BREAKING_WEIGHTS[0];
     sea.lost = s.z * 0.35;
     s = texture(uSlope1, vPlane * uTile[1].x + uTile[1].yz);
     sea.slope += (s.xy * 2.0 - ZERO) * uSlopeScale.y;
     sea.variance += s.z * uSlopeVariance.y;
-    sea.breaking += s.w * 1.1;
+    sea.breaking += s.w * BREAKING_WEIGHTS[1];
     sea.lost += s.z * 0.45;
     // The two fine tiles only where the pixel is smaller than they are.
     if (footprint * uTile[2].x < 0.4) {
         s = texture(uSlope2, vPlane * uTile[2].x + uTile[2].yz);
         sea.slope += (s.xy * 2.0 - ZERO) * uSlopeScale.z;
         sea.variance += s.z * uSlopeVariance.z;
-        sea.breaking += s.w * 0.45;
+        sea.breaking += s.w * BREAKING_WEIGHTS[2];
         sea.lost += s.z * 0.2;
     } else {
         sea.variance += uSlopeVariance.z;
-        sea.breaking += uFoam.w * 0.45;
+        sea.breaking += uFoam.w * BREAKING_WEIGHTS[2];
         sea.lost += 0.2;
     }
     float patches = vWave.z;
@@ -89,7 +89,7 @@ float downdraught(vec4 wind, inout Sea sea) {
     float r = length(q), x = r / max(wind.z, 0.1);
     if (x > 4.5) return 0.0;
     vec2 outward = q / max(r, 0.01);
-    float angle = atan(q.y, q.x) / 6.2831853;
+    float angle = atan(q.y, q.x) / (2.0 * PI);
     float ripple = texture(uNoise, vec2(angle * 7.0, r / 22.0 - uTime.x * 0.45)).x;
     float strength = smoothstep(0.15, 0.7, x) * exp(-max(x - 1.0, 0.0) * 1.1) * wind.w;
     float near = r * 3.9 - uTime.x * 13.0 + 1.6 * ripple, far = r * 1.9 - uTime.x * 8.5 - 1.3 * ripple;
@@ -107,7 +107,7 @@ void main() {
     vec3 toEye = -vPosition / range;
     Sea sea = waves(footprint);
     vec4 effects = effectsHere();
-    sea.slope = sea.slope * (1.0 - 0.5 * effects.w) + (effects.xy - 0.50196078) * 0.5;
+    sea.slope = sea.slope * (1.0 - 0.5 * effects.w) + (effects.xy - LEVEL_WAKE) * 0.5;
     sea.variance *= 1.0 - 0.75 * effects.w;
     float torn_off = 0.0;
     for (int i = 0; i < uNumDowndraughts; i++)
@@ -147,7 +147,7 @@ void main() {
     float breaking = sea.breaking + streak * uWind.w * uFoam.z * 1.1;
     float blur = uFoam.z * 0.6 * sqrt(sea.lost);
     float cover = 1.0 / (1.0 + exp(-(breaking - uFoam.x) / sqrt(uFoam.y * uFoam.y + blur * blur)));
-    cover = clamp(cover * 1.08 - 0.04, 0.0, 1.0);
+    cover = clamp(cover * WHITECAP_GAIN - WHITECAP_LOSS, 0.0, 1.0);
     cover = max(max(cover, min(effects.z * 1.15, 1.0)), torn_off);
     float lace = 0.5 * (coarse.x + fine.x) + 0.35 * (fine.x - 0.5);
     float near = exp(-footprint * footprint * 3.0);

@@ -17,7 +17,7 @@ void main() {
     float mie = min(3.0 / (8.0 * PI) * (1.0 - g * g) * (1.0 + mu * mu) /
                     ((2.0 + g * g) * pow(1.0 + g * g - 2.0 * g * mu, 1.5)), 3.0);
     float day = smoothstep(-0.1, 0.5, uSunDirection.z);
-    vec3 sun = vec3(1.0, 0.97, 0.92) * 20.0;
+    vec3 sun = SUN_COLOR * SUN_IRRADIANCE;
     vec3 c = (texture(uRayleigh, vPlace).rgb * rayleigh + texture(uMie, vPlace).rgb * mie) * sun +
              texture(uMultiple, vPlace).rgb * vec3(0.62, 0.66, 0.74) * day * 1.15;
     c += uNight * (0.6 + 0.8 * exp(-6.0 * d.z));

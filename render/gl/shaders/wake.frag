@@ -2,10 +2,9 @@
 // What ships leave on the water, onto a map of effects around the eye: the Kelvin waves of bow and
 // stern, foam along the hull, in the bow waves' arms and where the screws churn, and the lane that
 // lies calm astern. Where those of two ships overlap, each draws both.
-const int MOST = 4;
 in vec2 vPlane;
-uniform vec4 uHull[MOST];   // place from the eye; unit vector ahead
-uniform vec4 uMotion[MOST]; // speed, length, beam, life of foam, s
+uniform vec4 uHull[MOST_WAKES];   // place from the eye; unit vector ahead
+uniform vec4 uMotion[MOST_WAKES]; // speed, length, beam, life of foam, s
 uniform vec4 uMap;          // corner from the nadir, edge, reach of wakes per m/s
 uniform vec4 uNadir;        // in the noise's period; texel of the map, m; number of ships
 uniform vec2 uExtent;       // of the Kelvin waves' map, in their lengths
@@ -75,5 +74,5 @@ void main() {
     }
     vec2 inside = 1.0 - abs((vPlane - uMap.xy) / uMap.z * 2.0 - 1.0);
     float edge = smoothstep(0.0, 0.06, min(inside.x, inside.y));
-    oColor = vec4(slope * (2.0 * edge) + 0.50196078, vec2(foam, calm) * edge);
+    oColor = vec4(slope * (2.0 * edge) + LEVEL_WAKE, vec2(foam, calm) * edge);
 }

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A trapezoid over all that a ship leaves on the water, seen from straight above.
-const int MOST = 4;
-uniform vec4 uHull[MOST];   // place from the eye; unit vector ahead
-uniform vec4 uMotion[MOST]; // speed, length, beam, life of foam, s
+uniform vec4 uHull[MOST_WAKES];   // place from the eye; unit vector ahead
+uniform vec4 uMotion[MOST_WAKES]; // speed, length, beam, life of foam, s
 uniform vec4 uMap;          // corner from the nadir, edge, reach of wakes per m/s
 out vec2 vPlane;            // from the nadir, m
 void main() {

@@ -38,12 +38,13 @@ int& count(Kind kind) {
     return r.buffers;
 }
 
-/// Head of every shader, the common declarations, and the files.
+/// Head of every shader, constants, frame and common declarations, and the files.
 GLuint compile(GLenum stage, std::string_view files, std::string_view variant) {
     std::string text = "#version 330 core\n";
     if (!variant.empty()) text += "#define " + std::string(variant) + "\n";
     text += hasClipControl() ? "#define CLIP_Z(z) (z)\n" : "#define CLIP_Z(z) ((z) * 2.0 - 1.0)\n";
-    text += findShader("common.glsl");
+    for (const char* common : {"constants.glsl", "frame.glsl", "common.glsl"})
+        text += findShader(common);
     for (std::size_t at = 0; at < files.size();) {
         const std::size_t end = std::min(files.find(' ', at), files.size());
         text += findShader(files.substr(at, end - at));

@@ -3,6 +3,7 @@
 
 #include "SkyPass.h"
 #include "ig/scene/Mesh.h"
+#include "render/scene/packNormal.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,13 +19,6 @@ struct Vertex {
     std::uint32_t normal; ///< 10 bits an axis
     vec2 place;
 };
-
-std::uint32_t packNormal(const vec3& n) {
-    const auto bits = [](float v) {
-        return static_cast<std::uint32_t>(std::lround(std::clamp(v, -1.0f, 1.0f) * 511)) & 0x3ffu;
-    };
-    return bits(n.x) | bits(n.y) << 10 | bits(n.z) << 20;
-}
 
 constexpr int PURGE_INTERVAL = 120; ///< frames between two looks for meshes that nobody holds
 

@@ -5,6 +5,7 @@
 #include "ig/math/EllipsoidModel.h"
 #include "ig/math/quat.h"
 #include "plugins/ocean/OceanFrame.h"
+#include "render/scene/remainders.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,13 +17,8 @@ namespace ig {
 namespace {
 
 constexpr int BLOCK = 31; ///< cells of the grid along an edge whose vertices stay in the cache
-constexpr double NOISE_PERIOD =
-    14400; ///< m; a multiple of all scales that the shaders ask noise at
 /// Above these altitudes (m) waves move from geometry into the surface's roughness.
 constexpr double FLATTEN_FROM = 500, FLATTEN_TO = 950;
-
-/// Weights of the tiles in the measure of breaking, as in the shader.
-constexpr float BREAKING_WEIGHTS[] = {1.6f, 1.1f, 0.45f};
 
 constexpr int CHANNELS = 4; ///< values of a texel
 
@@ -50,15 +46,13 @@ std::uint32_t packTexel(float r, float g, float b, float a) {
     return byte(r) | byte(g) << 8 | byte(b) << 16 | byte(a) << 24;
 }
 
-constexpr float LEVEL = 128 / 255.0f; ///< how no slope is encoded
-
 /// The texels of level 0, which hides no variance.
 void encodeSlopes(const OceanTile& tile, float encode, std::uint32_t* __restrict out) {
     const float *slope = tile.slope, *foam = tile.foam;
     const int count = tile.resolution * tile.resolution;
     for (int i = 0; i < count; i++)
-        out[i] = packTexel(slope[2 * i] * encode + LEVEL, slope[2 * i + 1] * encode + LEVEL, 0,
-                           foam ? foam[i] : 0);
+        out[i] = packTexel(slope[2 * i] * encode + LEVEL_SLOPE,
+                           slope[2 * i + 1] * encode + LEVEL_SLOPE, 0, foam ? foam[i] : 0);
 }
 
 /// The texels of a higher level, from means of x, y, square and foam; `share` is what variance is
@@ -67,7 +61,7 @@ void encodeMeans(const float* means, int count, float encode, float share,
                  std::uint32_t* __restrict out) {
     for (int i = 0; i < count; i++) {
         const float x = means[4 * i], y = means[4 * i + 1];
-        out[i] = packTexel(x * encode + LEVEL, y * encode + LEVEL,
+        out[i] = packTexel(x * encode + LEVEL_SLOPE, y * encode + LEVEL_SLOPE,
                            (means[4 * i + 2] - x * x - y * y) * share, means[4 * i + 3]);
     }
 }
@@ -87,11 +81,6 @@ void averageSlopes(const OceanTile& tile, float* __restrict means) {
             means[3] = f ? 0.25f * (f[i] + f[i + 1] + f[n + i] + f[n + i + 1]) : 0;
         }
     }
-}
-
-double fraction(double x) { return x - std::floor(x); }
-float wrapped(double x) {
-    return static_cast<float>(x - std::floor(x / NOISE_PERIOD) * NOISE_PERIOD);
 }
 
 /// A texture of a tile with all its levels.
@@ -271,8 +260,10 @@ void OceanPass::calibrateFoam(const OceanFrame& frame) {
         m_foam_threshold = (low + high) / 2;
         float cover = 0;
         for (const float m : m_measure)
-            cover += std::clamp(
-                1.08f / (1 + std::exp(-(m - m_foam_threshold) / m_foam_width)) - 0.04f, 0.0f, 1.0f);
+            cover +=
+                std::clamp(WHITECAP_GAIN / (1 + std::exp(-(m - m_foam_threshold) / m_foam_width)) -
+                               WHITECAP_LOSS,
+                           0.0f, 1.0f);
         (cover / SAMPLES > static_cast<float>(frame.whitecap_cover) ? low : high) =
             m_foam_threshold;
     }
@@ -283,7 +274,6 @@ void OceanPass::calibrateFoam(const OceanFrame& frame) {
 /// The azimuths that the view can see, with a margin for crests that come in from the side, and its
 /// depression angles. The whole circle when it sees what is straight below.
 OceanPass::Fan OceanPass::fitFan(const FrameView& view, const OceanFrame& frame) {
-    constexpr float PI = 3.14159265f;
     const auto altitude = static_cast<float>(view.geodetic.z);
     const auto waves = static_cast<float>(frame.significant_height);
     Fan fan{};
@@ -354,9 +344,8 @@ void OceanPass::setWaveUniforms(const FrameView& view, const OceanFrame& frame) 
     for (int i = 0; i < TILES; i++) {
         const double edge = frame.tiles[i].tile;
         const int n = frame.tiles[i].resolution;
-        tiles[i] = {
-            static_cast<float>(1 / edge), static_cast<float>(fraction(nadir.x / edge + 0.5 / n)),
-            static_cast<float>(fraction(nadir.y / edge + 0.5 / n)), static_cast<float>(edge / n)};
+        tiles[i] = {static_cast<float>(1 / edge), fraction(nadir.x / edge + 0.5 / n),
+                    fraction(nadir.y / edge + 0.5 / n), static_cast<float>(edge / n)};
         *scales[i] = m_slope_scale[i];
         *variances[i] = frame.tiles[i].slope_variance / 2;
     }
@@ -369,8 +358,7 @@ void OceanPass::setWaveUniforms(const FrameView& view, const OceanFrame& frame) 
     const double x = C * nadir.x - S * nadir.y + OceanFrame::SECOND_OFFSET_X;
     const double y = S * nadir.x + C * nadir.y + OceanFrame::SECOND_OFFSET_Y;
     m_program.set("uTurned", vec4(static_cast<float>(C), static_cast<float>(S),
-                                  static_cast<float>(fraction(x / edge + 0.5 / n)),
-                                  static_cast<float>(fraction(y / edge + 0.5 / n))));
+                                  fraction(x / edge + 0.5 / n), fraction(y / edge + 0.5 / n)));
 
     const double towards = (frame.wave_direction + 180) * DEG_TO_RAD<double>;
     const double wx = std::sin(towards), wy = std::cos(towards);
@@ -378,9 +366,9 @@ void OceanPass::setWaveUniforms(const FrameView& view, const OceanFrame& frame) 
                                 static_cast<float>(frame.ripple_slope_variance),
                                 std::clamp(static_cast<float>(frame.wind - 8) / 10, 0.0f, 1.3f)));
     m_program.set("uFoam", vec4(m_foam_threshold, m_foam_width, m_foam_spread, m_foam_mean));
-    m_program.set("uPatch", vec2{wrapped(nadir.x), wrapped(nadir.y)});
+    m_program.set("uPatch", vec2{toNoise(nadir.x), toNoise(nadir.y)});
     m_program.set("uFoamOrigin",
-                  vec4(wrapped(nadir.x * wx + nadir.y * wy), wrapped(nadir.y * wx - nadir.x * wy),
+                  vec4(toNoise(nadir.x * wx + nadir.y * wy), toNoise(nadir.y * wx - nadir.x * wy),
                        static_cast<float>(frame.significant_height), 0));
 }
 

@@ -8,6 +8,7 @@
 #include "ig/scene/World.h"
 #include "plugins/ocean/ObjectOcean.h"
 #include "plugins/terrain/ObjectTerrain.h"
+#include "render/scene/remainders.h"
 
 #include <algorithm>
 #include <cmath>
@@ -28,8 +29,6 @@ constexpr float LEAST_STRENGTH = 0.1f; ///< weaker targets are lost in the noise
 constexpr double CELLS_WIDE = 41000, CELLS_FINE = 17300;
 constexpr float GRAIN = 60; ///< smallest edge of the speckle's grains, m
 constexpr double DEGREE = EllipsoidModel::DEGREE;
-
-float fraction(double x) { return static_cast<float>(x - std::floor(x)); }
 
 } // namespace
 

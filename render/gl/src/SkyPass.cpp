@@ -3,6 +3,7 @@
 
 #include "ig/math/EllipsoidModel.h"
 #include "ig/math/quat.h"
+#include "render/scene/remainders.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,15 +13,13 @@ namespace ig {
 
 namespace {
 
-constexpr int SCATTER_SIZE = 128;    ///< texels; scattering without its phase functions is smooth
-constexpr float SUN_IRRADIANCE = 20; ///< above the air, in the units of the shaders
-constexpr double CLOUD_EDGE = 60;    ///< m over which clouds thicken
+constexpr int SCATTER_SIZE = 128; ///< texels; scattering without its phase functions is smooth
+constexpr double CLOUD_EDGE = 60; ///< m over which clouds thicken
 constexpr double CLOUD_VISIBILITY = 120; ///< m within them
 constexpr double EARTH_RADIUS = EllipsoidModel::MEAN_RADIUS;
-constexpr double NOISE_PERIOD = 14400;  ///< m; a multiple of all scales that the deck's noise has
-constexpr float FLASH_GAIN = 1.5f;      ///< of the sky's light at the height of a lightning flash
-constexpr float CLEAR_EXPOSURE = 0.24f; ///< at noon under a clear sky
-constexpr float CLEAR_LUMINANCE = 4.0f; ///< of a white ground then
+constexpr float FLASH_GAIN = 1.5f;       ///< of the sky's light at the height of a lightning flash
+constexpr float CLEAR_EXPOSURE = 0.24f;  ///< at noon under a clear sky
+constexpr float CLEAR_LUMINANCE = 4.0f;  ///< of a white ground then
 constexpr float DAY_RANGE = 8, NIGHT_RANGE = 0.08f; ///< brightest value that the sky map can hold
 const vec3 NIGHT_GLOW{0.0022f, 0.0032f, 0.0055f};
 const vec3 MOONLIGHT{0.045f, 0.052f, 0.062f};
@@ -46,7 +45,7 @@ vec3 transmittance(float sine) {
 
 /// Direct light of the sun: none a degree below the horizon.
 vec3 sunlight(const vec3& direction) {
-    return multiply(transmittance(direction.z), vec3(1, 0.97f, 0.92f)) *
+    return multiply(transmittance(direction.z), SUN_COLOR) *
            (SUN_IRRADIANCE * smoothStep(-0.018f, 0.012f, direction.z));
 }
 vec3 moonlight(const vec3& direction) {
@@ -279,9 +278,6 @@ void SkyPass::drawClouds(const FrameView& view, const gl::Texture& depth) {
         m_anchor = {view.geodetic.x, view.geodetic.y};
         off = {};
     }
-    const auto wrapped = [](double x) {
-        return static_cast<float>(x - std::floor(x / NOISE_PERIOD) * NOISE_PERIOD);
-    };
     const auto& p = view.projection.columns;
     glDisable(GL_DEPTH_TEST);
     glEnable(GL_BLEND);
@@ -292,8 +288,8 @@ void SkyPass::drawClouds(const FrameView& view, const gl::Texture& depth) {
     m_deck.set("uRay", vec4(1 / p[0].x, 1 / p[1].y, p[2].x / p[0].x, p[2].y / p[1].y));
     m_deck.set("uLayer",
                vec4(m_above, m_cover, m_closed, static_cast<float>(1 / (2 * EARTH_RADIUS))));
-    m_deck.set("uAnchor", vec4(wrapped(off.x * METRES * std::cos(m_anchor.y * DEG_TO_RAD<double>)),
-                               wrapped(off.y * METRES), 0, 0));
+    m_deck.set("uAnchor", vec4(toNoise(off.x * METRES * std::cos(m_anchor.y * DEG_TO_RAD<double>)),
+                               toNoise(off.y * METRES), 0, 0));
     m_deck.set("uNearFar", vec4(static_cast<float>(view.near), static_cast<float>(view.far), 0, 0));
     glBindVertexArray(m_empty.id());
     glDrawArrays(GL_TRIANGLES, 0, 3);

@@ -3,7 +3,9 @@
 
 #include "ig/math/EllipsoidModel.h"
 #include "ig/math/quat.h"
+#include "render/scene/ShaderConstants.h"
 #include "render/scene/SurfaceLook.h"
+#include "render/scene/packNormal.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,21 +18,12 @@ namespace {
 constexpr int KEPT = 600;         ///< frames that a chunk outlives its last use
 constexpr float CELL_PIXELS = 10; ///< a cell larger than this in the picture is split
 constexpr float SEA_BED = -15;    ///< altitude below which the sea hides everything
-constexpr double NOISE_PERIOD =
-    14400; ///< m; a multiple of all scales that the shaders ask noise at
 
 struct Vertex {
     vec3 position;
     std::uint32_t normal; ///< 10 bits an axis
     float altitude;
 };
-
-std::uint32_t packNormal(const vec3& n) {
-    const auto bits = [](float v) {
-        return static_cast<std::uint32_t>(std::lround(std::clamp(v, -1.0f, 1.0f) * 511)) & 0x3ffu;
-    };
-    return bits(n.x) | bits(n.y) << 10 | bits(n.z) << 20;
-}
 
 /// Metres per sample to the east and to the north at a row.
 dvec2 spacing(const TerrainGrid& grid, double row) {
@@ -92,8 +85,8 @@ dvec2 TerrainPass::toNoise(const TerrainGrid& grid, double longitude, double lat
     const double column = (longitude - grid.west) / grid.spacing_longitude;
     const double row = (grid.north - latitude) / grid.spacing_latitude;
     const dvec2 metres = spacing(grid, row);
-    return {std::fmod(column * metres.x, NOISE_PERIOD),
-            std::fmod((grid.rows - row) * metres.y, NOISE_PERIOD)};
+    return {std::fmod(column * metres.x, double{NOISE_PERIOD}),
+            std::fmod((grid.rows - row) * metres.y, double{NOISE_PERIOD})};
 }
 
 vec3 TerrainPass::readTurf(const Material* material) {

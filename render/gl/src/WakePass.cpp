@@ -7,6 +7,7 @@
 #include "ig/scene/SceneObjects.h"
 #include "plugins/ocean/OceanFrame.h"
 #include "render/scene/SurfaceLook.h"
+#include "render/scene/remainders.h"
 
 #include <algorithm>
 #include <cmath>
@@ -23,13 +24,8 @@ constexpr vec2 KELVIN_EXTENT{7.5f, 20};                ///< to the side and behi
 constexpr float REACH = 110;                           ///< m that a wake is long per m/s
 constexpr float SLOWEST = 0.7f;                        ///< m/s that leave a wake
 constexpr float FOAM_LIFE = 30;                        ///< s, of a wake without emitters
-constexpr double NOISE_PERIOD = 14400; ///< m; a multiple of all scales that noise is asked at
 
 constexpr double NEAR_EVERY = 0.08, FAR_EVERY = 0.5; ///< s between paintings
-
-float remainderOf(double x, double period) {
-    return static_cast<float>(x - std::floor(x / period) * period);
-}
 
 void makeMap(WakePass::Map& map, int size, double every) {
     gl::TextureFormat format;
@@ -93,7 +89,7 @@ void WakePass::gather(const FrameView& view, const ParticleSystem* particles,
     const auto distance = [](const Wake& w) { return std::hypot(w.hull.x, w.hull.y); };
     std::sort(m_wakes.begin(), m_wakes.end(),
               [&](const Wake& a, const Wake& b) { return distance(a) < distance(b); });
-    if (m_wakes.size() > MOST) m_wakes.resize(MOST);
+    if (m_wakes.size() > MOST_WAKES) m_wakes.resize(MOST_WAKES);
 }
 
 void WakePass::addPatches(const FrameView& view, const ParticleCloud& cloud) {
@@ -190,7 +186,7 @@ void WakePass::refresh(Map& map, float edge, dvec2 nadir, double time) {
     update_corner();
     glBindFramebuffer(GL_FRAMEBUFFER, map.target.id());
     glViewport(0, 0, m_size, m_size);
-    glClearColor(128 / 255.0f, 128 / 255.0f, 0, 0);
+    glClearColor(LEVEL_WAKE, LEVEL_WAKE, 0, 0);
     glClear(GL_COLOR_BUFFER_BIT);
     if (!m_wakes.empty()) paintWakes(map, nadir);
     if (!m_patches.empty()) paintPatches(map);
@@ -199,7 +195,7 @@ void WakePass::refresh(Map& map, float edge, dvec2 nadir, double time) {
 }
 
 void WakePass::paintWakes(const Map& map, dvec2 nadir) {
-    vec4 hulls[MOST], motions[MOST];
+    vec4 hulls[MOST_WAKES], motions[MOST_WAKES];
     for (std::size_t i = 0; i < m_wakes.size(); i++) {
         hulls[i] = m_wakes[i].hull;
         motions[i] = m_wakes[i].motion;
@@ -209,9 +205,8 @@ void WakePass::paintWakes(const Map& map, dvec2 nadir) {
     m_wake.set("uHull", hulls, count);
     m_wake.set("uMotion", motions, count);
     m_wake.set("uMap", vec4(map.corner.x, map.corner.y, map.edge, REACH));
-    m_wake.set("uNadir",
-               vec4(remainderOf(nadir.x, NOISE_PERIOD), remainderOf(nadir.y, NOISE_PERIOD),
-                    map.edge / static_cast<float>(m_size), static_cast<float>(count)));
+    m_wake.set("uNadir", vec4(toNoise(nadir.x), toNoise(nadir.y),
+                              map.edge / static_cast<float>(m_size), static_cast<float>(count)));
     m_wake.set("uExtent", KELVIN_EXTENT);
     m_wake.set("uKelvin", gl::UNIT_FIRST_OWN);
     gl::bindTexture(gl::UNIT_FIRST_OWN, m_kelvin_map);

@@ -48,7 +48,6 @@ public:
     const Map& getFar() const { return m_far; }
 
 private:
-    static constexpr int MOST = 4; ///< wakes at once, the nearest, as in the shaders
     struct Patch {
         vec2 place; ///< E
         float radius, opacity;

@@ -5,13 +5,30 @@
 
 namespace ig {
 
-/// The uniform block `Frame` as the shaders declare it (std140); see shaders/common.glsl for what
-/// the fields mean.
+/// What every pass knows about the frame. All positions and directions are in the eye's own
+/// east-north-up frame E, its origin at the eye: nothing here is far from zero but the far.
+///
+/// The build makes the shaders' uniform block (std140) of these lines: `light_direction` is
+/// `uLightDirection` there.
 struct FrameBlock {
-    mat4 projection, view, shadow;
-    vec4 shadow_far, shadow_far_depth;
-    vec4 light_direction, light, ambient, air, screen, sun_direction, moon_direction, sky, weather,
-        time, bolt;
+    mat4 projection;       ///< eye (x right, y up, looking along -z) to clip, reversed depth
+    mat4 view;             ///< E to eye
+    mat4 shadow;           ///< E to the near shadow map's unit cube
+    vec4 shadow_far;       ///< from there to the far map's: scale and offset along x and y
+    vec4 shadow_far_depth; ///< scale and offset along z; w: 1 with a far map
+    vec4 light_direction;  ///< towards the sun, or the moon at night; w: 1 with a shadow map
+    vec4 light;            ///< irradiance of that light; w: exposure
+    vec4 ambient;          ///< irradiance of the sky; w: extinction of the air at sea level, 1/m
+    vec4 air;              ///< x: 1 / scale height of the haze, 1/m; y: haze at the eye;
+                           ///< z: altitude, m; w: dip of the horizon, rad
+    vec4 screen;           ///< width, height, and their inverses, pixels
+    vec4 sun_direction;    ///< w: brightness of the disc
+    vec4 moon_direction;   ///< w: brightness of the disc
+    vec4 sky;              ///< x: range of the sky map; y: stars; z: night-to-day turn of the
+                           ///< stars, rad; w: haze that covers the sky itself
+    vec4 weather;          ///< x: rain, y: snow, z: cloud cover, w: overcast, or in the clouds
+    vec4 time;             ///< x: scene time, s; y: angle of a pixel, rad; z: lightning, 0 to 1
+    vec4 bolt;             ///< towards the bolt's foot (unit, level); z: its shape, 0 to 1
 };
 
 } // namespace ig

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ig/math/vec.h"
+
+/// What the renderer's C++ and its shaders must agree on. The build makes a shader text of these
+/// lines: each a constant of a plain type, an array of floats, or a vector.
+namespace ig {
+
+constexpr float PI = 3.14159265f;
+constexpr float NOISE_PERIOD = 14400;       ///< m; a multiple of all scales that noise is asked at
+constexpr float LEVEL_SLOPE = 128 / 255.0f; ///< how no slope is encoded in the sea's tiles
+constexpr float LEVEL_WAKE = 0.50196078f;   ///< and in the maps of wakes
+/// How much each of the sea's tiles counts in the measure of breaking crests.
+constexpr float BREAKING_WEIGHTS[] = {1.6f, 1.1f, 0.45f};
+/// Whitecaps: the logistic of that measure, stretched and cut, goes all the way from 0 to 1.
+constexpr float WHITECAP_GAIN = 1.08f, WHITECAP_LOSS = 0.04f;
+constexpr int MOST_WAKES = 4;        ///< drawn at once, the nearest
+constexpr float SUN_IRRADIANCE = 20; ///< above the air
+constexpr vec3 SUN_COLOR{1, 0.97f, 0.92f};
+
+} // namespace ig
