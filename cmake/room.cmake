@@ -7,6 +7,7 @@
 # A room is a folder with include/ (what others see), src/ and test/; all sources in src/ belong to
 # it. It sees the include paths of the rooms in LINKS, and of those that they link: nothing else, so
 # that an include that points up the house doesn't compile. PRIVATE libraries are not passed on.
+# The build refuses links that no include asks for, and includes that no link allows: check_rooms().
 # Every test/ folder becomes one GoogleTest program NAME_test. An OBJECT room has no library of its
 # own to link with, so its tests link the library named by TEST_LIBRARY (default: ig).
 
@@ -34,6 +35,10 @@ function(room)
     endif()
     set(dir ${CMAKE_CURRENT_SOURCE_DIR})
     file(GLOB sources CONFIGURE_DEPENDS ${dir}/src/*.cpp)
+    file(GLOB_RECURSE files CONFIGURE_DEPENDS ${dir}/include/*.h ${dir}/src/*.h ${dir}/src/*.cpp)
+    string(JOIN " " room ${ROOM_NAME} ${dir} ${ROOM_LINKS} ${ROOM_PRIVATE})
+    set_property(GLOBAL APPEND PROPERTY VC_ROOMS ${room})
+    set_property(GLOBAL APPEND PROPERTY VC_ROOM_FILES ${files})
 
     if(ROOM_KIND STREQUAL "INTERFACE")
         add_library(${ROOM_NAME} INTERFACE)
@@ -89,3 +94,18 @@ macro(room_tests)
             WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} PROPERTIES TIMEOUT ${VC_TEST_SECONDS})
     endif()
 endmacro()
+
+# Part of every build: holds the links of all rooms declared so far against their includes.
+function(check_rooms)
+    get_property(rooms GLOBAL PROPERTY VC_ROOMS)
+    get_property(files GLOBAL PROPERTY VC_ROOM_FILES)
+    string(JOIN "\n" rooms ${rooms})
+    file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/rooms.txt CONTENT "@rooms@\n" @ONLY)
+    set(script ${PROJECT_SOURCE_DIR}/scripts/check_rooms)
+    add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/rooms.checked
+        COMMAND ${script} ${PROJECT_BINARY_DIR}/rooms.txt
+        COMMAND ${CMAKE_COMMAND} -E touch ${PROJECT_BINARY_DIR}/rooms.checked
+        DEPENDS ${PROJECT_BINARY_DIR}/rooms.txt ${script} ${files}
+        WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} COMMENT "Holding links against includes" VERBATIM)
+    add_custom_target(rooms_checked ALL DEPENDS ${PROJECT_BINARY_DIR}/rooms.checked)
+endfunction()
