@@ -30,13 +30,9 @@ bool GlyphAtlas::init() {
     return false;
 }
 
-void GlyphAtlas::release() {
+GlyphAtlas::~GlyphAtlas() {
     if (m_face) FT_Done_Face(m_face);
     if (m_library) FT_Done_FreeType(m_library);
-    m_face = nullptr;
-    m_library = nullptr;
-    m_texture.destroy();
-    m_glyphs.clear();
 }
 
 void GlyphAtlas::clear() {

@@ -27,7 +27,10 @@ class GlyphAtlas {
 public:
     /// False, logged once, without a font: text is then left out.
     bool init();
-    void release();
+    GlyphAtlas() = default;
+    GlyphAtlas(const GlyphAtlas&) = delete;
+    GlyphAtlas& operator=(const GlyphAtlas&) = delete;
+    ~GlyphAtlas();
 
     /// The character in an em of `size` pixels; null without a font or such a character's room.
     const Glyph* find(std::uint32_t character, int size);

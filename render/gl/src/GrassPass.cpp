@@ -63,14 +63,6 @@ bool GrassPass::init() {
     return true;
 }
 
-void GrassPass::release() {
-    m_program.destroy();
-    m_vertex_array.destroy();
-    m_buffer.destroy();
-    m_squares.clear();
-    m_heights = nullptr;
-}
-
 // ------------------------------------------------------------------ where grass grows
 
 void GrassPass::adopt(const ObjectTerrain& terrain) {

@@ -24,7 +24,6 @@ class World;
 class GrassPass {
 public:
     bool init();
-    void release();
     /// Places tufts that are missing, draws those in view. After the opaque passes. `fields` are
     /// the scene's; there may be none.
     void draw(const FrameView& view, const World& world, const ObjectTerrain& terrain,

@@ -34,15 +34,6 @@ bool MeshPass::init() {
     return m_depth_program.build("shadow.vert", "shadow.frag");
 }
 
-void MeshPass::release() {
-    m_meshes.clear();
-    m_instance_buffer.destroy();
-    for (gl::Program& program : m_programs)
-        program.destroy();
-    m_textures.release();
-    m_depth_program.destroy();
-}
-
 // ------------------------------------------------------------------ meshes on the device
 
 const MeshPass::DeviceMesh& MeshPass::find(const std::shared_ptr<const Mesh>& mesh) {

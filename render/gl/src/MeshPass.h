@@ -17,7 +17,6 @@ class SkyPass;
 class MeshPass {
 public:
     bool init();
-    void release();
 
     /// Brings the instances of this frame to the device; before the draws.
     void upload(const SceneList& list, const SkyPass& sky);

@@ -100,8 +100,6 @@ bool OceanPass::init(int columns, int rows) {
     m_rows = rows;
     if (!m_program.build("ocean.vert", "shadow.glsl ocean.frag")) return false;
     makeGrid();
-    m_uploaded = Stamp();
-    m_foam_cover = -1;
     m_program.use();
     const char* names[] = {"uDisplacement0", "uDisplacement1", "uDisplacement2",
                            "uSlope0",        "uSlope1",        "uSlope2",
@@ -109,18 +107,6 @@ bool OceanPass::init(int columns, int rows) {
     for (int i = 0; i < 9; i++)
         m_program.set(names[i], gl::UNIT_FIRST_OWN + i);
     return true;
-}
-
-void OceanPass::release() {
-    m_program.destroy();
-    m_vertex_array.destroy();
-    m_vertices.destroy();
-    m_indices.destroy();
-    for (gl::Texture& texture : m_displacement)
-        texture.destroy();
-    for (gl::Texture& texture : m_slope)
-        texture.destroy();
-    std::fill(std::begin(m_edges), std::end(m_edges), 0);
 }
 
 void OceanPass::makeGrid() {

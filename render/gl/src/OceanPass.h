@@ -18,7 +18,6 @@ class OceanPass {
 public:
     /// `columns` and `rows` of the fan of triangles.
     bool init(int columns, int rows);
-    void release();
 
     /// Brings the waves to the device when they have changed.
     void upload(const OceanFrame& frame);

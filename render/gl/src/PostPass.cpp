@@ -16,11 +16,6 @@ bool PostPass::init() {
     return true;
 }
 
-void PostPass::release() {
-    m_empty.destroy();
-    m_programs.clear();
-}
-
 /// Null when the library has no such shader.
 gl::Program* PostPass::find(const jString& name) {
     const auto [entry, is_new] = m_programs.try_emplace(name.c_str());

@@ -29,7 +29,6 @@ public:
         float detail = 1;
     };
     bool init();
-    void release();
     /// For a result of that width over height; all, as it is, without such a material.
     Input getInput(const jString& name, float aspect) const;
     /// From `picture` onto the bound framebuffer of that size. False when there is no such

@@ -21,11 +21,6 @@ std::uint8_t toByte(float value) { // 0 to 1
 
 } // namespace
 
-void RadarLand::release() {
-    m_texture.destroy();
-    m_made_of = nullptr;
-}
-
 void RadarLand::adopt(const ObjectTerrain* terrain) {
     static const TerrainGrid NONE;
     m_terrain = terrain;

@@ -16,7 +16,6 @@ class RadarLand {
 public:
     /// Keeps the texture of the present terrain, null for none, on the device.
     void adopt(const ObjectTerrain* terrain);
-    void release();
     /// Sets the uniforms of shaders/radar.frag that tell where the view's nadir lies in the texture
     /// and how places around it do, for a picture whose texels are that large (m); binds it.
     void bind(gl::Program& program, const FrameView& view, float texel) const;

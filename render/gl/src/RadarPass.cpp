@@ -51,15 +51,6 @@ bool RadarPass::init() {
     return true;
 }
 
-void RadarPass::release() {
-    m_ground.destroy();
-    m_target.destroy();
-    m_empty.destroy();
-    m_corner_array.destroy();
-    m_corner_buffer.destroy();
-    m_land.release();
-}
-
 void RadarPass::draw(const World& world, const FrameView& view, const FrameInfo& frame,
                      const gl::Texture& noise, float gain) {
     m_pictures++;

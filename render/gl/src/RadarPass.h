@@ -35,7 +35,6 @@ struct FrameInfo;
 class RadarPass {
 public:
     bool init();
-    void release();
     /// Onto the bound framebuffer, whose viewport is set, and within the scissor.
     void draw(const World& world, const FrameView& view, const FrameInfo& frame,
               const gl::Texture& noise, float gain);

@@ -80,7 +80,7 @@ struct RendererGL::Impl {
     bool ready = false;
     float scale = 1;
     jString device;
-    HeadlessContext context; // before all that lives in it
+    HeadlessContext context; // before all that lives in it and goes before it
     Targets targets;
     Targets* canvas = &targets; ///< what the passes draw into
     gl::Buffer block_buffer;
@@ -106,7 +106,7 @@ struct RendererGL::Impl {
 
 RendererGL::RendererGL(Surface surface) : m_impl(std::make_unique<Impl>(surface)) {}
 
-RendererGL::~RendererGL() { release(); }
+RendererGL::~RendererGL() = default;
 
 // ------------------------------------------------------------------ start and end
 
@@ -126,8 +126,9 @@ bool RendererGL::init(int width, int height) {
     glDepthFunc(GL_GEQUAL);
     glClearDepth(0);
     r.ready = r.initPasses() && r.targets.make(width, height, r.scale);
-    if (!r.ready) release();
-    return r.ready;
+    if (r.ready) return true;
+    release();
+    return false;
 }
 
 bool RendererGL::Impl::initPasses() {
@@ -149,27 +150,12 @@ bool RendererGL::Impl::initPasses() {
            viewports.init() && (software ? ocean.init(128, 90) : ocean.init(320, 240));
 }
 
+/// What lives in the context goes, and the context last; what was asked for stays.
 void RendererGL::release() {
-    Impl& r = *m_impl;
-    r.ready = false;
-    r.targets.release();
-    r.sky.release();
-    r.shadow.release();
-    r.meshes.release();
-    r.ocean.release();
-    r.terrain.release();
-    r.grass.release();
-    r.decals.release();
-    r.sprites.release();
-    r.wakes.release();
-    r.ui.release();
-    r.viewports.release();
-    r.noise.destroy();
-    r.tonemap.destroy();
-    r.fxaa.destroy();
-    r.block_buffer.destroy();
-    r.empty.destroy();
-    r.context.destroy();
+    auto fresh = std::make_unique<Impl>(m_impl->surface);
+    fresh->scale = m_impl->scale;
+    fresh->clock.on = m_impl->clock.on;
+    m_impl = std::move(fresh);
 }
 
 void RendererGL::resize(int width, int height) {

@@ -25,13 +25,6 @@ bool ShadowMap::make(Map& map, int size) {
     return glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
 }
 
-void ShadowMap::release() {
-    for (Map* map : {&m_near, &m_far}) {
-        map->depth.destroy();
-        map->target.destroy();
-    }
-}
-
 void ShadowMap::place(const vec3& center, FrameBlock& block) const {
     constexpr float BIAS = 0.06f; // m; about half a texel
     const vec3 light = block.light_direction.xyz();

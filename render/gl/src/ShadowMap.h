@@ -19,7 +19,6 @@ public:
     static constexpr int FAR_SIZE = 1024; ///< of the far map; their size follows what is in it
 
     bool init();
-    void release();
     /// Puts the near map's transform into the frame block: the light's direction must be there
     /// already. `center` in E.
     void place(const vec3& center, FrameBlock& block) const;

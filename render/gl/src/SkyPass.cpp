@@ -87,20 +87,7 @@ bool SkyPass::init(int map_size) {
     m_map_target.create();
     glBindFramebuffer(GL_FRAMEBUFFER, m_map_target.id());
     glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, m_map.id(), 0);
-    m_baked = Bake();
     return true;
-}
-
-void SkyPass::release() {
-    m_scatter.destroy();
-    m_compose.destroy();
-    m_background.destroy();
-    m_deck.destroy();
-    m_empty.destroy();
-    for (gl::Texture* texture : {&m_rayleigh, &m_mie, &m_multiple, &m_map})
-        texture->destroy();
-    m_scatter_target.destroy();
-    m_map_target.destroy();
 }
 
 // ------------------------------------------------------------------ the map

@@ -47,13 +47,6 @@ bool SpritePass::init() {
     return true;
 }
 
-void SpritePass::release() {
-    m_program.destroy();
-    m_buffer.destroy();
-    m_sheet.destroy();
-    m_vertex_array.destroy();
-}
-
 // ------------------------------------------------------------------ gathering
 
 void SpritePass::gather(const FrameView& view, const FrameInfo& frame,

@@ -20,7 +20,6 @@ struct LampItem;
 class SpritePass {
 public:
     bool init();
-    void release();
     /// Gathers the frame's sprites; its `particles` may be null.
     void gather(const FrameView& view, const FrameInfo& frame, const std::vector<LampItem>& lamps,
                 const std::vector<CableItem>& cables);

@@ -44,11 +44,4 @@ bool Targets::make(int width, int height, float scale) {
     return complete;
 }
 
-void Targets::release() {
-    for (gl::Texture* texture : {&light, &depth, &toned, &finished})
-        texture->destroy();
-    for (gl::Framebuffer* target : {&scene_target, &toned_target, &finished_target})
-        target->destroy();
-}
-
 } // namespace ig

@@ -11,7 +11,6 @@ class Targets {
 public:
     /// (Re)makes all; sizes in pixels. False, logged, when the driver refuses.
     bool make(int width, int height, float scale);
-    void release();
 
     int width() const { return m_width; } ///< of the finished picture
     int height() const { return m_height; }

@@ -61,13 +61,6 @@ std::vector<std::uint16_t> triangulate(const std::vector<char>& has_data, int ed
 
 bool TerrainPass::init() { return m_program.build("terrain.vert", "shadow.glsl terrain.frag"); }
 
-void TerrainPass::release() {
-    m_program.destroy();
-    m_chunks.clear();
-    m_extents.clear();
-    m_heights = nullptr;
-}
-
 std::uint64_t TerrainPass::key(const Square& square) {
     return static_cast<std::uint64_t>(square.step) << 48 |
            static_cast<std::uint64_t>(square.row) << 24 | static_cast<std::uint64_t>(square.column);

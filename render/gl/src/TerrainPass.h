@@ -20,7 +20,6 @@ namespace ig {
 class TerrainPass {
 public:
     bool init();
-    void release();
     void draw(const FrameView& view, const ObjectTerrain& terrain);
     /// Place in the noise that colours the ground, m, of a geodetic place.
     static dvec2 toNoise(const TerrainGrid& grid, double longitude, double latitude);

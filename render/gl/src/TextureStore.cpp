@@ -62,6 +62,4 @@ void TextureStore::fill(gl::Texture& texture, const jString& path) {
     if (hasAnisotropy()) glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_MAX_ANISOTROPY_EXT, ANISOTROPY);
 }
 
-void TextureStore::release() { m_textures.clear(); }
-
 } // namespace ig

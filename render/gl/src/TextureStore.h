@@ -15,7 +15,6 @@ public:
     /// Colours are taken as sRGB and become linear; with mip levels, repeated beyond the edges, the
     /// first row of the file at the top (v = 1).
     const gl::Texture& get(const jString& path);
-    void release();
 
 private:
     static void fill(gl::Texture& texture, const jString& path);

@@ -26,14 +26,6 @@ bool UiPass::init() {
     return true;
 }
 
-void UiPass::release() {
-    m_program.destroy();
-    m_vertex_array.destroy();
-    m_buffer.destroy();
-    m_atlas.release();
-    m_images.clear();
-}
-
 /// A file that can't be read, reported once, shows as a chequered square.
 const gl::Texture& UiPass::findImage(std::string_view path) {
     const auto known = m_images.find(path);

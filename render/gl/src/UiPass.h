@@ -17,7 +17,6 @@ class ViewportPass;
 class UiPass {
 public:
     bool init();
-    void release();
     /// Of a line as `draw` sets it, pixels.
     float getTextWidth(float size, std::string_view utf8);
     /// Onto the bound framebuffer of that size.

@@ -41,12 +41,6 @@ void makeTarget(gl::Framebuffer& target, gl::Texture& texture, int width, int he
 
 bool ViewportPass::init() { return m_radar.init() && m_post.init(); }
 
-void ViewportPass::release() {
-    m_pictures.clear();
-    m_radar.release();
-    m_post.release();
-}
-
 const gl::Texture* ViewportPass::find(int viewport) const {
     for (const auto& picture : m_pictures)
         if (picture->viewport == viewport) return picture->finished;

@@ -61,19 +61,6 @@ bool WakePass::init(int map_size) {
     return true;
 }
 
-void WakePass::release() {
-    for (gl::Program* program : {&m_kelvin, &m_wake, &m_patch})
-        program->destroy();
-    m_empty.destroy();
-    m_vertex_array.destroy();
-    m_buffer.destroy();
-    m_kelvin_map.destroy();
-    for (Map* map : {&m_near, &m_far}) {
-        map->texture.destroy();
-        map->target.destroy();
-    }
-}
-
 // ------------------------------------------------------------------ gathering
 
 void WakePass::gather(const FrameView& view, const ParticleSystem* particles,

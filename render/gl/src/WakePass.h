@@ -37,7 +37,6 @@ public:
 
     /// `map_size` in texels: 384 or more looks right.
     bool init(int map_size);
-    void release();
     /// Gathers the frame's wakes; `particles` may be null.
     void gather(const FrameView& view, const ParticleSystem* particles,
                 const std::vector<const DecalOrtho*>& decals);

@@ -19,7 +19,6 @@ public:
 
     /// Adds the sheets of the list's pictures to what it draws, lays one that is missing.
     void gather(const World& world, const FrameView& view, SceneList& list);
-    void release() { m_sheets.clear(); }
 
 private:
     struct Sheet {
