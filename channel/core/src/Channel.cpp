@@ -84,10 +84,10 @@ bool Channel::open() {
     m_environment.connect(*m_logic);
     m_scene_command.connect(*m_logic);
     if (!m_logic->init()) {
-        if (m_world.getNodeByName("start_heli")) return false; // it has told why
-        jLog::error("visual_channel: \"%s\" has no node \"start_heli\" for the helicopter to start "
-                    "at",
-                    m_logic->getWorldPath().c_str());
+        const jString start = m_logic->getStartNode();
+        if (!start.empty() && !m_world.getNodeByName(start)) // else it has told why
+            jLog::error("visual_channel: \"%s\" has no node \"%s\" for the scene to start at",
+                        m_logic->getWorldPath().c_str(), start.c_str());
         return false;
     }
     m_environment.attach(m_world);
@@ -97,7 +97,7 @@ bool Channel::open() {
     if (m_window.isOpen() && !m_options.show_help)
         m_interface.getOverlays().getNotices().showHint();
     m_interface.getOverlays().showStatistics(m_options.statistics);
-    if (m_listener.m_helicopter) m_last_position = m_listener.m_helicopter->getWorldPosition();
+    if (m_listener.m_focus) m_last_position = m_listener.m_focus->getWorldPosition();
     for (SocketUDP* socket : SocketUDP::getOpenSockets())
         if (!m_options.allow_sender.empty() && !socket->setAllowedSender(m_options.allow_sender))
             return false;
@@ -200,7 +200,7 @@ bool Channel::loadWorld() {
 /// A level camera at the start marker, looking ahead: the logic's views take over from it.
 void Channel::placeCamera() {
     setProjection();
-    if (const Node* start = m_world.getNodeByName("start_heli"))
+    if (const Node* start = m_world.getNodeByName(m_logic->getStartNode()))
         m_camera.setTransform(start->getWorldTransform() *
                               dmat4(dquat(dvec3(1, 0, 0), 90), dvec3()));
     m_camera_control.setCamera(&m_camera);
@@ -248,8 +248,9 @@ bool Channel::runFrame() {
     if (m_window.isOpen()) m_window.swap(); // waits for a graphics device that is still drawing
     if (m_options.scale <= 0)
         m_renderer->setScale(m_governor.update(steadyNow() - begin, m_renderer->getScale()));
-    m_interface.getOverlays().addFrame(dt, costs, m_listener.m_records - m_last_records);
-    m_last_records = m_listener.m_records;
+    const std::uint64_t received = m_link.getReceived().datagrams_received;
+    m_interface.getOverlays().addFrame(dt, costs, static_cast<int>(received - m_last_received));
+    m_last_received = received;
     m_trace.write(begin, m_listener);
     m_status.addFrame(dt, work);
     m_status.print(m_listener, m_link, m_scene_command.describe() + ' ' + m_environment.describe());
@@ -260,7 +261,7 @@ bool Channel::runFrame() {
 }
 
 void Channel::playScript() {
-    m_script.play(m_scene_time, m_listener.m_records > 0);
+    m_script.play(m_scene_time, m_last_received > 0);
     if (m_script.hasQuit()) requestStop();
 }
 
@@ -316,7 +317,7 @@ FrameCosts Channel::frame(float dt) {
 }
 
 void Channel::draw() {
-    m_environment.fillFrame(getEye(), m_listener.m_helicopter, Engine::get()->getRunningTime(),
+    m_environment.fillFrame(getEye(), m_listener.m_focus, Engine::get()->getRunningTime(),
                             m_frame_info);
     m_frame_info.particles = &m_particles;
     m_renderer->render(m_world, getEye(), m_frame_info);
@@ -328,8 +329,8 @@ void Channel::draw() {
 /// Elsewhere on the earth "up" points elsewhere: a camera that came along would hang askew. A free
 /// one stayed where it is.
 void Channel::levelAfterJump() {
-    if (!m_listener.m_helicopter) return;
-    const dvec3 position = m_listener.m_helicopter->getWorldPosition();
+    if (!m_listener.m_focus) return;
+    const dvec3 position = m_listener.m_focus->getWorldPosition();
     const dvec3 eye = m_camera.getWorldPosition();
     const bool jumped = length(position - m_last_position) > JUMP;
     if (jumped && length(eye - m_last_eye) > JUMP / 2) levelCamera();
@@ -348,7 +349,7 @@ void Channel::close() {
     if (m_logic) {
         m_logic->release();
         if (m_renderer) m_renderer->release();
-        m_listener.m_helicopter = nullptr;
+        m_listener.m_focus = nullptr;
         m_frame_info.ui = nullptr;
         m_frame_info.ui_root = nullptr;
         m_interface.close();

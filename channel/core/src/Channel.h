@@ -111,11 +111,11 @@ private:
     ig::ParticleSystem m_particles;
     ig::FrameInfo m_frame_info;
     Trace m_trace;
-    ig::dvec3 m_last_position; ///< of the helicopter
+    ig::dvec3 m_last_position; ///< of the focus
     ig::dvec3 m_last_eye;      ///< of the logic's camera
     FrameClock m_clock;
     double m_scene_time = 0; ///< s; goes on while the scene stands still
     int m_frames = 0;
-    bool m_quit = false;    ///< the operator has confirmed it
-    int m_last_records = 0; ///< applied up to the frame before
+    bool m_quit = false;               ///< the operator has confirmed it
+    std::uint64_t m_last_received = 0; ///< records, up to the frame before
 };

@@ -92,10 +92,7 @@ void Environment::onCloud(CloudInfo* cloud) {
     m_told.cloud_thickness = cloud->thickness;
 }
 
-/// Every record carries it.
 void Environment::onWindSpeed(float speed) {
-    m_settles = m_settles || !m_host_heard;
-    m_host_heard = true;
     if (std::isfinite(speed)) m_told.wind_speed = std::max(speed, 0.0f);
 }
 
@@ -156,7 +153,9 @@ void Environment::update(float dt, const Camera& camera) {
 
 void Environment::followWeather(float dt) {
     const ShownWeather target = ShownWeather::of(m_told, m_operator);
-    if (m_settles || (!(dt > 0) && target != m_target))
+    const bool first = !m_host_heard && m_told != Weather();
+    m_host_heard = m_host_heard || first;
+    if (m_settles || first || (!(dt > 0) && target != m_target))
         m_shown = target;
     else
         m_shown.approach(target, dt);

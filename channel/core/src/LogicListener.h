@@ -10,17 +10,17 @@ public:
 
     void connect(LogicBase& logic);
 
-    /// The own helicopter: the first prefab that the logic announces. Null before `init` and after
-    /// the logic's release.
-    ig::ObjectPrefab* m_helicopter = nullptr;
-    int m_records = 0; ///< host records applied
+    /// What the picture is about: the first prefab that the logic announces. Null before `init` and
+    /// after the logic's release, and with a logic that announces none.
+    ig::ObjectPrefab* m_focus = nullptr;
+    int m_applied = 0; ///< records of the flight simulation
     int m_resets = 0;
 
 private:
     void onPrefabAdded(ig::ObjectPrefab* prefab, bool) {
-        if (!m_helicopter) m_helicopter = prefab;
+        if (!m_focus) m_focus = prefab;
     }
-    void onRecord(float) { m_records++; } // every record carries the wind's speed
+    void onRecord(float) { m_applied++; }
     void onCode(int code) {
         if (code == RESET_CODE) m_resets++;
     }

@@ -29,12 +29,12 @@ void Status::print(const LogicListener& listener, const LinkMonitor& link,
     if (link.getAge() >= 0) std::snprintf(age, sizeof age, "%.0f ms ago", link.getAge() * 1e3);
     std::printf("%7.1f s %6.1f fps | records %llu received, %d applied, last %s", m_time, rate,
                 static_cast<unsigned long long>(link.getReceived().datagrams_received),
-                listener.m_records, age);
+                listener.m_applied, age);
     const std::string wrong = link.getStatus();
     if (!wrong.empty()) std::printf(" | link: %s", wrong.c_str());
-    if (const Node* helicopter = listener.m_helicopter) {
-        const dvec3 geodetic = EllipsoidModel().toWGS(helicopter->getWorldPosition());
-        const dvec3 hpr = helicopter->getWgsHPR();
+    if (const Node* focus = listener.m_focus) {
+        const dvec3 geodetic = EllipsoidModel().toWGS(focus->getWorldPosition());
+        const dvec3 hpr = focus->getWgsHPR();
         std::printf(" | lon %.6f lat %.6f alt %.2f m, hdg %.1f pitch %.1f roll %.1f", geodetic.x,
                     geodetic.y, geodetic.z, hpr.x, hpr.y, hpr.z);
     }
@@ -46,6 +46,6 @@ void Status::print(const LogicListener& listener, const LinkMonitor& link,
 void Status::printSummary(const LogicListener& listener, const LinkMonitor& link) const {
     std::printf("%d frames in %.2f s of scene time; work per frame %.3f ms mean, %.3f ms worst\n%s",
                 m_frames, m_time, m_frames ? m_work / m_frames * 1e3 : 0.0, m_worst * 1e3,
-                link.getSummary(listener.m_records, listener.m_resets).c_str());
+                link.getSummary(listener.m_applied, listener.m_resets).c_str());
     std::fflush(stdout);
 }

@@ -27,14 +27,14 @@ bool Trace::open(const std::string& path) {
 }
 
 void Trace::write(double begin, const LogicListener& listener) {
-    if (!m_file.isOpen() || !listener.m_helicopter) return;
+    if (!m_file.isOpen() || !listener.m_focus) return;
     const Engine* engine = Engine::get();
-    const Node* helicopter = listener.m_helicopter;
-    const dvec3 g = engine->getEllipsoidModel()->toWGS(helicopter->getWorldPosition());
-    const dvec3 hpr = helicopter->getWgsHPR();
+    const Node* focus = listener.m_focus;
+    const dvec3 g = engine->getEllipsoidModel()->toWGS(focus->getWorldPosition());
+    const dvec3 hpr = focus->getWgsHPR();
     std::array<char, 256> line;
     std::snprintf(line.data(), line.size(), "%d,%.6f,%.6f,%d,%.10f,%.10f,%.5f,%.5f,%.5f,%.5f\n",
-                  engine->getFrame(), engine->getRunningTime(), begin, listener.m_records, g.x, g.y,
+                  engine->getFrame(), engine->getRunningTime(), begin, listener.m_applied, g.x, g.y,
                   g.z, hpr.x, hpr.y, hpr.z);
     if (!m_file.write(line.data())) report();
 }

@@ -8,9 +8,9 @@
 class LogicListener;
 
 /// A CSV file with a line per frame, for comparing what was shown with what was sent: frame, scene
-/// time, steady-clock time at the beginning of the frame, records applied so far, and the
-/// helicopter's longitude, latitude, altitude, heading, pitch, roll. The file is complete or, after
-/// one log line, removed.
+/// time, steady-clock time at the beginning of the frame, records applied so far, and longitude,
+/// latitude, altitude, heading, pitch, roll of what the picture is about. The file is complete or,
+/// after one log line, removed.
 class Trace {
 public:
     /// Whether a file can be written there, as far as can be told now; with one log line if not.

@@ -17,6 +17,7 @@ struct Weather {
 
     /// This, with what `other` asks for in its place.
     Weather overriddenBy(const Weather& other) const;
+    bool operator==(const Weather&) const = default;
     /// For the status line: what is asked for, in a few words.
     std::string describe() const;
 };

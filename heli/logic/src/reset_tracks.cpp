@@ -72,6 +72,6 @@ void Logic_Nerith_Heli_Final::reset_helicopter() {
     show_airframe("fire", false);
     show_airframe("destroyed", false);
     show_airframe("normal", true);
-    if (const Node* start = m_world->getNodeByName("start_heli"))
+    if (const Node* start = m_world->getNodeByName(getStartNode()))
         m_heli->set_transform(start->getWorldTransform());
 }

@@ -32,7 +32,7 @@ constexpr float RECEIVE_PERIOD = 0.01f; ///< seconds
 bool Logic_Nerith_Heli_Final::init() {
     AppData::instance();
     AppData::instance()->load(); // without a file the defaults hold
-    const Node* start = m_world->getNodeByName("start_heli");
+    const Node* start = m_world->getNodeByName(getStartNode());
     if (!start) return false;
 
     if (!create_helicopter(*start)) return out_of_memory();

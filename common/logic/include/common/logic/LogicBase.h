@@ -55,6 +55,9 @@ public:
     virtual void onMouseWheel(const ig::GUIEventWheel&, ig::IApp*) {}
     virtual void onKeyPress(const ig::GUIEventKey&, ig::IApp*) {}
     virtual void onKeyRelease(const ig::GUIEventKey&, ig::IApp*) {}
+    /// The node of its world that the scene begins at, where the camera stands before `init`; the
+    /// application names it when `init` fails for want of it. Empty: there is none.
+    virtual ig::jString getStartNode() { return {}; }
 
     /// Logic objects come from the engine allocator; `delete` takes them out of the memory tracker.
     static void* operator new(std::size_t size) { return ig::jObject::operator new(size); }
@@ -75,6 +78,9 @@ public:
     ig::SignalList<ig::Node*> m_sig_node;
     ig::SignalList<int> m_sig_code;               ///< the scene was reset: 25, then 26
     ig::SignalList<ig::Node*> m_sig_node_removed; ///< just before it is removed
+    /// What comes into the scene. The first one, announced in `init`, is what the picture is about:
+    /// the application tells its pose, levels the camera when it jumps, and lets it into the view
+    /// of whoever rides on it.
     ig::SignalList<ig::ObjectPrefab*, bool> m_sig_prefab_added;
     ig::SignalList<ig::jString, ig::Node*, bool> m_sig_named_node;
     ig::SignalList<SynCoder::CMDPlaySpeOnceInfo*> m_sig_play_spe_once;
@@ -87,7 +93,9 @@ public:
     ig::Function<void()> m_callback;
     ig::SignalList<float> m_sig_float_1;
     ig::SignalList<float> m_sig_float_2; ///< direction of the wind: −90 − the host's angle
-    ig::SignalList<float> m_sig_float_3; ///< speed of the wind, m/s; the first of the three
+    /// Speed of the wind, m/s; the first of the three. Once for every record, whatever it says: the
+    /// application counts by it what was applied.
+    ig::SignalList<float> m_sig_float_3;
     ig::SignalList<WEATHER_TYPE> m_sig_weather;
     ig::SignalList<WEATHER_DETAIL> m_sig_rain;
     ig::SignalList<WEATHER_DETAIL> m_sig_snow;

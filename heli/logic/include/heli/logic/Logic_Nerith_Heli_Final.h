@@ -121,6 +121,7 @@ public:
     // --- reset_tracks.cpp
 
     ig::jString getWorldPath() override;
+    ig::jString getStartNode() override { return "start_heli"; }
     /// Loads an animation track and keeps it for good; logged when that fails. Nothing for an empty
     /// path.
     void load_track(const ig::jString& path);
