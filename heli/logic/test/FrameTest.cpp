@@ -1,35 +1,97 @@
 // SPDX-License-Identifier: MIT
-#include "plugins/ocean/ObjectOcean.h"
-#include "testkit/LogicScene.h"
+#include "SignalRecorder.h"
+#include "heli/kit/HeliEffectsKitCorax.h"
+#include "ig/scene/SceneObjects.h"
 
-#include <gtest/gtest.h>
+#include <algorithm>
 
 namespace {
 
 using namespace ig;
-const EllipsoidModel EARTH;
 
-TEST(GroundReference, HigherOfTerrainAndSeaDecides) {
-    LogicScene scene;
-    scene.addToWorld("name: ocean, type: ocean, beaufort: 5");
-    auto* terrain = new FlatTerrain(7);
-    terrain->setName("terrain");
-    scene.before_init = [&](Logic_Nerith_Heli_Final&) { scene.world->addNode(terrain); };
-    ASSERT_TRUE(scene.start());
-    const HelicopterCorax& heli = *scene.logic->m_heli;
-    const auto expect = [&](double ground, bool over_water) {
-        EXPECT_NEAR(heli.get_ground_height(), ground, 1e-5);
-        EXPECT_EQ(heli.is_over_water(), over_water) << ground;
-    };
-    scene.frame(0);
-    expect(7, false);
-    terrain->m_altitude = -20;
-    scene.frame(0);
-    expect(EARTH.getAltitude(scene.logic->m_ocean->getWorldPoint(heli.get_world_position())), true);
-    terrain->m_exists = false;
+/// The helicopter of the demo world, held where a record puts it.
+struct EffectsFrame : LogicTest {
+    EffectsFrame() : LogicTest(true) {}
+    /// At a height above what lies below; `rotor` as the host tells it, 270 is full collective.
+    void hover(double longitude, double latitude, float height, float rotor) {
+        UdpRecvData record{};
+        record.longitude = longitude;
+        record.latitude = latitude;
+        record.rotor_speed = rotor;
+        record.altitude = 500;
+        scene.tell(record); // to measure the surface
+        record.altitude = heli().get_ground_height() + height;
+        scene.tell(record);
+    }
+    ObjectParticles* emitter(const char* name) {
+        return static_cast<ObjectParticles*>(scene.helicopterNode(name));
+    }
+    /// Which of the emitters run, and how dense one of them is.
+    void expect(std::initializer_list<const char*> names, bool running, const char* dense) {
+        for (const char* name : names)
+            EXPECT_EQ(emitter(name)->isVisible() && !emitter(name)->isSilent(), running) << name;
+        const Material* material = emitter(dense)->getSurfaceMaterial(0);
+        const vec4 color =
+            material->getParameterValue(material->findParameterIDByTag("diffuse_color"));
+        EXPECT_NEAR(color.w, (10 - heli().get_ground_height() / 25) * 0.05f, 1e-4) << dense;
+    }
+};
+
+TEST_F(EffectsFrame, OverTheSeaSprayAndOverLandLeaves) {
+    scene.logic->m_ocean->setBeaufort(5);
+    hover(-155.05, 19.74, 4, 13.5f); // collective 0.05
+    expect({"water", "downwash_spe"}, true, "water");
+    expect({"out_snow", "leaf_1", "leaf_2"}, false, "water");
+    EXPECT_TRUE(heli().is_over_water());
+    const EllipsoidModel earth;
+    const dvec3 below = scene.logic->m_ocean->getWorldPoint(heli().get_world_position());
+    EXPECT_NEAR(heli().get_ground_height(), earth.getAltitude(below), 1e-5);
+    EXPECT_LT(length(scene.helicopterNode("downwash")->getWorldPosition() - below), 0.01);
+
+    hover(-155.0648, 19.7107, 4, 13.5f); // over the turf beside the apron
+    expect({"water"}, false, "leaf_1");
+    expect({"out_snow", "leaf_1", "leaf_2"}, true, "leaf_1");
+    EXPECT_FALSE(heli().is_over_water());
+    EXPECT_GT(heli().get_ground_height(), 10);
     scene.logic->m_ocean = nullptr;
-    scene.frame(0);
-    expect(static_cast<double>(-1e9f), false);
+    scene.logic->m_terrain = nullptr;
+    scene.frame();
+    EXPECT_EQ(heli().get_ground_height(), -1e9f);
+}
+
+TEST_F(EffectsFrame, TheDustIsThatOfTheGroundBelow) {
+    const auto ground = [this](double longitude, double latitude) {
+        hover(longitude, latitude, 4, 13.5f);
+        scene.frames(40, 0.1f);
+        return emitter("downwash_spe")->getGround();
+    };
+    const vec4 sea = ground(-155.05, 19.74), pad = ground(-155.0625125, 19.7124631);
+    const vec4 turf = ground(-155.0648, 19.7107), beach = ground(-155.05856, 19.71498);
+    EXPECT_NEAR(sea.w, 1, 1e-3);
+    EXPECT_LT(pad.w, beach.w);        // concrete gives little
+    EXPECT_GT(turf.y, 1.5f * turf.z); // brown and green
+    EXPECT_GT(beach.x, 1.5f * beach.z);
+    scene.logic->setSnow(1);
+    const vec4 snow = ground(-155.0648, 19.7107);
+    EXPECT_GT(std::min({snow.x, snow.y, snow.z}), 0.75f);
+}
+
+TEST(Deflector, TakesItsHeightFromTheWeatherAndKeepsItsPlace) {
+    LogicScene scene;
+    scene.addToWorld("name: rain, type: particles, deflectors: 1");
+    scene.addToWorld("name: hail, type: particles"); // without a deflector of its own
+    scene.addToWorld("name: snow");                  // no particle system
+    ASSERT_TRUE(scene.start());
+    auto& rain = static_cast<ObjectParticles&>(*scene.logic->m_rain);
+    scene.logic->m_heli->m_prefab->setWgsHPR({100, 6, 0});
+    const dmat4 heli = scene.logic->m_heli->get_world_transform();
+    // Somewhere else above: only the height counts.
+    rain.setWorldTransform(heli * dmat4(dquat(10, 20, 30), dvec3(14, -9, 25)));
+    scene.frame();
+    const dmat4 deflector = rain.getDeflectorTransform(0);
+    EXPECT_LT(length(inverse(heli) * deflector.getTranslate() - dvec3(0, 3, 25)), 1e-6);
+    // Turns with the helicopter, not with the rain.
+    EXPECT_NEAR(dot(deflector.getZ(), heli.getZ()), 1, 1e-9);
 }
 
 TEST(Commander, HandsSwingBetweenTheirLimitsTogether) {

@@ -1,24 +1,14 @@
 // SPDX-License-Identifier: MIT
-#include "nodes.h"
+#include "SignalRecorder.h"
 #include "heli/logic/records.h"
-#include "testkit/LogicScene.h"
-
-#include <gtest/gtest.h>
-#include <string>
-#include <vector>
 
 namespace {
 
 using namespace ig;
 using Mode = Logic_Nerith_Heli_Final;
 
-struct InputTest : testing::Test {
-    void SetUp() override {
-        scene.useProjectData();
-        ASSERT_TRUE(scene.start());
-        scene.frame();
-    }
-    Logic_Nerith_Heli_Final& logic() { return *scene.logic; }
+struct InputTest : LogicTest {
+    InputTest() : LogicTest(true) {}
     /// Presses the keys together, runs a frame, and lets them go.
     void stroke(const std::vector<int>& keys) {
         for (int key : keys)
@@ -27,11 +17,7 @@ struct InputTest : testing::Test {
         for (int key : keys)
             scene.input.keyUp(key);
     }
-    float sonarLength() {
-        const BodyRope* rope = ropeOf(logic().m_sonar_info->rope);
-        return rope ? rope->getLength() * 1.5f : 0; // as displayed
-    }
-    LogicScene scene;
+    float sonarLength() { return shownLength(logic().m_sonar_info->rope); }
 };
 
 TEST_F(InputTest, OfSeveralCommandsInAFrameOnlyTheFirstInOrderActs) {

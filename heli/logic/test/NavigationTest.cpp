@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "testkit/LogicScene.h"
+#include "SignalRecorder.h"
 
 #include <cmath>
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -11,12 +10,7 @@ using namespace ig;
 using Mode = Logic_Nerith_Heli_Final;
 const EllipsoidModel EARTH;
 
-struct NavigationTest : testing::Test {
-    void SetUp() override {
-        ASSERT_TRUE(scene.start());
-        scene.frame();
-    }
-    Logic_Nerith_Heli_Final& logic() { return *scene.logic; }
+struct NavigationTest : LogicTest {
     dvec3 position() { return scene.camera.getPosition(); }
     dvec3 axis(double x, double y, double z) {
         return scene.camera.getTransform().getMat3() * dvec3(x, y, z);
@@ -27,23 +21,18 @@ struct NavigationTest : testing::Test {
         scene.control.moveMouse(dx / sensitivity, dy / sensitivity);
         scene.frame();
     }
-    void drag(float dx, float dy) {
-        scene.control.setLeftButton(true);
-        move(dx, dy);
-    }
-    LogicScene scene;
 };
 
 TEST_F(NavigationTest, OrbitTurnsAboutTheHelicopterAndTheLocalVertical) {
-    const dvec3 pivot = logic().m_heli->get_world_position();
+    const dvec3 pivot = heli().get_world_position(), arm = position() - pivot;
     const dvec3 up = EARTH.getUp(position());
-    const dvec3 arm = position() - pivot;
-    drag(-90, 0);
+    scene.control.setLeftButton(true);
+    move(-90, 0);
     const dvec3 turned = position() - pivot;
     EXPECT_NEAR(length(turned), 25, 1e-7);
     EXPECT_LT(length(turned - cross(up, arm)), 1e-3);           // a quarter turn, counter-clockwise
     EXPECT_LT(length(axis(0, 0, 1) - normalize(turned)), 1e-9); // still looks at it
-    drag(0, 30);
+    move(0, 30);
     EXPECT_NEAR(dot(position() - pivot, up), 25 * std::sin(30 * DEG_TO_RAD<double>), 0.01);
     for (int i = 0; i < 40; i++) // as near as a metre
         logic().onMouseWheel({120, 1}, nullptr);
@@ -112,26 +101,19 @@ TEST_F(NavigationTest, ViewsCycleAndEachPlacesTheCamera) {
     EXPECT_LT(length(position() - third.getTranslate()), 1e-8);
     EXPECT_LT(length(axis(0, 0, 1) - third.getZ()), 1e-9);
     // Whatever moved the helicopter since the update: the picture shows it in its place.
-    const auto move = [&] {
-        logic().m_heli->m_prefab->setWorldPosition(logic().m_heli->get_world_position() +
-                                                   dvec3(3, 4, 5));
-        logic().swap();
-    };
-    move();
-    EXPECT_NEAR(length(position() - logic().m_heli->get_world_position()), 25, 1e-8);
+    heli().m_prefab->setWorldPosition(heli().get_world_position() + dvec3(3, 4, 5));
+    logic().swap();
+    EXPECT_NEAR(length(position() - heli().get_world_position()), 25, 1e-8);
     logic().set_player_mode(Mode::PLAYER_MODE_FIRST);
-    move();
-    EXPECT_LT(length(position() - scene.helicopterNode("cam_first_player")->getWorldPosition()),
-              1e-8);
+    logic().swap();
+    EXPECT_LT(length(position() - eye.getTranslate() - dvec3(3, 4, 5)), 1e-4);
 }
 
 // ------------------------------------------------------------------ picking
 
 TEST(Picking, NearestVisibleSurfaceWins) {
     LogicScene scene;
-    const auto at = [](double altitude) {
-        return "wgs: [-155.06, 19.71, " + std::to_string(altitude) + "]";
-    };
+    const std::string at = "wgs: [-155.06, 19.71, ";
     // The upper of the slab's two surfaces comes second in its file.
     scene.folder.write("slab.mtl", "newmtl a\nnewmtl b\n");
     scene.folder.write("slab.obj", "mtllib slab.mtl\no slab\nv -9 -9 0\nv 9 -9 0\nv 9 9 0\n"
@@ -139,29 +121,27 @@ TEST(Picking, NearestVisibleSurfaceWins) {
                                    "usemtl b\nf 4 5 6\n");
     scene.folder.write("roof.prefab", "node: {name: r, children: [{name: roof, type: mesh, mesh: "
                                       "square.obj, position: [0, 0, 20]}]}\n");
-    scene.addToWorld("name: group, children: [{name: attic, type: mesh, mesh: square.obj}], " +
-                     at(30));
-    scene.addToWorld("name: house, type: prefab, path: roof.prefab, " + at(0));
-    scene.addToWorld("name: slab, type: mesh, mesh: slab.obj, " + at(15));
+    scene.addToWorld(at +
+                     "30], name: group, children: [{name: attic, type: mesh, mesh: square.obj}]");
+    scene.addToWorld(at + "0], name: house, type: prefab, path: roof.prefab");
+    scene.addToWorld(at + "15], name: slab, type: mesh, mesh: slab.obj");
     ASSERT_TRUE(scene.start());
     const dvec3 top = scene.logic->m_heli->get_world_position();
     const dvec3 bottom = top - EARTH.getUp(top) * 100.0;
-    const auto expect = [&](const char* nearest, double altitude) {
+    Node* group = scene.world->getNodeByName("group"); // once hidden nothing in it is visible
+    Node* roof = asPrefab(scene.world->getNodeByName("house"))->getNodeByName("roof");
+    Node* slab = scene.world->getNodeByName("slab");
+    for (const auto& [nearest, altitude, hidden] : {std::tuple("attic", 30, group),
+                                                    {"roof", 20, roof},
+                                                    {"slab", 18, slab},
+                                                    {"deck", 10, slab}}) {
         dvec3 hit;
         const Object* object = scene.logic->select_object(top, bottom, &hit);
         ASSERT_NE(object, nullptr);
         EXPECT_EQ(object->getName(), nearest);
         EXPECT_NEAR(EARTH.toWGS(hit).z, altitude, 1e-6);
-    };
-    expect("attic", 30);
-    scene.world->getNodeByName("group")->setEnabled(false); // so that nothing in it is visible
-    expect("roof", 20);
-    static_cast<ObjectPrefab*>(scene.world->getNodeByName("house"))
-        ->getNodeByName("roof")
-        ->setEnabled(false);
-    expect("slab", 18);
-    scene.world->getNodeByName("slab")->setEnabled(false);
-    expect("deck", 10);
+        hidden->setEnabled(false);
+    }
 }
 
 } // namespace

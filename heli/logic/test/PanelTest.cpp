@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: MIT
+#include "SignalRecorder.h"
 #include "heli/config/StringTable.h"
 #include "ig/ui/UIButton.h"
 #include "ig/ui/UIEditLine.h"
 #include "ig/ui/UILayout.h"
 #include "ig/ui/UISpriteViewport.h"
 #include "ig/ui/UiDrawList.h"
-#include "testkit/LogicScene.h"
 
-#include <gtest/gtest.h>
 #include <stdexcept>
-#include <string>
 
 // What the buttons and fields do when they are clicked and typed into is tested in a real window,
 // with the application.
@@ -18,13 +16,8 @@ namespace {
 
 using namespace ig;
 
-struct PanelTest : testing::Test {
-    void SetUp() override {
-        scene.useProjectData();
-        ASSERT_TRUE(scene.start());
-        scene.frame();
-    }
-    Logic_Nerith_Heli_Final& logic() { return *scene.logic; }
+struct PanelTest : LogicTest {
+    PanelTest() : LogicTest(true) {}
     /// The edit lines of the camera panel, left to right: speed, x, y, z, collective.
     UIEditLine* field(int index) {
         for (int i = 0; i < logic().m_cam_panel->getChildCount(); i++)
@@ -33,15 +26,15 @@ struct PanelTest : testing::Test {
         throw std::out_of_range("no such field");
     }
     void click(const UIElement* e) {
-        const auto x = static_cast<float>(e->getX() + e->getWidth() / 2);
-        const auto y = static_cast<float>(e->getY() + e->getHeight() / 2);
+        const float x = e->getX() + e->getWidth() / 2.0f, y = e->getY() + e->getHeight() / 2.0f;
         EXPECT_FALSE(scene.input.mouseDown(0, x, y)); // nothing for the scene
         scene.input.mouseUp(0, x, y);
         scene.frame();
     }
-    void key(int code) {
-        scene.input.keyDown(code);
-        scene.input.keyUp(code);
+    void enter(const char* text, int key) {
+        scene.input.text(text);
+        scene.input.keyDown(key);
+        scene.input.keyUp(key);
     }
     bool shows(const char* part) {
         UiDrawList list;
@@ -50,7 +43,6 @@ struct PanelTest : testing::Test {
             if (list.text(command).find(part) != std::string_view::npos) return true;
         return false;
     }
-    LogicScene scene;
 };
 
 TEST_F(PanelTest, PanelsHugTheirCornersAtEverySize) {
@@ -59,13 +51,13 @@ TEST_F(PanelTest, PanelsHugTheirCornersAtEverySize) {
         scene.width = width;
         scene.height = height;
         scene.frame();
-        const UIElement &buttons = *logic().m_btn_panel, &fields = *logic().m_cam_panel;
-        EXPECT_EQ(buttons.getX() + buttons.getWidth(), width);
-        EXPECT_EQ(buttons.getY() + buttons.getHeight(), height);
-        EXPECT_EQ(fields.getX(), 0);
-        EXPECT_EQ(fields.getY() + fields.getHeight(), height);
-        EXPECT_EQ(logic().m_radar_panel->getX(), width - 256);
-        EXPECT_EQ(logic().m_radar_panel->getY(), 0);
+        const auto expect = [](const UIElement* panel, int x, int y) {
+            EXPECT_EQ(std::pair(panel->getX(), panel->getY()), std::pair(x, y));
+        };
+        const UIElement *buttons = logic().m_btn_panel, *fields = logic().m_cam_panel;
+        expect(buttons, width - buttons->getWidth(), height - buttons->getHeight());
+        expect(fields, 0, height - fields->getHeight());
+        expect(logic().m_radar_panel, width - 256, 0);
     }
     EXPECT_EQ(field(2)->getWidth(), 156); // has room for a position
 }
@@ -76,12 +68,11 @@ TEST_F(PanelTest, APlaceThatIsEnteredIsLookedFromWhateverTheViewAndOneThatIsNotI
     record.longitude += 0.01;
     scene.tell(record);
     const dvec3 orbit = scene.camera.getPosition();
-    key(KEY_RETURN); // nothing was typed
+    enter("", KEY_RETURN);
     scene.frame();
     EXPECT_EQ(scene.camera.getPosition(), orbit);
     click(field(2));
-    scene.input.text("20.5");
-    key(KEY_RETURN);
+    enter("20.5", KEY_RETURN);
     scene.frame();
     EXPECT_NEAR(logic().get_cam_pos_geo().y, 20.5, 1e-9);
     EXPECT_EQ(logic().m_btn_view->getText(), "自由视角");
@@ -89,8 +80,7 @@ TEST_F(PanelTest, APlaceThatIsEnteredIsLookedFromWhateverTheViewAndOneThatIsNotI
     logic().change_view();
     EXPECT_LT(length(scene.camera.getPosition() - orbit), 1e-6); // it is still there
     click(field(3));
-    scene.input.text("1e12"); // no camera looks from there
-    key(KEY_RETURN);
+    enter("1e12", KEY_RETURN); // no camera looks from there
     EXPECT_EQ(logic().m_btn_view->getText(), "第三视角");
 }
 
@@ -132,7 +122,7 @@ TEST_F(PanelTest, AMessageHasTranslatedButtonsAndWaitsForTheAnswer) {
     scene.ui->setModalFrame([&] {
         scene.frame();
         EXPECT_TRUE(shows("说明") && shows("确定") && shows("取消"));
-        key(KEY_ESCAPE);
+        enter("", KEY_ESCAPE);
         return frames++ < 9;
     });
     EXPECT_FALSE(show_message("标题", "说明", &scene, true));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "nodes.h"
 #include "plugins/ocean/ObjectOcean.h"
 #include "testkit/LogicScene.h"
 
@@ -10,6 +11,24 @@
 #include <utility>
 #include <vector>
 
+/// What the operator sees of a cable's length; 0 for what is none.
+inline float shownLength(ig::Node* rope) {
+    const ig::BodyRope* body = ropeOf(rope);
+    return body ? body->getLength() * 1.5f : 0;
+}
+
+/// A test of a logic that has started and run a frame, over small files or the project's own.
+struct LogicTest : testing::Test {
+    explicit LogicTest(bool project_data = false) {
+        if (project_data) scene.useProjectData();
+        EXPECT_TRUE(scene.start());
+        scene.frame();
+    }
+    Logic_Nerith_Heli_Final& logic() { return *scene.logic; }
+    HelicopterCorax& heli() { return *scene.logic->m_heli; }
+    LogicScene scene;
+};
+
 /// What the logic tells the application about its weapons, in order.
 struct SignalRecorder {
     struct Effect {
@@ -18,22 +37,20 @@ struct SignalRecorder {
         ig::dvec3 place;
     };
     explicit SignalRecorder(Logic_Nerith_Heli_Final& logic) {
-        logic.m_sig_play_spe_once.append({this, &SignalRecorder::onEffect});
-        logic.m_sig_node_removed.append({this, &SignalRecorder::onRemoved});
-        logic.m_sig_prefab_added.append({this, &SignalRecorder::onAdded});
-        logic.m_sig_node_text.append({this, &SignalRecorder::onText});
-        logic.m_sig_code.append({this, &SignalRecorder::onCode});
+        logic.m_sig_play_spe_once.append(
+            {this, [this](SynCoder::CMDPlaySpeOnceInfo* e) {
+                 effects.push_back({e->path.c_str(), e->duration, e->transform.getTranslate()});
+             }});
+        logic.m_sig_node_removed.append({this, [this](auto node) { removed.push_back(node); }});
+        logic.m_sig_prefab_added.append({this, [this](auto prefab, bool flag) {
+                                             added.push_back(prefab);
+                                             added_flags.push_back(flag);
+                                         }});
+        logic.m_sig_node_text.append(
+            {this, [this](auto, const ig::jString& text) { texts.push_back(text.c_str()); }});
+        logic.m_sig_code.append(
+            {this, [this](int code) { codes.emplace_back(code, removed.size()); }});
     }
-    void onEffect(SynCoder::CMDPlaySpeOnceInfo* info) {
-        effects.push_back({info->path.c_str(), info->duration, info->transform.getTranslate()});
-    }
-    void onRemoved(ig::Node* node) { removed.push_back(node); }
-    void onAdded(ig::ObjectPrefab* prefab, bool flag) {
-        added.push_back(prefab);
-        added_flags.push_back(flag);
-    }
-    void onText(ig::Node*, const ig::jString& text) { texts.push_back(text.c_str()); }
-    void onCode(int code) { codes.emplace_back(code, removed.size()); }
     std::vector<Effect> effects;
     std::vector<ig::Node*> removed, added;
     std::vector<bool> added_flags;

@@ -1,20 +1,16 @@
 // SPDX-License-Identifier: MIT
+#include "SignalRecorder.h"
 #include "ig/base/jAllocator.h"
 #include "ig/net/SocketUDP.h"
-#include "plugins/ocean/ObjectOcean.h"
-#include "testkit/LogicScene.h"
 
 #include <algorithm>
 #include <filesystem>
-#include <gtest/gtest.h>
 #include <map>
 #include <new>
 
 namespace {
 
 using namespace ig;
-
-extern "C" LogicBase* CreateLogic(World*, CameraControl*);
 
 /// What the memory tracker holds, by source and function.
 std::map<std::string, int> tracked() {
@@ -26,13 +22,13 @@ std::map<std::string, int> tracked() {
 TEST(Startup, WorldWithoutStartMarkerCreatesNothing) {
     const auto before = tracked(); // tracks of earlier tests
     LogicScene scene;
-    World world;
-    auto* logic = static_cast<Logic_Nerith_Heli_Final*>(CreateLogic(&world, &scene.camera_control));
-    EXPECT_FALSE(logic->init());
-    EXPECT_TRUE(world.getNodes().empty());
-    logic->update(0.01f);
-    logic->release();
-    delete static_cast<LogicBase*>(logic);
+    scene.before_init = [&](auto&) {
+        scene.world->removeNode(scene.world->getNodeByName("start_heli"));
+    };
+    EXPECT_FALSE(scene.start());
+    EXPECT_EQ(scene.world->getNodes().size(), 1); // the deck
+    scene.frame();
+    scene.stop();
     EXPECT_EQ(tracked(), before);
 }
 
@@ -43,13 +39,12 @@ TEST(Startup, OutOfMemoryOnItsWayIsToldAndEverythingCanBeReleased) {
     bool good = false;
     for (std::size_t room = 0; !good && room < 4'000'000; room += room / 8 + 500) {
         LogicScene scene;
-        scene.before_init = [room](Logic_Nerith_Heli_Final&) {
+        scene.before_init = [room](auto&) {
             jAllocator::get()->setLimit(jAllocator::get()->getUsed() + room);
         };
         try {
             good = scene.start();
-            if (!good && scene.log.lines.back() == "Logic_Nerith_Heli_Final::init: out of memory")
-                told++;
+            told += scene.log.lines.back() == "Logic_Nerith_Heli_Final::init: out of memory";
         } catch (const std::bad_alloc&) {
         }
         jAllocator::get()->setLimit(0);
@@ -65,10 +60,8 @@ TEST(Startup, PlacesTheHelicopterAndLooksAtIt) {
     scene.addToWorld("name: ocean, type: ocean");
     ASSERT_TRUE(scene.start());
     const Logic_Nerith_Heli_Final& logic = *scene.logic;
-    const dvec3 wgs = scene.helicopterWgs();
-    EXPECT_NEAR(wgs.x, LogicScene::LONGITUDE, 1e-12);
-    EXPECT_NEAR(wgs.z, LogicScene::ALTITUDE, 1e-8);
-    EXPECT_NEAR(logic.m_heli->m_prefab->getWgsHPR().x, 30, 1e-9);
+    const dmat4 marker = scene.world->getNodeByName("start_heli")->getWorldTransform();
+    EXPECT_EQ(logic.m_heli->get_world_transform(), marker);
     EXPECT_FALSE(scene.helicopterNode("front_proj")->isEnabled());
     // The camera stands 25 m behind, at the height of the helicopter, and looks at it.
     const dvec3 to_camera = logic.m_third_cam_pos - logic.m_heli->get_world_position();
@@ -89,18 +82,18 @@ TEST(Startup, AnnouncesInOrderAlsoWhatIsPreloadedAndMissing) {
     std::string heard;
     scene.before_init = [&](Logic_Nerith_Heli_Final& logic) {
         const auto listen = [&](auto& list, auto describe) {
-            list.append({&heard, [&heard, describe](auto... told) { heard += describe(told...); }});
+            list.append({&heard, [&heard, describe](auto... told) {
+                             heard += describe(told...).c_str() + std::string(" ");
+                         }});
         };
-        listen(logic.m_sig_object, [](Object* object, int value) {
-            return std::string(object->getName()) + std::to_string(value) + ' ';
+        listen(logic.m_sig_object,
+               [](auto* o, int value) { return o->getName() + ToString(value); });
+        listen(logic.m_sig_prefab_added, [](auto* prefab, bool flag) {
+            return prefab->getRoot()->getName() + (flag ? "!" : "");
         });
-        listen(logic.m_sig_prefab_added, [](ObjectPrefab* prefab, bool flag) {
-            return std::string(prefab->getRoot()->getName()) + (flag ? "! " : " ");
-        });
-        listen(logic.m_sig_track_loaded, [](Track*) { return "track "; });
-        listen(logic.m_sig_preload, [](const jString& path) {
-            return std::filesystem::path(path.c_str()).stem().string() + ' ';
-        });
+        listen(logic.m_sig_track_loaded, [](auto) { return jString("track"); });
+        listen(logic.m_sig_preload,
+               [](auto& path) { return std::filesystem::path(path.c_str()).stem(); });
     };
     ASSERT_TRUE(scene.start());
     EXPECT_EQ(heard, "tail_light0 helicopter! downwash_spe0 glass_top_left0 windows0 track " // of 3
