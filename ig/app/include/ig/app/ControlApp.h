@@ -7,7 +7,7 @@
 
 namespace ig {
 
-/// The state of keyboard and mouse for whoever polls it once a frame. The host application feeds it
+/// The state of keyboard and mouse for whoever polls it once a frame. The application feeds it
 /// between frames with what the user interface did not take, and calls `endFrame` after the logic's
 /// update.
 ///

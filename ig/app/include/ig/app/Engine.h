@@ -8,7 +8,7 @@ namespace ig {
 class IApp;
 class World;
 
-/// Values of the scene that the host application sets and others read.
+/// Values of the scene that the application sets and others read.
 enum EnvironmentValue {
     ENVIRONMENT_FLATTENING,  ///< how much the sea is flattened for floating bodies; 0 nothing
     ENVIRONMENT_SENSOR_GAIN, ///< gain of the sensor picture (vision mode 3)
@@ -16,7 +16,7 @@ enum EnvironmentValue {
 };
 
 /// The engine of the process: who the application is, which world is shown, and what time it is.
-/// The host application sets it up and calls `beginFrame` once per frame, before anything else of
+/// The application sets it up and calls `beginFrame` once per frame, before anything else of
 /// it.
 class Engine {
 public:

@@ -17,7 +17,7 @@ class UIRoot;
 class UiDrawList;
 class World;
 
-/// What a frame looks like beyond the scene's own nodes: light and air. The host application fills
+/// What a frame looks like beyond the scene's own nodes: light and air. The application fills
 /// it, the renderer reads it.
 struct FrameInfo {
     double time = 0; ///< scene time, s: moves clouds, rain on glass, ripples
@@ -68,7 +68,7 @@ struct RenderResources {
     int total() const { return buffers + textures + vertex_arrays + framebuffers + programs; }
 };
 
-/// Draws the scene; decides nothing about it. The host application makes one, calls `init` once
+/// Draws the scene; decides nothing about it. The application makes one, calls `init` once
 /// before the first frame, `render` once per frame after the logic's `swap`, and `release` before
 /// the world goes. Implementations: `render/gl` (OpenGL) and `render/null`, which draws nothing;
 /// `render/factory` makes them.

@@ -73,7 +73,7 @@ struct RefusedPort {
 
 /// A UDP/IPv4 socket. Made and owned by whoever talks over it: `create`, then `bind`, then `recv`
 /// and/or `send`, `nonblock`; every step answers false after logging why. What goes wrong later,
-/// datagram by datagram, is counted and not logged: the host application looks at the statistics of
+/// datagram by datagram, is counted and not logged: the application looks at the statistics of
 /// all open sockets once per frame and tells. Used by one thread.
 ///
 /// A socket for sending stays unconnected, so that an absent peer never makes a write fail.

@@ -9,7 +9,7 @@ namespace ig {
 class Camera;
 
 /// The single place where the view is defined: a world position, a rotation, three extra angles and
-/// an asymmetric projection, pushed to the engine camera on request. The host application creates
+/// an asymmetric projection, pushed to the engine camera on request. The application creates
 /// one and hands it to the logic, which moves the view by writing `m_position` and `m_rotation` and
 /// calling `updateView`.
 class CameraControl {
@@ -18,7 +18,7 @@ public:
     /// pushes do nothing. Only `setCamera` reads from it.
     explicit CameraControl(Camera* camera);
 
-    // Two integers and a name that the host application may use as it likes.
+    // Two integers and a name that the application may use as it likes.
     virtual int getId() const { return m_id; }
     virtual void setId(int id) { m_id = id; }
     virtual const int& getIndex() const { return m_index; }

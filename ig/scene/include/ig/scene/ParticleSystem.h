@@ -33,7 +33,7 @@ struct ParticleCloud {
     std::vector<Particle> particles;
 };
 
-/// Moves the particles of all emitters that can be seen. The host application owns one, advances it
+/// Moves the particles of all emitters that can be seen. The application owns one, advances it
 /// once per frame after the physics, and hands it to the renderer.
 ///
 /// An emitter spawns at its present rate along the way it came since the last step, or evenly in

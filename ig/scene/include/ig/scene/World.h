@@ -12,7 +12,7 @@ class Object;
 class ObjectParticles;
 class Package;
 
-/// The scene: the nodes without parent, and the physics of their bodies. The host application owns
+/// The scene: the nodes without parent, and the physics of their bodies. The application owns
 /// it, loads a world file into it, and once per frame, after the logic, steps its physics and then
 /// its particles. What segment queries meet is also what bodies meet as ground and sea.
 class World final : private PhysicsSurfaces {
