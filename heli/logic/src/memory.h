@@ -10,8 +10,7 @@ inline constexpr const char* LOGIC_SOURCE = "src/logic/Logic_Nerith_Heli_Final";
 
 /// The qualified name of the allocating or freeing operation, with the line that names it.
 struct Operation {
-    Operation(const char* name, std::source_location where = std::source_location::current())
-        : site(LOGIC_SOURCE, name, where) {}
+    Operation(const char* name, int line = __builtin_LINE()) : site(LOGIC_SOURCE, name, line) {}
     ig::MemSite site;
 };
 

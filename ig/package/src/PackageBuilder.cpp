@@ -147,13 +147,13 @@ void PackageBuilder::remember(YAML::anchor_t anchor, const YAML::Mark& mark, con
 
 void PackageBuilder::countItems(const YAML::Mark& mark, long items) {
     m_items += items;
-    if (m_items > mjl::max_items)
-        fail(mark, "more than " + std::to_string(mjl::max_items) + " items");
+    if (m_items > mjl::MAX_ITEMS)
+        fail(mark, "more than " + std::to_string(mjl::MAX_ITEMS) + " items");
 }
 
 void PackageBuilder::checkDepth(const YAML::Mark& mark, int depth) const {
-    if (depth > mjl::max_depth)
-        fail(mark, "nested deeper than " + std::to_string(mjl::max_depth) + " levels");
+    if (depth > mjl::MAX_DEPTH)
+        fail(mark, "nested deeper than " + std::to_string(mjl::MAX_DEPTH) + " levels");
 }
 
 void PackageBuilder::rename(Item& item, const jString& key, int line) {

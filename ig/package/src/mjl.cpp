@@ -46,7 +46,7 @@ ReadResult loadText(const jString& path, std::string& text) {
     std::ifstream file(path.c_str(), std::ios::binary | std::ios::ate);
     if (!file) return malformed(path, "cannot be opened");
     const auto size = static_cast<std::streamoff>(file.tellg());
-    if (size > mjl::max_bytes) return malformed(path, "the file is too large");
+    if (size > mjl::MAX_BYTES) return malformed(path, "the file is too large");
     text.resize(size > 0 ? static_cast<std::size_t>(size) : 0);
     file.seekg(0);
     if (!file.read(text.data(), static_cast<std::streamsize>(text.size())))
@@ -110,8 +110,8 @@ ReadResult parseText(const jString& path, std::string text, Package& package) tr
 
 // Why the tree could not be read back, or null.
 const char* findUnsavable(const Item& item, int depth, long& items) {
-    if (++items > mjl::max_items) return "too many items";
-    if (item.getKind() != Item::Kind::value && depth > mjl::max_depth) return "nested too deep";
+    if (++items > mjl::MAX_ITEMS) return "too many items";
+    if (item.getKind() != Item::Kind::value && depth > mjl::MAX_DEPTH) return "nested too deep";
     const auto broken = [](const jString& text) {
         return findInvalidUtf8(text.view()) != text.view().size();
     };

@@ -185,7 +185,7 @@ std::shared_ptr<const Mesh> Mesh::getPlaceholder() {
             axes[i][(face + 1 + i) % 3] = i == 1 ? 1 : sign;
         const auto vector = [&axes](int i) { return vec3(axes[i][0], axes[i][1], axes[i][2]); };
         const auto first = static_cast<std::uint32_t>(cube.positions.size());
-        for (const vec2& corner : {vec2(0, 0), vec2(1, 0), vec2(1, 1), vec2(0, 1)}) {
+        for (const vec2& corner : {vec2{0, 0}, vec2{1, 0}, vec2{1, 1}, vec2{0, 1}}) {
             cube.positions.push_back(vector(0) * (2 * corner.x - 1) +
                                      vector(1) * (2 * corner.y - 1) + vector(2));
             cube.normals.push_back(vector(2));

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <functional>
 #include <new>
-#include <source_location>
 #include <utility>
 
 namespace ig {
@@ -61,10 +60,7 @@ void memForEach(const std::function<void(const MemInfo&)>& visit);
 /// name, string literals; and the line, unless another is given that of the source text where the
 /// site is named.
 struct MemSite {
-    MemSite(const char* file_name, const char* operation,
-            std::source_location where = std::source_location::current())
-        : MemSite(file_name, operation, static_cast<int>(where.line())) {}
-    MemSite(const char* file_name, const char* operation, int in_line)
+    MemSite(const char* file_name, const char* operation, int in_line = __builtin_LINE())
         : file(file_name), function(operation), line(in_line) {}
 
     const char* file;

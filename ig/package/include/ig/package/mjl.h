@@ -13,9 +13,9 @@ class Package;
 class mjl {
 public:
     /// Files beyond these bounds are malformed: they guard against files made to exhaust memory.
-    static constexpr int max_depth = 100;       ///< of nested lists and packages
-    static constexpr int max_items = 1'000'000; ///< in all, aliases expanded
-    static constexpr long max_bytes = 256L << 20;
+    static constexpr int MAX_DEPTH = 100;       ///< of nested lists and packages
+    static constexpr int MAX_ITEMS = 1'000'000; ///< in all, aliases expanded
+    static constexpr long MAX_BYTES = 256L << 20;
 
     /// Replaces the content of `package` by the file's. An empty file is an empty package.
     ///
