@@ -108,7 +108,7 @@ void makeTexture(Texture& texture, int width, int height, const TextureFormat& f
                  const void* pixels) {
     texture.create();
     glActiveTexture(GL_TEXTURE0 + UNIT_FIRST_OWN);
-    glBindTexture(GL_TEXTURE_2D, texture.id());
+    glBindTexture(GL_TEXTURE_2D, texture.getId());
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
     glTexImage2D(GL_TEXTURE_2D, 0, format.internal, width, height, 0, format.format, format.type,
                  pixels);
@@ -121,7 +121,7 @@ void makeTexture(Texture& texture, int width, int height, const TextureFormat& f
 
 void bindTexture(int unit, const Texture& texture) {
     glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(unit));
-    glBindTexture(GL_TEXTURE_2D, texture.id());
+    glBindTexture(GL_TEXTURE_2D, texture.getId());
 }
 
 void makeVertexArray(VertexArray& array, Buffer& vertices, std::span<const std::byte> vertex_data,
@@ -129,11 +129,11 @@ void makeVertexArray(VertexArray& array, Buffer& vertices, std::span<const std::
     array.create();
     vertices.create();
     indices.create();
-    glBindVertexArray(array.id());
-    glBindBuffer(GL_ARRAY_BUFFER, vertices.id());
+    glBindVertexArray(array.getId());
+    glBindBuffer(GL_ARRAY_BUFFER, vertices.getId());
     glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(vertex_data.size()), vertex_data.data(),
                  GL_STATIC_DRAW);
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indices.id());
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indices.getId());
     glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(index_data.size()),
                  index_data.data(), GL_STATIC_DRAW);
 }

@@ -34,7 +34,7 @@ public:
 
     void create(); ///< destroys what it held
     void destroy();
-    GLuint id() const { return m_id; }
+    GLuint getId() const { return m_id; }
     explicit operator bool() const { return m_id != 0; }
 
 private:

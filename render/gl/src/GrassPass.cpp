@@ -52,8 +52,8 @@ bool GrassPass::init() {
     if (!m_program.build("grass.vert", "grass.frag")) return false;
     m_buffer.create();
     m_vertex_array.create();
-    glBindVertexArray(m_vertex_array.id());
-    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.id());
+    glBindVertexArray(m_vertex_array.getId());
+    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.getId());
     for (GLuint i = 0; i < 2; i++) {
         glEnableVertexAttribArray(i);
         glVertexAttribPointer(i, 4, GL_FLOAT, GL_FALSE, sizeof(Instance),
@@ -178,8 +178,8 @@ void GrassPass::draw(const FrameView& view, const World& world, const ObjectTerr
             visit(view, world, terrain, column - ring, row - i);
         }
     if (m_instances.empty()) return;
-    glBindVertexArray(m_vertex_array.id());
-    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.id());
+    glBindVertexArray(m_vertex_array.getId());
+    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.getId());
     glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(m_instances.size() * sizeof(Instance)),
                  m_instances.data(), GL_STREAM_DRAW);
     m_program.use();

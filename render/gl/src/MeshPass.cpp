@@ -91,7 +91,7 @@ void MeshPass::upload(const SceneList& list, const SkyPass& sky) {
     // Near ones first, so that what they hide is not shaded.
     std::sort(m_opaque.begin(), m_opaque.end(),
               [](const Batch& a, const Batch& b) { return a.distance < b.distance; });
-    glBindBuffer(GL_ARRAY_BUFFER, m_instance_buffer.id());
+    glBindBuffer(GL_ARRAY_BUFFER, m_instance_buffer.getId());
     glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(m_instances.size() * sizeof(Instance)),
                  m_instances.data(), GL_STREAM_DRAW);
 }
@@ -118,8 +118,8 @@ void MeshPass::addBatches(const std::vector<MeshItem>& items, std::vector<Batch>
 }
 
 void MeshPass::bindInstances(const Batch& batch) {
-    glBindVertexArray(batch.mesh->vertex_array.id());
-    glBindBuffer(GL_ARRAY_BUFFER, m_instance_buffer.id());
+    glBindVertexArray(batch.mesh->vertex_array.getId());
+    glBindBuffer(GL_ARRAY_BUFFER, m_instance_buffer.getId());
     for (GLuint i = 0; i < 4; i++)
         glVertexAttribPointer(
             3 + i, 4, GL_FLOAT, GL_FALSE, sizeof(Instance),

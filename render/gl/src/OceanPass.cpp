@@ -131,11 +131,11 @@ void OceanPass::makeGrid() {
     m_vertex_array.create();
     m_vertices.create();
     m_indices.create();
-    glBindVertexArray(m_vertex_array.id());
-    glBindBuffer(GL_ARRAY_BUFFER, m_vertices.id());
+    glBindVertexArray(m_vertex_array.getId());
+    glBindBuffer(GL_ARRAY_BUFFER, m_vertices.getId());
     glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(cells.size() * sizeof(vec2)),
                  cells.data(), GL_STATIC_DRAW);
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, m_indices.id());
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, m_indices.getId());
     glBufferData(GL_ELEMENT_ARRAY_BUFFER,
                  static_cast<GLsizeiptr>(indices.size() * sizeof(std::uint32_t)), indices.data(),
                  GL_STATIC_DRAW);
@@ -169,7 +169,7 @@ void OceanPass::upload(const OceanFrame& frame) {
 void OceanPass::uploadDisplacement(const OceanFrame& frame, int tile) {
     const int n = frame.tiles[tile].resolution;
     const float* texels = frame.tiles[tile].displacement;
-    glBindTexture(GL_TEXTURE_2D, m_displacement[tile].id());
+    glBindTexture(GL_TEXTURE_2D, m_displacement[tile].getId());
     m_levels.resize(static_cast<std::size_t>(n) * static_cast<std::size_t>(n)); // a quarter of it
     for (int edge = n, level = 0; edge >= 1; edge /= 2, level++) {
         glTexSubImage2D(GL_TEXTURE_2D, level, 0, 0, edge, edge, GL_RGBA, GL_FLOAT, texels);
@@ -196,7 +196,7 @@ void OceanPass::uploadSlopes(const OceanFrame& frame, int tile) {
     }
     const float mean_square = last[2], share = mean_square > 0 ? 1 / mean_square : 0;
 
-    glBindTexture(GL_TEXTURE_2D, m_slope[tile].id());
+    glBindTexture(GL_TEXTURE_2D, m_slope[tile].getId());
     m_texels.resize(count);
     encodeSlopes(t, encode, m_texels.data());
     const float* means = m_levels.data();
@@ -379,7 +379,7 @@ void OceanPass::draw(const FrameView& view, const OceanFrame& frame,
         gl::bindTexture(gl::UNIT_FIRST_OWN + DISPLACED + i, m_slope[i]);
     gl::bindTexture(gl::UNIT_FIRST_OWN + DISPLACED + TILES, near.texture);
     gl::bindTexture(gl::UNIT_FIRST_OWN + DISPLACED + TILES + 1, far.texture);
-    glBindVertexArray(m_vertex_array.id());
+    glBindVertexArray(m_vertex_array.getId());
     glDrawElements(GL_TRIANGLES, m_num_indices, GL_UNSIGNED_INT, nullptr);
 }
 

@@ -69,7 +69,7 @@ bool PostPass::draw(const jString& name, const gl::Texture& picture, int width, 
         glViewport(0, 0, width, height);
         glDisable(GL_DEPTH_TEST);
         glDisable(GL_BLEND);
-        glBindVertexArray(m_empty.id());
+        glBindVertexArray(m_empty.getId());
         glDrawArrays(GL_TRIANGLES, 0, 3);
     }
     if (material) RPost::FreeMaterial(material, this);

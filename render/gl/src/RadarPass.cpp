@@ -36,8 +36,8 @@ bool RadarPass::init() {
     m_empty.create();
     m_corner_array.create();
     m_corner_buffer.create();
-    glBindVertexArray(m_corner_array.id());
-    glBindBuffer(GL_ARRAY_BUFFER, m_corner_buffer.id());
+    glBindVertexArray(m_corner_array.getId());
+    glBindBuffer(GL_ARRAY_BUFFER, m_corner_buffer.getId());
     glEnableVertexAttribArray(0);
     glEnableVertexAttribArray(1);
     glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, sizeof(Corner), nullptr);
@@ -193,7 +193,7 @@ void RadarPass::drawGround(const FrameView& view, const FrameInfo& frame, const 
     setSea(texel);
     setCells(frame);
     gl::bindTexture(gl::UNIT_NOISE, noise);
-    glBindVertexArray(m_empty.id());
+    glBindVertexArray(m_empty.getId());
     glDrawArrays(GL_TRIANGLES, 0, 3);
 }
 
@@ -202,8 +202,8 @@ void RadarPass::drawTargets(float gain) {
     if (m_corners.empty()) return;
     m_target.use();
     m_target.set("uGain", gain);
-    glBindVertexArray(m_corner_array.id());
-    glBindBuffer(GL_ARRAY_BUFFER, m_corner_buffer.id());
+    glBindVertexArray(m_corner_array.getId());
+    glBindBuffer(GL_ARRAY_BUFFER, m_corner_buffer.getId());
     glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(m_corners.size() * sizeof(Corner)),
                  m_corners.data(), GL_STREAM_DRAW);
     glEnable(GL_BLEND);

@@ -133,9 +133,9 @@ bool RendererGL::init(int width, int height) {
 
 bool RendererGL::Impl::initPasses() {
     block_buffer.create();
-    glBindBuffer(GL_UNIFORM_BUFFER, block_buffer.id());
+    glBindBuffer(GL_UNIFORM_BUFFER, block_buffer.getId());
     glBufferData(GL_UNIFORM_BUFFER, sizeof(FrameBlock), nullptr, GL_DYNAMIC_DRAW);
-    glBindBufferBase(GL_UNIFORM_BUFFER, gl::FRAME_BLOCK, block_buffer.id());
+    glBindBufferBase(GL_UNIFORM_BUFFER, gl::FRAME_BLOCK, block_buffer.getId());
     empty.create();
     const Pattern pattern = makeNoisePattern();
     gl::TextureFormat format{GL_RGBA8, GL_RGBA, GL_UNSIGNED_BYTE, GL_REPEAT};
@@ -160,7 +160,7 @@ void RendererGL::release() {
 
 void RendererGL::resize(int width, int height) {
     Impl& r = *m_impl;
-    if (r.ready && (width != r.targets.width() || height != r.targets.height()))
+    if (r.ready && (width != r.targets.getWidth() || height != r.targets.getHeight()))
         r.ready = r.targets.make(width, height, r.scale);
 }
 
@@ -169,7 +169,7 @@ void RendererGL::setScale(float scale) {
     scale = std::clamp(scale, 0.25f, 1.0f);
     if (scale == r.scale) return;
     r.scale = scale;
-    if (r.ready) r.ready = r.targets.make(r.targets.width(), r.targets.height(), scale);
+    if (r.ready) r.ready = r.targets.make(r.targets.getWidth(), r.targets.getHeight(), scale);
 }
 
 float RendererGL::getTextWidth(float size, std::string_view utf8) {
@@ -197,7 +197,7 @@ void RendererGL::Impl::renderScene(const World& world, const Camera& camera,
     });
     clock.mark("viewports");
     drawPicture(world, camera, frame, targets);
-    if (frame.ui) ui.draw(*frame.ui, viewports, targets.width(), targets.height());
+    if (frame.ui) ui.draw(*frame.ui, viewports, targets.getWidth(), targets.getHeight());
     clock.mark("ui");
     present();
     clock.mark("present");
@@ -220,11 +220,11 @@ void RendererGL::Impl::drawPicture(const World& world, const Camera& camera, con
 
 /// Everything that the passes read: the view, the light, what is seen.
 void RendererGL::Impl::prepare(const World& world, const Camera& camera, const FrameInfo& frame) {
-    view = FrameView(camera, canvas->sceneHeight(), gl::hasClipControl());
+    view = FrameView(camera, canvas->getSceneHeight(), gl::hasClipControl());
     block.projection = view.projection;
     block.view = view.view;
-    const auto w = static_cast<float>(canvas->sceneWidth());
-    const auto h = static_cast<float>(canvas->sceneHeight());
+    const auto w = static_cast<float>(canvas->getSceneWidth());
+    const auto h = static_cast<float>(canvas->getSceneHeight());
     block.screen = {w, h, 1 / w, 1 / h};
     // Parallel rays: as if the pixels' size held at the ground below.
     const float pixel_angle =
@@ -248,7 +248,7 @@ void RendererGL::Impl::prepare(const World& world, const Camera& camera, const F
 }
 
 void RendererGL::Impl::uploadBlock() {
-    glBindBuffer(GL_UNIFORM_BUFFER, block_buffer.id());
+    glBindBuffer(GL_UNIFORM_BUFFER, block_buffer.getId());
     glBufferSubData(GL_UNIFORM_BUFFER, 0, sizeof block, &block);
 }
 
@@ -270,8 +270,8 @@ void RendererGL::Impl::drawShadows() {
 /// Opaque first and near first, so that hidden pixels cost nothing; then the sky where nothing is;
 /// then what lets light through.
 void RendererGL::Impl::drawScene(const World& world) {
-    glBindFramebuffer(GL_FRAMEBUFFER, canvas->scene_target.id());
-    glViewport(0, 0, canvas->sceneWidth(), canvas->sceneHeight());
+    glBindFramebuffer(GL_FRAMEBUFFER, canvas->scene_target.getId());
+    glViewport(0, 0, canvas->getSceneWidth(), canvas->getSceneHeight());
     glEnable(GL_DEPTH_TEST);
     glClear(GL_DEPTH_BUFFER_BIT);
     meshes.drawOpaque();
@@ -294,15 +294,15 @@ void RendererGL::Impl::drawScene(const World& world) {
 /// Light to picture: tone curve, edge filter, scaling.
 void RendererGL::Impl::finishPicture() {
     glDisable(GL_DEPTH_TEST);
-    glBindVertexArray(empty.id());
-    glBindFramebuffer(GL_FRAMEBUFFER, canvas->toned_target.id());
+    glBindVertexArray(empty.getId());
+    glBindFramebuffer(GL_FRAMEBUFFER, canvas->toned_target.getId());
     tonemap.use();
     tonemap.set("uPicture", gl::UNIT_FIRST_OWN);
     gl::bindTexture(gl::UNIT_FIRST_OWN, canvas->light);
     glDrawArrays(GL_TRIANGLES, 0, 3);
 
-    glBindFramebuffer(GL_FRAMEBUFFER, canvas->finished_target.id());
-    glViewport(0, 0, canvas->width(), canvas->height());
+    glBindFramebuffer(GL_FRAMEBUFFER, canvas->finished_target.getId());
+    glViewport(0, 0, canvas->getWidth(), canvas->getHeight());
     fxaa.use();
     fxaa.set("uPicture", gl::UNIT_FIRST_OWN);
     fxaa.set("uTexel", vec2{block.screen.z, block.screen.w});
@@ -315,10 +315,10 @@ void RendererGL::Impl::present() {
         glFinish(); // nobody else waits for the device
         return;
     }
-    glBindFramebuffer(GL_READ_FRAMEBUFFER, targets.finished_target.id());
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, targets.finished_target.getId());
     glBindFramebuffer(GL_DRAW_FRAMEBUFFER, 0);
-    glBlitFramebuffer(0, 0, targets.width(), targets.height(), 0, 0, targets.width(),
-                      targets.height(), GL_COLOR_BUFFER_BIT, GL_NEAREST);
+    glBlitFramebuffer(0, 0, targets.getWidth(), targets.getHeight(), 0, 0, targets.getWidth(),
+                      targets.getHeight(), GL_COLOR_BUFFER_BIT, GL_NEAREST);
 }
 
 // ------------------------------------------------------------------ reading back
@@ -326,11 +326,11 @@ void RendererGL::Impl::present() {
 bool RendererGL::readPicture(Picture& picture) {
     Impl& r = *m_impl;
     if (!r.ready) return false;
-    picture.width = r.targets.width();
-    picture.height = r.targets.height();
+    picture.width = r.targets.getWidth();
+    picture.height = r.targets.getHeight();
     const std::size_t row = 3 * static_cast<std::size_t>(picture.width);
     picture.rgb.resize(row * static_cast<std::size_t>(picture.height));
-    glBindFramebuffer(GL_READ_FRAMEBUFFER, r.targets.finished_target.id());
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, r.targets.finished_target.getId());
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glReadPixels(0, 0, picture.width, picture.height, GL_RGB, GL_UNSIGNED_BYTE, picture.rgb.data());
     auto top = picture.rgb.begin();
@@ -344,9 +344,9 @@ bool RendererGL::readPicture(Picture& picture) {
 double RendererGL::readDistance(double x, double y) {
     Impl& r = *m_impl;
     if (!r.ready) return 0;
-    const int w = r.targets.sceneWidth(), h = r.targets.sceneHeight();
+    const int w = r.targets.getSceneWidth(), h = r.targets.getSceneHeight();
     float depth = 0;
-    glBindFramebuffer(GL_READ_FRAMEBUFFER, r.targets.scene_target.id());
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, r.targets.scene_target.getId());
     glReadPixels(std::clamp(static_cast<int>(x * w), 0, w - 1),
                  std::clamp(static_cast<int>((1 - y) * h), 0, h - 1), 1, 1, GL_DEPTH_COMPONENT,
                  GL_FLOAT, &depth);

@@ -18,8 +18,9 @@ bool ShadowMap::make(Map& map, int size) {
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_COMPARE_MODE, GL_COMPARE_REF_TO_TEXTURE);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_COMPARE_FUNC, GL_LEQUAL);
     map.target.create();
-    glBindFramebuffer(GL_FRAMEBUFFER, map.target.id());
-    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_TEXTURE_2D, map.depth.id(), 0);
+    glBindFramebuffer(GL_FRAMEBUFFER, map.target.getId());
+    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_TEXTURE_2D, map.depth.getId(),
+                           0);
     glDrawBuffer(GL_NONE);
     glReadBuffer(GL_NONE);
     return glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
@@ -75,7 +76,7 @@ void ShadowMap::fit(const std::vector<vec4>& casters, FrameBlock& block) const {
 }
 
 void ShadowMap::begin(const Map& map, int size) {
-    glBindFramebuffer(GL_FRAMEBUFFER, map.target.id());
+    glBindFramebuffer(GL_FRAMEBUFFER, map.target.getId());
     glViewport(0, 0, size, size);
     glDepthFunc(GL_LEQUAL);
     glClearDepth(1);

@@ -72,12 +72,13 @@ bool SkyPass::init(int map_size) {
     m_empty.create();
     const gl::TextureFormat half{GL_RGBA16F, GL_RGBA, GL_FLOAT};
     m_scatter_target.create();
-    glBindFramebuffer(GL_FRAMEBUFFER, m_scatter_target.id());
+    glBindFramebuffer(GL_FRAMEBUFFER, m_scatter_target.getId());
     const GLenum attachments[] = {GL_COLOR_ATTACHMENT0, GL_COLOR_ATTACHMENT1, GL_COLOR_ATTACHMENT2};
     gl::Texture* textures[] = {&m_rayleigh, &m_mie, &m_multiple};
     for (int i = 0; i < 3; i++) {
         gl::makeTexture(*textures[i], SCATTER_SIZE, SCATTER_SIZE, half);
-        glFramebufferTexture2D(GL_FRAMEBUFFER, attachments[i], GL_TEXTURE_2D, textures[i]->id(), 0);
+        glFramebufferTexture2D(GL_FRAMEBUFFER, attachments[i], GL_TEXTURE_2D, textures[i]->getId(),
+                               0);
     }
     glDrawBuffers(3, attachments);
     gl::TextureFormat format;
@@ -85,8 +86,8 @@ bool SkyPass::init(int map_size) {
     gl::makeTexture(m_map, m_size, m_size, format);
     glGenerateMipmap(GL_TEXTURE_2D);
     m_map_target.create();
-    glBindFramebuffer(GL_FRAMEBUFFER, m_map_target.id());
-    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, m_map.id(), 0);
+    glBindFramebuffer(GL_FRAMEBUFFER, m_map_target.getId());
+    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, m_map.getId(), 0);
     return true;
 }
 
@@ -106,13 +107,13 @@ void SkyPass::bake(const Bake& wanted, const FrameBlock& block) {
     m_range = block.sky.x;
     glDisable(GL_DEPTH_TEST);
     glDisable(GL_BLEND);
-    glBindVertexArray(m_empty.id());
-    glBindFramebuffer(GL_FRAMEBUFFER, m_scatter_target.id());
+    glBindVertexArray(m_empty.getId());
+    glBindFramebuffer(GL_FRAMEBUFFER, m_scatter_target.getId());
     glViewport(0, 0, SCATTER_SIZE, SCATTER_SIZE);
     m_scatter.use();
     glDrawArrays(GL_TRIANGLES, 0, 3);
 
-    glBindFramebuffer(GL_FRAMEBUFFER, m_map_target.id());
+    glBindFramebuffer(GL_FRAMEBUFFER, m_map_target.getId());
     glViewport(0, 0, m_size, m_size);
     m_compose.use();
     const gl::Texture* textures[] = {&m_rayleigh, &m_mie, &m_multiple};
@@ -251,7 +252,7 @@ void SkyPass::drawBackground(const FrameView& view) {
     glDepthMask(GL_FALSE);
     m_background.use();
     m_background.set("uRay", vec4(1 / p[0].x, 1 / p[1].y, p[2].x / p[0].x, p[2].y / p[1].y));
-    glBindVertexArray(m_empty.id());
+    glBindVertexArray(m_empty.getId());
     glDrawArrays(GL_TRIANGLES, 0, 3);
     glDepthMask(GL_TRUE);
 }
@@ -278,7 +279,7 @@ void SkyPass::drawClouds(const FrameView& view, const gl::Texture& depth) {
     m_deck.set("uAnchor", vec4(toNoise(off.x * METRES * std::cos(m_anchor.y * DEG_TO_RAD<double>)),
                                toNoise(off.y * METRES), 0, 0));
     m_deck.set("uNearFar", vec4(static_cast<float>(view.near), static_cast<float>(view.far), 0, 0));
-    glBindVertexArray(m_empty.id());
+    glBindVertexArray(m_empty.getId());
     glDrawArrays(GL_TRIANGLES, 0, 3);
     glDisable(GL_BLEND);
     glEnable(GL_DEPTH_TEST);

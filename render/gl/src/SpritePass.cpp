@@ -25,8 +25,8 @@ bool SpritePass::init() {
     if (!m_program.build("sprite.vert", "sprite.frag")) return false;
     m_buffer.create();
     m_vertex_array.create();
-    glBindVertexArray(m_vertex_array.id());
-    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.id());
+    glBindVertexArray(m_vertex_array.getId());
+    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.getId());
     constexpr GLsizei STRIDE = sizeof(Sprite);
     const auto attribute = [](GLuint index, GLint count, std::size_t offset) {
         glEnableVertexAttribArray(index);
@@ -154,8 +154,8 @@ void SpritePass::addCloud(const FrameView& view, const ParticleCloud& cloud,
 
 void SpritePass::draw(const FrameView& view, const gl::Texture& depth) {
     if (m_sprites.empty()) return;
-    glBindVertexArray(m_vertex_array.id());
-    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.id());
+    glBindVertexArray(m_vertex_array.getId());
+    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.getId());
     glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(m_sprites.size() * sizeof(Sprite)),
                  m_sprites.data(), GL_STREAM_DRAW);
     glEnable(GL_BLEND);

@@ -28,11 +28,12 @@ bool Targets::make(int width, int height, float scale) {
     const auto attach = [&complete](gl::Framebuffer& target, const gl::Texture& color,
                                     const gl::Texture* with_depth) {
         target.create();
-        glBindFramebuffer(GL_FRAMEBUFFER, target.id());
-        glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, color.id(), 0);
+        glBindFramebuffer(GL_FRAMEBUFFER, target.getId());
+        glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, color.getId(),
+                               0);
         if (with_depth)
             glFramebufferTexture2D(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_TEXTURE_2D,
-                                   with_depth->id(), 0);
+                                   with_depth->getId(), 0);
         complete &= glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
     };
     attach(scene_target, light, &depth);

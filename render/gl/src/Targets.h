@@ -12,10 +12,10 @@ public:
     /// (Re)makes all; sizes in pixels. False, logged, when the driver refuses.
     bool make(int width, int height, float scale);
 
-    int width() const { return m_width; } ///< of the finished picture
-    int height() const { return m_height; }
-    int sceneWidth() const { return m_scene_width; }
-    int sceneHeight() const { return m_scene_height; }
+    int getWidth() const { return m_width; } ///< of the finished picture
+    int getHeight() const { return m_height; }
+    int getSceneWidth() const { return m_scene_width; }
+    int getSceneHeight() const { return m_scene_height; }
 
     gl::Texture light, depth, toned, finished;
     gl::Framebuffer scene_target, toned_target, finished_target;

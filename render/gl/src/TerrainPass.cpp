@@ -185,7 +185,7 @@ void TerrainPass::drawChunk(const FrameView& view, const TerrainGrid& grid, cons
     m_program.set("uRow2", vec4(c[0].z, c[1].z, c[2].z, c[3].z));
     m_program.set("uPatch",
                   vec2{static_cast<float>(chunk.patch.x), static_cast<float>(chunk.patch.y)});
-    glBindVertexArray(chunk.vertex_array.id());
+    glBindVertexArray(chunk.vertex_array.getId());
     glDrawElements(GL_TRIANGLES, chunk.num_indices, GL_UNSIGNED_SHORT, nullptr);
 }
 

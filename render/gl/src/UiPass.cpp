@@ -13,11 +13,13 @@ namespace ig {
 bool UiPass::init() {
     if (!m_program.build("ui.vert", "ui.frag")) return false;
     m_program.set("uTexture", gl::UNIT_FIRST_OWN);
+    gl::makeTexture(m_atlas_texture, GlyphAtlas::SIZE, GlyphAtlas::SIZE,
+                    {GL_R8, GL_RED, GL_UNSIGNED_BYTE});
     m_atlas.init(); // without a font the rest is still drawn
     m_vertex_array.create();
     m_buffer.create();
-    glBindVertexArray(m_vertex_array.id());
-    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.id());
+    glBindVertexArray(m_vertex_array.getId());
+    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.getId());
     glEnableVertexAttribArray(0);
     glEnableVertexAttribArray(1);
     glVertexAttribPointer(0, 4, GL_FLOAT, GL_FALSE, sizeof(Vertex), nullptr);
@@ -82,6 +84,16 @@ float UiPass::getTextWidth(float size, std::string_view utf8) {
     return width;
 }
 
+/// With the characters that are new.
+void UiPass::bindAtlas() {
+    gl::bindTexture(gl::UNIT_FIRST_OWN, m_atlas_texture);
+    int first = 0, end = 0;
+    if (!m_atlas.takeChanges(first, end)) return;
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, first, GlyphAtlas::SIZE, end - first, GL_RED,
+                    GL_UNSIGNED_BYTE, m_atlas.getRow(first));
+}
+
 void UiPass::draw(const UiDrawList& list, const ViewportPass& viewports, int width, int height) {
     m_vertices.clear();
     m_runs.clear();
@@ -108,8 +120,8 @@ void UiPass::draw(const UiDrawList& list, const ViewportPass& viewports, int wid
     if (m_vertices.empty()) return;
     m_program.use();
     m_program.set("uSize", vec2{static_cast<float>(width), static_cast<float>(height)});
-    glBindVertexArray(m_vertex_array.id());
-    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.id());
+    glBindVertexArray(m_vertex_array.getId());
+    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.getId());
     glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(m_vertices.size() * sizeof(Vertex)),
                  m_vertices.data(), GL_STREAM_DRAW);
     glDisable(GL_DEPTH_TEST);
@@ -119,7 +131,7 @@ void UiPass::draw(const UiDrawList& list, const ViewportPass& viewports, int wid
         if (run.image)
             gl::bindTexture(gl::UNIT_FIRST_OWN, *run.image);
         else
-            m_atlas.bind(gl::UNIT_FIRST_OWN);
+            bindAtlas();
         m_program.set("uIsText", run.image ? 0 : 1);
         glDrawArrays(GL_TRIANGLES, run.first, run.count);
     }

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "GlObjects.h"
-#include "GlyphAtlas.h"
+#include "render/scene/GlyphAtlas.h"
 
 #include <map>
 #include <string>
@@ -34,12 +34,14 @@ private:
     void addQuad(const gl::Texture* image, vec2 low, vec2 high, vec2 texture_low, vec2 texture_high,
                  const vec4& color);
     void addText(float x, float y, float size, const vec4& color, std::string_view utf8);
+    void bindAtlas();
     const gl::Texture& findImage(std::string_view path);
 
     gl::Program m_program;
     gl::VertexArray m_vertex_array;
     gl::Buffer m_buffer;
     GlyphAtlas m_atlas;
+    gl::Texture m_atlas_texture;
     std::map<std::string, gl::Texture, std::less<>> m_images;
     std::vector<Vertex> m_vertices;
     std::vector<Run> m_runs;

@@ -33,8 +33,8 @@ UISpriteViewport* findViewport(const UIRoot& root, int id) {
 void makeTarget(gl::Framebuffer& target, gl::Texture& texture, int width, int height) {
     gl::makeTexture(texture, width, height, {});
     target.create();
-    glBindFramebuffer(GL_FRAMEBUFFER, target.id());
-    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture.id(), 0);
+    glBindFramebuffer(GL_FRAMEBUFFER, target.getId());
+    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture.getId(), 0);
 }
 
 } // namespace
@@ -118,7 +118,8 @@ void ViewportPass::draw(Picture& picture, const Wanted& wanted, const FrameInfo&
     if (radar) {
         drawRadar(picture, viewport, frame, noise);
     } else {
-        if (picture.scene.width() != picture.width || picture.scene.height() != picture.height)
+        if (picture.scene.getWidth() != picture.width ||
+            picture.scene.getHeight() != picture.height)
             picture.scene.make(picture.width, picture.height, 1);
         draw_scene(*viewport.getWorld(), *viewport.getCamera(), picture.scene);
     }
@@ -126,7 +127,7 @@ void ViewportPass::draw(Picture& picture, const Wanted& wanted, const FrameInfo&
     if (!viewport.getPostMaterials().empty()) {
         if (!picture.shown)
             makeTarget(picture.shown_target, picture.shown, picture.width, picture.height);
-        glBindFramebuffer(GL_FRAMEBUFFER, picture.shown_target.id());
+        glBindFramebuffer(GL_FRAMEBUFFER, picture.shown_target.getId());
         if (m_post.draw(viewport.getPostMaterials(), *picture.finished, picture.width,
                         picture.height, frame.time))
             picture.finished = &picture.shown;
@@ -151,7 +152,7 @@ void ViewportPass::drawRadar(Picture& picture, const UISpriteViewport& viewport,
         makeTarget(picture.echo_target, picture.echo, width, height);
     picture.echo_width = width;
     picture.echo_height = height;
-    glBindFramebuffer(GL_FRAMEBUFFER, picture.echo_target.id());
+    glBindFramebuffer(GL_FRAMEBUFFER, picture.echo_target.getId());
     glViewport(0, 0, width, height);
     glClearColor(0, 0, 0, 1);
     glClear(GL_COLOR_BUFFER_BIT);

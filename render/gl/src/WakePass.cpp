@@ -33,8 +33,8 @@ void makeMap(WakePass::Map& map, int size, double every) {
     gl::makeTexture(map.texture, size, size, format);
     glGenerateMipmap(GL_TEXTURE_2D);
     map.target.create();
-    glBindFramebuffer(GL_FRAMEBUFFER, map.target.id());
-    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, map.texture.id(),
+    glBindFramebuffer(GL_FRAMEBUFFER, map.target.getId());
+    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, map.texture.getId(),
                            0);
     map.every = every;
     map.empty = false;
@@ -51,8 +51,8 @@ bool WakePass::init(int map_size) {
     m_empty.create();
     m_buffer.create();
     m_vertex_array.create();
-    glBindVertexArray(m_vertex_array.id());
-    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.id());
+    glBindVertexArray(m_vertex_array.getId());
+    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.getId());
     glEnableVertexAttribArray(0);
     glVertexAttribPointer(0, 4, GL_FLOAT, GL_FALSE, sizeof(Patch), nullptr);
     glVertexAttribDivisor(0, 1);
@@ -125,13 +125,13 @@ void WakePass::bakeKelvin() {
     gl::makeTexture(m_kelvin_map, KELVIN_WIDTH, KELVIN_LENGTH, format);
     gl::Framebuffer target;
     target.create();
-    glBindFramebuffer(GL_FRAMEBUFFER, target.id());
-    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, m_kelvin_map.id(),
-                           0);
+    glBindFramebuffer(GL_FRAMEBUFFER, target.getId());
+    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D,
+                           m_kelvin_map.getId(), 0);
     glViewport(0, 0, KELVIN_WIDTH, KELVIN_LENGTH);
     m_kelvin.use();
     m_kelvin.set("uExtent", KELVIN_EXTENT);
-    glBindVertexArray(m_empty.id());
+    glBindVertexArray(m_empty.getId());
     glDrawArrays(GL_TRIANGLES, 0, 3);
     gl::bindTexture(gl::UNIT_FIRST_OWN, m_kelvin_map);
     glGenerateMipmap(GL_TEXTURE_2D);
@@ -171,7 +171,7 @@ void WakePass::refresh(Map& map, float edge, dvec2 nadir, double time) {
     map.place = {nadir.x - static_cast<double>(edge) / 2, nadir.y - static_cast<double>(edge) / 2};
     map.place = {std::floor(map.place.x / texel) * texel, std::floor(map.place.y / texel) * texel};
     update_corner();
-    glBindFramebuffer(GL_FRAMEBUFFER, map.target.id());
+    glBindFramebuffer(GL_FRAMEBUFFER, map.target.getId());
     glViewport(0, 0, m_size, m_size);
     glClearColor(LEVEL_WAKE, LEVEL_WAKE, 0, 0);
     glClear(GL_COLOR_BUFFER_BIT);
@@ -197,13 +197,13 @@ void WakePass::paintWakes(const Map& map, dvec2 nadir) {
     m_wake.set("uExtent", KELVIN_EXTENT);
     m_wake.set("uKelvin", gl::UNIT_FIRST_OWN);
     gl::bindTexture(gl::UNIT_FIRST_OWN, m_kelvin_map);
-    glBindVertexArray(m_empty.id());
+    glBindVertexArray(m_empty.getId());
     glDrawArraysInstanced(GL_TRIANGLE_STRIP, 0, 4, count);
 }
 
 void WakePass::paintPatches(const Map& map) {
-    glBindVertexArray(m_vertex_array.id());
-    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.id());
+    glBindVertexArray(m_vertex_array.getId());
+    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.getId());
     glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(m_patches.size() * sizeof(Patch)),
                  m_patches.data(), GL_STREAM_DRAW);
     glEnable(GL_BLEND);

@@ -42,7 +42,7 @@ public:
     }
     void TearDown() override {
         renderer.release();
-        EXPECT_EQ(renderer.getResources().total(), 0);
+        EXPECT_EQ(renderer.getResources().getTotal(), 0);
         world.clear();
         Engine::get()->reset();
     }

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "GlyphAtlas.h"
 #include "PictureScene.h"
 #include "ig/ui/UiDrawList.h"
 #include "plugins/ocean/ObjectOcean.h"
@@ -161,17 +160,17 @@ TEST_F(PictureOf, NothingPilesUpOnTheDevice) {
     m_world.addNode(new ObjectOcean());
     look(100, 0, 0);
     draw();
-    const int before = s_renderer->getResources().total();
+    const int before = s_renderer->getResources().getTotal();
     for (int i = 0; i < 26; i++) {
         ObjectMesh* card = addCard(50, 20, RED);
         draw();
         m_world.removeNode(card);
     }
-    EXPECT_GT(s_renderer->getResources().total(), before + 26);
+    EXPECT_GT(s_renderer->getResources().getTotal(), before + 26);
     m_world.clear();
     for (int i = 0; i < 125; i++) // unused meshes are given back every 120 frames
         draw();
-    EXPECT_LE(s_renderer->getResources().total(), before);
+    EXPECT_LE(s_renderer->getResources().getTotal(), before);
     s_renderer->resize(WIDTH, HEIGHT);
 }
 
@@ -180,25 +179,10 @@ TEST(RendererLife, EverythingIsFreedAtTheEnd) {
         PictureScene::s_renderer.reset();
         RendererGL renderer(RendererGL::Surface::none);
         if (!renderer.init(64, 36)) GTEST_SKIP() << "no OpenGL without a display here";
-        EXPECT_GT(renderer.getResources().total(), 10);
+        EXPECT_GT(renderer.getResources().getTotal(), 10);
         renderer.release();
-        EXPECT_EQ(renderer.getResources().total(), 0);
+        EXPECT_EQ(renderer.getResources().getTotal(), 0);
         EXPECT_TRUE(renderer.init(64, 36)); // and it may begin again
     }
-    EXPECT_EQ(RendererGL(RendererGL::Surface::none).getResources().total(), 0);
-}
-
-TEST(Utf8, TakesCharactersAndSurvivesNonsense) {
-    const auto all = [](std::string_view text) {
-        std::vector<std::uint32_t> out;
-        while (!text.empty())
-            out.push_back(takeCharacter(text));
-        return out;
-    };
-    EXPECT_EQ(all("Aé雷😀"), (std::vector<std::uint32_t>{'A', 0xe9, 0x96f7, 0x1f600}));
-    EXPECT_EQ(all("\x80"), (std::vector<std::uint32_t>{0xfffd}));
-    EXPECT_EQ(all("\xe9\x9b"), (std::vector<std::uint32_t>{0xfffd, 0xfffd})); // cut short
-    EXPECT_EQ(all("\xff"
-                  "B"),
-              (std::vector<std::uint32_t>{0xfffd, 'B'}));
+    EXPECT_EQ(RendererGL(RendererGL::Surface::none).getResources().getTotal(), 0);
 }

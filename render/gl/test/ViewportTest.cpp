@@ -393,11 +393,11 @@ TEST_F(RadarOf, AHiddenOneCostsNothing) {
     m_viewport->setPostMaterials("post_radar");
     m_frame.ui_root = nullptr;
     draw();
-    const int before = s_renderer->getResources().total();
+    const int before = s_renderer->getResources().getTotal();
     for (int i = 0; i < 5; i++)
         drawAnew();
     EXPECT_EQ(m_begun, 0);
-    EXPECT_EQ(s_renderer->getResources().total(), before);
+    EXPECT_EQ(s_renderer->getResources().getTotal(), before);
     m_viewport->setHidden(false);
     m_viewport->setCamera(nullptr); // its owner is gone
     drawAnew();
@@ -412,7 +412,7 @@ TEST_F(RadarOf, TheResourcesGoWithTheViewport) {
     drawFan(40, 140);
     m_viewport->setHidden(true);
     drawAnew();
-    const int before = s_renderer->getResources().total(); // with one picture
+    const int before = s_renderer->getResources().getTotal(); // with one picture
     UISpriteViewport* plain = addViewport(SIZE);
     plain->setVisionMode(VISION_PLAIN);
     plain->setPostMaterials("post_radar");
@@ -421,16 +421,16 @@ TEST_F(RadarOf, TheResourcesGoWithTheViewport) {
         drawAnew();
         drawAnew();
     }
-    EXPECT_GT(s_renderer->getResources().total(), before);
+    EXPECT_GT(s_renderer->getResources().getTotal(), before);
     m_root->removeChild(plain);
     delete plain;
     drawAnew();
-    EXPECT_EQ(s_renderer->getResources().total(), before);
+    EXPECT_EQ(s_renderer->getResources().getTotal(), before);
 
     m_viewport->setHidden(false);
     drawAnew();
     s_renderer->release();
-    EXPECT_EQ(s_renderer->getResources().total(), 0);
+    EXPECT_EQ(s_renderer->getResources().getTotal(), 0);
     s_renderer->init(2 * SIZE, SIZE);
     drawAnew();
     EXPECT_GT(light(), 0);

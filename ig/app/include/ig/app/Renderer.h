@@ -65,7 +65,7 @@ struct PassTime {
 /// What the renderer holds on the graphics device. All zero after `release`.
 struct RenderResources {
     int buffers = 0, textures = 0, vertex_arrays = 0, framebuffers = 0, programs = 0;
-    int total() const { return buffers + textures + vertex_arrays + framebuffers + programs; }
+    int getTotal() const { return buffers + textures + vertex_arrays + framebuffers + programs; }
 };
 
 /// Draws the scene; decides nothing about it. The application makes one, calls `init` once

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "GlObjects.h"
+#include "ig/math/vec.h"
 
 #include <cstdint>
 #include <string_view>
@@ -21,10 +21,12 @@ struct Glyph {
     float advance = 0;         ///< of the pen
 };
 
-/// The characters that were asked for so far, rendered when first needed, in one texture. When it
-/// is full it starts over.
+/// The characters that were asked for so far, rendered when first needed, in one square picture of
+/// a byte a texel, 255 being covered. When it is full it starts over.
 class GlyphAtlas {
 public:
+    static constexpr int SIZE = 1024; ///< texels along an edge
+
     /// False, logged once, without a font: text is then left out.
     bool init();
     GlyphAtlas() = default;
@@ -38,21 +40,23 @@ public:
     float getAscent(int size) const;
     /// A place in the atlas that is fully covered, for plain rectangles.
     vec2 getSolid() const;
-    /// Brings new characters to the device and binds the texture.
-    void bind(int unit);
+    /// Whether rows from `first` up to but without `end` have changed since the last call; their
+    /// texels are from `getRow` on.
+    bool takeChanges(int& first, int& end);
+    const std::uint8_t* getRow(int y) const {
+        return &m_pixels[static_cast<std::size_t>(y) * SIZE];
+    }
 
 private:
-    static constexpr int SIZE = 1024; ///< texels
     bool findRoom(int width, int height, int& x, int& y);
     void clear();
 
     FT_LibraryRec_* m_library = nullptr;
     FT_FaceRec_* m_face = nullptr;
-    gl::Texture m_texture;
     std::vector<std::uint8_t> m_pixels;
     std::unordered_map<std::uint64_t, Glyph> m_glyphs;
     int m_x = 0, m_y = 0, m_row_height = 0;  ///< where the next one goes
-    int m_dirty_from = SIZE, m_dirty_to = 0; ///< rows that the device lacks
+    int m_dirty_from = SIZE, m_dirty_to = 0; ///< rows that have changed
 };
 
 /// Takes the first character off UTF-8 text, which must not be empty. What is malformed reads as

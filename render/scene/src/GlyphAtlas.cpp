@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "GlyphAtlas.h"
+#include "render/scene/GlyphAtlas.h"
 
 #include "ig/base/jLog.h"
 
 #include <algorithm>
 #include <cstring>
 #include <ft2build.h>
+#include <utility>
 #include FT_FREETYPE_H
 
 namespace ig {
@@ -20,7 +21,6 @@ constexpr int SOLID = 4; ///< texels of the covered square in the corner
 } // namespace
 
 bool GlyphAtlas::init() {
-    gl::makeTexture(m_texture, SIZE, SIZE, {GL_R8, GL_RED, GL_UNSIGNED_BYTE});
     clear();
     if (FT_Init_FreeType(&m_library) == 0)
         for (const char* path : FONTS)
@@ -100,14 +100,10 @@ float GlyphAtlas::getAscent(int size) const {
            static_cast<float>(m_face->ascender - m_face->descender);
 }
 
-void GlyphAtlas::bind(int unit) {
-    gl::bindTexture(unit, m_texture);
-    if (m_dirty_from >= m_dirty_to) return;
-    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
-    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, m_dirty_from, SIZE, m_dirty_to - m_dirty_from, GL_RED,
-                    GL_UNSIGNED_BYTE, &m_pixels[static_cast<std::size_t>(m_dirty_from) * SIZE]);
-    m_dirty_from = SIZE;
-    m_dirty_to = 0;
+bool GlyphAtlas::takeChanges(int& first, int& end) {
+    first = std::exchange(m_dirty_from, SIZE);
+    end = std::exchange(m_dirty_to, 0);
+    return first < end;
 }
 
 std::uint32_t takeCharacter(std::string_view& text) {
