@@ -99,6 +99,7 @@ struct RendererGL::Impl {
     ViewportPass viewports;
     gl::Texture noise;
     SceneList list;
+    SpriteList sprite_list;
     FrameView view;
     FrameBlock block;
     PassClock clock;
@@ -239,7 +240,7 @@ void RendererGL::Impl::prepare(const World& world, const Camera& camera, const F
     decals.gather(world, view, list);
     list.sort();
     shadow.fit(list.far_bounds, block);
-    sprites.gather(view, frame, list.lamps, list.cables);
+    sprite_list.gather(view, frame, list.lamps, list.cables);
     wakes.gather(view, frame.particles, list.decals);
     uploadBlock();
     meshes.upload(list, sky);
@@ -287,7 +288,7 @@ void RendererGL::Impl::drawScene(const World& world) {
     clock.mark("sky");
     meshes.drawTransparent();
     clock.mark("transparent");
-    sprites.draw(view, canvas->depth);
+    sprites.draw(view, sprite_list.sprites, canvas->depth);
     clock.mark("sprites");
 }
 
