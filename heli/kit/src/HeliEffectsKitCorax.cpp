@@ -37,8 +37,7 @@ Node* findRequired(const Node* root, const char* name) {
 void setAlpha(Node* node, float alpha) {
     if (!node || !node->isObject()) return;
     Material* material = static_cast<Object*>(node)->getSurfaceMaterial(0);
-    static const jString TAG = "diffuse_color";
-    const int color = material ? material->findParameterIDByTag(TAG) : -1;
+    const int color = material ? material->findParameterIDByTag("diffuse_color") : -1;
     if (color < 0) return;
     vec4 value = material->getParameterValue(color);
     value.w = alpha;

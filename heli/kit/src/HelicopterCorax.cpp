@@ -155,13 +155,9 @@ void HelicopterCorax::update_rotors(float dt) {
 void HelicopterCorax::update_tail_light(float dt) {
     if (std::isfinite(dt)) m_blink_phase += dt;
     if (m_blink_phase >= 1) m_blink_phase -= std::floor(m_blink_phase); // a stall may be longer
-    Material* material = m_tail_light ? m_tail_light->getSurfaceMaterial(0) : nullptr;
-    if (!material) return;
-    static const jString TAG = "density";
-    const int density = material->findParameterIDByTag(TAG);
-    if (density < 0) return;
-    material->setParameterSlider(density,
-                                 m_blink_phase <= 0.85f ? 0.001f : (1 - m_blink_phase) / 0.15f);
+    if (Material* material = m_tail_light ? m_tail_light->getSurfaceMaterial(0) : nullptr)
+        material->setParameterSliderByName(
+            "density", m_blink_phase <= 0.85f ? 0.001f : (1 - m_blink_phase) / 0.15f);
 }
 
 void HelicopterCorax::update_flight_model() {
@@ -209,8 +205,7 @@ void HelicopterCorax::toggle_wiper() {
         Node* glass = m_prefab->getNodeByName(name);
         if (!glass || !glass->isObject()) continue;
         if (Material* material = static_cast<Object*>(glass)->getSurfaceMaterial(0))
-            material->setParameterSlider(material->findParameterIDByTag("wiper"),
-                                         m_wiper_on ? 1.0f : 0.0f);
+            material->setParameterSliderByName("wiper", m_wiper_on ? 1.0f : 0.0f);
     }
 }
 

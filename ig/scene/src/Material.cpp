@@ -5,10 +5,32 @@
 #include "ig/package/Package.h"
 #include "ig/package/PackageManager.h"
 
+#include <algorithm>
 #include <map>
 #include <memory>
 
 namespace ig {
+
+namespace {
+/// Index of the entry of that name, or −1.
+int findNamed(const auto& entries, const jString& name) {
+    for (int i = 0; i < entries.size(); i++)
+        if (entries[i].name == name) return i;
+    return -1;
+}
+
+/// The entry of that name, added when there is none.
+auto& getNamed(auto& entries, const jString& name) {
+    const int i = findNamed(entries, name);
+    return i >= 0 ? entries[i] : entries.append({name, {}});
+}
+} // namespace
+
+Ground::Kind Ground::find(std::string_view name) {
+    constexpr std::string_view NAMES[] = {"land", "water", "grass", "sand", "snow", "hard"};
+    const auto* const known = std::ranges::find(NAMES, name);
+    return known == std::end(NAMES) ? Kind::any : static_cast<Kind>(known - NAMES + 1);
+}
 
 bool Material::load(const jString& path) {
     m_path = path;
@@ -19,15 +41,22 @@ bool Material::load(const jString& path) {
         jLog::error("Material::load: %s:1: there is no map \"parameters\"", path.c_str());
         return false;
     }
-    const jString& ground = file->getString("ground");
-    m_ground = Ground::find(ground.view());
-    if (m_ground == Ground::Kind::any && !ground.empty())
-        jLog::error("Material::load: %s:%d: unknown ground \"%s\"", path.c_str(),
-                    file->getItem("ground")->getLine(), ground.c_str());
+    if (const Item* ground = file->getItem("ground")) {
+        m_ground = Ground::find(ground->getString().view());
+        if (m_ground == Ground::Kind::any) refuse(*ground, "unknown ground ", ground->getString());
+    }
     const Package* states = file->getPackage("states");
     const Package* textures = file->getPackage("textures");
     return loadParameters(*parameters) && (!states || loadStates(*states)) &&
            (!textures || loadTextures(*textures));
+}
+
+/// Logs what is wrong with an item: `what "subject"why`. False.
+bool Material::refuse(const Item& item, const char* what, const jString& subject,
+                      const char* why) const {
+    jLog::error("Material::load: %s:%d: %s\"%s\"%s", m_path.c_str(), item.getLine(), what,
+                subject.c_str(), why);
+    return false;
 }
 
 bool Material::loadParameters(const Package& parameters) {
@@ -35,16 +64,10 @@ bool Material::loadParameters(const Package& parameters) {
         const Item& item = parameters.getItemAt(i);
         float values[4];
         const int count = item.getFloats(values, 4);
-        if (count == 1 && item.getKind() == Item::Kind::value) {
-            addSlider(item.getName(), values[0]);
-        } else if (count >= 2) {
-            if (count < 4) values[3] = 1; // an alpha that is not given
-            addValue(item.getName(), {values[0], values[1], values[2], values[3]});
-        } else {
-            jLog::error("Material::load: %s:%d: \"%s\" is neither a number nor 2 to 4 numbers",
-                        m_path.c_str(), item.getLine(), item.getName().c_str());
-            return false;
-        }
+        if (count < 1 || (count == 1 && item.getKind() != Item::Kind::value))
+            return refuse(item, "", item.getName(), " is neither a number nor 2 to 4 numbers");
+        if (count == 2 || count == 3) values[3] = 1; // an alpha that is not given
+        addValue(item.getName(), {values[0], values[1], values[2], values[3]});
     }
     return true;
 }
@@ -53,11 +76,8 @@ bool Material::loadStates(const Package& states) {
     for (int i = 0; i < states.getItemCount(); i++) {
         const Item& item = states.getItemAt(i);
         double value = 0;
-        if (item.getKind() != Item::Kind::value || item.getDoubles(&value, 1) != 1) {
-            jLog::error("Material::load: %s:%d: state \"%s\" is no number", m_path.c_str(),
-                        item.getLine(), item.getName().c_str());
-            return false;
-        }
+        if (item.getKind() != Item::Kind::value || item.getDoubles(&value, 1) != 1)
+            return refuse(item, "state ", item.getName(), " is no number");
         addState(item.getName(), item.getInt());
     }
     return true;
@@ -66,33 +86,23 @@ bool Material::loadStates(const Package& states) {
 bool Material::loadTextures(const Package& textures) {
     for (int i = 0; i < textures.getItemCount(); i++) {
         const Item& item = textures.getItemAt(i);
-        if (item.getKind() != Item::Kind::value || item.getString().empty()) {
-            jLog::error("Material::load: %s:%d: texture \"%s\" is no path", m_path.c_str(),
-                        item.getLine(), item.getName().c_str());
-            return false;
-        }
+        if (item.getKind() != Item::Kind::value || item.getString().empty())
+            return refuse(item, "texture ", item.getName(), " is no path");
         setTexture(item.getName(), item.getString());
     }
     return true;
 }
 
-Material::Parameter& Material::add(const jString& tag) {
-    const int id = findParameterIDByTag(tag);
-    return id >= 0 ? m_parameters[id] : m_parameters.append({tag, {}});
-}
-
 int Material::addSlider(const jString& tag, float value) { return addValue(tag, {value, 0, 0, 0}); }
 
 int Material::addValue(const jString& tag, const vec4& value) {
-    Parameter& parameter = add(tag);
+    Parameter& parameter = getNamed(m_parameters, tag);
     parameter.value = value;
     return static_cast<int>(&parameter - m_parameters.data());
 }
 
 int Material::findParameterIDByTag(const jString& tag) const {
-    for (int i = 0; i < m_parameters.size(); i++)
-        if (m_parameters[i].tag == tag) return i;
-    return -1;
+    return findNamed(m_parameters, tag);
 }
 
 void Material::setParameterSlider(int id, float value) {
@@ -112,20 +122,12 @@ void Material::setParameterSliderByName(const jString& tag, float value) {
 }
 
 int Material::addState(const jString& name, int value) {
-    int id = findStateID(name);
-    if (id < 0) {
-        id = m_states.size();
-        m_states.append({name, 0});
-    }
-    m_states[id].value = value;
-    return id;
+    State& state = getNamed(m_states, name);
+    state.value = value;
+    return static_cast<int>(&state - m_states.data());
 }
 
-int Material::findStateID(const jString& name) const {
-    for (int i = 0; i < m_states.size(); i++)
-        if (m_states[i].name == name) return i;
-    return -1;
-}
+int Material::findStateID(const jString& name) const { return findNamed(m_states, name); }
 
 void Material::setStateValue(int id, int value) {
     if (hasState(id)) m_states[id].value = value;
@@ -134,18 +136,12 @@ void Material::setStateValue(int id, int value) {
 int Material::getStateValue(int id) const { return hasState(id) ? m_states[id].value : 0; }
 
 void Material::setTexture(const jString& name, const jString& path) {
-    for (int i = 0; i < m_textures.size(); i++)
-        if (m_textures[i].name == name) {
-            m_textures[i].path = path;
-            return;
-        }
-    m_textures.append({name, path});
+    getNamed(m_textures, name).path = path;
 }
 
 const jString* Material::findTexture(const jString& name) const {
-    for (int i = 0; i < m_textures.size(); i++)
-        if (m_textures[i].name == name) return &m_textures[i].path;
-    return nullptr;
+    const int i = findNamed(m_textures, name);
+    return i < 0 ? nullptr : &m_textures[i].path;
 }
 
 namespace {

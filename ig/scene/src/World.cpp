@@ -105,8 +105,7 @@ void World::updatePhysics(float dt) {
 
 /// What lay below the emitter asked last in this step: its neighbours stand over the same.
 struct World::Below {
-    dvec3 place;
-    bool known = false;
+    dvec3 place; // far from all at first: the middle of the earth
     Ground ground;
 };
 
@@ -133,13 +132,13 @@ void World::tellSurface(ObjectParticles& emitter, float dt, Below& last) const {
     // From above the crests: an emitter that is laid onto the sea may lie just below it.
     constexpr double ABOVE = 5, BELOW = 100, SAME_PLACE = 0.5;
     const dvec3 place = emitter.getWorldPosition();
-    if (!last.known || length(place - last.place) > SAME_PLACE) {
+    if (length(place - last.place) > SAME_PLACE) {
         const dmat4 level = emitter.getWGSTransform();
         dvec3 point;
         int surface = 0;
         const Object* object = findFirst(level * dvec3(0, 0, ABOVE), level * dvec3(0, 0, -BELOW),
                                          true, point, surface);
-        last = {place, true, object ? object->getGroundAt(surface, point) : Ground()};
+        last = {place, object ? object->getGroundAt(surface, point) : Ground()};
     }
     emitter.passOver(last.ground, dt);
 }

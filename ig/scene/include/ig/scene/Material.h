@@ -4,18 +4,34 @@
 #include "ig/base/jAllocator.h"
 #include "ig/base/jString.h"
 #include "ig/base/jVector.h"
-#include "ig/scene/Ground.h"
+#include "ig/math/vec.h"
+
+#include <string_view>
 
 namespace ig {
 
+class Item;
 class Package;
+
+/// What lies at a place of a surface. The surface's object tells it (`Object::getGroundAt`), by its
+/// material where that says so; the world passes it on to the emitters above.
+struct Ground {
+    /// What emitters work over: `land` is all that isn't water, `any` all. A surface is one of the
+    /// others; `hard` is concrete and decks.
+    enum class Kind { any, land, water, grass, sand, snow, hard };
+    /// The kind of that name in scene files; `any` when there is none.
+    static Kind find(std::string_view name);
+
+    Kind kind = Kind::any;
+    /// What wind lifts off it: colour (linear), and how thick, 1 being the mist over water.
+    vec4 lifted{1, 1, 1, 1};
+};
 
 /// How a surface or a finished picture looks: a set of parameters found by tag, each either a
 /// slider (one number) or a value (four), of states found by name, which choose between ways to
 /// draw, of textures found by name: picture files, and what kind of ground the surface is. A
-/// material read from a file is shared by all
-/// its users and owned by the `MaterialManager`; a copy of its own is owned by the object that
-/// asked for it.
+/// material read from a file is shared by all its users and owned by the `MaterialManager`; a copy
+/// of its own is owned by the object that asked for it.
 class Material : public jObject {
 public:
     /// Reads the parameters, states and textures of a material file. False, with one log line, when
@@ -31,7 +47,7 @@ public:
     int findParameterIDByTag(const jString& tag) const;
     int getNumParameters() const { return m_parameters.size(); }
     /// Of an id below the number.
-    const jString& getParameterTag(int id) const { return m_parameters[id].tag; }
+    const jString& getParameterTag(int id) const { return m_parameters[id].name; }
     /// An id out of range is ignored, and reads as 0.
     void setParameterSlider(int id, float value);
     float getParameterSlider(int id) const;
@@ -69,10 +85,11 @@ private:
         jString name, path;
     };
     struct Parameter {
-        jString tag;
+        jString name;
         vec4 value; // a slider is its x
     };
-    Parameter& add(const jString& tag);
+    bool refuse(const Item& item, const char* what, const jString& subject,
+                const char* why = "") const;
     bool loadParameters(const Package& parameters);
     bool loadStates(const Package& states);
     bool loadTextures(const Package& textures);
