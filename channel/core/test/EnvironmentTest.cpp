@@ -216,7 +216,7 @@ TEST_F(EnvironmentTest, AbsurdSignalsDoNoHarm) {
         EXPECT_GT(picture.visibility, 0);
         EXPECT_LE(std::hypot(picture.wind.x, picture.wind.y), 101);
         EXPECT_TRUE(picture.cloud_cover >= 0 && picture.cloud_cover <= 1);
-        EXPECT_TRUE(std::isfinite(Engine::get()->getWindDirection()));
+        EXPECT_TRUE(std::isfinite(Engine::get()->getWindOrigin()));
         EXPECT_GE(Engine::get()->getWindStrength(), 0);
     }
     emit(logic.m_sig_sea, -1);

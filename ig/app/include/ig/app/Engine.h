@@ -44,7 +44,6 @@ public:
     /// strength, 0 none to 10000, where light things such as flags lie fully along it. Strengths
     /// outside are clamped, what is not finite is ignored.
     void setWindDirection(float direction);
-    float getWindDirection() const { return m_wind_direction; }
     /// Where it comes from, degrees counter-clockwise from east.
     float getWindOrigin() const { return m_wind_direction + 180; }
     void setWindStrength(float strength);
