@@ -29,7 +29,8 @@ struct EffectsFrame : LogicTest {
     /// Which of the emitters run, and how dense one of them is.
     void expect(std::initializer_list<const char*> names, bool running, const char* dense) {
         for (const char* name : names)
-            EXPECT_EQ(emitter(name)->isVisible() && !emitter(name)->isSilent(), running) << name;
+            EXPECT_EQ(emitter(name)->isVisible() && emitter(name)->getSpawnTime(1) > 0, running)
+                << name;
         const Material* material = emitter(dense)->getSurfaceMaterial(0);
         const vec4 color =
             material->getParameterValue(material->findParameterIDByTag("diffuse_color"));

@@ -157,12 +157,11 @@ const bool ROPE =
     NodeFactory::add("rope", createRope, {{number, {"radius"}}, {material, {"material"}}});
 
 Node* createField(const NodeReader& r) {
-    auto* field = new NodeField();
     dvec3 parameters;
+    vec2 reach{13, 25};
     r.readTriple("parameters", parameters);
-    vec2 reach = field->getReach();
     r.readPair("reach", reach);
-    field->setReach(reach);
+    auto* field = new NodeField(reach);
     field->setParameter(0, static_cast<float>(parameters.x));
     field->setParameter(1, static_cast<float>(parameters.y));
     field->setParameter(2, static_cast<float>(parameters.z));

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "render/scene/SceneList.h"
 
+#include "ig/math/EllipsoidModel.h"
+#include "ig/math/jMath.h"
 #include "ig/scene/Mesh.h"
 #include "ig/scene/SceneObjects.h"
 #include "ig/scene/World.h"
@@ -139,8 +141,11 @@ void SceneList::addLamp(const Node& node) {
 }
 
 void SceneList::addDowndraught(const NodeDowndraught& wind) {
-    const float strength = wind.getStrength();
-    const vec3 place(m_view->toFrame(wind.getSource()));
+    const Node* prefab = wind.getPrefabRoot();
+    const dvec3 source = (prefab ? prefab : &wind)->getWorldPosition();
+    const vec3 place(m_view->toFrame(source));
+    const auto altitude = static_cast<float>(EllipsoidModel().getAltitude(source));
+    const float strength = jMath::getFadeOut(altitude, wind.getFades().y, wind.getFades().x);
     if (strength > 0) downdraughts.push_back({place.x, place.y, wind.getRadius(), strength});
 }
 

@@ -37,8 +37,6 @@ public:
     /// What it works over.
     Ground::Kind getSurface() const { return m_surface; }
     void setSurface(Ground::Kind surface) { m_surface = surface; }
-    /// Whether something else lies below it, as the world found at the last step.
-    bool isSilent() const { return m_silent; }
     /// What is lifted off the ground below, as `Ground::lifted`. Particles take it on when their
     /// material has a "ground_tint".
     const vec4& getGround() const { return m_ground; }
@@ -55,8 +53,9 @@ public:
     void clearParticles();
     /// Changes with every `clearParticles`: whoever keeps the particles then drops them.
     unsigned getNumCleared() const { return m_cleared; }
-    /// For how many of the last `dt` seconds it spawned: a burst that is over gave all it had to
-    /// the steps that it fell into, however long they were.
+    /// For how many of the last `dt` seconds it spawned: none while something lies below it that it
+    /// doesn't work over, as the world found at the last step; a burst that is over gave all it had
+    /// to the steps that it fell into, however long they were.
     float getSpawnTime(float dt) const;
     /// Advances the running time by `dt` seconds, of this emitter alone.
     void advance(float dt);
@@ -146,19 +145,18 @@ public:
 /// Wind that makes the grass around it flutter.
 class NodeField : public Node {
 public:
-    NodeField() : Node(NODE_FIELD) {}
+    /// `reach`: how far from the field its force is down to a third, and how high above the ground
+    /// the field has none, m.
+    explicit NodeField(const vec2& reach = {13, 25}) : Node(NODE_FIELD), m_reach(reach) {}
     /// How far blades lean away, how much they shiver, how much they are pressed down, 0 to 1 each;
     /// i from 0 to 2.
     float getParameter(int i) const { return m_parameters[i]; }
     void setParameter(int i, float value) { m_parameters[i] = value; }
-    /// How far from the field its force is down to a third, and how high above the ground the field
-    /// has none, m.
     const vec2& getReach() const { return m_reach; }
-    void setReach(const vec2& reach) { m_reach = reach; }
 
 private:
     float m_parameters[3] = {};
-    vec2 m_reach{13, 25};
+    vec2 m_reach;
 };
 
 /// Wind of a rotor, or of whatever else blows down: where it meets the sea, rings run outwards and
@@ -172,8 +170,7 @@ public:
     NodeDowndraught(float radius, const vec2& fades)
         : Node(NODE_DOWNDRAUGHT), m_radius(radius), m_fades(fades) {}
     float getRadius() const { return m_radius; }
-    dvec3 getSource() const; ///< world
-    float getStrength() const;
+    const vec2& getFades() const { return m_fades; }
 
 private:
     float m_radius;
