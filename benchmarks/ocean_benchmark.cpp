@@ -96,15 +96,15 @@ BENCHMARK(rayDown)->ArgName("beaufort")->Arg(5)->Iterations(1000);
 /// changes every frame, so that spectra are made and amplitudes blended all the time.
 void evolution(benchmark::State& state) {
     const bool turning = state.range(0) != 0;
-    ocean::WaveField sea({5, 8, 230});
-    std::vector<ocean::Fft> transforms; // slopes, displacement, height and divergence
+    WaveField sea({5, 8, 230});
+    std::vector<Fft> transforms; // slopes, displacement, height and divergence
     std::size_t largest = 0;
-    for (const ocean::Cascade& cascade : sea.getCascades()) {
+    for (const Cascade& cascade : sea.getCascades()) {
         largest = std::max(largest, static_cast<std::size_t>(cascade.getResolution()));
         for (int i = cascade.isSlopesOnly() ? 2 : 0; i < 3; i++)
-            transforms.emplace_back(cascade.getResolution(), ocean::Lattice::BAND);
+            transforms.emplace_back(cascade.getResolution(), Lattice::BAND);
     }
-    constexpr std::size_t IN = ocean::Lattice::SIDE * ocean::Lattice::SIDE;
+    constexpr std::size_t IN = Lattice::SIDE * Lattice::SIDE;
     std::vector<float> in(2 * IN), out(2 * largest * largest);
     PairedTimes times;
     int frame = 0;
@@ -113,7 +113,7 @@ void evolution(benchmark::State& state) {
         if (turning) sea.set({5, 8, 230.0 + frame % 90});
         times.measure([&] { sea.evolve(frame / 60.0); },
                       [&] {
-                          for (ocean::Fft& fft : transforms)
+                          for (Fft& fft : transforms)
                               fft.inverse(in.data(), in.data() + IN, out.data(), 2);
                       });
     }

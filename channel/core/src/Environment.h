@@ -13,9 +13,9 @@
 namespace ig {
 class Camera;
 class ControlApp;
+class ObjectOcean;
 class ObjectParticles;
 } // namespace ig
-class ObjectOcean;
 struct Options;
 
 /// Light, air and sea of the scene. The flight simulation's weather arrives through the logic's
@@ -85,8 +85,8 @@ private:
     void tellLogic();
     void fillSky(double longitude, double time, ig::FrameInfo& frame) const;
 
-    LogicBase* m_logic = nullptr;   ///< the application's
-    ObjectOcean* m_ocean = nullptr; ///< the world's
+    LogicBase* m_logic = nullptr;       ///< the application's
+    ig::ObjectOcean* m_ocean = nullptr; ///< the world's
     std::vector<Precipitation> m_precipitation;
     ig::dvec3 m_eye, m_eye_velocity; ///< world; the velocity smoothed
     bool m_eye_known = false;

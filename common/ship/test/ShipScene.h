@@ -26,7 +26,7 @@ inline const char* const FRIGATE =
 /// A stand-in for the sea that shares no code with the real one, and costs little: still water, or
 /// 12 straight-crested deep-water waves, spread about north, of 4 m significant height and with
 /// their peak at 9.6 s.
-class SwellSea : public ObjectOcean {
+class SwellSea : public ig::ObjectOcean {
 public:
     float getBeaufort() const override { return m_beaufort; }
     ig::dvec3 getWorldPoint(const ig::dvec3& world) const override {

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <numbers>
 
-namespace ocean {
+namespace ig {
 
 namespace {
 
@@ -284,4 +284,4 @@ std::vector<Wave> Cascade::listWaves() const {
     return waves;
 }
 
-} // namespace ocean
+} // namespace ig

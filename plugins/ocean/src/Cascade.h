@@ -7,7 +7,7 @@
 
 #include <vector>
 
-namespace ocean {
+namespace ig {
 
 /// The wave vectors that every tile holds: whole multiples (m, n) of 2π / tile with length up to
 /// BAND, one of each pair ±(m, n), and where the pair stands in a spectrum as `Fft` takes it.
@@ -113,4 +113,4 @@ private:
     std::vector<float> m_displacement, m_slope, m_foam;
 };
 
-} // namespace ocean
+} // namespace ig

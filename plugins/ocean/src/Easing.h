@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-namespace ocean {
+namespace ig {
 
 /// How far a value that started at S with the rate of change R has come towards T: the critically
 /// damped oscillator of angular frequency 1/s, with 99.95 % of the way done after 10 s. Value and
@@ -48,4 +48,4 @@ struct Eased {
     }
 };
 
-} // namespace ocean
+} // namespace ig

@@ -14,7 +14,7 @@
 #include <numbers>
 #include <vector>
 
-namespace ocean {
+namespace ig {
 
 namespace {
 
@@ -172,4 +172,4 @@ void Fft::transformRows(float* out, int stride) {
     }
 }
 
-} // namespace ocean
+} // namespace ig

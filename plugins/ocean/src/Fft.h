@@ -3,7 +3,7 @@
 
 #include <memory>
 
-namespace ocean {
+namespace ig {
 
 /// Inverse discrete Fourier transform of a band of frequencies to size × size complex values in
 /// single precision, without scaling:
@@ -33,4 +33,4 @@ private:
     std::unique_ptr<Buffers> m_buffers;
 };
 
-} // namespace ocean
+} // namespace ig

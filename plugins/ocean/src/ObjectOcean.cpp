@@ -9,7 +9,7 @@
 
 #include <limits>
 
-using namespace ig;
+namespace ig {
 
 namespace {
 
@@ -34,7 +34,7 @@ const bool TYPE = NodeFactory::add("ocean", create,
 } // namespace
 
 ObjectOcean::ObjectOcean()
-    : Object(OBJECT_OCEAN), m_waves(std::make_unique<ocean::WaveField>()),
+    : Object(OBJECT_OCEAN), m_waves(std::make_unique<WaveField>()),
       m_anchored_at(std::numeric_limits<double>::quiet_NaN(), 0, 0) {
     setNumSurfaces(1);
 }
@@ -60,14 +60,14 @@ bool ObjectOcean::accept(const char* operation, float& value, float low, float h
 
 void ObjectOcean::setBeaufort(float beaufort) {
     if (!accept("ObjectOcean::setBeaufort", beaufort, 0, MAX_BEAUFORT, m_beaufort_limiter)) return;
-    ocean::SeaSettings settings = m_waves->get();
+    SeaSettings settings = m_waves->get();
     settings.beaufort = static_cast<double>(beaufort);
     m_waves->set(settings);
 }
 
 void ObjectOcean::setSpeed(float speed) {
     if (!accept("ObjectOcean::setSpeed", speed, 0, MAX_SPEED, m_speed_limiter)) return;
-    ocean::SeaSettings settings = m_waves->get();
+    SeaSettings settings = m_waves->get();
     settings.wind = static_cast<double>(speed);
     m_waves->set(settings);
 }
@@ -75,7 +75,7 @@ void ObjectOcean::setSpeed(float speed) {
 void ObjectOcean::setAngle(float angle) {
     constexpr float ANY = std::numeric_limits<float>::max();
     if (!accept("ObjectOcean::setAngle", angle, -ANY, ANY, m_angle_limiter)) return;
-    ocean::SeaSettings settings = m_waves->get();
+    SeaSettings settings = m_waves->get();
     angle = std::fmod(angle, 360.0f);
     if (angle < 0) angle += 360;
     settings.angle = static_cast<double>(angle < 360 ? angle : 0); // a hair below 0 rounds up
@@ -97,7 +97,7 @@ void ObjectOcean::evolve(double time) {
 }
 
 /// The sea of this frame.
-const ocean::WaveField& ObjectOcean::present() const {
+const WaveField& ObjectOcean::present() const {
     const Engine* engine = Engine::get();
     if (!m_evolved || m_frame != engine->getFrame()) {
         m_waves->evolve(engine->getRunningTime());
@@ -123,7 +123,7 @@ const OceanFrame& ObjectOcean::getFrame() const { return present().getFrame(); }
 // ------------------------------------------------------------------ queries
 
 dvec3 ObjectOcean::getWorldPoint(const dvec3& world) const {
-    const ocean::WaveField& waves = present();
+    const WaveField& waves = present();
     dvec3 geodetic = EARTH.toWGS(world);
     const dvec2 place = waves.getFrame().toPlane(geodetic.x, geodetic.y);
     geodetic.z = waves.getSurface().find(place.x, place.y).altitude;
@@ -132,24 +132,25 @@ dvec3 ObjectOcean::getWorldPoint(const dvec3& world) const {
 
 bool ObjectOcean::getIntersection(int surface, const dvec3& a, const dvec3& b, dvec3* out) const {
     if (!isIntersection(surface)) return false;
-    const ocean::WaveField& waves = present();
+    const WaveField& waves = present();
     const dvec3 from = toWorld(a), way = toWorld(b) - from;
     const auto clearance = [&](double t) {
         const dvec3 geodetic = EARTH.toWGS(from + way * t);
         const dvec2 place = waves.getFrame().toPlane(geodetic.x, geodetic.y);
         return geodetic.z - waves.getSurface().find(place.x, place.y).altitude;
     };
-    ocean::Stretch stretches[2];
-    const int count =
-        ocean::stretchesNearSea(from, from + way, waves.getFrame().highest_crest, stretches);
+    Stretch stretches[2];
+    const int count = stretchesNearSea(from, from + way, waves.getFrame().highest_crest, stretches);
     for (int i = 0; i < count; i++) {
         const double middle = (stretches[i].begin + stretches[i].end) / 2;
         const dvec3 up = EARTH.getUp(from + way * middle);
-        const double t = ocean::findCrossing(clearance, stretches[i],
-                                             {length(way), length(way - up * dot(way, up))});
+        const double t =
+            findCrossing(clearance, stretches[i], {length(way), length(way - up * dot(way, up))});
         if (t < 0) continue;
         if (out) *out = a + (b - a) * t;
         return true;
     }
     return false;
 }
+
+} // namespace ig

@@ -6,7 +6,7 @@
 #include <iterator>
 #include <numbers>
 
-namespace ocean {
+namespace ig {
 
 namespace {
 
@@ -74,4 +74,4 @@ double WaveSpectrum::density(double kx, double ky) const {
     return radial * spreadingNorm(s) * std::pow(half_square, s);
 }
 
-} // namespace ocean
+} // namespace ig

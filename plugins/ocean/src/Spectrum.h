@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-namespace ocean {
+namespace ig {
 
 constexpr double GRAVITY = 9.80665; ///< standard gravity, m/s²
 
@@ -44,4 +44,4 @@ private:
     double m_direction_x, m_direction_y;
 };
 
-} // namespace ocean
+} // namespace ig

@@ -3,12 +3,12 @@
 
 #include "ig/math/EllipsoidModel.h"
 
-namespace ocean {
+namespace ig {
 
-int stretchesNearSea(const ig::dvec3& a, const ig::dvec3& b, double depth, Stretch out[2]) {
+int stretchesNearSea(const dvec3& a, const dvec3& b, double depth, Stretch out[2]) {
     const double margin = depth * 1.02 + 0.1;
     Stretch outer, inner;
-    const ig::EllipsoidModel earth;
+    const EllipsoidModel earth;
     if (!earth.cut(a, b, margin, outer)) return 0;
     Stretch parts[2] = {outer, {0, -1}};
     if (earth.cut(a, b, -margin, inner)) {
@@ -23,4 +23,4 @@ int stretchesNearSea(const ig::dvec3& a, const ig::dvec3& b, double depth, Stret
     return count;
 }
 
-} // namespace ocean
+} // namespace ig

@@ -7,13 +7,13 @@
 #include <cmath>
 #include <limits>
 
-namespace ocean {
+namespace ig {
 
-using Stretch = ig::EllipsoidModel::Stretch; ///< of a segment: within [0, 1]
+using Stretch = EllipsoidModel::Stretch; ///< of a segment: within [0, 1]
 
 /// The stretches of the segment a → b (earth-centred) that lie between the altitudes −depth and
 /// depth, in order, each a little longer than exact. Returns their number, 0 to 2.
-int stretchesNearSea(const ig::dvec3& a, const ig::dvec3& b, double depth, Stretch out[2]);
+int stretchesNearSea(const dvec3& a, const dvec3& b, double depth, Stretch out[2]);
 
 /// How a search walks along a stretch.
 struct RayScale {
@@ -71,4 +71,4 @@ double findCrossing(const Clearance& clearance, const Stretch& stretch, const Ra
     return -1;
 }
 
-} // namespace ocean
+} // namespace ig

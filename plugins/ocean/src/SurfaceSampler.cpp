@@ -4,7 +4,7 @@
 #include <cmath>
 #include <numbers>
 
-namespace ocean {
+namespace ig {
 
 namespace {
 
@@ -114,4 +114,4 @@ SurfaceSampler::Point SurfaceSampler::find(double x, double y) const {
             std::sqrt(off_x * off_x + off_y * off_y)};
 }
 
-} // namespace ocean
+} // namespace ig

@@ -3,7 +3,7 @@
 
 #include "plugins/ocean/OceanFrame.h"
 
-namespace ocean {
+namespace ig {
 
 /// Reads the surface out of a frame record, and out of nothing else: what it answers is what a
 /// renderer draws that follows the record.
@@ -46,4 +46,4 @@ private:
     double m_mean_level = 0;
 };
 
-} // namespace ocean
+} // namespace ig

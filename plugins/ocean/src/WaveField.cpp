@@ -5,7 +5,7 @@
 #include <cmath>
 #include <numbers>
 
-namespace ocean {
+namespace ig {
 
 namespace {
 
@@ -134,4 +134,4 @@ void WaveField::updateFrame(double time) {
     m_frame.whitecap_cover = whitecapCover(m_frame.wind);
 }
 
-} // namespace ocean
+} // namespace ig

@@ -7,7 +7,7 @@
 
 #include <array>
 
-namespace ocean {
+namespace ig {
 
 /// What the sea is told to be.
 struct SeaSettings {
@@ -70,4 +70,4 @@ private:
     SurfaceSampler m_surface;
 };
 
-} // namespace ocean
+} // namespace ig

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 #include <numbers>
 
-namespace ocean {
+namespace ig {
 namespace {
 
 /// The energy of all directions at one frequency, as a density over frequency (up to a factor).
@@ -63,4 +63,4 @@ TEST(Spectrum, SeaStatesGrowBetweenWholeBeaufortNumbersToo) {
 }
 
 } // namespace
-} // namespace ocean
+} // namespace ig

@@ -11,10 +11,8 @@
 #include <random>
 #include <vector>
 
-namespace ocean {
+namespace ig {
 namespace {
-
-using ig::dvec3;
 
 constexpr double TURN = 2 * std::numbers::pi;
 
@@ -345,4 +343,4 @@ TEST(WaveField, FoamStaysBehindTheCrestsAndFades) {
 }
 
 } // namespace
-} // namespace ocean
+} // namespace ig

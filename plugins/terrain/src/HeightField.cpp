@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-using namespace ig;
+namespace ig {
 
 namespace {
 
@@ -163,3 +163,5 @@ BoundSphere HeightField::getBounds() const {
                                      center));
     return {center, radius * 1.001 + 1};
 }
+
+} // namespace ig

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "plugins/terrain/ObjectTerrain.h"
+#include "ig/scene/Bounds.h"
+#include "plugins/terrain/TerrainGrid.h"
 
 #include <limits>
 #include <vector>
+
+namespace ig {
 
 /// The triangles of a terrain's grid, in grid coordinates: u counts columns from the west, v rows
 /// from the north, both with a fraction. Immutable.
@@ -47,7 +50,7 @@ public:
     Range getRange(double u0, double u1, double v0, double v1) const;
 
     /// Sphere around the surface, in the world.
-    ig::BoundSphere getBounds() const;
+    BoundSphere getBounds() const;
 
     /// Tangent of the latitude in the grid that is farthest from the equator, with half a degree of
     /// margin.
@@ -78,3 +81,5 @@ private:
     double m_steepest_tangent = 0;
     double m_tolerance_u = 0, m_tolerance_v = 0;
 };
+
+} // namespace ig

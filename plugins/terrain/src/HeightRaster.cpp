@@ -16,6 +16,8 @@
 #include <string_view>
 #include <vector>
 
+namespace ig {
+
 namespace {
 
 constexpr std::int64_t LARGEST = std::int64_t{1} << 28; ///< samples: 1 GiB
@@ -151,7 +153,7 @@ void flipRows(std::vector<float>& heights, int columns) {
 
 } // namespace
 
-bool HeightRaster::read(const ig::jString& path, std::string& failure) {
+bool HeightRaster::read(const jString& path, std::string& failure) {
     GDALAllRegister();
     const QuietErrors quiet;
     const auto fail = [&](std::string reason) {
@@ -198,3 +200,5 @@ bool HeightRaster::read(const ig::jString& path, std::string& failure) {
     if (transform[5] > 0) flipRows(heights, shape.columns);
     return true;
 }
+
+} // namespace ig

@@ -2,10 +2,12 @@
 #pragma once
 
 #include "ig/base/jString.h"
-#include "plugins/terrain/ObjectTerrain.h"
+#include "plugins/terrain/TerrainGrid.h"
 
 #include <string>
 #include <vector>
+
+namespace ig {
 
 /// The heights of a raster file as a north-up grid in WGS84 longitude and latitude.
 struct HeightRaster {
@@ -15,5 +17,7 @@ struct HeightRaster {
 
     /// False with the reason in `failure`: no such file, no format that GDAL knows, not
     /// georeferenced, damaged, smaller than 2 × 2 samples or larger than 2^28.
-    bool read(const ig::jString& path, std::string& failure);
+    bool read(const jString& path, std::string& failure);
 };
+
+} // namespace ig

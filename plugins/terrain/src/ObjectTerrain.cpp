@@ -10,7 +10,7 @@
 #include "ig/math/quat.h"
 #include "ig/scene/NodeReader.h"
 
-using namespace ig;
+namespace ig {
 
 namespace {
 
@@ -106,3 +106,5 @@ void ObjectTerrain::onMoved() {
     Object::onMoved();
     invalidateBounds(); // the ground stays where it is, so it moves in the node's frame
 }
+
+} // namespace ig

@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-using namespace ig;
+namespace ig {
 
 namespace {
 
@@ -188,3 +188,5 @@ double SegmentQuery::walk(const Place& from, const Place& to) {
     m_end_height = height;
     return NONE;
 }
+
+} // namespace ig

@@ -3,6 +3,8 @@
 
 #include "HeightField.h"
 
+namespace ig {
+
 /// Where a straight segment of the world meets a height field first.
 ///
 /// A straight line of the world is curved in (u, v, altitude), in which the triangles are planar.
@@ -15,7 +17,7 @@
 class SegmentQuery {
 public:
     /// From a to b, in the world.
-    SegmentQuery(const HeightField& field, const ig::dvec3& a, const ig::dvec3& b);
+    SegmentQuery(const HeightField& field, const dvec3& a, const dvec3& b);
     /// The first crossing as a parameter in [0, 1] along a → b; negative when there is none.
     double solve();
 
@@ -34,10 +36,12 @@ private:
     double walk(const Place& from, const Place& to);
 
     const HeightField& m_field;
-    ig::dvec3 m_a, m_direction;
+    dvec3 m_a, m_direction;
     double m_length;
 
     // The height above the ground where the last walked piece ended: for the piece that begins
     // there.
     double m_end = -1, m_end_height = 0;
 };
+
+} // namespace ig

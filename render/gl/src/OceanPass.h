@@ -6,11 +6,10 @@
 
 #include <vector>
 
-struct OceanFrame;
-
 namespace ig {
 
 class WakePass;
+struct OceanFrame;
 
 /// Draws the sea from the very arrays that queries read, so that what floats sits in the water
 /// that one sees.

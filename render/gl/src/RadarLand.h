@@ -4,10 +4,10 @@
 #include "GlObjects.h"
 #include "render/scene/FrameView.h"
 
+namespace ig {
+
 class ObjectTerrain;
 struct TerrainGrid;
-
-namespace ig {
 
 /// The land as a radar needs it: a texture of the terrain's raster with the slope towards east and
 /// north (−1 to 1 over red and green) and whether there is land at all (blue), made once per

@@ -7,13 +7,12 @@
 
 #include <vector>
 
-class ObjectOcean;
-class ObjectTerrain;
-
 namespace ig {
 
 class Node;
 class ObjectMesh;
+class ObjectOcean;
+class ObjectTerrain;
 class World;
 struct FrameInfo;
 

@@ -6,12 +6,11 @@
 
 #include <vector>
 
-struct OceanFrame;
-
 namespace ig {
 
 class DecalOrtho;
 class ParticleSystem;
+struct OceanFrame;
 struct ParticleCloud;
 
 /// Paints what ships leave on the water onto two maps of effects around the eye, which the sea

@@ -23,7 +23,7 @@
 #include <optional>
 
 /// A terrain of one height everywhere; not met by segment queries.
-class FlatTerrain : public ObjectTerrain {
+class FlatTerrain : public ig::ObjectTerrain {
 public:
     explicit FlatTerrain(double altitude) : m_altitude(altitude) { setIntersection(0, false); }
     bool getAltitudeByLonLat(double, double, double* altitude, ig::dvec3*) const override {

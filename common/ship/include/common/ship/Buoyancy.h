@@ -6,8 +6,8 @@
 
 namespace ig {
 class BodyRigid;
-}
 class ObjectOcean;
+} // namespace ig
 
 /// Makes a box-shaped rigid body float. 24 points of the box's horizontal mid-plane, three columns
 /// across the beam by eight rows along it, ask the sea how deep they lie; each is lifted along the
@@ -22,7 +22,7 @@ class ObjectOcean;
 class Buoyancy {
 public:
     /// Inert, and reported, when the ocean is in no world or the body's first shape is no box.
-    Buoyancy(ig::BodyRigid* body, ObjectOcean* ocean);
+    Buoyancy(ig::BodyRigid* body, ig::ObjectOcean* ocean);
     Buoyancy(const Buoyancy&) = delete;
     Buoyancy& operator=(const Buoyancy&) = delete;
 
@@ -39,7 +39,7 @@ private:
     void placePoints(const ig::vec3& size);
 
     ig::BodyRigid* m_body = nullptr;
-    ObjectOcean* m_ocean = nullptr;
+    ig::ObjectOcean* m_ocean = nullptr;
     float m_height = 0; ///< of the box, m
     float m_submerged = 0;
     float m_damping = 0; ///< drag of a fully immersed point per unit of the body's mass, 1/s

@@ -6,9 +6,9 @@
 namespace ig {
 class BodyRigid;
 class Object;
+class ObjectOcean;
 } // namespace ig
 class Buoyancy;
-class ObjectOcean;
 class Wakes;
 
 /// A surface ship: a scene object whose rigid body floats, is pushed ahead by its propulsion and
@@ -23,7 +23,7 @@ class Wakes;
 class Ship {
 public:
     /// Finds the object's body and its node "wakes"; without either it does without.
-    Ship(ig::Object* object, ObjectOcean* ocean);
+    Ship(ig::Object* object, ig::ObjectOcean* ocean);
     Ship(const Ship&) = delete;
     Ship& operator=(const Ship&) = delete;
 

@@ -7,9 +7,9 @@
 namespace ig {
 class DecalOrtho;
 class Node;
+class ObjectOcean;
 class ObjectParticles;
 } // namespace ig
-class ObjectOcean;
 class Ship;
 
 /// What a ship leaves on the water: the node "wakes" with a decal "foam" and particle emitters
@@ -18,7 +18,7 @@ class Ship;
 class Wakes {
 public:
     /// Without an ocean (null) the foam's life stays as the file says.
-    Wakes(ig::Node* node, Ship* ship, ObjectOcean* ocean);
+    Wakes(ig::Node* node, Ship* ship, ig::ObjectOcean* ocean);
     Wakes(const Wakes&) = delete;
     Wakes& operator=(const Wakes&) = delete;
 
@@ -39,7 +39,7 @@ private:
     ig::dmat4 m_offset; ///< placement relative to the ship
     ig::DecalOrtho* m_foam = nullptr;
     ig::jVector<ig::ObjectParticles*> m_foam_particles;
-    ObjectOcean* m_ocean;
+    ig::ObjectOcean* m_ocean;
     ig::Node* m_node;
     float m_wake_life = 30.0f;
 };

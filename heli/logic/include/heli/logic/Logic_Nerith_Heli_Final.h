@@ -13,6 +13,8 @@ namespace ig {
 class Action;
 class Camera;
 class ControlApp;
+class ObjectOcean;
+class ObjectTerrain;
 class UIButton;
 class UIElement;
 class UIHLayout;
@@ -23,8 +25,6 @@ struct UIEventMouse;
 
 class HeliEffectsKitCorax;
 class HelicopterCorax;
-class ObjectOcean;
-class ObjectTerrain;
 class Ship;
 class UdpRecvKit;
 class UdpSendKit;
@@ -404,10 +404,10 @@ public:
     ig::dmat4 m_winch_mount;
     ig::dquat m_third_cam_rot; ///< camera pose saved by the last third-view placement, world
     ig::dvec3 m_third_cam_pos;
-    ObjectTerrain* m_terrain = nullptr; ///< the world's; init
-    ObjectOcean* m_ocean = nullptr;     ///< the world's; init
-    ig::ActionManager m_action_manager; ///< weapon flights and effects
-    Ship* m_ship1 = nullptr;            ///< created once, not freed by release
+    ig::ObjectTerrain* m_terrain = nullptr; ///< the world's; init
+    ig::ObjectOcean* m_ocean = nullptr;     ///< the world's; init
+    ig::ActionManager m_action_manager;     ///< weapon flights and effects
+    Ship* m_ship1 = nullptr;                ///< created once, not freed by release
     Ship* m_ship2 = nullptr;
     ig::dmat4 m_ship1_start; ///< world transforms at start-up, restored by reset
     ig::dmat4 m_ship2_start;

@@ -7,9 +7,9 @@
 
 #include <memory>
 
-namespace ocean {
+namespace ig {
+
 class WaveField;
-}
 
 /// The sea: one surface that drawing, floating and queries agree on. Node type "ocean" in world
 /// files, with the optional keys `beaufort`, `speed` and `angle`; see docs/ocean.md.
@@ -21,13 +21,13 @@ class WaveField;
 /// The mean level is altitude 0 of the ellipsoid, everywhere: the node's place only anchors the
 /// plane in which the waves are laid out, and there their lengths and directions are true. 100 km
 /// further north or south, at middle latitudes, they are stretched by one or two per cent.
-class ObjectOcean : public ig::Object {
+class ObjectOcean : public Object {
 public:
     ObjectOcean();
     ~ObjectOcean() override;
 
     /// The point of the surface above or below a world position, along the local vertical.
-    virtual ig::dvec3 getWorldPoint(const ig::dvec3& world) const;
+    virtual dvec3 getWorldPoint(const dvec3& world) const;
 
     // --- Settings. What is not finite is refused, what is out of range clamped, with a warning per
     // second at most. The waves follow within 10 s; what is set before the first query holds at
@@ -57,25 +57,25 @@ public:
     void evolve(double time);
 
     /// Water, and the spray that wind tears off it.
-    ig::Ground getGroundAt(int, const ig::dvec3&) const override {
-        return {ig::Ground::Kind::water, {0.84f, 0.88f, 0.92f, 1}};
+    Ground getGroundAt(int, const dvec3&) const override {
+        return {Ground::Kind::water, {0.84f, 0.88f, 0.92f, 1}};
     }
-    bool getIntersection(int surface, const ig::dvec3& a, const ig::dvec3& b,
-                         ig::dvec3* out) const override;
+    bool getIntersection(int surface, const dvec3& a, const dvec3& b, dvec3* out) const override;
 
 protected:
-    ig::BoundSphere getOwnBounds() const override { return ig::BoundSphere::unbounded(); }
+    BoundSphere getOwnBounds() const override { return BoundSphere::unbounded(); }
 
 private:
-    const ocean::WaveField& present() const;
+    const WaveField& present() const;
     void anchor() const;
-    bool accept(const char* operation, float& value, float low, float high,
-                ig::LogLimiter& limiter);
+    bool accept(const char* operation, float& value, float low, float high, LogLimiter& limiter);
 
     bool m_use_global_wind = true;
-    std::unique_ptr<ocean::WaveField> m_waves; ///< evolved by const queries: a cache of the moment
+    std::unique_ptr<WaveField> m_waves; ///< evolved by const queries: a cache of the moment
     mutable bool m_evolved = false;
-    mutable int m_frame = 0;         ///< engine frame of the last evolution
-    mutable ig::dvec3 m_anchored_at; ///< the node's position that the plane is anchored at
-    ig::LogLimiter m_beaufort_limiter, m_speed_limiter, m_angle_limiter;
+    mutable int m_frame = 0;     ///< engine frame of the last evolution
+    mutable dvec3 m_anchored_at; ///< the node's position that the plane is anchored at
+    LogLimiter m_beaufort_limiter, m_speed_limiter, m_angle_limiter;
 };
+
+} // namespace ig

@@ -3,6 +3,8 @@
 
 #include "ig/math/vec.h"
 
+namespace ig {
+
 /// One tile of the sea's surface, resolution × resolution texels, repeated without end. Texel
 /// (i, j) lies at x = i · tile / resolution, y = j · tile / resolution and at index
 /// j · resolution + i; between texels the surface is the bilinear interpolation of the four around
@@ -61,10 +63,12 @@ struct OceanFrame {
 
     /// The place of a longitude and latitude (degrees) in the plane; a longitude is taken the
     /// shorter way round from the anchor.
-    ig::dvec2 toPlane(double longitude, double latitude) const {
+    dvec2 toPlane(double longitude, double latitude) const {
         double east = longitude - anchor_longitude;
         if (east > 180) east -= 360;
         if (east < -180) east += 360;
         return {east * metres_per_longitude, (latitude - anchor_latitude) * metres_per_latitude};
     }
 };
+
+} // namespace ig

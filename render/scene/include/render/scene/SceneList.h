@@ -7,9 +7,6 @@
 #include <memory>
 #include <vector>
 
-class ObjectOcean;
-class ObjectTerrain;
-
 namespace ig {
 
 class DecalOrtho;
@@ -17,7 +14,9 @@ class Mesh;
 class Node;
 class NodeDowndraught;
 class NodeField;
+class ObjectOcean;
 class ObjectRope;
+class ObjectTerrain;
 class World;
 
 /// One surface of a mesh to be drawn.
