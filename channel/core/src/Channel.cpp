@@ -256,7 +256,7 @@ bool Channel::runFrame() {
     m_status.print(m_listener, m_link, m_scene_command.describe() + ' ' + m_environment.describe());
     m_scene_time += static_cast<double>(dt);
     m_frames++;
-    if (m_scene_command.isExit()) m_quit = true;
+    if (m_scene_command.isExit() || m_interface.isEndRequested()) m_quit = true;
     return true;
 }
 

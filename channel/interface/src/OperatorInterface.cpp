@@ -88,8 +88,9 @@ bool OperatorInterface::doWindowsOwn(int key) {
     return true;
 }
 
-/// The logic ends the process in its next update, also while a message box has all other keys.
+/// The logic may end the process in its next update, also while a message box has all other keys.
 void OperatorInterface::endAtOnce() {
+    m_end_requested = true;
     m_control->keyDown(KEY_F4);
     m_control->keyUp(KEY_F4);
 }

@@ -54,6 +54,8 @@ public:
     /// The window is to be closed, and the operator has not been asked back.
     bool isCloseRequested() const { return m_close_requested; }
     void dropCloseRequest() { m_close_requested = false; }
+    /// The operator wants an end without being asked, which the logic has not made itself.
+    bool isEndRequested() const { return m_end_requested; }
 
     // --- frame
 
@@ -77,7 +79,7 @@ private:
     Overlays m_overlays;
     std::vector<ig::UIElement*> m_panels; ///< the root's; those of the logic
     bool m_panels_shown = true;
-    bool m_close_requested = false;
+    bool m_close_requested = false, m_end_requested = false;
     int m_width = 0, m_height = 0; ///< of the picture, pixels
     float m_density = 1;           ///< pixels per unit of 1/96 inch
 };
