@@ -131,7 +131,7 @@ bool ScriptPlayer::click(const ScriptCommand& command) {
 /// Moves the mouse to where the text is drawn. False when it isn't, or is no button there.
 bool ScriptPlayer::findText(const std::string& text) {
     m_ui.draw(m_list);
-    for (const UiDrawList::Command& command : m_list.commands()) {
+    for (const UiDrawList::Command& command : m_list.getCommands()) {
         if (command.kind != UiDrawList::Kind::text || m_list.text(command) != text) continue;
         const float width = m_ui.getTextWidth(command.h, text);
         moveTo(command.x + width / 2, command.y + command.h / 2);
@@ -143,7 +143,7 @@ bool ScriptPlayer::findText(const std::string& text) {
 std::string ScriptPlayer::listButtons() {
     std::string names;
     m_ui.draw(m_list);
-    for (const UiDrawList::Command& command : m_list.commands()) {
+    for (const UiDrawList::Command& command : m_list.getCommands()) {
         if (command.kind != UiDrawList::Kind::text) continue;
         moveTo(command.x + command.h / 2, command.y + command.h / 2);
         const UIElement* element = m_ui.getHover();

@@ -81,13 +81,13 @@ struct WindowTest : testing::Test {
     /// Where the picture shows a text, or an image of that path; the command's rectangle.
     std::optional<UiDrawList::Command> drawn(const std::string& text) {
         channel->getUIRoot()->draw(list);
-        for (const UiDrawList::Command& command : list.commands())
+        for (const UiDrawList::Command& command : list.getCommands())
             if (list.text(command) == text) return command;
         return {};
     }
     bool shows(const std::string& part) {
         channel->getUIRoot()->draw(list);
-        for (const UiDrawList::Command& command : list.commands())
+        for (const UiDrawList::Command& command : list.getCommands())
             if (list.text(command).find(part) != std::string_view::npos) return true;
         return false;
     }

@@ -58,7 +58,7 @@ struct OperatorInterfaceTest : testing::Test {
         channel.update(0);
         const UiDrawList& list = *channel.draw();
         bool found = false;
-        for (const UiDrawList::Command& command : list.commands())
+        for (const UiDrawList::Command& command : list.getCommands())
             if (list.text(command).find(part) != std::string_view::npos) found = true;
         return found;
     }
@@ -138,7 +138,7 @@ TEST_F(OperatorInterfaceTest, HelpGlossesKeysAndButtonsInBothLanguagesAndFitsEve
          {std::tuple(3840, 2160, 2.0f), {800, 600, 1.0f}, {240, 900, 1.0f}, {640, 360, 1.0f}}) {
         channel.resize(width, height, density);
         channel.update(0);
-        for (const UiDrawList::Command& command : channel.draw()->commands()) {
+        for (const UiDrawList::Command& command : channel.draw()->getCommands()) {
             EXPECT_GE(command.x, 0);
             EXPECT_GE(command.y, 0);
             EXPECT_LE(command.x + command.w, width);
@@ -187,7 +187,7 @@ TEST_F(OperatorInterfaceTest, WhatIsWrongWithTheLinkStandsOverThePictureInsideIt
         EXPECT_TRUE(shows("nothing moves") && shows("no host yet on port 10004"));
         const UiDrawList& list = *channel.draw();
         float statistics_end = 0, top = 0;
-        for (const UiDrawList::Command& command : list.commands()) {
+        for (const UiDrawList::Command& command : list.getCommands()) {
             const std::string_view text = list.text(command);
             if (text.find("lost 0, short 0") != std::string_view::npos) statistics_end = command.y;
             if (text.find("no feedback") == std::string_view::npos) continue;

@@ -39,7 +39,7 @@ struct PanelTest : LogicTest {
     bool shows(const char* part) {
         UiDrawList list;
         scene.ui->draw(list);
-        for (const UiDrawList::Command& command : list.commands())
+        for (const UiDrawList::Command& command : list.getCommands())
             if (list.text(command).find(part) != std::string_view::npos) return true;
         return false;
     }

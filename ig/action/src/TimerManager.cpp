@@ -12,13 +12,7 @@ TimerManager::Timer* TimerManager::addTimer(float period) {
         jLog::error("TimerManager::addTimer: %g s is not a period", static_cast<double>(period));
         return nullptr;
     }
-    return m_timers.emplace_back(std::make_unique<Timer>(period)).get();
-}
-
-void TimerManager::removeTimer(Timer* timer) {
-    for (const auto& held : m_timers)
-        if (held.get() == timer) held->m_removed = true;
-    if (!m_updating) std::erase_if(m_timers, [](const auto& held) { return held->m_removed; });
+    return &m_timers.emplace_back(new Running{period})->timer;
 }
 
 void TimerManager::update(float dt) {
@@ -26,19 +20,17 @@ void TimerManager::update(float dt) {
     m_updating = true;
     const std::size_t count = m_timers.size(); // what is added meanwhile waits for the next advance
     for (std::size_t i = 0; i < count; i++)
-        if (!m_timers[i]->m_removed) advance(*m_timers[i], static_cast<double>(dt));
+        advance(*m_timers[i], static_cast<double>(dt));
     m_updating = false;
-    std::erase_if(m_timers, [](const auto& held) { return held->m_removed; });
 }
 
-void TimerManager::advance(Timer& timer, double dt) {
-    timer.m_elapsed += dt;
-    if (timer.m_elapsed + dt / 2 < timer.m_period) return;
-    timer.m_elapsed -= timer.m_period;
-    if (timer.m_elapsed >= timer.m_period)
-        timer.m_elapsed = std::fmod(timer.m_elapsed, timer.m_period);
-    for (int i = 0; i < timer.m_sig_expired.size() && !timer.m_removed; i++)
-        timer.m_sig_expired[i](&timer);
+void TimerManager::advance(Running& running, double dt) {
+    running.elapsed += dt;
+    if (running.elapsed + dt / 2 < running.period) return;
+    running.elapsed -= running.period;
+    if (running.elapsed >= running.period)
+        running.elapsed = std::fmod(running.elapsed, running.period);
+    emit(running.timer.m_sig_expired, &running.timer);
 }
 
 } // namespace ig

@@ -63,7 +63,7 @@ protected:
 
 } // namespace
 
-TEST_F(ActionTest, actions_step_in_the_order_added_end_once_and_stand_still_while_paused) {
+TEST_F(ActionTest, ActionsStepInTheOrderAddedEndOnceAndStandStillWhilePaused) {
     Probe* a = add(make('a', 2));
     add(make('b', 1));
     Probe* c = add(make('c', 1), true);
@@ -81,7 +81,7 @@ TEST_F(ActionTest, actions_step_in_the_order_added_end_once_and_stand_still_whil
     EXPECT_EQ(update(0), "c.ctcrcd") << "what is done ends, paused or not";
 }
 
-TEST_F(ActionTest, removal_releases_without_completion_and_a_refused_start_is_a_removal) {
+TEST_F(ActionTest, RemovalReleasesWithoutCompletionAndARefusedStartIsARemoval) {
     Probe* a = add(make('a', 1));
     add(make('b', -1));
     manager.addAction(nullptr, false);
@@ -91,7 +91,7 @@ TEST_F(ActionTest, removal_releases_without_completion_and_a_refused_start_is_a_
     EXPECT_EQ(manager.size(), 0);
 }
 
-TEST_F(ActionTest, an_action_may_remove_itself_and_others_while_it_steps) {
+TEST_F(ActionTest, AnActionMayRemoveItselfAndOthersWhileItSteps) {
     Probe* a = add(make('a', 9));
     Probe* b = add(make('b', 0.5f));
     add(make('c', 9));
@@ -104,7 +104,7 @@ TEST_F(ActionTest, an_action_may_remove_itself_and_others_while_it_steps) {
     EXPECT_EQ(update(1), "a.b.aradcrcdbrbd") << "its own end comes after its step, unfinished";
 }
 
-TEST_F(ActionTest, completion_handlers_and_releases_may_remove_and_add) {
+TEST_F(ActionTest, CompletionHandlersAndReleasesMayRemoveAndAdd) {
     Probe *a = add(make('a', 1)), *b = add(make('b', 9)), *c = add(make('c', 9));
     b->hooks['r'] = [&] { manager.removeAction(c); };
     c->hooks['r'] = [&] { add(make('n', 1)); };
@@ -119,7 +119,7 @@ TEST_F(ActionTest, completion_handlers_and_releases_may_remove_and_add) {
     EXPECT_EQ(update(1).substr(0, 8), "n.ntnrnd");
 }
 
-TEST_F(ActionTest, an_interval_completes_once_at_its_duration_unless_removed) {
+TEST_F(ActionTest, AnIntervalCompletesOnceAtItsDurationUnlessRemoved) {
     std::vector<Action*> completed;
     const ActionInterval::Completion note(&log, [&](Action* a) { completed.push_back(a); });
     Action* action = add(ActionInterval::Create(0.2f, note));
@@ -136,7 +136,7 @@ TEST_F(ActionTest, an_interval_completes_once_at_its_duration_unless_removed) {
     EXPECT_EQ(completed.size(), 1u);
 }
 
-TEST_F(ActionTest, a_multi_runs_its_actions_together_and_completes_each_at_its_own_time) {
+TEST_F(ActionTest, AMultiRunsItsActionsTogetherAndCompletesEachAtItsOwnTime) {
     ActionMulti* multi = add(
         ActionMulti::Create({make('a', 3), nullptr, make('b', 1), make('r', -1), make('c', 2)}));
     EXPECT_EQ(multi->getDuration(), 3);
@@ -150,7 +150,7 @@ TEST_F(ActionTest, a_multi_runs_its_actions_together_and_completes_each_at_its_o
     EXPECT_EQ(update(0), "a.atarad");
 }
 
-TEST_F(ActionTest, a_removed_multi_completes_no_other_action) {
+TEST_F(ActionTest, ARemovedMultiCompletesNoOtherAction) {
     Probe* a = make('a', 1);
     add(ActionMulti::Create({ActionMulti::Create({a, make('b', 1)}), make('c', 1)}));
     a->hooks['t'] = [&] { manager.removeAllActions(); };

@@ -6,6 +6,7 @@
 #include "ig/base/nearest.h"
 
 #include <gtest/gtest.h>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -70,9 +71,10 @@ TEST(Vector, RemoveFastMovesTheLastElementIntoTheSlot) {
     EXPECT_EQ(v.size(), 2);
     EXPECT_EQ(v.find("d"), 1);
     EXPECT_EQ(v.find("c"), -1);
-    const int capacity = v.capacity();
+    const void* memory = v.data();
     v.clear();
-    EXPECT_EQ(v.capacity(), capacity);
+    v.resize(3);
+    EXPECT_EQ(v.data(), memory);
 }
 
 TEST(Nearest, FindsTheNameThatIsMeantAndNoneWhereNoneIsLike) {
@@ -113,12 +115,12 @@ TEST(Function, ListsCallInOrderAndKeysTellTargetsApart) {
 }
 
 TEST(Function, CopiesShareTheHandler) {
-    Listener a;
-    Function<void(int)> f(&a, &Listener::hear);
+    const auto heard = std::make_shared<std::vector<int>>();
+    Function<void(int)> f(&heard, [heard](int value) { heard->push_back(value); });
     SignalList<int> list{f}, copy = list;
-    EXPECT_EQ(f.useCount(), 3);
+    EXPECT_EQ(heard.use_count(), 2); // the test's own and the one handler's
     emit(copy, 1);
-    EXPECT_EQ(a.heard.size(), 1u);
+    EXPECT_EQ(heard->size(), 1u);
 }
 
 TEST(ToStringTest, ShortestTextReadsBackExactly) {

@@ -61,7 +61,7 @@ protected:
 
 } // namespace
 
-TEST_F(SocketTest, datagrams_arrive_whole_and_in_order_and_longer_ones_are_cut) {
+TEST_F(SocketTest, DatagramsArriveWholeAndInOrderAndLongerOnesAreCut) {
     const std::string texts[] = {"first", std::string(65507, 'x'), "3"};
     for (const std::string& text : texts)
         EXPECT_EQ(write(text), static_cast<int>(text.size()));
@@ -77,7 +77,7 @@ TEST_F(SocketTest, datagrams_arrive_whole_and_in_order_and_longer_ones_are_cut) 
     EXPECT_EQ(received.truncated, 1u);
 }
 
-TEST_F(SocketTest, empty_datagrams_do_not_end_a_drain_and_a_flood_does_by_count_and_by_work) {
+TEST_F(SocketTest, EmptyDatagramsDoNotEndADrainAndAFloodDoesByCountAndByWork) {
     sendRaw(0);
     sendRaw(7);
     EXPECT_EQ(read().size(), 7u);
@@ -99,7 +99,7 @@ TEST_F(SocketTest, empty_datagrams_do_not_end_a_drain_and_a_flood_does_by_count_
     EXPECT_EQ(read().size(), 4u) << "the rest comes with the next drain";
 }
 
-TEST_F(SocketTest, sizes_senders_and_complaints_are_counted_with_who_it_was) {
+TEST_F(SocketTest, SizesSendersAndComplaintsAreCountedWithWhoItWas) {
     const std::string ours = "127.0.0.1:" + std::to_string(out.getPort());
     in.setExpectedSize(4);
     for (int i = 0; i < 3; i++) {
@@ -123,7 +123,7 @@ TEST_F(SocketTest, sizes_senders_and_complaints_are_counted_with_who_it_was) {
     EXPECT_EQ(received.complaint.sender.getText(), ours.c_str());
 }
 
-TEST_F(SocketTest, what_the_system_drops_is_counted_also_after_the_last_datagram) {
+TEST_F(SocketTest, WhatTheSystemDropsIsCountedAlsoAfterTheLastDatagram) {
     int limit = 0;
     std::ifstream("/proc/sys/net/core/rmem_max") >> limit;
     EXPECT_GE(received.receive_buffer, std::min(1 << 20, limit));
@@ -140,7 +140,7 @@ TEST_F(SocketTest, what_the_system_drops_is_counted_also_after_the_last_datagram
     EXPECT_EQ(received.lost, lost) << "a new descriptor begins with none";
 }
 
-TEST_F(SocketTest, only_the_allowed_sender_is_heard) {
+TEST_F(SocketTest, OnlyTheAllowedSenderIsHeard) {
     EXPECT_TRUE(in.setAllowedSender("127.0.0.2"));
     write("no");
     sendRaw(4);
@@ -148,7 +148,7 @@ TEST_F(SocketTest, only_the_allowed_sender_is_heard) {
     EXPECT_EQ(received.filtered, 1u);
 }
 
-TEST_F(SocketTest, wrong_ports_and_addresses_are_refused_with_one_line_and_the_former_ones_stay) {
+TEST_F(SocketTest, WrongPortsAndAddressesAreRefusedWithOneLineAndTheFormerOnesStay) {
     SocketUDP second;
     ASSERT_TRUE(second.create());
     const int port = in.getPort();
@@ -174,7 +174,7 @@ TEST_F(SocketTest, wrong_ports_and_addresses_are_refused_with_one_line_and_the_f
     EXPECT_EQ(SocketUDP::getRefusedPorts().size(), 3);
 }
 
-TEST_F(SocketTest, an_absent_peer_never_fails_a_write_and_failures_are_counted_with_their_reason) {
+TEST_F(SocketTest, AnAbsentPeerNeverFailsAWriteAndFailuresAreCountedWithTheirReason) {
     in.close();
     for (int i = 0; i < 20; i++)
         ASSERT_EQ(write("record"), 6);
@@ -189,7 +189,7 @@ TEST_F(SocketTest, an_absent_peer_never_fails_a_write_and_failures_are_counted_w
     EXPECT_TRUE(lines.empty());
 }
 
-TEST_F(SocketTest, a_closed_socket_answers_quietly_and_can_be_created_again) {
+TEST_F(SocketTest, AClosedSocketAnswersQuietlyAndCanBeCreatedAgain) {
     write("one");
     read();
     EXPECT_EQ(SocketUDP::getOpenSockets().size(), 2);
@@ -205,7 +205,7 @@ TEST_F(SocketTest, a_closed_socket_answers_quietly_and_can_be_created_again) {
 }
 
 // Programs that the process starts must not inherit the port.
-TEST_F(SocketTest, sockets_close_on_exec) {
+TEST_F(SocketTest, SocketsCloseOnExec) {
     const int next = dup(raw); // the descriptor that comes next
     ::close(next);
     SocketUDP socket;

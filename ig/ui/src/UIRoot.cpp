@@ -45,13 +45,6 @@ void UIRoot::addChild(UIElement* element, UI_EXPAND_TYPE, int index) {
         std::rotate(m_children.begin() + index, m_children.end() - 1, m_children.end());
 }
 
-void UIRoot::removeChild(UIElement* element) {
-    const int i = m_children.find(element);
-    if (i < 0) return;
-    m_children.remove(i);
-    release(element);
-}
-
 void UIRoot::resize(int width, int height, float scale) {
     m_width = width;
     m_height = height;

@@ -115,7 +115,7 @@ TEST_F(UITest, DrawsWhatIsShownFromBottomToTopAndKeepsItsMemory) {
     root.draw(list);
     std::vector<std::string> texts;
     std::string kinds;
-    for (const UiDrawList::Command& command : list.commands()) {
+    for (const UiDrawList::Command& command : list.getCommands()) {
         kinds += "rtiv"[static_cast<int>(command.kind)];
         if (command.length) texts.emplace_back(list.text(command));
         if (command.kind == UiDrawList::Kind::viewport) {
@@ -125,11 +125,11 @@ TEST_F(UITest, DrawsWhatIsShownFromBottomToTopAndKeepsItsMemory) {
     }
     EXPECT_EQ(kinds, "rrtrrtrrtrttvi");
     EXPECT_EQ(texts, (std::vector<std::string>{"按钮", "按钮", "按钮", "100", "100", "icon.png"}));
-    const void* memory = list.commands().data();
+    const void* memory = list.getCommands().data();
     viewport->setHidden(true);
     root.draw(list);
-    EXPECT_EQ(list.commands().size(), kinds.size() - 1);
-    EXPECT_EQ(list.commands().data(), memory);
+    EXPECT_EQ(list.getCommands().size(), kinds.size() - 1);
+    EXPECT_EQ(list.getCommands().data(), memory);
 }
 
 // ------------------------------------------------------------------ buttons
@@ -138,7 +138,7 @@ TEST_F(UITest, AButtonHasTheFocusWhileItIsHeldAndClicksWhenReleasedOnIt) {
     UiDrawList list;
     const auto face = [&] {
         root.draw(list);
-        return list.commands()[3].rgba;
+        return list.getCommands()[3].rgba;
     };
     const vec4 rest = face();
     EXPECT_TRUE(root.mouseDown(at(buttons[1])));
@@ -186,7 +186,6 @@ TEST_F(UITest, NothingStaysHeldWhenReleaseFocusOrElementAreLost) {
     panel->setPosition(200, 200); // away from below the mouse
     root.update(0);
     EXPECT_FALSE(buttons[1]->isFocused());
-    root.removeChild(panel);
     delete panel;
     root.mouseUp({0, 1, 1});
     EXPECT_TRUE(clicked.empty());
@@ -351,7 +350,7 @@ TEST_F(UITest, AFieldWithItsDigitsCutKeepsThemUntilAnotherNumberIsEntered) {
     const auto shown = [&] {
         root.draw(list);
         std::string texts;
-        for (const UiDrawList::Command& command : list.commands())
+        for (const UiDrawList::Command& command : list.getCommands())
             if (command.y >= static_cast<float>(field->getY()) && command.length)
                 texts += std::string(list.text(command)) + ' ';
         return texts;
@@ -377,7 +376,7 @@ TEST_F(UITest, AFieldShowsThePartOfItsTextThatFits) {
     const auto shown = [&] {
         root.update(0);
         root.draw(list);
-        for (auto i = list.commands().rbegin(); i != list.commands().rend(); ++i)
+        for (auto i = list.getCommands().rbegin(); i != list.getCommands().rend(); ++i)
             if (i->kind == UiDrawList::Kind::text) return std::string(list.text(*i));
         return std::string();
     };

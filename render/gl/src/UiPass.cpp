@@ -97,7 +97,7 @@ void UiPass::bindAtlas() {
 void UiPass::draw(const UiDrawList& list, const ViewportPass& viewports, int width, int height) {
     m_vertices.clear();
     m_runs.clear();
-    for (const UiDrawList::Command& c : list.commands()) {
+    for (const UiDrawList::Command& c : list.getCommands()) {
         const vec2 low{c.x, c.y}, high{c.x + c.w, c.y + c.h}, solid = m_atlas.getSolid();
         switch (c.kind) {
         case UiDrawList::Kind::rect:

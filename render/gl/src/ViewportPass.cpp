@@ -71,7 +71,7 @@ ViewportPass::Wanted ViewportPass::findMostOverdue(const FrameInfo& frame) {
     Wanted found;
     if (!frame.ui || !frame.ui_root) return found;
     double longest = -TOLERANCE;
-    for (const UiDrawList::Command& c : frame.ui->commands()) {
+    for (const UiDrawList::Command& c : frame.ui->getCommands()) {
         if (c.kind != UiDrawList::Kind::viewport) continue;
         UISpriteViewport* viewport = findViewport(*frame.ui_root, c.viewport);
         if (!viewport || !viewport->getWorld() || !viewport->getCamera()) continue;

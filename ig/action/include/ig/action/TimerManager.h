@@ -23,16 +23,8 @@ class TimerManager {
 public:
     class Timer {
     public:
-        explicit Timer(float period) : m_period(period) {}
-
         /// Called at every expiry with this timer.
         SignalList<Timer*> m_sig_expired;
-
-    private:
-        friend class TimerManager;
-        double m_period;      ///< seconds
-        double m_elapsed = 0; ///< since the last due time, in [-dt/2, period)
-        bool m_removed = false;
     };
 
     TimerManager() = default;
@@ -45,17 +37,19 @@ public:
     /// message, unless `period` is finite and above 0. Added from a handler, it runs from the next
     /// advance on.
     Timer* addTimer(float period);
-    /// Allowed from handlers, also the timer's own: its further handlers are then not called. A
-    /// pointer that is not held is ignored.
-    void removeTimer(Timer* timer);
     /// Advances all timers, in the order in which they were added. A `dt` that is negative or no
     /// finite number is ignored. Not from a handler.
     void update(float dt);
 
 private:
-    static void advance(Timer& timer, double dt);
+    struct Running {
+        double period;      ///< seconds
+        double elapsed = 0; ///< since the last due time, in [-dt/2, period)
+        Timer timer = {};
+    };
+    static void advance(Running& running, double dt);
 
-    std::vector<std::unique_ptr<Timer>> m_timers;
+    std::vector<std::unique_ptr<Running>> m_timers;
     bool m_updating = false;
 };
 

@@ -23,7 +23,6 @@ public:
 
     void attach();
     void detach();
-    bool isAttached() const { return m_attached; }
 
 protected:
     ~MsgNode() { detach(); }

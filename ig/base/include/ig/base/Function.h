@@ -46,9 +46,7 @@ public:
         : m_key{key, {}}, m_handler(std::make_shared<const Handler>(std::move(callable))) {}
 
     explicit operator bool() const { return m_handler != nullptr; }
-    const FunctionKey& key() const { return m_key; }
-    /// Number of functions that share this handler.
-    long useCount() const { return m_handler.use_count(); }
+    const FunctionKey& getKey() const { return m_key; }
 
     R operator()(Args... args) const { return (*m_handler)(std::forward<Args>(args)...); }
 
@@ -85,7 +83,7 @@ void emit(const jVector<Function<void(Args...)>>& list, Values&&... values) {
 template <class Signature>
 bool addUnique(jVector<Function<Signature>>& list, Function<Signature> function) {
     for (const auto& element : list)
-        if (element.key() == function.key()) return false;
+        if (element.getKey() == function.getKey()) return false;
     list.append(std::move(function));
     return true;
 }
@@ -94,7 +92,7 @@ bool addUnique(jVector<Function<Signature>>& list, Function<Signature> function)
 template <class Signature>
 void disconnect(jVector<Function<Signature>>& list, const void* object) {
     for (int i = list.size() - 1; i >= 0; i--)
-        if (list[i].key().object == object) list.remove(i);
+        if (list[i].getKey().object == object) list.remove(i);
 }
 
 } // namespace ig

@@ -19,7 +19,6 @@ public:
 
     int size() const { return static_cast<int>(m_data.size()); }
     bool empty() const { return m_data.empty(); }
-    int capacity() const { return static_cast<int>(m_data.capacity()); }
 
     T& operator[](int i) {
         assert(i >= 0 && i < size());

@@ -34,7 +34,6 @@ public:
     void setListTaker(std::function<bool(std::string_view)> take) { m_take_list = std::move(take); }
     /// A field that is not editable only shows its text.
     void setEditable(bool editable) { m_editable = editable; }
-    bool isEditable() const { return m_editable; }
 
     /// The focus was gained; or it was lost and the text is another than before. A field that is
     /// left as it was found says nothing, so that a live value which moved on meanwhile is not set

@@ -30,8 +30,6 @@ public:
 
     /// Takes the element over; `index` −1 puts it on top.
     void addChild(UIElement* element, UI_EXPAND_TYPE expand = UI_EXPAND_NONE, int index = -1);
-    /// Gives the element back to the caller.
-    void removeChild(UIElement* element);
     /// The picture's size, and the pixels per unit of what elements set.
     void resize(int width, int height, float scale = 1);
     int getWidth() const { return m_width; }

@@ -10,12 +10,8 @@ namespace ig {
 /// reads the file; one that can't be read is not drawn.
 class UISprite : public UIElement {
 public:
-    /// `flags` is kept for the caller.
-    UISprite(UIRoot* root, const jString& path, int flags)
-        : UIElement(root), m_path(path), m_flags(flags) {}
-
-    const jString& getPath() const { return m_path; }
-    int getFlags() const { return m_flags; }
+    /// There are no flags so far: 0.
+    UISprite(UIRoot* root, const jString& path, int) : UIElement(root), m_path(path) {}
 
     void draw(UiDrawList& list) const override;
 
@@ -24,7 +20,6 @@ protected:
 
 private:
     jString m_path;
-    int m_flags;
 };
 
 } // namespace ig

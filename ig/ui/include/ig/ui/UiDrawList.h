@@ -40,7 +40,7 @@ public:
     void addImage(float x, float y, float w, float h, std::string_view path);
     void addImage(float x, float y, float w, float h, int viewport);
 
-    const std::vector<Command>& commands() const { return m_commands; }
+    const std::vector<Command>& getCommands() const { return m_commands; }
     /// The text of a text command, the path of an image command.
     std::string_view text(const Command& command) const {
         return std::string_view(m_text).substr(command.begin, command.length);
