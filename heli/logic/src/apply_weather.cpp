@@ -87,9 +87,8 @@ void Logic_Nerith_Heli_Final::setRain(float value) {
         for (const char* name : {"glass_top_left", "windows"}) {
             Node* node = m_heli->m_prefab->getNodeByName(name);
             if (!node || !node->isObject()) continue;
-            Material* glass = static_cast<Object*>(node)->getSurfaceMaterial(0);
-            const int id = glass ? glass->findParameterIDByTag("rain_power") : -1;
-            if (id >= 0) glass->setParameterSlider(id, value);
+            if (Material* glass = static_cast<Object*>(node)->getSurfaceMaterial(0))
+                glass->setParameterSliderByName("rain_power", value);
         }
     }
     if (Track* wet = get_track(WET_RUNWAY)) wet->set(value);

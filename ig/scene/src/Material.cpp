@@ -41,10 +41,9 @@ bool Material::load(const jString& path) {
         jLog::error("Material::load: %s:1: there is no map \"parameters\"", path.c_str());
         return false;
     }
-    if (const Item* ground = file->getItem("ground")) {
-        m_ground = Ground::find(ground->getString().view());
-        if (m_ground == Ground::Kind::any) refuse(*ground, "unknown ground ", ground->getString());
-    }
+    m_ground = Ground::find(file->getString("ground").view());
+    if (const Item* ground = file->getItem("ground"); ground && m_ground == Ground::Kind::any)
+        refuse(*ground, "unknown ground ", ground->getString());
     const Package* states = file->getPackage("states");
     const Package* textures = file->getPackage("textures");
     return loadParameters(*parameters) && (!states || loadStates(*states)) &&

@@ -12,7 +12,7 @@ uniform vec4 uSlopeVariance; // of each tile, each axis
 uniform vec4 uFoam;          // threshold, width and spread of the breaking measure; mean of tile 2
 uniform vec4 uWind;          // where it blows (unit), slope variance of the ripples, streaks 0 to 1
 uniform vec4 uFoamOrigin;    // nadir along and across the wind in the noise's period; crest height;
-uniform vec4 uDowndraughts[4]; // place in the plane from the nadir, radius, strength
+uniform vec4 uDowndraughts[MOST_DOWNDRAUGHTS]; // place in the plane from the nadir, radius, strength
 uniform int uNumDowndraughts;
 uniform sampler2D uSlope0, uSlope1, uSlope2, uSlope3;
 uniform sampler2D uNoise;

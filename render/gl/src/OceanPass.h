@@ -20,13 +20,12 @@ public:
 
     /// Brings the waves to the device when they have changed.
     void upload(const OceanFrame& frame);
-    /// `downdraughts` as the `SceneList` has them; the first four show.
+    /// `downdraughts` as the `SceneList` has them; the nearest show.
     void draw(const FrameView& view, const OceanFrame& frame, const std::vector<vec4>& downdraughts,
               const WakePass& wakes);
 
 private:
     static constexpr int TILES = 4, DISPLACED = 3;
-    static constexpr int MOST_DOWNDRAUGHTS = 4; ///< as in ocean.frag
     struct Fan { ///< part of the sea around the eye that the view can see
         float azimuth, azimuth_range, steepest, flattest, row_height;
     };

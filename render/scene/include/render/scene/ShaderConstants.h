@@ -16,6 +16,7 @@ constexpr float BREAKING_WEIGHTS[] = {1.6f, 1.1f, 0.45f};
 /// Whitecaps: the logistic of that measure, stretched and cut, goes all the way from 0 to 1.
 constexpr float WHITECAP_GAIN = 1.08f, WHITECAP_LOSS = 0.04f;
 constexpr int MOST_WAKES = 4;        ///< drawn at once, the nearest
+constexpr int MOST_DOWNDRAUGHTS = 4; ///< likewise
 constexpr float SUN_IRRADIANCE = 20; ///< above the air
 constexpr vec3 SUN_COLOR{1, 0.97f, 0.92f};
 
