@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "PictureScene.h"
+#include "ig/scene/SceneObjects.h"
 #include "ig/ui/UiDrawList.h"
 #include "plugins/ocean/ObjectOcean.h"
 #include "testkit/LogCapture.h"
@@ -185,4 +186,25 @@ TEST(RendererLife, EverythingIsFreedAtTheEnd) {
         EXPECT_TRUE(renderer.init(64, 36)); // and it may begin again
     }
     EXPECT_EQ(RendererGL(RendererGL::Surface::none).getResources().getTotal(), 0);
+}
+
+TEST_F(PictureOf, TheSeaFeelsAllTheWindsThatBlowDownOnIt) {
+    m_world.addNode(new ObjectOcean());
+    look(60, 0, 90);
+    draw();
+    s_renderer->readPicture(m_picture);
+    const Picture calm = m_picture;
+    for (const double east : {-30, 30}) {
+        auto* wind = new NodeDowndraught(8, {8, 30});
+        wind->setTransform(m_camera.getWorldTransform() * translate(dvec3(east, 0, -55)));
+        m_world.addNode(wind);
+    }
+    draw();
+    s_renderer->readPicture(m_picture);
+    int changed[2] = {};
+    for (int y = 0; y < HEIGHT; y++)
+        for (int x = 0; x < WIDTH; x++)
+            changed[x >= WIDTH / 2] += std::abs(m_picture.at(x, y)[1] - calm.at(x, y)[1]) > 8;
+    EXPECT_GT(changed[0], 300);
+    EXPECT_GT(changed[1], 300);
 }
