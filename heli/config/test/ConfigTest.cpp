@@ -84,7 +84,7 @@ TEST(StringTable, MissesAreLoggedAndAnsweredWithTheKey) {
     EXPECT_TRUE(log.lines.empty());
     EXPECT_EQ(tr("Cancel"), "Cancel");
     EXPECT_EQ(log.lines, (std::vector<std::string>{"tr:key[Cancel] not found in string file"}));
-    EXPECT_EQ(tr("Empty"), ""); // who leaves a label empty wants it so
+    EXPECT_EQ(tr("Empty"), ""); // whoever leaves a label empty wants it so
 }
 
 } // namespace

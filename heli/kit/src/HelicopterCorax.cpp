@@ -161,7 +161,6 @@ void HelicopterCorax::update_tail_light(float dt) {
 }
 
 void HelicopterCorax::update_flight_model() {
-    using namespace flight_model;
     // What is no number, as a host may send it, counts as neutral: clamping would let it through.
     const auto limit = [](float& input, float min, float max) {
         input = std::isnan(input) ? 0 : std::clamp(input, min, max);

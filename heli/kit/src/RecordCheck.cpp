@@ -13,7 +13,7 @@ constexpr const char* SWAPPED = "plausible with its bytes swapped: does the host
 constexpr const char* EXCHANGED = "exchanged with the longitude?";
 constexpr const char* ZEROS = "latitude, longitude and altitude are 0: does the host fill them?";
 
-/// Values that a field can have, generously: who flies at the edge of one is not told off.
+/// Values that a field can have, generously: a flight at the edge of one is not told off.
 struct Range {
     const char* field;
     std::size_t offset;

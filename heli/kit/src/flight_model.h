@@ -7,8 +7,6 @@
 
 #include <algorithm>
 
-namespace flight_model {
-
 inline constexpr float PITCH_FORCE = 1500; ///< N per unit of longitudinal input
 inline constexpr float ROLL_FORCE = 500;   ///< N per unit of lateral input
 inline constexpr float YAW_TORQUE = 3800;  ///< N·m per unit of yaw input
@@ -39,5 +37,3 @@ inline float limitRate(float rate, double angle, double slow, double max) {
         t = (-slow - angle) / (max - slow);
     return static_cast<float>(static_cast<double>(rate) * (1 - t * t * t));
 }
-
-} // namespace flight_model

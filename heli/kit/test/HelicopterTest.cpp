@@ -155,7 +155,6 @@ TEST_F(HelicopterTest, ControllableModelLevelsItselfAndFliesWhereItIsSteered) {
 }
 
 TEST(FlightModel, AttitudeIsLimitedAndRotationTowardsTheLimitSlowsDown) {
-    using namespace flight_model;
     EXPECT_EQ(limitAttitude({30, -30, 400}, 1, 1), dvec3(25, -17, 400));
     EXPECT_EQ(limitAttitude({10, 10, 0}, 0, 1), dvec3(9.8, 10, 0));         // roll is neutral
     EXPECT_EQ(limitRate(-1, 25, SLOW_ANGLE_X, MAX_ANGLE_X), 0);             // at the limit: stopped

@@ -32,14 +32,14 @@ struct LogicTest : testing::Test {
 /// What the logic tells the application about its weapons, in order.
 struct SignalRecorder {
     struct Effect {
-        std::string path;
-        float duration;
+        std::string what; ///< its file, and for how many seconds
         ig::dvec3 place;
     };
     explicit SignalRecorder(Logic_Nerith_Heli_Final& logic) {
         logic.m_sig_play_spe_once.append(
             {this, [this](SynCoder::CMDPlaySpeOnceInfo* e) {
-                 effects.push_back({e->path.c_str(), e->duration, e->transform.getTranslate()});
+                 const ig::jString what = e->path + " " + ig::ToString(e->duration);
+                 effects.push_back({what.c_str(), e->transform.getTranslate()});
              }});
         logic.m_sig_node_removed.append({this, [this](auto node) { removed.push_back(node); }});
         logic.m_sig_prefab_added.append({this, [this](auto prefab, bool flag) {

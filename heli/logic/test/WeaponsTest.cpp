@@ -37,12 +37,13 @@ TEST(Torpedo, EntersTheWaterWhenBallisticsTellsWithExactlyItsTwoEffects) {
         }
         EXPECT_NEAR(time, fall, 0.05 * fall);
         ASSERT_EQ(signals.effects.size(), 2u);
-        EXPECT_EQ(signals.effects[0].path, "data/art/prefab/vfx/explosion_1/explosion_1.prefab");
-        EXPECT_EQ(signals.effects[1].path,
-                  "data/PELMAR_PROJECT/prefabs/vfx/water_explosion/water_explosion.prefab");
+        EXPECT_EQ(signals.effects[0].what, "data/art/prefab/vfx/explosion_1/explosion_1.prefab 20");
+        EXPECT_EQ(signals.effects[1].what,
+                  "data/PELMAR_PROJECT/prefabs/vfx/water_explosion/water_explosion.prefab 3");
         const dvec3 splash = signals.effects[1].place;
         EXPECT_NEAR(SeaScene::altitude(splash), scene.sea(last) + 1, 0.05);
         EXPECT_LT(length(splash - last), 6); // above it
+        EXPECT_LT(SeaScene::altitude(last), scene.sea(last) + 0.01);
         EXPECT_EQ(signals.removed, signals.added);
         // What is announced is shown, and the parachute's action is gone.
         EXPECT_EQ(scene.logic->m_action_manager.size(), 2);
@@ -87,7 +88,7 @@ TEST(Missile, NeverFliesThroughAShipAndExplodesOnce) {
             scene.frame(dt);
         ASSERT_EQ(scene.signals->effects.size(), 12u);
         for (const auto& effect : scene.signals->effects) {
-            EXPECT_EQ(effect.path, "data/art/prefab/vfx/explosion/explosion.prefab");
+            EXPECT_EQ(effect.what, "data/art/prefab/vfx/explosion/explosion.prefab 20");
             const dvec3 place = ship->toLocal(effect.place); // in the ship, or a step past it
             EXPECT_TRUE(place.x > -14 && place.x < 14 + 300 * dt) << place.x;
             EXPECT_TRUE(place.y > -84 && place.y < 80 + 300 * dt) << place.y;
@@ -204,7 +205,7 @@ TEST(Destruction, BurnsTurnsIntoTheWreckAndIsRepairedByReset) {
     flames->stop();
     scene.logic->heli_explosion();
     ASSERT_EQ(signals.effects.size(), 1u);
-    EXPECT_EQ(signals.effects[0].path, "data/art/prefab/vfx/explosion_1/explosion_1.prefab");
+    EXPECT_EQ(signals.effects[0].what, "data/art/prefab/vfx/explosion_1/explosion_1.prefab 6");
     EXPECT_LT(length(signals.effects[0].place - heli.get_world_position()), 1e-6);
     EXPECT_EQ(signals.removed.size(), 1u); // the sonar
     EXPECT_TRUE(flames->isEmitterEnabled());

@@ -27,11 +27,15 @@ public:
     bool save();
     void clear();
 
-    const ig::jString& flightSimulation_ip();   ///< default "127.0.0.1"
-    int recv_from_flightSimulation_port();      ///< default 10004
-    int send_to_flightSimulation_port();        ///< default 10005
-    int recv_from_console_port();               ///< default 10222; nothing consults it yet
-    float send_to_flightsimulation_frequency(); ///< default 0.01; feedback goes once per frame
+    // What the link goes by.
+    const ig::jString& flightSimulation_ip(); ///< default "127.0.0.1"
+    int recv_from_flightSimulation_port();    ///< default 10004
+    int send_to_flightSimulation_port();      ///< default 10005
+
+    // What the file may hold and this plug-in does not go by: feedback is sent once per frame,
+    // records are taken every 0.01 s, and frame rate and picture are the application's.
+    int recv_from_console_port();               ///< default 10222
+    float send_to_flightsimulation_frequency(); ///< default 0.01
     int data_port();                            ///< default 6000
     double fps_limit();                         ///< default 6000
     bool show_fps();
