@@ -186,6 +186,18 @@ TEST_F(Ocean, PlacesThatAreNoneAnswerWithoutHarm) {
     EXPECT_FALSE(m_ocean.getIntersection(0, {1, 2, 3}, {1, 2, 3}, &hit));
 }
 
+TEST_F(Ocean, WhatIsSetBeforeAFramesFirstQueryHoldsInThatFrame) {
+    m_ocean.setBeaufort(2);
+    EXPECT_EQ(m_ocean.getFrame().wave_direction, 0);
+    Engine::get()->beginFrame(1, false);
+    m_ocean.setAngle(90);
+    EXPECT_EQ(m_ocean.getFrame().wave_direction, 90);
+    m_ocean.setAngle(180); // after it: from the next frame on
+    EXPECT_EQ(m_ocean.getFrame().wave_direction, 90);
+    Engine::get()->beginFrame(1, false);
+    EXPECT_EQ(m_ocean.getFrame().wave_direction, 180);
+}
+
 TEST_F(Ocean, TakesItsSettingsFromTheWorldFile) {
     Package p;
     p.setString("type", "ocean");
