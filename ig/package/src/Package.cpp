@@ -13,8 +13,15 @@ namespace ig {
 namespace {
 
 const jString& emptyText() {
-    static const jString text;
-    return text;
+    static const jString NONE;
+    return NONE;
+}
+
+/// What an item of that key answers; nothing without one.
+template <class T>
+T read(const Package& package, const jString& key, T (Item::*get)() const) {
+    const Item* item = package.getItem(key);
+    return item ? (item->*get)() : T();
 }
 
 template <class T>
@@ -63,41 +70,15 @@ const jString& Package::getString(const jString& key) const {
     return item ? item->getString() : emptyText();
 }
 
-int Package::getInt(const jString& key) const {
-    const Item* item = getItem(key);
-    return item ? item->getInt() : 0;
-}
-
-float Package::getFloat(const jString& key) const {
-    const Item* item = getItem(key);
-    return item ? item->getFloat() : 0;
-}
-
-double Package::getDouble(const jString& key) const {
-    const Item* item = getItem(key);
-    return item ? item->getDouble() : 0;
-}
-
-bool Package::getBool(const jString& key) const {
-    const Item* item = getItem(key);
-    return item && item->getBool();
-}
+int Package::getInt(const jString& key) const { return read(*this, key, &Item::getInt); }
+float Package::getFloat(const jString& key) const { return read(*this, key, &Item::getFloat); }
+double Package::getDouble(const jString& key) const { return read(*this, key, &Item::getDouble); }
+bool Package::getBool(const jString& key) const { return read(*this, key, &Item::getBool); }
 
 int Package::getFloats(const jString& key, float* values, int n) const {
     if (const Item* item = getItem(key)) return item->getFloats(values, n);
     std::fill_n(values, n, 0.0f);
     return 0;
-}
-
-int Package::getDoubles(const jString& key, double* values, int n) const {
-    if (const Item* item = getItem(key)) return item->getDoubles(values, n);
-    std::fill_n(values, n, 0.0);
-    return 0;
-}
-
-jVector<jString> Package::getStrings(const jString& key) const {
-    const Item* item = getItem(key);
-    return item ? item->getStrings() : jVector<jString>();
 }
 
 const Package* Package::getPackage(const jString& key) const {
@@ -111,8 +92,22 @@ Package* Package::getPackage(const jString& key) {
 }
 
 jVector<const Package*> Package::getPackages(const jString& key) const {
-    const Item* item = getItem(key);
-    return item ? item->getPackages() : jVector<const Package*>();
+    return read(*this, key, &Item::getPackages);
+}
+
+jVector<const Package*> Package::getPackages(const jString& key, const char* user) const {
+    const Item* list = getItem(key);
+    const auto report = [&](const Item& item) {
+        jLog::error("%s: %s:%d: a map is needed in the list \"%s\"", user, getPath().c_str(),
+                    item.m_line, key.c_str());
+    };
+    if (list && list->m_kind == Item::Kind::list) {
+        for (const Item& element : list->m_elements)
+            if (!element.m_package) report(element);
+        return list->getPackages();
+    }
+    if (list && (list->m_package || !list->m_text.empty())) report(*list);
+    return {};
 }
 
 void Package::setString(const jString& key, const jString& value) {

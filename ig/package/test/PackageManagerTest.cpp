@@ -9,7 +9,7 @@
 
 using namespace ig;
 
-TEST(PackageManager, reads_each_file_once_and_reports_each_failure_once) {
+TEST(PackageManager, ReadsEachFileOnceAndReportsEachFailureOnce) {
     TempFolder folder;
     LogCapture log;
     const jString good = folder.write("good.yaml", "a: 1\n");

@@ -61,7 +61,7 @@ std::string repeat(const std::string& text, int n) {
 
 } // namespace
 
-TEST_F(MjlTest, missing_files_are_false_and_silent_and_files_without_content_are_empty) {
+TEST_F(MjlTest, MissingFilesAreFalseAndSilentAndFilesWithoutContentAreEmpty) {
     package.setInt("left over", 1);
     EXPECT_FALSE(mjl::open(folder.file("absent.yaml"), &package));
     EXPECT_TRUE(package.empty());
@@ -76,7 +76,7 @@ TEST_F(MjlTest, missing_files_are_false_and_silent_and_files_without_content_are
     EXPECT_EQ(package.getString("ip"), "a");
 }
 
-TEST_F(MjlTest, malformed_files_name_line_and_column) {
+TEST_F(MjlTest, MalformedFilesNameLineAndColumn) {
     const std::tuple<std::string, const char*, const char*> cases[] = {
         {"a: 1\nb: [1, 2\nc: 3\n", "3:", "closed with ]"},
         {"a: 1\n  b: 2\n", "2:", "line above"},
@@ -100,7 +100,7 @@ TEST_F(MjlTest, malformed_files_name_line_and_column) {
         expectMalformed(bytes, where, what);
 }
 
-TEST_F(MjlTest, what_is_no_readable_file_is_refused_with_one_message) {
+TEST_F(MjlTest, WhatIsNoReadableFileIsRefusedWithOneMessage) {
     const jString pipe = folder.file("pipe");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     EXPECT_FALSE(mjl::open(folder.file("."), &package));
@@ -109,7 +109,7 @@ TEST_F(MjlTest, what_is_no_readable_file_is_refused_with_one_message) {
     EXPECT_EQ(log.lines.size(), 3u);
 }
 
-TEST_F(MjlTest, size_and_depth_are_bounded) {
+TEST_F(MjlTest, SizeAndDepthAreBounded) {
     EXPECT_TRUE(open("a: " + repeat("[", 99) + repeat("]", 99)));
     expectMalformed("a: " + repeat("[", 100) + repeat("]", 100), "1:103: ", "deeper");
     expectMalformed("a: " + repeat("{a: ", 100'000), "1:");
@@ -127,7 +127,7 @@ TEST_F(MjlTest, size_and_depth_are_bounded) {
     expectMalformed(tower, "100:", "deeper");
 }
 
-TEST_F(MjlTest, aliases_are_copies) {
+TEST_F(MjlTest, AliasesAreCopies) {
     ASSERT_TRUE(open("base: &b {x: 1}\nother: *b\n"));
     package.getPackage("base")->setInt("x", 2);
     const Package* other = package.getPackage("other");
@@ -137,7 +137,7 @@ TEST_F(MjlTest, aliases_are_copies) {
 }
 
 // Any cut and any changed byte of a valid file either reads or is refused with one message.
-TEST_F(MjlTest, damaged_files_never_throw) {
+TEST_F(MjlTest, DamagedFilesNeverThrow) {
     const std::string valid = "a: &x [1, \"t\\u00e9\", {b: 'c'}]\n? long key\n: |\n  text\n  more\n"
                               "d:\n  - *x\n  - e: >-\n      folded\n# end\n%k: !!int 5\n";
     std::mt19937 random(7);
@@ -152,7 +152,7 @@ TEST_F(MjlTest, damaged_files_never_throw) {
     }
 }
 
-TEST_F(MjlTest, saved_packages_read_back_equal) {
+TEST_F(MjlTest, SavedPackagesReadBackEqual) {
     ASSERT_TRUE(open("keys: [[0, [1]], [], [{a: 1}, [2, {b: [3]}]]]\nempty: {}\n"));
     package.setFloat("f", 0.1f);
     package.setDouble("d", 0.1 + 0.2);
@@ -166,7 +166,7 @@ TEST_F(MjlTest, saved_packages_read_back_equal) {
     expectRoundTrip(Package());
 }
 
-TEST_F(MjlTest, any_text_survives_as_key_and_value) {
+TEST_F(MjlTest, AnyTextSurvivesAsKeyAndValue) {
     std::vector<std::string> texts = {std::string(3000, 'k'), std::string("a\0b", 3), "\xc2\x85"};
     std::istringstream words("~ null true 1 : a: - ? !tag &a *a %d @ ` | > ' \" \\ {} [] , --- ... "
                              "<< = \x01 \x7f \xef\xbb\xbf \xc2\xa0 \xe2\x80\xa8 \xf0\x9f\x9a\x81 "
@@ -189,7 +189,7 @@ TEST_F(MjlTest, any_text_survives_as_key_and_value) {
     expectRoundTrip(p);
 }
 
-TEST_F(MjlTest, failed_save_logs_once_and_leaves_the_former_file) {
+TEST_F(MjlTest, FailedSaveLogsOnceAndLeavesTheFormerFile) {
     const jString target = folder.write("former.yaml", "a: 1\n");
     Package p;
     p.setString("a", "\xff");

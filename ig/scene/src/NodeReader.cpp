@@ -4,7 +4,6 @@
 #include "ig/base/jLog.h"
 #include "ig/package/Package.h"
 #include "ig/scene/Material.h"
-#include "readList.h"
 
 #include <algorithm>
 #include <cassert>
@@ -143,7 +142,7 @@ std::optional<NodeReader> NodeReader::getMap(const char* key) const {
 std::vector<NodeReader> NodeReader::getMaps(const char* key) const {
     std::vector<NodeReader> maps;
     if (const auto [item, keys] = find(key, list); item)
-        for (const Package* each : readList(m_map, key, READER))
+        for (const Package* each : m_map.getPackages(key, READER))
             maps.emplace_back(*each, *keys->maps);
     return maps;
 }

@@ -7,8 +7,6 @@
 #include "ig/scene/Material.h"
 #include "ig/scene/World.h"
 
-#include "readList.h"
-
 #include <cmath>
 
 namespace ig {
@@ -18,7 +16,7 @@ bool Track::load(const jString& path, World* world) {
     m_path = path;
     const Package* file = PackageManager::get(path, nullptr);
     if (!file) return false;
-    const jVector<const Package*> channels = readList(*file, "channels", "Track::load");
+    const jVector<const Package*> channels = file->getPackages("channels", "Track::load");
     if (channels.empty()) {
         const Item* item = file->getItem("channels");
         jLog::error("Track::load: %s:%d: a track needs a list of \"channels\"", path.c_str(),

@@ -9,7 +9,6 @@
 #include "ig/physics/Body.h"
 #include "ig/scene/ObjectPrefab.h"
 #include "ig/scene/SceneObjects.h"
-#include "readList.h"
 
 namespace ig {
 
@@ -25,7 +24,7 @@ bool World::load(const jString& path) {
         return false;
     }
     const NodeBudget budget; // for all of them together
-    for (const Package* description : readList(*file, "nodes", "World::load"))
+    for (const Package* description : file->getPackages("nodes", "World::load"))
         if (Node* node = LoadNode(description)) addNode(node);
     return true;
 }

@@ -92,8 +92,8 @@ Ground ObjectTerrain::getGroundAt(int surface, const dvec3& place) const {
 }
 
 const TerrainGrid& ObjectTerrain::getGrid() const {
-    static const TerrainGrid none;
-    return m_field ? m_field->getGrid() : none;
+    static const TerrainGrid NONE;
+    return m_field ? m_field->getGrid() : NONE;
 }
 
 BoundSphere ObjectTerrain::getOwnBounds() const {

@@ -41,7 +41,6 @@ struct tquat {
                 {2 * (x * y - z * w), 1 - 2 * (x * x + z * z), 2 * (y * z + x * w)},
                 {2 * (x * z + y * w), 2 * (y * z - x * w), 1 - 2 * (x * x + y * y)}};
     }
-    constexpr tmat3<T> toMat3() const { return getMat3(); }
 
     /// Angles by axis (x, y, z) with R = Rz · Rx · Ry; x lies in [−90, 90].
     static tquat fromEulerZXY(const tvec3<T>& angles) {

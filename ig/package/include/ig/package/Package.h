@@ -51,13 +51,14 @@ public:
     bool getBool(const jString& key) const;
     /// See `Item::getFloats`; a missing key reads nothing and sets all `n` to 0.
     int getFloats(const jString& key, float* values, int n) const;
-    int getDoubles(const jString& key, double* values, int n) const;
-    jVector<jString> getStrings(const jString& key) const;
     /// The nested package of that key; null when missing or of another kind.
     const Package* getPackage(const jString& key) const;
     Package* getPackage(const jString& key);
     /// The packages in the list of that key.
     jVector<const Package*> getPackages(const jString& key) const;
+    /// The same for a list of nothing else: whatever else stands there, or in its place, is
+    /// reported with its line, on behalf of `user`, and left out.
+    jVector<const Package*> getPackages(const jString& key, const char* user) const;
 
     /// The setters replace what the key held, in its place, or add the key at the end.
     void setString(const jString& key, const jString& value);

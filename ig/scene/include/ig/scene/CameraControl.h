@@ -54,7 +54,6 @@ public:
     float getFar() const { return static_cast<float>(m_far); }
     /// Added to the picture's offset, see `frustum`.
     void setShear(float x, float y);
-    const float* getShear() const { return m_shear; }
 
     /// The rotation that `updateView` pushes: `m_rotation` turned by the extra angles.
     dquat getFinalRotation() const;

@@ -19,17 +19,9 @@ struct NodeSchema;
 
 /// Keys of a map in a scene file under which the same kind of value stands.
 struct NodeKeys {
-    enum class Kind {
-        text,
-        material, ///< path of a material file
-        flag,     ///< true or false
-        number,
-        whole,  ///< number
-        pair,   ///< list of two numbers
-        triple, ///< list of three numbers
-        map,
-        list, ///< of maps
-    };
+    /// A material is the path of one, a flag true or false; pair and triple are lists of two and
+    /// three numbers; the last is a list of maps.
+    enum class Kind { text, material, flag, number, whole, pair, triple, map, list };
     Kind kind;
     std::vector<std::string> names;
     const NodeSchema* maps = nullptr; ///< what a map, or each of a list, may say

@@ -28,7 +28,6 @@ public:
     void set(float value);
     /// Forgets all channels.
     void release();
-    int getNumChannels() const { return m_channels.size(); }
 
 private:
     struct Key {
