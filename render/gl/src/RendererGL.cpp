@@ -100,6 +100,7 @@ struct RendererGL::Impl {
     gl::Texture noise;
     SceneList list;
     SpriteList sprite_list;
+    WakeList wake_list;
     FrameView view;
     FrameBlock block;
     PassClock clock;
@@ -212,7 +213,7 @@ void RendererGL::Impl::drawPicture(const World& world, const Camera& camera, con
     clock.mark("prepare");
     drawShadows();
     clock.mark("shadows");
-    if (list.ocean) wakes.draw(view, list.ocean->getFrame());
+    if (list.ocean) wakes.draw(view, wake_list, list.ocean->getFrame());
     clock.mark("wakes");
     drawScene(world);
     finishPicture();
@@ -234,14 +235,14 @@ void RendererGL::Impl::prepare(const World& world, const Camera& camera, const F
     block.time = {static_cast<float>(std::fmod(frame.time, 4096)), pixel_angle, 0, 0};
     sky.update(view, frame, block);
     const vec3 center = frame.focus ? vec3(view.toFrame(frame.focus->getWorldPosition())) : vec3();
-    shadow.place(center, block);
+    placeShadow(center, block);
     list.left_out = camera.getType() == NODE_CAMERA_RADAR ? frame.focus : nullptr;
-    list.gather(world, view, center, ShadowMap::RADIUS);
+    list.gather(world, view, center, SHADOW_RADIUS);
     decals.gather(world, view, list);
     list.sort();
-    shadow.fit(list.far_bounds, block);
+    fitFarShadow(list.far_bounds, block);
     sprite_list.gather(view, frame, list.lamps, list.cables);
-    wakes.gather(view, frame.particles, list.decals);
+    wake_list.gather(view, frame.particles, list.decals);
     uploadBlock();
     meshes.upload(list, sky);
     if (list.ocean) ocean.upload(list.ocean->getFrame());

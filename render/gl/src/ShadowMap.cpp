@@ -1,16 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "ShadowMap.h"
 
-#include <algorithm>
-#include <cmath>
-
 namespace ig {
 
-namespace {
-constexpr float DEPTH = 4 * ShadowMap::RADIUS; // m each way: casters up the light's path count too
-} // namespace
-
-bool ShadowMap::init() { return make(m_near, SIZE) && make(m_far, FAR_SIZE); }
+bool ShadowMap::init() { return make(m_near, SHADOW_SIZE) && make(m_far, FAR_SHADOW_SIZE); }
 
 bool ShadowMap::make(Map& map, int size) {
     gl::TextureFormat format{GL_DEPTH_COMPONENT24, GL_DEPTH_COMPONENT, GL_UNSIGNED_INT};
@@ -26,55 +19,6 @@ bool ShadowMap::make(Map& map, int size) {
     return glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
 }
 
-void ShadowMap::place(const vec3& center, FrameBlock& block) const {
-    constexpr float BIAS = 0.06f; // m; about half a texel
-    const vec3 light = block.light_direction.xyz();
-    const vec3 right =
-        normalize(cross(std::abs(light.z) < 0.99f ? vec3(0, 0, 1) : vec3(0, 1, 0), light));
-    const vec3 up = cross(light, right);
-    const vec3 axes[3] = {right / (2 * RADIUS), up / (2 * RADIUS), -light / (2 * DEPTH)};
-    const float offsets[3] = {0.5f - dot(axes[0], center), 0.5f - dot(axes[1], center),
-                              0.5f - dot(axes[2], center) - BIAS / (2 * DEPTH)};
-    block.shadow.columns[0] = {axes[0].x, axes[1].x, axes[2].x, 0};
-    block.shadow.columns[1] = {axes[0].y, axes[1].y, axes[2].y, 0};
-    block.shadow.columns[2] = {axes[0].z, axes[1].z, axes[2].z, 0};
-    block.shadow.columns[3] = {offsets[0], offsets[1], offsets[2], 1};
-    // A light that grazes the ground casts shadows without end: leave them out.
-    block.light_direction.w = light.z > 0.02f ? 1.0f : 0.0f;
-}
-
-void ShadowMap::fit(const std::vector<vec4>& casters, FrameBlock& block) const {
-    constexpr float NEIGHBOURHOOD = 40; // m: what stands farther from the main caster is left out
-    block.shadow_far = {1, 1, 0, 0};
-    block.shadow_far_depth = {1, 0, 0, 0};
-    if (casters.empty() || block.light_direction.w < 0.5f) return;
-    const auto apparent = [](const vec4& c) { return c.w / std::max(length(c.xyz()), 1.0f); };
-    const vec4 main =
-        *std::max_element(casters.begin(), casters.end(),
-                          [&](const vec4& a, const vec4& b) { return apparent(a) < apparent(b); });
-    vec3 low(1e9f, 1e9f, 1e9f), high = -low; // in the near map's unit cube
-    for (const vec4& caster : casters) {
-        if (length(caster.xyz() - main.xyz()) > main.w + NEIGHBOURHOOD) continue;
-        const vec3 q = block.shadow * caster.xyz();
-        const float across = caster.w / (2 * RADIUS), along = caster.w / (2 * DEPTH);
-        low = {std::min(low.x, q.x - across), std::min(low.y, q.y - across),
-               std::min(low.z, q.z - along)};
-        high = {std::max(high.x, q.x + across), std::max(high.y, q.y + across),
-                std::max(high.z, q.z + along)};
-    }
-    constexpr float BEHIND = 1500; // m: how far down the light's path a shadow is still looked for
-    high.z += BEHIND / (2 * DEPTH);
-    // Square, so that a texel is as wide as it is high, and in coarse steps, so that its size
-    // keeps.
-    constexpr float STEP = 0.125f;
-    const float edge = std::ceil(std::max(high.x - low.x, high.y - low.y) / STEP) * STEP;
-    const float scale = 1 / edge, depth = 1 / (high.z - low.z);
-    const float bias = edge * 2 * RADIUS / FAR_SIZE; // m: a texel
-    block.shadow_far = {scale, scale, 0.5f - scale * (low.x + high.x) / 2,
-                        0.5f - scale * (low.y + high.y) / 2};
-    block.shadow_far_depth = {depth, -depth * (low.z + bias / (2 * DEPTH)), 0, 1};
-}
-
 void ShadowMap::begin(const Map& map, int size) {
     glBindFramebuffer(GL_FRAMEBUFFER, map.target.getId());
     glViewport(0, 0, size, size);
@@ -85,8 +29,8 @@ void ShadowMap::begin(const Map& map, int size) {
     glPolygonOffset(1.5f, 2);
 }
 
-void ShadowMap::beginNear() { begin(m_near, SIZE); }
-void ShadowMap::beginFar() { begin(m_far, FAR_SIZE); }
+void ShadowMap::beginNear() { begin(m_near, SHADOW_SIZE); }
+void ShadowMap::beginFar() { begin(m_far, FAR_SHADOW_SIZE); }
 
 void ShadowMap::end() {
     glDisable(GL_POLYGON_OFFSET_FILL);

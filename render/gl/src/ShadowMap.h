@@ -2,9 +2,7 @@
 #pragma once
 
 #include "GlObjects.h"
-#include "render/scene/FrameBlock.h"
-
-#include <vector>
+#include "render/scene/ShadowPlace.h"
 
 namespace ig {
 
@@ -13,18 +11,7 @@ namespace ig {
 /// it.
 class ShadowMap {
 public:
-    static constexpr float RADIUS =
-        95;                           ///< around the focus, m: a frigate's deck and the sea beside
-    static constexpr int SIZE = 2048; ///< texels; 0.1 m each
-    static constexpr int FAR_SIZE = 1024; ///< of the far map; their size follows what is in it
-
     bool init();
-    /// Puts the near map's transform into the frame block: the light's direction must be there
-    /// already. `center` in E.
-    void place(const vec3& center, FrameBlock& block) const;
-    /// Puts the far map's into the block: around the largest to the eye of the spheres (E; w:
-    /// radius) of what may cast into it, and those beside it. After `place`.
-    void fit(const std::vector<vec4>& casters, FrameBlock& block) const;
     /// Make a map the target of the casters' draws; the caller sets the viewport back.
     void beginNear();
     void beginFar();

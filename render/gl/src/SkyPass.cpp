@@ -17,9 +17,9 @@ constexpr int SCATTER_SIZE = 128; ///< texels; scattering without its phase func
 constexpr double CLOUD_EDGE = 60; ///< m over which clouds thicken
 constexpr double CLOUD_VISIBILITY = 120; ///< m within them
 constexpr double EARTH_RADIUS = EllipsoidModel::MEAN_RADIUS;
-constexpr float FLASH_GAIN = 1.5f;       ///< of the sky's light at the height of a lightning flash
-constexpr float CLEAR_EXPOSURE = 0.24f;  ///< at noon under a clear sky
-constexpr float CLEAR_LUMINANCE = 4.0f;  ///< of a white ground then
+constexpr float FLASH_GAIN = 1.5f;      ///< of the sky's light at the height of a lightning flash
+constexpr float CLEAR_EXPOSURE = 0.24f; ///< at noon under a clear sky
+constexpr float CLEAR_LUMINANCE = 4.0f; ///< of a white ground then
 constexpr float DAY_RANGE = 8, NIGHT_RANGE = 0.08f; ///< brightest value that the sky map can hold
 const vec3 NIGHT_GLOW{0.0022f, 0.0032f, 0.0055f};
 const vec3 MOONLIGHT{0.045f, 0.052f, 0.062f};

@@ -1,12 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "WakePass.h"
 
-#include "ig/physics/Body.h"
-#include "ig/physics/Shape.h"
-#include "ig/scene/ParticleSystem.h"
-#include "ig/scene/SceneObjects.h"
 #include "plugins/ocean/OceanFrame.h"
-#include "render/scene/SurfaceLook.h"
 #include "render/scene/remainders.h"
 
 #include <algorithm>
@@ -22,8 +17,6 @@ constexpr float FAR_ALTITUDE = 1500;                   ///< m, above which the f
 constexpr int KELVIN_WIDTH = 160, KELVIN_LENGTH = 512; ///< texels
 constexpr vec2 KELVIN_EXTENT{7.5f, 20};                ///< to the side and behind, wave lengths
 constexpr float REACH = 110;                           ///< m that a wake is long per m/s
-constexpr float SLOWEST = 0.7f;                        ///< m/s that leave a wake
-constexpr float FOAM_LIFE = 30;                        ///< s, of a wake without emitters
 
 constexpr double NEAR_EVERY = 0.08, FAR_EVERY = 0.5; ///< s between paintings
 
@@ -54,67 +47,11 @@ bool WakePass::init(int map_size) {
     glBindVertexArray(m_vertex_array.getId());
     glBindBuffer(GL_ARRAY_BUFFER, m_buffer.getId());
     glEnableVertexAttribArray(0);
-    glVertexAttribPointer(0, 4, GL_FLOAT, GL_FALSE, sizeof(Patch), nullptr);
+    glVertexAttribPointer(0, 4, GL_FLOAT, GL_FALSE, sizeof(FoamPatch), nullptr);
     glVertexAttribDivisor(0, 1);
     makeMap(m_near, m_size, NEAR_EVERY);
     makeMap(m_far, m_size, FAR_EVERY);
     return true;
-}
-
-// ------------------------------------------------------------------ gathering
-
-void WakePass::gather(const FrameView& view, const ParticleSystem* particles,
-                      const std::vector<const DecalOrtho*>& decals) {
-    m_patches.clear();
-    m_wakes.clear();
-    if (particles)
-        particles->forEach([&](const ParticleCloud& cloud) {
-            if (cloud.flat) addPatches(view, cloud);
-        });
-    for (const DecalOrtho* decal : decals)
-        addWake(view, *decal);
-    const auto distance = [](const Wake& w) { return std::hypot(w.hull.x, w.hull.y); };
-    std::sort(m_wakes.begin(), m_wakes.end(),
-              [&](const Wake& a, const Wake& b) { return distance(a) < distance(b); });
-    if (m_wakes.size() > MOST_WAKES) m_wakes.resize(MOST_WAKES);
-}
-
-void WakePass::addPatches(const FrameView& view, const ParticleCloud& cloud) {
-    const Material* material = cloud.emitter->getSurfaceMaterial(0);
-    const float opacity = readValue(material, "diffuse_color", {1, 1, 1, 1}).w;
-    const float size = readSlider(material, "particle_size", 0.3f);
-    const float growth = readSlider(material, "particle_growth", 0);
-    const mat4 to_frame = view.toFrame(dmat4(dmat3(), cloud.origin));
-    for (const Particle& p : cloud.particles) {
-        const vec3 place = to_frame * p.position;
-        const float radius = size + growth * p.age, youth = p.age / p.life;
-        m_patches.push_back({{place.x, place.y},
-                             radius,
-                             opacity * std::min(youth * 8, 1.0f) * (1 - youth) * size / radius});
-    }
-}
-
-void WakePass::addWake(const FrameView& view, const DecalOrtho& decal) {
-    const BodyRigid* body = nullptr;
-    for (const Node* node = decal.getParent(); node && !body; node = node->getParent())
-        if (node->isObject()) body = static_cast<const Object*>(node)->getBodyRigid();
-    const Shape* hull = body ? body->getShape(0) : nullptr;
-    if (!hull || hull->getType() != Shape::SHAPE_BOX) return;
-    const dmat4 pose = body->getTransform();
-    const vec3 ahead(view.toFrameDirection(pose.getY()));
-    const vec3 velocity(view.toFrameDirection(dvec3(body->getLinearVelocity())));
-    const vec3 place(view.toFrame(pose.getTranslate()));
-    const float level = std::hypot(ahead.x, ahead.y);
-    if (level < 0.1f) return; // it stands on end
-    const float x = ahead.x / level, y = ahead.y / level;
-    const float speed = velocity.x * x + velocity.y * y;
-    if (!(speed > SLOWEST)) return;
-    float life = FOAM_LIFE;
-    if (decal.getNumChildren() > 0 && decal.getChild(0)->getType() == OBJECT_PARTICLES)
-        life = static_cast<const ObjectParticles*>(decal.getChild(0))->getLife();
-    if (!(life > 0)) return; // the sea is too rough for it
-    m_wakes.push_back(
-        {{place.x, place.y, x, y}, {speed, hull->getSize().y, hull->getSize().x, life}});
 }
 
 // ------------------------------------------------------------------ painting
@@ -137,26 +74,27 @@ void WakePass::bakeKelvin() {
     glGenerateMipmap(GL_TEXTURE_2D);
 }
 
-void WakePass::draw(const FrameView& view, const OceanFrame& ocean) {
+void WakePass::draw(const FrameView& view, const WakeList& list, const OceanFrame& ocean) {
+
     glDisable(GL_DEPTH_TEST);
     glDisable(GL_BLEND);
-    if (!m_wakes.empty() && !m_kelvin_map) bakeKelvin();
+    if (!list.wakes.empty() && !m_kelvin_map) bakeKelvin();
     const dvec2 nadir = ocean.toPlane(view.geodetic.x, view.geodetic.y);
-    refresh(m_near, NEAR_EDGE, nadir, ocean.time);
+    refresh(m_near, list, NEAR_EDGE, nadir, ocean.time);
     // In doublings, so that texels don't crawl while the eye climbs.
     const float high = static_cast<float>(view.geodetic.z) / FAR_ALTITUDE;
     const float doublings = std::ceil(std::log2(std::clamp(high, 1.0f, 64.0f)));
-    refresh(m_far, FAR_EDGE * std::exp2(doublings), nadir, ocean.time);
+    refresh(m_far, list, FAR_EDGE * std::exp2(doublings), nadir, ocean.time);
 }
 
 /// Paints a map anew when it has become old or the eye has left its middle.
-void WakePass::refresh(Map& map, float edge, dvec2 nadir, double time) {
+void WakePass::refresh(Map& map, const WakeList& list, float edge, dvec2 nadir, double time) {
     const auto update_corner = [&] {
         map.corner = {static_cast<float>(map.place.x - nadir.x),
                       static_cast<float>(map.place.y - nadir.y)};
     };
     update_corner();
-    const bool empty = m_wakes.empty() && m_patches.empty();
+    const bool empty = list.wakes.empty() && list.patches.empty();
     if (empty && map.empty) return;
     const float off =
         std::max(std::abs(map.corner.x + edge / 2), std::abs(map.corner.y + edge / 2));
@@ -175,19 +113,19 @@ void WakePass::refresh(Map& map, float edge, dvec2 nadir, double time) {
     glViewport(0, 0, m_size, m_size);
     glClearColor(LEVEL_WAKE, LEVEL_WAKE, 0, 0);
     glClear(GL_COLOR_BUFFER_BIT);
-    if (!m_wakes.empty()) paintWakes(map, nadir);
-    if (!m_patches.empty()) paintPatches(map);
+    if (!list.wakes.empty()) paintWakes(map, list.wakes, nadir);
+    if (!list.patches.empty()) paintPatches(map, list.patches);
     gl::bindTexture(gl::UNIT_FIRST_OWN, map.texture);
     glGenerateMipmap(GL_TEXTURE_2D);
 }
 
-void WakePass::paintWakes(const Map& map, dvec2 nadir) {
+void WakePass::paintWakes(const Map& map, const std::vector<Wake>& wakes, dvec2 nadir) {
     vec4 hulls[MOST_WAKES], motions[MOST_WAKES];
-    for (std::size_t i = 0; i < m_wakes.size(); i++) {
-        hulls[i] = m_wakes[i].hull;
-        motions[i] = m_wakes[i].motion;
+    for (std::size_t i = 0; i < wakes.size(); i++) {
+        hulls[i] = wakes[i].hull;
+        motions[i] = wakes[i].motion;
     }
-    const auto count = static_cast<GLsizei>(m_wakes.size());
+    const auto count = static_cast<GLsizei>(wakes.size());
     m_wake.use();
     m_wake.set("uHull", hulls, count);
     m_wake.set("uMotion", motions, count);
@@ -201,16 +139,16 @@ void WakePass::paintWakes(const Map& map, dvec2 nadir) {
     glDrawArraysInstanced(GL_TRIANGLE_STRIP, 0, 4, count);
 }
 
-void WakePass::paintPatches(const Map& map) {
+void WakePass::paintPatches(const Map& map, const std::vector<FoamPatch>& patches) {
     glBindVertexArray(m_vertex_array.getId());
     glBindBuffer(GL_ARRAY_BUFFER, m_buffer.getId());
-    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(m_patches.size() * sizeof(Patch)),
-                 m_patches.data(), GL_STREAM_DRAW);
+    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(patches.size() * sizeof(FoamPatch)),
+                 patches.data(), GL_STREAM_DRAW);
     glEnable(GL_BLEND);
     glBlendFunc(GL_ONE, GL_ONE);
     m_patch.use();
     m_patch.set("uMap", vec4(map.corner.x, map.corner.y, map.edge, 0));
-    glDrawArraysInstanced(GL_TRIANGLE_STRIP, 0, 4, static_cast<GLsizei>(m_patches.size()));
+    glDrawArraysInstanced(GL_TRIANGLE_STRIP, 0, 4, static_cast<GLsizei>(patches.size()));
     glDisable(GL_BLEND);
 }
 

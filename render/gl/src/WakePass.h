@@ -3,24 +3,16 @@
 
 #include "GlObjects.h"
 #include "render/scene/FrameView.h"
-
-#include <vector>
+#include "render/scene/WakeList.h"
 
 namespace ig {
 
-class DecalOrtho;
-class ParticleSystem;
 struct OceanFrame;
-struct ParticleCloud;
 
 /// Paints what ships leave on the water onto two maps of effects around the eye, which the sea
 /// reads: slopes east and north (128 is level, 255 a slope of 1/4), foam, calm. The near map shows
 /// foam as fine as an eye over the deck sees it, the far one carries it out to 1,800 m, and
 /// further from high above.
-///
-/// A wake is drawn for every decal that hangs below an object with a box for a rigid body, as long
-/// and as wide as that box, for the speed that the body makes: a still ship leaves nothing. Flat
-/// particles are added as patches of foam.
 class WakePass {
 public:
     struct Map {
@@ -36,30 +28,17 @@ public:
 
     /// `map_size` in texels: 384 or more looks right.
     bool init(int map_size);
-    /// Gathers the frame's wakes; `particles` may be null.
-    void gather(const FrameView& view, const ParticleSystem* particles,
-                const std::vector<const DecalOrtho*>& decals);
     /// Brings both maps up to date, each at its own rate; the caller sets target and viewport back.
-    void draw(const FrameView& view, const OceanFrame& ocean);
+    void draw(const FrameView& view, const WakeList& list, const OceanFrame& ocean);
 
     const Map& getNear() const { return m_near; }
     const Map& getFar() const { return m_far; }
 
 private:
-    struct Patch {
-        vec2 place; ///< E
-        float radius, opacity;
-    };
-    struct Wake {
-        vec4 hull;   ///< place (E), unit vector ahead
-        vec4 motion; ///< speed, length, beam, life of foam
-    };
-    void addPatches(const FrameView& view, const ParticleCloud& cloud);
-    void addWake(const FrameView& view, const DecalOrtho& decal);
     void bakeKelvin();
-    void refresh(Map& map, float edge, dvec2 nadir, double time);
-    void paintWakes(const Map& map, dvec2 nadir);
-    void paintPatches(const Map& map);
+    void refresh(Map& map, const WakeList& list, float edge, dvec2 nadir, double time);
+    void paintWakes(const Map& map, const std::vector<Wake>& wakes, dvec2 nadir);
+    void paintPatches(const Map& map, const std::vector<FoamPatch>& patches);
 
     int m_size = 0;
     gl::Program m_kelvin, m_wake, m_patch;
@@ -67,8 +46,6 @@ private:
     gl::Buffer m_buffer;
     gl::Texture m_kelvin_map; ///< baked when the first ship moves
     Map m_near, m_far;
-    std::vector<Patch> m_patches;
-    std::vector<Wake> m_wakes;
 };
 
 } // namespace ig
