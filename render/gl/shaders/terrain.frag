@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What covers the ground goes by height, slope and noise of five sizes: lush and dry grass, scrub,
+// What covers the ground goes by height, slope and noise of eight sizes: lush and dry grass, scrub,
 // bare soil, scree, rock, beach. Each size fades out where the pixel is coarser than it, so that
 // neither tiles nor borders show, and the wide ones keep the far hills from one plain colour.
 in vec3 vPosition;

@@ -63,7 +63,7 @@ public:
     std::vector<MeshItem> far_casters; ///< large ones in view beyond those
     std::vector<vec4> far_bounds;      ///< their spheres in E; w: radius, m
     std::vector<LampItem> lamps;
-    std::vector<CableItem> cables;           ///< thinner than a pixel; thicker ones are meshes
+    std::vector<CableItem> cables;           ///< too thin for triangles; thicker ones are meshes
     std::vector<const DecalOrtho*> decals;   ///< without texture: of wakes
     std::vector<const DecalOrtho*> pictures; ///< decals with one
     std::vector<const NodeField*> fields;
