@@ -422,7 +422,6 @@ TEST_F(RadarOf, TheResourcesGoWithTheViewport) {
         drawAnew();
     }
     EXPECT_GT(s_renderer->getResources().getTotal(), before);
-    m_root->removeChild(plain);
     delete plain;
     drawAnew();
     EXPECT_EQ(s_renderer->getResources().getTotal(), before);
