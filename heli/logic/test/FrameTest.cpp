@@ -44,9 +44,8 @@ TEST_F(EffectsFrame, OverTheSeaSprayAndOverLandLeaves) {
     expect({"water", "downwash_spe"}, true, "water");
     expect({"out_snow", "leaf_1", "leaf_2"}, false, "water");
     EXPECT_TRUE(heli().is_over_water());
-    const EllipsoidModel earth;
     const dvec3 below = scene.logic->m_ocean->getWorldPoint(heli().get_world_position());
-    EXPECT_NEAR(heli().get_ground_height(), earth.getAltitude(below), 1e-5);
+    EXPECT_NEAR(heli().get_ground_height(), SeaScene::altitude(below), 1e-5);
     EXPECT_LT(length(scene.helicopterNode("downwash")->getWorldPosition() - below), 0.01);
 
     hover(-155.0648, 19.7107, 4, 13.5f); // over the turf beside the apron
