@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <ctime>
 #include <thread>
 
 namespace flightsim {
@@ -130,6 +131,10 @@ TEST_F(Loopback, AReplayIsRecordedUnchangedAndPassedOnInItsOwnTime) {
         ASSERT_EQ(forwarded[i].bytes, records[i].bytes) << i;
     }
     EXPECT_EQ(recorder.getStats().unusual, 6); // 3, 10, 17 … 38
+    RecordingReader reader;
+    ASSERT_TRUE(reader.open(recording.path));
+    EXPECT_NEAR(double(reader.getStartWall_ns()) * 1e-9, double(std::time(nullptr)), 3600)
+        << "Unix time, not the time since the machine was started";
     expectPaced(replay.getLink(), 40);
 }
 
