@@ -11,7 +11,7 @@ ChannelRun::ChannelRun() {
 }
 
 bool ChannelRun::start(const std::string& options) {
-    // Drawing would take the processor from what is measured: only who asks gets pictures.
+    // Drawing would take the processor from what is measured: only whoever asks gets pictures.
     const bool pictures = options.find("--headless") != std::string::npos;
     program = std::make_unique<Program>(CHANNEL, "--directory '" + folder.path().string() +
                                                      "' --trace trace.csv " +

@@ -32,14 +32,14 @@ public:
     }
     /// The frame of the present record, and on to the next one. False at the end.
     bool step() {
-        constexpr double interval = 0.1;
+        constexpr double INTERVAL = 0.1;
         scene.send(flight->getRecord());
         ocean->setBeaufort(flight->getRecord().sea_code); // as the channel does
-        scene.frame(interval);
+        scene.frame(INTERVAL);
         const auto answer = scene.feedback();
         if (answer) feedback = *answer;
         if (answer) flight->takeFeedback(*answer);
-        flight->advance(interval);
+        flight->advance(INTERVAL);
         return !flight->isFinished() && flight->getFault().empty();
     }
     const std::string& leg() const { return flight->getGuidance().getLeg().name; }

@@ -21,6 +21,7 @@
 #include <cstring>
 #include <filesystem>
 #include <unistd.h>
+#include <utility>
 
 using namespace ig;
 using program::steadyNow;
@@ -284,8 +285,7 @@ FrameCosts Channel::frame(float dt) {
     FrameCosts costs;
     double last = steadyNow();
     const auto spent = [&last] {
-        const double before = last;
-        last = steadyNow();
+        const double before = std::exchange(last, steadyNow());
         return last - before;
     };
     Engine::get()->beginFrame(dt, m_scene_command.isStill());

@@ -64,7 +64,7 @@ public:
 private:
     // ChannelWindow.cpp
     bool openWindow();
-    void toggleFullScreen() override;
+    void toggleFullScreen() override { m_window.toggleFullScreen(); }
     void takePicture() override;
     void resize(int width, int height, float density) override;
 

@@ -35,8 +35,6 @@ void Channel::resize(int width, int height, float density) {
     m_camera_control.setCamera(&m_camera);
 }
 
-void Channel::toggleFullScreen() { m_window.toggleFullScreen(); }
-
 void Channel::takePicture() {
     const std::string path = m_screenshots.takeNew(*m_renderer);
     if (path.empty()) return;

@@ -92,10 +92,6 @@ void Environment::onCloud(CloudInfo* cloud) {
     m_told.cloud_thickness = cloud->thickness;
 }
 
-void Environment::onWindSpeed(float speed) {
-    if (std::isfinite(speed)) m_told.wind_speed = std::max(speed, 0.0f);
-}
-
 /// A host that leaves the visibility at 0 has nothing to say of it.
 void Environment::onVisibility(float fraction) {
     if (!std::isfinite(fraction)) return;
@@ -165,17 +161,16 @@ void Environment::followWeather(float dt) {
 
 /// How fast the eye moves, from where it was.
 void Environment::followEye(const Camera& camera, float dt) {
+    if (!(dt > 0)) return;
     const dvec3 eye = camera.getWorldPosition();
-    if (dt > 0) {
-        const dvec3 velocity = (eye - m_eye) * (1 / static_cast<double>(dt));
-        if (!m_eye_known || !(length(velocity) < FASTEST_EYE))
-            m_eye_velocity = {};
-        else
-            m_eye_velocity += (velocity - m_eye_velocity) *
-                              (1 - std::exp(-static_cast<double>(dt) / EYE_SMOOTHING));
-        m_eye_known = true;
-        m_eye = eye;
-    }
+    const dvec3 velocity = (eye - m_eye) * (1 / static_cast<double>(dt));
+    if (!m_eye_known || !(length(velocity) < FASTEST_EYE))
+        m_eye_velocity = {};
+    else
+        m_eye_velocity +=
+            (velocity - m_eye_velocity) * (1 - std::exp(-static_cast<double>(dt) / EYE_SMOOTHING));
+    m_eye_known = true;
+    m_eye = eye;
 }
 
 /// Drops fall through air that drifts with the wind, and the eye flies through both: an emitter
@@ -216,10 +211,10 @@ void Environment::tellLogic() {
     if (hour != m_told_hour) m_logic->setTod(m_told_hour = hour);
 }
 
-void Environment::fillFrame(const Camera& camera, const ObjectPrefab* helicopter, double time,
+void Environment::fillFrame(const Camera& camera, const ObjectPrefab* focus, double time,
                             FrameInfo& frame) const {
     frame.time = time;
-    frame.focus = helicopter;
+    frame.focus = focus;
     frame.eye_velocity = m_eye_velocity;
     fillSky(Engine::get()->getEllipsoidModel()->toWGS(camera.getWorldPosition(), true).x, time,
             frame);

@@ -6,6 +6,7 @@
 #include "common/logic/LogicBase.h"
 #include "ig/app/Renderer.h"
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 #include <vector>
@@ -46,8 +47,8 @@ public:
     /// the scene moves on, 0 while it stands still. Precipitation falls around `camera`.
     void update(float dt, const ig::Camera& camera);
     /// Fills in what concerns light and air. The hour counts at the camera's longitude;
-    /// `helicopter` may be null; `time` is the scene's.
-    void fillFrame(const ig::Camera& camera, const ig::ObjectPrefab* helicopter, double time,
+    /// `focus`, what the picture is about, may be null; `time` is the scene's.
+    void fillFrame(const ig::Camera& camera, const ig::ObjectPrefab* focus, double time,
                    ig::FrameInfo& frame) const;
 
     /// What is asked for at present.
@@ -74,7 +75,9 @@ private:
     void onWindDirection(float direction) {
         if (std::isfinite(direction)) m_told.wind_direction = direction;
     }
-    void onWindSpeed(float speed);
+    void onWindSpeed(float speed) {
+        if (std::isfinite(speed)) m_told.wind_speed = std::max(speed, 0.0f);
+    }
     void onVisibility(float fraction);
     void onSea(int code);
 

@@ -8,7 +8,11 @@ class LogicListener {
 public:
     static constexpr int RESET_CODE = 25; ///< on `m_sig_code`: the scene has been reset
 
-    void connect(LogicBase& logic);
+    void connect(LogicBase& logic) {
+        logic.m_sig_prefab_added.append({this, &LogicListener::onPrefabAdded});
+        logic.m_sig_float_3.append({this, &LogicListener::onRecord});
+        logic.m_sig_code.append({this, &LogicListener::onCode});
+    }
 
     /// What the picture is about: the first prefab that the logic announces. Null before `init` and
     /// after the logic's release, and with a logic that announces none.
@@ -21,7 +25,5 @@ private:
         if (!m_focus) m_focus = prefab;
     }
     void onRecord(float) { m_applied++; }
-    void onCode(int code) {
-        if (code == RESET_CODE) m_resets++;
-    }
+    void onCode(int code) { m_resets += code == RESET_CODE; }
 };

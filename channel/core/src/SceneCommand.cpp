@@ -16,7 +16,7 @@ void SceneCommand::onCommand(CMD_TYPE command) {
     if (command != CMD_EXIT) m_state = command;
 }
 
-/// Who resets a stopped scene begins anew; a frozen one is being prepared.
+/// Whoever resets a stopped scene begins anew; a frozen one is being prepared.
 void SceneCommand::onCode(int code) {
     if (code == LogicListener::RESET_CODE && m_state == CMD_STOP) onCommand(CMD_RUN);
 }

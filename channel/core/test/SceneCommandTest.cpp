@@ -27,7 +27,7 @@ TEST(SceneCommand, HoldsUntilAnotherComesAndIsSaidOnce) {
         emit(logic.m_sig_code, 25);
         return command.isStill();
     };
-    EXPECT_FALSE(command.isStill()); // who never commands anything sees it run
+    EXPECT_FALSE(command.isStill()); // whoever never commands anything sees it run
     EXPECT_TRUE(stillAfter(CMD_FREEZE));
     ASSERT_EQ(log.lines.size(), 1u);
     EXPECT_NE(log.lines[0].find("freezes the scene (system_cmd 2), until"), std::string::npos);

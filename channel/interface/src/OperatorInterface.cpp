@@ -77,15 +77,10 @@ void OperatorInterface::onKey(int key, bool down, bool repeat) {
 
 /// With Alt. False for a key that is none of the window's.
 bool OperatorInterface::doWindowsOwn(int key) {
-    if (key == KEY_RETURN)
-        m_owner->toggleFullScreen();
-    else if (key == KEY_PICTURE)
-        m_owner->takePicture();
-    else if (key == KEY_F4)
-        endAtOnce();
-    else
-        return false;
-    return true;
+    if (key == KEY_RETURN) m_owner->toggleFullScreen();
+    if (key == KEY_PICTURE) m_owner->takePicture();
+    if (key == KEY_F4) endAtOnce();
+    return key == KEY_RETURN || key == KEY_PICTURE || key == KEY_F4;
 }
 
 /// The logic may end the process in its next update, also while a message box has all other keys.

@@ -32,17 +32,14 @@ std::string decimal(double value, int places) {
 
 void Overlays::open(UIRoot* root, const std::string& help_path) {
     m_root = root;
-    m_label = new UILabel(root, "");
-    m_label->setAlignFree(true);
-    m_label->setBackgroundColor(FACE);
-    m_link_label = new UILabel(root, "");
-    m_link_label->setAlignFree(true);
-    m_link_label->setBackgroundColor(FACE);
-    m_link_label->setColor(WARNING_COLOR);
-    for (UILabel* label : {m_link_label, m_label}) {
-        label->setHidden(true);
-        root->addChild(label);
+    for (UILabel** label : {&m_link_label, &m_label}) {
+        *label = new UILabel(root, "");
+        (*label)->setAlignFree(true);
+        (*label)->setBackgroundColor(FACE);
+        (*label)->setHidden(true);
+        root->addChild(*label);
     }
+    m_link_label->setColor(WARNING_COLOR);
     m_notices.open(root);
     m_key_map.open(root, help_path);
 }

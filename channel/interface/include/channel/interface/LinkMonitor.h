@@ -48,7 +48,7 @@ public:
     std::string getSummary(int applied, int resets) const;
 
 private:
-    /// In the order of their weight for who looks.
+    /// In the order of their weight for whoever looks.
     enum Kind {
         NOT_LISTENING,
         NO_HOST,
