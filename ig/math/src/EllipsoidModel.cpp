@@ -46,6 +46,26 @@ Meridian solveMeridian(const dvec3& w) {
     return {p, sine, cosine};
 }
 
+/// What of the line a → b lies inside the ellipsoid that is `altitude` larger than the earth's.
+/// False when the line passes by.
+bool cut(const dvec3& a, const dvec3& b, double altitude, EllipsoidModel::Stretch& out) {
+    const double major = A + altitude, minor = B + altitude;
+    const auto scaled = [=](const dvec3& p) {
+        return dvec3(p.x / major, p.y / major, p.z / minor);
+    };
+    const dvec3 o = scaled(a), d = scaled(b) - o;
+    // |o + t d|² = 1
+    const double dd = dot(d, d), od = dot(o, d), c = dot(o, o) - 1;
+    const double discriminant = od * od - dd * c;
+    if (!(dd > 0) || !(discriminant >= 0)) return false;
+    const double root = std::sqrt(discriminant);
+    // Of the two forms of each root the one that doesn't cancel.
+    const double q = od > 0 ? -od - root : -od + root;
+    const double t1 = q / dd, t2 = q != 0 ? c / q : t1;
+    out = {std::min(t1, t2), std::max(t1, t2)};
+    return true;
+}
+
 } // namespace
 
 dvec3 EllipsoidModel::toWGS(const dvec3& world, bool degrees) const {
@@ -92,22 +112,21 @@ dvec2 EllipsoidModel::getDegreeLengths(double latitude, double altitude) const {
             (radii.meridian + altitude) * UNIT};
 }
 
-bool EllipsoidModel::cut(const dvec3& a, const dvec3& b, double altitude, Stretch& out) const {
-    const double major = A + altitude, minor = B + altitude;
-    const auto scaled = [=](const dvec3& p) {
-        return dvec3(p.x / major, p.y / major, p.z / minor);
-    };
-    const dvec3 o = scaled(a), d = scaled(b) - o;
-    // |o + t d|² = 1
-    const double dd = dot(d, d), od = dot(o, d), c = dot(o, o) - 1;
-    const double discriminant = od * od - dd * c;
-    if (!(dd > 0) || !(discriminant >= 0)) return false;
-    const double root = std::sqrt(discriminant);
-    // Of the two forms of each root the one that doesn't cancel.
-    const double q = od > 0 ? -od - root : -od + root;
-    const double t1 = q / dd, t2 = q != 0 ? c / q : t1;
-    out = {std::min(t1, t2), std::max(t1, t2)};
-    return true;
+int EllipsoidModel::cutShell(const dvec3& a, const dvec3& b, double lowest, double highest,
+                             Stretch out[2]) const {
+    Stretch outer, inner;
+    if (!cut(a, b, highest, outer)) return 0;
+    Stretch parts[2] = {outer, {0, -1}};
+    if (cut(a, b, lowest, inner)) {
+        parts[0] = {outer.begin, inner.begin};
+        parts[1] = {inner.end, outer.end};
+    }
+    int count = 0;
+    for (Stretch part : parts) {
+        part = {std::max(part.begin, 0.0), std::min(part.end, 1.0)};
+        if (part.begin <= part.end) out[count++] = part;
+    }
+    return count;
 }
 
 } // namespace ig

@@ -139,8 +139,9 @@ bool ObjectOcean::getIntersection(int surface, const dvec3& a, const dvec3& b, d
         const dvec2 place = waves.getFrame().toPlane(geodetic.x, geodetic.y);
         return geodetic.z - waves.getSurface().find(place.x, place.y).altitude;
     };
-    Stretch stretches[2];
-    const int count = stretchesNearSea(from, from + way, waves.getFrame().highest_crest, stretches);
+    const double depth = waves.getFrame().highest_crest * 1.02 + 0.1; // a little more than exact
+    EllipsoidModel::Stretch stretches[2];
+    const int count = EARTH.cutShell(from, from + way, -depth, depth, stretches);
     for (int i = 0; i < count; i++) {
         const double middle = (stretches[i].begin + stretches[i].end) / 2;
         const dvec3 up = EARTH.getUp(from + way * middle);

@@ -9,12 +9,6 @@
 
 namespace ig {
 
-using Stretch = EllipsoidModel::Stretch; ///< of a segment: within [0, 1]
-
-/// The stretches of the segment a → b (earth-centred) that lie between the altitudes −depth and
-/// depth, in order, each a little longer than exact. Returns their number, 0 to 2.
-int stretchesNearSea(const dvec3& a, const dvec3& b, double depth, Stretch out[2]);
-
 /// How a search walks along a stretch.
 struct RayScale {
     double length;     ///< metres along the segment for t = 0 to 1
@@ -51,7 +45,8 @@ double refineCrossing(const Clearance& clearance, double t0, double c0, double t
 /// over the sea (a steep segment is over within one step), and at least a 2048th of the stretch: of
 /// a crest narrower than that, a grazing segment may miss the tip.
 template <class Clearance>
-double findCrossing(const Clearance& clearance, const Stretch& stretch, const RayScale& scale) {
+double findCrossing(const Clearance& clearance, const EllipsoidModel::Stretch& stretch,
+                    const RayScale& scale) {
     constexpr double FINEST = 0.25;
     constexpr double STEEPEST = 2; // √(1 + 3): change of clearance per metre of the segment
     constexpr double MAX_STEPS = 2048;

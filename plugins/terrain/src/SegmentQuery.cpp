@@ -78,13 +78,13 @@ double SegmentQuery::solve() {
     const TerrainGrid& grid = m_field.getGrid();
     // The surface at constant altitude is not quite the ellipsoid with longer axes.
     const auto margin = [](double altitude) { return 1 + 1e-4 * std::abs(altitude); };
-    EllipsoidModel::Stretch outer, inner;
-    if (!EARTH.cut(m_a, m_a + m_direction, grid.highest + margin(grid.highest), outer)) return NONE;
-    const double begin = std::max(outer.begin, 0.0), end = std::min(outer.end, 1.0);
-    if (!EARTH.cut(m_a, m_a + m_direction, grid.lowest - margin(grid.lowest), inner))
-        return solveBetween(begin, end);
-    const double t = solveBetween(begin, std::min(end, inner.begin));
-    return t >= 0 ? t : solveBetween(std::max(begin, inner.end), end);
+    EllipsoidModel::Stretch stretches[2];
+    const int count = EARTH.cutShell(m_a, m_a + m_direction, grid.lowest - margin(grid.lowest),
+                                     grid.highest + margin(grid.highest), stretches);
+    double t = NONE;
+    for (int i = 0; i < count && t < 0; i++)
+        t = solvePiece(getPlace(stretches[i].begin), getPlace(stretches[i].end));
+    return t;
 }
 
 /// 1 for straight up, −1 for straight down, 0 for any other direction, by the altitude of the
@@ -113,10 +113,6 @@ double SegmentQuery::solveVertical(const Place& start, double direction) const {
 SegmentQuery::Place SegmentQuery::getPlace(double t) const {
     const dvec3 g = EARTH.toWGS(m_a + m_direction * t);
     return {t, m_field.getColumn(g.x), m_field.getRow(g.y), g.z};
-}
-
-double SegmentQuery::solveBetween(double t0, double t1) {
-    return t0 <= t1 ? solvePiece(getPlace(t0), getPlace(t1)) : NONE;
 }
 
 double SegmentQuery::solvePiece(const Place& from, const Place& to) {

@@ -30,7 +30,6 @@ private:
 
     double getVerticalDirection(double altitude) const;
     double solveVertical(const Place& start, double direction) const;
-    double solveBetween(double t0, double t1);
     double solvePiece(const Place& from, const Place& to);
     bool passesClear(const Place& from, const Place& to, double piece_length) const;
     double walk(const Place& from, const Place& to);

@@ -42,14 +42,15 @@ public:
     /// Lengths of a degree of longitude and of one of latitude at a place (degrees), m.
     dvec2 getDegreeLengths(double latitude, double altitude = 0) const;
 
-    /// A stretch of the line a + (b − a) t.
+    /// A stretch of the segment a + (b − a) t.
     struct Stretch {
-        double begin = 0, end = 0; ///< t
+        double begin = 0, end = 0; ///< t, within [0, 1]
     };
-    /// What of the line a → b lies inside the ellipsoid that is `altitude` larger than the earth's
-    /// in both axes; it departs from the surface of that altitude by less than 1 % of it. False
-    /// when the line passes by.
-    bool cut(const dvec3& a, const dvec3& b, double altitude, Stretch& out) const;
+    /// The stretches of the segment a → b that lie between two altitudes, in order. Returns their
+    /// number, 0 to 2. The shell is one of ellipsoids larger than the earth's by the altitudes in
+    /// both axes, which depart from the surfaces of these altitudes by less than 1 % of them.
+    int cutShell(const dvec3& a, const dvec3& b, double lowest, double highest,
+                 Stretch out[2]) const;
 };
 
 } // namespace ig
