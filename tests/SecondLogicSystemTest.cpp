@@ -15,10 +15,10 @@ namespace fs = std::filesystem;
 struct SecondLogic : testing::Test {
     SecondLogic() {
         for (const char* first : {"data", "config/Logic_Nerith_Heli_Final.cfg",
-                                  "config/Logic_Nerith_Heli_Final.help.yaml"})
+                                  "config/Logic_Nerith_Heli_Final.interface.yaml"})
             fs::remove(run.folder.path() / first);
         link("files", "second");
-        link("Logic_Second.help.yaml", HELP);
+        link("Logic_Second.interface.yaml", HELP);
     }
     void link(const char* from, const char* to) const {
         fs::create_symlink(fs::current_path() / "testkit/logic_second" / from,
@@ -36,7 +36,7 @@ struct SecondLogic : testing::Test {
         EXPECT_TRUE(ig::readPng((run.folder.path() / name).string(), image)) << run.output;
         return image;
     }
-    static constexpr const char* HELP = "config/Logic_Second.help.yaml";
+    static constexpr const char* HELP = "config/Logic_Second.interface.yaml";
     ChannelRun run;
 };
 

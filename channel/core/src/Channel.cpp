@@ -92,7 +92,7 @@ bool Channel::open() {
         return false;
     }
     m_environment.attach(m_world);
-    m_interface.open(m_logic, "config/" + m_library.getName() + ".help.yaml");
+    m_interface.open(m_logic, "config/" + m_library.getName() + ".interface.yaml");
     m_interface.getOverlays().watch(&m_link);
     m_interface.getOverlays().showHelp(m_options.show_help);
     if (m_window.isOpen() && !m_options.show_help)

@@ -3,7 +3,6 @@
 
 #include "channel/interface/Texts.h"
 #include "ig/package/Package.h"
-#include "ig/package/mjl.h"
 #include "ig/ui/UILabel.h"
 #include "ig/ui/UILayout.h"
 #include "ig/ui/UIRoot.h"
@@ -65,16 +64,13 @@ bool isChinese() { return Texts::getLanguage() == "zh"; }
 
 } // namespace
 
-void KeyMap::open(UIRoot* root, const std::string& help_path) {
+void KeyMap::open(UIRoot* root, const Package& interface) {
     m_root = root;
     m_layout = new UIHLayout(root, 18, 18);
     m_layout->setAlignFree(true);
     m_layout->setBackgroundColor(FACE);
-    Package help;
-    mjl::open(help_path, &help); // a logic may have none
-    help.warnUnknownKeys("KeyMap::open", {"keys", "buttons"});
     std::string texts[COLUMNS];
-    for (const Package* line : help.getPackages("keys")) {
+    for (const Package* line : interface.getPackages("keys")) {
         line->warnUnknownKeys("KeyMap::open", {"keys", "does"});
         addLine(texts[KEYS], textOf(*line, "keys", Texts::getLanguage()));
         addLine(texts[CHINESE], textOf(*line, "does", "zh"));
@@ -87,7 +83,7 @@ void KeyMap::open(UIRoot* root, const std::string& help_path) {
         addLine(texts[CHINESE], Texts::get(line.action, "zh"));
         addLine(texts[ENGLISH], Texts::get(line.action, "en"));
     }
-    for (const Package* line : help.getPackages("buttons")) {
+    for (const Package* line : interface.getPackages("buttons")) {
         line->warnUnknownKeys("KeyMap::open", {"button", "does"});
         addLine(texts[BUTTONS], textOf(*line, "button", Texts::getLanguage()));
         addLine(texts[MEANINGS], textOf(*line, "does", "en"));

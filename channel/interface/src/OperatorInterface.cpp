@@ -5,6 +5,8 @@
 #include "common/logic/LogicBase.h"
 #include "ig/app/ControlApp.h"
 #include "ig/app/IApp.h"
+#include "ig/package/Package.h"
+#include "ig/package/mjl.h"
 #include "ig/ui/UISpriteViewport.h"
 
 #include <algorithm>
@@ -12,9 +14,6 @@
 using namespace ig;
 
 namespace {
-// Units that the panels need, with what rounding to whole pixels adds: the row of fields and the
-// column of buttons side by side; the column; the radar picture above the column.
-constexpr float FULL_WIDTH = 760, COLUMN_HEIGHT = 455, FULL_HEIGHT = 256 + COLUMN_HEIGHT;
 /// Pixels per unit where texts can just be read.
 constexpr float READABLE = 0.7f;
 constexpr int KEY_PICTURE = 'p';
@@ -24,10 +23,19 @@ OperatorInterface::OperatorInterface(IApp* app, WindowOwner* owner, ControlApp* 
     : m_app(app), m_owner(owner), m_control(control), m_root(std::make_unique<UIRoot>()),
       m_input(m_root.get(), control) {}
 
-void OperatorInterface::open(LogicBase* logic, const std::string& help_path) {
+void OperatorInterface::open(LogicBase* logic, const std::string& interface_path) {
     m_logic = logic;
     m_panels.assign(m_root->getChildren().begin(), m_root->getChildren().end());
-    m_overlays.open(m_root.get(), help_path);
+    Package interface;
+    mjl::open(interface_path, &interface);
+    interface.warnUnknownKeys("OperatorInterface::open", {"panels", "keys", "buttons"});
+    if (const Package* panels = interface.getPackage("panels")) {
+        panels->warnUnknownKeys("OperatorInterface::open", {"width", "height", "viewports"});
+        m_panels_width = std::max(panels->getFloat("width"), 0.0f);
+        m_panels_height = std::max(panels->getFloat("height"), 0.0f);
+        m_viewports_height = std::max(panels->getFloat("viewports"), 0.0f);
+    }
+    m_overlays.open(m_root.get(), interface);
 }
 
 void OperatorInterface::close() {
@@ -58,8 +66,9 @@ void OperatorInterface::fit() {
                                    [](const UISpriteViewport* v) { return !v->isHidden(); });
     const float width = static_cast<float>(m_width) / m_density;
     const float height = static_cast<float>(m_height) / m_density;
-    const float all = std::min({1.0f, width / FULL_WIDTH, height / FULL_HEIGHT});
-    const float shown = height / (radar ? FULL_HEIGHT : COLUMN_HEIGHT);
+    const float full_height = m_panels_height + m_viewports_height;
+    const float all = std::min({1.0f, width / m_panels_width, height / full_height});
+    const float shown = height / (radar ? full_height : m_panels_height);
     m_root->resize(m_width, m_height, m_density * std::max(all, std::min(READABLE, shown)));
 }
 

@@ -30,7 +30,7 @@ std::string decimal(double value, int places) {
 
 } // namespace
 
-void Overlays::open(UIRoot* root, const std::string& help_path) {
+void Overlays::open(UIRoot* root, const Package& interface) {
     m_root = root;
     for (UILabel** label : {&m_link_label, &m_label}) {
         *label = new UILabel(root, "");
@@ -41,7 +41,7 @@ void Overlays::open(UIRoot* root, const std::string& help_path) {
     }
     m_link_label->setColor(WARNING_COLOR);
     m_notices.open(root);
-    m_key_map.open(root, help_path);
+    m_key_map.open(root, interface);
 }
 
 void Overlays::onKey(int key) {

@@ -45,7 +45,7 @@ struct OperatorInterfaceTest : testing::Test {
         field->setAlignFree(true);
         field->setPosition(0, 100);
         channel.getRoot()->addChild(field);
-        channel.open(&logic, "config/Logic_Nerith_Heli_Final.help.yaml");
+        channel.open(&logic, "config/Logic_Nerith_Heli_Final.interface.yaml");
         channel.update(0);
     }
     void stroke(int key) {

@@ -15,7 +15,7 @@ inline void fillChannelFolder(const TempFolder& folder, const std::filesystem::p
                  "recv_from_flightSimulation_port: " + std::to_string(receive_port) +
                      "\nsend_to_flightSimulation_port: " + std::to_string(send_port) + "\n");
     for (const char* name : {"config/texts.zh.yaml", "config/texts.en.yaml",
-                             "config/Logic_Nerith_Heli_Final.help.yaml"})
+                             "config/Logic_Nerith_Heli_Final.interface.yaml"})
         std::filesystem::create_symlink(project / name, folder.path() / name);
 }
 

@@ -2,9 +2,9 @@
 #pragma once
 
 #include <cstddef>
-#include <string>
 
 namespace ig {
+class Package;
 class UIHLayout;
 class UILabel;
 class UIRoot;
@@ -16,9 +16,8 @@ class UIRoot;
 /// scene logic stands in a file beside its configuration (`docs/operator.md`).
 class KeyMap {
 public:
-    /// Adds it, hidden, to the user interface, which owns it. `help_path`: the logic's file, which
-    /// there need not be.
-    void open(ig::UIRoot* root, const std::string& help_path);
+    /// Adds it, hidden, to the user interface, which owns it. `interface`: the logic's file.
+    void open(ig::UIRoot* root, const ig::Package& interface);
     void show(bool show);
     bool isShown() const;
     /// Keeps it in the middle of the picture, all of it; before the layout.

@@ -27,8 +27,9 @@ public:
     OperatorInterface(ig::IApp* app, WindowOwner* owner, ig::ControlApp* control);
 
     /// After the logic's `init`, so that the overlays cover its panels; the logic gets the events
-    /// that are the scene's. `help_path`: see `KeyMap`.
-    void open(LogicBase* logic, const std::string& help_path);
+    /// that are the scene's. `interface_path`: what it can't know of
+    /// them (`docs/operator.md`); a logic may have no such file.
+    void open(LogicBase* logic, const std::string& interface_path);
     /// Destroys the user interface; after the logic's `release`, before the world goes.
     void close();
     ig::UIRoot* getRoot() const { return m_root.get(); }
@@ -82,4 +83,7 @@ private:
     bool m_close_requested = false, m_end_requested = false;
     int m_width = 0, m_height = 0; ///< of the picture, pixels
     float m_density = 1;           ///< pixels per unit of 1/96 inch
+    /// Units that the panels need, and how many more in height while a viewport shows; 0: no
+    /// matter.
+    float m_panels_width = 0, m_panels_height = 0, m_viewports_height = 0;
 };

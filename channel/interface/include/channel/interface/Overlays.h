@@ -9,8 +9,9 @@
 class LinkMonitor;
 
 namespace ig {
+class Package;
 class UILabel;
-}
+} // namespace ig
 
 /// Work of one frame, seconds.
 struct FrameCosts {
@@ -26,9 +27,9 @@ class Overlays {
 public:
     enum class Statistics { off, rate, full };
 
-    /// Adds the overlays, hidden, to the user interface, which owns them. `help_path`: see
+    /// Adds the overlays, hidden, to the user interface, which owns them. `interface`: see
     /// `KeyMap`.
-    void open(ig::UIRoot* root, const std::string& help_path);
+    void open(ig::UIRoot* root, const ig::Package& interface);
     /// Shows how that link is doing: a line over the picture while something is wrong with it, and
     /// more in the statistics. It must outlive the overlays.
     void watch(const LinkMonitor* link) { m_link = link; }
