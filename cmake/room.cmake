@@ -57,6 +57,7 @@ function(room)
         endif()
         target_include_directories(${ROOM_NAME} PRIVATE ${dir}/src)
         target_link_libraries(${ROOM_NAME} PUBLIC ${ROOM_LINKS} PRIVATE ${ROOM_PRIVATE} vc_flags)
+        target_compile_options(${ROOM_NAME} PRIVATE -Wconversion) # narrowing is written out
         set_target_properties(${ROOM_NAME} PROPERTIES POSITION_INDEPENDENT_CODE ON)
     endif()
 

@@ -18,12 +18,12 @@ void countDraw(GLsizei instances) {
     Counts& c = CountingDriver::counts();
     c.calls++;
     c.draws++;
-    c.instances += static_cast<std::uint64_t>(instances);
+    c.instances += instances;
 }
 
 void countBytes(GLsizeiptr bytes) {
     CountingDriver::counts().calls++;
-    CountingDriver::counts().bytes += static_cast<std::uint64_t>(bytes);
+    CountingDriver::counts().bytes += bytes;
 }
 
 void makeNames(GLsizei count, GLuint* names) {

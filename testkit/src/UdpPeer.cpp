@@ -45,7 +45,7 @@ std::string UdpPeer::receive(int timeout_ms) const {
     if (poll(&waiting, 1, timeout_ms) <= 0) return {};
     std::string bytes(65536, '\0');
     const auto length = recv(m_descriptor, bytes.data(), bytes.size(), 0);
-    bytes.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
+    bytes.resize(length > 0 ? length : 0);
     return bytes;
 }
 

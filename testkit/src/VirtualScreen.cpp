@@ -141,7 +141,7 @@ void VirtualScreen::move(float x, float y) {
 }
 
 void VirtualScreen::button(int number, bool down) {
-    XTestFakeButtonEvent(m_display, static_cast<unsigned>(number), down, 0);
+    XTestFakeButtonEvent(m_display, number, down, 0);
     sync();
 }
 
@@ -179,7 +179,7 @@ void VirtualScreen::ungrabKeyboard() {
 // ------------------------------------------------------------------ desktop
 
 void VirtualScreen::resize(int width, int height) {
-    XResizeWindow(m_display, m_window, static_cast<unsigned>(width), static_cast<unsigned>(height));
+    XResizeWindow(m_display, m_window, width, height);
     sync();
 }
 
@@ -195,7 +195,7 @@ void VirtualScreen::pressCloseButton() {
     event.xclient.window = m_window;
     event.xclient.message_type = XInternAtom(m_display, "WM_PROTOCOLS", False);
     event.xclient.format = 32;
-    event.xclient.data.l[0] = static_cast<long>(XInternAtom(m_display, "WM_DELETE_WINDOW", False));
+    event.xclient.data.l[0] = XInternAtom(m_display, "WM_DELETE_WINDOW", False);
     XSendEvent(m_display, m_window, False, NoEventMask, &event);
     sync();
 }

@@ -255,7 +255,7 @@ bool Channel::runFrame() {
     m_trace.write(begin, m_listener);
     m_status.addFrame(dt, work);
     m_status.print(m_listener, m_link, m_scene_command.describe() + ' ' + m_environment.describe());
-    m_scene_time += static_cast<double>(dt);
+    m_scene_time += dt;
     m_frames++;
     if (m_scene_command.isExit() || m_interface.isEndRequested()) m_quit = true;
     return true;
@@ -321,7 +321,7 @@ void Channel::draw() {
                             m_frame_info);
     m_frame_info.particles = &m_particles;
     m_renderer->render(m_world, getEye(), m_frame_info);
-    const double time = m_scene_time + static_cast<double>(Engine::get()->getFrameTime());
+    const double time = m_scene_time + Engine::get()->getFrameTime();
     m_screenshots.afterFrame(*m_renderer, time);
     m_video.afterFrame(*m_renderer, time);
 }

@@ -43,10 +43,9 @@ Picture ContactSheet::compose() const {
     const int columns = std::min(count, COLUMNS), rows = (count + COLUMNS - 1) / COLUMNS;
     sheet.width = columns * width;
     sheet.height = rows * height;
-    sheet.rgb.resize(3 * static_cast<std::size_t>(sheet.width) *
-                     static_cast<std::size_t>(sheet.height));
+    sheet.rgb.resize(3 * static_cast<std::size_t>(sheet.width) * sheet.height);
     for (int i = 0; i < count; i++) {
-        const Picture& copy = m_copies[static_cast<std::size_t>(i)];
+        const Picture& copy = m_copies[i];
         const int left = i % COLUMNS * width, top = i / COLUMNS * height;
         for (int y = 0; y < std::min(copy.height, height); y++)
             std::copy_n(copy.at(0, y), 3 * std::min(copy.width, width),

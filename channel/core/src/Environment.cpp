@@ -137,7 +137,7 @@ void Environment::applySea() {
 }
 
 void Environment::update(float dt, const Camera& camera) {
-    if (dt > 0) m_hour = wrapHour(m_hour + static_cast<double>(dt) * m_time_scale / 3600);
+    if (dt > 0) m_hour = wrapHour(m_hour + dt * m_time_scale / 3600);
     const Weather weather = getWeather();
     Engine::get()->setWindDirection(weather.wind_direction);
     Engine::get()->setWindStrength(std::max(weather.wind_speed, 0.0f) * WIND_STRENGTH);
@@ -179,13 +179,13 @@ void Environment::followEye(const Camera& camera, float dt) {
 void Environment::applyPrecipitation(const Weather& weather, const Camera& camera) {
     const dmat4 level =
         Engine::get()->getEllipsoidModel()->getWGSTransform(camera.getWorldPosition());
-    const double towards = static_cast<double>(weather.wind_direction) * DEG_TO_RAD<double>;
+    const double towards = weather.wind_direction * DEG_TO_RAD<double>;
     const dvec3 air = (level.getX() * std::cos(towards) + level.getY() * std::sin(towards)) *
-                      static_cast<double>(std::clamp(weather.wind_speed, 0.0f, HIGHEST_WIND));
+                      std::clamp(weather.wind_speed, 0.0f, HIGHEST_WIND);
     for (const Precipitation& p : m_precipitation) {
         const float strength = m_shown.*p.strength;
         p.emitter->setEnabled(strength > 0);
-        const dvec3 velocity = air - level.getZ() * static_cast<double>(p.fall);
+        const dvec3 velocity = air - level.getZ() * p.fall;
         const dvec3 passing = velocity - m_eye_velocity;
         const auto life = static_cast<float>(
             std::min(static_cast<double>(p.life), PATH / std::max(length(passing), 0.1)));
@@ -229,9 +229,9 @@ void Environment::fillSky(double longitude, double time, FrameInfo& frame) const
     frame.overcast = m_shown.overcast;
     frame.cloud_darkness = m_shown.darkness;
     frame.cloud_cover = m_shown.cloud_cover;
-    frame.cloud_base = static_cast<double>(m_shown.cloud_base);
-    frame.cloud_thickness = static_cast<double>(m_shown.cloud_thickness);
-    frame.visibility = static_cast<double>(m_shown.visibility);
+    frame.cloud_base = m_shown.cloud_base;
+    frame.cloud_thickness = m_shown.cloud_thickness;
+    frame.visibility = m_shown.visibility;
     frame.rain = m_shown.rain;
     frame.snow = m_shown.snow;
     frame.hail = m_shown.hail;

@@ -25,10 +25,9 @@ Lightning Lightning::at(double time) {
     if (!std::isfinite(time)) return light;
     const double slot = std::floor(time / SLOT);
     const auto number = static_cast<std::int64_t>(std::fmod(slot, 1e9));
-    const double age =
-        time - slot * SLOT - SLOT / 4 - SLOT / 2 * static_cast<double>(hash(number, 1));
+    const double age = time - slot * SLOT - SLOT / 4 - SLOT / 2 * hash(number, 1);
     if (age < 0 || age > 1) return light;
-    const double second = 0.09 + 0.12 * static_cast<double>(hash(number, 2));
+    const double second = 0.09 + 0.12 * hash(number, 2);
     light.flash = stroke(age) + 0.8f * stroke(age - second);
     if (hash(number, 3) > 0.5f) light.flash += 0.5f * stroke(age - 2.1 * second);
     light.flash = std::fmin(light.flash, 1.0f);

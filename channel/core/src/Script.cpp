@@ -244,12 +244,12 @@ bool readScript(const std::string& path, Script& script, std::string& message) {
     }
     std::ifstream file(path, std::ios::binary);
     std::string content(LARGEST + 1, '\0');
-    file.read(content.data(), static_cast<std::streamsize>(content.size()));
+    file.read(content.data(), content.size());
     if (file.bad() || (!file.eof() && file.fail())) {
         message = "\"" + path + "\": " + std::strerror(errno);
         return false;
     }
-    content.resize(static_cast<std::size_t>(file.gcount()));
+    content.resize(file.gcount());
     if (content.size() <= LARGEST) return parseScript(content, path, script, message);
     message = "\"" + path + "\" is larger than a script may be: 1 MiB";
     return false;

@@ -89,7 +89,7 @@ void ScriptPlayer::advanceHeld() {
             continue;
         }
         ended.push_back(m_held[i]);
-        m_held.erase(m_held.begin() + static_cast<std::ptrdiff_t>(i));
+        m_held.erase(m_held.begin() + i);
     }
     for (const Held& held : ended) {
         if (held.command->usesMouse())

@@ -34,9 +34,7 @@ constexpr float CLOUDS_MOVE_BY = 100; ///< m/s, up or down
 float strength(int level) { return static_cast<float>(std::clamp(level, 0, HEAVY)) / HEAVY; }
 
 float sight(const Weather& weather) {
-    const auto level = [](int told) {
-        return static_cast<std::size_t>(std::clamp(told, 0, HEAVY));
-    };
+    const auto level = [](int told) { return std::clamp(told, 0, HEAVY); };
     const float told = weather.visibility > 0 ? weather.visibility : CLEAR_SIGHT;
     return std::min({told, LOOK_SIGHT[level(weather.look)], RAIN_SIGHT[level(weather.rain)],
                      SNOW_SIGHT[level(weather.snow)], HAIL_SIGHT[level(weather.hail)]});

@@ -13,7 +13,7 @@ using namespace ig;
 
 void Status::addFrame(float dt, double work) {
     m_frames++;
-    m_time += static_cast<double>(dt);
+    m_time += dt;
     m_work += work;
     m_worst = std::max(m_worst, work);
 }

@@ -121,10 +121,10 @@ bool Video::start(const Picture& picture) {
 /// it is black.
 void Video::fit(const Picture& picture) {
     const auto row = 3 * static_cast<std::size_t>(m_width);
-    m_bytes.assign(row * static_cast<std::size_t>(m_height), 0);
+    m_bytes.assign(row * m_height, 0);
     const auto shared = 3 * static_cast<std::size_t>(std::min(m_width, picture.width));
     for (int y = 0; y < std::min(m_height, picture.height); y++)
-        std::memcpy(&m_bytes[row * static_cast<std::size_t>(y)], picture.at(0, y), shared);
+        std::memcpy(&m_bytes[row * y], picture.at(0, y), shared);
 }
 
 bool Video::send() {
@@ -137,7 +137,7 @@ bool Video::send() {
                                                        : std::strerror(errno));
             return false;
         }
-        sent += static_cast<std::size_t>(n);
+        sent += n;
     }
     return true;
 }
@@ -174,7 +174,7 @@ std::string Video::takeComplaint() {
     const ssize_t n = pread(m_complaints, text.data(), text.size() - 1, 0);
     ::close(m_complaints);
     m_complaints = -1;
-    const std::string line(text.data(), static_cast<std::size_t>(std::max<ssize_t>(n, 0)));
+    const std::string line(text.data(), std::max<ssize_t>(n, 0));
     return line.substr(0, line.find('\n'));
 }
 
@@ -184,7 +184,7 @@ int Video::stop(double patience) {
     m_pipe = -1;
     if (m_program < 0) return 0;
     int status = 0;
-    const auto step = static_cast<double>(NAP.tv_nsec) * 1e-9;
+    const auto step = NAP.tv_nsec * 1e-9;
     for (; patience > 0 && waitpid(m_program, &status, WNOHANG) == 0; patience -= step)
         nanosleep(&NAP, nullptr);
     if (patience <= 0) {

@@ -49,17 +49,14 @@ std::string Weather::describe() const {
     if (rain > 0) add(text, "rain %d", rain);
     if (snow > 0) add(text, "snow %d", snow);
     if (hail > 0) add(text, "hail %d", hail);
-    if (cloud_cover > 0)
-        add(text, "clouds %.0f %% at %.0f m", static_cast<double>(cloud_cover * 100),
-            static_cast<double>(cloud_base));
+    if (cloud_cover > 0) add(text, "clouds %.0f %% at %.0f m", cloud_cover * 100, cloud_base);
     if (visibility >= 1000)
-        add(text, "sight %.1f km", static_cast<double>(visibility / 1000));
+        add(text, "sight %.1f km", visibility / 1000);
     else if (visibility > 0)
-        add(text, "sight %.0f m", static_cast<double>(visibility));
+        add(text, "sight %.0f m", visibility);
     if (wind_speed >= 0) // as sailors say it: where it comes from, clockwise from north
         add(text, "wind %03.0f/%.0f m/s",
-            std::remainder(90 - static_cast<double>(wind_direction), 360) + 180,
-            static_cast<double>(wind_speed));
+            std::remainder(90 - static_cast<double>(wind_direction), 360) + 180, wind_speed);
     if (beaufort >= 0) add(text, "sea %d", beaufort);
     return text;
 }

@@ -45,8 +45,7 @@ int toCursorKey(int key) {
 int toPrintable(int key, int scancode) {
     const bool digit = key >= GLFW_KEY_0 && key <= GLFW_KEY_9;
     const char* name = digit ? nullptr : glfwGetKeyName(key, scancode);
-    if (name && name[0] > ' ' && name[0] <= '~' && !name[1])
-        return std::tolower(static_cast<unsigned char>(name[0]));
+    if (name && name[0] > ' ' && name[0] <= '~' && !name[1]) return std::tolower(name[0]);
     return key >= GLFW_KEY_A && key <= GLFW_KEY_Z ? key - GLFW_KEY_A + 'a' : key;
 }
 

@@ -65,7 +65,7 @@ void Overlays::showStatistics(Statistics statistics) {
 
 void Overlays::addFrame(float dt, const FrameCosts& costs, int records) {
     m_notices.advance(dt);
-    m_sums.time += static_cast<double>(dt);
+    m_sums.time += dt;
     m_sums.frames++;
     m_sums.records += records;
     m_sums.frames_with[std::clamp(records, 0, BUCKETS - 1)]++;

@@ -152,6 +152,12 @@ TEST_F(OperatorInterfaceTest, HelpGlossesKeysAndButtonsInBothLanguagesAndFitsEve
     EXPECT_FALSE(shows("相机调平")); // there is no room for both
 }
 
+TEST_F(OperatorInterfaceTest, PanelsShrinkWhereTheyWouldNotStandSideBySide) {
+    button->setFixSize(100, 10);
+    channel.resize(608, 2000); // eight tenths of the width that the logic's file asks for
+    EXPECT_EQ(button->getWidth(), 80);
+}
+
 TEST_F(OperatorInterfaceTest, StatisticsStepThroughTheirFormsAndCountOverHalfASecond) {
     EXPECT_FALSE(shows("frames/s"));
     stroke(KEY_F11);

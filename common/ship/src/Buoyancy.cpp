@@ -59,7 +59,7 @@ void Buoyancy::update() {
     float sum = 0;
     for (const dvec3& p : m_points) {
         dvec3 foot = box * p;
-        foot.z -= static_cast<double>(m_height * 0.5f); // along the earth's axis
+        foot.z -= m_height * 0.5f; // along the earth's axis
         const double sea = earth.getAltitude(m_ocean->getWorldPoint(foot)) * waves;
         const float depth = static_cast<float>(sea - earth.getAltitude(foot));
         const float r = std::clamp(depth / m_height, 0.0f, 1.0f);

@@ -80,19 +80,18 @@ void Ship::update() {
 
 void Ship::propel() {
     const dmat4 pose = m_body->getTransform();
-    const double x = static_cast<double>(m_control.x), y = static_cast<double>(m_control.y);
-    const auto thrust = static_cast<double>(x < 0 ? m_reverse_thrust : m_thrust);
-    m_body->addForce(vec3(pose.getY() * (x * static_cast<double>(m_volume) * thrust)));
-    m_body->addTorque(vec3(pose.getY() * (-y * static_cast<double>(m_roll_torque))));
-    m_body->addTorque(vec3(pose.getZ() * (y * static_cast<double>(m_yaw_torque))));
-    m_body->addTorque(vec3(pose.getX() * (x * static_cast<double>(m_pitch_torque))));
+    const double x = m_control.x, y = m_control.y;
+    const auto thrust = x < 0 ? m_reverse_thrust : m_thrust;
+    m_body->addForce(vec3(pose.getY() * (x * m_volume * thrust)));
+    m_body->addTorque(vec3(pose.getY() * (-y * m_roll_torque)));
+    m_body->addTorque(vec3(pose.getZ() * (y * m_yaw_torque)));
+    m_body->addTorque(vec3(pose.getX() * (x * m_pitch_torque)));
 }
 
 /// The water slows the hull, horizontally only: what floats it takes care of the vertical.
 void Ship::brake(float submerged) {
     const dvec3 v(m_body->getLinearVelocity());
-    const dvec3 drag =
-        -normalize(v) * (length2(v) * static_cast<double>(submerged) * static_cast<double>(m_drag));
+    const dvec3 drag = -normalize(v) * (length2(v) * submerged * m_drag);
     const dvec3 place = m_body->getTransform().getTranslate();
     const dvec3 up = Engine::get()->getEllipsoidModel()->getWGSTransform(place, true).getZ();
     m_body->addForce(vec3(drag - up * dot(up, drag)));

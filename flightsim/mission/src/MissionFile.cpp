@@ -415,12 +415,12 @@ std::optional<Mission> readMission(const std::string& path, std::string& message
     }
     std::ifstream file(path, std::ios::binary);
     std::string content(LARGEST + 1, '\0');
-    file.read(content.data(), static_cast<std::streamsize>(content.size()));
+    file.read(content.data(), content.size());
     if (file.bad() || (!file.eof() && file.fail())) {
         message = "cannot read \"" + path + "\": " + std::strerror(errno);
         return std::nullopt;
     }
-    content.resize(static_cast<std::size_t>(file.gcount()));
+    content.resize(file.gcount());
     if (content.size() <= LARGEST) return parseMission(content, path, message);
     message = "\"" + path + "\" is larger than a mission file may be: 1 MiB";
     return std::nullopt;

@@ -133,7 +133,7 @@ void RecordSchedule::apply(double time, UdpRecvData& record) {
 /// many.
 std::size_t RecordSchedule::begin(std::size_t index, UdpRecvData& record) {
     Ramp started = m_ramps[index];
-    const auto here = m_ramps.begin() + static_cast<std::ptrdiff_t>(index);
+    const auto here = m_ramps.begin() + index;
     const auto rest = std::remove_if(m_ramps.begin(), here, [&](const Ramp& ramp) {
         if (ramp.field != started.field) return false;
         ramp.field->write(record, ramp.valueAt(started.begin));

@@ -130,7 +130,7 @@ ReadStatus RecordingReader::readRuns(std::uint32_t length, std::uint16_t runs) {
 }
 
 bool RecordingReader::take(void* to, std::size_t size) {
-    m_file.read(static_cast<char*>(to), static_cast<std::streamsize>(size));
+    m_file.read(static_cast<char*>(to), size);
     m_offset += m_file.gcount();
     return static_cast<std::size_t>(m_file.gcount()) == size;
 }
@@ -164,7 +164,7 @@ bool RecordingWriter::open(const std::string& path, RecordingFormat format,
     }
     m_file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     if (m_file < 0) return fail("cannot create");
-    const auto version = static_cast<std::uint32_t>(format);
+    const auto version = format;
     put(MAGIC, sizeof MAGIC);
     put(&version, sizeof version);
     put(&HEADER_REST, sizeof HEADER_REST);
@@ -228,7 +228,7 @@ bool RecordingWriter::putRuns(std::span<const std::uint8_t> datagram) {
 void RecordingWriter::put(const void* bytes, std::size_t size) {
     const auto* from = static_cast<const std::uint8_t*>(bytes);
     m_waiting.insert(m_waiting.end(), from, from + size);
-    m_size += static_cast<std::int64_t>(size);
+    m_size += size;
 }
 
 bool RecordingWriter::flush() {
@@ -251,7 +251,7 @@ bool RecordingWriter::flush() {
             }
             return false;
         }
-        done += static_cast<std::size_t>(n);
+        done += n;
     }
     m_waiting.clear();
     m_records += std::exchange(m_waiting_records, 0);

@@ -126,7 +126,7 @@ void HelicopterCorax::update_wipers() {
     const auto turn = [](Node* wiper, float angle) {
         if (!wiper) return;
         dvec3 euler = wiper->getRotation().toEulerZXY();
-        euler.z = static_cast<double>(angle);
+        euler.z = angle;
         wiper->setRotation(dquat::fromEulerZXY(euler));
     };
     turn(m_wiper_left, a * SWEEP - REST);

@@ -118,6 +118,5 @@ bool ActionEmitMissile::step(float dt) {
 
 void ActionEmitMissile::update(float dt) {
     if (!m_node->isEnabled()) return;
-    m_node->setPosition(m_node->getPosition() +
-                        m_direction.xyz() * static_cast<double>(dt * m_speed));
+    m_node->setPosition(m_node->getPosition() + m_direction.xyz() * (dt * m_speed));
 }

@@ -53,7 +53,7 @@ void readBoth(const UdpRecvData& record, std::size_t offset, double (&values)[2]
     for (double& value : values) {
         T number;
         std::memcpy(&number, bytes, sizeof bytes);
-        value = static_cast<double>(number);
+        value = number;
         std::reverse(std::begin(bytes), std::end(bytes));
     }
 }

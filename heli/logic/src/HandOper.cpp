@@ -30,7 +30,7 @@ void HandOper::update(float dt) {
         m_angle = -m_angle_limit;
         m_swing_dir = -m_swing_dir;
     }
-    const dquat rotation(static_cast<double>(m_angle), 0.0, 0.0);
+    const dquat rotation(m_angle, 0.0, 0.0);
     if (m_left_hand) m_left_hand->setRotation(rotation);
     if (m_right_hand) m_right_hand->setRotation(rotation);
 }

@@ -16,7 +16,7 @@ constexpr double SEA_SPEED_SCALE = 0.01;   ///< the host's sea speed to m/s
 void Logic_Nerith_Heli_Final::apply_ocean(UdpRecvData& record) {
     emit(m_sig_sea, static_cast<int>(record.sea_code));
     if (!m_ocean) return;
-    m_ocean->setSpeed(static_cast<float>(static_cast<double>(record.sea_speed) * SEA_SPEED_SCALE));
+    m_ocean->setSpeed(static_cast<float>(record.sea_speed * SEA_SPEED_SCALE));
     m_ocean->setAngle(record.sea_angle);
 }
 
@@ -27,10 +27,8 @@ void Logic_Nerith_Heli_Final::apply_heli(UdpRecvData& record) {
     m_heli->m_roll = record.roll;
     if (ObjectPrefab* prefab = m_heli->m_prefab) {
         // Attitude first: it is geodetic, and the node keeps it so when it is moved.
-        prefab->setWgsHPR({static_cast<double>(record.heading), static_cast<double>(record.pitch),
-                           static_cast<double>(record.roll)});
-        const dvec3 geodetic(record.longitude, record.latitude,
-                             static_cast<double>(record.altitude));
+        prefab->setWgsHPR({record.heading, record.pitch, record.roll});
+        const dvec3 geodetic(record.longitude, record.latitude, record.altitude);
         prefab->setWorldPosition(Engine::get()->getEllipsoidModel()->toWorld(geodetic, true));
     }
     m_heli->set_rotor_speed(record.rotor_speed * ROTOR_SPEED_SCALE);

@@ -76,7 +76,7 @@ void Logic_Nerith_Heli_Final::apply_cloud(UdpRecvData& record) {
     info.param2 = record.cloud_param2;
     info.base = record.cloud_base;
     info.thickness = record.cloud_top - record.cloud_base;
-    info.ratio = static_cast<float>(record.cloud_percent) / 100.0f;
+    info.ratio = record.cloud_percent / 100.0f;
     emit(m_sig_cloud, &info);
 }
 

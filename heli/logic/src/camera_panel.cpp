@@ -55,9 +55,8 @@ public:
         const auto add = [&](const char* name, const BodyRope* rope) {
             if (!rope) return;
             const float length = rope->getLength() * SHOWN_PER_LENGTH;
-            size +=
-                std::snprintf(text + size, sizeof text - static_cast<std::size_t>(size),
-                              "%s%s %.1f m", size ? "   " : "", name, static_cast<double>(length));
+            size += std::snprintf(text + size, sizeof text - size, "%s%s %.1f m", size ? "   " : "",
+                                  name, length);
         };
         text[0] = 0;
         const SonarInfo* sonar = m_logic.m_sonar_info;

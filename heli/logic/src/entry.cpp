@@ -33,7 +33,7 @@ void Logic_Nerith_Heli_Final::onKeyRelease(const GUIEventKey& event, IApp*) {
 
 void Logic_Nerith_Heli_Final::onMouseWheel(const GUIEventWheel& event, IApp*) {
     if (!m_heli || m_player_mode != PLAYER_MODE_THIRD) return;
-    const float s = event.delta / 120.0f * static_cast<float>(event.flag);
+    const float s = event.delta / 120.0f * event.flag;
     on_third_view_wheel(s == 0 ? -1.0f : 1.0f);
 }
 

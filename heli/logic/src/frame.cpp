@@ -82,7 +82,7 @@ void Logic_Nerith_Heli_Final::update_ground_reference() {
         ground = std::max(NO_GROUND, static_cast<float>(altitude));
     if (m_ocean) {
         const double sea = earth->toWGS(m_ocean->getWorldPoint(position), true).z;
-        if (sea > static_cast<double>(ground)) {
+        if (sea > ground) {
             m_heli->set_over_water(true);
             ground = static_cast<float>(sea);
         }

@@ -90,7 +90,7 @@ void Logic_Nerith_Heli_Final::place_camera_by_input(const ControlApp* keys, floa
     } else if (m_player_mode == PLAYER_MODE_THIRD && m_heli) {
         if (keys && keys->isLeftButtonDown()) rot_around(-dx, -dy);
         const auto zoom = [this](double factor) {
-            const auto distance = static_cast<float>(static_cast<double>(m_third_dist) * factor);
+            const auto distance = static_cast<float>(m_third_dist * factor);
             if (distance < MAX_THIRD_DIST) m_third_dist = distance;
         };
         if (keys && keys->isWheelButtonDown()) zoom(1.1);

@@ -91,11 +91,11 @@ void Logic_Nerith_Heli_Final::init_ui_radar() {
 }
 
 void Logic_Nerith_Heli_Final::on_viewport_radar_update_begin(UISpriteViewport*) {
-    const auto begin = static_cast<float>(AHEAD - static_cast<double>(m_radar_sector_width) * 0.5);
+    const auto begin = static_cast<float>(AHEAD - m_radar_sector_width * 0.5);
     setSector(this, "Logic_Nerith_Heli_Final::on_viewport_radar_update_begin", 1,
               begin + m_radar_sector_offset, m_radar_sector_offset + m_radar_sector_width + begin);
     Engine* engine = Engine::get();
-    m_radar_saved_value = static_cast<double>(engine->getEnvironment(ENVIRONMENT_SENSOR_GAIN));
+    m_radar_saved_value = engine->getEnvironment(ENVIRONMENT_SENSOR_GAIN);
     engine->setEnvironment(ENVIRONMENT_SENSOR_GAIN, static_cast<float>(m_radar_value));
 }
 

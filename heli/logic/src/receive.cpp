@@ -38,7 +38,7 @@ void Logic_Nerith_Heli_Final::apply_status(const UdpRecvData& record) {
 }
 
 void Logic_Nerith_Heli_Final::apply_leida(UdpRecvData& record) {
-    m_radar_value = static_cast<double>(record.radar_value);
+    m_radar_value = record.radar_value;
     m_radar_sector_width = record.radar_sector_width;
     m_radar_sector_offset = record.radar_sector_offset;
 }

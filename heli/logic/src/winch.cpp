@@ -62,6 +62,5 @@ void Logic_Nerith_Heli_Final::apply_hang(UdpRecvData& record) {
     if (BodyRope* rope = ropeOf(m_winch_info->rope))
         rope->setLength(record.hang_length / SHOWN_PER_LENGTH);
     const Body* load = bodyOf(m_winch_info->obj);
-    if (Shape* shape = load ? load->getShape(0) : nullptr)
-        shape->setMass(static_cast<float>(record.hang_mass));
+    if (Shape* shape = load ? load->getShape(0) : nullptr) shape->setMass(record.hang_mass);
 }

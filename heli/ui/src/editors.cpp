@@ -36,7 +36,7 @@ bool hasAny(std::string_view text, const char* letters) {
 int parseInt(const jString& text, int base) {
     if (base == BASE_HEXADECIMAL) {
         const unsigned long value = std::strtoul(text.c_str(), nullptr, 16);
-        return static_cast<int>(static_cast<unsigned>(value)); // as formatInt writes negative ones
+        return static_cast<int>(value); // as formatInt writes negative ones
     }
     const long long value = std::strtoll(text.c_str(), nullptr, 10);
     return static_cast<int>(std::clamp<long long>(value, std::numeric_limits<int>::min(),
@@ -46,7 +46,7 @@ int parseInt(const jString& text, int base) {
 jString formatInt(int value, int base) {
     if (base != BASE_HEXADECIMAL) return ToString(value);
     char text[16];
-    std::snprintf(text, sizeof text, "0x%x", static_cast<unsigned>(value));
+    std::snprintf(text, sizeof text, "0x%x", value);
     return text;
 }
 

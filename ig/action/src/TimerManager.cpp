@@ -9,7 +9,7 @@ namespace ig {
 
 TimerManager::Timer* TimerManager::addTimer(float period) {
     if (!std::isfinite(period) || period <= 0) {
-        jLog::error("TimerManager::addTimer: %g s is not a period", static_cast<double>(period));
+        jLog::error("TimerManager::addTimer: %g s is not a period", period);
         return nullptr;
     }
     return &m_timers.emplace_back(new Running{period})->timer;
@@ -20,7 +20,7 @@ void TimerManager::update(float dt) {
     m_updating = true;
     const std::size_t count = m_timers.size(); // what is added meanwhile waits for the next advance
     for (std::size_t i = 0; i < count; i++)
-        advance(*m_timers[i], static_cast<double>(dt));
+        advance(*m_timers[i], dt);
     m_updating = false;
 }
 

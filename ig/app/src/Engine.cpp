@@ -15,7 +15,7 @@ void Engine::beginFrame(float dt, bool still) {
     m_frame++;
     m_frame_time = dt;
     m_scene_step = still ? 0 : dt;
-    m_running_time += static_cast<double>(m_scene_step);
+    m_running_time += m_scene_step;
 }
 
 void Engine::setEnvironment(EnvironmentValue which, float value) {

@@ -15,7 +15,7 @@ bool inRange(const std::bitset<N>&, int i) {
 
 bool InputRouter::keyDown(int key, bool repeat) {
     if (!inRange(m_held, key)) return false;
-    const auto k = static_cast<std::size_t>(key);
+    const auto k = key;
     // The same press again, when the window system repeats without saying so.
     const bool modifier = key >= KEY_SHIFT && key <= KEY_ALT;
     repeat = m_held[k] || (repeat && !modifier);
@@ -31,7 +31,7 @@ bool InputRouter::keyDown(int key, bool repeat) {
 
 bool InputRouter::keyUp(int key) {
     if (!inRange(m_held, key)) return false;
-    const auto k = static_cast<std::size_t>(key);
+    const auto k = key;
     m_held.reset(k);
     if (!m_scene_keys[k]) return false;
     m_scene_keys.reset(k);
@@ -39,9 +39,7 @@ bool InputRouter::keyUp(int key) {
     return true;
 }
 
-bool InputRouter::isHeld(int key) const {
-    return inRange(m_held, key) && m_held[static_cast<std::size_t>(key)];
-}
+bool InputRouter::isHeld(int key) const { return inRange(m_held, key) && m_held[key]; }
 
 void InputRouter::text(const char* utf8) { m_ui->text(utf8); }
 
@@ -50,7 +48,7 @@ bool InputRouter::mouseDown(int button, float x, float y) {
     mouseMove(x, y);
     if (m_ui->mouseDown({button, x, y})) return false;
     if (m_scene_buttons.none()) m_scene->dropMotion(); // on the way here nothing was dragged
-    m_scene_buttons.set(static_cast<std::size_t>(button));
+    m_scene_buttons.set(button);
     if (button == 0) m_scene->setLeftButton(true);
     if (button == 1) m_scene->setRightButton(true);
     return true;
@@ -60,7 +58,7 @@ bool InputRouter::mouseUp(int button, float x, float y) {
     if (!inRange(m_scene_buttons, button)) return false;
     mouseMove(x, y);
     m_ui->mouseUp({button, x, y});
-    const auto b = static_cast<std::size_t>(button);
+    const auto b = button;
     if (!m_scene_buttons[b]) return false;
     m_scene_buttons.reset(b);
     if (button == 0) m_scene->setLeftButton(false);

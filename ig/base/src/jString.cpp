@@ -13,8 +13,7 @@ class Shortest {
 public:
     template <class T>
     explicit Shortest(T value)
-        : m_size(static_cast<std::size_t>(std::to_chars(m_text, m_text + sizeof m_text, value).ptr -
-                                          m_text)) {}
+        : m_size(std::to_chars(m_text, m_text + sizeof m_text, value).ptr - m_text) {}
     operator std::string_view() const { return {m_text, m_size}; }
 
 private:

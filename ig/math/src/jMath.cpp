@@ -16,7 +16,7 @@ float jMath::getFadeOut(float value, float far, float near) {
 
 float jMath::linearToShock(float time) {
     constexpr double PERIOD = 1.6;
-    const double phase = std::fmod(static_cast<double>(time), PERIOD) / PERIOD;
+    const double phase = std::fmod(time, PERIOD) / PERIOD;
     return static_cast<float>(0.5 + 0.5 * std::cos(2 * std::numbers::pi * phase));
 }
 

@@ -200,7 +200,7 @@ void SocketUDP::noteReceived(int length, std::uint32_t address, int port) {
     s.smallest = s.datagrams_received ? std::min(s.smallest, length) : length;
     s.largest = std::max(s.largest, length);
     s.datagrams_received++;
-    s.bytes_received += static_cast<std::uint64_t>(length);
+    s.bytes_received += length;
     noteSender({address, port, s.last_received});
     if (s.expected_size == 0 || length == s.expected_size) return;
     (length < s.expected_size ? s.too_short : s.too_long)++;
@@ -252,7 +252,7 @@ int SocketUDP::write(const void* data, std::size_t size, std::size_t count) {
     if (sent < 0) return failWrite(errno);
     m_statistics.send_error = 0;
     m_statistics.datagrams_sent++;
-    m_statistics.bytes_sent += static_cast<std::uint64_t>(sent);
+    m_statistics.bytes_sent += sent;
     return static_cast<int>(sent);
 }
 

@@ -22,8 +22,7 @@ std::size_t sequenceLength(unsigned char lead, std::uint32_t& point, std::uint32
 std::size_t findInvalidUtf8(std::string_view text) {
     for (std::size_t i = 0; i < text.size();) {
         std::uint32_t point = 0, smallest = 0;
-        const std::size_t length =
-            sequenceLength(static_cast<unsigned char>(text[i]), point, smallest);
+        const std::size_t length = sequenceLength(text[i], point, smallest);
         if (!length || length > text.size() - i) return i;
         for (std::size_t k = 1; k < length; k++) {
             const auto byte = static_cast<unsigned char>(text[i + k]);

@@ -73,9 +73,7 @@ void BodyRope::setLength(float length) {
     }
 }
 
-dvec3 BodyRope::getPoint(int i) const {
-    return transpose(m_frame.getMat3()) * m_points[static_cast<std::size_t>(i)];
-}
+dvec3 BodyRope::getPoint(int i) const { return transpose(m_frame.getMat3()) * m_points[i]; }
 
 bool BodyRope::isLoaded() const {
     return std::any_of(m_joints.begin(), m_joints.end(),

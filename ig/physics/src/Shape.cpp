@@ -31,7 +31,7 @@ void Shape::setMass(float mass) {
     if (!(mass >= LEAST) && !m_warned) {
         m_warned = true;
         if (g_mass_report.allow())
-            jLog::warning("Shape::setMass: %g kg %s", static_cast<double>(mass),
+            jLog::warning("Shape::setMass: %g kg %s", mass,
                           std::isnan(mass) ? "is refused" : "counts as 1 kg");
     }
     if (!std::isfinite(mass) || !m_body) return;

@@ -134,7 +134,7 @@ std::uint32_t Bvh::partition(std::uint32_t begin, std::uint32_t end,
         if (!(component(centers.max, axis) > component(centers.min, axis))) continue;
         std::array<Bin, NUM_BINS> bins;
         for (std::uint32_t i = begin; i < end; i++) {
-            Bin& bin = bins[static_cast<std::size_t>(binOf(m_triangles[i], axis))];
+            Bin& bin = bins[binOf(m_triangles[i], axis)];
             bin.box.expand(boxes[m_triangles[i]].min, boxes[m_triangles[i]].max);
             bin.count++;
         }

@@ -39,8 +39,8 @@ std::string readText(const std::string& path) {
         size = std::min<std::size_t>(length, size - begin);
     }
     std::string text(size, '\0');
-    file.seekg(static_cast<std::streamoff>(begin));
-    file.read(text.data(), static_cast<std::streamsize>(size));
+    file.seekg(begin);
+    file.read(text.data(), size);
     return text;
 }
 
@@ -66,7 +66,7 @@ public:
                 m_key = {};
             } else if (c == ',') {
                 m_key = {};
-            } else if (std::isdigit(static_cast<unsigned char>(c))) {
+            } else if (std::isdigit(c)) {
                 const std::size_t number = takeNumber();
                 if (isIn({"", "nodes", "", "children"})) tree.children.back().push_back(number);
                 if (isIn({"", "scenes", "", "nodes"})) tree.roots.push_back(number);
@@ -90,8 +90,7 @@ private:
         std::size_t number = 0;
         for (; m_at < m_text.size() && std::isdigit(static_cast<unsigned char>(m_text[m_at]));
              m_at++)
-            number = std::min<std::size_t>(
-                number * 10 + static_cast<std::size_t>(m_text[m_at] - '0'), UINT32_MAX);
+            number = std::min<std::size_t>(number * 10 + (m_text[m_at] - '0'), UINT32_MAX);
         m_at--;
         return number;
     }

@@ -218,8 +218,8 @@ Mesh::Mesh(std::vector<Surface> surfaces)
 }
 
 double Mesh::intersect(int surface, const dvec3& a, const dvec3& b) const {
-    Bvh& tree = m_trees[static_cast<std::size_t>(surface)];
-    const Surface& s = m_surfaces[static_cast<std::size_t>(surface)];
+    Bvh& tree = m_trees[surface];
+    const Surface& s = m_surfaces[surface];
     if (tree.empty()) tree.build(s.positions, s.indices);
     return tree.intersect(a, b);
 }

@@ -12,7 +12,7 @@ Object::~Object() { delete m_body; }
 
 const Object::Slot* Object::getSlot(int surface) const {
     if (surface < 0 || surface >= static_cast<int>(m_slots.size())) return nullptr;
-    return &m_slots[static_cast<std::size_t>(surface)];
+    return &m_slots[surface];
 }
 
 Object::Slot* Object::getSlot(int surface) {

@@ -50,7 +50,7 @@ void ObjectParticles::clearParticles() {
 WorldBoundBox ObjectParticles::getWorldBoundBox() const {
     const float flight =
         (std::abs(m_velocity) + m_velocity_spread) * std::max(0.0f, m_life + m_life_spread);
-    const double reach = static_cast<double>(flight + length(m_spread));
+    const double reach = flight + length(m_spread);
     const dvec3 place = getWorldPosition(), half(reach, reach, reach);
     return {place - half, place + half};
 }

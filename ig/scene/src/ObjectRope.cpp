@@ -58,7 +58,7 @@ void ObjectRope::followBody() {
     Object::followBody();
     if (!getBody() || getBody()->getType() != Body::BODY_ROPE) return;
     const auto& rope = static_cast<const BodyRope&>(*getBody());
-    const double radius = static_cast<double>(m_radius);
+    const double radius = m_radius;
     for (int i = 0; i < BodyRope::SEGMENTS; i++) {
         m_segments[i]->setTransform(between(rope.getPoint(i), rope.getPoint(i + 1), radius));
         m_segments[i]->setEnabled(true);

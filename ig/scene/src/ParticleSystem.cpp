@@ -57,7 +57,7 @@ void ParticleSystem::advanceEmitter(const ObjectParticles& emitter, float dt, bo
                         readSlider(material, "spin", 0), readSlider(material, "wind", 0)};
     // Foam lies where a hull has gone: it doesn't pile up around a still one.
     const dvec3 moved = position - entry.position;
-    const double speed = length(moved) / static_cast<double>(dt);
+    const double speed = length(moved) / dt;
     const double share = flat ? std::min(speed / WAKE_SPEED, 1.0) : 1;
     entry.position = position;
     keepNear(position, entry.cloud);
@@ -83,7 +83,7 @@ void ParticleSystem::move(ParticleCloud& cloud, const Motion& motion, float dt) 
     vec3 air;
     if (motion.wind > 0) {
         const dmat4 level = EllipsoidModel().getWGSTransform(cloud.origin);
-        const double towards = static_cast<double>(m_wind_direction) * DEG_TO_RAD<double>;
+        const double towards = m_wind_direction * DEG_TO_RAD<double>;
         air = vec3(level.getX() * std::cos(towards) + level.getY() * std::sin(towards)) *
               (m_wind_speed * motion.wind);
     }
@@ -103,7 +103,7 @@ void ParticleSystem::spawn(const ObjectParticles& emitter, Entry& entry, const M
                            float share, float dt) {
     const float count = emitter.getSpawnRate() * share * emitter.getSpawnTime(dt);
     if (!(count > 0)) return;
-    entry.owed = std::min(entry.owed + static_cast<double>(count), static_cast<double>(MOST));
+    entry.owed = std::min(entry.owed + count, static_cast<double>(MOST));
     makeRoom(emitter, entry.cloud.particles);
     const dmat4& pose = emitter.getWorldTransform();
     const vec3 axes[3] = {vec3(pose.getX()), vec3(pose.getY()), vec3(pose.getZ())};

@@ -67,8 +67,7 @@ void UIEditLine::round() {
     const int size = number && std::abs(value) < MAX_ROUNDED
                          ? std::snprintf(text, sizeof text, "%.*f", m_decimals, value)
                          : 0;
-    m_rounded.assign(size > 0 ? std::string_view(text, static_cast<std::size_t>(size))
-                              : m_text.view());
+    m_rounded.assign(size > 0 ? std::string_view(text, size) : m_text.view());
 }
 
 /// The operator gets what is shown to work on.
@@ -345,7 +344,7 @@ bool UIEditLineWheel::onWheel(float notches, const UIEventKey& modifiers) {
     if (modifiers.shift) step *= 10;
     if (modifiers.ctrl) step /= 10;
     if (whole) step = std::max(step, 1.0);
-    const double stepped = value + step * static_cast<double>(notches);
+    const double stepped = value + step * notches;
     char text[64];
     std::snprintf(text, sizeof text, whole ? "%.0f" : "%.10g", stepped);
     setText(text);

@@ -173,7 +173,7 @@ bool UIRoot::nextField(bool backwards) {
 // ------------------------------------------------------------------ frame
 
 void UIRoot::update(float dt) {
-    m_time += static_cast<double>(dt);
+    m_time += dt;
     for (UIElement* element : m_children)
         element->refresh();
     arrange();

@@ -23,7 +23,7 @@ char32_t decode(std::string_view text, std::size_t& i) {
     }
     char32_t code = first & (0x3Fu >> more);
     for (int k = 1; k <= more; k++) {
-        const unsigned byte = byteAt(text, i + static_cast<std::size_t>(k));
+        const unsigned byte = byteAt(text, i + k);
         if (!isContinuation(byte)) {
             i++;
             return INVALID;
@@ -33,7 +33,7 @@ char32_t decode(std::string_view text, std::size_t& i) {
     constexpr char32_t SMALLEST[] = {0, 0x80, 0x800, 0x10000}; // shorter forms are not valid
     const bool surrogate = code >= 0xD800 && code < 0xE000;
     const bool valid = code >= SMALLEST[more] && code <= 0x10FFFF && !surrogate;
-    i += valid ? static_cast<std::size_t>(more) + 1 : 1;
+    i += valid ? more + 1 : 1;
     return valid ? code : INVALID;
 }
 
@@ -46,7 +46,7 @@ void encode(std::string& text, char32_t code) {
     constexpr unsigned LEAD[] = {0, 0xC0, 0xE0, 0xF0};
     text += static_cast<char>(LEAD[more] | code >> (6 * more));
     for (int k = more - 1; k >= 0; k--)
-        text += static_cast<char>(0x80u | (code >> (6 * k) & 0x3Fu));
+        text += 0x80u | (code >> (6 * k) & 0x3Fu);
 }
 
 std::size_t next(std::string_view text, std::size_t i) {

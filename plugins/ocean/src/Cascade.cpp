@@ -23,9 +23,9 @@ std::uint32_t mix(std::uint32_t h) {
 
 /// The phase of a mode, in turns. Integers only: the same on every machine.
 double phaseOf(int id, int m, int n) {
-    std::uint32_t h = mix(static_cast<std::uint32_t>(id) * 0x9e3779b9u + 1);
-    h = mix(h ^ static_cast<std::uint32_t>(m) * 0x85ebca6bu);
-    h = mix(h ^ static_cast<std::uint32_t>(n) * 0xc2b2ae35u);
+    std::uint32_t h = mix(id * 0x9e3779b9u + 1);
+    h = mix(h ^ m * 0x85ebca6bu);
+    h = mix(h ^ n * 0xc2b2ae35u);
     return h * 0x1p-32;
 }
 
@@ -41,7 +41,7 @@ inline double wrapTurns(double turns) {
 /// doubled: errs by less than 1e-6, and consists of exactly rounded operations only, so that it
 /// gives the same bits under every compiler and library.
 inline void cosineSine(float turns, float& cosine, float& sine) {
-    turns -= static_cast<float>(static_cast<int>(turns * 2)); // to [−½, ½]
+    turns -= static_cast<int>(turns * 2); // to [−½, ½]
     const float h = turns * std::numbers::pi_v<float>, h2 = h * h;
     const float s =
         h * (1 + h2 * (-1 / 6.f +
@@ -145,8 +145,8 @@ double Cascade::aim(const WaveSpectrum& spectrum, const Lattice& lattice) {
             if (m_share[way][i] > 0) {
                 // The longest waves stand few to the tile: the spectrum varies within a cell.
                 const bool coarse = m * m + n * n < 64;
-                energy = (coarse ? meanOverCell(m, n, density) : density(m, n)) *
-                         static_cast<double>(m_share[way][i]) * dk * dk;
+                energy = (coarse ? meanOverCell(m, n, density) : density(m, n)) * m_share[way][i] *
+                         dk * dk;
             }
             m_target[way][i] = static_cast<float>(energy);
             sum += energy;
@@ -157,7 +157,7 @@ double Cascade::aim(const WaveSpectrum& spectrum, const Lattice& lattice) {
 void Cascade::scaleTarget(double factor) {
     for (auto& target : m_target)
         for (float& energy : target)
-            energy = static_cast<float>(static_cast<double>(energy) * factor);
+            energy = static_cast<float>(energy * factor);
 }
 
 void Cascade::blend(const Easing& easing) {
@@ -168,7 +168,7 @@ void Cascade::blend(const Easing& easing) {
             const float energy =
                 std::max(0.f, easing.value(m_start[way][i], m_rate[way][i], m_target[way][i]));
             m_amplitude[way][i] = std::sqrt(energy / 2) * m_compensation[i];
-            const double k = static_cast<double>(m_k[i]), e = static_cast<double>(energy);
+            const double k = m_k[i], e = energy;
             m_measures.variance += e;
             m_measures.level_drop += k * e;
             m_measures.slope_variance += k * k * e;
@@ -258,7 +258,7 @@ void Cascade::measureHighest() {
     for (std::size_t i = 0; i < m_displacement.size(); i += 16)
         for (std::size_t j = 0; j < 4; j++)
             highest[j] = std::max(highest[j], std::abs(m_displacement[i + 4 * j + 2]));
-    m_highest = static_cast<double>(*std::max_element(highest, highest + 4));
+    m_highest = *std::max_element(highest, highest + 4);
 }
 
 void Cascade::updateFoam(double dt) {
@@ -275,7 +275,7 @@ std::vector<Wave> Cascade::listWaves() const {
     for (int way = 0; way < 2; way++)
         for (std::size_t i = 0; i < m_k.size(); i++) {
             const Lattice::Pair& p = lattice.pairs[i];
-            const double half = static_cast<double>(m_amplitude[way][i] / m_compensation[i]);
+            const double half = m_amplitude[way][i] / m_compensation[i];
             if (!(half > 0)) continue;
             const double sign = way ? -dk : dk;
             waves.push_back(

@@ -73,8 +73,7 @@ struct Fft::Buffers {
     std::vector<float> half_re, half_im; ///< [m + band][y]: transformed along n
 
     Buffers(int n, int rows)
-        : size(n), data(static_cast<std::size_t>(n)), scratch(data.size()),
-          half_re(static_cast<std::size_t>(rows * n)), half_im(half_re.size()) {
+        : size(n), data(n), scratch(data.size()), half_re(rows * n), half_im(half_re.size()) {
         for (int j = 0; j < n; j++) {
             const double angle = 2 * std::numbers::pi * j / n;
             twiddles.push_back(
@@ -86,7 +85,7 @@ struct Fft::Buffers {
 
     /// Where `count` lanes of the element of a frequency go in.
     void load(int frequency, const float* re, const float* im, int count) {
-        Lanes& lanes = data[static_cast<std::size_t>((frequency + size) % size)];
+        Lanes& lanes = data[(frequency + size) % size];
         std::copy_n(re, count, lanes.re);
         std::copy_n(im, count, lanes.im);
     }
@@ -103,9 +102,8 @@ void Fft::Buffers::transform() {
             const Twiddle* w = twiddles.data();
             const int turn = p * stride;
             for (int q = 0; q < stride; q++)
-                butterfly4(&data[static_cast<std::size_t>(q + stride * p)], stride * quarter,
-                           &scratch[static_cast<std::size_t>(q + stride * 4 * p)], stride, w[turn],
-                           w[2 * turn], w[3 * turn]);
+                butterfly4(&data[q + stride * p], stride * quarter, &scratch[q + stride * 4 * p],
+                           stride, w[turn], w[2 * turn], w[3 * turn]);
         }
         data.swap(scratch);
     }
@@ -142,7 +140,7 @@ void Fft::transformColumns(const float* in_re, const float* in_im) {
         }
         b.transform();
         for (int j = 0; j < count; j++) {
-            const std::size_t row = static_cast<std::size_t>(m0 + j) * b.data.size();
+            const std::size_t row = (m0 + j) * b.data.size();
             for (std::size_t y = 0; y < b.data.size(); y++) {
                 b.half_re[row + y] = b.data[y].re[j];
                 b.half_im[row + y] = b.data[y].im[j];

@@ -52,8 +52,7 @@ bool ObjectOcean::accept(const char* operation, float& value, float low, float h
     }
     const float clamped = std::clamp(value, low, high);
     if (clamped != value && limiter.allow())
-        jLog::warning("%s: %g is out of range, %g is used", operation, static_cast<double>(value),
-                      static_cast<double>(clamped));
+        jLog::warning("%s: %g is out of range, %g is used", operation, value, clamped);
     value = clamped;
     return true;
 }
@@ -61,14 +60,14 @@ bool ObjectOcean::accept(const char* operation, float& value, float low, float h
 void ObjectOcean::setBeaufort(float beaufort) {
     if (!accept("ObjectOcean::setBeaufort", beaufort, 0, MAX_BEAUFORT, m_beaufort_limiter)) return;
     SeaSettings settings = m_waves->get();
-    settings.beaufort = static_cast<double>(beaufort);
+    settings.beaufort = beaufort;
     m_waves->set(settings);
 }
 
 void ObjectOcean::setSpeed(float speed) {
     if (!accept("ObjectOcean::setSpeed", speed, 0, MAX_SPEED, m_speed_limiter)) return;
     SeaSettings settings = m_waves->get();
-    settings.wind = static_cast<double>(speed);
+    settings.wind = speed;
     m_waves->set(settings);
 }
 
@@ -78,7 +77,7 @@ void ObjectOcean::setAngle(float angle) {
     SeaSettings settings = m_waves->get();
     angle = std::fmod(angle, 360.0f);
     if (angle < 0) angle += 360;
-    settings.angle = static_cast<double>(angle < 360 ? angle : 0); // a hair below 0 rounds up
+    settings.angle = angle < 360 ? angle : 0; // a hair below 0 rounds up
     m_waves->set(settings);
 }
 

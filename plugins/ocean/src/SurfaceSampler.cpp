@@ -89,9 +89,9 @@ void SurfaceSampler::sample(const Place& place, double dx, double dy, float out[
 void SurfaceSampler::displace(double x, double y, double out[3]) const {
     float d[3];
     sample(locate(x, y), 0, 0, d);
-    out[0] = static_cast<double>(d[0]);
-    out[1] = static_cast<double>(d[1]);
-    out[2] = static_cast<double>(d[2]) + m_mean_level;
+    out[0] = d[0];
+    out[1] = d[1];
+    out[2] = d[2] + m_mean_level;
 }
 
 SurfaceSampler::Point SurfaceSampler::find(double x, double y) const {
@@ -109,9 +109,8 @@ SurfaceSampler::Point SurfaceSampler::find(double x, double y) const {
         sample(place, dx, dy, d);
         if (move_x * move_x + move_y * move_y < TOLERANCE * TOLERANCE) break;
     }
-    const double off_x = dx + static_cast<double>(d[0]), off_y = dy + static_cast<double>(d[1]);
-    return {x + dx, y + dy, static_cast<double>(d[2]) + m_mean_level,
-            std::sqrt(off_x * off_x + off_y * off_y)};
+    const double off_x = dx + d[0], off_y = dy + d[1];
+    return {x + dx, y + dy, d[2] + m_mean_level, std::sqrt(off_x * off_x + off_y * off_y)};
 }
 
 } // namespace ig

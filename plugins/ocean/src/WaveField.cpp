@@ -52,7 +52,7 @@ void WaveField::evolve(double time) {
         const Easing easing = m_started ? easingAt(time) : Easing();
         for (Cascade& cascade : m_cascades)
             cascade.blend(easing);
-        m_frame.wind = static_cast<double>(m_wind.value(easing));
+        m_frame.wind = m_wind.value(easing);
         m_settled = easing.isSettled();
     }
     const double dt = m_started ? std::max(0.0, time - m_time) : 0;

@@ -86,7 +86,7 @@ bool ObjectTerrain::getIntersection(int surface, const dvec3& a, const dvec3& b,
 Ground ObjectTerrain::getGroundAt(int surface, const dvec3& place) const {
     const Ground ground = readGround(surface, {Ground::Kind::grass, {0.24f, 0.2f, 0.1f, 0.9f}});
     const Material* material = getSurfaceMaterial(surface);
-    const auto shore = static_cast<double>(readSlider(material, "shore_height", -1e9f));
+    const auto shore = readSlider(material, "shore_height", -1e9f);
     if (ground.kind == Ground::Kind::snow || EARTH.getAltitude(place) >= shore) return ground;
     return {Ground::Kind::sand, readValue(material, "shore_lifted", {0.5f, 0.41f, 0.27f, 3.2f})};
 }

@@ -120,7 +120,7 @@ void makeTexture(Texture& texture, int width, int height, const TextureFormat& f
 }
 
 void bindTexture(int unit, const Texture& texture) {
-    glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(unit));
+    glActiveTexture(GL_TEXTURE0 + unit);
     glBindTexture(GL_TEXTURE_2D, texture.getId());
 }
 
@@ -131,11 +131,9 @@ void makeVertexArray(VertexArray& array, Buffer& vertices, std::span<const std::
     indices.create();
     glBindVertexArray(array.getId());
     glBindBuffer(GL_ARRAY_BUFFER, vertices.getId());
-    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(vertex_data.size()), vertex_data.data(),
-                 GL_STATIC_DRAW);
+    glBufferData(GL_ARRAY_BUFFER, vertex_data.size(), vertex_data.data(), GL_STATIC_DRAW);
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indices.getId());
-    glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(index_data.size()),
-                 index_data.data(), GL_STATIC_DRAW);
+    glBufferData(GL_ELEMENT_ARRAY_BUFFER, index_data.size(), index_data.data(), GL_STATIC_DRAW);
 }
 
 // ------------------------------------------------------------------ programs

@@ -121,17 +121,15 @@ void GrassPass::plant(Square& square, const World& world, const ObjectTerrain& t
     square.middle = {0, 0, static_cast<float>(altitude)};
     const float shore =
         readSlider(terrain.getSurfaceMaterial(0), "shore_height", TerrainPass::SHORE_HEIGHT);
-    const auto seed = static_cast<std::uint32_t>(column) * 73856093u ^
-                      static_cast<std::uint32_t>(row) * 19349663u;
+    const auto seed = column * 73856093u ^ row * 19349663u;
     const dvec3 up = square.frame.getMat3().columns[2];
     const double least_up = 1 / std::hypot(1.0, STEEPEST);
     for (std::uint32_t i = 0; i < TUFTS; i++) {
-        const double u = static_cast<double>(hash(seed + 3 * i)),
-                     v = static_cast<double>(hash(seed + 3 * i + 1));
+        const double u = hash(seed + 3 * i), v = hash(seed + 3 * i + 1);
         const dvec2 place = lattice.toDegrees(grid, column + u, row + v);
         dvec3 normal;
         if (!terrain.getAltitudeByLonLat(place.x, place.y, &altitude, &normal)) continue;
-        if (altitude < static_cast<double>(shore) * 1.6 || dot(normal, up) < least_up) continue;
+        if (altitude < shore * 1.6 || dot(normal, up) < least_up) continue;
         if (covered && cover.isCovered(terrain, column + u, row + v)) continue;
         const float chance = hash(seed + 3 * i + 2);
         square.tufts.push_back(
@@ -160,7 +158,7 @@ void GrassPass::draw(const FrameView& view, const World& world, const ObjectTerr
     double ground = 0;
     if (grid.empty() || view.orthographic ||
         !terrain.getAltitudeByLonLat(view.geodetic.x, view.geodetic.y, &ground, nullptr) ||
-        view.geodetic.z - ground > static_cast<double>(HIGHEST_EYE))
+        view.geodetic.z - ground > HIGHEST_EYE)
         return;
     adopt(terrain);
     purge();
@@ -168,7 +166,7 @@ void GrassPass::draw(const FrameView& view, const World& world, const ObjectTerr
     const auto column = static_cast<std::int32_t>(std::floor(here.x));
     const auto row = static_cast<std::int32_t>(std::floor(here.y));
     // Rings from the eye outwards: the nearest squares are planted first.
-    constexpr auto RINGS = static_cast<std::int32_t>(static_cast<double>(REACH) / EDGE) + 1;
+    constexpr auto RINGS = REACH / EDGE + 1;
     visit(view, world, terrain, column, row);
     for (std::int32_t ring = 1; ring <= RINGS; ring++)
         for (std::int32_t i = -ring; i < ring; i++) {
@@ -180,8 +178,8 @@ void GrassPass::draw(const FrameView& view, const World& world, const ObjectTerr
     if (m_instances.empty()) return;
     glBindVertexArray(m_vertex_array.getId());
     glBindBuffer(GL_ARRAY_BUFFER, m_buffer.getId());
-    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(m_instances.size() * sizeof(Instance)),
-                 m_instances.data(), GL_STREAM_DRAW);
+    glBufferData(GL_ARRAY_BUFFER, m_instances.size() * sizeof(Instance), m_instances.data(),
+                 GL_STREAM_DRAW);
     m_program.use();
     m_program.set("uTurf", TerrainPass::readTurf(terrain.getSurfaceMaterial(0)));
     m_program.set("uReach", REACH);
@@ -192,8 +190,8 @@ void GrassPass::draw(const FrameView& view, const World& world, const ObjectTerr
 
 void GrassPass::visit(const FrameView& view, const World& world, const ObjectTerrain& terrain,
                       std::int32_t column, std::int32_t row) {
-    const std::uint64_t key = static_cast<std::uint64_t>(static_cast<std::uint32_t>(row)) << 32 |
-                              static_cast<std::uint32_t>(column);
+    const std::uint64_t key =
+        static_cast<std::uint64_t>(row) << 32 | static_cast<std::uint32_t>(column);
     const auto known = m_squares.find(key);
     if (known == m_squares.end()) {
         if (m_planted >= PLANTED_A_FRAME) return;
@@ -208,7 +206,7 @@ void GrassPass::visit(const FrameView& view, const World& world, const ObjectTer
 void GrassPass::addInstances(const FrameView& view, const Square& square) {
     const mat4 to_eye = view.toFrame(square.frame);
     const vec3 middle = to_eye * square.middle;
-    if (!view.sees(middle, static_cast<float>(EDGE))) return;
+    if (!view.sees(middle, EDGE)) return;
     const float near = 1 - length(middle) / REACH;
     if (near <= 0) return;
     // Fewer the farther, each a little higher: the square's own order keeps those that stay.

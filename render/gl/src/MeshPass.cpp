@@ -92,8 +92,8 @@ void MeshPass::upload(const SceneList& list, const SkyPass& sky) {
     std::sort(m_opaque.begin(), m_opaque.end(),
               [](const Batch& a, const Batch& b) { return a.distance < b.distance; });
     glBindBuffer(GL_ARRAY_BUFFER, m_instance_buffer.getId());
-    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(m_instances.size() * sizeof(Instance)),
-                 m_instances.data(), GL_STREAM_DRAW);
+    glBufferData(GL_ARRAY_BUFFER, m_instances.size() * sizeof(Instance), m_instances.data(),
+                 GL_STREAM_DRAW);
 }
 
 void MeshPass::addBatches(const std::vector<MeshItem>& items, std::vector<Batch>& batches,
@@ -123,8 +123,7 @@ void MeshPass::bindInstances(const Batch& batch) {
     for (GLuint i = 0; i < 4; i++)
         glVertexAttribPointer(
             3 + i, 4, GL_FLOAT, GL_FALSE, sizeof(Instance),
-            reinterpret_cast<const void*>(static_cast<std::size_t>(batch.first) * sizeof(Instance) +
-                                          i * sizeof(vec4)));
+            reinterpret_cast<const void*>(batch.first * sizeof(Instance) + i * sizeof(vec4)));
     const DeviceMesh::Range& range = batch.getRange();
     glDrawElementsInstanced(GL_TRIANGLES, range.count, GL_UNSIGNED_INT,
                             reinterpret_cast<const void*>(range.first), batch.count);

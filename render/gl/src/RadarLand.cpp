@@ -36,8 +36,7 @@ void RadarLand::fill(const TerrainGrid& grid) {
         m_step *= 2;
     m_columns = std::max((grid.columns + m_step - 1) / m_step, 1);
     m_rows = std::max((grid.rows + m_step - 1) / m_step, 1);
-    std::vector<std::uint8_t> bytes(4 * static_cast<std::size_t>(m_columns) *
-                                    static_cast<std::size_t>(m_rows));
+    std::vector<std::uint8_t> bytes(4 * static_cast<std::size_t>(m_columns) * m_rows);
     const auto height = [&grid](int column, int row) {
         const float h = grid.getHeight(std::clamp(column, 0, grid.columns - 1),
                                        std::clamp(row, 0, grid.rows - 1));
@@ -89,7 +88,7 @@ void RadarLand::bind(gl::Program& program, const FrameView& view, float texel) c
                                 static_cast<float>((south * row + 0.5) / m_rows),
                                 static_cast<float>(per_east / m_columns),
                                 static_cast<float>(-per_north / m_rows)));
-    const double level = std::log2(std::max(static_cast<double>(texel) * per_north, 1.0));
+    const double level = std::log2(std::max(texel * per_north, 1.0));
     program.set("uDetail", static_cast<float>(std::floor(level)));
 }
 

@@ -149,8 +149,8 @@ void RadarPass::setSea(float texel) {
 void RadarPass::moveCells(const FrameView& view, const FrameInfo& frame) {
     if (std::abs(view.geodetic.y - m_cells_latitude) > 3) m_cells_latitude = view.geodetic.y;
     const double step = std::clamp(frame.time - m_drift_time, 0.0, 3600.0);
-    m_drift.x += static_cast<double>(frame.wind.x) * step;
-    m_drift.y += static_cast<double>(frame.wind.y) * step;
+    m_drift.x += frame.wind.x * step;
+    m_drift.y += frame.wind.y * step;
     m_drift_time = frame.time;
     const double longitude_scale = DEGREE * std::cos(m_cells_latitude * DEG_TO_RAD<double>);
     m_cells_place = {view.geodetic.x * longitude_scale - m_drift.x,
@@ -204,8 +204,8 @@ void RadarPass::drawTargets(float gain) {
     m_target.set("uGain", gain);
     glBindVertexArray(m_corner_array.getId());
     glBindBuffer(GL_ARRAY_BUFFER, m_corner_buffer.getId());
-    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(m_corners.size() * sizeof(Corner)),
-                 m_corners.data(), GL_STREAM_DRAW);
+    glBufferData(GL_ARRAY_BUFFER, m_corners.size() * sizeof(Corner), m_corners.data(),
+                 GL_STREAM_DRAW);
     glEnable(GL_BLEND);
     glBlendEquation(GL_MAX);
     glDrawArrays(GL_TRIANGLES, 0, static_cast<GLsizei>(m_corners.size()));

@@ -331,7 +331,7 @@ bool RendererGL::readPicture(Picture& picture) {
     picture.width = r.targets.getWidth();
     picture.height = r.targets.getHeight();
     const std::size_t row = 3 * static_cast<std::size_t>(picture.width);
-    picture.rgb.resize(row * static_cast<std::size_t>(picture.height));
+    picture.rgb.resize(row * picture.height);
     glBindFramebuffer(GL_READ_FRAMEBUFFER, r.targets.finished_target.getId());
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glReadPixels(0, 0, picture.width, picture.height, GL_RGB, GL_UNSIGNED_BYTE, picture.rgb.data());
@@ -352,7 +352,7 @@ double RendererGL::readDistance(double x, double y) {
     glReadPixels(std::clamp(static_cast<int>(x * w), 0, w - 1),
                  std::clamp(static_cast<int>((1 - y) * h), 0, h - 1), 1, 1, GL_DEPTH_COMPONENT,
                  GL_FLOAT, &depth);
-    return r.view.toDistance(static_cast<double>(depth));
+    return r.view.toDistance(depth);
 }
 
 } // namespace ig

@@ -146,11 +146,11 @@ void SkyPass::readBack() {
     float weights = 0;
     for (int i = 0; i < SMALL * SMALL; i++) {
         const auto value = [&](int c) {
-            const float root = bytes[static_cast<std::size_t>(4 * i + c)] / 255.0f;
+            const float root = bytes[4 * i + c] / 255.0f;
             return root * root * m_range;
         };
         const vec3 color(value(0), value(1), value(2));
-        m_small[static_cast<std::size_t>(i)] = color;
+        m_small[i] = color;
         const float x = (static_cast<float>(i % SMALL) + 0.5f) / (SMALL / 2) - 1;
         const float y = (static_cast<float>(i / SMALL) + 0.5f) / (SMALL / 2) - 1;
         const float r2 = x * x + y * y;
@@ -168,7 +168,7 @@ vec3 SkyPass::getHaze(vec2 direction) const {
     const auto place = [&](float v) {
         return std::clamp(static_cast<int>((v * scale + 0.5f) * SMALL), 0, SMALL - 1);
     };
-    return m_small[static_cast<std::size_t>(place(direction.y) * SMALL + place(direction.x))];
+    return m_small[place(direction.y) * SMALL + place(direction.x)];
 }
 
 // ------------------------------------------------------------------ a frame

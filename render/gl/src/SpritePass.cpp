@@ -38,8 +38,7 @@ void SpritePass::draw(const FrameView& view, const std::vector<Sprite>& sprites,
     if (sprites.empty()) return;
     glBindVertexArray(m_vertex_array.getId());
     glBindBuffer(GL_ARRAY_BUFFER, m_buffer.getId());
-    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(sprites.size() * sizeof(Sprite)),
-                 sprites.data(), GL_STREAM_DRAW);
+    glBufferData(GL_ARRAY_BUFFER, sprites.size() * sizeof(Sprite), sprites.data(), GL_STREAM_DRAW);
     glEnable(GL_BLEND);
     glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     glDepthMask(GL_FALSE);

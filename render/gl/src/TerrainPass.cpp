@@ -43,7 +43,7 @@ dvec3 geodetic(const TerrainGrid& grid, double column, double row, double altitu
 std::vector<std::uint16_t> triangulate(const std::vector<char>& has_data, int edge) {
     std::vector<std::uint16_t> indices;
     const auto addTriangle = [&](int a, int b, int c) {
-        const auto good = [&has_data](int v) { return has_data[static_cast<std::size_t>(v)] != 0; };
+        const auto good = [&has_data](int v) { return has_data[v] != 0; };
         if (!good(a) || !good(b) || !good(c)) return;
         for (const int v : {a, b, c})
             indices.push_back(static_cast<std::uint16_t>(v));
@@ -63,7 +63,7 @@ bool TerrainPass::init() { return m_program.build("terrain.vert", "shadow.glsl t
 
 std::uint64_t TerrainPass::key(const Square& square) {
     return static_cast<std::uint64_t>(square.step) << 48 |
-           static_cast<std::uint64_t>(square.row) << 24 | static_cast<std::uint64_t>(square.column);
+           static_cast<std::uint64_t>(square.row) << 24 | square.column;
 }
 
 void TerrainPass::adopt(const TerrainGrid& grid) {
@@ -153,8 +153,7 @@ void TerrainPass::visit(const FrameView& view, const TerrainGrid& grid, const Sq
     const double columns = std::min(size, grid.columns - 1.0 - square.column);
     const double rows = std::min(size, grid.rows - 1.0 - square.row);
     const double column = square.column + columns / 2, row = square.row + rows / 2;
-    const double low = static_cast<double>(extent.lowest),
-                 high = static_cast<double>(extent.highest);
+    const double low = extent.lowest, high = extent.highest;
     const dvec3 middle = EllipsoidModel().toWorld(geodetic(grid, column, row, (low + high) / 2));
     const dvec2 metres = spacing(grid, row);
     const vec3 center(view.toFrame(middle));
@@ -225,8 +224,7 @@ void TerrainPass::fill(Chunk& chunk, const TerrainGrid& grid, const Square& squa
             const vec3 normal = normalize(
                 vec3(slope(height(column - step, row), height(column + step, row), metres.x),
                      slope(height(column, row + step), height(column, row - step), metres.y), 1));
-            const dvec3 world =
-                earth.toWorld(geodetic(grid, column, row, static_cast<double>(known) - lowered));
+            const dvec3 world = earth.toWorld(geodetic(grid, column, row, known - lowered));
             vertices.push_back({vec3(to_chunk * world), packNormal(normal), known});
         }
     const std::vector<std::uint16_t> indices = triangulate(has_data, EDGE);

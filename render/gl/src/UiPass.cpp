@@ -122,8 +122,8 @@ void UiPass::draw(const UiDrawList& list, const ViewportPass& viewports, int wid
     m_program.set("uSize", vec2{static_cast<float>(width), static_cast<float>(height)});
     glBindVertexArray(m_vertex_array.getId());
     glBindBuffer(GL_ARRAY_BUFFER, m_buffer.getId());
-    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(m_vertices.size() * sizeof(Vertex)),
-                 m_vertices.data(), GL_STREAM_DRAW);
+    glBufferData(GL_ARRAY_BUFFER, m_vertices.size() * sizeof(Vertex), m_vertices.data(),
+                 GL_STREAM_DRAW);
     glDisable(GL_DEPTH_TEST);
     glEnable(GL_BLEND);
     glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);

@@ -142,8 +142,8 @@ void WakePass::paintWakes(const Map& map, const std::vector<Wake>& wakes, dvec2 
 void WakePass::paintPatches(const Map& map, const std::vector<FoamPatch>& patches) {
     glBindVertexArray(m_vertex_array.getId());
     glBindBuffer(GL_ARRAY_BUFFER, m_buffer.getId());
-    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(patches.size() * sizeof(FoamPatch)),
-                 patches.data(), GL_STREAM_DRAW);
+    glBufferData(GL_ARRAY_BUFFER, patches.size() * sizeof(FoamPatch), patches.data(),
+                 GL_STREAM_DRAW);
     glEnable(GL_BLEND);
     glBlendFunc(GL_ONE, GL_ONE);
     m_patch.use();

@@ -18,8 +18,7 @@ constexpr std::uint32_t RGB_WITH_ALPHA = 65; ///< flags of the pixel format: 0x4
 std::uint32_t wordAt(const char* bytes, std::size_t offset) {
     unsigned char b[4];
     std::memcpy(b, bytes + offset, 4);
-    return static_cast<std::uint32_t>(b[0]) | static_cast<std::uint32_t>(b[1]) << 8 |
-           static_cast<std::uint32_t>(b[2]) << 16 | static_cast<std::uint32_t>(b[3]) << 24;
+    return b[0] | b[1] << 8 | b[2] << 16 | b[3] << 24;
 }
 
 bool isPlainBgra(const char* header) {
@@ -38,10 +37,9 @@ bool readDds(std::istream& file, Image& image) {
     if (static_cast<std::size_t>(file.tellg()) < HEADER + size) return false;
     file.seekg(HEADER);
     image.rgba.resize(size);
-    if (!file.read(reinterpret_cast<char*>(image.rgba.data()), static_cast<std::streamsize>(size)))
-        return false;
-    image.width = static_cast<int>(width);
-    image.height = static_cast<int>(height);
+    if (!file.read(reinterpret_cast<char*>(image.rgba.data()), size)) return false;
+    image.width = width;
+    image.height = height;
     for (std::size_t i = 0; i < size; i += 4)
         std::swap(image.rgba[i], image.rgba[i + 2]);
     return true;

@@ -55,8 +55,7 @@ bool writePng(const std::string& path, const Picture& picture) {
         return false;
     }
     png_set_write_fn(png, &file, hand, nullptr);
-    png_set_IHDR(png, info, static_cast<png_uint_32>(picture.width),
-                 static_cast<png_uint_32>(picture.height), 8, PNG_COLOR_TYPE_RGB,
+    png_set_IHDR(png, info, picture.width, picture.height, 8, PNG_COLOR_TYPE_RGB,
                  PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     png_set_compression_level(png, 1);
     png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_SUB);
@@ -78,8 +77,8 @@ bool readPng(const std::string& path, Image& image) {
     if (why.empty() && png_image_begin_read_from_file(&header, path.c_str()) &&
         isSane(header.width, header.height, std::filesystem::file_size(path, error), why)) {
         header.format = PNG_FORMAT_RGBA;
-        image.width = static_cast<int>(header.width);
-        image.height = static_cast<int>(header.height);
+        image.width = header.width;
+        image.height = header.height;
         try {
             image.rgba.resize(PNG_IMAGE_SIZE(header));
         } catch (const std::bad_alloc&) {

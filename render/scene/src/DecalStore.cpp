@@ -63,8 +63,8 @@ std::shared_ptr<const Mesh> DecalStore::lay(const World& world, const DecalOrtho
         for (int column = 0; column <= columns; column++) {
             const vec2 uv{static_cast<float>(column) / static_cast<float>(columns),
                           static_cast<float>(row) / static_cast<float>(rows)};
-            const dvec3 from(static_cast<double>((uv.x - 0.5f) * decal.getWidth()),
-                             static_cast<double>((uv.y - 0.5f) * decal.getHeight()), 0);
+            const dvec3 from((uv.x - 0.5f) * decal.getWidth(), (uv.y - 0.5f) * decal.getHeight(),
+                             0);
             dvec3 hit;
             met.push_back(world.meet(pose * from, pose * (from - dvec3(0, 0, REACH)), false, &hit));
             const double height = met.back() ? (to_node * hit).z + LIFT : 0;
@@ -77,10 +77,9 @@ std::shared_ptr<const Mesh> DecalStore::lay(const World& world, const DecalOrtho
         for (int column = 0; column < columns; column++) {
             const int low = row * stride + column, high = low + stride;
             const int corners[6] = {low, low + 1, high + 1, low, high + 1, high};
-            if (std::all_of(corners, corners + 6,
-                            [&met](int i) { return met[static_cast<std::size_t>(i)]; }))
+            if (std::all_of(corners, corners + 6, [&met](int i) { return met[i]; }))
                 for (const int i : corners)
-                    sheet.indices.push_back(static_cast<std::uint32_t>(i));
+                    sheet.indices.push_back(i);
         }
     if (sheet.indices.empty()) return nullptr;
     return std::make_shared<const Mesh>(std::vector<Mesh::Surface>{std::move(sheet)});

@@ -37,7 +37,7 @@ GlyphAtlas::~GlyphAtlas() {
 
 void GlyphAtlas::clear() {
     m_glyphs.clear();
-    m_pixels.assign(static_cast<std::size_t>(SIZE) * SIZE, 0);
+    m_pixels.assign(SIZE * SIZE, 0);
     for (int y = 0; y < SOLID; y++)
         std::fill_n(m_pixels.begin() + y * SIZE, SOLID, std::uint8_t{255});
     m_x = SOLID + 1;
@@ -68,19 +68,18 @@ const Glyph* GlyphAtlas::find(std::uint32_t character, int size) {
     const std::uint64_t key = static_cast<std::uint64_t>(size) << 32 | character;
     const auto known = m_glyphs.find(key);
     if (known != m_glyphs.end()) return &known->second;
-    FT_Set_Pixel_Sizes(m_face, 0, static_cast<FT_UInt>(size));
+    FT_Set_Pixel_Sizes(m_face, 0, size);
     if (FT_Load_Char(m_face, character, FT_LOAD_RENDER | FT_LOAD_TARGET_LIGHT) != 0) return nullptr;
     const FT_GlyphSlot slot = m_face->glyph;
     const FT_Bitmap& bitmap = slot->bitmap;
-    const int width = static_cast<int>(bitmap.width), height = static_cast<int>(bitmap.rows);
+    const int width = bitmap.width, height = bitmap.rows;
     int x = 0, y = 0;
     if (!findRoom(width, height, x, y)) {
         clear();
         if (!findRoom(width, height, x, y)) return nullptr;
     }
     for (int row = 0; row < height; row++)
-        std::memcpy(&m_pixels[static_cast<std::size_t>((y + row) * SIZE + x)],
-                    bitmap.buffer + row * bitmap.pitch, static_cast<std::size_t>(width));
+        std::memcpy(&m_pixels[(y + row) * SIZE + x], bitmap.buffer + row * bitmap.pitch, width);
     m_dirty_from = std::min(m_dirty_from, y);
     m_dirty_to = std::max(m_dirty_to, y + height);
     const auto texel = [](int v) { return static_cast<float>(v) / SIZE; };
@@ -96,8 +95,7 @@ const Glyph* GlyphAtlas::find(std::uint32_t character, int size) {
 
 float GlyphAtlas::getAscent(int size) const {
     if (!m_face || m_face->units_per_EM == 0) return static_cast<float>(size);
-    return static_cast<float>(size) * static_cast<float>(m_face->ascender) /
-           static_cast<float>(m_face->ascender - m_face->descender);
+    return static_cast<float>(size) * m_face->ascender / (m_face->ascender - m_face->descender);
 }
 
 bool GlyphAtlas::takeChanges(int& first, int& end) {

@@ -34,12 +34,10 @@ float cellWalls(float x, float y, int cells) {
 void spreadEvenly(std::vector<float>& values) {
     std::vector<int> order(values.size());
     std::iota(order.begin(), order.end(), 0);
-    std::sort(order.begin(), order.end(), [&values](int a, int b) {
-        return values[static_cast<std::size_t>(a)] < values[static_cast<std::size_t>(b)];
-    });
+    std::sort(order.begin(), order.end(),
+              [&values](int a, int b) { return values[a] < values[b]; });
     for (std::size_t i = 0; i < order.size(); i++)
-        values[static_cast<std::size_t>(order[i])] =
-            static_cast<float>(i) / static_cast<float>(order.size() - 1);
+        values[order[i]] = static_cast<float>(i) / static_cast<float>(order.size() - 1);
 }
 
 } // namespace
@@ -66,7 +64,7 @@ Pattern makeNoisePattern() {
     spreadEvenly(lace);
     spreadEvenly(clouds);
     const auto cloudAt = [&clouds](int x, int y) {
-        return clouds[static_cast<std::size_t>(wrap(y, SIZE) * SIZE + wrap(x, SIZE))];
+        return clouds[wrap(y, SIZE) * SIZE + wrap(x, SIZE)];
     };
     const auto toByte = [](float value) {
         return static_cast<std::uint8_t>(std::clamp(value, 0.0f, 1.0f) * 255);
@@ -74,7 +72,7 @@ Pattern makeNoisePattern() {
     std::vector<std::uint8_t> bytes;
     for (int y = 0; y < SIZE; y++)
         for (int x = 0; x < SIZE; x++) {
-            bytes.push_back(toByte(lace[static_cast<std::size_t>(y * SIZE + x)]));
+            bytes.push_back(toByte(lace[y * SIZE + x]));
             bytes.push_back(toByte(cloudAt(x, y)));
             // Over ten texels, as wide as what the light shall play on.
             bytes.push_back(toByte(0.5f + (cloudAt(x + 5, y) - cloudAt(x - 5, y)) / 2));
