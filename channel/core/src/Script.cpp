@@ -106,7 +106,7 @@ int readNotches(const YAML::Node& node) {
 
 /// The picture's name becomes that of a file beside the others.
 std::string readName(const YAML::Node& node) {
-    const std::string name = readText(node, "screenshot");
+    std::string name = readText(node, "screenshot");
     if (name.find('/') != std::string::npos || name[0] == '.')
         fail(node.Mark(), "screenshot needs a plain name, without folder");
     return name;

@@ -332,9 +332,8 @@ void Window::toggleFullScreen() {
     DesktopArea window;
     glfwGetWindowPos(m_window, &window.x, &window.y);
     glfwGetWindowSize(m_window, &window.width, &window.height);
-    std::vector<DesktopArea> areas;
-    for (GLFWmonitor* monitor : monitors)
-        areas.push_back(areaOf(monitor));
+    std::vector<DesktopArea> areas(monitors.size());
+    std::ranges::transform(monitors, areas.begin(), areaOf);
     GLFWmonitor* monitor = monitors[findMostCovered(window, areas)];
     const GLFWvidmode* mode = glfwGetVideoMode(monitor);
     if (!mode) return;

@@ -37,7 +37,7 @@ inline CLI::Option* addSeconds(CLI::App& sub, const char* name, double& seconds,
 }
 
 /// The options of a subcommand that sends records. `owner` keeps `link` alive.
-inline void addLinkOptions(CLI::App& sub, std::shared_ptr<void> owner, LinkOptions& link) {
+inline void addLinkOptions(CLI::App& sub, const std::shared_ptr<void>& owner, LinkOptions& link) {
     sub.add_option("--to", link.to, "Where to send the records")
         ->type_name("HOST:PORT")
         ->capture_default_str();

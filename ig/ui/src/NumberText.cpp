@@ -116,7 +116,7 @@ std::string tidy(std::string_view text) {
     replaceAll(number, "\xC2\xA0", ' '); // no-break space
     replaceAll(number, "\xE2\x88\x92", '-');
     trim(number);
-    const std::string found = number;
+    std::string found = number;
     replaceAll(number, "\xC2\xB0", ' ');
     trim(number);
     const char compass = takeCompass(number);

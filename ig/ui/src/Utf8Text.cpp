@@ -46,7 +46,7 @@ void encode(std::string& text, char32_t code) {
     constexpr unsigned LEAD[] = {0, 0xC0, 0xE0, 0xF0};
     text += static_cast<char>(LEAD[more] | code >> (6 * more));
     for (int k = more - 1; k >= 0; k--)
-        text += 0x80u | (code >> (6 * k) & 0x3Fu);
+        text += static_cast<char>(0x80u | (code >> (6 * k) & 0x3Fu));
 }
 
 std::size_t next(std::string_view text, std::size_t i) {

@@ -40,7 +40,7 @@ void halve(const float* from, float* to, int edge) {
 /// vectors.
 std::uint32_t packTexel(float r, float g, float b, float a) {
     const auto byte = [](float v) {
-        return static_cast<int>(127.5f * (std::abs(v) - std::abs(v - 1) + 1) + 0.5f);
+        return static_cast<int>(std::lround(127.5f * (std::abs(v) - std::abs(v - 1) + 1)));
     };
     return byte(r) | byte(g) << 8 | byte(b) << 16 | byte(a) << 24;
 }

@@ -10,7 +10,7 @@ class CameraControl;
 /// The plug-in's configuration, one per process, read from "config/Logic_Nerith_Heli_Final.cfg" in
 /// the working directory. Every getter has a fixed default; because a missing key reads as 0, false
 /// or empty, a port of 0 or a frequency of 0.0 can't be configured. Main thread only.
-class AppData {
+class AppData final {
 public:
     /// Created by the first call; lives as long as the process unless destroyed.
     static AppData* instance();
