@@ -78,6 +78,7 @@ TEST_F(SecondLogic, HasItsOwnKeyHelpOrNone) {
     fs::remove(run.folder.path() / HELP);
     ASSERT_EQ(play(options), 0) << run.output;
     EXPECT_TRUE(own.rgba != picture("help.png").rgba);
+    EXPECT_EQ(countOf(run.output, std::string("there is no \"") + HELP), 1) << run.output;
     EXPECT_EQ(countOf(run.output, "warning") + countOf(run.output, "error"), 0) << run.output;
 }
 

@@ -5,11 +5,13 @@
 #include "common/logic/LogicBase.h"
 #include "ig/app/ControlApp.h"
 #include "ig/app/IApp.h"
+#include "ig/base/jLog.h"
 #include "ig/package/Package.h"
 #include "ig/package/mjl.h"
 #include "ig/ui/UISpriteViewport.h"
 
 #include <algorithm>
+#include <filesystem>
 
 using namespace ig;
 
@@ -27,7 +29,11 @@ void OperatorInterface::open(LogicBase* logic, const std::string& interface_path
     m_logic = logic;
     m_panels.assign(m_root->getChildren().begin(), m_root->getChildren().end());
     Package interface;
-    mjl::open(interface_path, &interface);
+    std::error_code error;
+    if (!mjl::open(interface_path, &interface) && !std::filesystem::exists(interface_path, error))
+        jLog::message("visual_channel: there is no \"%s\": the key map tells nothing of the logic, "
+                      "and its panels keep their size",
+                      interface_path.c_str());
     interface.warnUnknownKeys("OperatorInterface::open", {"panels", "keys", "buttons"});
     if (const Package* panels = interface.getPackage("panels")) {
         panels->warnUnknownKeys("OperatorInterface::open", {"width", "height", "viewports"});
