@@ -4,6 +4,7 @@
 #include "channel/interface/Texts.h"
 #include "common/logic/LogicBase.h"
 #include "common/program/Clock.h"
+#include "common/program/Process.h"
 #include "ig/app/Engine.h"
 #include "ig/app/Message.h"
 #include "ig/app/MsgBox.h"
@@ -69,8 +70,12 @@ void Channel::requestStop() { g_stop = 1; }
 // ------------------------------------------------------------------ start
 
 bool Channel::printSchema() {
-    return enterFolder() && loadLibraries() &&
-           std::fputs(NodeFactory::describe().c_str(), stdout) >= 0;
+    if (!enterFolder() || !loadLibraries()) return false;
+    std::fputs(NodeFactory::describe().c_str(), stdout);
+    std::string message;
+    if (program::endOutput(message)) return true;
+    jLog::error("visual_channel: %s", message.c_str());
+    return false;
 }
 
 bool Channel::open() {

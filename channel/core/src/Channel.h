@@ -39,7 +39,7 @@ public:
     /// start marker is missing.
     bool open();
     /// In place of `open`: tells what nodes of scene files may say, those of the libraries too.
-    /// False, with a message, when one of these can't be loaded.
+    /// False, with a message, when one of these can't be loaded or the output not be written.
     bool printSchema();
     /// Runs frames until the time or the number of frames is up, until `requestStop`, or until the
     /// operator closes the window and confirms it.

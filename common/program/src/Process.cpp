@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
+#include <cstdio>
+#include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -53,6 +55,13 @@ void onStopSignal(void (*stop)()) {
     action.sa_flags = SA_RESTART; // nothing that is being written suffers
     for (const int number : {SIGINT, SIGTERM, SIGHUP})
         sigaction(number, &action, nullptr);
+}
+
+bool endOutput(std::string& message) {
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return true;
+    if (errno == EPIPE) return true;
+    message = std::string("cannot print to the end: ") + std::strerror(errno);
+    return false;
 }
 
 } // namespace program

@@ -6,9 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 #include <string>
 
@@ -73,15 +71,6 @@ inline void printWarning(const char* command, const std::string& warning) {
 inline int printFailure(const char* command, const std::string& message) {
     std::fprintf(stderr, "flight_sim %s: %s\n", command, message.c_str());
     return 1;
-}
-
-/// For commands whose result is what they print. False with `message` when it didn't get there; a
-/// reader that has seen enough is none.
-inline bool endOutput(std::string& message) {
-    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return true;
-    if (errno == EPIPE) return true;
-    message = std::string("cannot print to the end: ") + std::strerror(errno);
-    return false;
 }
 
 /// Opens what the command is for, lets `announce` tell about it, and runs it until it ends or is

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "CommandHelp.h"
 #include "Fly.h"
+#include "common/program/Process.h"
 #include "flightsim/commands/Commands.h"
 
 #include <memory>
@@ -25,7 +26,7 @@ int runFly(const FlyOptions& options, bool dry_run) {
     printWarning("fly", fly.getPlan().warning);
     printPlan(fly);
     if (dry_run)
-        return fly.printProfile(stdout, message) && endOutput(message)
+        return fly.printProfile(stdout, message) && program::endOutput(message)
                    ? 0
                    : printFailure("fly", message);
     const StopFlag& stop = stopOnSignals(); // until here a signal ends it at once

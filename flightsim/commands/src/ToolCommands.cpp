@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "CommandHelp.h"
+#include "common/program/Process.h"
 #include "flightsim/commands/Commands.h"
 #include "flightsim/recording/RecordingTools.h"
 
@@ -11,7 +12,7 @@ namespace {
 
 int runInfo(const std::string& path) {
     std::string warning, message;
-    const bool good = printInfo(path, stdout, warning, message) && endOutput(message);
+    const bool good = printInfo(path, stdout, warning, message) && program::endOutput(message);
     printWarning("info", warning);
     return good ? 0 : printFailure("info", message);
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <string>
+
 /// What a program arranges with the system, in the order of use.
 namespace program {
 
@@ -17,5 +19,9 @@ void letWritesFail();
 /// once; within half a second of the first it doesn't count, because a supervisor, or a terminal
 /// and a shell, often send the same request twice. Until this is called signals end the program.
 void onStopSignal(void (*stop)());
+
+/// At the end of what has its result on the standard output. False with `message` when it didn't
+/// get there; a reader that has seen enough is no failure.
+bool endOutput(std::string& message);
 
 } // namespace program
