@@ -19,6 +19,9 @@ namespace {
 /// Pixels per unit where texts can just be read.
 constexpr float READABLE = 0.7f;
 constexpr int KEY_PICTURE = 'p';
+
+/// Of the units that something needs, those that there are: at most 1.
+float share(float there, float needed) { return needed > there ? there / needed : 1; }
 } // namespace
 
 OperatorInterface::OperatorInterface(IApp* app, WindowOwner* owner, ControlApp* control)
@@ -42,6 +45,7 @@ void OperatorInterface::open(LogicBase* logic, const std::string& interface_path
         m_viewports_height = std::max(panels->getFloat("viewports"), 0.0f);
     }
     m_overlays.open(m_root.get(), interface);
+    fit();
 }
 
 void OperatorInterface::close() {
@@ -65,16 +69,17 @@ void OperatorInterface::resize(int width, int height, float density) {
 }
 
 /// In windows that are too small for everything the panels shrink, down to where texts can just be
-/// read; in still lower ones so far that no button is cut off, or covered by a radar picture.
+/// read; in still lower ones so far that no button is cut off, or covered by a viewport.
 void OperatorInterface::fit() {
     const auto& viewports = m_root->getViewports();
-    const bool radar = std::any_of(viewports.begin(), viewports.end(),
-                                   [](const UISpriteViewport* v) { return !v->isHidden(); });
+    const bool viewport_shown =
+        std::any_of(viewports.begin(), viewports.end(),
+                    [](const UISpriteViewport* v) { return !v->isHidden(); });
     const float width = static_cast<float>(m_width) / m_density;
     const float height = static_cast<float>(m_height) / m_density;
     const float full_height = m_panels_height + m_viewports_height;
-    const float all = std::min({1.0f, width / m_panels_width, height / full_height});
-    const float shown = height / (radar ? full_height : m_panels_height);
+    const float all = std::min(share(width, m_panels_width), share(height, full_height));
+    const float shown = share(height, viewport_shown ? full_height : m_panels_height);
     m_root->resize(m_width, m_height, m_density * std::max(all, std::min(READABLE, shown)));
 }
 

@@ -45,7 +45,7 @@ struct OperatorInterfaceTest : testing::Test {
         field->setAlignFree(true);
         field->setPosition(0, 100);
         channel.getRoot()->addChild(field);
-        channel.open(&logic, "config/Logic_Nerith_Heli_Final.interface.yaml");
+        channel.open(&logic, INTERFACE);
         channel.update(0);
     }
     void stroke(int key) {
@@ -67,6 +67,7 @@ struct OperatorInterfaceTest : testing::Test {
             channel.getOverlays().addFrame(1 / 64.0f, {0.001, 0.002, 0.0001, 0.008}, records);
     }
 
+    static constexpr const char* INTERFACE = "config/Logic_Nerith_Heli_Final.interface.yaml";
     LinkMonitor link;
     Recorder logic;
     ControlApp control;
@@ -156,6 +157,10 @@ TEST_F(OperatorInterfaceTest, PanelsShrinkWhereTheyWouldNotStandSideBySide) {
     button->setFixSize(100, 10);
     channel.resize(608, 2000); // eight tenths of the width that the logic's file asks for
     EXPECT_EQ(button->getWidth(), 80);
+    OperatorInterface opened(nullptr, nullptr, &control);
+    opened.resize(608, 2000);
+    opened.open(&logic, INTERFACE);
+    EXPECT_EQ(opened.getRoot()->pixels(100), 80); // before the first frame
 }
 
 TEST_F(OperatorInterfaceTest, StatisticsStepThroughTheirFormsAndCountOverHalfASecond) {
