@@ -57,7 +57,7 @@ void levelCamera() {
 } // namespace
 
 Channel::Channel(const Options& options)
-    : m_options(options), m_interface(this, this, &m_control), m_window(m_interface),
+    : m_options(options), m_interface(this, *this, &m_control), m_window(m_interface),
       m_script(m_interface, *m_interface.getRoot()), m_camera_control(nullptr),
       m_environment(m_options), m_scene_command(options.obey_exit),
       m_screenshots(options.screenshot, options.screenshot_every, options.contact_sheet),

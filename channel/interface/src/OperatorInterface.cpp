@@ -24,7 +24,7 @@ constexpr int KEY_PICTURE = 'p';
 float share(float there, float needed) { return needed > there ? there / needed : 1; }
 } // namespace
 
-OperatorInterface::OperatorInterface(IApp* app, WindowOwner* owner, ControlApp* control)
+OperatorInterface::OperatorInterface(IApp* app, WindowOwner& owner, ControlApp* control)
     : m_app(app), m_owner(owner), m_control(control), m_root(std::make_unique<UIRoot>()),
       m_input(m_root.get(), control) {}
 
@@ -97,8 +97,8 @@ void OperatorInterface::onKey(int key, bool down, bool repeat) {
 
 /// With Alt. False for a key that is none of the window's.
 bool OperatorInterface::doWindowsOwn(int key) {
-    if (key == KEY_RETURN) m_owner->toggleFullScreen();
-    if (key == KEY_PICTURE) m_owner->takePicture();
+    if (key == KEY_RETURN) m_owner.toggleFullScreen();
+    if (key == KEY_PICTURE) m_owner.takePicture();
     if (key == KEY_F4) endAtOnce();
     return key == KEY_RETURN || key == KEY_PICTURE || key == KEY_F4;
 }
@@ -138,10 +138,6 @@ void OperatorInterface::onLeft() { onKey(KEY_ALT, false, false); }
 void OperatorInterface::onClose() {
     if (m_control->isKeyPress(KEY_ALT)) return endAtOnce();
     m_close_requested = true;
-}
-
-void OperatorInterface::onResized(int width, int height, float density) {
-    m_owner->resize(width, height, density);
 }
 
 void OperatorInterface::update(float dt) {

@@ -37,6 +37,13 @@ struct Recorder final : LogicBase {
     std::string events;
 };
 
+struct Owner final : WindowOwner {
+    void toggleFullScreen() override { asked += "full "; }
+    void takePicture() override { asked += "picture "; }
+    void resize(int, int, float) override {}
+    std::string asked;
+};
+
 struct OperatorInterfaceTest : testing::Test {
     OperatorInterfaceTest() {
         Texts::load("en");
@@ -70,8 +77,9 @@ struct OperatorInterfaceTest : testing::Test {
     static constexpr const char* INTERFACE = "config/Logic_Nerith_Heli_Final.interface.yaml";
     LinkMonitor link;
     Recorder logic;
+    Owner owner;
     ControlApp control;
-    OperatorInterface channel{nullptr, nullptr, &control};
+    OperatorInterface channel{nullptr, owner, &control};
     UIButton* button = new UIButton(channel.getRoot(), "b"); // at the top left
     UIEditLine* field = new UIEditLine(channel.getRoot(), "");
 };
@@ -96,6 +104,22 @@ TEST_F(OperatorInterfaceTest, TheLogicHearsWhatIsTheScenes) {
     EXPECT_EQ(logic.take(), "");
     EXPECT_EQ(field->getText(), "h");
     EXPECT_FALSE(shows("dipping sonar"));
+}
+
+TEST_F(OperatorInterfaceTest, TheWindowsOwnKeysAreTakenWithAltAndReachNobodyElse) {
+    for (const bool alt : {false, true}) {
+        channel.onModifiers(false, false, alt);
+        logic.take();
+        std::string heard;
+        for (const int key : {int{KEY_RETURN}, int{'p'}, int{KEY_F4}}) {
+            channel.onKey(key, true, false);
+            heard += logic.take();
+            channel.onKey(key, false, false);
+        }
+        EXPECT_EQ(owner.asked, alt ? "full picture " : "");
+        EXPECT_EQ(channel.isEndRequested(), alt);
+        EXPECT_EQ(heard.empty(), alt);
+    }
 }
 
 TEST_F(OperatorInterfaceTest, PanelsComeAndGoWithoutTheOverlays) {
@@ -157,7 +181,7 @@ TEST_F(OperatorInterfaceTest, PanelsShrinkWhereTheyWouldNotStandSideBySide) {
     button->setFixSize(100, 10);
     channel.resize(608, 2000); // eight tenths of the width that the logic's file asks for
     EXPECT_EQ(button->getWidth(), 80);
-    OperatorInterface opened(nullptr, nullptr, &control);
+    OperatorInterface opened(nullptr, owner, &control);
     opened.resize(608, 2000);
     opened.open(&logic, INTERFACE);
     EXPECT_EQ(opened.getRoot()->pixels(100), 80); // before the first frame

@@ -23,12 +23,11 @@ class IApp;
 /// the scene's or a text's is.
 class OperatorInterface final : public WindowListener {
 public:
-    /// `owner` may be null where nothing of the window's is asked for.
-    OperatorInterface(ig::IApp* app, WindowOwner* owner, ig::ControlApp* control);
+    OperatorInterface(ig::IApp* app, WindowOwner& owner, ig::ControlApp* control);
 
     /// After the logic's `init`, so that the overlays cover its panels; the logic gets the events
-    /// that are the scene's. `interface_path`: what it can't know of
-    /// them (`docs/operator.md`); a logic may have no such file.
+    /// that are the scene's. `interface_path`: what can't be known of the panels otherwise
+    /// (`docs/operator.md`); a logic may have no such file.
     void open(LogicBase* logic, const std::string& interface_path);
     /// Destroys the user interface; after the logic's `release`, before the world goes.
     void close();
@@ -51,7 +50,9 @@ public:
     void onFocusLost() override { m_input.focusLost(); }
     void onLeft() override;
     void onClose() override;
-    void onResized(int width, int height, float density) override;
+    void onResized(int width, int height, float density) override {
+        m_owner.resize(width, height, density);
+    }
     /// The window is to be closed, and the operator has not been asked back.
     bool isCloseRequested() const { return m_close_requested; }
     void dropCloseRequest() { m_close_requested = false; }
@@ -71,7 +72,7 @@ private:
     void fit();
 
     ig::IApp* m_app;
-    WindowOwner* m_owner;
+    WindowOwner& m_owner;
     ig::ControlApp* m_control;
     LogicBase* m_logic = nullptr;
     std::unique_ptr<ig::UIRoot> m_root;
