@@ -28,7 +28,7 @@
 
 class LogicBase;
 
-/// The application that hosts a scene logic: it loads the libraries and the world, runs the frames,
+/// The application that runs a scene logic: it loads the libraries and the world, runs the frames,
 /// and ends in order. `docs/architecture.md` tells what happens in a frame.
 class Channel : public ig::IApp, private WindowOwner {
 public:
@@ -62,7 +62,6 @@ public:
     ig::UIRoot* getUIRoot() const override { return m_interface.getRoot(); }
 
 private:
-    // ChannelWindow.cpp
     bool openWindow();
     void toggleFullScreen() override { m_window.toggleFullScreen(); }
     void takePicture() override;

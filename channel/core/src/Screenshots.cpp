@@ -60,25 +60,19 @@ std::string Screenshots::nameBeside(const std::string& name) const {
     return m_path.substr(0, m_path.rfind('/') + 1) + name + ".png"; // without a slash: the whole
 }
 
-bool Screenshots::keep(ig::Renderer& renderer, const std::string& path) {
+/// The last frame into the file, and onto the sheet.
+bool Screenshots::keep(ig::Renderer& renderer, const std::string& path, bool on_sheet) {
     ig::Picture picture;
-    const bool saved = save(renderer, path, picture);
-    if (!m_sheet_path.empty()) m_sheet.add(picture);
-    return saved;
-}
-
-/// The last frame into the file and into `picture`.
-bool Screenshots::save(ig::Renderer& renderer, const std::string& path, ig::Picture& picture) {
     const bool drawn = renderer.readPicture(picture);
     if (!drawn) jLog::error("Screenshots: no picture for \"%s\": nothing is drawn", path.c_str());
     const bool saved = drawn && ig::writePng(path, picture);
     m_failed = m_failed || !saved;
+    if (on_sheet && !m_sheet_path.empty()) m_sheet.add(picture);
     return saved;
 }
 
 void Screenshots::afterLast(ig::Renderer& renderer) {
-    ig::Picture picture;
-    if (!m_path.empty()) save(renderer, m_path, picture);
+    if (!m_path.empty()) keep(renderer, m_path, false);
     if (m_sheet_path.empty()) return;
     if (m_sheet.isEmpty())
         jLog::error("Screenshots: no \"%s\": no picture was taken for it", m_sheet_path.c_str());

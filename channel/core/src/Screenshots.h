@@ -31,8 +31,7 @@ public:
 private:
     std::string nextPath();
     std::string nameBeside(const std::string& name) const;
-    bool keep(ig::Renderer& renderer, const std::string& path);
-    bool save(ig::Renderer& renderer, const std::string& path, ig::Picture& picture);
+    bool keep(ig::Renderer& renderer, const std::string& path, bool on_sheet = true);
 
     std::string m_path, m_sheet_path;
     ContactSheet m_sheet;
