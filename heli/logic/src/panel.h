@@ -17,11 +17,6 @@ inline ig::UIRoot* userInterface() {
     return app ? app->getUIRoot() : nullptr;
 }
 
-/// Tells the operator something in passing.
-inline void tellOperator(const char* notice) {
-    if (const ig::UIRoot* ui = userInterface()) ui->tell(notice);
-}
-
 /// An empty panel that the frame update places, added to the application's user interface, which
 /// owns it. Null when there is no user interface or no memory. `function` is the qualified name of
 /// the building operation.

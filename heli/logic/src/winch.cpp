@@ -52,7 +52,8 @@ void Logic_Nerith_Heli_Final::update_heli_winch_enable() {}
 
 void Logic_Nerith_Heli_Final::apply_hang(UdpRecvData& record) {
     if (record.hang_enable == 0) {
-        if (m_winch_info && m_winch_info->prefab) tellOperator(STOWED_BY_HOST);
+        const UIRoot* ui = userInterface();
+        if (ui && m_winch_info && m_winch_info->prefab) ui->tell(STOWED_BY_HOST);
         release_winch();
         return;
     }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "common/program/Process.h"
+
 #include <atomic>
 
 namespace flightsim {
@@ -10,6 +12,11 @@ using StopFlag = std::atomic<bool>;
 
 /// Makes SIGINT, SIGTERM and SIGHUP set the flag that it returns, so that files and tables end in
 /// order (`program::onStopSignal`).
-const StopFlag& stopOnSignals();
+inline const StopFlag& stopOnSignals() {
+    static_assert(StopFlag::is_always_lock_free, "set in a signal handler");
+    static StopFlag stop = false;
+    program::onStopSignal([] { stop = true; });
+    return stop;
+}
 
 } // namespace flightsim
