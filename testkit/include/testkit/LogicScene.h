@@ -13,7 +13,6 @@
 #include "ig/scene/ObjectPrefab.h"
 #include "ig/scene/World.h"
 #include "ig/ui/UIRoot.h"
-#include "plugins/terrain/ObjectTerrain.h"
 #include "testkit/LogCapture.h"
 #include "testkit/TempFolder.h"
 #include "testkit/UdpPeer.h"
@@ -21,18 +20,6 @@
 #include <functional>
 #include <memory>
 #include <optional>
-
-/// A terrain of one height everywhere; not met by segment queries.
-class FlatTerrain : public ig::ObjectTerrain {
-public:
-    explicit FlatTerrain(double altitude) : m_altitude(altitude) { setIntersection(0, false); }
-    bool getAltitudeByLonLat(double, double, double* altitude, ig::dvec3*) const override {
-        if (altitude) *altitude = m_altitude;
-        return m_exists;
-    }
-    bool m_exists = true;
-    double m_altitude;
-};
 
 /// The logic in the test's own process: engine, world, camera, input, a working directory with
 /// small scene files, and the flight simulation's end of the link on free ports. Write or change
