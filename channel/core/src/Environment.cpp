@@ -149,8 +149,8 @@ void Environment::update(float dt, const Camera& camera) {
 
 void Environment::followWeather(float dt) {
     const ShownWeather target = ShownWeather::of(m_told, m_operator);
-    const bool first = !m_host_heard && m_told != Weather();
-    m_host_heard = m_host_heard || first;
+    const bool first = !m_weather_told && m_told != Weather();
+    m_weather_told = m_weather_told || first;
     if (m_settles || first || (!(dt > 0) && target != m_target))
         m_shown = target;
     else

@@ -123,8 +123,8 @@ void KeyMap::fit() {
     if (fitsAt(READABLE_FONT)) return;
     m_columns[isChinese() ? ENGLISH : CHINESE]->setHidden(true);
     if (!isChinese() && fitsAt(READABLE_FONT)) return;
-    for (const Column column :
-         {BUTTONS, MEANINGS}) // whoever reads the buttons needs no list of them
+    // Whoever reads the buttons needs no list of them.
+    for (const Column column : {BUTTONS, MEANINGS})
         m_columns[column]->setHidden(true);
     fitsAt(0);
 }

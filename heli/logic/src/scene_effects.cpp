@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 // What torpedoes, missiles, decoys, sonars and the winch have in common: where they begin, how they
-// go, and the effects of it.
+// go, and the effects of it; and the states that the airframe shows.
 
 #include "common/ActionAttack/ActionPlaySpe.h"
 #include "heli/kit/HelicopterCorax.h"
