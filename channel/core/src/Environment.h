@@ -23,10 +23,9 @@ struct Options;
 /// signals. What they say of the sea is passed on at once, so that it holds for the queries of the
 /// same frame; the rest is stored, and applied once a frame to the precipitation, the wind and the
 /// picture, which follow changes in their own time, and the logic is told what belongs to its own
-/// scene. What is told first after the start or with a reset of the scene holds
-/// at once, and so does what changes while the scene stands still. The hour is this application's
-/// own. What the operator asks for, by options or keys, wins over the flight
-/// simulation:
+/// scene. What is told first after the start or with a reset of the scene holds at once, and so
+/// does what changes while the scene stands still. The hour is this application's own. What the
+/// operator asks for, by options or keys, wins over the flight simulation:
 ///
 ///   F7   look of the sky: as told, clear, overcast, storm, fog
 ///   F8   precipitation: as told, light, medium, heavy rain, heavy snow, heavy hail, none
@@ -53,7 +52,6 @@ public:
 
     /// What is asked for at present.
     Weather getWeather() const { return m_told.overriddenBy(m_operator); }
-    double getHour() const { return m_hour; } ///< local solar time, in [0, 24)
     /// For the status line.
     std::string describe() const;
 
@@ -95,10 +93,10 @@ private:
     bool m_eye_known = false;
     Weather m_told;     ///< by the flight simulation
     Weather m_operator; ///< by options and keys
-    bool m_host_heard = false;
+    bool m_weather_told = false;
     bool m_settles = true; ///< the next frame shows at once what is asked for
     ShownWeather m_shown, m_target;
-    double m_hour;
+    double m_hour; ///< local solar time, in [0, 24)
     double m_time_scale;
     int m_day_of_year;
     float m_told_rain = -1, m_told_snow = -1, m_told_hour = -1; ///< to the logic, last

@@ -44,5 +44,5 @@ void Trace::close() {
 }
 
 void Trace::report() const {
-    jLog::error("--trace: %s: there is no trace of this run", m_file.message().c_str());
+    jLog::error("--trace: %s: there is no trace of this run", m_file.getMessage().c_str());
 }

@@ -20,7 +20,7 @@ public:
     void write(double begin, const LogicListener& listener);
     void close();
     /// What was asked for has not been written.
-    bool hasFailed() const { return !m_file.message().empty(); }
+    bool hasFailed() const { return !m_file.getMessage().empty(); }
 
 private:
     void report() const;

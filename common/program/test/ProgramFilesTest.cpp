@@ -80,9 +80,9 @@ TEST_F(ProgramFiles, AFullDiskIsToldOnceAndLeavesNothingNew) {
             EXPECT_EQ(file->write(std::string(size, 'x')), size == 100);
             EXPECT_EQ(file->isOpen(), size == 100);
             EXPECT_FALSE(file->close());
-            EXPECT_NE(file->message().find("File too large"), std::string::npos);
+            EXPECT_NE(file->getMessage().find("File too large"), std::string::npos);
         }
-        EXPECT_EQ(growing.message(), "cannot write \"" + path("b.csv") + "\": File too large");
+        EXPECT_EQ(growing.getMessage(), "cannot write \"" + path("b.csv") + "\": File too large");
     }
     EXPECT_EQ(read("a.png"), "former");
     EXPECT_EQ(count(), 1);
@@ -99,7 +99,7 @@ TEST_F(ProgramFiles, WhatCannotBeWrittenIsRefusedWithoutTouchingIt) {
         OutputFile file;
         EXPECT_FALSE(file.open(path, OutputFile::Kind::growing));
         EXPECT_FALSE(file.isOpen());
-        EXPECT_NE(file.message().find(path), std::string::npos);
+        EXPECT_NE(file.getMessage().find(path), std::string::npos);
         return OutputFile::whyNot(path, OutputFile::Kind::growing);
     };
     EXPECT_NE(whyNot(path("none/a.png")).find("no folder \""), std::string::npos);

@@ -95,7 +95,7 @@ bool FeedbackCsv::open(const std::string& path, std::string& message) {
             "time_s,records_sent,frame,ground_latitude,ground_longitude,height_above_ground,"
             "front_h,front_p,front_r,left_h,left_p,left_r,right_h,right_p,right_r\n"))
         return true;
-    message = m_file.message();
+    message = m_file.getMessage();
     return false;
 }
 
@@ -122,7 +122,7 @@ void FeedbackCsv::write(double time_s, std::int64_t sent, const UdpSendData& fee
 
 bool FeedbackCsv::close(std::string& message) {
     if (m_file.isOpen()) m_file.close();
-    message = m_file.message();
+    message = m_file.getMessage();
     return message.empty();
 }
 

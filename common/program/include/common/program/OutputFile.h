@@ -31,7 +31,7 @@ public:
     OutputFile& operator=(const OutputFile&) = delete;
     ~OutputFile() { discard(); }
 
-    /// Creates the file. False with `message()` when it can't; so are the following.
+    /// Creates the file. False with `getMessage()` when it can't; so are the following.
     bool open(const std::string& path, Kind kind);
     bool isOpen() const { return m_file != nullptr; }
     /// Adds bytes. A failure is told once: the file is closed and removed, and nothing is open any
@@ -43,7 +43,7 @@ public:
     void discard();
 
     /// The path, and what went wrong with it.
-    const std::string& message() const { return m_message; }
+    const std::string& getMessage() const { return m_message; }
 
 private:
     bool fail();
