@@ -32,6 +32,21 @@ Ground::Kind Ground::find(std::string_view name) {
     return known == std::end(NAMES) ? Kind::any : static_cast<Kind>(known - NAMES + 1);
 }
 
+Ground Ground::of(Kind kind) {
+    switch (kind) {
+    case Kind::water:
+        return {kind, {0.84f, 0.88f, 0.92f, 1}};
+    case Kind::grass:
+        return {kind, {0.24f, 0.2f, 0.1f, 0.9f}};
+    case Kind::sand:
+        return {kind, {0.5f, 0.41f, 0.27f, 3.2f}};
+    case Kind::snow:
+        return {kind, {0.82f, 0.87f, 0.95f, 3.6f}};
+    default:
+        return {kind, {0.42f, 0.41f, 0.4f, 0.6f}};
+    }
+}
+
 bool Material::load(const jString& path) {
     m_path = path;
     const Package* file = PackageManager::get(path, "Material::load");

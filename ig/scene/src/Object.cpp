@@ -31,19 +31,20 @@ bool Object::isIntersection(int surface) const {
 }
 
 Ground Object::getGroundAt(int surface, const dvec3&) const {
-    return readGround(surface, {Ground::Kind::hard, {0.42f, 0.41f, 0.4f, 0.6f}});
+    return readGround(surface, Ground::Kind::hard);
 }
 
-Ground Object::readGround(int surface, Ground otherwise) const {
+Ground Object::readGround(int surface, Ground::Kind otherwise) const {
     constexpr float WHITE = 0.35f; // share of "ice" from which a surface counts as snow
     const Material* material = getSurfaceMaterial(surface);
-    if (readSlider(material, "ice", 0) > WHITE)
-        return {Ground::Kind::snow,
-                readValue(material, "snow_lifted", {0.82f, 0.87f, 0.95f, 3.6f})};
-    if (material && material->getGround() != Ground::Kind::any)
-        otherwise.kind = material->getGround();
-    otherwise.lifted = readValue(material, "lifted", otherwise.lifted);
-    return otherwise;
+    const bool iced = readSlider(material, "ice", 0) > WHITE;
+    if (iced)
+        otherwise = Ground::Kind::snow;
+    else if (material && material->getGround() != Ground::Kind::any)
+        otherwise = material->getGround();
+    Ground ground = Ground::of(otherwise);
+    ground.lifted = readValue(material, iced ? "snow_lifted" : "lifted", ground.lifted);
+    return ground;
 }
 
 Material* Object::getSurfaceMaterial(int surface) const {

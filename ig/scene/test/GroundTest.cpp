@@ -78,6 +78,7 @@ TEST_F(GroundBelow, IsOfTheKindAndGivesTheDustThatTheSurfaceSays) {
     addSlab(10, 0, material("{ground: grass, " + dust + "0.36}}"));
     addSlab(20, 0, material("{ground: gravel, " + dust + "0}}"));
     addSlab<Pool>(30, 0);
+    addSlab(40, 0, material("{ground: sand, parameters: {}}"));
     EXPECT_EQ(log.lines,
               (std::vector<std::string>{"Material::load: 2.mat:1: unknown ground \"gravel\""}));
 
@@ -104,6 +105,7 @@ TEST_F(GroundBelow, IsOfTheKindAndGivesTheDustThatTheSurfaceSays) {
     expect(10, Kind::snow, snow);
     expect(20, Kind::hard, yellow);
     expect(30, Kind::water, {0, 0, 1, 1});
+    expect(40, Kind::sand, {0.5f, 0.41f, 0.27f, 3.2f});
 }
 
 TEST_F(GroundBelow, IsTheSameForNeighboursWithinHalfAMetre) {

@@ -84,11 +84,12 @@ bool ObjectTerrain::getIntersection(int surface, const dvec3& a, const dvec3& b,
 }
 
 Ground ObjectTerrain::getGroundAt(int surface, const dvec3& place) const {
-    const Ground ground = readGround(surface, {Ground::Kind::grass, {0.24f, 0.2f, 0.1f, 0.9f}});
+    const Ground ground = readGround(surface, Ground::Kind::grass);
     const Material* material = getSurfaceMaterial(surface);
     const auto shore = readSlider(material, "shore_height", -1e9f);
     if (ground.kind == Ground::Kind::snow || EARTH.getAltitude(place) >= shore) return ground;
-    return {Ground::Kind::sand, readValue(material, "shore_lifted", {0.5f, 0.41f, 0.27f, 3.2f})};
+    const Ground sand = Ground::of(Ground::Kind::sand);
+    return {sand.kind, readValue(material, "shore_lifted", sand.lifted)};
 }
 
 const TerrainGrid& ObjectTerrain::getGrid() const {

@@ -21,6 +21,8 @@ struct Ground {
     enum class Kind { any, land, water, grass, sand, snow, hard };
     /// The kind of that name in scene files; `any` when there is none.
     static Kind find(std::string_view name);
+    /// A surface of that kind that says nothing of its dust.
+    static Ground of(Kind kind);
 
     Kind kind = Kind::any;
     /// What wind lifts off it: colour (linear), and how thick, 1 being the mist over water.

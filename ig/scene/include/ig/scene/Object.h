@@ -64,7 +64,7 @@ public:
 protected:
     /// What a surface's material says that it is, and `otherwise` where it doesn't say; snow when
     /// the material is iced over.
-    Ground readGround(int surface, Ground otherwise) const;
+    Ground readGround(int surface, Ground::Kind otherwise) const;
     void setNumSurfaces(int count) { m_slots.resize(static_cast<std::size_t>(count)); }
     void onMoved() override;
     void onWorldChanged(World* world) override;

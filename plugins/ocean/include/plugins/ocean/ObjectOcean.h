@@ -57,9 +57,7 @@ public:
     void evolve(double time);
 
     /// Water, and the spray that wind tears off it.
-    Ground getGroundAt(int, const dvec3&) const override {
-        return {Ground::Kind::water, {0.84f, 0.88f, 0.92f, 1}};
-    }
+    Ground getGroundAt(int, const dvec3&) const override { return Ground::of(Ground::Kind::water); }
     bool getIntersection(int surface, const dvec3& a, const dvec3& b, dvec3* out) const override;
 
 protected:
