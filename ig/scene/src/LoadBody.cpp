@@ -132,16 +132,21 @@ Body* loadBody(const NodeReader& body) {
 }
 
 void connectBodies(const NodeReader& node, const ObjectPrefab& prefab) {
-    if (const auto body = node.getMap("body")) {
-        Node* owner = prefab.getNodeByName(node.getText("name"));
-        Object* object = owner && owner->isObject() ? static_cast<Object*>(owner) : nullptr;
-        if (object && object->getBodyRigid())
-            connectRigid(*body, *object, prefab);
-        else if (object && object->getBody())
-            hangRope(*body, static_cast<BodyRope&>(*object->getBody()), prefab);
+    const jString& name = node.getText("name");
+    const auto body = node.getMap("body");
+    if (Body* owned = findBody(prefab, name); owned && body && body->getType()) {
+        const bool rope = body->getType()->name == "rope";
+        if (rope == (owned->getType() == Body::BODY_ROPE)) {
+            if (rope)
+                hangRope(*body, static_cast<BodyRope&>(*owned), prefab);
+            else
+                connectRigid(*body, static_cast<Object&>(*prefab.getNodeByName(name)), prefab);
+        } else if (!name.empty()) {
+            body->report("another type of body already has the name", name);
+        }
     }
-    for (const NodeReader& child : node.getMaps("children"))
-        connectBodies(child, prefab);
+    for (const Package* child : node.getPackage().getPackages("children"))
+        connectBodies(NodeReader(*child), prefab);
 }
 
 } // namespace ig

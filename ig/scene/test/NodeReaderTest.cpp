@@ -81,7 +81,8 @@ TEST_F(NodeReading, EveryKeyThatNothingReadsIsToldOnceWithWhatIsMeant) {
                  "  children:\n"
                  "  - {type: rope, radius: 1, body: {type: rope, length: 1, mass: 1}}\n"
                  "  - {type: meadow, hieght: 1, flowers: [{petal: 3}]}\n"
-                 "  - {type: mesh, mesh: none.obj, surfaces: [{mat: a}]}\n");
+                 "  - {type: mesh, mesh: none.obj, surfaces: [{mat: a}]}\n"
+                 "  - loose\n");
     folder.write("a.world", "nodes: [{type: prefab, path: flag.prefab}]");
     ASSERT_TRUE(world.load("a.world"));
     for (const char* part :
@@ -90,7 +91,8 @@ TEST_F(NodeReading, EveryKeyThatNothingReadsIsToldOnceWithWhatIsMeant) {
           ":5: unknown key \"aera\"; nearest is \"area\"",
           ":6: unknown key \"rpoe\"; nearest is \"rope\"", ":8: unknown key \"mass\"",
           ":9: unknown key \"hieght\"; nearest is \"height\"",
-          ":9: unknown key \"petal\"; nearest is \"petals\"", ":10: unknown key \"mat\""})
+          ":9: unknown key \"petal\"; nearest is \"petals\"", ":10: unknown key \"mat\"",
+          ":11: a map is needed in the list \"children\""})
         EXPECT_EQ(std::count_if(log.lines.begin(), log.lines.end(),
                                 [part](const std::string& line) {
                                     return line.find("flag.prefab" + std::string(part)) !=

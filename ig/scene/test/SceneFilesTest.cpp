@@ -294,6 +294,7 @@ TEST_F(SceneFiles, CableHangsFromItsAnchorAndWhatIsNamedWronglyIsReported) {
   - {name: sail, enabled: false}
   - {name: bad, type: rope, radius: 0.01, body: {type: rope, length: -1}}
   - {name: thin, type: rope}
+  - {name: load, type: rope, radius: 0.01, body: {type: rope, length: 1, anchor: anchor}}
 )");
     ASSERT_TRUE(
         load("nodes:\n- {name: cable, type: prefab, path: cable.prefab, wgs: [-155, 20, 90]}\n"));
@@ -301,7 +302,8 @@ TEST_F(SceneFiles, CableHangsFromItsAnchorAndWhatIsNamedWronglyIsReported) {
     EXPECT_TRUE(logged("cable.prefab:13: no rope to hang the body from: \"anchor\""));
     EXPECT_TRUE(logged("cable.prefab:15: a rope needs a positive length"));
     EXPECT_TRUE(logged("cable.prefab:16: a rope needs a positive radius"));
-    EXPECT_EQ(log.lines.size(), 4u);
+    EXPECT_TRUE(logged("cable.prefab:17: another type of body already has the name \"load\""));
+    EXPECT_EQ(log.lines.size(), 5u);
 
     auto* prefab = static_cast<ObjectPrefab*>(object("cable"));
     auto* cargo = static_cast<Object*>(prefab->getNodeByName("load"));
