@@ -17,7 +17,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <map>
 #include <memory>
 
 namespace ig {
@@ -32,11 +31,6 @@ int g_nodes = 0; ///< of the outermost of them so far
 NodeSchema& getNodeSchema() {
     static NodeSchema schema{"node", {}};
     return schema;
-}
-
-std::map<std::string, NodeFactory::Creator>& getCreators() {
-    static std::map<std::string, NodeFactory::Creator> creators;
-    return creators;
 }
 
 // ------------------------------------------------------------------ node types
@@ -238,9 +232,9 @@ bool NodeFactory::add(const char* type, Creator create, std::vector<NodeKeys> ke
                                {triple, {"position", "rotation", "wgs", "hpr"}},
                                {list, {"children"}, &schema},
                                {map, {"body"}, &BODY_SCHEMA}});
-    std::erase_if(schema.types, [type](const auto& known) { return known.name == type; });
-    schema.types.push_back({type, std::move(keys)});
-    getCreators()[type] = create;
+    const auto known = std::ranges::find(schema.types, type, &NodeSchema::Type::name);
+    auto& place = known == schema.types.end() ? schema.types.emplace_back() : *known;
+    place = {type, std::move(keys), create};
     return true;
 }
 
@@ -274,7 +268,7 @@ Node* World::LoadNode(const Package* package) {
         return nullptr;
     }
     r.reportUnknownKeys();
-    std::unique_ptr<Node> node(getCreators()[r.getType()->name](r));
+    std::unique_ptr<Node> node(r.getType()->create(r));
     if (!node) return nullptr;
     node->setName(r.getText("name"));
     if (r.has("enabled")) node->setEnabled(r.getFlag("enabled"));

@@ -102,6 +102,19 @@ TEST_F(NodeReading, EveryKeyThatNothingReadsIsToldOnceWithWhatIsMeant) {
             << part;
 }
 
+TEST_F(NodeReading, TypeThatAPluginReplacesKeepsItsPlace) {
+    static int made = 0;
+    NodeFactory::add("node",
+                     [](const NodeReader& r) -> Node* {
+                         made++;
+                         return r.has("body") ? new Object(NODE_DUMMY) : new Node();
+                     },
+                     {});
+    folder.write("a.world", "nodes: [{name: of no type}, {type: field}]");
+    ASSERT_TRUE(world.load("a.world"));
+    EXPECT_EQ(made, 1);
+}
+
 TEST_F(NodeReading, SchemaTellsEveryTypeWithItsKeysKindsAndLimits) {
     const std::string schema = NodeFactory::describe();
     for (const char* part :

@@ -14,6 +14,7 @@ namespace ig {
 class Item;
 class Material;
 class Node;
+class NodeReader;
 class Package;
 struct NodeSchema;
 
@@ -35,6 +36,7 @@ struct NodeSchema {
     struct Type {
         std::string name;
         std::vector<NodeKeys> keys;
+        Node* (*create)(const NodeReader&) = nullptr; ///< of a type of node
     };
     const char* name;
     std::vector<Type> types; ///< at least one; a single one holds for all maps
@@ -95,7 +97,7 @@ private:
 /// The types of nodes, to which plug-in libraries add theirs when they are loaded.
 class NodeFactory {
 public:
-    using Creator = Node* (*)(const NodeReader&);
+    using Creator = decltype(NodeSchema::Type::create);
     /// From then on a node of this `type` in a file is made by `create`, which reads `keys`, those
     /// of its own, and returns null, having logged, when they make no sense. The keys of all nodes
     /// are read by the scene. Returns true.
