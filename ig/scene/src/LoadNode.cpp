@@ -152,7 +152,7 @@ const bool ROPE =
 
 Node* createField(const NodeReader& r) {
     dvec3 parameters;
-    vec2 reach{13, 25};
+    vec2 reach = NodeField::REACH;
     r.readTriple("parameters", parameters);
     r.readPair("reach", reach);
     auto* field = new NodeField(reach);

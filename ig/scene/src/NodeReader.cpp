@@ -121,7 +121,7 @@ bool NodeReader::readNumbers(const char* key, NodeKeys::Kind kind, double* value
 
 bool NodeReader::readPair(const char* key, vec2& out) const {
     double v[] = {out.x, out.y};
-    if (!readNumbers(key, pair, v, "two numbers, not too small, are needed in")) return false;
+    if (!readNumbers(key, pair, v, "two numbers within limits are needed in")) return false;
     out = {static_cast<float>(v[0]), static_cast<float>(v[1])};
     return true;
 }

@@ -62,7 +62,7 @@ TEST_F(NodeReading, ValuesOfAPluginsTypeAreTakenAndWhatIsWrongIsToldWithItsLine)
     EXPECT_EQ(read("wrong"), dvec3(7, 5, 0));
     EXPECT_EQ(read("text"), dvec3(7, 5, 0));
     const std::vector<std::string> expected = {
-        "a.world:4: two numbers, not too small, are needed in \"place\"",
+        "a.world:4: two numbers within limits are needed in \"place\"",
         "a.world:4: left out: \"place\"", "a.world:4: a number is needed in \"height\"",
         "a.world:5: a map is needed in the list \"flowers\"", "a.world:6: height: \"tall\""};
     ASSERT_EQ(log.lines.size(), expected.size());

@@ -26,8 +26,10 @@ struct NodeKeys {
     Kind kind;
     std::vector<std::string> names;
     const NodeSchema* maps = nullptr; ///< what a map, or each of a list, may say
-    double least = -std::numeric_limits<double>::infinity(); ///< limits of numbers, also of each
-    double most = std::numeric_limits<double>::infinity();   ///< in a pair or triple
+    /// Limits of a whole number, which is clamped to them, and of each number of a pair or triple,
+    /// which is refused beyond them; a lone number is not held to any.
+    double least = -std::numeric_limits<double>::infinity();
+    double most = std::numeric_limits<double>::infinity();
 };
 
 /// What maps of one purpose (nodes, bodies, shapes) may say in scene files. They may come in types,
@@ -66,7 +68,8 @@ public:
     float getNumber(const char* key, float otherwise = 0) const;
     int getWhole(const char* key) const; ///< 0 without; clamped to the limits
     Material* getMaterial() const;       ///< under "material"; null without
-    /// True when the key is absent (`out` unchanged) or good.
+    /// True when the key is absent (`out` unchanged) or good; else, also beyond the limits,
+    /// reported and `out` unchanged.
     bool readPair(const char* key, vec2& out) const;
     bool readTriple(const char* key, dvec3& out) const;
     std::optional<NodeReader> getMap(const char* key) const;

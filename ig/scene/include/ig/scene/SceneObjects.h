@@ -145,9 +145,10 @@ public:
 /// Wind that makes the grass around it flutter.
 class NodeField : public Node {
 public:
+    static constexpr vec2 REACH{13, 25};
     /// `reach`: how far from the field its force is down to a third, and how high above the ground
     /// the field has none, m.
-    explicit NodeField(const vec2& reach = {13, 25}) : Node(NODE_FIELD), m_reach(reach) {}
+    explicit NodeField(const vec2& reach = REACH) : Node(NODE_FIELD), m_reach(reach) {}
     /// How far blades lean away, how much they shiver, how much they are pressed down, 0 to 1 each;
     /// i from 0 to 2.
     float getParameter(int i) const { return m_parameters[i]; }
