@@ -56,7 +56,9 @@ bool Material::load(const jString& path) {
         jLog::error("Material::load: %s:1: there is no map \"parameters\"", path.c_str());
         return false;
     }
+    file->warnUnknownKeys("Material::load", {"parameters", "states", "textures", "ground"});
     m_ground = Ground::find(file->getString("ground").view());
+    if (m_ground == Ground::Kind::land) m_ground = Ground::Kind::any; // no single kind either
     if (const Item* ground = file->getItem("ground"); ground && m_ground == Ground::Kind::any)
         refuse(*ground, "unknown ground ", ground->getString());
     const Package* states = file->getPackage("states");

@@ -41,6 +41,7 @@ ObjectPrefab::ObjectPrefab(const jString& path) : Object(OBJECT_PREFAB), m_path(
     if (!file) return;
     const Package* description = file->getPackage("node");
     if (isRefused(path, description)) return;
+    file->warnUnknownKeys("ObjectPrefab", {"node"});
     const Loading loading(path);
     m_root = World::LoadNode(description);
     if (!m_root) return;

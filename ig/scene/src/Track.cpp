@@ -23,6 +23,7 @@ bool Track::load(const jString& path, World* world) {
                     item ? item->getLine() : 1);
         return false;
     }
+    file->warnUnknownKeys("Track::load", {"channels"});
     for (const Package* channel : channels)
         if (!readChannel(*channel, world)) {
             m_channels.clear();

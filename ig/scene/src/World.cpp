@@ -23,6 +23,7 @@ bool World::load(const jString& path) {
                     nodes ? nodes->getLine() : 1);
         return false;
     }
+    file->warnUnknownKeys("World::load", {"nodes"});
     const NodeBudget budget; // for all of them together
     for (const Package* description : file->getPackages("nodes", "World::load"))
         if (Node* node = LoadNode(description)) addNode(node);

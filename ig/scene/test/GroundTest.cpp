@@ -76,11 +76,13 @@ TEST_F(GroundBelow, IsOfTheKindAndGivesTheDustThatTheSurfaceSays) {
     addSlab(0, -1, material("{ground: sand, " + dust + "0.35}}"));
     addSlab(0, -2);
     addSlab(10, 0, material("{ground: grass, " + dust + "0.36}}"));
-    addSlab(20, 0, material("{ground: gravel, " + dust + "0}}"));
+    addSlab(20, 0, material("{ground: land, grond: sand, " + dust + "0}}"));
     addSlab<Pool>(30, 0);
     addSlab(40, 0, material("{ground: sand, parameters: {}}"));
     EXPECT_EQ(log.lines,
-              (std::vector<std::string>{"Material::load: 2.mat:1: unknown ground \"gravel\""}));
+              (std::vector<std::string>{
+                  "Material::load: 2.mat:1: unknown key \"grond\"; nearest is \"ground\"",
+                  "Material::load: 2.mat:1: unknown ground \"land\""}));
 
     const std::vector<Kind> works_over = {Kind::land, Kind::water, Kind::grass,
                                           Kind::sand, Kind::snow,  Kind::hard};
