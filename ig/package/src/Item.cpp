@@ -196,12 +196,6 @@ Package& Item::becomePackage() {
     return *m_package;
 }
 
-Item& Item::appendElement() {
-    Item element;
-    element.m_path = m_path;
-    return m_elements.append(std::move(element));
-}
-
 bool operator==(const Item& a, const Item& b) {
     if (a.m_kind != b.m_kind || a.m_name != b.m_name || a.m_text != b.m_text) return false;
     if (a.m_package && !(*a.m_package == *b.m_package)) return false;

@@ -5,7 +5,6 @@
 #include "ig/base/nearest.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace ig {
@@ -22,13 +21,6 @@ template <class T>
 T read(const Package& package, const jString& key, T (Item::*get)() const) {
     const Item* item = package.getItem(key);
     return item ? (item->*get)() : T();
-}
-
-template <class T>
-jString numberText(T value) {
-    if (std::isnan(value)) return ".nan";
-    if (std::isinf(value)) return value > 0 ? ".inf" : "-.inf";
-    return ToString(value);
 }
 
 } // namespace
@@ -112,52 +104,16 @@ jVector<const Package*> Package::getPackages(const jString& key, const char* use
 
 void Package::setString(const jString& key, const jString& value) {
     jString text = value; // `value` may lie inside the item that is replaced
-    itemToSet(key).becomeValue(std::move(text));
+    Item* item = getItem(key);
+    if (!item) {
+        item = &m_items.append(Item());
+        item->m_name = key;
+        item->m_path = m_path;
+    }
+    item->becomeValue(std::move(text));
 }
 
 void Package::setInt(const jString& key, int value) { setString(key, ToString(value)); }
-void Package::setFloat(const jString& key, float value) { setString(key, numberText(value)); }
-void Package::setDouble(const jString& key, double value) { setString(key, numberText(value)); }
-void Package::setBool(const jString& key, bool value) { setString(key, value ? "true" : "false"); }
-
-void Package::setFloats(const jString& key, const float* values, int n) {
-    Item& item = itemToSet(key);
-    item.becomeList();
-    for (int i = 0; i < n; i++)
-        item.appendElement().becomeValue(numberText(values[i]));
-}
-
-void Package::setStrings(const jString& key, const jVector<jString>& values) {
-    Item& item = itemToSet(key);
-    item.becomeList();
-    for (const jString& value : values)
-        item.appendElement().becomeValue(value);
-}
-
-Package* Package::addPackage(const jString& key) { return &itemToSet(key).becomePackage(); }
-
-Package* Package::appendPackage(const jString& key) {
-    Item& item = itemToSet(key);
-    if (item.m_kind != Item::Kind::list) item.becomeList();
-    return &item.appendElement().becomePackage();
-}
-
-bool Package::removeItem(const jString& key) {
-    for (int i = 0; i < m_items.size(); i++) {
-        if (m_items[i].m_name != key) continue;
-        m_items.remove(i);
-        return true;
-    }
-    return false;
-}
-
-Item& Package::itemToSet(const jString& key) {
-    if (Item* item = getItem(key)) return *item;
-    Item item;
-    item.m_name = key;
-    item.m_path = m_path;
-    return m_items.append(std::move(item));
-}
 
 bool operator==(const Package& a, const Package& b) {
     return std::equal(a.m_items.begin(), a.m_items.end(), b.m_items.begin(), b.m_items.end());

@@ -153,15 +153,10 @@ TEST_F(MjlTest, DamagedFilesNeverThrow) {
 }
 
 TEST_F(MjlTest, SavedPackagesReadBackEqual) {
-    ASSERT_TRUE(open("keys: [[0, [1]], [], [{a: 1}, [2, {b: [3]}]]]\nempty: {}\n"));
-    package.setFloat("f", 0.1f);
-    package.setDouble("d", 0.1 + 0.2);
-    package.setDouble("inf", -INFINITY);
-    const float floats[] = {1, std::numeric_limits<float>::denorm_min(), -0.0f};
-    package.setFloats("v", floats, 3);
-    package.setStrings("s", {"a", "", "- b", "[c"});
-    package.addPackage("nest")->addPackage("投放鱼雷 / path")->setBool("b", true);
-    package.appendPackage("list")->appendPackage("inner")->setInt("x", -1);
+    ASSERT_TRUE(open("keys: [[0, [1]], [], [{a: 1}, [2, {b: [3]}]]]\nempty: {}\nnumber: -.inf\n"
+                     "texts: [a, '', '- b', '[c']\nnest: {投放鱼雷 / path: {b: true}}\n"
+                     "list: [{inner: [{x: -1}]}]\n"));
+    package.setInt("set", std::numeric_limits<int>::min());
     expectRoundTrip(package);
     expectRoundTrip(Package());
 }
@@ -181,17 +176,21 @@ TEST_F(MjlTest, AnyTextSurvivesAsKeyAndValue) {
             text += alphabet[random() % alphabet.size()];
         texts.push_back(text);
     }
-    Package p;
-    for (const std::string& text : texts) {
-        p.setString(text, text);
-        p.addPackage("in " + text)->setStrings(text, {text, text});
+    ASSERT_TRUE(open("nest: {list: [" + repeat("a, ", static_cast<int>(texts.size())) + "]}\n"));
+    for (std::size_t i = 0; i < texts.size(); i++) {
+        package.getPackage("nest")->setString(texts[i], texts[i]);
+        package.setString("", texts[i]); // an element of a list has no name either
+        package.getPackage("nest")->getItem("list")->getElement(static_cast<int>(i)) =
+            *package.getItem("");
     }
-    expectRoundTrip(p);
+    expectRoundTrip(package);
 }
 
 TEST_F(MjlTest, FailedSaveLogsOnceAndLeavesTheFormerFile) {
-    const jString target = folder.write("former.yaml", "a: 1\n");
-    Package p;
+    const jString target = folder.write("former.yaml", repeat("d: {", 50) + repeat("}", 50));
+    Package p, deep;
+    ASSERT_TRUE(mjl::open(target, &deep));
+    folder.write("former.yaml", "a: 1\n");
     p.setString("a", "\xff");
     EXPECT_FALSE(mjl::save(target, &p));
     p.setString("a", "2");
@@ -199,10 +198,11 @@ TEST_F(MjlTest, FailedSaveLogsOnceAndLeavesTheFormerFile) {
     EXPECT_FALSE(mjl::save(target, &p, true)) << "encrypted";
     std::filesystem::create_directories(std::string(folder.file("dir/sub").view()));
     EXPECT_FALSE(mjl::save(folder.file("dir"), &p)) << "cannot be moved over a folder";
-    Package* deep = &p;
-    for (int i = 0; i < 100; i++)
-        deep = deep->addPackage("d");
-    EXPECT_FALSE(mjl::save(target, &p)) << "could not be read back";
+    Package* inner = &deep;
+    while (inner->getPackage("d"))
+        inner = inner->getPackage("d");
+    *inner = Package(deep);
+    EXPECT_FALSE(mjl::save(target, &deep)) << "could not be read back";
     EXPECT_EQ(log.lines.size(), 5u);
     ASSERT_TRUE(mjl::open(target, &p));
     EXPECT_EQ(p.getInt("a"), 1);

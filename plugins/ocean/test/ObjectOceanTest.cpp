@@ -201,8 +201,8 @@ TEST_F(Ocean, WhatIsSetBeforeAFramesFirstQueryHoldsInThatFrame) {
 TEST_F(Ocean, TakesItsSettingsFromTheWorldFile) {
     Package p;
     p.setString("type", "ocean");
-    p.setDouble("beaufort", 6);
-    p.setDouble("angle", 270);
+    p.setInt("beaufort", 6);
+    p.setInt("angle", 270);
     p.setString("speed", "brisk");
     const std::unique_ptr<Node> node(World::LoadNode(&p));
     const auto* sea = dynamic_cast<ObjectOcean*>(node.get());

@@ -76,7 +76,6 @@ private:
     void becomeValue(jString text);
     void becomeList();
     Package& becomePackage();
-    Item& appendElement();
     void warn(const char* operation, const char* expected) const;
     template <class T>
     bool readNumber(T& value, const char* operation) const;

@@ -63,25 +63,12 @@ public:
     /// The setters replace what the key held, in its place, or add the key at the end.
     void setString(const jString& key, const jString& value);
     void setInt(const jString& key, int value);
-    void setFloat(const jString& key, float value);
-    void setDouble(const jString& key, double value);
-    void setBool(const jString& key, bool value);
-    void setFloats(const jString& key, const float* values, int n);
-    void setStrings(const jString& key, const jVector<jString>& values);
-    /// A new empty nested package under `key`.
-    Package* addPackage(const jString& key);
-    /// A new empty package at the end of the list under `key`; anything but a list is replaced.
-    Package* appendPackage(const jString& key);
-    /// Takes the key out. False when it was not there.
-    bool removeItem(const jString& key);
 
     friend bool operator==(const Package& a, const Package& b);
 
 private:
     friend class Item;
     friend class PackageBuilder;
-
-    Item& itemToSet(const jString& key);
 
     jString m_name;
     jVector<Item> m_items;
