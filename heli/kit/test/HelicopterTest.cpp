@@ -66,7 +66,7 @@ TEST_F(HelicopterTest, AbsurdRotorSpeedDoesNotPoisonTheAngle) {
         heli.update(1 / 60.0f);
     }
     EXPECT_TRUE(std::isfinite(heli.m_rotor_angle));
-    EXPECT_EQ(node("wing")->getNumRefused(), 0u);
+    EXPECT_TRUE(scene.log.lines.empty()); // no pose was refused
     // After ten hours the angle still has the digits to turn by a degree.
     for (int i = 0; i < 36000; i++)
         heli.update(1);

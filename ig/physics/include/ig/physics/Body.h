@@ -120,7 +120,6 @@ public:
     float getAngularDamping() const { return m_angular_damping; }
     /// Whether the body may fall asleep when it hardly moves; default true.
     void setFreezable(bool freezable);
-    bool isFreezable() const { return m_freezable; }
 
     void addForce(const vec3& force); ///< at the centre of mass
     /// At a point given relative to the centre of mass, in world axes.
@@ -137,7 +136,6 @@ public:
     /// Drag area (coefficient × area, m²) of what brakes the body in still air, such as an open
     /// parachute: force ½·ρ·area·v² against the motion. Default 0; negative or non-finite: ignored.
     void setDragArea(float area) { setDamping(m_drag_area, area); }
-    float getDragArea() const { return m_drag_area; }
     /// A sensor passes through everything and only reports what it meets. Default false; set before
     /// the body first enters a world.
     void setSensor(bool sensor) { m_sensor = sensor; }

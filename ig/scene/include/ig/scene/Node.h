@@ -108,9 +108,6 @@ public:
     /// Sphere around the node and all below it, in the node's own frame.
     const BoundSphere& getBounds() const;
 
-    /// How often a pose was refused because it was not finite.
-    unsigned getNumRefused() const { return m_refused; }
-
 protected:
     /// Attitude in the local east-north-up frame from its three angles, and back.
     virtual dmat3 composeAttitude(const dvec3& hpr) const { return composeHPR(hpr); }
