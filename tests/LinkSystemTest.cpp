@@ -4,8 +4,8 @@
 // decoding, the feedback against geometry.
 
 #include "ChannelRun.h"
-#include "common/program/Clock.h"
 #include "flightsim/recording/Recording.h"
+#include "program/Clock.h"
 
 #include <algorithm>
 #include <cmath>

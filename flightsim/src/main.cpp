@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "common/program/Process.h"
 #include "flightsim/commands/Commands.h"
+#include "program/Process.h"
 
 #include <CLI/CLI.hpp>
 

@@ -3,8 +3,6 @@
 
 #include "channel/interface/Texts.h"
 #include "common/logic/LogicBase.h"
-#include "common/program/Clock.h"
-#include "common/program/Process.h"
 #include "ig/app/Engine.h"
 #include "ig/app/Message.h"
 #include "ig/app/MsgBox.h"
@@ -13,6 +11,8 @@
 #include "ig/package/PackageManager.h"
 #include "ig/scene/NodeReader.h"
 #include "ig/scene/ObjectPrefab.h"
+#include "program/Clock.h"
+#include "program/Process.h"
 #include "render/factory/RendererKind.h"
 
 #include <algorithm>

@@ -3,8 +3,8 @@
 
 #include "Channel.h"
 #include "Options.h"
-#include "common/program/Process.h"
 #include "ig/base/jLog.h"
+#include "program/Process.h"
 
 #include <new>
 

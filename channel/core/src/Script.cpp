@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Script.h"
 
-#include "common/program/InputFile.h"
 #include "ig/ui/KeyCode.h"
+#include "program/InputFile.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "common/program/OutputFile.h"
+#include "program/OutputFile.h"
 
 #include <string>
 

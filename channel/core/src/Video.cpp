@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "Video.h"
 
-#include "common/program/OutputFile.h"
 #include "ig/app/Renderer.h"
 #include "ig/base/jLog.h"
+#include "program/OutputFile.h"
 
 #include <algorithm>
 #include <array>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Fly.h"
 
-#include "common/program/Clock.h"
 #include "flightsim/mission/MissionFile.h"
+#include "program/Clock.h"
 
 #include <cmath>
 #include <memory>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Recorder.h"
 
-#include "common/program/Clock.h"
 #include "common/wire/UdpRecvData.h"
+#include "program/Clock.h"
 
 #include <algorithm>
 #include <array>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "CommandHelp.h"
-#include "common/program/Process.h"
 #include "flightsim/commands/Commands.h"
 #include "flightsim/recording/RecordingTools.h"
+#include "program/Process.h"
 
 #include <memory>
 

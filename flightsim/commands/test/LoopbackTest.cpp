@@ -2,8 +2,8 @@
 #include "Fly.h"
 #include "Recorder.h"
 #include "Replay.h"
-#include "common/program/Clock.h"
 #include "flightsim/testkit/TestFiles.h"
+#include "program/Clock.h"
 
 #include <algorithm>
 #include <cstring>

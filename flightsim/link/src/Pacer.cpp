@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "flightsim/link/Pacer.h"
 
-#include "common/program/Clock.h"
+#include "program/Clock.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "flightsim/link/Pacer.h"
-#include "common/program/Clock.h"
+#include "program/Clock.h"
 
 #include <cmath>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "flightsim/mission/MissionFile.h"
 
-#include "common/program/InputFile.h"
 #include "flightsim/helicopter/Helicopter.h"
+#include "program/InputFile.h"
 
 #include <algorithm>
 #include <array>

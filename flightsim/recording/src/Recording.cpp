@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "flightsim/recording/Recording.h"
 
-#include "common/program/InputFile.h"
-#include "common/program/OutputFile.h"
+#include "program/InputFile.h"
+#include "program/OutputFile.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ig/base/jLog.h"
 
-#include "common/program/Clock.h"
+#include "program/Clock.h"
 
 #include <cmath>
 #include <cstdarg>

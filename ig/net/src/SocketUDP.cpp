@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ig/net/SocketUDP.h"
 
-#include "common/program/Clock.h"
 #include "ig/base/jLog.h"
+#include "program/Clock.h"
 
 #include <algorithm>
 #include <arpa/inet.h>

@@ -3,9 +3,9 @@
 
 #include "PackageBuilder.h"
 #include "Utf8.h"
-#include "common/program/InputFile.h"
 #include "ig/base/jLog.h"
 #include "ig/package/Package.h"
+#include "program/InputFile.h"
 #include "readPackage.h"
 
 #include <algorithm>

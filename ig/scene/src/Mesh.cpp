@@ -2,8 +2,8 @@
 #include "ig/scene/Mesh.h"
 
 #include "GltfTree.h"
-#include "common/program/InputFile.h"
 #include "ig/base/jLog.h"
+#include "program/InputFile.h"
 
 #include <assimp/DefaultIOSystem.h>
 #include <assimp/Importer.hpp>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "HeightRaster.h"
 
-#include "common/program/InputFile.h"
+#include "program/InputFile.h"
 
 #include <cpl_conv.h>
 #include <cpl_error.h>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "render/image/ImageFile.h"
 
-#include "common/program/InputFile.h"
 #include "ig/base/jLog.h"
+#include "program/InputFile.h"
 
 #include <cstring>
 #include <fstream>

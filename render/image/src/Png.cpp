@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "render/image/Png.h"
 
-#include "common/program/InputFile.h"
-#include "common/program/OutputFile.h"
 #include "ig/base/jLog.h"
+#include "program/InputFile.h"
+#include "program/OutputFile.h"
 
 #include <cstdint>
 #include <filesystem>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "common/program/OutputFile.h"
 #include "common/wire/UdpSendData.h"
+#include "program/OutputFile.h"
 
 #include <cstdint>
 #include <optional>

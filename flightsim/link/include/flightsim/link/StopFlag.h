@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "common/program/Process.h"
+#include "program/Process.h"
 
 #include <atomic>
 

@@ -2,9 +2,9 @@
 
 // Files are in a folder of their own; a full disk is a limit on the size of files.
 
-#include "common/program/InputFile.h"
-#include "common/program/OutputFile.h"
-#include "common/program/Process.h"
+#include "program/InputFile.h"
+#include "program/OutputFile.h"
+#include "program/Process.h"
 
 #include <cstdlib>
 #include <filesystem>

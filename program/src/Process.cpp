@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "common/program/Process.h"
+#include "program/Process.h"
 
-#include "common/program/Clock.h"
+#include "program/Clock.h"
 
 #include <atomic>
 #include <cerrno>

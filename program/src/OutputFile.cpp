@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "common/program/OutputFile.h"
+#include "program/OutputFile.h"
 
 #include <cerrno>
 #include <cstring>

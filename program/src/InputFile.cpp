@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "common/program/InputFile.h"
+#include "program/InputFile.h"
 
 #include <cerrno>
 #include <cstring>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "common/program/Clock.h"
+#include "program/Clock.h"
 
 #include <ctime>
 
