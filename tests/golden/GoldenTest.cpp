@@ -38,7 +38,9 @@ struct Stage : LogicScene {
         useProjectData();
         start();
         frame(STEP);
-        helicopterNode("downdraught")->setEnabled(false); // until a view is about it
+        // Its rings in the sea would stand in every view, and a change of them fail all: it blows
+        // in the one view that is about it.
+        helicopterNode("downdraught")->setEnabled(false);
         picture.particles = &particles;
         picture.focus = logic->m_heli->m_prefab;
         eye.setPerspective(50, 16.0f / 9, 0.1, 1e7);

@@ -6,7 +6,7 @@ namespace ig {
 class ControlApp;
 class UIRoot;
 
-/// The application that drives the engine: its window and its input. Implemented by the host.
+/// What drives the engine: its window and its input. Implemented by the application.
 class IApp {
 public:
     virtual ~IApp() = default;

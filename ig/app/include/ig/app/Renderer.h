@@ -37,8 +37,8 @@ struct FrameInfo {
     float bolt_azimuth = 0;             ///< degrees clockwise from north
     float bolt_shape = 0;               ///< 0 to 1, the same as long as a bolt lasts
     dvec3 eye_velocity; ///< world, m/s: drops are streaked by the way they pass the eye
-    /// Where shadows are sharpest, and what radar cameras, which it carries, don't see; null: none,
-    /// and shadows around the camera.
+    /// Shadows are sharpest around it, and cameras of the radar that it carries leave it out; null:
+    /// shadows are sharpest around the camera, and radar sees everything.
     const Node* focus = nullptr;
     const ParticleSystem* particles = nullptr;
     const UiDrawList* ui = nullptr; ///< drawn last; null: none

@@ -13,7 +13,7 @@ struct SurfaceLook {
     bool two_sided = false;
     vec4 paving;      ///< slab's edges along X and Y, m, half a joint, m, spread of tones; 0: none
     float paint = -1; ///< width over which paint frays, m; negative: no paint
-    vec4 rotor;       ///< of blades at speed: radius, chord, m, number, 1 if about X, not Z; 0: no
+    vec4 rotor;       ///< radius, chord, m, blades, 1 where it turns about X, not Z; 0: none
     float tile = 0;   ///< m of one texture's edge on meshes without texture coordinates
     /// Base colour's picture file, or null; the material's or the mesh's own.
     const jString* texture = nullptr;
