@@ -14,6 +14,7 @@
 #include "UiPass.h"
 #include "ViewportPass.h"
 #include "WakePass.h"
+#include "common/program/Clock.h"
 #include "ig/base/jLog.h"
 #include "ig/scene/Camera.h"
 #include "plugins/ocean/ObjectOcean.h"
@@ -24,18 +25,12 @@
 #include "render/scene/SceneList.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <cstring>
 
 namespace ig {
 
 namespace {
-
-double now() {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
-        .count();
-}
 
 /// Measures what follows until the next mark.
 class PassClock {
@@ -46,13 +41,13 @@ public:
 
     void begin() {
         times.clear();
-        if (on) m_last = now();
+        if (on) m_last = program::steadyNow();
     }
     /// Ends a pass: books the time since the last mark under `name`.
     void mark(const char* name) {
         if (!on || paused) return;
         glFinish();
-        const double t = now();
+        const double t = program::steadyNow();
         times.push_back({name, (t - m_last) * 1e3});
         m_last = t;
     }
