@@ -124,6 +124,18 @@ void bindTexture(int unit, const Texture& texture) {
     glBindTexture(GL_TEXTURE_2D, texture.getId());
 }
 
+void attach(Framebuffer& target, const Texture& texture, GLenum point) {
+    target.create();
+    glBindFramebuffer(GL_FRAMEBUFFER, target.getId());
+    glFramebufferTexture2D(GL_FRAMEBUFFER, point, GL_TEXTURE_2D, texture.getId(), 0);
+}
+
+void stream(const VertexArray& array, const Buffer& buffer, std::span<const std::byte> data) {
+    glBindVertexArray(array.getId());
+    glBindBuffer(GL_ARRAY_BUFFER, buffer.getId());
+    glBufferData(GL_ARRAY_BUFFER, data.size(), data.data(), GL_STREAM_DRAW);
+}
+
 void makeVertexArray(VertexArray& array, Buffer& vertices, std::span<const std::byte> vertex_data,
                      Buffer& indices, std::span<const std::byte> index_data) {
     array.create();

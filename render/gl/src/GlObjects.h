@@ -55,6 +55,10 @@ struct TextureFormat {
 void makeTexture(Texture& texture, int width, int height, const TextureFormat& format,
                  const void* pixels = nullptr);
 void bindTexture(int unit, const Texture& texture);
+/// Makes the framebuffer anew, with nothing but that texture, and leaves it bound.
+void attach(Framebuffer& target, const Texture& texture, GLenum point = GL_COLOR_ATTACHMENT0);
+/// Gives the buffer what is drawn from it in this frame, and leaves both bound.
+void stream(const VertexArray& array, const Buffer& buffer, std::span<const std::byte> data);
 
 /// A vertex array with vertices and indices that never change, all made here; left bound, for the
 /// caller to tell the attributes.

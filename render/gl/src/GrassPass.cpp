@@ -113,7 +113,7 @@ void GrassPass::plant(Square& square, const World& world, const ObjectTerrain& t
     const EllipsoidModel earth;
     const dvec2 at = lattice.toDegrees(grid, column + 0.5, row + 0.5);
     square.frame = earth.getWGSTransform(earth.toWorld({at.x, at.y, 0}));
-    square.noise = TerrainPass::toNoise(grid, at.x, at.y);
+    square.noise = TerrainPass::placeInNoise(grid, at.x, at.y);
     double altitude = 0;
     const Cover cover(world, grid, lattice);
     const int covered = cover.count(terrain, column, row);
@@ -176,10 +176,7 @@ void GrassPass::draw(const FrameView& view, const World& world, const ObjectTerr
             visit(view, world, terrain, column - ring, row - i);
         }
     if (m_instances.empty()) return;
-    glBindVertexArray(m_vertex_array.getId());
-    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.getId());
-    glBufferData(GL_ARRAY_BUFFER, m_instances.size() * sizeof(Instance), m_instances.data(),
-                 GL_STREAM_DRAW);
+    gl::stream(m_vertex_array, m_buffer, std::as_bytes(std::span(m_instances)));
     m_program.use();
     m_program.set("uTurf", TerrainPass::readTurf(terrain.getSurfaceMaterial(0)));
     m_program.set("uReach", REACH);

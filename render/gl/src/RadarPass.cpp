@@ -202,10 +202,7 @@ void RadarPass::drawTargets(float gain) {
     if (m_corners.empty()) return;
     m_target.use();
     m_target.set("uGain", gain);
-    glBindVertexArray(m_corner_array.getId());
-    glBindBuffer(GL_ARRAY_BUFFER, m_corner_buffer.getId());
-    glBufferData(GL_ARRAY_BUFFER, m_corners.size() * sizeof(Corner), m_corners.data(),
-                 GL_STREAM_DRAW);
+    gl::stream(m_corner_array, m_corner_buffer, std::as_bytes(std::span(m_corners)));
     glEnable(GL_BLEND);
     glBlendEquation(GL_MAX);
     glDrawArrays(GL_TRIANGLES, 0, static_cast<GLsizei>(m_corners.size()));

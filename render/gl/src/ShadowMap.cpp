@@ -10,10 +10,7 @@ bool ShadowMap::make(Map& map, int size) {
     gl::makeTexture(map.depth, size, size, format);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_COMPARE_MODE, GL_COMPARE_REF_TO_TEXTURE);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_COMPARE_FUNC, GL_LEQUAL);
-    map.target.create();
-    glBindFramebuffer(GL_FRAMEBUFFER, map.target.getId());
-    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_TEXTURE_2D, map.depth.getId(),
-                           0);
+    gl::attach(map.target, map.depth, GL_DEPTH_ATTACHMENT);
     glDrawBuffer(GL_NONE);
     glReadBuffer(GL_NONE);
     return glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;

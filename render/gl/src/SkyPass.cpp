@@ -85,9 +85,7 @@ bool SkyPass::init(int map_size) {
     format.filter = GL_LINEAR_MIPMAP_LINEAR;
     gl::makeTexture(m_map, m_size, m_size, format);
     glGenerateMipmap(GL_TEXTURE_2D);
-    m_map_target.create();
-    glBindFramebuffer(GL_FRAMEBUFFER, m_map_target.getId());
-    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, m_map.getId(), 0);
+    gl::attach(m_map_target, m_map);
     return true;
 }
 

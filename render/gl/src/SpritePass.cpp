@@ -36,9 +36,7 @@ bool SpritePass::init() {
 void SpritePass::draw(const FrameView& view, const std::vector<Sprite>& sprites,
                       const gl::Texture& depth) {
     if (sprites.empty()) return;
-    glBindVertexArray(m_vertex_array.getId());
-    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.getId());
-    glBufferData(GL_ARRAY_BUFFER, sprites.size() * sizeof(Sprite), sprites.data(), GL_STREAM_DRAW);
+    gl::stream(m_vertex_array, m_buffer, std::as_bytes(std::span(sprites)));
     glEnable(GL_BLEND);
     glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     glDepthMask(GL_FALSE);

@@ -27,10 +27,7 @@ bool Targets::make(int width, int height, float scale) {
     bool complete = true;
     const auto attach = [&complete](gl::Framebuffer& target, const gl::Texture& color,
                                     const gl::Texture* with_depth) {
-        target.create();
-        glBindFramebuffer(GL_FRAMEBUFFER, target.getId());
-        glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, color.getId(),
-                               0);
+        gl::attach(target, color);
         if (with_depth)
             glFramebufferTexture2D(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_TEXTURE_2D,
                                    with_depth->getId(), 0);

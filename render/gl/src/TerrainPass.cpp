@@ -74,7 +74,7 @@ void TerrainPass::adopt(const TerrainGrid& grid) {
     m_extents.clear();
 }
 
-dvec2 TerrainPass::toNoise(const TerrainGrid& grid, double longitude, double latitude) {
+dvec2 TerrainPass::placeInNoise(const TerrainGrid& grid, double longitude, double latitude) {
     const double column = (longitude - grid.west) / grid.spacing_longitude;
     const double row = (grid.north - latitude) / grid.spacing_latitude;
     const dvec2 metres = spacing(grid, row);
@@ -199,7 +199,7 @@ void TerrainPass::fill(Chunk& chunk, const TerrainGrid& grid, const Square& squa
     chunk.frame = earth.getWGSTransform(
         earth.toWorld(geodetic(grid, square.column + half, square.row + half, 0)));
     const dvec3 middle = geodetic(grid, square.column + half, square.row + half, 0);
-    chunk.patch = toNoise(grid, middle.x, middle.y);
+    chunk.patch = placeInNoise(grid, middle.x, middle.y);
     const dmat4 to_chunk = inverse(chunk.frame);
     const auto height = [&grid](int column, int row) {
         return grid.getHeight(std::clamp(column, 0, grid.columns - 1),

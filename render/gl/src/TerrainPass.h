@@ -22,7 +22,7 @@ public:
     bool init();
     void draw(const FrameView& view, const ObjectTerrain& terrain);
     /// Place in the noise that colours the ground, m, of a geodetic place.
-    static dvec2 toNoise(const TerrainGrid& grid, double longitude, double latitude);
+    static dvec2 placeInNoise(const TerrainGrid& grid, double longitude, double latitude);
     static constexpr float SHORE_HEIGHT = 3.5f; ///< where the beach ends, unless the material tells
     static vec3 readTurf(const Material* material); ///< colour of the grass
 

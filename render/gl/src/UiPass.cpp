@@ -120,10 +120,7 @@ void UiPass::draw(const UiDrawList& list, const ViewportPass& viewports, int wid
     if (m_vertices.empty()) return;
     m_program.use();
     m_program.set("uSize", vec2{static_cast<float>(width), static_cast<float>(height)});
-    glBindVertexArray(m_vertex_array.getId());
-    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.getId());
-    glBufferData(GL_ARRAY_BUFFER, m_vertices.size() * sizeof(Vertex), m_vertices.data(),
-                 GL_STREAM_DRAW);
+    gl::stream(m_vertex_array, m_buffer, std::as_bytes(std::span(m_vertices)));
     glDisable(GL_DEPTH_TEST);
     glEnable(GL_BLEND);
     glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);

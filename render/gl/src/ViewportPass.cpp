@@ -32,9 +32,7 @@ UISpriteViewport* findViewport(const UIRoot& root, int id) {
 
 void makeTarget(gl::Framebuffer& target, gl::Texture& texture, int width, int height) {
     gl::makeTexture(texture, width, height, {});
-    target.create();
-    glBindFramebuffer(GL_FRAMEBUFFER, target.getId());
-    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture.getId(), 0);
+    gl::attach(target, texture);
 }
 
 } // namespace

@@ -25,10 +25,7 @@ void makeMap(WakePass::Map& map, int size, double every) {
     format.filter = GL_LINEAR_MIPMAP_LINEAR;
     gl::makeTexture(map.texture, size, size, format);
     glGenerateMipmap(GL_TEXTURE_2D);
-    map.target.create();
-    glBindFramebuffer(GL_FRAMEBUFFER, map.target.getId());
-    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, map.texture.getId(),
-                           0);
+    gl::attach(map.target, map.texture);
     map.every = every;
     map.empty = false;
     map.painted = -1e9;
@@ -61,10 +58,7 @@ void WakePass::bakeKelvin() {
                                    GL_LINEAR_MIPMAP_LINEAR};
     gl::makeTexture(m_kelvin_map, KELVIN_WIDTH, KELVIN_LENGTH, format);
     gl::Framebuffer target;
-    target.create();
-    glBindFramebuffer(GL_FRAMEBUFFER, target.getId());
-    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D,
-                           m_kelvin_map.getId(), 0);
+    gl::attach(target, m_kelvin_map);
     glViewport(0, 0, KELVIN_WIDTH, KELVIN_LENGTH);
     m_kelvin.use();
     m_kelvin.set("uExtent", KELVIN_EXTENT);
@@ -140,10 +134,7 @@ void WakePass::paintWakes(const Map& map, const std::vector<Wake>& wakes, dvec2 
 }
 
 void WakePass::paintPatches(const Map& map, const std::vector<FoamPatch>& patches) {
-    glBindVertexArray(m_vertex_array.getId());
-    glBindBuffer(GL_ARRAY_BUFFER, m_buffer.getId());
-    glBufferData(GL_ARRAY_BUFFER, patches.size() * sizeof(FoamPatch), patches.data(),
-                 GL_STREAM_DRAW);
+    gl::stream(m_vertex_array, m_buffer, std::as_bytes(std::span(patches)));
     glEnable(GL_BLEND);
     glBlendFunc(GL_ONE, GL_ONE);
     m_patch.use();
