@@ -523,8 +523,12 @@ def read_schema(file):
     programs = sorted(ROOT.glob("build/*/bin/visual_channel"), key=lambda p: p.stat().st_mtime)
     if not programs:
         return None
-    return yaml.safe_load(subprocess.run([programs[-1], "--schema"], check=True,
-                                         stdout=subprocess.PIPE).stdout)
+    try:
+        return yaml.safe_load(subprocess.run([programs[-1], "--schema"], check=True,
+                                             stdout=subprocess.PIPE).stdout)
+    except (OSError, subprocess.CalledProcessError) as error:
+        print(f"{programs[-1]}: {error}", file=sys.stderr)
+        return None
 
 
 def main():
