@@ -44,10 +44,12 @@ const Line OWN_LINES[] = {
     {"Alt + F4", "help.end"},
 };
 
-/// A text of the logic's file, which may have one for each language.
+/// A text of the logic's file, which may have one for each language; better another's than none.
 const char* textOf(const Package& line, const char* key, const std::string& language) {
     const Package* texts = line.getPackage(key);
-    return (texts ? texts->getString(language) : line.getString(key)).c_str();
+    if (!texts) return line.getString(key).c_str();
+    const char* const other = language == "zh" ? "en" : "zh";
+    return texts->getString(texts->getString(language).empty() ? other : language).c_str();
 }
 
 void addLine(std::string& text, const char* line) { text.append(line) += '\n'; }

@@ -7,6 +7,7 @@
 #include "ig/ui/KeyCode.h"
 #include "ig/ui/UIButton.h"
 #include "ig/ui/UIEditLine.h"
+#include "testkit/TempFolder.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -61,7 +62,8 @@ struct OperatorInterfaceTest : testing::Test {
         logic.take();
     }
     /// Whether a text that holds `part` is drawn.
-    bool shows(const char* part) {
+    bool shows(const char* part) { return shows(part, channel); }
+    static bool shows(const char* part, OperatorInterface& channel) {
         channel.update(0);
         const UiDrawList& list = *channel.draw();
         bool found = false;
@@ -175,6 +177,16 @@ TEST_F(OperatorInterfaceTest, HelpGlossesKeysAndButtonsInBothLanguagesAndFitsEve
     }
     EXPECT_TRUE(shows("打开吊索") && shows("level the camera"));
     EXPECT_FALSE(shows("相机调平")); // there is no room for both
+}
+
+TEST_F(OperatorInterfaceTest, HelpOfALogicWithOneLanguageIsShownInThatOne) {
+    const TempFolder folder;
+    OperatorInterface other(nullptr, owner, &control);
+    other.resize(1280, 720);
+    other.open(&logic,
+               folder.write("a.yaml", "buttons: [{button: b, does: {zh: 只有}}]\n").c_str());
+    other.getOverlays().showHelp(true);
+    EXPECT_TRUE(shows("只有", other)); // in the column that is English
 }
 
 TEST_F(OperatorInterfaceTest, PanelsShrinkWhereTheyWouldNotStandSideBySide) {
