@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "SignalRecorder.h"
 #include "heli/config/StringTable.h"
+#include "ig/package/Package.h"
+#include "ig/package/mjl.h"
 #include "ig/ui/UIButton.h"
 #include "ig/ui/UIEditLine.h"
 #include "ig/ui/UILayout.h"
 #include "ig/ui/UISpriteViewport.h"
 #include "ig/ui/UiDrawList.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 // What the buttons and fields do when they are clicked and typed into is tested in a real window,
@@ -60,6 +63,32 @@ TEST_F(PanelTest, PanelsHugTheirCornersAtEverySize) {
         expect(logic().m_radar_panel, width - 256, 0);
     }
     EXPECT_EQ(field(2)->getWidth(), 156); // has room for a position
+}
+
+TEST_F(PanelTest, TheInterfaceFileTellsTheButtonsAndTheRoomThatThePanelsTake) {
+    Package interface;
+    ASSERT_TRUE(mjl::open(
+        (scene.folder.before() / "config/Logic_Nerith_Heli_Final.interface.yaml").string(),
+        &interface));
+    const UIElement *buttons = logic().m_btn_panel, *fields = logic().m_cam_panel;
+    std::string told, shown;
+    for (const Package* line : interface.getPackages("buttons"))
+        told.append(line->getString("button").view()) += '\n';
+    for (int i = 0; i < logic().m_btn_panel->getChildCount(); i++)
+        if (auto* button = dynamic_cast<UIButton*>(logic().m_btn_panel->getChild(i)))
+            shown.append(button->getText().view()) += '\n';
+    EXPECT_EQ(told, shown);
+    const Package& room = *interface.getPackage("panels");
+    float width = 0, height = 0; // the most that rounding to pixels makes of them
+    for (float density = 0.7f; density < 2; density += 0.05f) {
+        scene.ui->resize(1280, 1024, density);
+        scene.ui->update(0);
+        width = std::max(width, (buttons->getWidth() + fields->getWidth()) / density);
+        height = std::max(height, buttons->getHeight() / density);
+    }
+    EXPECT_NEAR(room.getFloat("width") / width, 1.025, 0.025); // no less, and little more
+    EXPECT_NEAR(room.getFloat("height") / height, 1.025, 0.025);
+    EXPECT_EQ(room.getFloat("viewports"), 256);
 }
 
 TEST_F(PanelTest, APlaceThatIsEnteredIsLookedFromWhateverTheViewAndOneThatIsNotIsLeft) {
