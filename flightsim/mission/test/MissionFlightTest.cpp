@@ -252,7 +252,7 @@ legs:
             flight.advance(STEP);
         }
         EXPECT_TRUE(flight.isFinished());
-        EXPECT_NEAR(flight.getState().position.altitude, c.landed, c.tolerance) << c.ground;
+        EXPECT_NEAR(flight.getRecord().altitude, c.landed, c.tolerance) << c.ground;
     }
 }
 

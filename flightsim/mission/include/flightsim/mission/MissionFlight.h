@@ -45,7 +45,6 @@ public:
     const std::string& getFault() const { return m_fault; }
 
     double getTime() const { return m_time; }
-    const HelicopterState& getState() const { return m_helicopter.getState(); }
     const Guidance& getGuidance() const { return m_guidance; }
 
     /// One line of the flown profile, and its heading. The bank error is that of a coordinated
@@ -54,6 +53,7 @@ public:
     std::string profileRow() const;
 
 private:
+    const HelicopterState& getState() const { return m_helicopter.getState(); }
     void step(double dt);
     void updateRecord();
 
