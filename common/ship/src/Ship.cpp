@@ -8,7 +8,6 @@
 #include "ig/app/IApp.h"
 #include "ig/physics/Body.h"
 #include "ig/scene/ObjectPrefab.h"
-#include "ship_memory.h"
 
 #include <cmath>
 
@@ -16,6 +15,8 @@ using namespace ig;
 
 namespace {
 
+/// The source name under which allocations are recorded.
+constexpr const char* SHIP_SOURCE = "../common/ship/ship";
 constexpr int KEYBOARD = 1, FULL_AHEAD = 2; ///< control modes
 constexpr float LINEAR_DAMPING = 0.1f;      ///< fully immersed, 1/s
 

@@ -227,43 +227,40 @@ Leg legDefaults(double seconds, double rate) {
 }
 
 const std::vector<LegForm>& legForms() {
+    using enum LegKind;
     const Leg usual = legDefaults(5, 3);
-    Leg take_off = legDefaults(0, 2);
-    take_off.height = 5;
-    Leg approach = usual;
-    approach.radius = 2;
+    Leg rising = legDefaults(0, 2);
+    rising.height = 5;
+    Leg nearing = usual;
+    nearing.radius = 2;
     static const std::vector<LegForm> FORMS = {
-        {"spin_up", LegKind::spin_up, {"seconds"}, false, legDefaults(12, 3)},
-        {"take_off", LegKind::take_off, {"height", "rate", "heading"}, false, take_off},
-        {"hover",
-         LegKind::hover,
-         {"seconds", "height", "altitude", "heading", "turn_rate"},
-         false,
-         usual},
+        {"spin_up", spin_up, {"seconds"}, false, legDefaults(12, 3)},
+        {"take_off", take_off, {"height", "rate", "heading"}, false, rising},
+        {"hover", hover, {"seconds", "height", "altitude", "heading", "turn_rate"}, false, usual},
         {"follow",
-         LegKind::follow,
+         follow,
          {"to", "seconds", "height", "altitude", "heading", "speed", "rate", "acceleration",
           "deceleration", "turn_rate", "lean", "bank"},
          true,
          usual},
-        {"turn_to", LegKind::turn_to, {"heading", "turn_rate"}, true, usual},
-        {"climb", LegKind::climb, {"height", "altitude", "rate"}, false, usual},
-        {"descend", LegKind::descend, {"height", "altitude", "rate"}, false, usual},
+        {"turn_to", turn_to, {"heading", "turn_rate"}, true, usual},
+        {"climb", climb, {"height", "altitude", "rate"}, false, usual},
+        {"descend", descend, {"height", "altitude", "rate"}, false, usual},
         {"fly_to",
-         LegKind::fly_to,
+         fly_to,
          {"to", "altitude", "height", "speed", "lean", "bank", "acceleration", "deceleration",
           "rate", "radius"},
          true,
          usual},
         {"approach",
-         LegKind::approach,
+         approach,
          {"to", "height", "altitude", "speed", "lean", "bank", "acceleration", "deceleration",
           "rate", "heading", "turn_rate", "radius"},
          true,
-         approach},
-        {"land", LegKind::land, {"to", "rate", "heading"}, false, legDefaults(0, 1.5)},
-        {"wait", LegKind::wait, {"seconds"}, false, usual},
-        {"spin_down", LegKind::spin_down, {"seconds"}, false, legDefaults(12, 3)},
+         nearing},
+        {"land", land, {"to", "rate", "heading"}, false, legDefaults(0, 1.5)},
+        {"wait", wait, {"seconds"}, false, usual},
+        {"spin_down", spin_down, {"seconds"}, false, legDefaults(12, 3)},
     };
     return FORMS;
 }
