@@ -150,6 +150,14 @@ void VirtualScreen::key(unsigned long symbol, bool down) {
     sync();
 }
 
+/// In one message: between two, a busy machine may pause for so long that the key repeats.
+void VirtualScreen::stroke(unsigned long symbol) {
+    const KeyCode code = XKeysymToKeycode(m_display, symbol);
+    XTestFakeKeyEvent(m_display, code, True, 0);
+    XTestFakeKeyEvent(m_display, code, False, 0);
+    sync();
+}
+
 /// Characters that need no Shift.
 void VirtualScreen::type(std::string_view characters) {
     for (const char c : characters)

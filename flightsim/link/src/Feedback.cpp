@@ -56,7 +56,8 @@ std::optional<UdpSendData> FeedbackMonitor::take(std::span<const std::uint8_t> d
     m_stats.last_ns = steady_ns;
     if (m_last) {
         // Modulo 2^32, so that the frame number may wrap.
-        const auto step = feedback.frame - m_last->frame;
+        const auto step = static_cast<std::int32_t>(static_cast<std::uint32_t>(feedback.frame) -
+                                                    static_cast<std::uint32_t>(m_last->frame));
         if (step == 0) m_stats.duplicated++;
         if (step < 0) m_stats.backward++;
         if (step > 1) {

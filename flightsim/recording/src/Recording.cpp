@@ -164,7 +164,7 @@ bool RecordingWriter::open(const std::string& path, RecordingFormat format,
     }
     m_file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     if (m_file < 0) return fail("cannot create");
-    const auto version = format;
+    const auto version = static_cast<std::uint32_t>(format);
     put(MAGIC, sizeof MAGIC);
     put(&version, sizeof version);
     put(&HEADER_REST, sizeof HEADER_REST);

@@ -15,26 +15,24 @@ bool inRange(const std::bitset<N>&, int i) {
 
 bool InputRouter::keyDown(int key, bool repeat) {
     if (!inRange(m_held, key)) return false;
-    const auto k = key;
     // The same press again, when the window system repeats without saying so.
     const bool modifier = key >= KEY_SHIFT && key <= KEY_ALT;
-    repeat = m_held[k] || (repeat && !modifier);
-    m_held.set(k);
+    repeat = m_held[key] || (repeat && !modifier);
+    m_held.set(key);
     const UIEventKey event{key, m_held[KEY_SHIFT], m_held[KEY_CTRL]};
     // A key that the scene holds does not turn to the field that has got the focus meanwhile.
-    if (!m_scene_keys[k] && m_ui->keyDown(event)) return false;
+    if (!m_scene_keys[key] && m_ui->keyDown(event)) return false;
     if (repeat) return false;
-    m_scene_keys.set(k);
+    m_scene_keys.set(key);
     m_scene->keyDown(key);
     return true;
 }
 
 bool InputRouter::keyUp(int key) {
     if (!inRange(m_held, key)) return false;
-    const auto k = key;
-    m_held.reset(k);
-    if (!m_scene_keys[k]) return false;
-    m_scene_keys.reset(k);
+    m_held.reset(key);
+    if (!m_scene_keys[key]) return false;
+    m_scene_keys.reset(key);
     m_scene->keyUp(key);
     return true;
 }
@@ -58,9 +56,8 @@ bool InputRouter::mouseUp(int button, float x, float y) {
     if (!inRange(m_scene_buttons, button)) return false;
     mouseMove(x, y);
     m_ui->mouseUp({button, x, y});
-    const auto b = button;
-    if (!m_scene_buttons[b]) return false;
-    m_scene_buttons.reset(b);
+    if (!m_scene_buttons[button]) return false;
+    m_scene_buttons.reset(button);
     if (button == 0) m_scene->setLeftButton(false);
     if (button == 1) m_scene->setRightButton(false);
     return true;

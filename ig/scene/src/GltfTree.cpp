@@ -66,7 +66,7 @@ public:
                 m_key = {};
             } else if (c == ',') {
                 m_key = {};
-            } else if (std::isdigit(c)) {
+            } else if (std::isdigit(static_cast<unsigned char>(c))) {
                 const std::size_t number = takeNumber();
                 if (isIn({"", "nodes", "", "children"})) tree.children.back().push_back(number);
                 if (isIn({"", "scenes", "", "nodes"})) tree.roots.push_back(number);

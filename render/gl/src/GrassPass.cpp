@@ -166,7 +166,7 @@ void GrassPass::draw(const FrameView& view, const World& world, const ObjectTerr
     const auto column = static_cast<std::int32_t>(std::floor(here.x));
     const auto row = static_cast<std::int32_t>(std::floor(here.y));
     // Rings from the eye outwards: the nearest squares are planted first.
-    constexpr auto RINGS = REACH / EDGE + 1;
+    constexpr auto RINGS = static_cast<std::int32_t>(REACH / EDGE) + 1;
     visit(view, world, terrain, column, row);
     for (std::int32_t ring = 1; ring <= RINGS; ring++)
         for (std::int32_t i = -ring; i < ring; i++) {

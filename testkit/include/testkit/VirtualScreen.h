@@ -41,10 +41,7 @@ public:
         button(4, false);
     }
     void key(unsigned long symbol, bool down); ///< X's name for a key: a character, or XK_…
-    void stroke(unsigned long symbol) {
-        key(symbol, true);
-        key(symbol, false);
-    }
+    void stroke(unsigned long symbol);
     void type(std::string_view characters);
     /// Holds a key until the window has been told of it so many times.
     void hold(unsigned long symbol, int times);
