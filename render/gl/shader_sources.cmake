@@ -3,9 +3,10 @@
 # made from the files of shaders/ and from the headers whose lines C++ and shaders share.
 
 set(shader_sources "")
-macro(add_shader name text)
+function(add_shader name text)
     string(APPEND shader_sources "    {\"${name}\", R\"glsl(${text})glsl\"},\n")
-endmacro()
+    set(shader_sources "${shader_sources}" PARENT_SCOPE)
+endfunction()
 
 # The lines of a header in render/scene between two others; its comments are the shaders' too.
 function(read_shared header first last variable)
