@@ -85,7 +85,7 @@ Body* loadRigid(const NodeReader& r) {
     body->setSensor(r.getFlag("sensor"));
     body->setLanding(r.getFlag("landing"));
     body->setFloating(r.getFlag("floating"));
-    if (r.has("enabled")) body->setEnabled(r.getFlag("enabled"));
+    body->setEnabled(r.getFlag("enabled", true));
     return body.release();
 }
 
@@ -134,16 +134,14 @@ Body* loadBody(const NodeReader& body) {
 void connectBodies(const NodeReader& node, const ObjectPrefab& prefab) {
     const jString& name = node.getText("name");
     const auto body = node.getMap("body");
-    if (Body* owned = findBody(prefab, name); owned && body && body->getType()) {
+    if (const Body* owned = findBody(prefab, name); owned && body && body->getType()) {
         const bool rope = body->getType()->name == "rope";
-        if (rope == (owned->getType() == Body::BODY_ROPE)) {
-            if (rope)
-                hangRope(*body, static_cast<BodyRope&>(*owned), prefab);
-            else
-                connectRigid(*body, static_cast<Object&>(*prefab.getNodeByName(name)), prefab);
-        } else if (!name.empty()) {
+        if (rope && findRope(prefab, name))
+            hangRope(*body, *findRope(prefab, name), prefab);
+        else if (!rope && owned->getType() != Body::BODY_ROPE)
+            connectRigid(*body, static_cast<Object&>(*prefab.getNodeByName(name)), prefab);
+        else if (!name.empty())
             body->report("another type of body already has the name", name);
-        }
     }
     for (const Package* child : node.getPackage().getPackages("children"))
         connectBodies(NodeReader(*child), prefab);
