@@ -19,6 +19,20 @@ constexpr double WAKE_SPEED = 5;     ///< m/s at which a flat emitter reaches it
 constexpr std::size_t MOST = 12000;  ///< particles of one emitter
 constexpr float GRAVITY = 9.81f;     ///< m/s²
 
+/// Where the stream of that number begins: neighbours far from each other (the finalizer of
+/// MurmurHash3).
+std::uint32_t beginStream(std::uint32_t number) {
+    number = (number ^ number >> 16) * 0x85ebca6bu;
+    number = (number ^ number >> 13) * 0xc2b2ae35u;
+    return number ^ number >> 16;
+}
+
+/// The next number of a stream, −1 to 1.
+float draw(std::uint32_t& stream) {
+    stream = stream * 1664525u + 1013904223u;
+    return static_cast<float>(stream >> 8) / 8388608.0f - 1;
+}
+
 } // namespace
 
 void ParticleSystem::advance(const World& world, float dt) {
@@ -47,6 +61,7 @@ void ParticleSystem::advanceEmitter(const ObjectParticles& emitter, float dt, bo
         entry.cloud.origin = position;
         entry.position = position;
         entry.cleared = emitter.getNumCleared();
+        entry.random = beginStream(++m_streams);
     }
     if (entry.cleared != emitter.getNumCleared()) entry.cloud.particles.clear();
     entry.cleared = emitter.getNumCleared();
@@ -110,6 +125,7 @@ void ParticleSystem::spawn(const ObjectParticles& emitter, Entry& entry, const M
     const vec3 start(pose.getTranslate() - entry.cloud.origin);
     const vec3 box = emitter.getSpread();
     const vec2 ring = emitter.getRing();
+    const auto random = [&entry] { return draw(entry.random); };
     for (; entry.owed >= 1; entry.owed -= 1) {
         if (entry.cloud.particles.size() >= MOST) continue;
         Particle p;
@@ -118,7 +134,7 @@ void ParticleSystem::spawn(const ObjectParticles& emitter, Entry& entry, const M
         // Born anywhere in the step, so that a fast emitter leaves a trail and no bursts.
         p.age = dt * 0.5f * (1 + random());
         p.velocity = axes[2] * emitter.getLinearVelocity() +
-                     vec3(random(), random(), random()) * emitter.getLinearVelocitySpread();
+                     vec3{random(), random(), random()} * emitter.getLinearVelocitySpread();
         vec2 place{box.x * random(), box.y * random()};
         if (ring.y > 0) { // evenly over the ring's area
             const float angle = 3.1416f * random(), area = 0.5f * (1 + random());
@@ -159,11 +175,6 @@ void ParticleSystem::deflect(const ObjectParticles& emitter, ParticleCloud& clou
             return std::abs(dot(d, across)) < half.x && std::abs(dot(d, along)) < half.y;
         });
     }
-}
-
-float ParticleSystem::random() {
-    m_random = m_random * 1664525u + 1013904223u;
-    return static_cast<float>(m_random >> 8) / 8388608.0f - 1;
 }
 
 int ParticleSystem::getNumParticles() const {

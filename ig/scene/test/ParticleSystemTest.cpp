@@ -183,6 +183,31 @@ TEST_F(Particles, DragBringsThemToTheWindsSpeed) {
     world.clear(); // before the material goes
 }
 
+TEST_F(Particles, OfOneEmitterAreTheSameWhateverAnotherDoes) {
+    emitter->setLinearVelocitySpread(2);
+    const auto copy = [this](const ObjectParticles* of) {
+        std::vector<dvec3> velocities;
+        system.forEach([&](const ParticleCloud& cloud) {
+            for (const Particle& p : cloud.particles)
+                if (cloud.emitter == of) velocities.emplace_back(p.velocity);
+        });
+        return velocities;
+    };
+    run(1);
+    const std::vector<dvec3> alone = copy(emitter);
+    system = {};
+    auto* other = new ObjectParticles();
+    other->setWorldTransform(emitter->getWorldTransform());
+    other->setLife(2);
+    other->setLinearVelocity(3);
+    other->setLinearVelocitySpread(2);
+    other->setSpawnRate(100);
+    world.addNode(other);
+    run(1);
+    EXPECT_EQ(copy(emitter), alone);
+    EXPECT_NE(copy(other), alone); // but they are no copies
+}
+
 TEST_F(Particles, StrangeSettingsDoNoHarm) {
     emitter->setLife(-1);
     run(1);

@@ -42,6 +42,9 @@ struct ParticleCloud {
 /// emitter spawns less the slower it is carried, and nothing while it stands. Particles in the
 /// column of one of the emitter's deflectors are removed. The particles of an emitter that is
 /// hidden are gone.
+///
+/// Each emitter draws its random numbers from a stream of its own, by how many came up before it,
+/// so that the particles of one are the same whatever the others do.
 class ParticleSystem {
 public:
     /// `dt` in seconds; more than 0.5 counts as 0.5.
@@ -65,29 +68,29 @@ public:
 private:
     struct Entry {
         ParticleCloud cloud;
-        dvec3 position;       ///< of the emitter at the last advance, world
-        vec3 way;             ///< that it came since then, m
-        double owed = 0;      ///< fraction of a particle still to be spawned
-        unsigned round = 0;   ///< of the last advance that met the emitter
-        unsigned cleared = 0; ///< the emitter's clears that it knows of
+        dvec3 position;           ///< of the emitter at the last advance, world
+        vec3 way;                 ///< that it came since then, m
+        double owed = 0;          ///< fraction of a particle still to be spawned
+        std::uint32_t random = 0; ///< where its stream of random numbers is
+        unsigned round = 0;       ///< of the last advance that met the emitter
+        unsigned cleared = 0;     ///< the emitter's clears that it knows of
     };
     struct Motion { ///< what the material says
         float gravity, drag, spin, wind;
     };
     void visit(const Node& node, float dt, bool below_decal);
     void advanceEmitter(const ObjectParticles& emitter, float dt, bool flat);
-    void spawn(const ObjectParticles& emitter, Entry& entry, const Motion& motion, float share,
-               float dt);
+    static void spawn(const ObjectParticles& emitter, Entry& entry, const Motion& motion,
+                      float share, float dt);
     static void makeRoom(const ObjectParticles& emitter, std::vector<Particle>& particles);
     void move(ParticleCloud& cloud, const Motion& motion, float dt) const;
     static void deflect(const ObjectParticles& emitter, ParticleCloud& cloud);
     static void keepNear(const dvec3& position, ParticleCloud& cloud);
-    float random(); ///< −1 to 1
 
     std::map<int, Entry> m_clouds; ///< by the emitter's id
     float m_wind_direction = 0, m_wind_speed = 0;
     unsigned m_round = 0;
-    std::uint32_t m_random = 1;
+    std::uint32_t m_streams = 0; ///< begun so far
 };
 
 } // namespace ig
