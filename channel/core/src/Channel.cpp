@@ -279,11 +279,11 @@ bool Channel::runFrame() {
     if (m_window.isOpen()) m_window.poll();
     if (m_frames > 0) playScript(); // before, no button has been laid out
     const float scale = m_renderer->getScale();
-    const std::string& still = m_script.getPictureName();
+    const bool still = !m_script.getPictureName().empty();
     // A still is looked at longer than a frame.
-    if (!still.empty() && m_options.scale <= 0) m_renderer->setScale(1);
+    if (still && m_options.scale <= 0) m_renderer->setScale(1);
     const FrameCosts costs = frame(dt);
-    if (!still.empty()) m_screenshots.take(*m_renderer, still);
+    takeStill();
     m_renderer->setScale(scale);
     const double work = steadyNow() - begin;
     if (m_window.isOpen()) m_window.swap(); // waits for a graphics device that is still drawing
@@ -304,6 +304,13 @@ bool Channel::runFrame() {
 void Channel::playScript() {
     m_script.play(m_scene_time, m_last_received > 0);
     if (m_script.hasQuit()) requestStop();
+}
+
+/// What the script asks for, unless frames of a box have taken it meanwhile.
+void Channel::takeStill() {
+    if (m_script.getPictureName().empty()) return;
+    m_screenshots.take(*m_renderer, m_script.getPictureName());
+    m_script.pictureTaken();
 }
 
 void Channel::askToQuit() {

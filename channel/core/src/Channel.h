@@ -80,6 +80,7 @@ private:
     void askToQuit();
     bool loadScript();
     void playScript();
+    void takeStill();
     void setProjection();
     void draw();
     void levelAfterJump();

@@ -34,7 +34,6 @@ bool ScriptPlayer::keepsPictures() const {
 }
 
 void ScriptPlayer::play(double time, bool records) {
-    m_picture.clear();
     if (!m_start && (m_script.from_start || records)) m_start = m_script.from_start ? 0 : time;
     if (!m_start) return;
     m_time = time - *m_start;
@@ -44,7 +43,7 @@ void ScriptPlayer::play(double time, bool records) {
         const ScriptCommand& command = m_script.commands[m_next];
         if (command.at > m_time || (command.usesMouse() && mouseIsHeld())) return;
         if (command.kind == Kind::key && isHeld(command.keys.back())) return;
-        m_next++; // before it acts: it may open a dialog, which runs frames of its own
+        m_next++;
         if (!begin(command)) m_failures++;
     }
 }
@@ -80,23 +79,17 @@ bool ScriptPlayer::begin(const ScriptCommand& command) {
     return true;
 }
 
-/// What is let go may open a dialog, which runs frames of its own: by then it is off the list.
+/// What is held goes on before anything is let go.
 void ScriptPlayer::advanceHeld() {
-    std::vector<Held> ended;
-    for (std::size_t i = 0; i < m_held.size();) {
-        if (!advance(m_held[i])) {
-            i++;
-            continue;
-        }
-        ended.push_back(m_held[i]);
-        m_held.erase(m_held.begin() + i);
-    }
-    for (const Held& held : ended) {
+    const auto ended = std::stable_partition(m_held.begin(), m_held.end(),
+                                             [this](Held& held) { return !advance(held); });
+    std::for_each(ended, m_held.end(), [this](const Held& held) {
         if (held.command->usesMouse())
             m_listener.onButton(held.command->button, false, m_x, m_y);
         else
             releaseKeys(held.command->keys);
-    }
+    });
+    m_held.erase(ended, m_held.end());
 }
 
 bool ScriptPlayer::advance(Held& held) {
@@ -134,8 +127,10 @@ bool ScriptPlayer::findText(const std::string& text) {
     for (const UiDrawList::Command& command : m_list.getCommands()) {
         if (command.kind != UiDrawList::Kind::text || m_list.text(command) != text) continue;
         const float width = m_ui.getTextWidth(command.h, text);
-        moveTo(command.x + width / 2, command.y + command.h / 2);
-        if (isPushed(m_ui.getHover())) return true;
+        const float x = command.x + width / 2, y = command.y + command.h / 2;
+        if (!isPushed(m_ui.getElementAt(x, y))) continue;
+        moveTo(x, y);
+        return true;
     }
     return false;
 }
@@ -145,8 +140,8 @@ std::string ScriptPlayer::listButtons() {
     m_ui.draw(m_list);
     for (const UiDrawList::Command& command : m_list.getCommands()) {
         if (command.kind != UiDrawList::Kind::text) continue;
-        moveTo(command.x + command.h / 2, command.y + command.h / 2);
-        const UIElement* element = m_ui.getHover();
+        const UIElement* element =
+            m_ui.getElementAt(command.x + command.h / 2, command.y + command.h / 2);
         if (!element || !element->isFocusedByPress()) continue;
         names += (names.empty() ? "\"" : ", \"") + std::string(m_list.text(command)) + "\"";
     }

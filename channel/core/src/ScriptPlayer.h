@@ -12,10 +12,10 @@ class UIRoot;
 
 class WindowListener;
 
-/// Does what a script says, as an operator would: it looks where a button is drawn, and hands mouse
-/// and keys to whoever hears of the window's. The channel plays it between frames, with and without
-/// a window. What goes down stays down for at least one frame, and commands keep their order in
-/// slow frames too.
+/// Says what a script wants done, as an operator would do it: it looks where the last frame has
+/// drawn a button, and tells mouse and keys to whoever hears of the window's. It is played between
+/// frames, with and without a window. What goes down stays down for at least one frame, and
+/// commands keep their order in slow frames too.
 class ScriptPlayer {
 public:
     /// Both outlive the player.
@@ -27,8 +27,10 @@ public:
     void play(double time, bool records);
     /// Whether some command keeps a picture.
     bool keepsPictures() const;
-    /// The name of the picture to keep of the frame that follows `play`; empty: none.
+    /// The name of the picture to keep of the next frame that is drawn; empty: none. Until it has
+    /// been taken no further command begins.
     const std::string& getPictureName() const { return m_picture; }
+    void pictureTaken() { m_picture.clear(); }
     /// A command asked for the channel's end.
     bool hasQuit() const { return m_quit; }
     /// Commands that could not be done, each of which has been logged.

@@ -192,13 +192,13 @@ void UIRoot::arrange() {
 }
 
 void UIRoot::updateHover() {
-    m_hover = find(m_mouse_x, m_mouse_y);
+    m_hover = getElementAt(m_mouse_x, m_mouse_y);
     // A button is held only while the mouse is on it.
     if (m_pressed && m_pressed->isFocusedByPress())
         setFocus(m_hover == m_pressed ? m_pressed : nullptr);
 }
 
-UIElement* UIRoot::find(float x, float y) {
+UIElement* UIRoot::getElementAt(float x, float y) const {
     if (!m_modal.empty()) return m_modal.back()->find(x, y);
     for (int i = m_children.size() - 1; i >= 0; i--) {
         if (m_children[i]->isHidden()) continue;

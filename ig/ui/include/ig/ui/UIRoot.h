@@ -79,6 +79,8 @@ public:
     /// The viewports, hidden ones too, in the order of creation.
     const jVector<UISpriteViewport*>& getViewports() const { return m_viewports; }
     double getTime() const { return m_time; } ///< sum of all updates, s
+    /// What takes the mouse at a place of the picture, as laid out last; null: nothing does.
+    UIElement* getElementAt(float x, float y) const;
 
     // --- focus
 
@@ -104,7 +106,6 @@ private:
     void release(UIElement* element); ///< it may no longer hold focus or mouse
     void arrange();
     void updateHover();
-    UIElement* find(float x, float y);
     bool nextField(bool backwards);
 
     jVector<UIElement*> m_children; ///< owned, bottom first
