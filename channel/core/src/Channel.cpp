@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Channel.h"
 
+#include "LiveInputs.h"
 #include "channel/interface/Texts.h"
 #include "common/logic/LogicBase.h"
 #include "ig/app/Engine.h"
@@ -21,6 +22,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <iterator>
 #include <unistd.h>
 #include <utility>
 
@@ -57,11 +59,12 @@ void levelCamera() {
 } // namespace
 
 Channel::Channel(const Options& options)
-    : m_options(options), m_interface(this, *this, &m_control), m_window(m_interface),
-      m_script(m_interface, *m_interface.getRoot()), m_camera_control(nullptr),
+    : m_options(options), m_interface(this, *this, &m_control), m_window(m_queue),
+      m_script(m_queue, *m_interface.getRoot()), m_camera_control(nullptr),
       m_environment(m_options), m_scene_command(options.obey_exit),
       m_screenshots(options.screenshot, options.screenshot_every, options.contact_sheet),
-      m_video(options.video), m_clock(options.frame_rate, options.step) {
+      m_video(options.video), m_clock(options.frame_rate, options.step),
+      m_inputs(std::make_unique<LiveInputs>(m_clock, m_window, m_script, m_queue)) {
     m_status.setQuiet(options.quiet);
 }
 
@@ -168,8 +171,11 @@ void Channel::prepareInterface() {
     UIRoot* root = m_interface.getRoot();
     // The scene and the link go on while the operator is asked something.
     root->setModalFrame([this] { return runFrame(); });
-    root->setClipboard([this] { return jString(m_window.readClipboard()); },
-                       [this](const jString& text) { m_window.writeClipboard(text.c_str()); });
+    root->setClipboard([this] { return jString(m_clipboard); },
+                       [this](const jString& text) {
+                           m_clipboard = text.c_str();
+                           m_window.writeClipboard(m_clipboard);
+                       });
     if (m_renderer->getTextWidth(16, "0") < 0) return; // it draws no texts
     root->setTextWidth(
         [this](float size, std::string_view utf8) { return m_renderer->getTextWidth(size, utf8); });
@@ -273,11 +279,13 @@ void Channel::run() {
 }
 
 bool Channel::runFrame() {
-    if (g_stop || m_quit || isOver()) return false;
-    const float dt = m_clock.beginFrame();
+    frames::FrameInput input;
+    if (g_stop || m_quit || isOver() || !m_inputs->next({m_scene_time, m_last_received > 0}, input))
+        return false;
+    if (m_script.hasQuit()) requestStop(); // after this frame
+    const float dt = input.length;
     const double begin = steadyNow();
-    if (m_window.isOpen()) m_window.poll();
-    if (m_frames > 0) playScript(); // before, no button has been laid out
+    take(input);
     const float scale = m_renderer->getScale();
     const bool still = !m_script.getPictureName().empty();
     // A still is looked at longer than a frame.
@@ -292,7 +300,7 @@ bool Channel::runFrame() {
     const std::uint64_t received = m_link.getReceived().datagrams_received;
     m_interface.getOverlays().addFrame(dt, costs, static_cast<int>(received - m_last_received));
     m_last_received = received;
-    m_trace.write(begin, m_listener);
+    m_trace.write(input.begin, m_listener);
     m_status.addFrame(dt, work);
     m_status.print(m_listener, m_link, m_scene_command.describe() + ' ' + m_environment.describe());
     m_scene_time += dt;
@@ -301,9 +309,17 @@ bool Channel::runFrame() {
     return true;
 }
 
-void Channel::playScript() {
-    m_script.play(m_scene_time, m_last_received > 0);
-    if (m_script.hasQuit()) requestStop();
+/// Delivers what a frame takes in. A box that an event opens runs frames until it is answered; they
+/// take what is left of the events before their own, so that all keep their order.
+void Channel::take(frames::FrameInput& input) {
+    m_now = input.begin;
+    if (input.clipboard) m_clipboard = std::move(*input.clipboard);
+    std::ranges::move(input.events, std::back_inserter(m_events));
+    while (!m_events.empty()) {
+        const frames::OperatorEvent event = std::move(m_events.front());
+        m_events.pop_front();
+        EventQueue::tell(event, m_interface);
+    }
 }
 
 /// What the script asks for, unless frames of a box have taken it meanwhile.
@@ -339,7 +355,7 @@ FrameCosts Channel::frame(float dt) {
     const float step = Engine::get()->getSceneStep();
     m_environment.readKeys(m_control);
     m_logic->update(step);
-    m_link.update(LinkSample::read(), steadyNow());
+    m_link.update(LinkSample::read(), m_now);
     m_scene_command.update();
     m_interface.getOverlays().setSceneState(m_scene_command.getPictureText());
     levelAfterJump();

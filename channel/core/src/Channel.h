@@ -2,7 +2,9 @@
 #pragma once
 
 #include "Environment.h"
+#include "EventQueue.h"
 #include "FrameClock.h"
+#include "FrameInputs.h"
 #include "Library.h"
 #include "LogicListener.h"
 #include "Options.h"
@@ -24,6 +26,7 @@
 #include "ig/scene/ParticleSystem.h"
 #include "ig/scene/World.h"
 
+#include <deque>
 #include <memory>
 
 class LogicBase;
@@ -79,7 +82,7 @@ private:
     FrameCosts frame(float dt);
     void askToQuit();
     bool loadScript();
-    void playScript();
+    void take(frames::FrameInput& input);
     void takeStill();
     void setProjection();
     void draw();
@@ -89,7 +92,8 @@ private:
 
     Options m_options;
     ig::ControlApp m_control;
-    OperatorInterface m_interface; ///< hears what happens in the window
+    OperatorInterface m_interface; ///< hears of the events that frames take in
+    EventQueue m_queue;            ///< hears what happens in the window
     Window m_window;
     std::unique_ptr<ig::Renderer> m_renderer; ///< before the window goes
     ScaleGovernor m_governor;
@@ -114,7 +118,11 @@ private:
     ig::dvec3 m_last_position; ///< of the focus
     ig::dvec3 m_last_eye;      ///< of the logic's camera
     FrameClock m_clock;
-    double m_scene_time = 0; ///< s; goes on while the scene stands still
+    std::unique_ptr<FrameInputs> m_inputs;
+    std::deque<frames::OperatorEvent> m_events; ///< taken in, and not yet told to the interface
+    std::string m_clipboard;                    ///< as read or written last
+    double m_now = 0;                           ///< on the inputs' clock when the frame began, s
+    double m_scene_time = 0;                    ///< s; goes on while the scene stands still
     int m_frames = 0;
     bool m_quit = false;               ///< the operator has confirmed it
     std::uint64_t m_last_received = 0; ///< records, up to the frame before

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "FrameInputs.h"
+
+class EventQueue;
+class FrameClock;
+class ScriptPlayer;
+class Window;
+
+/// Frames as they happen: paced by the clock, with what has happened at the window, what the script
+/// does, and the datagrams that wait at the sockets.
+class LiveInputs final : public FrameInputs {
+public:
+    /// All of these are the application's. Window and script tell the queue.
+    LiveInputs(FrameClock& clock, Window& window, ScriptPlayer& script, EventQueue& queue)
+        : m_clock(clock), m_window(window), m_script(script), m_queue(queue) {}
+    bool next(const Moment& moment, frames::FrameInput& input) override;
+
+private:
+    bool hasPaste(const frames::FrameInput& input);
+
+    FrameClock& m_clock;
+    Window& m_window;
+    ScriptPlayer& m_script;
+    EventQueue& m_queue;
+    std::uint64_t m_number = 0; ///< of the next frame
+    bool m_ctrl = false;        ///< the key is down, as the events say
+};
