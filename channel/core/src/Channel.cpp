@@ -100,6 +100,7 @@ bool Channel::open() {
         return false;
     }
     m_environment.attach(m_world);
+    m_precipitation.attach(m_world);
     m_interface.open(m_logic, "config/" + m_library.getName() + ".interface.yaml");
     m_interface.getOverlays().watch(&m_link);
     m_interface.getOverlays().showHelp(m_options.show_help);
@@ -359,7 +360,8 @@ FrameCosts Channel::frame(float dt) {
     m_scene_command.update();
     m_interface.getOverlays().setSceneState(m_scene_command.getPictureText());
     levelAfterJump();
-    m_environment.update(step, getEye());
+    m_environment.update(step);
+    m_precipitation.update(step, getEye(), m_environment);
     costs.update = spent();
     m_world.updatePhysics(step);
     m_world.updateParticles(step);
@@ -382,6 +384,7 @@ FrameCosts Channel::frame(float dt) {
 void Channel::draw() {
     m_environment.fillFrame(getEye(), m_listener.m_focus, Engine::get()->getRunningTime(),
                             m_frame_info);
+    m_frame_info.eye_velocity = m_precipitation.getEyeVelocity();
     m_frame_info.particles = &m_particles;
     m_renderer->render(m_world, getEye(), m_frame_info);
     const double time = m_scene_time + Engine::get()->getFrameTime();

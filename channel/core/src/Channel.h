@@ -8,6 +8,7 @@
 #include "Library.h"
 #include "LogicListener.h"
 #include "Options.h"
+#include "Precipitation.h"
 #include "ScaleGovernor.h"
 #include "SceneCommand.h"
 #include "Screenshots.h"
@@ -109,6 +110,7 @@ private:
     LinkMonitor m_link; ///< looks at the logic's sockets
     Status m_status;
     Environment m_environment;
+    Precipitation m_precipitation;
     SceneCommand m_scene_command;
     Screenshots m_screenshots;
     Video m_video;

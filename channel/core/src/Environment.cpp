@@ -25,9 +25,6 @@ constexpr float LEAST_VISIBILITY = 20;    ///< metres: what absurd values come d
 constexpr float WIND_STRENGTH = 400;      ///< the scene's wind strength for 1 m/s
 constexpr float HIGHEST_WIND = 60;        ///< m/s: what absurd values come down to
 constexpr int HIGHEST_SEA = 12;           ///< Beaufort
-constexpr double PATH = 60;               ///< m that drops pass the eye by at most, by their life
-constexpr double FASTEST_EYE = 400;       ///< m/s; what is faster has jumped
-constexpr double EYE_SMOOTHING = 0.15;    ///< s; host records come unevenly
 constexpr double DAY = 24;                ///< hours
 constexpr float DARK = 0.5f;              ///< clouds of which lightning comes
 
@@ -66,16 +63,6 @@ void Environment::attach(const World& world) {
     Node* ocean = world.getNodeByName("ocean");
     if (ocean && ocean->getType() == OBJECT_OCEAN) m_ocean = static_cast<ObjectOcean*>(ocean);
     applySea();
-    const std::pair<const char*, float ShownWeather::*> kinds[] = {{"rain", &ShownWeather::rain},
-                                                                   {"snow", &ShownWeather::snow},
-                                                                   {"hail", &ShownWeather::hail}};
-    for (const auto& [name, strength] : kinds) {
-        Node* node = world.getNodeByName(name);
-        if (!node || node->getType() != OBJECT_PARTICLES) continue;
-        auto* emitter = static_cast<ObjectParticles*>(node);
-        m_precipitation.push_back({emitter, strength, emitter->getSpawnRate(),
-                                   std::abs(emitter->getLinearVelocity()), emitter->getLife()});
-    }
 }
 
 // ------------------------------------------------------------------ what is asked for
@@ -136,14 +123,12 @@ void Environment::applySea() {
     if (m_ocean && beaufort >= 0) m_ocean->setBeaufort(static_cast<float>(beaufort));
 }
 
-void Environment::update(float dt, const Camera& camera) {
+void Environment::update(float dt) {
     if (dt > 0) m_hour = wrapHour(m_hour + dt * m_time_scale / 3600);
     const Weather weather = getWeather();
     Engine::get()->setWindDirection(weather.wind_direction);
     Engine::get()->setWindStrength(std::max(weather.wind_speed, 0.0f) * WIND_STRENGTH);
-    followEye(camera, dt);
     followWeather(dt);
-    applyPrecipitation(weather, camera);
     tellLogic();
 }
 
@@ -159,47 +144,11 @@ void Environment::followWeather(float dt) {
     m_target = target;
 }
 
-/// How fast the eye moves, from where it was.
-void Environment::followEye(const Camera& camera, float dt) {
-    if (!(dt > 0)) return;
-    const dvec3 eye = camera.getWorldPosition();
-    const dvec3 velocity = (eye - m_eye) * (1 / static_cast<double>(dt));
-    if (!m_eye_known || !(length(velocity) < FASTEST_EYE))
-        m_eye_velocity = {};
-    else
-        m_eye_velocity +=
-            (velocity - m_eye_velocity) * (1 - std::exp(-static_cast<double>(dt) / EYE_SMOOTHING));
-    m_eye_known = true;
-    m_eye = eye;
-}
-
-/// Drops fall through air that drifts with the wind, and the eye flies through both: an emitter
-/// lies half a life up that relative path, so that its drops pass the eye in mid-life, and the life
-/// is the shorter the faster they pass, with as many drops in the air.
-void Environment::applyPrecipitation(const Weather& weather, const Camera& camera) {
-    const dmat4 level =
-        Engine::get()->getEllipsoidModel()->getWGSTransform(camera.getWorldPosition());
-    const double towards = weather.wind_direction * DEG_TO_RAD<double>;
-    const dvec3 air = (level.getX() * std::cos(towards) + level.getY() * std::sin(towards)) *
-                      std::clamp(weather.wind_speed, 0.0f, HIGHEST_WIND);
-    for (const Precipitation& p : m_precipitation) {
-        const float strength = m_shown.*p.strength;
-        p.emitter->setEnabled(strength > 0);
-        const dvec3 velocity = air - level.getZ() * p.fall;
-        const dvec3 passing = velocity - m_eye_velocity;
-        const auto life = static_cast<float>(
-            std::min(static_cast<double>(p.life), PATH / std::max(length(passing), 0.1)));
-        p.emitter->setSpawnRate(p.full_rate * strength * p.life / life);
-        if (!(strength > 0)) continue;
-        p.emitter->setLife(life);
-        p.emitter->setLinearVelocity(-static_cast<float>(length(velocity)));
-        // Its Z points up the drops' way.
-        const dvec3 back = normalize(velocity) * -1.0;
-        const dvec3 side = normalize(cross(level.getY(), back));
-        p.emitter->setWorldTransform(
-            dmat4(dmat3(side, cross(back, side), back),
-                  camera.getWorldPosition() - passing * (static_cast<double>(life) / 2)));
-    }
+vec2 Environment::getWind() const {
+    const Weather weather = getWeather();
+    const float speed = std::clamp(weather.wind_speed, 0.0f, HIGHEST_WIND);
+    const float towards = weather.wind_direction * DEG_TO_RAD<float>;
+    return {speed * std::cos(towards), speed * std::sin(towards)};
 }
 
 /// Its glass, runway and lamps follow wetness, ice and hour.
@@ -215,7 +164,6 @@ void Environment::fillFrame(const Camera& camera, const ObjectPrefab* focus, dou
                             FrameInfo& frame) const {
     frame.time = time;
     frame.focus = focus;
-    frame.eye_velocity = m_eye_velocity;
     fillSky(Engine::get()->getEllipsoidModel()->toWGS(camera.getWorldPosition(), true).x, time,
             frame);
 }
@@ -225,7 +173,6 @@ void Environment::fillSky(double longitude, double time, FrameInfo& frame) const
     frame.sun_direction = sky.sun_direction;
     frame.moon_direction = sky.moon_direction;
     frame.sidereal_angle = sky.sidereal_angle;
-    const Weather weather = getWeather();
     frame.overcast = m_shown.overcast;
     frame.cloud_darkness = m_shown.darkness;
     frame.cloud_cover = m_shown.cloud_cover;
@@ -235,9 +182,7 @@ void Environment::fillSky(double longitude, double time, FrameInfo& frame) const
     frame.rain = m_shown.rain;
     frame.snow = m_shown.snow;
     frame.hail = m_shown.hail;
-    const float wind = std::clamp(weather.wind_speed, 0.0f, HIGHEST_WIND);
-    const float towards = weather.wind_direction * DEG_TO_RAD<float>;
-    frame.wind = {wind * std::cos(towards), wind * std::sin(towards)};
+    frame.wind = getWind();
     const Lightning light = m_shown.darkness > DARK ? Lightning::at(time) : Lightning();
     frame.flash = light.flash;
     frame.bolt_azimuth = light.azimuth;

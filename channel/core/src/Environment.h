@@ -9,23 +9,21 @@
 #include <algorithm>
 #include <cmath>
 #include <string>
-#include <vector>
 
 namespace ig {
 class Camera;
 class ControlApp;
 class ObjectOcean;
-class ObjectParticles;
 } // namespace ig
 struct Options;
 
 /// Light, air and sea of the scene. The flight simulation's weather arrives through the logic's
 /// signals. What they say of the sea is passed on at once, so that it holds for the queries of the
-/// same frame; the rest is stored, and applied once a frame to the precipitation, the wind and the
-/// picture, which follow changes in their own time, and the logic is told what belongs to its own
-/// scene. What is told first after the start or with a reset of the scene holds at once, and so
-/// does what changes while the scene stands still. The hour is this application's own. What the
-/// operator asks for, by options or keys, wins over the flight simulation:
+/// same frame; the rest is stored, and applied once a frame to the wind and the picture, which
+/// follow changes in their own time, and the logic is told what belongs to its own scene. What is
+/// told first after the start or with a reset of the scene holds at once, and so does what changes
+/// while the scene stands still. The hour is this application's own. What the operator asks for, by
+/// options or keys, wins over the flight simulation:
 ///
 ///   F7   look of the sky: as told, clear, overcast, storm, fog
 ///   F8   precipitation: as told, light, medium, heavy rain, heavy snow, heavy hail, none
@@ -36,15 +34,14 @@ public:
     explicit Environment(const Options& options);
     /// Listens from then on; the logic must be there as long as this object is used.
     void connect(LogicBase& logic);
-    /// Finds the ocean and the emitters "rain", "snow" and "hail", whose rates then count as those
-    /// of the highest level. Called once, when the world is complete.
+    /// Finds the ocean. Called once, when the world is complete.
     void attach(const ig::World& world);
 
     /// Once per frame, before the logic's update.
     void readKeys(const ig::ControlApp& keys);
     /// Once per frame, after the logic's update and before physics and particles. `dt`: by how much
-    /// the scene moves on, 0 while it stands still. Precipitation falls around `camera`.
-    void update(float dt, const ig::Camera& camera);
+    /// the scene moves on, 0 while it stands still.
+    void update(float dt);
     /// Fills in what concerns light and air. The hour counts at the camera's longitude;
     /// `focus`, what the picture is about, may be null; `time` is the scene's.
     void fillFrame(const ig::Camera& camera, const ig::ObjectPrefab* focus, double time,
@@ -52,18 +49,14 @@ public:
 
     /// What is asked for at present.
     Weather getWeather() const { return m_told.overriddenBy(m_operator); }
+    /// What has come of it so far.
+    const ShownWeather& getShown() const { return m_shown; }
+    /// Where the air moves to, m/s east and north.
+    ig::vec2 getWind() const;
     /// For the status line.
     std::string describe() const;
 
 private:
-    struct Precipitation {
-        ig::ObjectParticles* emitter;
-        float ShownWeather::*strength;
-        float full_rate; ///< particles per second at full strength, at rest
-        float fall;      ///< m/s through the air
-        float life;      ///< s, at rest
-    };
-
     void onCode(int code);
     void onWeather(WEATHER_TYPE look) { m_told.look = look; }
     void onRain(WEATHER_DETAIL level) { m_told.rain = level; }
@@ -80,19 +73,14 @@ private:
     void onSea(int code);
 
     void applySea();
-    void followEye(const ig::Camera& camera, float dt);
     void followWeather(float dt);
-    void applyPrecipitation(const Weather& weather, const ig::Camera& camera);
     void tellLogic();
     void fillSky(double longitude, double time, ig::FrameInfo& frame) const;
 
     LogicBase* m_logic = nullptr;       ///< the application's
     ig::ObjectOcean* m_ocean = nullptr; ///< the world's
-    std::vector<Precipitation> m_precipitation;
-    ig::dvec3 m_eye, m_eye_velocity; ///< world; the velocity smoothed
-    bool m_eye_known = false;
-    Weather m_told;     ///< by the flight simulation
-    Weather m_operator; ///< by options and keys
+    Weather m_told;                     ///< by the flight simulation
+    Weather m_operator;                 ///< by options and keys
     bool m_weather_told = false;
     bool m_settles = true; ///< the next frame shows at once what is asked for
     ShownWeather m_shown, m_target;

@@ -2,6 +2,7 @@
 #include "Environment.h"
 
 #include "Options.h"
+#include "Precipitation.h"
 #include "ig/app/ControlApp.h"
 #include "ig/app/Engine.h"
 #include "ig/scene/Camera.h"
@@ -51,12 +52,14 @@ struct EnvironmentTest : testing::Test {
         environment.emplace(options);
         environment->connect(logic);
         environment->attach(world);
+        precipitation.attach(world);
         frame();
         return *environment;
     }
     void frame(float dt = 1 / 60.0f) {
         environment->readKeys(keys);
-        environment->update(dt, camera);
+        environment->update(dt);
+        precipitation.update(dt, camera, *environment);
         environment->fillFrame(camera, nullptr, 0, picture);
     }
     void frames(double seconds) {
@@ -78,6 +81,7 @@ struct EnvironmentTest : testing::Test {
     ObjectOcean* ocean;
     ObjectParticles *rain, *snow, *hail;
     std::optional<Environment> environment;
+    Precipitation precipitation;
 };
 
 TEST_F(EnvironmentTest, TheSceneKeepsItsOwnUntilTheFirstRecord) {
@@ -126,7 +130,7 @@ TEST_F(EnvironmentTest, WhatIsAskedOfTheSeaHoldsForTheQueriesAndThePictureOfTheS
         environment->readKeys(keys);
         emit(logic.m_sig_sea, told[i]);
         EXPECT_EQ(ocean->getWorldPoint(place), expected.getWorldPoint(place)) << i;
-        environment->update(0.5f, camera);
+        environment->update(0.5f);
         EXPECT_EQ(ocean->getFrame().significant_height, expected.getFrame().significant_height);
         keys.endFrame();
     }
@@ -157,7 +161,7 @@ TEST_F(EnvironmentTest, LaterWeatherComesInItsOwnTimeUnlessTheSceneIsResetOrStan
     EXPECT_FALSE(rain->isEnabled());
     tell(WEATHER_STORM, DETAIL_HEAVY); // from a blue sky comes no lightning
     for (int i = 0; i < 3 * 60; i++) {
-        environment->update(1 / 60.0f, camera);
+        environment->update(1 / 60.0f);
         environment->fillFrame(camera, nullptr, i / 6.0, picture);
         ASSERT_EQ(picture.flash, 0);
     }
@@ -196,11 +200,11 @@ TEST_F(EnvironmentTest, PrecipitationPassesTheEyeHoweverItMoves) {
         // Shorter-lived when they pass quickly, but as many.
         EXPECT_LT(rain->getLife(), speed > 0 ? 1.05f : 2.05f);
         EXPECT_NEAR(rain->getSpawnRate() * rain->getLife(), 1800, 1);
-        EXPECT_NEAR(length(picture.eye_velocity), speed, 0.1);
+        EXPECT_NEAR(length(precipitation.getEyeVelocity()), speed, 0.1);
     }
     camera.setWgsPosition({-155, 20, 300}); // a jump is no speed
     frame();
-    EXPECT_EQ(length(picture.eye_velocity), 0);
+    EXPECT_EQ(length(precipitation.getEyeVelocity()), 0);
 }
 
 TEST_F(EnvironmentTest, AbsurdSignalsDoNoHarm) {

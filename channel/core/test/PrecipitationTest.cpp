@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "Precipitation.h"
 #include "Environment.h"
 #include "Lightning.h"
 #include "Options.h"
@@ -14,8 +15,10 @@ namespace {
 using namespace ig;
 
 /// The real helicopter over the sea in the worst of all weather.
-struct CabinTest : testing::Test {
-    CabinTest() {
+struct Flight {
+    static constexpr float STEP = 1 / 30.0f; ///< s
+
+    Flight() {
         options.weather.rain = options.weather.snow = options.weather.hail = 3;
         options.weather.wind_speed = 12;
         options.weather.wind_direction = 20;
@@ -23,13 +26,12 @@ struct CabinTest : testing::Test {
         record.longitude = -155.05;
         record.latitude = 19.75;
         record.altitude = 120;
-    }
-    void SetUp() override {
-        ASSERT_TRUE(scene.start());
+        EXPECT_TRUE(scene.start());
         scene.logic->m_player_mode = Logic_Nerith_Heli_Final::PLAYER_MODE_FIRST;
         environment.emplace(options);
         environment->connect(*scene.logic);
         environment->attach(*scene.world);
+        precipitation.attach(*scene.world);
         // All that falls in a shower of 44 m falls around the cabin.
         for (const char* name : {"rain", "snow", "hail"})
             emitter(name)->setSpread({8, 8, 8});
@@ -37,16 +39,19 @@ struct CabinTest : testing::Test {
     ObjectParticles* emitter(const char* name) {
         return static_cast<ObjectParticles*>(scene.world->getNodeByName(name));
     }
+    void frame() {
+        scene.send(record);
+        scene.frame(STEP);
+        environment->update(STEP);
+        precipitation.update(STEP, eye ? *eye : scene.camera, *environment);
+        particles.advance(*scene.world, STEP);
+    }
     /// How often a drop was within the cabin.
     int fly(double seconds, double north_speed) {
-        constexpr double STEP = 1 / 30.0;
         int within = 0;
-        for (double time = 0; time < seconds; time += STEP) {
-            record.latitude += north_speed * STEP / 110700;
-            scene.send(record);
-            scene.frame(STEP);
-            environment->update(STEP, scene.camera);
-            particles.advance(*scene.world, STEP);
+        for (double time = 0; time < seconds; time += static_cast<double>(STEP)) {
+            record.latitude += north_speed * static_cast<double>(STEP) / 110700;
+            frame();
             within += countInCabin();
         }
         return within;
@@ -67,18 +72,57 @@ struct CabinTest : testing::Test {
     LogicScene scene;
     Options options;
     std::optional<Environment> environment;
+    Precipitation precipitation;
+    const Camera* eye = nullptr; ///< null: the logic's
     ParticleSystem particles;
     UdpRecvData record{};
 };
 
-TEST_F(CabinTest, NoPrecipitationFallsInIt) {
-    EXPECT_EQ(fly(2.5, 0), 0) << "in a hover";
-    record.pitch = -12;
-    EXPECT_EQ(fly(2, 60), 0) << "at 60 m/s";
-    EXPECT_GT(particles.getNumParticles(), 1000);
+TEST(PrecipitationTest, DoesNotFallIntoTheCabin) {
+    Flight flight;
+    EXPECT_EQ(flight.fly(2.5, 0), 0) << "in a hover";
+    flight.record.pitch = -12;
+    EXPECT_EQ(flight.fly(2, 60), 0) << "at 60 m/s";
+    EXPECT_GT(flight.particles.getNumParticles(), 1000);
     for (const char* name : {"rain", "snow", "hail"}) // it would: the test can tell
-        emitter(name)->setNumDeflectors(0);
-    EXPECT_GT(fly(1, 60), 50);
+        flight.emitter(name)->setNumDeflectors(0);
+    EXPECT_GT(flight.fly(1, 60), 50);
+}
+
+TEST(PrecipitationTest, TellsNothingOfItsDisplaysEyeToTheScene) {
+    /// Places of all nodes and particles of the scene, and of the display's own.
+    struct Places {
+        std::vector<dvec3> scene, display;
+    };
+    const auto fly = [](const Camera* eye) {
+        Places places;
+        Flight flight;
+        flight.eye = eye;
+        flight.record.altitude = 9; // in its own spray
+        flight.record.rotor_speed = 265;
+        flight.fly(1, 10);
+        const auto visit = [&places](const auto& self, const Node& node) -> void {
+            const bool own = node.getType() == OBJECT_PARTICLES &&
+                             static_cast<const ObjectParticles&>(node).isOfDisplay();
+            (own ? places.display : places.scene).push_back(node.getWorldPosition());
+            for (int i = 0; i < node.getNumChildren(); i++)
+                self(self, *node.getChild(i));
+        };
+        for (const Node* node : flight.scene.world->getNodes())
+            visit(visit, *node);
+        flight.particles.forEach([&places](const ParticleCloud& cloud) {
+            for (const Particle& p : cloud.particles)
+                (cloud.emitter->isOfDisplay() ? places.display : places.scene)
+                    .push_back(cloud.origin + dvec3(p.position));
+        });
+        return places;
+    };
+    Camera ashore;
+    ashore.setWgsPosition({-155.0625, 19.7125, 30});
+    const Places here = fly(nullptr), there = fly(&ashore);
+    EXPECT_EQ(here.scene, there.scene);
+    EXPECT_GT(here.scene.size(), 500u);
+    EXPECT_NE(here.display, there.display);
 }
 
 TEST(LightningTest, BoltsComeEveryFourToTwelveSecondsAndAreShort) {

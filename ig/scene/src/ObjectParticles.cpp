@@ -18,6 +18,11 @@ void forChildEmitters(const Node& node, Act act) {
 constexpr float GROUND_CHANGES_IN = 0.6f; ///< s: the dust in the air is still that of before
 } // namespace
 
+void ObjectParticles::setOfDisplay(bool of_display) {
+    m_of_display = of_display;
+    forChildEmitters(*this, [of_display](ObjectParticles* e) { e->setOfDisplay(of_display); });
+}
+
 void ObjectParticles::passOver(const Ground& below, float dt) {
     using Kind = Ground::Kind;
     const bool known = below.kind != Kind::any;

@@ -19,6 +19,8 @@ constexpr double WAKE_SPEED = 5;     ///< m/s at which a flat emitter reaches it
 constexpr std::size_t MOST = 12000;  ///< particles of one emitter
 constexpr float GRAVITY = 9.81f;     ///< m/s²
 
+constexpr std::uint32_t DISPLAY_STREAMS = 1u << 31; ///< those of a display's own count from here
+
 /// Where the stream of that number begins: neighbours far from each other (the finalizer of
 /// MurmurHash3).
 std::uint32_t beginStream(std::uint32_t number) {
@@ -61,7 +63,8 @@ void ParticleSystem::advanceEmitter(const ObjectParticles& emitter, float dt, bo
         entry.cloud.origin = position;
         entry.position = position;
         entry.cleared = emitter.getNumCleared();
-        entry.random = beginStream(++m_streams);
+        entry.random = beginStream(emitter.isOfDisplay() ? DISPLAY_STREAMS + ++m_display_streams
+                                                         : ++m_streams);
     }
     if (entry.cleared != emitter.getNumCleared()) entry.cloud.particles.clear();
     entry.cleared = emitter.getNumCleared();

@@ -110,12 +110,12 @@ struct World::Below {
 };
 
 void World::updateParticles(float dt) {
-    Below below;
-    const auto advance = [this, dt, &below](const auto& self, Node* node) -> void {
+    Below below, below_display; // what a display's own emitters find is no other's answer
+    const auto advance = [&](const auto& self, Node* node) -> void {
         if (node->getType() == OBJECT_PARTICLES) {
             auto& emitter = static_cast<ObjectParticles&>(*node);
             emitter.advance(dt);
-            tellSurface(emitter, dt, below);
+            tellSurface(emitter, dt, emitter.isOfDisplay() ? below_display : below);
         }
         for (int i = 0; i < node->getNumChildren(); i++)
             self(self, node->getChild(i));

@@ -113,12 +113,16 @@ TEST_F(GroundBelow, IsOfTheKindAndGivesTheDustThatTheSurfaceSays) {
 TEST_F(GroundBelow, IsTheSameForNeighboursWithinHalfAMetre) {
     addSlab(-1, 0);
     addSlab<Pool>(1.001, 0);
-    const auto* first = addEmitter(-0.2, 1, Kind::water);
+    auto* first = addEmitter(-0.2, 1, Kind::water);
     const auto* near = addEmitter(0.25, 1, Kind::water);
     const auto* far = addEmitter(0.35, 1, Kind::water);
     world.updateParticles(0.1f);
     EXPECT_TRUE(isSilent(first) && isSilent(near));
     EXPECT_FALSE(isSilent(far));
+    first->setOfDisplay(true); // which asks for itself
+    world.updateParticles(0.1f);
+    EXPECT_TRUE(isSilent(first));
+    EXPECT_FALSE(isSilent(near));
 }
 
 TEST_F(GroundBelow, IsLookedForFrom5MAboveTo100MBelow) {

@@ -44,7 +44,7 @@ struct ParticleCloud {
 /// hidden are gone.
 ///
 /// Each emitter draws its random numbers from a stream of its own, by how many came up before it,
-/// so that the particles of one are the same whatever the others do.
+/// those of the display apart, so that the particles of one are the same whatever the others do.
 class ParticleSystem {
 public:
     /// `dt` in seconds; more than 0.5 counts as 0.5.
@@ -90,7 +90,8 @@ private:
     std::map<int, Entry> m_clouds; ///< by the emitter's id
     float m_wind_direction = 0, m_wind_speed = 0;
     unsigned m_round = 0;
-    std::uint32_t m_streams = 0; ///< begun so far
+    std::uint32_t m_streams = 0;         ///< begun so far by emitters of the scene,
+    std::uint32_t m_display_streams = 0; ///< and by those of the display
 };
 
 } // namespace ig

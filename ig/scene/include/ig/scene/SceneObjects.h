@@ -34,6 +34,12 @@ public:
     void setDuration(float duration) { m_duration = duration; }
     void setBurst(float burst) { m_burst = burst; } ///< s of them in which it spawns; 0: all
 
+    /// Whether it belongs to the picture of one display, with the emitters among its children, as
+    /// rain around that display's eye does: where it is and how it works then tells nothing of the
+    /// scene, and what it does changes no other emitter. Default: it is the scene's.
+    bool isOfDisplay() const { return m_of_display; }
+    void setOfDisplay(bool of_display);
+
     /// What it works over.
     Ground::Kind getSurface() const { return m_surface; }
     void setSurface(Ground::Kind surface) { m_surface = surface; }
@@ -96,6 +102,7 @@ private:
     float m_duration = 0, m_burst = 0;
     float m_elapsed = 0;
     bool m_running = true;
+    bool m_of_display = false;
     Ground::Kind m_surface = Ground::Kind::any;
     bool m_silent = false;
     unsigned m_cleared = 0;
