@@ -10,6 +10,7 @@
 #include "ratio.h"
 #include "scenes.h"
 #include "testkit/AllocationCounter.h"
+#include "testkit/TakeIn.h"
 
 #include <random>
 
@@ -72,6 +73,7 @@ void applyRecord(benchmark::State& state) {
             record.hang_enable = dearest && i % 2;
             scene.send(record);
         }
+        takeIn();
     };
     std::vector<double> differences;
     for (auto _ : state) {

@@ -4,6 +4,7 @@
 #include "heli/config/AppData.h"
 #include "ig/package/PackageManager.h"
 #include "ig/scene/Material.h"
+#include "testkit/TakeIn.h"
 
 #include <cstring>
 #include <string>
@@ -98,6 +99,7 @@ bool LogicScene::start() {
 }
 
 void LogicScene::frame(float dt, bool still) {
+    takeIn();
     Engine::get()->beginFrame(dt, still);
     const float step = Engine::get()->getSceneStep();
     logic->update(step);

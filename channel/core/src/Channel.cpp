@@ -64,7 +64,7 @@ Channel::Channel(const Options& options)
       m_environment(m_options), m_scene_command(options.obey_exit),
       m_screenshots(options.screenshot, options.screenshot_every, options.contact_sheet),
       m_video(options.video), m_clock(options.frame_rate, options.step),
-      m_inputs(std::make_unique<LiveInputs>(m_clock, m_window, m_script, m_queue)) {
+      m_inputs(std::make_unique<LiveInputs>(m_clock, m_window, m_script, m_queue, m_run_start)) {
     m_status.setQuiet(options.quiet);
 }
 
@@ -301,7 +301,7 @@ bool Channel::runFrame() {
     const std::uint64_t received = m_link.getReceived().datagrams_received;
     m_interface.getOverlays().addFrame(dt, costs, static_cast<int>(received - m_last_received));
     m_last_received = received;
-    m_trace.write(input.begin, m_listener);
+    m_trace.write(m_run_start + input.begin, m_listener);
     m_status.addFrame(dt, work);
     m_status.print(m_listener, m_link, m_scene_command.describe() + ' ' + m_environment.describe());
     m_scene_time += dt;
@@ -314,6 +314,7 @@ bool Channel::runFrame() {
 /// take what is left of the events before their own, so that all keep their order.
 void Channel::take(frames::FrameInput& input) {
     m_now = input.begin;
+    SocketUDP::deliver(input);
     if (input.clipboard) m_clipboard = std::move(*input.clipboard);
     std::ranges::move(input.events, std::back_inserter(m_events));
     while (!m_events.empty()) {

@@ -26,6 +26,7 @@
 #include "ig/scene/CameraControl.h"
 #include "ig/scene/ParticleSystem.h"
 #include "ig/scene/World.h"
+#include "program/Clock.h"
 
 #include <deque>
 #include <memory>
@@ -120,6 +121,7 @@ private:
     ig::dvec3 m_last_position; ///< of the focus
     ig::dvec3 m_last_eye;      ///< of the logic's camera
     FrameClock m_clock;
+    const double m_run_start = program::steadyNow(); ///< that the inputs' clock counts from
     std::unique_ptr<FrameInputs> m_inputs;
     std::deque<frames::OperatorEvent> m_events; ///< taken in, and not yet told to the interface
     std::string m_clipboard;                    ///< as read or written last

@@ -5,18 +5,20 @@
 #include "FrameClock.h"
 #include "ScriptPlayer.h"
 #include "Window.h"
+#include "ig/net/SocketUDP.h"
 #include "ig/ui/KeyCode.h"
 #include "program/Clock.h"
 
 bool LiveInputs::next(const Moment& moment, frames::FrameInput& input) {
     input = {};
     input.length = m_clock.beginFrame();
-    input.begin = program::steadyNow();
+    input.begin = program::steadyNow() - m_run_start;
     if (m_window.isOpen()) m_window.poll();
     if (m_number > 0) m_script.play(moment.time, moment.records); // before, no button is laid out
     input.number = m_number++;
     input.events = m_queue.take();
     if (m_window.isOpen() && hasPaste(input)) input.clipboard = m_window.readClipboard();
+    ig::SocketUDP::collect(input, m_run_start);
     return true;
 }
 

@@ -12,9 +12,12 @@ class Window;
 /// does, and the datagrams that wait at the sockets.
 class LiveInputs final : public FrameInputs {
 public:
-    /// All of these are the application's. Window and script tell the queue.
-    LiveInputs(FrameClock& clock, Window& window, ScriptPlayer& script, EventQueue& queue)
-        : m_clock(clock), m_window(window), m_script(script), m_queue(queue) {}
+    /// All of these are the application's. Window and script tell the queue. `run_start`: what the
+    /// inputs' times count from, s on the steady clock.
+    LiveInputs(FrameClock& clock, Window& window, ScriptPlayer& script, EventQueue& queue,
+               double run_start)
+        : m_clock(clock), m_window(window), m_script(script), m_queue(queue),
+          m_run_start(run_start) {}
     bool next(const Moment& moment, frames::FrameInput& input) override;
 
 private:
@@ -24,6 +27,7 @@ private:
     Window& m_window;
     ScriptPlayer& m_script;
     EventQueue& m_queue;
+    double m_run_start;
     std::uint64_t m_number = 0; ///< of the next frame
     bool m_ctrl = false;        ///< the key is down, as the events say
 };

@@ -3,6 +3,7 @@
 #include "heli/kit/RecordCheck.h"
 #include "ig/net/SocketUDP.h"
 #include "testkit/LogCapture.h"
+#include "testkit/TakeIn.h"
 #include "testkit/UdpPeer.h"
 
 #include <algorithm>
@@ -37,12 +38,14 @@ TEST(UdpRecvKit, EveryDatagramOfAnySizeBecomesOneRecordInOrder) {
         sent.push_back(datagram(size, static_cast<int>(sent.size())));
         peer.send(sent.back().data(), size, port);
     }
+    takeIn();
     EXPECT_EQ(kit.receive(), 7);
     for (std::size_t i = 0; i < sent.size(); i++) {
         sent[i].resize(1490, '\0'); // cut, or filled with zeros
         EXPECT_EQ(std::memcmp(&kit.m_records[static_cast<int>(i)], sent[i].data(), 1490), 0) << i;
     }
     peer.send("x", 1, port);
+    takeIn();
     EXPECT_EQ(kit.receive(), 8); // those left from before count
     const SocketStatistics& statistics = kit.m_socket->getStatistics();
     EXPECT_EQ(statistics.too_short, 3u);
@@ -72,6 +75,7 @@ TEST(UdpRecvKit, ImplausibleRecordsAreKeptAndComplainedAboutAndDearOnesEndADrain
     record.latitude = 123;
     peer.send(&record, sizeof record, port);
     peer.send(&record, 140, port); // its size says enough
+    takeIn();
     EXPECT_EQ(kit.receive(), 2);
     const SocketStatistics& statistics = kit.m_socket->getStatistics();
     EXPECT_EQ(statistics.implausible, 1u);
@@ -85,12 +89,14 @@ TEST(UdpRecvKit, ImplausibleRecordsAreKeptAndComplainedAboutAndDearOnesEndADrain
         record.hang_enable = i % 2 == 0;
         peer.send(&record, sizeof record, port);
     }
+    takeIn();
     EXPECT_EQ(kit.receive(), (SocketUDP::DRAIN + 5) / 6);
     EXPECT_EQ(kit.receive(), 130);
     record.command = 0;
     kit.m_records.clear();
     for (int i = 0; i < 130; i++) // which stays where it is
         peer.send(&record, sizeof record, port);
+    takeIn();
     EXPECT_EQ(kit.receive(), 130);
 }
 

@@ -2,6 +2,8 @@
 #include "ig/net/SocketUDP.h"
 
 #include "ig/base/jLog.h"
+#include "program/Clock.h"
+#include "testkit/TakeIn.h"
 
 #include <algorithm>
 #include <arpa/inet.h>
@@ -44,8 +46,9 @@ protected:
                 ::sendto(raw, data.data(), length, 0, reinterpret_cast<sockaddr*>(&to), sizeof to),
                 static_cast<ssize_t>(length));
     }
-    /// The next datagram; empty when there is none.
+    /// The next datagram, of those delivered or waiting; empty when there is none.
     std::string read() {
+        takeIn();
         const int length = in.read(buffer.data(), 1, buffer.size());
         return length > 0 ? buffer.substr(0, static_cast<std::size_t>(length)) : "";
     }
@@ -72,6 +75,7 @@ TEST_F(SocketTest, DatagramsArriveWholeAndInOrderAndLongerOnesAreCut) {
     EXPECT_EQ(received.bytes_received, 65513u);
     EXPECT_EQ(out.getStatistics().bytes_sent, 65513u);
     sendRaw(2000, 'a');
+    takeIn();
     EXPECT_EQ(in.read(buffer.data(), 1490, 1), 1490);
     EXPECT_EQ(read(), "") << "the rest of a cut datagram must not follow";
     EXPECT_EQ(received.truncated, 1u);
@@ -135,9 +139,110 @@ TEST_F(SocketTest, WhatTheSystemDropsIsCountedAlsoAfterTheLastDatagram) {
         }
     EXPECT_EQ(received.datagrams_received + received.lost, static_cast<std::uint64_t>(sent));
     const std::uint64_t lost = received.lost;
-    ASSERT_TRUE(in.create() && in.bind() && in.nonblock());
+    ASSERT_TRUE(in.create() && in.bind() && in.recv(65507) && in.nonblock());
     read();
     EXPECT_EQ(received.lost, lost) << "a new descriptor begins with none";
+}
+
+TEST_F(SocketTest, AFloodWaitsInTheSystemAndWithinAFrameNothingArrives) {
+    sendRaw(1, 'x', SocketUDP::DRAIN + 8);
+    EXPECT_EQ(takeIn().datagrams.size(), 512u);
+    EXPECT_EQ(takeIn().datagrams.size(), 0u) << "nobody has read";
+    for (int i = 0; i < 5; i++)
+        EXPECT_EQ(in.read(buffer.data(), 1, 1), 1);
+    EXPECT_EQ(takeIn().datagrams.size(), 5u);
+    while (in.read(buffer.data(), 1, 1) > 0 || in.read(buffer.data(), 1, 1) > 0) {
+    }
+    EXPECT_EQ(received.datagrams_received, 517u);
+    sendRaw(1);
+    EXPECT_EQ(in.read(buffer.data(), 1, 1), 0);
+}
+
+// However late they are collected.
+TEST_F(SocketTest, ArrivalsAreTheSystemsStampsSinceTheStartOfTheRun) {
+    const double start = program::steadyNow() - 1000;
+    constexpr double CLOCKS_APART = 0.001; // at most, as they are compared
+    const auto now = [start] { return program::steadyNow() - start; };
+    double before[2], after[2];
+    for (int i = 0; i < 2; i++) {
+        before[i] = now() - CLOCKS_APART;
+        write("x");
+        after[i] = now() + CLOCKS_APART;
+        while (now() < after[i] + CLOCKS_APART) {
+        }
+    }
+    frames::FrameInput input;
+    SocketUDP::collect(input, start);
+    SocketUDP::deliver(input);
+    while (in.read(buffer.data(), 1, 1) > 0) {
+    }
+    EXPECT_GT(received.first_received, before[0]);
+    EXPECT_LT(received.first_received, after[0]);
+    EXPECT_GT(received.last_received, before[1]);
+    EXPECT_LT(received.last_received, after[1]);
+    EXPECT_EQ(received.senders[0].last_received, received.last_received);
+    EXPECT_EQ(received.last_received, input.datagrams[1].arrival);
+}
+
+TEST_F(SocketTest, TheSameInputsGiveTheSameWithoutASystem) {
+    struct Side {
+        bool bound = false;
+        int port = 0;
+        std::string heard;
+        SocketStatistics in, out;
+    };
+    // A socket on a port that is taken, one that receives, one that sends where nobody may.
+    const auto fly = [this](std::vector<frames::FrameInput>& inputs, bool live) {
+        Side side;
+        SocketUDP refused, receiver, sender;
+        side.bound = refused.create() && refused.bind(in.getPort());
+        EXPECT_TRUE(receiver.create() && receiver.bind() && receiver.recv(9) &&
+                    receiver.nonblock());
+        EXPECT_TRUE(sender.create() && sender.setSendIP("255.255.255.255") &&
+                    sender.setSendPort(9));
+        EXPECT_TRUE(sender.send(9) && sender.bind());
+        side.port = receiver.getPort();
+        if (live) out.setSendPort(side.port);
+        for (int frame = 0; frame < 3; frame++) {
+            if (live) {
+                write("frame " + std::to_string(frame));
+                SocketUDP::collect(inputs.emplace_back());
+            }
+            SocketUDP::deliver(inputs[static_cast<std::size_t>(frame)]);
+            while (receiver.read(buffer.data(), 1, 7) > 0)
+                side.heard += buffer.substr(0, 7);
+            EXPECT_EQ(sender.write("feedback", 1, 4 + static_cast<std::size_t>(frame)), 4 + frame);
+        }
+        side.in = receiver.getStatistics();
+        side.out = sender.getStatistics();
+        return side;
+    };
+    std::vector<frames::FrameInput> inputs;
+    SocketUDP::setOnline();
+    const Side live = fly(inputs, true);
+    const int next = dup(raw);
+    SocketUDP::setOffline(inputs[0].answers);
+    const Side again = fly(inputs, false);
+    SocketUDP::setOnline();
+    const int after = dup(raw);
+    EXPECT_EQ(after, next + 1) << "no descriptor in between";
+    ::close(next), ::close(after);
+    EXPECT_FALSE(live.bound || again.bound);
+    EXPECT_EQ(lines[0], lines[1]);
+    EXPECT_EQ(again.port, live.port);
+    EXPECT_EQ(live.heard, "frame 0frame 1frame 2");
+    EXPECT_EQ(again.heard, live.heard);
+    EXPECT_EQ(again.in.last_received, live.in.last_received);
+    EXPECT_EQ(again.in.receive_buffer, live.in.receive_buffer);
+    EXPECT_EQ(again.in.senders[0], live.in.senders[0]);
+    EXPECT_EQ(live.out.send_error, EACCES);
+    EXPECT_EQ(live.out.send_failures, 2u) << "the last one's is not known yet";
+    EXPECT_EQ(live.out.bytes_sent, 6u);
+    EXPECT_EQ(again.out.send_error, live.out.send_error);
+    EXPECT_EQ(again.out.send_failures, live.out.send_failures);
+    EXPECT_EQ(again.out.bytes_sent, live.out.bytes_sent);
+    EXPECT_EQ(again.out.sent_digest, live.out.sent_digest);
+    EXPECT_NE(live.out.sent_digest, 0u);
 }
 
 TEST_F(SocketTest, OnlyTheAllowedSenderIsHeard) {
