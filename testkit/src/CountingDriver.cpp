@@ -78,6 +78,10 @@ CountingDriver::CountingDriver() {
         [](GLenum, GLint, GLsizei, GLsizei instances) { countDraw(instances); });
     set(glDrawElementsInstanced,
         [](GLenum, GLsizei, GLenum, const void*, GLsizei instances) { countDraw(instances); });
+    set(glDrawElementsInstancedBaseInstance,
+        [](GLenum, GLsizei, GLenum, const void*, GLsizei instances, GLuint) {
+            countDraw(instances);
+        });
 }
 
 CountingDriver::~CountingDriver() {

@@ -26,6 +26,8 @@ constexpr int PURGE_INTERVAL = 120; ///< frames between two looks for meshes tha
 
 bool MeshPass::init() {
     m_instance_buffer.create();
+    m_has_base_instance =
+        epoxy_gl_version() >= 42 || epoxy_has_gl_extension("GL_ARB_base_instance");
     const char* const variants[] = {"PLAIN",   "TEXTURED", "PAVED", "SOAKED",
                                     "PAINTED", "DECAL",    "GLASS", "ROTOR"};
     static_assert(std::size(variants) == NUM_SHADINGS);
@@ -45,7 +47,7 @@ const MeshPass::DeviceMesh& MeshPass::find(const std::shared_ptr<const Mesh>& me
     return device;
 }
 
-void MeshPass::fill(DeviceMesh& device, const Mesh& mesh) {
+void MeshPass::fill(DeviceMesh& device, const Mesh& mesh) const {
     std::vector<Vertex> vertices;
     std::vector<std::uint32_t> indices;
     for (int i = 0; i < mesh.getNumSurfaces(); i++) {
@@ -71,6 +73,16 @@ void MeshPass::fill(DeviceMesh& device, const Mesh& mesh) {
         glEnableVertexAttribArray(i);
     for (GLuint i = 3; i < 7; i++)
         glVertexAttribDivisor(i, 1);
+    pointToInstances(0);
+}
+
+/// Of the vertex array that is bound: its instances are those of this frame from `first` on.
+void MeshPass::pointToInstances(int first) const {
+    glBindBuffer(GL_ARRAY_BUFFER, m_instance_buffer.getId());
+    for (GLuint i = 0; i < 4; i++)
+        glVertexAttribPointer(
+            3 + i, 4, GL_FLOAT, GL_FALSE, sizeof(Instance),
+            reinterpret_cast<const void*>(first * sizeof(Instance) + i * sizeof(vec4)));
 }
 
 void MeshPass::purge() {
@@ -117,16 +129,20 @@ void MeshPass::addBatches(const std::vector<MeshItem>& items, std::vector<Batch>
     }
 }
 
-void MeshPass::bindInstances(const Batch& batch) {
-    glBindVertexArray(batch.mesh->vertex_array.getId());
-    glBindBuffer(GL_ARRAY_BUFFER, m_instance_buffer.getId());
-    for (GLuint i = 0; i < 4; i++)
-        glVertexAttribPointer(
-            3 + i, 4, GL_FLOAT, GL_FALSE, sizeof(Instance),
-            reinterpret_cast<const void*>(batch.first * sizeof(Instance) + i * sizeof(vec4)));
+/// A vertex array that is pointed elsewhere for each draw makes some drivers compile the vertex
+/// shaders once more after a number of frames: where the draw itself can tell its first instance,
+/// arrays stay as they are made.
+void MeshPass::drawInstances(const Batch& batch) const {
     const DeviceMesh::Range& range = batch.getRange();
-    glDrawElementsInstanced(GL_TRIANGLES, range.count, GL_UNSIGNED_INT,
-                            reinterpret_cast<const void*>(range.first), batch.count);
+    const auto* const indices = reinterpret_cast<const void*>(range.first);
+    glBindVertexArray(batch.mesh->vertex_array.getId());
+    if (m_has_base_instance) {
+        glDrawElementsInstancedBaseInstance(GL_TRIANGLES, range.count, GL_UNSIGNED_INT, indices,
+                                            batch.count, static_cast<GLuint>(batch.first));
+    } else {
+        pointToInstances(batch.first);
+        glDrawElementsInstanced(GL_TRIANGLES, range.count, GL_UNSIGNED_INT, indices, batch.count);
+    }
 }
 
 MeshPass::Shading MeshPass::choose(const SurfaceLook& look) {
@@ -161,7 +177,7 @@ void MeshPass::draw(const std::vector<Batch>& batches) {
         used = &program;
         setLook(program, look, batch.getRange().has_places);
         if (look.two_sided) glDisable(GL_CULL_FACE);
-        bindInstances(batch);
+        drawInstances(batch);
         if (look.two_sided) glEnable(GL_CULL_FACE);
     }
 }
@@ -194,7 +210,7 @@ void MeshPass::drawDepth(const std::vector<Batch>& batches, const vec4& plane, c
     m_depth_program.set("uPlane", plane);
     m_depth_program.set("uDepth", depth);
     for (const Batch& batch : batches)
-        bindInstances(batch);
+        drawInstances(batch);
 }
 
 } // namespace ig

@@ -58,10 +58,11 @@ private:
     static Shading choose(const SurfaceLook& look);
 
     const DeviceMesh& find(const std::shared_ptr<const Mesh>& mesh);
-    static void fill(DeviceMesh& device, const Mesh& mesh);
+    void fill(DeviceMesh& device, const Mesh& mesh) const;
+    void pointToInstances(int first) const;
     void addBatches(const std::vector<MeshItem>& items, std::vector<Batch>& batches,
                     const SkyPass& sky);
-    void bindInstances(const Batch& batch);
+    void drawInstances(const Batch& batch) const;
     void draw(const std::vector<Batch>& batches);
     void drawDepth(const std::vector<Batch>& batches, const vec4& plane, const vec4& depth);
     void setLook(gl::Program& program, const SurfaceLook& look, bool has_places);
@@ -73,6 +74,7 @@ private:
     std::unordered_map<const Mesh*, DeviceMesh> m_meshes;
     std::vector<Instance> m_instances;
     std::vector<Batch> m_opaque, m_transparent, m_casters, m_far_casters;
+    bool m_has_base_instance = false; ///< a draw can tell its first instance
     int m_frames = 0;
 };
 
