@@ -23,8 +23,7 @@ std::string_view findShader(std::string_view name) {
     return {};
 }
 
-int& count(Kind kind) {
-    RenderResources& r = resources();
+int& count(RenderResources& r, Kind kind) {
     switch (kind) {
     case Kind::buffer:
         return r.buffers;
@@ -38,8 +37,14 @@ int& count(Kind kind) {
     return r.buffers;
 }
 
+/// Programs that have been started and not finished.
+std::vector<Program*>& unfinished() {
+    static std::vector<Program*> programs;
+    return programs;
+}
+
 /// Head of every shader, constants, frame and common declarations, and the files.
-GLuint compile(GLenum stage, std::string_view files, std::string_view variant) {
+GLuint startShader(GLenum stage, std::string_view files, std::string_view variant) {
     std::string text = "#version 330 core\n";
     if (!variant.empty()) text += "#define " + std::string(variant) + "\n";
     text += hasClipControl() ? "#define CLIP_Z(z) (z)\n" : "#define CLIP_Z(z) ((z) * 2.0 - 1.0)\n";
@@ -54,20 +59,39 @@ GLuint compile(GLenum stage, std::string_view files, std::string_view variant) {
     const char* source = text.c_str();
     glShaderSource(shader, 1, &source, nullptr);
     glCompileShader(shader);
+    return shader;
+}
+
+/// Waits for it; logs what is wrong with it.
+bool isCompiled(GLuint shader, const std::string& files) {
     GLint good = 0;
     glGetShaderiv(shader, GL_COMPILE_STATUS, &good);
-    if (good) return shader;
+    if (good) return true;
     char log[2048] = "";
     glGetShaderInfoLog(shader, sizeof log, nullptr, log);
-    jLog::error("RendererGL: shader \"%.*s\": %s", static_cast<int>(files.size()), files.data(),
-                log);
-    glDeleteShader(shader);
-    return 0;
+    jLog::error("RendererGL: shader \"%s\": %s", files.c_str(), log);
+    return false;
+}
+
+bool isLinked(GLuint program, const std::string& vertex_files, const std::string& fragment_files) {
+    GLint good = 0;
+    glGetProgramiv(program, GL_LINK_STATUS, &good);
+    if (good) return true;
+    char log[2048] = "";
+    glGetProgramInfoLog(program, sizeof log, nullptr, log);
+    jLog::error("RendererGL: shaders \"%s\" and \"%s\": %s", vertex_files.c_str(),
+                fragment_files.c_str(), log);
+    return false;
 }
 
 } // namespace
 
 RenderResources& resources() {
+    static RenderResources counts;
+    return counts;
+}
+
+RenderResources& made() {
     static RenderResources counts;
     return counts;
 }
@@ -85,7 +109,8 @@ void Object<kind>::create() {
     if constexpr (kind == Kind::texture) glGenTextures(1, &m_id);
     if constexpr (kind == Kind::vertex_array) glGenVertexArrays(1, &m_id);
     if constexpr (kind == Kind::framebuffer) glGenFramebuffers(1, &m_id);
-    count(kind)++;
+    count(resources(), kind)++;
+    count(made(), kind)++;
 }
 
 template <Kind kind>
@@ -96,7 +121,7 @@ void Object<kind>::destroy() {
     if constexpr (kind == Kind::vertex_array) glDeleteVertexArrays(1, &m_id);
     if constexpr (kind == Kind::framebuffer) glDeleteFramebuffers(1, &m_id);
     m_id = 0;
-    count(kind)--;
+    count(resources(), kind)--;
 }
 
 template class Object<Kind::buffer>;
@@ -152,31 +177,30 @@ void makeVertexArray(VertexArray& array, Buffer& vertices, std::span<const std::
 
 bool hasShader(std::string_view name) { return !findShader(name).empty(); }
 
-bool Program::build(std::string_view vertex_files, std::string_view fragment_files,
-                    std::string_view variant) {
+void Program::start(std::string_view vertex_files, std::string_view fragment_files,
+                    std::string_view variant, std::vector<Sampler> samplers) {
     destroy();
-    const GLuint vertex = compile(GL_VERTEX_SHADER, vertex_files, variant);
-    const GLuint fragment = vertex ? compile(GL_FRAGMENT_SHADER, fragment_files, variant) : 0;
-    if (vertex && fragment) {
-        m_id = glCreateProgram();
-        resources().programs++;
-        glAttachShader(m_id, vertex);
-        glAttachShader(m_id, fragment);
-        glLinkProgram(m_id);
-    }
-    if (vertex) glDeleteShader(vertex);
-    if (fragment) glDeleteShader(fragment);
-    if (!m_id) return false;
-    GLint good = 0;
-    glGetProgramiv(m_id, GL_LINK_STATUS, &good);
-    if (!good) {
-        char log[2048] = "";
-        glGetProgramInfoLog(m_id, sizeof log, nullptr, log);
-        jLog::error("RendererGL: shaders \"%.*s\" and \"%.*s\": %s",
-                    static_cast<int>(vertex_files.size()), vertex_files.data(),
-                    static_cast<int>(fragment_files.size()), fragment_files.data(), log);
-        return false;
-    }
+    m_vertex_files = vertex_files;
+    m_fragment_files = fragment_files;
+    m_samplers = std::move(samplers);
+    m_vertex = startShader(GL_VERTEX_SHADER, vertex_files, variant);
+    m_fragment = startShader(GL_FRAGMENT_SHADER, fragment_files, variant);
+    m_id = glCreateProgram();
+    resources().programs++;
+    made().programs++;
+    glAttachShader(m_id, m_vertex);
+    glAttachShader(m_id, m_fragment);
+    glLinkProgram(m_id);
+    unfinished().push_back(this);
+}
+
+bool Program::finish() {
+    std::erase(unfinished(), this);
+    const bool good = isCompiled(m_vertex, m_vertex_files) &&
+                      isCompiled(m_fragment, m_fragment_files) &&
+                      isLinked(m_id, m_vertex_files, m_fragment_files);
+    dropShaders();
+    if (!good) return false;
     const GLuint block = glGetUniformBlockIndex(m_id, "Frame");
     if (block != GL_INVALID_INDEX) glUniformBlockBinding(m_id, block, FRAME_BLOCK);
     use();
@@ -184,15 +208,31 @@ bool Program::build(std::string_view vertex_files, std::string_view fragment_fil
     set("uShadowMap", UNIT_SHADOW);
     set("uShadowFarMap", UNIT_SHADOW_FAR);
     set("uNoise", UNIT_NOISE);
+    for (const Sampler& sampler : std::exchange(m_samplers, {}))
+        set(sampler.name, sampler.unit);
     return true;
+}
+
+void Program::dropShaders() {
+    for (GLuint* shader : {&m_vertex, &m_fragment})
+        if (*shader) glDeleteShader(std::exchange(*shader, 0));
 }
 
 void Program::destroy() {
     if (!m_id) return;
+    std::erase(unfinished(), this);
+    dropShaders();
     glDeleteProgram(m_id);
     m_id = 0;
     m_locations.clear();
     resources().programs--;
+}
+
+bool finishPrograms() {
+    bool good = true;
+    while (!unfinished().empty())
+        good &= unfinished().front()->finish();
+    return good;
 }
 
 GLint Program::locate(const char* name) {

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <span>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -16,6 +17,8 @@ namespace ig::gl {
 
 /// How many objects of each kind this process holds, for the check that all are freed.
 RenderResources& resources();
+/// How many it has made so far.
+RenderResources& made();
 
 enum class Kind { buffer, texture, vertex_array, framebuffer };
 
@@ -68,6 +71,12 @@ void makeVertexArray(VertexArray& array, Buffer& vertices, std::span<const std::
 /// Whether the library has a shader file of that name.
 bool hasShader(std::string_view name);
 
+/// A sampler of a program's text, and the texture unit that it reads from.
+struct Sampler {
+    const char* name;
+    int unit;
+};
+
 /// A linked pair of shaders.
 class Program {
 public:
@@ -76,11 +85,14 @@ public:
     Program& operator=(const Program&) = delete;
     ~Program() { destroy(); }
 
-    /// From shader files of the library; each name may list several files, separated by blanks,
-    /// whose texts follow one another. `variant` is a word that both shaders find defined, so that
-    /// one text serves several programs. False, having logged file and driver's message.
-    bool build(std::string_view vertex_files, std::string_view fragment_files,
-               std::string_view variant = {});
+    /// Has it made from shader files of the library, and returns before it is: a driver may work on
+    /// several at a time. Nothing else may be done with it before `finish`. Each name may list
+    /// several files, separated by blanks, whose texts follow one another. `variant` is a word that
+    /// both shaders find defined, so that one text serves several programs.
+    void start(std::string_view vertex_files, std::string_view fragment_files,
+               std::string_view variant = {}, std::vector<Sampler> samplers = {});
+    /// Waits until it is made. False, having logged files and driver's message.
+    bool finish();
     void destroy();
     void use() const { glUseProgram(m_id); }
     explicit operator bool() const { return m_id != 0; }
@@ -97,10 +109,16 @@ public:
 
 private:
     GLint locate(const char* name);
+    void dropShaders();
 
-    GLuint m_id = 0;
+    GLuint m_id = 0, m_vertex = 0, m_fragment = 0; ///< the shaders until `finish`
+    std::string m_vertex_files, m_fragment_files;
+    std::vector<Sampler> m_samplers; ///< until `finish`
     std::vector<std::pair<const char*, GLint>> m_locations;
 };
+
+/// Finishes all programs that have been started. False when one of them failed.
+bool finishPrograms();
 
 /// Binding point of the block `Frame`.
 constexpr GLuint FRAME_BLOCK = 0;

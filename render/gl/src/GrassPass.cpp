@@ -48,8 +48,8 @@ struct Lattice {
 
 } // namespace
 
-bool GrassPass::init() {
-    if (!m_program.build("grass.vert", "grass.frag")) return false;
+void GrassPass::init() {
+    m_program.start("grass.vert", "grass.frag");
     m_buffer.create();
     m_vertex_array.create();
     glBindVertexArray(m_vertex_array.getId());
@@ -60,7 +60,6 @@ bool GrassPass::init() {
                               reinterpret_cast<const void*>(i * sizeof(vec4)));
         glVertexAttribDivisor(i, 1);
     }
-    return true;
 }
 
 // ------------------------------------------------------------------ where grass grows

@@ -23,7 +23,7 @@ class World;
 /// squares a frame, and forgotten when it is far.
 class GrassPass {
 public:
-    bool init();
+    void init();
     /// Places tufts that are missing, draws those in view. After the opaque passes. `fields` are
     /// the scene's; there may be none.
     void draw(const FrameView& view, const World& world, const ObjectTerrain& terrain,

@@ -24,7 +24,7 @@ constexpr int PURGE_INTERVAL = 120; ///< frames between two looks for meshes tha
 
 } // namespace
 
-bool MeshPass::init() {
+void MeshPass::init() {
     m_instance_buffer.create();
     m_has_base_instance =
         epoxy_gl_version() >= 42 || epoxy_has_gl_extension("GL_ARB_base_instance");
@@ -32,8 +32,8 @@ bool MeshPass::init() {
                                     "PAINTED", "DECAL",    "GLASS", "ROTOR"};
     static_assert(std::size(variants) == NUM_SHADINGS);
     for (int i = 0; i < NUM_SHADINGS; i++)
-        if (!m_programs[i].build("mesh.vert", "shadow.glsl mesh.frag", variants[i])) return false;
-    return m_depth_program.build("shadow.vert", "shadow.frag");
+        m_programs[i].start("mesh.vert", "shadow.glsl mesh.frag", variants[i]);
+    m_depth_program.start("shadow.vert", "shadow.frag");
 }
 
 // ------------------------------------------------------------------ meshes on the device

@@ -16,7 +16,7 @@ class SkyPass;
 /// the device as long as the scene holds it.
 class MeshPass {
 public:
-    bool init();
+    void init();
 
     /// Brings the instances of this frame to the device; before the draws.
     void upload(const SceneList& list, const SkyPass& sky);

@@ -94,18 +94,15 @@ void makeTile(gl::Texture& texture, int edge, GLint internal, GLenum type) {
 
 } // namespace
 
-bool OceanPass::init(int columns, int rows) {
+void OceanPass::init(int columns, int rows) {
     m_columns = columns;
     m_rows = rows;
-    if (!m_program.build("ocean.vert", "shadow.glsl ocean.frag")) return false;
+    std::vector<gl::Sampler> samplers;
+    for (const char* name : {"uDisplacement0", "uDisplacement1", "uDisplacement2", "uSlope0",
+                             "uSlope1", "uSlope2", "uSlope3", "uEffects", "uFarEffects"})
+        samplers.push_back({name, gl::UNIT_FIRST_OWN + static_cast<int>(samplers.size())});
+    m_program.start("ocean.vert", "shadow.glsl ocean.frag", {}, std::move(samplers));
     makeGrid();
-    m_program.use();
-    const char* names[] = {"uDisplacement0", "uDisplacement1", "uDisplacement2",
-                           "uSlope0",        "uSlope1",        "uSlope2",
-                           "uSlope3",        "uEffects",       "uFarEffects"};
-    for (int i = 0; i < 9; i++)
-        m_program.set(names[i], gl::UNIT_FIRST_OWN + i);
-    return true;
 }
 
 void OceanPass::makeGrid() {

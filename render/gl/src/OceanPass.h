@@ -16,7 +16,7 @@ struct OceanFrame;
 class OceanPass {
 public:
     /// `columns` and `rows` of the fan of triangles.
-    bool init(int columns, int rows);
+    void init(int columns, int rows);
 
     /// Brings the waves to the device when they have changed.
     void upload(const OceanFrame& frame);

@@ -11,10 +11,7 @@
 
 namespace ig {
 
-bool PostPass::init() {
-    m_empty.create();
-    return true;
-}
+void PostPass::init() { m_empty.create(); }
 
 /// Null when the library has no such shader.
 gl::Program* PostPass::find(const jString& name) {
@@ -25,7 +22,7 @@ gl::Program* PostPass::find(const jString& name) {
         if (!gl::hasShader(shader))
             jLog::error("PostPass::find: there is no shader for the post-process material \"%s\"",
                         name.c_str());
-        else if (!program.build("screen.vert", shader))
+        else if (program.start("screen.vert", shader); !program.finish())
             program.destroy();
     }
     return program ? &program : nullptr;

@@ -28,7 +28,7 @@ public:
         vec4 part{0, 0, 1, 1};
         float detail = 1;
     };
-    bool init();
+    void init();
     /// For a result of that width over height; all, as it is, without such a material.
     Input getInput(const jString& name, float aspect) const;
     /// From `picture` onto the bound framebuffer of that size. False when there is no such

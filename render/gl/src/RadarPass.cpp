@@ -32,7 +32,7 @@ constexpr double DEGREE = EllipsoidModel::DEGREE;
 
 } // namespace
 
-bool RadarPass::init() {
+void RadarPass::init() {
     m_empty.create();
     m_corner_array.create();
     m_corner_buffer.create();
@@ -43,12 +43,8 @@ bool RadarPass::init() {
     glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, sizeof(Corner), nullptr);
     glVertexAttribPointer(1, 1, GL_FLOAT, GL_FALSE, sizeof(Corner),
                           reinterpret_cast<const void*>(offsetof(Corner, strength)));
-    if (!m_ground.build("screen.vert", "radar.frag") ||
-        !m_target.build("radar_target.vert", "radar_target.frag"))
-        return false;
-    m_ground.use();
-    m_ground.set("uLand", gl::UNIT_FIRST_OWN);
-    return true;
+    m_ground.start("screen.vert", "radar.frag", {}, {{"uLand", gl::UNIT_FIRST_OWN}});
+    m_target.start("radar_target.vert", "radar_target.frag");
 }
 
 void RadarPass::draw(const World& world, const FrameView& view, const FrameInfo& frame,

@@ -33,7 +33,7 @@ struct FrameInfo;
 /// The gain multiplies every echo before it is cut off at full brightness.
 class RadarPass {
 public:
-    bool init();
+    void init();
     /// Onto the bound framebuffer, whose viewport is set, and within the scissor.
     void draw(const World& world, const FrameView& view, const FrameInfo& frame,
               const gl::Texture& noise, float gain);

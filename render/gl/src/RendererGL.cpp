@@ -141,10 +141,21 @@ bool RendererGL::Impl::initPasses() {
     glGenerateMipmap(GL_TEXTURE_2D);
     // The software renderer pays for every texel of the bake.
     const bool software = std::strstr(device.c_str(), "llvmpipe") != nullptr;
-    return tonemap.build("screen.vert", "tonemap.frag") && fxaa.build("screen.vert", "fxaa.frag") &&
-           sky.init(software ? 512 : 1024) && shadow.init() && meshes.init() && terrain.init() &&
-           grass.init() && sprites.init() && wakes.init(software ? 384 : 512) && ui.init() &&
-           viewports.init() && (software ? ocean.init(128, 90) : ocean.init(320, 240));
+    // All programs are under way before the first is waited for.
+    if (epoxy_has_gl_extension("GL_KHR_parallel_shader_compile"))
+        glMaxShaderCompilerThreadsKHR(~GLuint{0}); // as many as the driver likes
+    tonemap.start("screen.vert", "tonemap.frag");
+    fxaa.start("screen.vert", "fxaa.frag");
+    sky.init(software ? 512 : 1024);
+    meshes.init();
+    terrain.init();
+    grass.init();
+    sprites.init();
+    wakes.init(software ? 384 : 512);
+    ui.init();
+    viewports.init();
+    software ? ocean.init(128, 90) : ocean.init(320, 240);
+    return gl::finishPrograms() && shadow.init();
 }
 
 /// What lives in the context goes, and the context last; what was asked for stays.

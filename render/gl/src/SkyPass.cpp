@@ -62,13 +62,12 @@ float mapRange(const vec3& sun) {
 
 } // namespace
 
-bool SkyPass::init(int map_size) {
+void SkyPass::init(int map_size) {
     m_size = map_size;
-    if (!m_scatter.build("screen.vert", "scatter.frag") ||
-        !m_compose.build("screen.vert", "skymap.frag") ||
-        !m_background.build("screen.vert", "sky.frag") ||
-        !m_deck.build("screen.vert", "clouds.frag"))
-        return false;
+    m_scatter.start("screen.vert", "scatter.frag");
+    m_compose.start("screen.vert", "skymap.frag");
+    m_background.start("screen.vert", "sky.frag");
+    m_deck.start("screen.vert", "clouds.frag");
     m_empty.create();
     const gl::TextureFormat half{GL_RGBA16F, GL_RGBA, GL_FLOAT};
     m_scatter_target.create();
@@ -86,7 +85,6 @@ bool SkyPass::init(int map_size) {
     gl::makeTexture(m_map, m_size, m_size, format);
     glGenerateMipmap(GL_TEXTURE_2D);
     gl::attach(m_map_target, m_map);
-    return true;
 }
 
 // ------------------------------------------------------------------ the map

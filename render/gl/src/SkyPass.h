@@ -16,7 +16,7 @@ namespace ig {
 class SkyPass {
 public:
     /// `map_size` in texels: 512 or more looks right.
-    bool init(int map_size);
+    void init(int map_size);
 
     /// Bakes when needed, binds the map, and fills in the frame block what is light and air.
     void update(const FrameView& view, const FrameInfo& frame, FrameBlock& block);

@@ -7,8 +7,8 @@
 
 namespace ig {
 
-bool SpritePass::init() {
-    if (!m_program.build("sprite.vert", "sprite.frag")) return false;
+void SpritePass::init() {
+    m_program.start("sprite.vert", "sprite.frag");
     m_buffer.create();
     m_vertex_array.create();
     glBindVertexArray(m_vertex_array.getId());
@@ -30,7 +30,6 @@ bool SpritePass::init() {
     gl::makeTexture(m_sheet, puffs.edge, puffs.edge, format, puffs.texels.data());
     glGenerateMipmap(GL_TEXTURE_2D);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 4); // beyond, shapes run into each other
-    return true;
 }
 
 void SpritePass::draw(const FrameView& view, const std::vector<Sprite>& sprites,

@@ -9,7 +9,7 @@ namespace ig {
 /// Draws a frame's sprites, all in one call.
 class SpritePass {
 public:
-    bool init();
+    void init();
     /// `depth` of the scene, in which soft particles end softly.
     void draw(const FrameView& view, const std::vector<Sprite>& sprites, const gl::Texture& depth);
 

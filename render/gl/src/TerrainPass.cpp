@@ -59,7 +59,7 @@ std::vector<std::uint16_t> triangulate(const std::vector<char>& has_data, int ed
 
 } // namespace
 
-bool TerrainPass::init() { return m_program.build("terrain.vert", "shadow.glsl terrain.frag"); }
+void TerrainPass::init() { m_program.start("terrain.vert", "shadow.glsl terrain.frag"); }
 
 std::uint64_t TerrainPass::key(const Square& square) {
     return static_cast<std::uint64_t>(square.step) << 48 |

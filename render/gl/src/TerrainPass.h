@@ -19,7 +19,7 @@ namespace ig {
 /// wherever the chunk lies.
 class TerrainPass {
 public:
-    bool init();
+    void init();
     void draw(const FrameView& view, const ObjectTerrain& terrain);
     /// Place in the noise that colours the ground, m, of a geodetic place.
     static dvec2 placeInNoise(const TerrainGrid& grid, double longitude, double latitude);

@@ -10,9 +10,8 @@
 
 namespace ig {
 
-bool UiPass::init() {
-    if (!m_program.build("ui.vert", "ui.frag")) return false;
-    m_program.set("uTexture", gl::UNIT_FIRST_OWN);
+void UiPass::init() {
+    m_program.start("ui.vert", "ui.frag", {}, {{"uTexture", gl::UNIT_FIRST_OWN}});
     gl::makeTexture(m_atlas_texture, GlyphAtlas::SIZE, GlyphAtlas::SIZE,
                     {GL_R8, GL_RED, GL_UNSIGNED_BYTE});
     m_atlas.init(); // without a font the rest is still drawn
@@ -25,7 +24,6 @@ bool UiPass::init() {
     glVertexAttribPointer(0, 4, GL_FLOAT, GL_FALSE, sizeof(Vertex), nullptr);
     glVertexAttribPointer(1, 4, GL_FLOAT, GL_FALSE, sizeof(Vertex),
                           reinterpret_cast<const void*>(offsetof(Vertex, color)));
-    return true;
 }
 
 /// A file that can't be read, reported once, shows as a chequered square.

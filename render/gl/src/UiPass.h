@@ -16,7 +16,7 @@ class ViewportPass;
 /// in one call.
 class UiPass {
 public:
-    bool init();
+    void init();
     /// Of a line as `draw` sets it, pixels.
     float getTextWidth(float size, std::string_view utf8);
     /// Onto the bound framebuffer of that size.

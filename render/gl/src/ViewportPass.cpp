@@ -37,7 +37,10 @@ void makeTarget(gl::Framebuffer& target, gl::Texture& texture, int width, int he
 
 } // namespace
 
-bool ViewportPass::init() { return m_radar.init() && m_post.init(); }
+void ViewportPass::init() {
+    m_radar.init();
+    m_post.init();
+}
 
 const gl::Texture* ViewportPass::find(int viewport) const {
     for (const auto& picture : m_pictures)

@@ -31,7 +31,7 @@ public:
     using DrawScene =
         std::function<void(const World& world, const Camera& camera, Targets& targets)>;
 
-    bool init();
+    void init();
     /// Once per frame, before the main view: `draw_scene` uses the passes that the main view uses.
     void update(const FrameInfo& frame, const gl::Texture& noise, const DrawScene& draw_scene);
     /// The last picture of the viewport of that id; null when it has none.

@@ -33,11 +33,11 @@ void makeMap(WakePass::Map& map, int size, double every) {
 
 } // namespace
 
-bool WakePass::init(int map_size) {
+void WakePass::init(int map_size) {
     m_size = map_size;
-    if (!m_kelvin.build("screen.vert", "kelvin.frag") || !m_wake.build("wake.vert", "wake.frag") ||
-        !m_patch.build("splat.vert", "splat.frag"))
-        return false;
+    m_kelvin.start("screen.vert", "kelvin.frag");
+    m_wake.start("wake.vert", "wake.frag");
+    m_patch.start("splat.vert", "splat.frag");
     m_empty.create();
     m_buffer.create();
     m_vertex_array.create();
@@ -48,7 +48,6 @@ bool WakePass::init(int map_size) {
     glVertexAttribDivisor(0, 1);
     makeMap(m_near, m_size, NEAR_EVERY);
     makeMap(m_far, m_size, FAR_EVERY);
-    return true;
 }
 
 // ------------------------------------------------------------------ painting

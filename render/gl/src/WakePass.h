@@ -27,7 +27,7 @@ public:
     };
 
     /// `map_size` in texels: 384 or more looks right.
-    bool init(int map_size);
+    void init(int map_size);
     /// Brings both maps up to date, each at its own rate; the caller sets target and viewport back.
     void draw(const FrameView& view, const WakeList& list, const OceanFrame& ocean);
 
