@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: MIT
+#include "DisplayClock.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr double SAME_RATE = 0.02; ///< of a period: 60.02 Hz and 60 frames/s mean the same
+constexpr double WAITED = 0.0003;  ///< s: a swap that took longer returned at a blank
+constexpr double PLAINLY = 0.001;  ///< s that a swap takes longer when it plainly waits
+constexpr double DITHER = 0.002;   ///< s by which every other frame on trial begins earlier
+constexpr double FIRST_PAUSE = 5;  ///< s between two trials; each time twice as long
+/// s by which a missed blank raises the margin, and in which it sinks to a third.
+constexpr double RAISE = 0.001, CALM = 300;
+constexpr double GAP = 0.25;          ///< s without a swap after which blanks are counted anew
+constexpr std::size_t FEW = 16;       ///< periods that are needed to measure one
+constexpr double MOST_DETUNED = 0.03; ///< of a period: how far off a window system is
+constexpr int TOO_OFTEN = 8;          ///< frames
+
+/// Slope of the line through points, as least squares have it.
+template <std::size_t N, std::size_t M>
+double slope(const RecentValues<N>& x, const RecentValues<M>& y, std::size_t count) {
+    double mean_x = 0, mean_y = 0, xx = 0, xy = 0;
+    for (std::size_t i = 0; i < count; i++) {
+        mean_x += x[i] / static_cast<double>(count);
+        mean_y += y[i] / static_cast<double>(count);
+    }
+    for (std::size_t i = 0; i < count; i++) {
+        xx += (x[i] - mean_x) * (x[i] - mean_x);
+        xy += (x[i] - mean_x) * (y[i] - mean_y);
+    }
+    return xx > 0 ? xy / xx : 0;
+}
+
+} // namespace
+
+void DisplayClock::setRefreshRate(double rate) {
+    const double period = rate > 0 ? 1 / rate : 0;
+    if (period == m_nominal) return;
+    m_nominal = m_period = period;
+    m_retry = m_pause = m_swap_cost = 0;
+    enter(State::free);
+}
+
+void DisplayClock::enter(State state) {
+    m_state = state;
+    m_frames = m_early = m_odd = 0;
+    m_waits.clear();
+    m_untils.clear();
+}
+
+// ------------------------------------------------------------------ planning
+
+/// The first blank at that time or later.
+double DisplayClock::nextBlank(double time) const {
+    return m_blank + std::ceil((time - m_blank) / m_period) * m_period;
+}
+
+/// Most frames make the blank that is chosen. That nearly all make it counts less where it would
+/// halve the rate: then the frame begins at once.
+double DisplayClock::plan(double now, double shortest) {
+    m_divisor = static_cast<int>(std::max(std::ceil(shortest / m_period - SAME_RATE), 1.0));
+    const double soonest = nextBlank(std::max(m_target + (m_divisor - 0.5) * m_period, now));
+    const double done = now + m_work.getQuantile(0.75);
+    m_slow = done > soonest;
+    m_target = m_slow ? nextBlank(done) : soonest;
+    const double earlier = m_state == State::trial && m_frames % 2 == 1 ? DITHER : 0;
+    const double due = m_target - m_work.getQuantile(0.95) - m_margin - earlier;
+    m_ample = due > now;
+    return due;
+}
+
+// ------------------------------------------------------------------ learning
+
+void DisplayClock::addFrame(double begin, double finished, double shown) {
+    if (m_nominal <= 0) return;
+    const double wait = shown - finished;
+    m_work.add(finished - begin);
+    m_waits.add(wait);
+    m_frames++;
+    noteMargin(shown);
+    if (m_state == State::free) {
+        const bool mostly =
+            m_waits.getCount() == 32 && m_waits.getQuantile(0.25) > m_swap_cost + PLAINLY;
+        if (!mostly || shown < m_retry) return;
+        m_target = m_blank = shown;
+        m_counts.clear();
+        enter(State::trial);
+        return;
+    }
+    if (m_state == State::trial) m_untils.add(nextBlank(finished) - finished);
+    const bool in_time = finished < m_target - PLAINLY;
+    m_early = !in_time ? m_early : shown < m_target - PLAINLY ? m_early + 1 : 0;
+    if (wait > WAITED) addBlank(shown);
+    if (m_state == State::trial && m_untils.getCount() == TRIAL) judgeTrial();
+    if (m_state == State::found && m_early >= TOO_OFTEN) enter(State::free);
+}
+
+void DisplayClock::noteMargin(double shown) {
+    const bool missed = isPacing() && shown > m_target + m_period / 2;
+    const double sunk = (m_margin - LEAST_MARGIN) * (1 - m_period / CALM);
+    m_margin = std::min(LEAST_MARGIN + sunk + (missed && m_ample ? RAISE : 0), MOST_MARGIN);
+    m_missed = isFound() && (missed || m_slow);
+}
+
+/// The longer a frame on trial had to its blank, the longer the swap took: it waits.
+void DisplayClock::judgeTrial() {
+    const bool waits = slope(m_untils, m_waits, TRIAL) > 0.5;
+    if (!waits) {
+        m_swap_cost = m_waits.getQuantile(0.5);
+        m_pause = std::max(2 * m_pause, FIRST_PAUSE);
+        m_retry = m_target + m_pause;
+    }
+    enter(waits ? State::found : State::free);
+}
+
+/// One that is far from where it was expected is a late wake-up; many of them are other blanks.
+void DisplayClock::addBlank(double time) {
+    const double before = m_counts.getCount() > 0 ? m_blank : time - 2 * GAP;
+    const double steps = std::round((time - m_blank) / m_period);
+    const bool odd = std::abs(time - m_blank - steps * m_period) > PLAINLY;
+    m_odd = odd ? m_odd + 1 : 0;
+    if (odd && m_odd < TOO_OFTEN) return;
+    if (odd || time - before > GAP) {
+        m_counts.clear();
+        m_times.clear();
+        m_first = m_blank = time;
+        m_count = 0;
+        m_odd = 0;
+    }
+    m_count += std::round((time - m_blank) / m_period);
+    m_counts.add(m_count);
+    m_times.add(time - m_first);
+    m_blank = time;
+    fit();
+}
+
+/// The line through the blanks that were seen, which tells where the last one was.
+void DisplayClock::fit() {
+    const std::size_t count = m_counts.getCount();
+    double least = m_counts[0], mean_count = 0, mean_time = 0;
+    for (std::size_t i = 0; i < count; i++) {
+        least = std::min(least, m_counts[i]);
+        mean_count += m_counts[i] / static_cast<double>(count);
+        mean_time += m_times[i] / static_cast<double>(count);
+    }
+    if (m_count - least < static_cast<double>(FEW)) return;
+    m_period = std::clamp(slope(m_counts, m_times, count), m_nominal * (1 - MOST_DETUNED),
+                          m_nominal * (1 + MOST_DETUNED));
+    m_blank = m_first + mean_time + (m_count - mean_count) * m_period;
+}
