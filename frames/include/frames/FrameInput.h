@@ -9,7 +9,7 @@
 
 /// What frames take in: all that comes to the application from outside between two frames, as one
 /// value. Whoever gives the same values to the same application gets the same frames, to the last
-/// bit.
+/// bit; so they are logged (`FrameLog.h`), and played again.
 ///
 /// Times are seconds since the start of the run, on the steady clock.
 namespace frames {
