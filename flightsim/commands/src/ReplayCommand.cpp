@@ -26,12 +26,14 @@ void addReplay(CLI::App& app, Command& command) {
         "shows what the channel reports back: its frame number, frames skipped and repeated,\n"
         "the ground below the helicopter (degrees, metres) and the wheels' heading/pitch/roll.\n"
         "\n"
+        "A frame log of the channel is replayed too: what had come to it then.\n"
+        "\n"
         "Examples:\n"
         "  flight_sim replay data/recordings/helicopter_flight.hrec\n"
         "  flight_sim replay flight.hrec --from 20 --seconds 10 --loop\n"
         "  flight_sim replay flight.hrec --hold 1500 --seconds 5 --feedback feedback.csv\n"
         "Ctrl-C ends it in order, with the summary.");
-    sub->add_option("FILE", options->file, "The recording")->required();
+    sub->add_option("FILE", options->file, "The recording, or a frame log")->required();
     addLinkOptions(*sub, options, options->link);
     sub->add_option("--speed", options->speed, "2: twice as fast, 0.5: at half speed")
         ->type_name("X")

@@ -48,8 +48,10 @@ void addInfo(CLI::App& app, Command& command) {
     CLI::App* sub = app.add_subcommand("info", "Tell what a recording holds");
     sub->footer(
         "Prints span, rate, intervals between datagrams, sizes, positions, commands other than 0,\n"
-        "and the first and the last record. Records are numbered from 0.");
-    sub->add_option("FILE", *path, "The recording")->required();
+        "and the first and the last record. Records are numbered from 0. Of a frame log of the "
+        "channel\n"
+        "it tells the program, its options and the number of frames too.");
+    sub->add_option("FILE", *path, "The recording, or a frame log")->required();
     sub->callback([path, &command] { command = [path] { return runInfo(*path); }; });
 }
 
@@ -63,7 +65,8 @@ void addCut(CLI::App& app, Command& command) {
                 "  flight_sim cut flight.hrec takeoff.hrec --from 12 --seconds 20\n"
                 "  flight_sim cut flight.hrec one.hrec --record 311 --count 1\n"
                 "  flight_sim cut flight.hrec small.hrec --compact");
-    sub->add_option("IN", options->cut.in, "The recording to cut from")->required();
+    sub->add_option("IN", options->cut.in, "The recording, or a frame log, to cut from")
+        ->required();
     sub->add_option("OUT", options->cut.out, "The recording to write; an existing file is replaced")
         ->required();
     addSeconds(*sub, "--from", options->from, "Second of the recording to begin with");

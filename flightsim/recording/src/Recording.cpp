@@ -41,6 +41,9 @@ bool RecordingReader::open(const std::string& path) {
     m_path = path;
     m_status = ReadStatus::end;
     m_file = std::ifstream();
+    m_log.reset();
+    m_format = RecordingFormat::whole;
+    if (frames::LogReader::isLog(path)) return openLog();
     const std::string why = program::whyUnreadable(path);
     if (why.empty()) m_file.open(path, std::ios::binary);
     if (!why.empty() || !m_file) {
@@ -58,7 +61,7 @@ bool RecordingReader::open(const std::string& path) {
         return false;
     };
     if (std::memcmp(header, MAGIC, sizeof MAGIC) != 0)
-        return refuse(0, "not a recording (\"HREC1490\" is missing)");
+        return refuse(0, "not a recording (\"HREC1490\" is missing), nor a frame log");
     const auto version = decode<std::uint32_t>(header + 8);
     if (version != 1 && version != 2)
         return refuse(8, "version " + std::to_string(version) + " is neither 1 nor 2");
@@ -70,7 +73,24 @@ bool RecordingReader::open(const std::string& path) {
     return true;
 }
 
+bool RecordingReader::openLog() {
+    m_log.emplace();
+    m_frame = {};
+    m_frame_records = 0;
+    m_number = 0;
+    m_last_time_ns = 0;
+    m_status = m_log->open(m_path) ? ReadStatus::record : ReadStatus::malformed;
+    m_start_wall_ns = m_log->getHead().start_wall_ns;
+    m_offset = m_log->getOffset();
+    m_message = m_log->getMessage();
+    return m_status == ReadStatus::record;
+}
+
 void RecordingReader::rewind() {
+    if (m_log) {
+        openLog();
+        return;
+    }
     m_file.clear();
     m_file.seekg(HEADER_SIZE);
     m_offset = HEADER_SIZE;
@@ -82,6 +102,7 @@ void RecordingReader::rewind() {
 
 ReadStatus RecordingReader::next(Record& record) {
     if (m_status != ReadStatus::record) return m_status;
+    if (m_log) return nextLogged(record);
     m_record_offset = m_offset;
     std::uint8_t head[12];
     if (!take(head, sizeof head)) {
@@ -99,6 +120,26 @@ ReadStatus RecordingReader::next(Record& record) {
     if (readBody(length) != ReadStatus::record) return m_status;
     m_last_time_ns = time_ns;
     record = {m_number++, time_ns, m_datagram};
+    return ReadStatus::record;
+}
+
+ReadStatus RecordingReader::nextLogged(Record& record) {
+    std::vector<frames::PartDigest> digests; // which are none of ours
+    while (m_frame_records == m_frame.datagrams.size()) {
+        const frames::LogItem item = m_log->next(m_frame, digests);
+        m_offset = m_log->getOffset();
+        m_message = m_log->getMessage();
+        if (item == frames::LogItem::frame) m_frame_records = 0;
+        if (item < frames::LogItem::end) continue;
+        return m_status = item == frames::LogItem::end       ? ReadStatus::end
+                          : item == frames::LogItem::cut_off ? ReadStatus::truncated
+                                                             : ReadStatus::malformed;
+    }
+    const frames::Datagram& datagram = m_frame.datagrams[m_frame_records++];
+    // What had come before the run began counts as come then. Several sockets may be out of order.
+    const double time_ns = std::clamp(datagram.arrival * 1e9, 0.0, double(MAX_RECORD_TIME_NS));
+    m_last_time_ns = std::max(m_last_time_ns, static_cast<std::int64_t>(std::llround(time_ns)));
+    record = {m_number++, m_last_time_ns, datagram.bytes};
     return ReadStatus::record;
 }
 

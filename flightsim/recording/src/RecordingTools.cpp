@@ -133,6 +133,16 @@ void printRecord(const char* title, const DecodedRecord& record, std::FILE* out)
                  double(d.roll), double(d.rotor_speed));
 }
 
+void printLog(const frames::LogReader& log, std::FILE* out) {
+    const frames::LogHead& head = log.getHead();
+    std::fprintf(out, "log       of %s: %lld frames, picture %d x %d, options",
+                 head.program.c_str(), printable(log.getFrames()), head.width, head.height);
+    for (const std::string& option : head.options)
+        std::fprintf(out, option.find(' ') == std::string::npos ? " %s" : " \"%s\"",
+                     option.c_str());
+    std::fprintf(out, head.options.empty() ? " none\n" : "\n");
+}
+
 void printContents(const Contents& contents, std::FILE* out) {
     printIntervals(contents.intervals_ms, out);
     std::fprintf(out, "sizes    ");
@@ -178,8 +188,11 @@ bool printInfo(const std::string& path, std::FILE* out, std::string& warning,
         contents.add(record);
     const double span_s = double(found.last_ns - found.first_ns) * 1e-9;
     std::fprintf(out, "recording %s, %s, %lld bytes, begun %s\n", path.c_str(),
-                 reader.getFormat() == RecordingFormat::compact ? "compact" : "whole",
+                 reader.getLog()                                  ? "frame log"
+                 : reader.getFormat() == RecordingFormat::compact ? "compact"
+                                                                  : "whole",
                  printable(reader.getOffset()), utc(reader.getStartWall_ns()).c_str());
+    if (reader.getLog()) printLog(*reader.getLog(), out);
     std::fprintf(out, "records   %lld over %.2f s", printable(found.records), span_s);
     if (span_s > 0) std::fprintf(out, ", %.2f Hz", double(found.records - 1) / span_s);
     std::fprintf(out, "\n");

@@ -161,6 +161,65 @@ TEST(Recording, KeepsWholeRecordsOfAFileCutOffAnywhere) {
     }
 }
 
+/// A log of a frame for each of the lists of datagrams.
+void writeLog(const std::string& path,
+              const std::vector<std::vector<frames::Datagram>>& datagrams) {
+    frames::LogHead head{"channel 1.0", 1'700'000'000'000'000'000, 640, 480};
+    head.options = {"--script", "my file"};
+    frames::LogWriter writer;
+    ASSERT_TRUE(writer.open(path, head)) << writer.getMessage();
+    frames::FrameInput input;
+    for (const auto& frame : datagrams) {
+        input.datagrams = frame;
+        ASSERT_TRUE(writer.append(input) && writer.append({{"sea", 1}}));
+        input.number++;
+    }
+    ASSERT_TRUE(writer.close());
+}
+
+TEST(Recording, AFrameLogIsReadLikeARecordingOfItsDatagrams) {
+    TestFile log("log"), out("out");
+    const auto datagram = [](double arrival, Bytes bytes) {
+        return frames::Datagram{0, arrival, 0, 0, std::move(bytes)};
+    };
+    writeLog(log.path, {{},
+                        {datagram(-0.5, {1}), datagram(0.25, {2})},
+                        {},
+                        {datagram(0.125, Bytes(1490, 3)), datagram(1e300, {4})}});
+    const std::vector<TimedBytes> records = {
+        {0, {1}}, {250'000'000, {2}}, {250'000'000, Bytes(1490, 3)}, {MAX_RECORD_TIME_NS, {4}}};
+    RecordingReader reader;
+    ASSERT_TRUE(reader.open(log.path)) << reader.getMessage();
+    for (int pass = 0; pass < 2; pass++) {
+        ReadStatus status;
+        EXPECT_EQ(readAll(reader, status), records);
+        EXPECT_EQ(status, ReadStatus::end);
+        reader.rewind();
+    }
+    CutResult result;
+    std::string message, warning;
+    ASSERT_TRUE(cutRecording({log.path, out.path, {}, RecordingFormat::compact}, result, message));
+    EXPECT_EQ(readRecording(out.path), records);
+
+    testing::internal::CaptureStdout();
+    EXPECT_TRUE(printInfo(log.path, stdout, warning, message));
+    const std::string info = testing::internal::GetCapturedStdout();
+    EXPECT_NE(info.find("frame log, "), std::string::npos) << info;
+    EXPECT_NE(info.find("log       of channel 1.0: 4 frames, picture 640 x 480, options --script "
+                        "\"my file\"\nrecords   4 over"),
+              std::string::npos)
+        << info;
+
+    const Bytes all = log.read(); // breaks off, then is damaged
+    TestFile cut("cut_off", Bytes(all.begin(), all.end() - 1));
+    EXPECT_TRUE(printInfo(cut.path, stdout, warning, message));
+    EXPECT_NE(warning.find("cut off"), std::string::npos) << warning;
+    TestFile damaged("damaged", Bytes(all.begin(), all.end()));
+    std::ofstream(damaged.path, std::ios::binary | std::ios::app) << "more";
+    EXPECT_FALSE(printInfo(damaged.path, stdout, warning, message));
+    EXPECT_NE(message.find("damaged near byte"), std::string::npos) << message;
+}
+
 TEST(Recording, CutsByTimeAndNumberAndConvertsWithoutLoss) {
     TestFile in("in"), out("out"), back("back");
     writeRecording(in.path, RecordingFormat::whole, oddDatagrams());

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "frames/FrameLog.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <fstream>
 #include <limits>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -37,6 +40,9 @@
 ///
 /// A recording that was cut off (power, full disk, still being written) reads up to its last whole
 /// record. Records are numbered from 0.
+///
+/// A frame log of the channel (`frames/FrameLog.h`) is read like a recording of the datagrams that
+/// had come to its sockets: at their times of arrival, from the start of its run on.
 namespace flightsim {
 
 /// The most that a UDP datagram carries over IPv4, bytes.
@@ -60,7 +66,8 @@ enum class ReadStatus {
     malformed  ///< the file is damaged here: nothing behind can be trusted
 };
 
-/// Reads a recording of either format from first to last, one record in memory at a time.
+/// Reads a recording of either format, or a frame log, from first to last, one record in memory at
+/// a time.
 class RecordingReader {
 public:
     /// Opens a file and reads its header. False with `getMessage()` when that fails.
@@ -72,6 +79,8 @@ public:
     void rewind();
 
     RecordingFormat getFormat() const { return m_format; }
+    /// When it is a frame log; else null.
+    const frames::LogReader* getLog() const { return m_log ? &*m_log : nullptr; }
     std::int64_t getStartWall_ns() const { return m_start_wall_ns; } ///< Unix time
     std::int64_t getOffset() const { return m_offset; }              ///< bytes read so far
     /// What went wrong, with path, record number and byte offset. For `open` that failed, and for
@@ -79,6 +88,8 @@ public:
     const std::string& getMessage() const { return m_message; }
 
 private:
+    bool openLog();
+    ReadStatus nextLogged(Record& record);
     bool take(void* to, std::size_t size);
     ReadStatus readBody(std::uint32_t length);
     ReadStatus readRuns(std::uint32_t length, std::uint16_t runs);
@@ -94,6 +105,9 @@ private:
     std::int64_t m_number = 0;        ///< of the record being read
     std::int64_t m_last_time_ns = 0;
     std::vector<std::uint8_t> m_datagram;
+    std::optional<frames::LogReader> m_log;
+    frames::FrameInput m_frame;      ///< of the log
+    std::size_t m_frame_records = 0; ///< read of that
     ReadStatus m_status = ReadStatus::end;
     std::string m_message;
 };

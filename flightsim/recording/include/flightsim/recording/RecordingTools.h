@@ -10,8 +10,9 @@
 namespace flightsim {
 
 /// Prints what a recording holds: span, rate, intervals, sizes, positions, commands, its first and
-/// its last record. Only datagrams of at least a whole host data record are decoded. False with
-/// `message` when the recording can't be used; a cut-off end only gives a `warning`.
+/// its last record; of a frame log also what was logged. Only datagrams of at least a whole host
+/// data record are decoded. False with `message` when the recording can't be used; a cut-off end
+/// only gives a `warning`.
 bool printInfo(const std::string& path, std::FILE* out, std::string& warning, std::string& message);
 
 struct CutOptions {
