@@ -14,9 +14,16 @@
 set(VC_WARNINGS -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
     -Wcast-align -Wnull-dereference -Wformat=2 -Werror)
 
+# The elementary functions that ig/math defines for the whole process, so that their bits are the
+# same on every machine. A compiler that knows them would work out calls with constants by others.
+set(VC_ELEMENTARY sin cos sincos tan asin acos atan atan2 hypot exp exp2 log log2 log10 pow)
+list(TRANSFORM VC_ELEMENTARY PREPEND -fno-builtin- OUTPUT_VARIABLE VC_NO_BUILTIN)
+list(TRANSFORM VC_NO_BUILTIN APPEND f OUTPUT_VARIABLE VC_NO_BUILTIN_FLOAT)
+
 add_library(vc_flags INTERFACE)
 target_compile_features(vc_flags INTERFACE cxx_std_20)
-target_compile_options(vc_flags INTERFACE ${VC_WARNINGS} -ffp-contract=off)
+target_compile_options(vc_flags INTERFACE ${VC_WARNINGS} -ffp-contract=off
+    ${VC_NO_BUILTIN} ${VC_NO_BUILTIN_FLOAT})
 # How long a test may take before it counts as hung, VC_TEST_SECONDS: machines may be slow and busy.
 if(VC_SANITIZE)
     target_compile_options(vc_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
@@ -57,7 +64,8 @@ function(room)
         endif()
         target_include_directories(${ROOM_NAME} PRIVATE ${dir}/src)
         target_link_libraries(${ROOM_NAME} PUBLIC ${ROOM_LINKS} PRIVATE ${ROOM_PRIVATE} vc_flags)
-        target_compile_options(${ROOM_NAME} PRIVATE -Wconversion) # narrowing is written out
+        target_compile_options(${ROOM_NAME} PRIVATE
+            -Wconversion -Wno-sign-conversion) # narrowing is written out
         set_target_properties(${ROOM_NAME} PROPERTIES POSITION_INDEPENDENT_CODE ON)
     endif()
 

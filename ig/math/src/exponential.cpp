@@ -1,0 +1,191 @@
+// SPDX-License-Identifier: MIT
+// exp, log and pow of the process, and their forms of base 2 and 10. Why they are here:
+// trigonometric.cpp.
+//
+// Method: a table brings the argument close to 0 or 1, where the series is short (P. T. P. Tang,
+// "Table-driven implementation of the exponential function", 1989, and "... of the logarithm
+// function", 1990); the logarithm comes in twice the precision, because pow multiplies its error.
+#include "DoubleDouble.h"
+
+#include <array>
+#include <bit>
+#include <cmath>
+#include <cstdint>
+
+namespace ig {
+namespace {
+
+constexpr DoubleDouble LN_2{0x1.62e42fefa39efp-1, 0x1.abc9e3b39803fp-56};
+constexpr DoubleDouble PER_LN_2{0x1.71547652b82fep+0, 0x1.777d0ffda0d24p-56};
+constexpr DoubleDouble PER_LN_10{0x1.bcb7b1526e50ep-2, 0x1.95355baaafad3p-57};
+
+constexpr int STEPS = 128; ///< of the exponential's table between two powers of 2
+
+/// 2^(j / STEPS), by the series of exp.
+constexpr auto POWERS = [] {
+    std::array<DoubleDouble, STEPS> powers;
+    for (int j = 0; j < STEPS; j++) {
+        const DoubleDouble x = LN_2 * DoubleDouble{double(j) / STEPS, 0};
+        DoubleDouble term{1, 0}, power = term;
+        for (int n = 1; n < 28; n++) {
+            term = term * x / DoubleDouble{double(n), 0};
+            power = power + term;
+        }
+        powers[static_cast<std::size_t>(j)] = power;
+    }
+    return powers;
+}();
+
+/// value · 2^e, `value` within [1/2, 2], for all e that make sense: also where it overflows, and
+/// where it is subnormal.
+double scale(double value, int e) {
+    const auto shift = [](double x, int by) {
+        return std::bit_cast<double>(std::bit_cast<std::int64_t>(x) + (std::int64_t(by) << 52));
+    };
+    if (e > 1000) return shift(value, e - 1000) * 0x1p1000;
+    if (e < -1000) return shift(value, e + 1000) * 0x1p-1000;
+    return shift(value, e);
+}
+
+/// 2^(k / STEPS) · e^r for small r.
+double raise(double k, double r) {
+    const int whole = static_cast<int>(k), j = whole & (STEPS - 1);
+    const DoubleDouble& power = POWERS[static_cast<std::size_t>(j)];
+    const double z = r * r;
+    const double beyond_one = r + z * (0.5 + r * (1.0 / 6)) + z * z * (1.0 / 24 + r * (1.0 / 120));
+    return scale(power.hi + (power.lo + power.hi * beyond_one), (whole - j) / STEPS);
+}
+
+constexpr double ROUND = 0x1.8p52; ///< adding it leaves whole numbers
+
+/// exp(x), whatever x.
+double getExponential(const DoubleDouble& x) {
+    if (x.hi > 710) return HUGE_VAL;
+    if (x.hi < -746) return 0;
+    const double k = (x.hi * (STEPS * PER_LN_2.hi) + ROUND) - ROUND;
+    // ln 2 / STEPS in two parts, the first of 35 bits, so that its multiples are exact.
+    return raise(k, x.hi - k * 0x1.62e42fef8p-8 - (k * 0x1.1cf79abc9e3b4p-43 - x.lo));
+}
+
+/// A factor of few bits that brings a number close to 1, and minus its logarithm.
+struct Anchor {
+    double factor = 0;
+    DoubleDouble logarithm;
+};
+
+/// Of the numbers around j / STEPS, for those from sqrt(1/2) to sqrt(2).
+constexpr int FIRST_ANCHOR = 90;
+constexpr auto ANCHORS = [] {
+    std::array<Anchor, 92> anchors;
+    for (int i = 0; i < int(anchors.size()); i++) {
+        const int tenth_bits = (1024 * STEPS + (FIRST_ANCHOR + i) / 2) / (FIRST_ANCHOR + i);
+        const DoubleDouble factor{tenth_bits / 1024.0, 0}, one{1, 0};
+        // -log f = 2 artanh((1 - f) / (1 + f))
+        const DoubleDouble x = (one - factor) / (one + factor), square = x * x;
+        DoubleDouble power = x, half = x;
+        for (int n = 3; n < 46; n += 2) {
+            power = power * square;
+            half = half + power / DoubleDouble{double(n), 0};
+        }
+        anchors[static_cast<std::size_t>(i)] = {factor.hi, half + half};
+    }
+    return anchors;
+}();
+
+/// The logarithm of a finite positive number, to about 2^-68 of itself.
+DoubleDouble getLogarithm(double x) {
+    constexpr std::int64_t SQRT_HALF = 0x3fe6a09e667f3bcd; // as a double's bits
+    int subnormal = 0;
+    if (x < 0x1p-1022) {
+        x *= 0x1p54;
+        subnormal = 54;
+    }
+    const auto bits = std::bit_cast<std::int64_t>(x);
+    const std::int64_t twos = (bits - SQRT_HALF) >> 52;
+    const double k = double(twos - subnormal);
+    const std::int64_t mantissa = bits - twos * (std::int64_t(1) << 52);
+    const double m = std::bit_cast<double>(mantissa);
+    const Anchor& anchor = ANCHORS[static_cast<std::size_t>(int(m * STEPS + 0.5) - FIRST_ANCHOR)];
+    const double m_hi = std::bit_cast<double>(mantissa & ~std::int64_t(0x7ffffff)), m_lo = m - m_hi;
+    const DoubleDouble r = sum(m_hi * anchor.factor - 1, m_lo * anchor.factor); // exact
+    const DoubleDouble square = product(r.hi, r.hi);
+    const double z = square.hi;
+    const double beyond = (1.0 / 3 + r.hi * (-1.0 / 4)) + z * (1.0 / 5 + r.hi * (-1.0 / 6)) +
+                          z * z * ((1.0 / 7 + r.hi * (-1.0 / 8)) + z * (1.0 / 9));
+    // ln 2 in two parts, the first of 32 bits, so that its multiples are exact.
+    const DoubleDouble whole = sum(k * 0x1.62e42feep-1, anchor.logarithm.hi);
+    const DoubleDouble first = sum(whole.hi, r.hi), second = sum(first.hi, -0.5 * z);
+    const double rest = whole.lo + first.lo + second.lo + anchor.logarithm.lo +
+                        (r.lo - r.hi * r.lo - 0.5 * square.lo + r.hi * z * beyond) +
+                        k * 0x1.a39ef35793c76p-33;
+    return sumOfOrdered(second.hi, rest);
+}
+
+/// A logarithm in another base, `per` times the natural one, as the C standard has it.
+double getLogarithm(double x, const DoubleDouble& per) {
+    if (x == 0) return -HUGE_VAL;
+    if (x < 0) return (x - x) / (x - x);
+    if (!std::isfinite(x)) return x;
+    return (getLogarithm(x) * per).getValue();
+}
+
+bool isWhole(double x) { return std::abs(x) >= 0x1p52 || std::floor(x) == x; }
+bool isOdd(double x) { return isWhole(x) && !isWhole(x / 2); }
+
+/// x^y for x from 0 to infinity and y not 0.
+double getPower(double x, double y) {
+    if (x == 0 || std::isinf(x)) return (x == 0) == (y < 0) ? HUGE_VAL : 0;
+    if (std::isinf(y)) return x == 1 ? 1 : (x < 1) == (y < 0) ? HUGE_VAL : 0;
+    const DoubleDouble logarithm = getLogarithm(x);
+    const double exponent = logarithm.hi * y;
+    if (std::abs(exponent) < 0x1p-60) return 1 + exponent;
+    if (std::abs(exponent) > 1000) return exponent > 0 ? HUGE_VAL : 0;
+    return getExponential(logarithm * DoubleDouble{y, 0});
+}
+
+} // namespace
+} // namespace ig
+
+extern "C" {
+
+double exp(double x) noexcept {
+    if (std::isnan(x)) return x;
+    return ig::getExponential({x, 0});
+}
+
+double exp2(double x) noexcept {
+    if (std::isnan(x)) return x;
+    if (x >= 1024) return HUGE_VAL;
+    if (x < -1076) return 0;
+    const double k = (x * ig::STEPS + ig::ROUND) - ig::ROUND;
+    return ig::raise(k, (x - k / ig::STEPS) * ig::LN_2.hi);
+}
+
+double log(double x) noexcept { return ig::getLogarithm(x, {1, 0}); }
+
+double log2(double x) noexcept { return ig::getLogarithm(x, ig::PER_LN_2); }
+
+double log10(double x) noexcept { return ig::getLogarithm(x, ig::PER_LN_10); }
+
+double pow(double x, double y) noexcept {
+    if (x == 1 || y == 0) return 1;
+    if (std::isnan(x) || std::isnan(y)) return x + y;
+    if (y == 2) return x * x; // which compilers make of it
+    if (x < 0 && std::isfinite(x) && !ig::isWhole(y)) return (x - x) / (x - x);
+    const double power = ig::getPower(std::abs(x), y);
+    return std::signbit(x) && ig::isOdd(y) ? -power : power;
+}
+
+float expf(float x) noexcept { return static_cast<float>(exp(double(x))); }
+
+float exp2f(float x) noexcept { return static_cast<float>(exp2(double(x))); }
+
+float logf(float x) noexcept { return static_cast<float>(log(double(x))); }
+
+float log2f(float x) noexcept { return static_cast<float>(log2(double(x))); }
+
+float log10f(float x) noexcept { return static_cast<float>(log10(double(x))); }
+
+float powf(float x, float y) noexcept { return static_cast<float>(pow(double(x), double(y))); }
+
+} // extern "C"
