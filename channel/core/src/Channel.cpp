@@ -177,9 +177,6 @@ void Channel::prepareInterface() {
                            m_clipboard = text.c_str();
                            m_window.writeClipboard(m_clipboard);
                        });
-    if (m_renderer->getTextWidth(16, "0") < 0) return; // it draws no texts
-    root->setTextWidth(
-        [this](float size, std::string_view utf8) { return m_renderer->getTextWidth(size, utf8); });
 }
 
 bool Channel::loadLibraries() {

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "ig/ui/UIEditLine.h"
 
-#include "Utf8Text.h"
 #include "ig/ui/KeyCode.h"
 #include "ig/ui/UIRoot.h"
 #include "ig/ui/UiDrawList.h"
+#include "ig/ui/Utf8Text.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ig/ui/UIRoot.h"
 
-#include "Utf8Text.h"
+#include "ig/ui/Font.h"
 #include "ig/ui/KeyCode.h"
 #include "ig/ui/UISpriteViewport.h"
 #include "ig/ui/UiDrawList.h"
@@ -18,14 +18,6 @@ const vec4 SHADE(0, 0, 0, 0.45f); ///< over everything below a modal widget
 
 bool isModifier(int key) { return key >= KEY_SHIFT && key <= KEY_ALT; }
 bool isModifierOrFunction(int key) { return key >= KEY_SHIFT && key <= KEY_F12; }
-
-/// Fonts of this kind: square ideographs, other characters half as wide.
-float estimateWidth(float size, std::string_view utf8) {
-    float width = 0;
-    for (std::size_t i = 0; i < utf8.size();)
-        width += utf8_text::decode(utf8, i) >= 0x2E80 ? size : size * 0.5f;
-    return width;
-}
 
 } // namespace
 
@@ -56,13 +48,8 @@ int UIRoot::pixels(int length) const {
     return static_cast<int>(std::lround(static_cast<float>(length) * m_scale));
 }
 
-void UIRoot::setTextWidth(std::function<float(float, std::string_view)> width) {
-    m_text_width = std::move(width);
-    m_text_revision++;
-}
-
 float UIRoot::getTextWidth(float size, std::string_view utf8) const {
-    return m_text_width ? m_text_width(size, utf8) : estimateWidth(size, utf8);
+    return Font::get().getWidth(size, utf8);
 }
 
 void UIRoot::setClipboard(std::function<jString()> read,

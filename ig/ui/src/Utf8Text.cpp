@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Utf8Text.h"
+#include "ig/ui/Utf8Text.h"
 
 namespace ig::utf8_text {
 

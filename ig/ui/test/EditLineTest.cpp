@@ -3,6 +3,8 @@
 #include "ig/ui/KeyCode.h"
 #include "ig/ui/UiDrawList.h"
 
+#include <cmath>
+
 namespace ig {
 namespace {
 
@@ -75,15 +77,16 @@ TEST_F(EditLineTest, CaretSelectionAndClipboardStepByWholeCharacters) {
 }
 
 TEST_F(EditLineTest, ADragAfterTheFirstClickSelectsWithinTheText) {
-    root.setTextWidth([](float, std::string_view text) { return 10.0f * text.size(); });
     field->setText("12345");
     root.update(0);
     click(field);
-    const float left = static_cast<float>(field->getX()) + 3;
+    const auto behind = [this](const char* part) {
+        return static_cast<float>(field->getX()) + 3 + root.getTextWidth(13, part) + 1;
+    };
     const float y = static_cast<float>(field->getY()) + 5;
-    root.mouseDown({0, left + 12, y}); // after the 1
-    root.mouseMove(left + 31, y);      // to after the 3
-    root.mouseUp({0, left + 31, y});
+    root.mouseDown({0, behind("1"), y});
+    root.mouseMove(behind("123"), y);
+    root.mouseUp({0, behind("123"), y});
     EXPECT_EQ(type("x"), "1x45");
 }
 
@@ -183,8 +186,7 @@ TEST_F(EditLineTest, AFieldWithItsDigitsCutKeepsThemUntilAnotherNumberIsEntered)
 }
 
 TEST_F(EditLineTest, AFieldShowsThePartOfItsTextThatFits) {
-    root.setTextWidth([](float, std::string_view text) { return 10.0f * text.size(); });
-    field->setFixSize(56, 16); // room for five characters
+    field->setFixSize(2 * 3 + static_cast<int>(std::ceil(root.getTextWidth(13, "01234"))), 16);
     field->setText("0123456789");
     UiDrawList list;
     const auto shown = [&] {

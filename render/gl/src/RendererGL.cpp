@@ -180,9 +180,6 @@ void RendererGL::setScale(float scale) {
     if (r.ready) r.ready = r.targets.make(r.targets.getWidth(), r.targets.getHeight(), scale);
 }
 
-float RendererGL::getTextWidth(float size, std::string_view utf8) {
-    return m_impl->ready ? m_impl->ui.getTextWidth(size, utf8) : -1;
-}
 float RendererGL::getScale() const { return m_impl->scale; }
 const jString& RendererGL::getDevice() const { return m_impl->device; }
 void RendererGL::setProfiling(bool on) { m_impl->clock.on = on; }

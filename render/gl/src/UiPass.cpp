@@ -2,7 +2,9 @@
 #include "UiPass.h"
 
 #include "ViewportPass.h"
+#include "ig/ui/Font.h"
 #include "ig/ui/UiDrawList.h"
+#include "ig/ui/Utf8Text.h"
 #include "render/image/ImageFile.h"
 
 #include <cmath>
@@ -14,7 +16,6 @@ void UiPass::init() {
     m_program.start("ui.vert", "ui.frag", {}, {{"uTexture", gl::UNIT_FIRST_OWN}});
     gl::makeTexture(m_atlas_texture, GlyphAtlas::SIZE, GlyphAtlas::SIZE,
                     {GL_R8, GL_RED, GL_UNSIGNED_BYTE});
-    m_atlas.init(); // without a font the rest is still drawn
     m_vertex_array.create();
     m_buffer.create();
     glBindVertexArray(m_vertex_array.getId());
@@ -59,11 +60,11 @@ void UiPass::addQuad(const gl::Texture* image, vec2 low, vec2 high, vec2 texture
 
 /// Characters stand on whole pixels, so that they stay sharp.
 void UiPass::addText(float x, float y, float size, const vec4& color, std::string_view utf8) {
-    const int em = static_cast<int>(std::lround(size));
+    const int em = Font::getEm(size);
     float pen = std::round(x);
-    const float line = std::round(y + m_atlas.getAscent(em));
-    while (!utf8.empty()) {
-        const Glyph* glyph = m_atlas.find(takeCharacter(utf8), em);
+    const float line = std::round(y + Font::get().getAscent(em));
+    for (std::size_t i = 0; i < utf8.size();) {
+        const Glyph* glyph = m_atlas.find(utf8_text::decode(utf8, i), em);
         if (!glyph) continue;
         const float left = std::round(pen) + static_cast<float>(glyph->left);
         const float top = line - static_cast<float>(glyph->top);
@@ -72,14 +73,6 @@ void UiPass::addText(float x, float y, float size, const vec4& color, std::strin
                 glyph->low, glyph->high, color);
         pen += glyph->advance;
     }
-}
-
-float UiPass::getTextWidth(float size, std::string_view utf8) {
-    const int em = static_cast<int>(std::lround(size));
-    float width = 0;
-    while (!utf8.empty())
-        if (const Glyph* glyph = m_atlas.find(takeCharacter(utf8), em)) width += glyph->advance;
-    return width;
 }
 
 /// With the characters that are new.

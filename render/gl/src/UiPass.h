@@ -17,8 +17,6 @@ class ViewportPass;
 class UiPass {
 public:
     void init();
-    /// Of a line as `draw` sets it, pixels.
-    float getTextWidth(float size, std::string_view utf8);
     /// Onto the bound framebuffer of that size.
     void draw(const UiDrawList& list, const ViewportPass& viewports, int width, int height);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "PictureScene.h"
 #include "ig/scene/SceneObjects.h"
+#include "ig/ui/UIRoot.h"
 #include "ig/ui/UiDrawList.h"
 #include "plugins/ocean/ObjectOcean.h"
 #include "testkit/LogCapture.h"
@@ -140,6 +141,26 @@ TEST_F(PictureOf, TheUserInterfaceLiesOnTop) {
         return line.find("no_such_picture.png") != std::string::npos;
     };
     EXPECT_EQ(std::count_if(log.lines.begin(), log.lines.end(), tells), 1); // not once per frame
+}
+
+TEST_F(PictureOf, TextsAreAsWideAsTheirElementsMeasureThem) {
+    look(100, 0, 0);
+    const UIRoot root;
+    for (const char* text : {"雷达 -155.06999", "iiiiiiiiiiiiiiiN", "\xff\xff\xff"}) {
+        UiDrawList ui;
+        ui.addRect(0, 0, WIDTH, HEIGHT, {0, 0, 0, 1});
+        ui.addText(10, 50, 15.6f, {1, 1, 1, 1}, text);
+        m_frame.ui = &ui;
+        draw();
+        s_renderer->readPicture(m_picture);
+        int last = 0;
+        for (int i = 0; i < WIDTH * 30; i++) {
+            const int x = i % WIDTH, y = 45 + i / WIDTH;
+            if (m_picture.at(x, y)[1] > 60) last = std::max(last, x);
+        }
+        // A character's ink ends within its advance.
+        EXPECT_NEAR(static_cast<float>(last), 10 + root.getTextWidth(15.6f, text) - 2, 2) << text;
+    }
 }
 
 TEST_F(PictureOf, ResizingAndScalingKeepThePicture) {

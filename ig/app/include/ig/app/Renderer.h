@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <span>
-#include <string_view>
 #include <vector>
 
 namespace ig {
@@ -85,10 +84,6 @@ public:
     /// for speed. The user interface is always drawn at full size.
     virtual void setScale(float) {}
     virtual float getScale() const { return 1; }
-
-    /// Width of a line of text as it draws the user interface's, pixels; negative when it draws
-    /// none.
-    virtual float getTextWidth(float, std::string_view) { return -1; }
 
     /// The last frame's picture. False when there is none.
     virtual bool readPicture(Picture&) { return false; }

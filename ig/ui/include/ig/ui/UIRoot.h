@@ -35,9 +35,7 @@ public:
     int getWidth() const { return m_width; }
     int getHeight() const { return m_height; }
     int pixels(int length) const;
-    /// Tells how wide a text of that size is, in pixels; whoever draws text sets it. Without one,
-    /// widths are estimated.
-    void setTextWidth(std::function<float(float size, std::string_view utf8)> width);
+    /// How wide a text of that size is, in pixels, whether it is drawn or not.
     float getTextWidth(float size, std::string_view utf8) const;
     /// Changes with everything that widths of texts depend on.
     int getTextRevision() const { return m_text_revision; }
@@ -120,7 +118,6 @@ private:
     int m_text_revision = 1;
     int m_next_viewport = 1;
     double m_time = 0;
-    std::function<float(float, std::string_view)> m_text_width;
     std::function<jString()> m_read_clipboard;
     std::function<void(const jString&)> m_write_clipboard;
     std::function<void(std::string_view)> m_tell, m_tell_refused;

@@ -31,7 +31,6 @@ public:
 
     void setScale(float scale) override;
     float getScale() const override;
-    float getTextWidth(float size, std::string_view utf8) override;
     bool readPicture(Picture& picture) override;
     void setProfiling(bool on) override;
     std::span<const PassTime> getPassTimes() const override;

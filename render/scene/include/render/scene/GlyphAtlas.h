@@ -4,12 +4,8 @@
 #include "ig/math/vec.h"
 
 #include <cstdint>
-#include <string_view>
 #include <unordered_map>
 #include <vector>
-
-struct FT_LibraryRec_;
-struct FT_FaceRec_;
 
 namespace ig {
 
@@ -21,23 +17,17 @@ struct Glyph {
     float advance = 0;         ///< of the pen
 };
 
-/// The characters that were asked for so far, rendered when first needed, in one square picture of
-/// a byte a texel, 255 being covered. When it is full it starts over.
+/// The characters of the user interface's font that were asked for so far, rendered when first
+/// needed, in one square picture of a byte a texel, 255 being covered. When it is full it starts
+/// over.
 class GlyphAtlas {
 public:
     static constexpr int SIZE = 1024; ///< texels along an edge
 
-    /// False, logged once, without a font: text is then left out.
-    bool init();
-    GlyphAtlas() = default;
-    GlyphAtlas(const GlyphAtlas&) = delete;
-    GlyphAtlas& operator=(const GlyphAtlas&) = delete;
-    ~GlyphAtlas();
+    GlyphAtlas() { clear(); }
 
     /// The character in an em of `size` pixels; null without a font or such a character's room.
-    const Glyph* find(std::uint32_t character, int size);
-    /// From the top of the em box to the line that letters stand on, pixels.
-    float getAscent(int size) const;
+    const Glyph* find(char32_t character, int size);
     /// A place in the atlas that is fully covered, for plain rectangles.
     vec2 getSolid() const;
     /// Whether rows from `first` up to but without `end` have changed since the last call; their
@@ -51,16 +41,10 @@ private:
     bool findRoom(int width, int height, int& x, int& y);
     void clear();
 
-    FT_LibraryRec_* m_library = nullptr;
-    FT_FaceRec_* m_face = nullptr;
     std::vector<std::uint8_t> m_pixels;
     std::unordered_map<std::uint64_t, Glyph> m_glyphs;
     int m_x = 0, m_y = 0, m_row_height = 0;  ///< where the next one goes
     int m_dirty_from = SIZE, m_dirty_to = 0; ///< rows that have changed
 };
-
-/// Takes the first character off UTF-8 text, which must not be empty. What is malformed reads as
-/// U+FFFD, a byte at a time.
-std::uint32_t takeCharacter(std::string_view& text);
 
 } // namespace ig

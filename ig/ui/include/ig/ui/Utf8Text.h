@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-/// Characters of UTF-8 texts, as edit lines step through them.
+/// Characters of UTF-8 texts, as edit lines step through them and renderers draw them.
 namespace ig::utf8_text {
 
 inline constexpr char32_t INVALID = 0xFFFD;
