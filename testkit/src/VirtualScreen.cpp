@@ -208,6 +208,16 @@ void VirtualScreen::pressCloseButton() {
     sync();
 }
 
+void VirtualScreen::iconify() {
+    XIconifyWindow(m_display, m_window, DefaultScreen(m_display));
+    waitForManager();
+}
+
+void VirtualScreen::restore() {
+    XMapWindow(m_display, m_window);
+    waitForManager();
+}
+
 void VirtualScreen::openOtherProgram() {
     const Window root = DefaultRootWindow(m_display);
     m_other_window = XCreateSimpleWindow(m_display, root, 0, 0, 200, 100, 0, 0, 0);

@@ -240,7 +240,7 @@ bool Channel::openWindow() {
         if (!m_options.window) jLog::warning("visual_channel: going on without a window");
         return !m_options.window;
     }
-    m_window.setVerticalSync(!m_options.no_vertical_sync);
+    m_window.setVerticalSync(m_options.vertical_sync);
     if (m_options.full_screen) m_window.toggleFullScreen();
     m_options.width = m_window.getWidth();
     m_options.height = m_window.getHeight();
@@ -292,9 +292,10 @@ bool Channel::runFrame() {
     takeStill();
     m_renderer->setScale(scale);
     const double work = steadyNow() - begin;
-    if (m_window.isOpen()) m_window.swap(); // waits for a graphics device that is still drawing
+    const Shown shown = m_window.isOpen() ? m_window.swap() : Shown{steadyNow(), steadyNow()};
+    if (m_window.isOpen()) m_clock.endShown(shown.finished, shown.back);
     if (m_options.scale <= 0)
-        m_renderer->setScale(m_governor.update(steadyNow() - begin, m_renderer->getScale()));
+        m_renderer->setScale(m_governor.update(shown.finished - begin, m_renderer->getScale()));
     const std::uint64_t received = m_link.getReceived().datagrams_received;
     m_interface.getOverlays().addFrame(dt, costs, static_cast<int>(received - m_last_received));
     m_last_received = received;

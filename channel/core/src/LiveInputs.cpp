@@ -11,6 +11,7 @@
 
 bool LiveInputs::next(const Moment& moment, frames::FrameInput& input) {
     input = {};
+    m_clock.setRefreshRate(m_window.getRefreshRate());
     input.length = m_clock.beginFrame();
     input.begin = program::steadyNow() - m_run_start;
     if (m_window.isOpen()) m_window.poll();

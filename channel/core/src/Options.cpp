@@ -76,8 +76,16 @@ void addPictureOptions(CLI::App& app, Options& options) {
         "--null", [&options](std::int64_t) { options.renderer = "null"; }, "--renderer null");
     app.add_flag("--headless", options.headless, "No window");
     app.add_flag("--window", options.window, "A window or nothing");
-    app.add_flag("--no-vsync", options.no_vertical_sync,
-                 "Pictures don't wait for the display and may tear");
+    static const std::vector<std::string> SYNCS = {"on", "off", "late"};
+    app.add_option_function<std::string>(
+           "--vsync",
+           [&options](const std::string& sync) {
+               options.vertical_sync = static_cast<VerticalSync>(indexOf(sync, SYNCS));
+           },
+           "on: the window's pictures wait for the display, which sets the pace; late: but those "
+           "that come too late are shown at once, torn; off: none waits, and each may be torn")
+        ->check(word(SYNCS))
+        ->default_str("on");
     app.add_flag("--full-screen", options.full_screen,
                  "The window begins as all of its monitor (Alt + Return goes back)");
     app.add_option("--monitor", options.monitor,
@@ -176,7 +184,8 @@ void addOptions(CLI::App& app, Options& options) {
         ->default_str("the one shipped with this program");
     app.add_option("--plugin", options.plugins, "Further engine plug-in library; may be repeated");
     app.add_option("--fps", options.frame_rate,
-                   "Frames per second in real time; 0: as fast as possible")
+                   "Frames per second in real time, in a window at most so many (--vsync); 0: as "
+                   "fast as possible")
         ->check(number(0, 10000));
     app.add_option("--step", options.step,
                    "Advance every frame by this many seconds instead of the time that has passed")

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Weather.h"
+#include "Window.h"
 #include "channel/interface/Overlays.h"
 
 #include <string>
@@ -21,19 +22,19 @@ struct Options {
     std::string renderer = "auto";  ///< gl, null, or auto: gl where the machine has it
     bool headless = false;          ///< no window, even with a display
     bool window = false;            ///< a window or nothing
-    bool no_vertical_sync = false;  ///< pictures don't wait for the display and may tear
-    bool full_screen = false;       ///< the window begins as all of its monitor
-    std::string monitor;            ///< name or number of the window's; empty: any
-    float interface_size = 1;       ///< of panels and texts, 0.5 to 4
-    float scale = 1;                ///< of the rendering, 0.25 to 1; 0: so that 20 frames/s hold
-    std::string screenshot;         ///< PNG of the last frame; empty: none
-    std::string contact_sheet;      ///< PNG of all numbered pictures; empty: none
-    std::string video;              ///< file for ffmpeg to write; empty: none
-    double screenshot_every = 0;    ///< s of scene time between numbered pictures; 0: none
-    double time_of_day = 10;        ///< local solar time, hours
-    int day_of_year = 172;          ///< 1 to 366
-    double time_scale = 1;          ///< seconds by which the hour advances in a second of the scene
-    Weather weather;                ///< what is asked for here, whatever the flight simulation says
+    VerticalSync vertical_sync = VerticalSync::on; ///< of the window's pictures
+    bool full_screen = false;                      ///< the window begins as all of its monitor
+    std::string monitor;                           ///< name or number of the window's; empty: any
+    float interface_size = 1;                      ///< of panels and texts, 0.5 to 4
+    float scale = 1;             ///< of the rendering, 0.25 to 1; 0: so that 20 frames/s hold
+    std::string screenshot;      ///< PNG of the last frame; empty: none
+    std::string contact_sheet;   ///< PNG of all numbered pictures; empty: none
+    std::string video;           ///< file for ffmpeg to write; empty: none
+    double screenshot_every = 0; ///< s of scene time between numbered pictures; 0: none
+    double time_of_day = 10;     ///< local solar time, hours
+    int day_of_year = 172;       ///< 1 to 366
+    double time_scale = 1;       ///< seconds by which the hour advances in a second of the scene
+    Weather weather;             ///< what is asked for here, whatever the flight simulation says
     std::vector<double> eye;   ///< longitude, latitude, altitude, heading, pitch of a fixed camera
     bool profile = false;      ///< milliseconds per pass in the summary
     std::string script;        ///< file of timed operator commands; empty: none

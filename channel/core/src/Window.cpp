@@ -4,6 +4,7 @@
 #include "channel/interface/WindowListener.h"
 #include "ig/base/jLog.h"
 #include "ig/ui/KeyCode.h"
+#include "program/Clock.h"
 #include "render/driver/driverUse.h"
 
 #define GLFW_INCLUDE_NONE
@@ -11,10 +12,12 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdint>
 #include <cstdlib>
 #include <string>
 
 using namespace ig;
+using program::steadyNow;
 
 namespace {
 
@@ -142,6 +145,28 @@ std::string describeMonitors() {
     return text.empty() ? "no monitor" : text;
 }
 
+template <class Function>
+Function findFunction(const char* name) {
+    return reinterpret_cast<Function>(glfwGetProcAddress(name));
+}
+
+/// Waits until the display has taken everything that this thread's window handed over, where the
+/// window system can say so: many drivers queue pictures, and return from swaps meanwhile. Empty
+/// where it can't.
+std::function<void()> findAwaitShown() {
+    using Wait = int (*)(void* display, unsigned long drawable, std::int64_t target,
+                         std::int64_t* time, std::int64_t* blanks, std::int64_t* swaps);
+    if (!glfwExtensionSupported("GLX_OML_sync_control")) return {};
+    const auto display = findFunction<void* (*)()>("glXGetCurrentDisplay");
+    const auto drawable = findFunction<unsigned long (*)()>("glXGetCurrentDrawable");
+    const auto wait = findFunction<Wait>("glXWaitForSbcOML");
+    if (!display || !drawable || !wait) return {};
+    return [=] {
+        std::int64_t time = 0, blanks = 0, swaps = 0;
+        wait(display(), drawable(), 0, &time, &blanks, &swaps); // 0: all that were asked for
+    };
+}
+
 } // namespace
 
 std::size_t findMostCovered(const DesktopArea& window, const std::vector<DesktopArea>& areas) {
@@ -194,7 +219,10 @@ bool Window::open(int width, int height, const std::string& monitor) {
         return false;
     }
     glfwMakeContextCurrent(m_window);
-    glfwSwapInterval(1);
+    m_finish = findFunction<void (*)()>("glFinish");
+    m_await_shown = findAwaitShown();
+    if (!m_await_shown) m_await_shown = m_finish;
+    glfwSwapInterval(m_interval);
     glfwGetFramebufferSize(m_window, &m_width, &m_height);
     glfwSetWindowUserPointer(m_window, this);
     setCallbacks();
@@ -218,7 +246,13 @@ bool Window::moveTo(const std::string& monitor) {
     return true;
 }
 
-void Window::setVerticalSync(bool wait) { glfwSwapInterval(wait ? 1 : 0); }
+void Window::setVerticalSync(VerticalSync sync) {
+    m_sync = sync;
+    if (sync != VerticalSync::late || glfwExtensionSupported("GLX_EXT_swap_control_tear")) return;
+    m_sync = VerticalSync::on;
+    jLog::message("visual_channel: this display can't show late pictures at once: --vsync late is "
+                  "as on");
+}
 
 void Window::close() {
     if (m_window) glfwDestroyWindow(m_window);
@@ -232,14 +266,25 @@ Window& Window::from(GLFWwindow* window) {
 
 void Window::setCallbacks() {
     glfwSetWindowFocusCallback(m_window, [](GLFWwindow* w, int focused) {
-        if (!focused) from(w).m_listener.onFocusLost();
+        if (focused)
+            from(w).noteSign();
+        else
+            from(w).m_listener.onFocusLost();
     });
+    glfwSetWindowIconifyCallback(m_window, [](GLFWwindow* w, int iconified) {
+        from(w).m_iconified = iconified;
+        from(w).noteSign();
+    });
+    glfwSetWindowPosCallback(m_window, [](GLFWwindow* w, int, int) { from(w).noteSign(); });
     glfwSetWindowCloseCallback(m_window, [](GLFWwindow* w) {
         glfwSetWindowShouldClose(w, GLFW_FALSE); // told once; the operator may say no
         from(w).m_listener.onClose();
     });
     glfwSetCursorEnterCallback(m_window, [](GLFWwindow* w, int entered) {
-        if (!entered) from(w).m_listener.onLeft();
+        if (entered)
+            from(w).noteSign();
+        else
+            from(w).m_listener.onLeft();
     });
     glfwSetFramebufferSizeCallback(m_window, [](GLFWwindow* w, int, int) { from(w).tellSize(); });
     glfwSetWindowContentScaleCallback(m_window,
@@ -289,9 +334,16 @@ void Window::tellSize() {
     int width = 0, height = 0;
     glfwGetFramebufferSize(m_window, &width, &height);
     if (width <= 0 || height <= 0) return; // iconified
+    noteSign();
     m_width = width;
     m_height = height;
     m_listener.onResized(width, height, getDensity());
+}
+
+/// Somebody may see the window again, or see it on another monitor.
+void Window::noteSign() {
+    m_watch.noteSign();
+    m_refresh_rate = -1;
 }
 
 /// Some window systems measure windows, and places in them, in units of several pixels.
@@ -318,7 +370,61 @@ void Window::writeClipboard(const std::string& text) const {
 
 void Window::poll() { glfwPollEvents(); }
 
-void Window::swap() { glfwSwapBuffers(m_window); }
+bool Window::mayWait(double now) const {
+    return m_sync != VerticalSync::off && !m_iconified && m_watch.mayWait(now);
+}
+
+Shown Window::swap() {
+    const bool waits = mayWait(steadyNow());
+    const int interval = !waits ? 0 : m_sync == VerticalSync::late ? -1 : 1;
+    if (interval != m_interval) glfwSwapInterval(interval);
+    m_interval = interval;
+    if (waits) m_finish();
+    const double finished = steadyNow();
+    if (!m_iconified) glfwSwapBuffers(m_window);
+    if (waits) m_await_shown();
+    const double back = steadyNow();
+    if (!waits) return {back, back};
+    m_watch.addSwap(back - finished, back);
+    tellHeld(back - finished);
+    return {finished, back};
+}
+
+/// Once when it begins, and once when it ends.
+void Window::tellHeld(double took) {
+    const bool held = took > SwapWatch::PATIENCE;
+    if (held == m_held) return;
+    m_held = held;
+    if (held)
+        jLog::message("visual_channel: the window system held a picture back for %.1f s: until the "
+                      "window is seen again pictures don't wait for the display",
+                      took);
+    else
+        jLog::message("visual_channel: pictures wait for the display again");
+}
+
+double Window::getRefreshRate() {
+    if (!m_window || !mayWait(steadyNow())) return 0;
+    if (m_refresh_rate < 0) {
+        GLFWmonitor* monitor = findOwnMonitor();
+        const GLFWvidmode* mode = monitor ? glfwGetVideoMode(monitor) : nullptr;
+        m_refresh_rate = mode ? std::max(mode->refreshRate, 0) : 0;
+    }
+    return m_refresh_rate;
+}
+
+/// The one that has most of the window; null when there is none.
+GLFWmonitor* Window::findOwnMonitor() const {
+    if (GLFWmonitor* monitor = glfwGetWindowMonitor(m_window)) return monitor;
+    const std::vector<GLFWmonitor*> monitors = listMonitors();
+    if (monitors.empty()) return nullptr;
+    DesktopArea window;
+    glfwGetWindowPos(m_window, &window.x, &window.y);
+    glfwGetWindowSize(m_window, &window.width, &window.height);
+    std::vector<DesktopArea> areas(monitors.size());
+    std::ranges::transform(monitors, areas.begin(), areaOf);
+    return monitors[findMostCovered(window, areas)];
+}
 
 void Window::toggleFullScreen() {
     if (!m_window) return; // a script's key, without a window
@@ -327,16 +433,10 @@ void Window::toggleFullScreen() {
                              m_restore.height, GLFW_DONT_CARE);
         return;
     }
-    const std::vector<GLFWmonitor*> monitors = listMonitors();
-    if (monitors.empty()) return;
-    DesktopArea window;
-    glfwGetWindowPos(m_window, &window.x, &window.y);
-    glfwGetWindowSize(m_window, &window.width, &window.height);
-    std::vector<DesktopArea> areas(monitors.size());
-    std::ranges::transform(monitors, areas.begin(), areaOf);
-    GLFWmonitor* monitor = monitors[findMostCovered(window, areas)];
-    const GLFWvidmode* mode = glfwGetVideoMode(monitor);
+    GLFWmonitor* monitor = findOwnMonitor();
+    const GLFWvidmode* mode = monitor ? glfwGetVideoMode(monitor) : nullptr;
     if (!mode) return;
-    m_restore = window;
+    glfwGetWindowPos(m_window, &m_restore.x, &m_restore.y);
+    glfwGetWindowSize(m_window, &m_restore.width, &m_restore.height);
     glfwSetWindowMonitor(m_window, monitor, 0, 0, mode->width, mode->height, mode->refreshRate);
 }

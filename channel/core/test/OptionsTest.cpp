@@ -44,6 +44,7 @@ TEST_F(OptionsTest, MistakesAreNamedWithWhatIsAllowed) {
     const std::pair<const char*, const char*> mistakes[] = {
         {"--weather sunny", "--weather: must be one of clear, overcast, storm, fog, not \"sunny\""},
         {"--statistics ful", "nearest is \"full\""},
+        {"--vsync later", "must be one of on, off, late, not \"later\"; nearest is \"late\""},
         {"--scale 3", "must be a number, 0.25 to 1 or auto, not \"3\""},
         {"--fps nan", "must be a number, 0 to 10000, not \"nan\""},
         {"--seconds inf", "must be a number, 0 or more"},
@@ -73,11 +74,13 @@ TEST_F(OptionsTest, WhatGoesTogetherIsTaken) {
           "--headless --screenshot a.png --screenshot-every 1 --contact-sheet b.png",
           "--contact-sheet b.png --script c", "--null --statistics off"})
         EXPECT_TRUE(parse(line)) << line << log.lines[0];
-    ASSERT_TRUE(parse("--scale auto --wind 270 12 --weather storm --statistics full --size 64x32"));
+    ASSERT_TRUE(parse("--scale auto --wind 270 12 --weather storm --statistics full --size 64x32 "
+                      "--vsync late"));
     EXPECT_EQ(options.scale, 0);
     EXPECT_EQ(options.weather.wind_direction, 0); // towards east
     EXPECT_EQ(options.weather.look, 2);
     EXPECT_EQ(options.statistics, Overlays::Statistics::full);
+    EXPECT_EQ(options.vertical_sync, VerticalSync::late);
     EXPECT_EQ(options.width * 1000 + options.height, 64032);
 }
 

@@ -4,6 +4,7 @@
 // is clicked is clicked where it is drawn, and what comes of it is seen in the scene.
 
 #include "Channel.h"
+#include "channel/interface/WindowListener.h"
 #include "heli/config/AppData.h"
 #include "heli/kit/HelicopterCorax.h"
 #include "heli/logic/Logic_Nerith_Heli_Final.h"
@@ -486,6 +487,71 @@ TEST_F(ManagedWindowTest, FullScreenFromTheStartStaysWhenAnotherProgramHasTheKey
     EXPECT_TRUE(screen->isWindowShown());
     frames(2);
     EXPECT_EQ(channel->getWidth(), VirtualScreen::WIDTH);
+}
+
+struct IconifiedWindowTest : WindowTest {
+    IconifiedWindowTest() { desktop.managed = true; }
+    int countAnswers() {
+        int count = 0;
+        while (!folder.peer.receive().empty())
+            count++;
+        return count;
+    }
+};
+
+TEST_F(IconifiedWindowTest, EveryFrameIsAnsweredAndThePictureComesBack) {
+    screen->iconify();
+    ASSERT_FALSE(screen->isWindowShown());
+    countAnswers();
+    frames(10);
+    EXPECT_EQ(countAnswers(), 10);
+    screen->restore();
+    frames();
+    EXPECT_TRUE(screen->isWindowShown());
+    screen->resize(420, 300);
+    frames(3);
+    EXPECT_EQ(channel->getWidth(), 420);
+}
+
+struct Deaf final : WindowListener {
+    void onKey(int, bool, bool) override {}
+    void onModifiers(bool, bool, bool) override {}
+    void onText(const char*) override {}
+    void onButton(int, bool, float, float) override {}
+    void onMove(float, float) override {}
+    void onWheel(float) override {}
+    void onFocusLost() override {}
+    void onLeft() override {}
+    void onClose() override {}
+    void onResized(int, int, float) override {}
+};
+
+TEST(Window, PicturesWaitForTheDisplayUnlessNobodySeesThemOrNoneShallWait) {
+    if (!VirtualScreen::isInstalled()) GTEST_SKIP() << "there is no Xvfb or no openbox";
+    VirtualScreen screen({.managed = true});
+    LogCapture log;
+    Deaf listener;
+    Window window(listener);
+    ASSERT_TRUE(window.open(200, 100));
+    ASSERT_TRUE(screen.watch("Visual channel"));
+    const auto waits = [&] {
+        screen.waitForManager();
+        for (int i = 0; i < 2; i++) // while one event waits it doesn't look for more
+            window.poll();
+        const Shown shown = window.swap();
+        return shown.back > shown.finished;
+    };
+    EXPECT_TRUE(waits());
+    screen.iconify();
+    EXPECT_FALSE(waits());
+    screen.restore();
+    EXPECT_TRUE(waits());
+    EXPECT_EQ(log.lines.size(), 0u);
+    window.setVerticalSync(VerticalSync::late); // which Xvfb has not
+    EXPECT_TRUE(waits());
+    EXPECT_EQ(log.lines.size(), 1u);
+    window.setVerticalSync(VerticalSync::off);
+    EXPECT_FALSE(waits());
 }
 
 TEST(FindMostCovered, TheMonitorThatHasMostOfTheWindow) {

@@ -54,6 +54,8 @@ public:
     void resize(int width, int height);
     void focus(bool on_the_window);
     void pressCloseButton();
+    void iconify();
+    void restore();
     /// Another program's window comes up and has the keyboard.
     void openOtherProgram();
     /// The window manager has done all that it was asked for.
