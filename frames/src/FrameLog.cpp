@@ -57,7 +57,9 @@ bool LogWriter::open(const std::string& path, const LogHead& head) {
     m_block.resize(ZSTD_CStreamOutSize());
     m_file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     if (m_file < 0) return fail(std::strerror(errno));
-    return compress(text, Stage::go_on);
+    if (compress(text, Stage::go_on)) return true;
+    program::OutputFile::remove(path);
+    return false;
 }
 
 bool LogWriter::append(const FrameInput& input) {
@@ -97,16 +99,11 @@ bool LogWriter::writeRecord() {
 bool LogWriter::compress(std::string_view bytes, Stage stage) {
     ZSTD_inBuffer in{bytes.data(), bytes.size(), 0};
     const ZSTD_EndDirective directive = stage == Stage::end ? ZSTD_e_end : ZSTD_e_flush;
-    const std::int64_t kept = m_size;
     for (std::size_t rest = 1; rest > 0;) {
         ZSTD_outBuffer out{m_block.data(), m_block.size(), 0};
         rest = ZSTD_compressStream2(m_compressor.get(), &out, &in, directive);
         if (ZSTD_isError(rest)) return fail(ZSTD_getErrorName(rest));
-        if (writeOut(m_block.data(), out.pos)) continue;
-        const std::string why = std::strerror(errno);
-        // Takes back the part of the record that did fit; where that fails it reads as cut off.
-        if (::ftruncate(m_file, kept) == 0) m_size = kept;
-        return fail(why);
+        if (!writeOut(m_block.data(), out.pos)) return fail(std::strerror(errno));
     }
     return true;
 }
@@ -132,10 +129,7 @@ bool LogWriter::close() {
 
 bool LogWriter::fail(const std::string& why) {
     m_message = "cannot write \"" + m_path + "\": " + why;
-    if (m_file >= 0) {
-        ::close(std::exchange(m_file, -1));
-        if (m_size == 0) program::OutputFile::remove(m_path);
-    }
+    if (m_file >= 0) ::close(std::exchange(m_file, -1));
     m_compressor.reset();
     return false;
 }

@@ -104,7 +104,7 @@ TEST_F(FrameLog, GivesBackHeadFramesAndDigestsAndSaysThatItIsWhole) {
     for (std::uint64_t i = 100; i < 140; i++) {
         inputs.push_back(frameNumber(i));
         inputs.back().datagrams[0].bytes.resize(i % 9 ? 100 : 60000, 3);
-        inputs.back().clipboard = std::string(i % 13 ? 0 : 1 << 20, 'x'); // compresses well
+        inputs.back().clipboard = std::string(i % 13 == 9 ? 1 << 20 : 0, 'x'); // compresses well
         ASSERT_TRUE(writer.append(inputs.back()));
         EXPECT_TRUE(i % 9 || read().frames == inputs) << "each is in the file at once";
     }
@@ -213,6 +213,12 @@ TEST_F(FrameLog, AFullDiskIsToldOnceAndWhatFittedCanBeRead) {
     EXPECT_EQ(contents.frames.size(), fitted);
     EXPECT_GT(fitted, 3u);
     EXPECT_FALSE(writer.open(path + "/no/folder", {}));
+    std::filesystem::remove(path);
+    const rlimit smaller{10, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &smaller);
+    EXPECT_FALSE(writer.open(path, someHead()));
+    setrlimit(RLIMIT_FSIZE, &before);
+    EXPECT_FALSE(std::filesystem::exists(path));
 }
 
 } // namespace
