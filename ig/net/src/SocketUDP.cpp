@@ -269,6 +269,7 @@ struct SocketUDP::Collection {
 };
 
 void SocketUDP::collect(frames::FrameInput& input, double run_start) {
+    if (run().offline) return;
     input.answers.insert(input.answers.end(), run().answers.begin(), run().answers.end());
     run().answers.clear();
     Collection collection{input, run_start, program::steadyNow_ns(), getClockOffset_ns()};

@@ -159,14 +159,16 @@ public:
     /// The same for a run that is played again: sockets open nothing and send nothing, and every
     /// step of setting them up answers as these say, which come from the first frame of a log.
     static void setOffline(const std::vector<frames::SocketAnswer>& answers);
-    /// Adds what waits in all open sockets to the input, DRAIN datagrams of a socket at most, and
-    /// what the system has said of sockets since the last time. What a reader left of earlier
-    /// deliveries counts towards DRAIN, so that a flood stays in the system's buffer, and what that
-    /// can't hold is known to be lost.
+    /// Adds what waits in all open sockets that `recv` prepared to the input, DRAIN datagrams of a
+    /// socket at most, and what the system has said of sockets since the last time. What a reader
+    /// left of earlier deliveries counts towards DRAIN, so that a flood stays in the system's
+    /// buffer, and what that can't hold is known to be lost.
     ///
     /// Datagrams have the times of arrival that the system stamps, as seconds since `run_start` of
     /// the steady clock. The stamps are of the calendar's clock: where that was set meanwhile, the
-    /// arrival is still not before the socket was last empty, and not in the future.
+    /// arrival is still not before the socket was last empty, and not in the future. A system that
+    /// nobody asked for stamps before gives none for a moment: the arrival is then the collection.
+    /// Nothing to collect offline.
     static void collect(frames::FrameInput& input, double run_start = 0);
     /// Gives the input's datagrams to their sockets, from which `read` takes them, and its news to
     /// the statistics. What is for no open socket is dropped.
