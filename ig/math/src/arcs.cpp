@@ -89,8 +89,8 @@ constexpr double TINY = 0x1p-60;
 /// The angle of (x, y), x and y positive or 0 but not both; infinity counts as a number.
 DoubleDouble getQuadrantArc(double y, double x) {
     if (std::isinf(x) && std::isinf(y)) x = y = 1;
-    if (y / x < TINY) return {y / x, 0};
-    if (x / y < TINY) return PI_HALF;
+    if (y < x * TINY) return {y / x, 0};
+    if (x < y * TINY) return PI_HALF;
     const double scale = getScale(std::max(x, y));
     return getArc({y * scale, 0}, {x * scale, 0});
 }

@@ -92,32 +92,54 @@ constexpr auto ANCHORS = [] {
     return anchors;
 }();
 
-/// The logarithm of a finite positive number, to about 2^-68 of itself.
-DoubleDouble getLogarithm(double x) {
+/// Without the last 27 bits, so that its square, or its product with another such, is exact.
+double shorten(double x) {
+    return std::bit_cast<double>(std::bit_cast<std::int64_t>(x) & ~std::int64_t(0x7ffffff));
+}
+
+/// A finite positive number as 2^twos · (1 + r) / factor.
+struct Anchored {
+    double twos;
+    const Anchor& anchor;
+    DoubleDouble r; ///< exact
+};
+
+Anchored findAnchor(double x) {
     constexpr std::int64_t SQRT_HALF = 0x3fe6a09e667f3bcd; // as a double's bits
-    int subnormal = 0;
+    double subnormal = 0;
     if (x < 0x1p-1022) {
         x *= 0x1p54;
         subnormal = 54;
     }
     const auto bits = std::bit_cast<std::int64_t>(x);
     const std::int64_t twos = (bits - SQRT_HALF) >> 52;
-    const double k = double(twos - subnormal);
-    const std::int64_t mantissa = bits - twos * (std::int64_t(1) << 52);
-    const double m = std::bit_cast<double>(mantissa);
+    const double m = std::bit_cast<double>(bits - twos * (std::int64_t(1) << 52));
     const Anchor& anchor = ANCHORS[static_cast<std::size_t>(int(m * STEPS + 0.5) - FIRST_ANCHOR)];
-    const double m_hi = std::bit_cast<double>(mantissa & ~std::int64_t(0x7ffffff)), m_lo = m - m_hi;
-    const DoubleDouble r = sum(m_hi * anchor.factor - 1, m_lo * anchor.factor); // exact
-    const DoubleDouble square = product(r.hi, r.hi);
-    const double z = square.hi;
-    const double beyond = (1.0 / 3 + r.hi * (-1.0 / 4)) + z * (1.0 / 5 + r.hi * (-1.0 / 6)) +
-                          z * z * ((1.0 / 7 + r.hi * (-1.0 / 8)) + z * (1.0 / 9));
-    // ln 2 in two parts, the first of 32 bits, so that its multiples are exact.
-    const DoubleDouble whole = sum(k * 0x1.62e42feep-1, anchor.logarithm.hi);
-    const DoubleDouble first = sum(whole.hi, r.hi), second = sum(first.hi, -0.5 * z);
+    const double m_short = shorten(m);
+    const DoubleDouble r = sum(m_short * anchor.factor - 1, (m - m_short) * anchor.factor);
+    return {double(twos) - subnormal, anchor, r};
+}
+
+/// ln 2 in two parts, the first of 32 bits, so that its multiples are exact.
+constexpr DoubleDouble LN_2_SHORT{0x1.62e42feep-1, 0x1.a39ef35793c76p-33};
+
+/// The series of log(1 + r) behind the square, divided by r³.
+double getBehindSquare(double r) {
+    const double z = r * r;
+    return (1.0 / 3 + r * (-1.0 / 4)) + z * (1.0 / 5 + r * (-1.0 / 6)) +
+           z * z * ((1.0 / 7 + r * (-1.0 / 8)) + z * (1.0 / 9));
+}
+
+/// The logarithm of a finite positive number, to about 2^-67 of itself.
+DoubleDouble getLogarithm(double x) {
+    const auto [twos, anchor, r] = findAnchor(x);
+    const double r_short = shorten(r.hi), square = r_short * r_short;
+    const double behind_square = -0.5 * (r.hi - r_short) * (r.hi + r_short) - r.hi * r.lo +
+                                 r.hi * r.hi * r.hi * getBehindSquare(r.hi);
+    const DoubleDouble whole = sumOfOrdered(twos * LN_2_SHORT.hi, anchor.logarithm.hi);
+    const DoubleDouble first = sumOfOrdered(whole.hi, r.hi), second = sum(first.hi, -0.5 * square);
     const double rest = whole.lo + first.lo + second.lo + anchor.logarithm.lo +
-                        (r.lo - r.hi * r.lo - 0.5 * square.lo + r.hi * z * beyond) +
-                        k * 0x1.a39ef35793c76p-33;
+                        (r.lo + behind_square) + twos * LN_2_SHORT.lo;
     return sumOfOrdered(second.hi, rest);
 }
 
@@ -140,7 +162,10 @@ double getPower(double x, double y) {
     const double exponent = logarithm.hi * y;
     if (std::abs(exponent) < 0x1p-60) return 1 + exponent;
     if (std::abs(exponent) > 1000) return exponent > 0 ? HUGE_VAL : 0;
-    return getExponential(logarithm * DoubleDouble{y, 0});
+    const double l_short = shorten(logarithm.hi), y_short = shorten(y);
+    const DoubleDouble product =
+        sumOfOrdered(l_short * y_short, l_short * (y - y_short) + (logarithm.hi - l_short) * y);
+    return getExponential({product.hi, product.lo + logarithm.lo * y});
 }
 
 } // namespace
@@ -161,7 +186,15 @@ double exp2(double x) noexcept {
     return ig::raise(k, (x - k / ig::STEPS) * ig::LN_2.hi);
 }
 
-double log(double x) noexcept { return ig::getLogarithm(x, {1, 0}); }
+double log(double x) noexcept {
+    if (!(x > 0) || !std::isfinite(x)) return ig::getLogarithm(x, {1, 0});
+    const auto [twos, anchor, exact] = ig::findAnchor(x);
+    const double r = exact.hi;
+    const ig::DoubleDouble whole = ig::sumOfOrdered(twos * ig::LN_2_SHORT.hi, anchor.logarithm.hi);
+    const ig::DoubleDouble first = ig::sumOfOrdered(whole.hi, r);
+    const double rest = whole.lo + first.lo + anchor.logarithm.lo + twos * ig::LN_2_SHORT.lo;
+    return first.hi + (rest + exact.lo + r * r * (-0.5 + r * ig::getBehindSquare(r)));
+}
 
 double log2(double x) noexcept { return ig::getLogarithm(x, ig::PER_LN_2); }
 

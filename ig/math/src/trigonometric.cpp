@@ -38,10 +38,16 @@ constexpr double FEW = 0x1p20;
 Reduced reduceFew(double x) {
     constexpr double ROUND = 0x1.8p52; // adding it leaves whole numbers
     const double n = (x * (2 / std::numbers::pi) + ROUND) - ROUND;
-    const DoubleDouble first = sum(x - n * 0x1.921fb544p+0, -(n * 0x1.0b4611a6p-34));
+    const int quarters = static_cast<int>(n);
+    const double left = x - n * 0x1.921fb544p+0, next = n * 0x1.0b4611a6p-34; // both exact
+    if (std::abs(left) > 0x1p-10) { // else the digits behind show
+        const DoubleDouble angle = sumOfOrdered(left, -next);
+        return {sumOfOrdered(angle.hi, angle.lo - n * 0x1.3198a2e037073p-69), quarters};
+    }
+    const DoubleDouble first = sum(left, -next);
     const DoubleDouble second = sum(first.hi, -(n * 0x1.3198a2ep-69));
     const double rest = first.lo + second.lo - n * 0x1.b839a252049c1p-104;
-    return {sumOfOrdered(second.hi, rest), static_cast<int>(n)};
+    return {sumOfOrdered(second.hi, rest), quarters};
 }
 
 /// Binary digits of 2/π behind the point.
