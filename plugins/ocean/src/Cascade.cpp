@@ -86,12 +86,18 @@ Lattice::Lattice() {
         }
 }
 
-CascadeWorkspace::CascadeWorkspace()
-    : spectrum_re(Lattice::SIDE * Lattice::SIDE), spectrum_im(spectrum_re.size()),
-      wave_re(lattice.pairs.size()), wave_im(wave_re.size()) {}
+CascadeWorkspace::CascadeWorkspace() : wave_re(lattice.pairs.size()), wave_im(wave_re.size()) {
+    for (auto* array : {&first.re, &first.im, &second.re, &second.im})
+        array->resize(Lattice::SIDE * Lattice::SIDE);
+}
 
-Cascade::Cascade(const Settings& settings, const Lattice& lattice)
-    : m_settings(settings), m_fft(settings.resolution, Lattice::BAND) {
+Fft& CascadeWorkspace::getTransform(int size) {
+    for (Fft& fft : transforms)
+        if (fft.getSize() == size) return fft;
+    return transforms.emplace_back(size, Lattice::BAND);
+}
+
+Cascade::Cascade(const Settings& settings, const Lattice& lattice) : m_settings(settings) {
     const double dk = 2 * std::numbers::pi / settings.tile;
     const auto inBand = [&](double m, double n) {
         const double k = std::sqrt(m * m + n * n) * dk;
@@ -177,23 +183,42 @@ void Cascade::blend(const Easing& easing) {
 
 // ------------------------------------------------------------------ evolution
 
-void Cascade::clear() {
-    for (auto* array : {&m_displacement, &m_slope})
-        std::fill(array->begin(), array->end(), 0.f);
+void Cascade::evolve(double time, double dt, CascadeWorkspace& w) {
+    if (m_settings.slopes_only) return;
     m_highest = 0;
+    const float decay = static_cast<float>(std::exp(-dt / m_settings.foam_decay));
+    if (!isActive()) {
+        std::fill(m_displacement.begin(), m_displacement.end(), 0.f);
+        return finishTexels(0, m_foam.size(), decay);
+    }
+    computeWaves(time, w);
+    scatterDisplacement(w);
+    scatterHeight(w);
+    Fft& fft = w.getTransform(m_settings.resolution);
+    fft.begin(w.first.getBand(), w.second.getBand());
+    for (int y = 0, edge = m_settings.resolution; y < edge; y += Fft::ROWS) {
+        fft.finishRows(y, m_displacement.data());
+        finishTexels(y * edge, (y + Fft::ROWS) * edge, decay);
+    }
 }
 
-void Cascade::evolve(double time, CascadeWorkspace& w) {
-    if (!isActive()) return clear();
+/// What is made of displaced texels while they are at hand: measures the highest of them, ages the
+/// foam. The foam is part of what has happened to the sea, whether anybody was looking or not.
+void Cascade::finishTexels(std::size_t begin, std::size_t end, float decay) {
+    float highest[4] = {}; // one alone would have every texel wait for the one before
+    for (std::size_t i = begin; i < end; i += 4)
+        for (std::size_t j = 0; j < 4; j++)
+            highest[j] = std::max(highest[j], std::abs(m_displacement[4 * (i + j) + 2]));
+    m_highest = std::max<double>(m_highest, *std::max_element(highest, highest + 4));
+    for (std::size_t i = begin; i < end; i++)
+        m_foam[i] = std::max(-m_displacement[4 * i + 3], m_foam[i] * decay);
+}
+
+void Cascade::evolveSlopes(double time, CascadeWorkspace& w) {
+    if (!isActive()) return std::fill(m_slope.begin(), m_slope.end(), 0.f);
     computeWaves(time, w);
     scatterSlopes(w);
-    m_fft.inverse(w.spectrum_re.data(), w.spectrum_im.data(), m_slope.data(), 2);
-    if (m_settings.slopes_only) return;
-    scatterDisplacement(w);
-    m_fft.inverse(w.spectrum_re.data(), w.spectrum_im.data(), m_displacement.data(), 4);
-    scatterHeight(w);
-    m_fft.inverse(w.spectrum_re.data(), w.spectrum_im.data(), m_displacement.data() + 2, 4);
-    measureHighest();
+    w.getTransform(m_settings.resolution).inverse(w.first.getBand(), m_slope.data());
 }
 
 /// The complex amplitude h of each pair at `time`: a wave towards +k and one against it, which
@@ -215,7 +240,7 @@ void Cascade::computeWaves(double time, CascadeWorkspace& w) const {
 
 /// Slope east and north, i k h.
 void Cascade::scatterSlopes(CascadeWorkspace& w) const {
-    float *out_re = w.spectrum_re.data(), *out_im = w.spectrum_im.data();
+    float *out_re = w.first.re.data(), *out_im = w.first.im.data();
     for (std::size_t i = 0; i < m_k.size(); i++) {
         const Lattice::Pair& p = w.lattice.pairs[i];
         const float re = w.wave_re[i], im = w.wave_im[i], kx = m_kx[i], ky = m_ky[i];
@@ -228,7 +253,7 @@ void Cascade::scatterSlopes(CascadeWorkspace& w) const {
 
 /// Displacement east and north, i (k / |k|) h: water moves towards the crests and sharpens them.
 void Cascade::scatterDisplacement(CascadeWorkspace& w) const {
-    float *out_re = w.spectrum_re.data(), *out_im = w.spectrum_im.data();
+    float *out_re = w.first.re.data(), *out_im = w.first.im.data();
     for (std::size_t i = 0; i < m_k.size(); i++) {
         const Lattice::Pair& p = w.lattice.pairs[i];
         const float re = w.wave_re[i], im = w.wave_im[i];
@@ -242,7 +267,7 @@ void Cascade::scatterDisplacement(CascadeWorkspace& w) const {
 
 /// Height h, and divergence −k h of the displacement.
 void Cascade::scatterHeight(CascadeWorkspace& w) const {
-    float *out_re = w.spectrum_re.data(), *out_im = w.spectrum_im.data();
+    float *out_re = w.second.re.data(), *out_im = w.second.im.data();
     for (std::size_t i = 0; i < m_k.size(); i++) {
         const Lattice::Pair& p = w.lattice.pairs[i];
         const float re = w.wave_re[i], im = w.wave_im[i], k = m_k[i];
@@ -251,21 +276,6 @@ void Cascade::scatterHeight(CascadeWorkspace& w) const {
         out_re[p.minus] = re - im * k; // h* (1 − i k)
         out_im[p.minus] = -im - re * k;
     }
-}
-
-void Cascade::measureHighest() {
-    float highest[4] = {}; // one alone would have every texel wait for the one before
-    for (std::size_t i = 0; i < m_displacement.size(); i += 16)
-        for (std::size_t j = 0; j < 4; j++)
-            highest[j] = std::max(highest[j], std::abs(m_displacement[i + 4 * j + 2]));
-    m_highest = *std::max_element(highest, highest + 4);
-}
-
-void Cascade::updateFoam(double dt) {
-    if (m_settings.slopes_only) return;
-    const float decay = static_cast<float>(std::exp(-dt / m_settings.foam_decay));
-    for (std::size_t i = 0; i < m_foam.size(); i++)
-        m_foam[i] = std::max(-m_displacement[4 * i + 3], m_foam[i] * decay);
 }
 
 std::vector<Wave> Cascade::listWaves() const {

@@ -32,13 +32,21 @@ struct Wave {
     double energy;    ///< variance, m²
 };
 
-/// What all tiles share while they evolve, one after the other: arrays for a spectrum.
+/// What all tiles share while they evolve, one after the other: arrays for two spectra.
 struct CascadeWorkspace {
+    struct Spectrum {
+        std::vector<float> re, im; ///< zero off the lattice
+
+        Fft::Band getBand() const { return {re.data(), im.data()}; }
+    };
     Lattice lattice;
-    std::vector<float> spectrum_re, spectrum_im; ///< zero off the lattice
-    std::vector<float> wave_re, wave_im;         ///< complex amplitude of each pair's (m, n)
+    std::vector<Fft> transforms; ///< one of each size: buffers that stay in the cache
+    Spectrum first, second;
+    std::vector<float> wave_re, wave_im; ///< complex amplitude of each pair's (m, n)
 
     CascadeWorkspace();
+    /// The transform of a size, made when it is asked for first.
+    Fft& getTransform(int size);
 };
 
 /// The waves of one tile: the modes with wave numbers in [k_min, k_max), each with a frequency and
@@ -72,10 +80,11 @@ public:
     };
     const Measures& getMeasures() const { return m_measures; }
 
-    /// Fills the arrays with the surface at `time`, s.
-    void evolve(double time, CascadeWorkspace& workspace);
-    /// Ages the foam by `dt` seconds and adds that of the present crests.
-    void updateFoam(double dt);
+    /// Fills displacement, height and divergence with the surface at `time`, s. Ages the foam by
+    /// `dt` seconds and adds that of the present crests.
+    void evolve(double time, double dt, CascadeWorkspace& workspace);
+    /// Fills the slopes, which only pictures read: a third of the work, of the finest tile all.
+    void evolveSlopes(double time, CascadeWorkspace& workspace);
 
     double getTile() const { return m_settings.tile; }
     int getResolution() const { return m_settings.resolution; }
@@ -90,15 +99,13 @@ public:
     std::vector<Wave> listWaves() const;
 
 private:
-    void clear();
     void computeWaves(double time, CascadeWorkspace& workspace) const;
+    void finishTexels(std::size_t begin, std::size_t end, float decay);
     void scatterSlopes(CascadeWorkspace& workspace) const;
     void scatterDisplacement(CascadeWorkspace& workspace) const;
     void scatterHeight(CascadeWorkspace& workspace) const;
-    void measureHighest();
 
     Settings m_settings;
-    Fft m_fft;
     Measures m_measures;
     double m_highest = 0;
     // One element a pair of the lattice; [0] is the wave towards +(m, n), [1] the one against it.

@@ -9,8 +9,8 @@ namespace ig {
 /// single precision, without scaling:
 ///     out(x, y) = Σ over |m|, |n| ≤ band of in(m, n) · exp(2πi (m x + n y) / size).
 /// The input holds the band only, whatever the size, real and imaginary parts in arrays of their
-/// own: in[n + band][m + band], 2 band + 1 values along each edge. The output goes where it is
-/// needed, a pair of floats for each place: out[stride · (y · size + x)] and the float after it.
+/// own: in[n + band][m + band], 2 band + 1 values along each edge. The output has the two floats of
+/// a value side by side.
 ///
 /// Owns its buffers: one object must not be used by two threads at a time.
 class Fft {
@@ -19,17 +19,24 @@ public:
     Fft(int size, int band);
     Fft(Fft&&) noexcept;
     ~Fft();
+    int getSize() const;
 
-    /// `stride` in floats, 2 or more.
-    void inverse(const float* in_re, const float* in_im, float* out, int stride);
+    struct Band {
+        const float *re, *im;
+    };
+    /// One transform: out[2 · (y · size + x)] and the float after it.
+    void inverse(Band in, float* out);
+
+    /// Two, with their values beside each other: out[4 · (y · size + x)] and the three floats after
+    /// it. The rows come in steps, ROWS at a time, so that they can be looked at while they are in
+    /// the nearest cache: `begin`, then `finishRows` for each y that is a multiple of ROWS.
+    void begin(Band first, Band second);
+    void finishRows(int y, float* out);
+    static constexpr int ROWS = 4;
 
 private:
     struct Buffers;
 
-    void transformColumns(const float* in_re, const float* in_im);
-    void transformRows(float* out, int stride);
-
-    int m_size, m_band;
     std::unique_ptr<Buffers> m_buffers;
 };
 

@@ -117,7 +117,11 @@ void ObjectOcean::anchor() const {
     m_waves->setAnchor(geodetic.x, geodetic.y, scale.x, scale.y);
 }
 
-const OceanFrame& ObjectOcean::getFrame() const { return present().getFrame(); }
+const OceanFrame& ObjectOcean::getFrame() const {
+    present();
+    m_waves->evolveSlopes();
+    return m_waves->getFrame();
+}
 
 // ------------------------------------------------------------------ queries
 

@@ -56,14 +56,20 @@ void WaveField::evolve(double time) {
         m_settled = easing.isSettled();
     }
     const double dt = m_started ? std::max(0.0, time - m_time) : 0;
-    for (Cascade& cascade : m_cascades) {
-        cascade.evolve(time, m_workspace);
-        cascade.updateFoam(dt);
-    }
+    for (Cascade& cascade : m_cascades)
+        cascade.evolve(time, dt, m_workspace);
     m_started = true;
     m_time = time;
+    m_has_slopes = false;
     updateFrame(time);
     m_surface.setFrame(m_frame);
+}
+
+void WaveField::evolveSlopes() {
+    if (m_has_slopes) return;
+    for (Cascade& cascade : m_cascades)
+        cascade.evolveSlopes(m_time, m_workspace);
+    m_has_slopes = true;
 }
 
 Easing WaveField::easingAt(double time) const {

@@ -20,7 +20,8 @@ struct SeaSettings {
 
 /// The one wave function of the sea over a plane, x east and y north in metres: four tiles of waves
 /// from 1 km to 16 cm, evolved together to a moment. Evolving fills the arrays of an `OceanFrame`;
-/// the sampler answers from these same arrays. The owner evolves it once per frame.
+/// the sampler answers from these same arrays, of which it needs no slopes. The owner evolves it
+/// once per frame.
 ///
 /// The sea depends on nothing but the times at which it was evolved and the settings at each. New
 /// settings take effect at the next evolution, at most ten times a second: the waves' energies then
@@ -42,7 +43,11 @@ public:
 
     /// Brings the sea to `time` (s), forwards or backwards. Not finite: nothing happens.
     void evolve(double time);
+    /// Brings the slopes, the finest tile among them, to where the sea was last evolved, once: only
+    /// pictures read them, and a sea that nobody draws goes without.
+    void evolveSlopes();
 
+    /// Its slopes are those of the last call of `evolveSlopes`.
     const OceanFrame& getFrame() const { return m_frame; }
     const SurfaceSampler& getSurface() const { return m_surface; }
     const std::array<Cascade, OceanFrame::TILES>& getCascades() const { return m_cascades; }
@@ -60,6 +65,7 @@ private:
     SeaSettings m_settings, m_aimed;
     bool m_started = false;
     double m_time = 0;
+    bool m_has_slopes = true; ///< of the present moment; at the start they are zero as all is
     double m_blend_start = 0; ///< s
     bool m_settled = true;    ///< the amplitudes are those of the target
     Eased m_wind;             ///< m/s

@@ -6,6 +6,7 @@
 #include "ig/package/Package.h"
 #include "ig/scene/World.h"
 
+#include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
@@ -130,6 +131,31 @@ TEST_F(Ocean, EvolvesOnceAFrameToTheRunningTime) {
     late.setWgsPosition(PLACE);
     const dvec3 below = EARTH.toWorld(PLACE);
     EXPECT_EQ(late.getWorldPoint(below), m_ocean.getWorldPoint(below));
+}
+
+TEST_F(Ocean, IsTheSameWhetherOrNotSomebodyDrawsIt) {
+    ObjectOcean drawn;
+    drawn.setWgsPosition(PLACE);
+    for (int frame = 0; frame < 40; frame++) {
+        Engine::get()->beginFrame(0.05f);
+        for (ObjectOcean* ocean : {&m_ocean, &drawn}) // still on its way at the end
+            ocean->setBeaufort(frame < 20 ? 6 : 4);
+        const dvec3 below = EARTH.toWorld({-155.01 - frame * 1e-4, 19.02, 0});
+        ASSERT_EQ(m_ocean.getWorldPoint(below), drawn.getWorldPoint(below));
+        drawn.getFrame();
+    }
+    // Seen for the first time now, with the slopes of this moment and the foam of all of them.
+    const OceanFrame &is = m_ocean.getFrame(), &expected = drawn.getFrame();
+    for (int i = 0; i < OceanFrame::TILES; i++) {
+        const OceanTile &a = is.tiles[i], &b = expected.tiles[i];
+        const auto same = [count = a.resolution * a.resolution](const float* x, const float* y,
+                                                                int floats) {
+            return (!x && !y) || std::equal(x, x + floats * count, y);
+        };
+        EXPECT_TRUE(same(a.displacement, b.displacement, 4)) << i;
+        EXPECT_TRUE(same(a.slope, b.slope, 2)) << i;
+        EXPECT_TRUE(same(a.foam, b.foam, 1)) << i;
+    }
 }
 
 TEST_F(Ocean, WavesAreLaidOutAroundTheNode) {

@@ -141,6 +141,7 @@ TEST(WaveField, TexelsAreTheDirectSumOfTheWavesEvenAfterDays) {
     std::mt19937 random(3);
     for (double time : {0.0, 90000.25, 30 * 86400.0}) {
         sea.evolve(time);
+        sea.evolveSlopes();
         for (int i = 0; i < OceanFrame::TILES; i++) {
             const DirectTile direct(sea.getCascades()[static_cast<std::size_t>(i)], time, true);
             for (int sample = 0; sample < 5; sample++) {

@@ -49,7 +49,9 @@ public:
     virtual void setUseGlobalWind(bool on) { m_use_global_wind = on; }
     virtual bool getUseGlobalWind() const { return m_use_global_wind; }
 
-    /// The sea as it stands in this frame, for drawing.
+    /// The sea as it stands in this frame, for drawing: the first call in a frame computes what
+    /// only pictures read, half as much again as all queries need. Nothing that queries answer
+    /// depends on whether anybody draws.
     const OceanFrame& getFrame() const;
 
     /// Brings the sea to a time of the caller's choice (s), for tests and tools; it holds until the
