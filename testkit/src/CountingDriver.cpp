@@ -14,8 +14,11 @@ R countCall(A...) {
     if constexpr (!std::is_void_v<R>) return R();
 }
 
+GLuint g_program = 0; ///< in use
+
 void countDraw(GLsizei instances) {
     Counts& c = CountingDriver::counts();
+    c.programs.insert(g_program);
     c.calls++;
     c.draws++;
     c.instances += instances;
@@ -68,7 +71,11 @@ CountingDriver::CountingDriver() {
     for (auto* entry : {&glGetShaderiv, &glGetProgramiv})
         set(*entry, [](GLuint, GLenum, GLint* value) { *value = GL_TRUE; });
     set(glCreateShader, [](GLenum) -> GLuint { return 1; });
-    set(glCreateProgram, []() -> GLuint { return 1; });
+    set(glCreateProgram, []() -> GLuint {
+        static GLuint last = 0;
+        return ++last;
+    });
+    set(glUseProgram, [](GLuint program) { g_program = program; });
     set(glCheckFramebufferStatus, [](GLenum) -> GLenum { return GL_FRAMEBUFFER_COMPLETE; });
     set(glBufferData, [](GLenum, GLsizeiptr size, const void*, GLenum) { countBytes(size); });
     set(glBufferSubData, [](GLenum, GLintptr, GLsizeiptr size, const void*) { countBytes(size); });

@@ -111,7 +111,9 @@ bool Channel::open() {
     for (SocketUDP* socket : SocketUDP::getOpenSockets())
         if (!m_options.allow_sender.empty() && !socket->setAllowedSender(m_options.allow_sender))
             return false;
-    return m_options.trace.empty() || m_trace.open(m_options.trace);
+    if (!m_options.trace.empty() && !m_trace.open(m_options.trace)) return false;
+    warmUp();
+    return true;
 }
 
 bool Channel::enterFolder() const {
@@ -207,6 +209,27 @@ bool Channel::loadWorld() {
     return false;
 }
 
+/// The last step of the start: from its end on the flight simulation meets a channel that is ready.
+void Channel::warmUp() {
+    // Laid out also where nothing is drawn: what the scene takes in must not depend on that.
+    const UiDrawList* all = m_interface.drawAll();
+    m_frame_info.ui = m_options.no_interface ? nullptr : all;
+    m_frame_info.ui_root = m_options.no_interface ? nullptr : m_interface.getRoot();
+    m_frame_info.focus = m_listener.m_focus;
+    std::vector<jString> later = m_listener.m_preloaded;
+    later.insert(later.end(), m_world.getLaterPrefabs().begin(), m_world.getLaterPrefabs().end());
+    const auto keep_window = [this] {
+        if (!m_window.isOpen()) return true;
+        m_window.swap();
+        m_window.poll();
+        return !m_queue.hasClose();
+    };
+    if (m_options.warm_up &&
+        !m_warm_up.run(*m_renderer, {m_world, getEye(), m_frame_info, later}, keep_window))
+        m_quit = true;
+    m_warm_up.end(*m_renderer);
+}
+
 /// A level camera at the start marker, looking ahead: the logic's views take over from it.
 void Channel::placeCamera() {
     setProjection();
@@ -268,10 +291,11 @@ void Channel::takePicture() {
 void Channel::run() {
     while (runFrame())
         if (m_interface.isCloseRequested()) askToQuit();
-    m_screenshots.afterLast(*m_renderer);
+    if (m_frames > 0) m_screenshots.afterLast(*m_renderer);
     m_video.close();
     m_trace.close();
     m_status.printSummary(m_listener, m_link);
+    std::fputs(m_warm_up.getSummary(*m_renderer).c_str(), stdout);
     for (const PassTime& pass : m_renderer->getPassTimes())
         std::printf("  %-12s %7.2f ms\n", pass.name, pass.milliseconds);
 }

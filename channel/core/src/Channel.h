@@ -16,6 +16,7 @@
 #include "Status.h"
 #include "Trace.h"
 #include "Video.h"
+#include "WarmUp.h"
 #include "Window.h"
 #include "channel/interface/LinkMonitor.h"
 #include "channel/interface/OperatorInterface.h"
@@ -80,6 +81,7 @@ private:
     bool loadLibraries();
     bool createLogic();
     bool loadWorld();
+    void warmUp();
     void placeCamera();
     FrameCosts frame(float dt);
     void askToQuit();
@@ -98,6 +100,7 @@ private:
     EventQueue m_queue;            ///< hears what happens in the window
     Window m_window;
     std::unique_ptr<ig::Renderer> m_renderer; ///< before the window goes
+    WarmUp m_warm_up;
     ScaleGovernor m_governor;
     ScriptPlayer m_script;
     ig::World m_world;

@@ -1,7 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "EventQueue.h"
 
+#include <algorithm>
+
 using frames::OperatorEvent;
+
+bool EventQueue::hasClose() const {
+    return std::ranges::any_of(
+        m_events, [](const OperatorEvent& event) { return event.kind == Kind::close; });
+}
 
 OperatorEvent& EventQueue::add(Kind kind) {
     m_events.emplace_back().kind = kind;

@@ -11,6 +11,8 @@
 /// Nothing comes of it until the frame that takes it in tells it to the operator's interface.
 class EventQueue final : public WindowListener {
 public:
+    /// Whether the window was asked to close since then.
+    bool hasClose() const;
     /// What was noted since the last call.
     std::vector<frames::OperatorEvent> take() { return std::exchange(m_events, {}); }
     /// Tells an event to who acts on it, as the window did.

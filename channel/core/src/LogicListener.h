@@ -3,6 +3,8 @@
 
 #include "common/logic/LogicBase.h"
 
+#include <vector>
+
 /// Listens to the logic's signals. The handlers only store; the application reads once per frame.
 class LogicListener {
 public:
@@ -12,6 +14,7 @@ public:
         logic.m_sig_prefab_added.append({this, &LogicListener::onPrefabAdded});
         logic.m_sig_float_3.append({this, &LogicListener::onRecord});
         logic.m_sig_code.append({this, &LogicListener::onCode});
+        logic.m_sig_preload.append({this, &LogicListener::onPreload});
     }
 
     /// What the picture is about: the first prefab that the logic announces. Null before `init` and
@@ -19,11 +22,13 @@ public:
     ig::ObjectPrefab* m_focus = nullptr;
     int m_applied = 0; ///< records of the flight simulation
     int m_resets = 0;
+    std::vector<ig::jString> m_preloaded; ///< prefabs that will come into the scene
 
 private:
     void onPrefabAdded(ig::ObjectPrefab* prefab, bool) {
         if (!m_focus) m_focus = prefab;
     }
+    void onPreload(const ig::jString& path) { m_preloaded.push_back(path); }
     void onRecord(float) { m_applied++; }
     void onCode(int code) { m_resets += code == RESET_CODE; }
 };

@@ -121,6 +121,13 @@ void addPictureOptions(CLI::App& app, Options& options) {
         ->check(number({-12000, 1e7, false, "ALTITUDE"}).application_index(2))
         ->check(number({-360, 360, false, "HEADING"}).application_index(3))
         ->check(number({-90, 90, false, "PITCH"}).application_index(4));
+    app.add_option_function<std::string>(
+           "--warm-up", [&options](const std::string& text) { options.warm_up = text == "on"; },
+           "on: before the first frame, everything that may be drawn is got ready, so that no "
+           "frame "
+           "waits for it; off: at its first use")
+        ->check(word({"on", "off"}))
+        ->default_str("on");
     app.add_flag("--profile", options.profile, "Tell milliseconds per pass in the summary");
 }
 

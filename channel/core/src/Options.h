@@ -36,6 +36,7 @@ struct Options {
     double time_scale = 1;       ///< seconds by which the hour advances in a second of the scene
     Weather weather;             ///< what is asked for here, whatever the flight simulation says
     std::vector<double> eye;   ///< longitude, latitude, altitude, heading, pitch of a fixed camera
+    bool warm_up = true;       ///< get ready before the first frame what later ones need
     bool profile = false;      ///< milliseconds per pass in the summary
     std::string script;        ///< file of timed operator commands; empty: none
     std::string allow_sender;  ///< whose records are taken; empty: anybody's

@@ -146,6 +146,23 @@ void OperatorInterface::update(float dt) {
     m_root->update(dt);
 }
 
+const UiDrawList* OperatorInterface::drawAll() {
+    std::vector<UIElement*> hidden;
+    const auto show = [&hidden](UIElement* element) {
+        if (!element->isHidden()) return;
+        hidden.push_back(element);
+        element->setHidden(false);
+    };
+    std::ranges::for_each(m_root->getChildren(), show);
+    std::ranges::for_each(m_root->getViewports(), show);
+    update(0);
+    draw();
+    for (UIElement* element : hidden)
+        element->setHidden(true);
+    update(0);
+    return &m_list;
+}
+
 const UiDrawList* OperatorInterface::draw() {
     m_root->draw(m_list);
     return &m_list;

@@ -18,11 +18,14 @@ Cache& cache() {
     static Cache packages;
     return packages;
 }
+
+int g_read = 0;
 } // namespace
 
 const Package* PackageManager::get(const jString& path, const char* user) {
     const auto [entry, added] = cache().try_emplace(path);
     if (!added) return entry->second.get();
+    g_read++;
     auto package = std::make_unique<Package>();
     const ReadResult result = readPackage(path, *package);
     if (result == ReadResult::ok) entry->second = std::move(package);
@@ -30,6 +33,8 @@ const Package* PackageManager::get(const jString& path, const char* user) {
         jLog::error("%s: cannot open \"%s\"", user, path.c_str());
     return entry->second.get();
 }
+
+int PackageManager::getNumRead() { return g_read; }
 
 void PackageManager::release() { cache().clear(); }
 

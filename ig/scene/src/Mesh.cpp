@@ -111,11 +111,14 @@ struct Import {
     const aiScene* scene = nullptr;
 };
 
+int g_read = 0;
+
 const aiScene* import(const std::string& path) {
     static Import last;
     static std::set<std::string> failed; // each is reported once
     if (last.scene && last.path == path) return last.scene;
     if (failed.contains(path)) return nullptr;
+    g_read++;
     const auto fail = [&path](const std::string& why) {
         jLog::error("Mesh::get: \"%s\": %s", path.c_str(), why.c_str());
         last.scene = nullptr;
@@ -196,6 +199,8 @@ std::shared_ptr<const Mesh> Mesh::getPlaceholder() {
     }
     return std::make_shared<const Mesh>(std::vector<Surface>{std::move(cube)});
 }
+
+int Mesh::getNumRead() { return g_read; }
 
 void Mesh::release() { cache().clear(); }
 

@@ -12,6 +12,9 @@ int g_next_id = 1;
 LogLimiter g_refusals;
 } // namespace
 
+Node::BorrowedIds::BorrowedIds() : m_next(g_next_id) {}
+Node::BorrowedIds::~BorrowedIds() { g_next_id = m_next; }
+
 Node::Node(int type) : m_id(g_next_id++), m_type(type) {}
 
 Node::~Node() {

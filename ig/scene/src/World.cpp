@@ -23,11 +23,29 @@ bool World::load(const jString& path) {
                     nodes ? nodes->getLine() : 1);
         return false;
     }
-    file->warnUnknownKeys("World::load", {"nodes"});
+    file->warnUnknownKeys("World::load", {"nodes", "later"});
+    readLater(*file);
     const NodeBudget budget; // for all of them together
     for (const Package* description : file->getPackages("nodes", "World::load"))
         if (Node* node = LoadNode(description)) addNode(node);
     return true;
+}
+
+/// What is no path is reported with its line.
+void World::readLater(const Package& file) {
+    const Item* later = file.getItem("later");
+    const auto report = [&file](const Item& item) {
+        jLog::error("World::load: %s:%d: a list of paths of prefabs is needed in \"later\"",
+                    file.getPath().c_str(), item.getLine());
+    };
+    if (later && later->getKind() != Item::Kind::list) report(*later);
+    for (int i = 0; later && i < later->getCount(); i++) {
+        const Item& path = later->getElement(i);
+        if (path.getString().empty())
+            report(path);
+        else
+            m_later.append(path.getString());
+    }
 }
 
 void World::addNode(Node* node) {
@@ -49,6 +67,7 @@ void World::removeNode(Node* node) {
 void World::clear() {
     while (!m_nodes.empty())
         removeNode(m_nodes.back());
+    m_later.clear();
 }
 
 namespace {

@@ -131,7 +131,7 @@ template class Object<Kind::framebuffer>;
 
 void makeTexture(Texture& texture, int width, int height, const TextureFormat& format,
                  const void* pixels) {
-    texture.create();
+    if (!texture) texture.create(); // else it is the same in another size
     glActiveTexture(GL_TEXTURE0 + UNIT_FIRST_OWN);
     glBindTexture(GL_TEXTURE_2D, texture.getId());
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);

@@ -54,7 +54,8 @@ struct TextureFormat {
     GLint wrap = GL_CLAMP_TO_EDGE;
     GLint filter = GL_LINEAR; ///< for minification; magnification is linear unless this is nearest
 };
-/// A texture of level 0 with `pixels`, which may be null.
+/// A texture of level 0 with `pixels`, which may be null. One that there is already gets another
+/// size and content.
 void makeTexture(Texture& texture, int width, int height, const TextureFormat& format,
                  const void* pixels = nullptr);
 void bindTexture(int unit, const Texture& texture);

@@ -151,6 +151,22 @@ void GrassPass::purge() {
 void GrassPass::draw(const FrameView& view, const World& world, const ObjectTerrain& terrain,
                      const std::vector<const NodeField*>& fields) {
     m_instances.clear();
+    if (view.everything)
+        m_instances.push_back({vec4(0, 5, 0, 0.1f), vec4()}); // nothing is planted for a rehearsal
+    else
+        gather(view, world, terrain);
+    if (m_instances.empty()) return;
+    gl::stream(m_vertex_array, m_buffer, std::as_bytes(std::span(m_instances)));
+    m_program.use();
+    m_program.set("uTurf", TerrainPass::readTurf(terrain.getSurfaceMaterial(0)));
+    m_program.set("uReach", REACH);
+    setField(view, fields);
+    constexpr int VERTICES = 15; // five blades of one triangle
+    glDrawArraysInstanced(GL_TRIANGLES, 0, VERTICES, static_cast<GLsizei>(m_instances.size()));
+}
+
+/// The tufts in view, near an eye near the ground.
+void GrassPass::gather(const FrameView& view, const World& world, const ObjectTerrain& terrain) {
     m_frame++;
     m_planted = 0;
     const TerrainGrid& grid = terrain.getGrid();
@@ -174,14 +190,6 @@ void GrassPass::draw(const FrameView& view, const World& world, const ObjectTerr
             visit(view, world, terrain, column - i, row + ring);
             visit(view, world, terrain, column - ring, row - i);
         }
-    if (m_instances.empty()) return;
-    gl::stream(m_vertex_array, m_buffer, std::as_bytes(std::span(m_instances)));
-    m_program.use();
-    m_program.set("uTurf", TerrainPass::readTurf(terrain.getSurfaceMaterial(0)));
-    m_program.set("uReach", REACH);
-    setField(view, fields);
-    constexpr int VERTICES = 15; // five blades of one triangle
-    glDrawArraysInstanced(GL_TRIANGLES, 0, VERTICES, static_cast<GLsizei>(m_instances.size()));
 }
 
 void GrassPass::visit(const FrameView& view, const World& world, const ObjectTerrain& terrain,

@@ -48,6 +48,7 @@ private:
     };
 
     void adopt(const ObjectTerrain& terrain);
+    void gather(const FrameView& view, const World& world, const ObjectTerrain& terrain);
     void visit(const FrameView& view, const World& world, const ObjectTerrain& terrain,
                std::int32_t column, std::int32_t row);
     void plant(Square& square, const World& world, const ObjectTerrain& terrain,

@@ -162,6 +162,11 @@ void OceanPass::upload(const OceanFrame& frame) {
         uploadSlopes(frame, i);
 }
 
+void OceanPass::forget() {
+    m_uploaded = {};
+    m_foam_cover = -1;
+}
+
 void OceanPass::uploadDisplacement(const OceanFrame& frame, int tile) {
     const int n = frame.tiles[tile].resolution;
     const float* texels = frame.tiles[tile].displacement;

@@ -20,6 +20,8 @@ public:
 
     /// Brings the waves to the device when they have changed.
     void upload(const OceanFrame& frame);
+    /// The next sea is again the first.
+    void forget();
     /// `downdraughts` as the `SceneList` has them; the nearest show.
     void draw(const FrameView& view, const OceanFrame& frame, const std::vector<vec4>& downdraughts,
               const WakePass& wakes);

@@ -48,14 +48,16 @@ void RadarPass::init() {
 }
 
 void RadarPass::draw(const World& world, const FrameView& view, const FrameInfo& frame,
-                     const gl::Texture& noise, float gain) {
-    m_pictures++;
+                     const gl::Texture& noise, float gain, const ObjectOcean* sea) {
+    m_drawn.pictures++;
     gain = std::clamp(gain, 0.0f, 1e6f);
     m_corners.clear();
     m_ocean = nullptr;
     m_terrain = nullptr;
     for (const Node* node : world.getNodes())
         gather(*node, frame, view);
+    if (sea) m_ocean = sea;
+    if (view.everything) addRectangle({0, 0, -1000}, {1, 0, 0}, {0, 1, 0}, 1, view);
     m_land.adopt(m_terrain);
     moveCells(view, frame);
     glDisable(GL_DEPTH_TEST);
@@ -134,7 +136,7 @@ void RadarPass::setSea(float texel) {
     }
     m_ground.set("uSea", sea);
     // The speckle is another one in each picture.
-    const double step = m_pictures * 0.618033988749895;
+    const double step = m_drawn.pictures * 0.618033988749895;
     m_ground.set("uSpeckle",
                  vec3(1 / std::max(texel, GRAIN), 91 * fraction(step), 91 * fraction(1.7 * step)));
 }
@@ -143,14 +145,15 @@ void RadarPass::setSea(float texel) {
 
 /// The cells lie in a plane of metres east and north that belongs to the earth, and drift in it.
 void RadarPass::moveCells(const FrameView& view, const FrameInfo& frame) {
-    if (std::abs(view.geodetic.y - m_cells_latitude) > 3) m_cells_latitude = view.geodetic.y;
-    const double step = std::clamp(frame.time - m_drift_time, 0.0, 3600.0);
-    m_drift.x += frame.wind.x * step;
-    m_drift.y += frame.wind.y * step;
-    m_drift_time = frame.time;
-    const double longitude_scale = DEGREE * std::cos(m_cells_latitude * DEG_TO_RAD<double>);
-    m_cells_place = {view.geodetic.x * longitude_scale - m_drift.x,
-                     view.geodetic.y * DEGREE - m_drift.y};
+    if (std::abs(view.geodetic.y - m_drawn.cells_latitude) > 3)
+        m_drawn.cells_latitude = view.geodetic.y;
+    const double step = std::clamp(frame.time - m_drawn.drift_time, 0.0, 3600.0);
+    m_drawn.drift.x += frame.wind.x * step;
+    m_drawn.drift.y += frame.wind.y * step;
+    m_drawn.drift_time = frame.time;
+    const double longitude_scale = DEGREE * std::cos(m_drawn.cells_latitude * DEG_TO_RAD<double>);
+    m_drawn.cells_place = {view.geodetic.x * longitude_scale - m_drawn.drift.x,
+                           view.geodetic.y * DEGREE - m_drawn.drift.y};
 }
 
 /// The field of noise is spread evenly between 0 and 1: the threshold is the share that stays dry.
@@ -159,7 +162,7 @@ void RadarPass::setCells(const FrameInfo& frame) {
     const float power = std::max({frame.rain, 0.3f * frame.snow, 1.3f * frame.hail});
     m_ground.set("uRain",
                  vec4(0.74f - 0.34f * amount, amount > 0 ? 0.45f + 0.85f * power : 0, 0, 0));
-    const dvec2& p = m_cells_place;
+    const dvec2& p = m_drawn.cells_place;
     m_ground.set("uCells", vec4(fraction(p.x / CELLS_WIDE), fraction(p.y / CELLS_WIDE),
                                 fraction(p.y / CELLS_FINE), fraction(p.x / CELLS_FINE)));
     m_ground.set("uCellScale",

@@ -34,9 +34,12 @@ struct FrameInfo;
 class RadarPass {
 public:
     void init();
-    /// Onto the bound framebuffer, whose viewport is set, and within the scissor.
+    /// Onto the bound framebuffer, whose viewport is set, and within the scissor. `sea` stands in
+    /// for the world's unless it is null.
     void draw(const World& world, const FrameView& view, const FrameInfo& frame,
-              const gl::Texture& noise, float gain);
+              const gl::Texture& noise, float gain, const ObjectOcean* sea);
+    /// The next picture is again the first.
+    void forget() { m_drawn = {}; }
 
 private:
     struct Corner { ///< of a target's rectangle
@@ -64,11 +67,14 @@ private:
     const ObjectOcean* m_ocean = nullptr;     ///< of the present world
     std::vector<Corner> m_corners;
 
-    double m_cells_latitude = 1e9; ///< where the plane of the cells is true, degrees
-    dvec2 m_cells_place;           ///< of the radar in the drifting plane, m
-    dvec2 m_drift;                 ///< of the cells since the first picture, m east and north
-    double m_drift_time = 0;       ///< scene time that the drift stands at, s
-    int m_pictures = 0;
+    struct Drawn {                   ///< what a picture knows of those before
+        double cells_latitude = 1e9; ///< where the plane of the cells is true, degrees
+        dvec2 cells_place;           ///< of the radar in the drifting plane, m
+        dvec2 drift;                 ///< of the cells since the first picture, m east and north
+        double drift_time = 0;       ///< scene time that the drift stands at, s
+        int pictures = 0;
+    };
+    Drawn m_drawn;
 };
 
 } // namespace ig

@@ -15,6 +15,7 @@
 #include "ViewportPass.h"
 #include "WakePass.h"
 #include "ig/base/jLog.h"
+#include "ig/math/EllipsoidModel.h"
 #include "ig/scene/Camera.h"
 #include "plugins/ocean/ObjectOcean.h"
 #include "program/Clock.h"
@@ -22,6 +23,7 @@
 #include "render/scene/FrameBlock.h"
 #include "render/scene/FrameView.h"
 #include "render/scene/Patterns.h"
+#include "render/scene/Samples.h"
 #include "render/scene/SceneList.h"
 
 #include <algorithm>
@@ -35,6 +37,7 @@ namespace {
 /// Measures what follows until the next mark.
 class PassClock {
 public:
+    std::function<void()> at_mark; ///< called at each; may be empty
     bool on = false;
     bool paused = false; ///< marks are parts of a pass that is measured as a whole
     std::vector<PassTime> times;
@@ -45,6 +48,7 @@ public:
     }
     /// Ends a pass: books the time since the last mark under `name`.
     void mark(const char* name) {
+        if (at_mark) at_mark();
         if (!on || paused) return;
         glFinish();
         const double t = program::steadyNow();
@@ -58,6 +62,16 @@ private:
 
 } // namespace
 
+/// What is drawn while `RendererGL::prepare` runs, beyond the world and in its place.
+struct Rehearsal {
+    const Preparation& wanted;
+    /// The world's own waves begin with the first frame: nothing may ask for them before.
+    ObjectOcean sea;
+    Samples samples;
+    int done = 0, steps = 1; ///< passes
+    bool stopped = false;
+};
+
 struct RendererGL::Impl {
     explicit Impl(Surface s) : surface(s) {}
 
@@ -70,6 +84,11 @@ struct RendererGL::Impl {
     void finishPicture();
     void drawPicture(const World& world, const Camera& camera, const FrameInfo& frame, Targets& to);
     void present();
+
+    void rehearse(Rehearsal& r);
+    void addToList(const Rehearsal& r);
+    void step(Rehearsal& r) const;
+    void forget();
 
     Surface surface;
     bool ready = false;
@@ -99,6 +118,7 @@ struct RendererGL::Impl {
     FrameView view;
     FrameBlock block;
     PassClock clock;
+    Rehearsal* rehearsal = nullptr; ///< while one runs
 };
 
 RendererGL::RendererGL(Surface surface) : m_impl(std::make_unique<Impl>(surface)) {}
@@ -185,6 +205,7 @@ const jString& RendererGL::getDevice() const { return m_impl->device; }
 void RendererGL::setProfiling(bool on) { m_impl->clock.on = on; }
 std::span<const PassTime> RendererGL::getPassTimes() const { return m_impl->clock.times; }
 RenderResources RendererGL::getResources() const { return gl::resources(); }
+RenderResources RendererGL::getMade() const { return gl::made(); }
 
 // ------------------------------------------------------------------ a frame
 
@@ -226,6 +247,7 @@ void RendererGL::Impl::drawPicture(const World& world, const Camera& camera, con
 /// Everything that the passes read: the view, the light, what is seen.
 void RendererGL::Impl::prepare(const World& world, const Camera& camera, const FrameInfo& frame) {
     view = FrameView(camera, canvas->getSceneHeight(), gl::hasClipControl());
+    view.everything = rehearsal != nullptr;
     block.projection = view.projection;
     block.view = view.view;
     const auto w = static_cast<float>(canvas->getSceneWidth());
@@ -241,11 +263,16 @@ void RendererGL::Impl::prepare(const World& world, const Camera& camera, const F
     placeShadow(center, block);
     list.left_out = camera.getType() == NODE_CAMERA_RADAR ? frame.focus : nullptr;
     list.gather(world, view, center, SHADOW_RADIUS);
+    if (rehearsal) addToList(*rehearsal);
     decals.gather(world, view, list);
     list.sort();
     fitFarShadow(list.far_bounds, block);
     sprite_list.gather(view, frame, list.lamps, list.cables);
     wake_list.gather(view, frame.particles, list.decals);
+    if (rehearsal) {
+        Samples::addTo(sprite_list);
+        Samples::addTo(wake_list);
+    }
     uploadBlock();
     meshes.upload(list, sky);
     if (list.ocean) ocean.upload(list.ocean->getFrame());
@@ -324,6 +351,116 @@ void RendererGL::Impl::present() {
     glBindFramebuffer(GL_DRAW_FRAMEBUFFER, 0);
     glBlitFramebuffer(0, 0, targets.getWidth(), targets.getHeight(), 0, 0, targets.getWidth(),
                       targets.getHeight(), GL_COLOR_BUFFER_BIT, GL_NEAREST);
+}
+
+// ------------------------------------------------------------------ rehearsal
+//
+// Drivers compile a program for good at the first draw that uses it in a state of the pipeline:
+// only a draw through the ordinary passes meets the states of a flight. What follows draws
+// everything that there is, and a sample of what may come, into a small picture.
+
+void RendererGL::prepare(const Preparation& wanted) {
+    Impl& r = *m_impl;
+    if (!r.ready) return;
+    Rehearsal rehearsal{wanted, {}, {}};
+    r.rehearse(rehearsal);
+}
+
+namespace {
+
+/// An eighth. Drivers tell sizes that are powers of two from others: the small picture's are when
+/// the large one's are.
+int shrink(int size) {
+    const int small = std::max(size / 8, 8);
+    const auto is_power = [](int n) { return (n & (n - 1)) == 0; };
+    return !is_power(size) && is_power(small) ? small + 1 : small;
+}
+
+} // namespace
+
+/// By day in the rain, by night, from above the clouds, and then what the user interface shows.
+void RendererGL::Impl::rehearse(Rehearsal& r) {
+    constexpr double LOW = 20, HIGH = 1000; // m, above the sea, above the clouds
+    constexpr int VIEWS = 3, PASSES = 11;
+    rehearsal = &r;
+    r.steps = VIEWS * PASSES + 2;
+    clock.at_mark = [this, &r] { step(r); };
+    FrameInfo frame = r.wanted.frame;
+    const dvec3 place = EllipsoidModel().toWGS(r.wanted.camera.getWorldPosition());
+    r.sea.setWgsPosition({place.x, place.y, 0});
+    const dvec3 up = normalize(r.wanted.camera.getWorldPosition());
+    frame.particles = nullptr;
+    frame.rain = frame.snow = frame.hail = frame.flash = 1;
+    frame.cloud_cover = frame.overcast = 0.5f;
+    const int width = shrink(targets.getSceneWidth()), height = shrink(targets.getSceneHeight());
+    const double above = frame.cloud_base + frame.cloud_thickness + HIGH;
+    struct View {
+        double altitude, pitch, sun; // of the sun: 1 overhead, -1 below
+    };
+    Targets small;
+    for (const View& v : {View{LOW, 5, 1}, {LOW, 5, -1}, {above, 30, 1}}) {
+        Camera eye;
+        eye.setProjection(r.wanted.camera.getProjection());
+        eye.setWgsPosition({place.x, place.y, v.altitude});
+        eye.setWgsHPR({0, v.pitch, 0});
+        frame.sun_direction = up * v.sun;
+        frame.moon_direction = up * -v.sun;
+        if (r.stopped || !small.make(width, height, 1)) break;
+        drawPicture(r.wanted.world, eye, frame, small);
+    }
+    if (!r.stopped && frame.ui) {
+        viewports.rehearse(
+            frame, noise,
+            [&](const World& w, const Camera& c, Targets& to) { drawPicture(w, c, frame, to); },
+            r.sea);
+        glBindFramebuffer(GL_FRAMEBUFFER, small.finished_target.getId());
+        glViewport(0, 0, width, height);
+        ui.draw(*frame.ui, viewports, width, height);
+        step(r);
+    }
+    glFinish();
+    clock.at_mark = nullptr;
+    rehearsal = nullptr;
+    forget();
+}
+
+/// What the present list shows beyond the world.
+void RendererGL::Impl::addToList(const Rehearsal& r) {
+    list.add(r.wanted.later);
+    r.samples.addTo(list);
+    if (list.ocean) list.ocean = &r.sea;
+}
+
+/// A bar across the window: clearing parts of it needs no program.
+void RendererGL::Impl::step(Rehearsal& r) const {
+    r.done = std::min(r.done + 1, r.steps);
+    const double share = static_cast<double>(r.done) / r.steps;
+    if (surface == Surface::window) {
+        GLint before = 0;
+        glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &before);
+        glBindFramebuffer(GL_DRAW_FRAMEBUFFER, 0);
+        glEnable(GL_SCISSOR_TEST);
+        const int width = targets.getWidth(), height = targets.getHeight();
+        const int thick = std::max(height / 60, 4);
+        const auto fill = [](int x, int y, int w, int h, float gray) {
+            glScissor(x, y, w, h);
+            glClearColor(gray, gray, gray, 1);
+            glClear(GL_COLOR_BUFFER_BIT);
+        };
+        fill(0, 0, width, height, 0.05f);
+        fill(width / 4, height / 2, width / 2, thick, 0.2f);
+        fill(width / 4, height / 2, static_cast<int>(share * width / 2), thick, 0.7f);
+        glDisable(GL_SCISSOR_TEST);
+        glBindFramebuffer(GL_DRAW_FRAMEBUFFER, static_cast<GLuint>(before));
+    }
+    if (!r.stopped && r.wanted.progress) r.stopped = !r.wanted.progress(share);
+}
+
+/// What the passes know of pictures before: the next one is again the first.
+void RendererGL::Impl::forget() {
+    sky.forget();
+    wakes.forget();
+    ocean.forget();
 }
 
 // ------------------------------------------------------------------ reading back

@@ -238,6 +238,11 @@ void SkyPass::update(const FrameView& view, const FrameInfo& told, FrameBlock& b
     gl::bindTexture(gl::UNIT_SKY, m_map);
 }
 
+void SkyPass::forget() {
+    m_baked = {};
+    m_anchor = {1e9, 1e9};
+}
+
 /// The bake reads the block's directions.
 void SkyPass::uploadBlock(const FrameBlock& block) {
     glBufferSubData(GL_UNIFORM_BUFFER, 0, sizeof block, &block);

@@ -20,6 +20,8 @@ public:
 
     /// Bakes when needed, binds the map, and fills in the frame block what is light and air.
     void update(const FrameView& view, const FrameInfo& frame, FrameBlock& block);
+    /// The next frame is again the first.
+    void forget();
     /// Fills the picture where nothing is; last of the opaque passes.
     void drawBackground(const FrameView& view);
     /// The layer of clouds below the eye, over the scene whose depth that is; nothing from below,

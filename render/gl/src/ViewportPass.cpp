@@ -61,6 +61,20 @@ void ViewportPass::update(const FrameInfo& frame, const gl::Texture& noise,
     if (!(picture.due > frame.time)) picture.due = frame.time + periodOf(*wanted.viewport);
 }
 
+void ViewportPass::rehearse(const FrameInfo& frame, const gl::Texture& noise,
+                            const DrawScene& draw_scene, const ObjectOcean& sea) {
+    m_sea = &sea;
+    const int count = frame.ui_root ? frame.ui_root->getViewports().size() : 0;
+    for (int i = 0; i < count; i++)
+        update(frame, noise, draw_scene);
+    m_sea = nullptr;
+    m_radar.forget();
+    for (const auto& picture : m_pictures) {
+        picture->finished = nullptr;
+        picture->due = -std::numeric_limits<double>::infinity();
+    }
+}
+
 void ViewportPass::dropGone(const UIRoot* root) {
     std::erase_if(m_pictures, [root](const auto& picture) {
         return !root || !findViewport(*root, picture->viewport);
@@ -161,9 +175,10 @@ void ViewportPass::drawRadar(Picture& picture, const UISpriteViewport& viewport,
     glScissor(left, bottom, std::max(scaled(input.part.z, width) - left, 0),
               std::max(scaled(input.part.w, height) - bottom, 0));
     glEnable(GL_SCISSOR_TEST);
-    const FrameView view(*viewport.getCamera(), height, gl::hasClipControl());
+    FrameView view(*viewport.getCamera(), height, gl::hasClipControl());
+    view.everything = m_sea != nullptr;
     m_radar.draw(*viewport.getWorld(), view, frame, noise,
-                 Engine::get()->getEnvironment(ENVIRONMENT_SENSOR_GAIN));
+                 Engine::get()->getEnvironment(ENVIRONMENT_SENSOR_GAIN), m_sea);
     glDisable(GL_SCISSOR_TEST);
 }
 

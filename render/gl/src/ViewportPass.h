@@ -13,6 +13,7 @@
 namespace ig {
 
 class Camera;
+class ObjectOcean;
 class UISpriteViewport;
 class UiDrawList;
 class UIRoot;
@@ -34,6 +35,10 @@ public:
     void init();
     /// Once per frame, before the main view: `draw_scene` uses the passes that the main view uses.
     void update(const FrameInfo& frame, const gl::Texture& noise, const DrawScene& draw_scene);
+    /// Draws every viewport of the list once. Radars see that sea instead of the world's, which is
+    /// left as it is. What is made for it stays; the next picture of each is again its first.
+    void rehearse(const FrameInfo& frame, const gl::Texture& noise, const DrawScene& draw_scene,
+                  const ObjectOcean& sea);
     /// The last picture of the viewport of that id; null when it has none.
     const gl::Texture* find(int viewport) const;
 
@@ -61,6 +66,7 @@ private:
     void drawRadar(Picture& picture, const UISpriteViewport& viewport, const FrameInfo& frame,
                    const gl::Texture& noise);
 
+    const ObjectOcean* m_sea = nullptr; ///< of a rehearsal
     RadarPass m_radar;
     PostPass m_post;
     std::vector<std::unique_ptr<Picture>> m_pictures;

@@ -80,6 +80,13 @@ void WakePass::draw(const FrameView& view, const WakeList& list, const OceanFram
     refresh(m_far, list, FAR_EDGE * std::exp2(doublings), nadir, ocean.time);
 }
 
+void WakePass::forget() {
+    for (Map* map : {&m_near, &m_far}) {
+        map->empty = false;
+        map->painted = -1e9;
+    }
+}
+
 /// Paints a map anew when it has become old or the eye has left its middle.
 void WakePass::refresh(Map& map, const WakeList& list, float edge, dvec2 nadir, double time) {
     const auto update_corner = [&] {

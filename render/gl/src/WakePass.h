@@ -30,6 +30,8 @@ public:
     void init(int map_size);
     /// Brings both maps up to date, each at its own rate; the caller sets target and viewport back.
     void draw(const FrameView& view, const WakeList& list, const OceanFrame& ocean);
+    /// The next painting is again the first.
+    void forget();
 
     const Map& getNear() const { return m_near; }
     const Map& getFar() const { return m_far; }

@@ -31,12 +31,18 @@ void DecalStore::gather(const World& world, const FrameView& view, SceneList& li
     bool may_lay = true;
     for (const DecalOrtho* decal : list.pictures) {
         SurfaceLook look = SurfaceLook::read(decal->getSurfaceMaterial(0));
+        look.paint = 0;
         const vec2 size{decal->getWidth(), decal->getHeight()};
         if (!(size.x > 0) || !(size.y > 0)) continue;
         const mat4 transform = view.toFrame(decal->getWorldTransform());
         const vec3 place = transform.getTranslate();
         const float radius = std::hypot(size.x, size.y) / 2 + static_cast<float>(REACH);
         const float distance = length(place);
+        if (view.everything) {
+            if (!m_level) m_level = makeLevel();
+            list.transparent.push_back({&m_level, 0, transform, distance, look});
+            continue;
+        }
         if (!view.sees(place, radius) || 2 * radius < LEAST_PIXELS * view.pixel_angle * distance)
             continue;
         Sheet& sheet = m_sheets[decal];
@@ -46,9 +52,17 @@ void DecalStore::gather(const World& world, const FrameView& view, SceneList& li
             sheet = {lay(world, *decal), size, 0};
         }
         sheet.last_used = m_frame;
-        look.paint = 0;
         if (sheet.mesh) list.transparent.push_back({&sheet.mesh, 0, transform, distance, look});
     }
+}
+
+std::shared_ptr<const Mesh> DecalStore::makeLevel() {
+    Mesh::Surface sheet;
+    sheet.positions = {{-1, -1, 0}, {1, -1, 0}, {1, 1, 0}};
+    sheet.normals.assign(3, {0, 0, 1});
+    sheet.uvs = {{0, 0}, {1, 0}, {1, 1}};
+    sheet.indices = {0, 1, 2};
+    return std::make_shared<const Mesh>(std::vector<Mesh::Surface>{std::move(sheet)});
 }
 
 /// A grid of points on what is met, with texture coordinates from the lower left; cells with a

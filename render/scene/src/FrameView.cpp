@@ -85,6 +85,7 @@ mat4 FrameView::toFrame(const dmat4& world) const {
 }
 
 bool FrameView::sees(const vec3& center, float radius) const {
+    if (everything) return true;
     for (int i = 0; i < 4; i++)
         if (dot(side_normals[i], center) + side_offsets[i] < -radius) return false;
     return true;

@@ -33,12 +33,16 @@ void SceneList::gather(const World& world, const FrameView& view, const vec3& sh
     m_view = &view;
     m_shadow_center = shadow_center;
     m_shadow_radius = shadow_radius;
+    add(world);
+}
+
+void SceneList::add(const World& world) {
     for (const Node* node : world.getNodes())
         visit(*node);
 }
 
 void SceneList::visit(const Node& node) {
-    if (!node.isEnabled() || &node == left_out) return;
+    if ((!node.isEnabled() && !m_view->everything) || &node == left_out) return;
     switch (node.getType()) {
     case OBJECT_MESH:
         addMesh(node);
@@ -93,8 +97,8 @@ void SceneList::addMesh(const Node& node) {
     const vec3 center(m_view->toFrame(bounds.center));
     const float radius = static_cast<float>(bounds.radius), distance = length(center);
     // Smaller than a third of a pixel: nothing to see.
-    const bool seen = m_view->sees(center, radius) &&
-                      (m_view->orthographic || radius > distance * m_view->pixel_angle / 6);
+    const bool seen = m_view->sees(center, radius) && (m_view->orthographic || m_view->everything ||
+                                                       radius > distance * m_view->pixel_angle / 6);
     const bool casts = length(center - m_shadow_center) < radius + m_shadow_radius;
     if (!seen && !casts) return;
     const bool casts_far = seen && castsFar(center, radius);
@@ -117,7 +121,7 @@ void SceneList::addCable(const ObjectRope& rope) {
     constexpr float THINNEST = 0.75f; // radius, pixels
     for (int i = 0; i < rope.getNumChildren(); i++) {
         const Node& piece = *rope.getChild(i);
-        if (!piece.isEnabled()) continue;
+        if (!piece.isEnabled() && !m_view->everything) continue;
         const mat4 pose = m_view->toFrame(piece.getWorldTransform()); // from z 0 to 1
         const vec3 half = pose.columns[2].xyz() * 0.5f, middle = pose.columns[3].xyz() + half;
         const bool thin = rope.getRadius() < THINNEST * m_view->pixel_angle * length(middle);

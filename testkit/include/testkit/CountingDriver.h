@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <set>
 #include <vector>
 
 /// Stands in for an OpenGL driver: while it lives, every function that the renderer calls counts
@@ -22,6 +23,7 @@ public:
         std::uint64_t draws = 0;     ///< of the calls
         std::uint64_t instances = 0; ///< that the draws asked for
         std::uint64_t bytes = 0;     ///< brought to buffers
+        std::set<unsigned> programs; ///< that the draws used
     };
     static Counts& counts(); ///< since they were last set
 

@@ -65,6 +65,9 @@ public:
     void update(float dt);
     /// What is to be drawn; valid until the next call.
     const ig::UiDrawList* draw();
+    /// All that can be shown, hidden panels and viewports too, for a renderer to get ready. The
+    /// list holds until the next `draw`.
+    const ig::UiDrawList* drawAll();
 
 private:
     bool doWindowsOwn(int key);

@@ -4,6 +4,7 @@
 #include "ig/math/mat.h"
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <vector>
 
@@ -67,6 +68,17 @@ struct RenderResources {
     int getTotal() const { return buffers + textures + vertex_arrays + framebuffers + programs; }
 };
 
+/// What there is to be drawn after the first picture, for `Renderer::prepare`.
+struct Preparation {
+    const World& world;
+    const World& later; ///< holds what will come into the world on its way
+    const Camera& camera;
+    const FrameInfo& frame; ///< its `ui` shows all that can be shown
+    /// Told from time to time how much is done, 0 to 1, with the window's own picture showing it.
+    /// False: enough, the scene is not wanted any more.
+    std::function<bool(double done)> progress;
+};
+
 /// Draws the scene; decides nothing about it. The application makes one, calls `init` once
 /// before the first frame, `render` once per frame after the logic's `swap`, and `release` before
 /// the world goes. Implementations: `render/gl` (OpenGL) and `render/null`, which draws nothing;
@@ -77,6 +89,10 @@ public:
     /// False, having logged why, when there is nothing to draw with.
     virtual bool init(int width, int height) = 0;
     virtual void resize(int width, int height) = 0;
+    /// Draws, unseen, all that may be drawn later, so that no frame of the scene waits for
+    /// something to be made. Nothing of the world changes by it, nor does the next picture. Call it
+    /// before the first `render`, while a `Node::BorrowedIds` lives.
+    virtual void prepare(const Preparation&) {}
     virtual void render(const World& world, const Camera& camera, const FrameInfo& frame) = 0;
     virtual void release() = 0;
 
@@ -94,6 +110,8 @@ public:
     /// The last frame's passes in order; empty without profiling.
     virtual std::span<const PassTime> getPassTimes() const { return {}; }
     virtual RenderResources getResources() const { return {}; }
+    /// How many of each it has made so far, those that are gone too.
+    virtual RenderResources getMade() const { return {}; }
 };
 
 } // namespace ig

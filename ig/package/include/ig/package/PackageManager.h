@@ -16,6 +16,8 @@ public:
     /// file that appears later is found after `release`. `user` names the asking operation in the
     /// message of a missing file; null: the caller reports that itself.
     static const Package* get(const jString& path, const char* user = "PackageManager::get");
+    /// Files that it has read so far, or tried to.
+    static int getNumRead();
     /// Drops every package and remembered failure.
     static void release();
 };

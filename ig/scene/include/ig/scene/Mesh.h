@@ -38,6 +38,8 @@ public:
     /// Name of no file: the renderer's own chequer that can't be overlooked.
     static constexpr const char* MISSING_PICTURE = "<missing>";
 
+    /// Models that have been read from their files so far, or tried.
+    static int getNumRead();
     /// Forgets all meshes and failures; a mesh that somebody holds lives on with its holder.
     static void release();
 

@@ -44,7 +44,20 @@ public:
     Node& operator=(const Node&) = delete;
     ~Node() override;
 
-    int getID() const { return m_id; } ///< unique in the process
+    int getID() const { return m_id; } ///< unique among those that live
+    /// While one lives, new nodes take their ids from those that come next, without using them up:
+    /// the scene's own have the same ids whether or not others were looked at on the way. The nodes
+    /// that are made meanwhile must go before it.
+    class BorrowedIds {
+    public:
+        BorrowedIds();
+        BorrowedIds(const BorrowedIds&) = delete;
+        BorrowedIds& operator=(const BorrowedIds&) = delete;
+        ~BorrowedIds();
+
+    private:
+        int m_next;
+    };
     int getType() const { return m_type; }
     /// Whether the node is an `Object`.
     virtual bool isObject() const { return false; }

@@ -35,6 +35,8 @@ public:
     /// of the world's own.
     void removeNode(Node* node);
     const jVector<Node*>& getNodes() const { return m_nodes; }
+    /// Prefabs that the world's file says will come into it on their way.
+    const jVector<jString>& getLaterPrefabs() const { return m_later; }
     /// The first node of that name in the world's own tree, depth first; prefabs are found but not
     /// looked into. Null when none.
     Node* getNodeByName(const jString& name) const;
@@ -59,12 +61,14 @@ public:
 
 private:
     struct Below;
+    void readLater(const Package& file);
     void tellSurface(ObjectParticles& emitter, float dt, Below& last) const;
     const Object* findFirst(const dvec3& from, const dvec3& to, bool sea, dvec3& point,
                             int& surface) const;
 
     Physics m_physics; // before the nodes, whose bodies leave it when they go
     jVector<Node*> m_nodes;
+    jVector<jString> m_later; ///< paths
     mutable jVector<Node*> m_crossed; ///< by the segment of `findFirst`; kept for its memory
 };
 

@@ -26,6 +26,7 @@ public:
 
     bool init(int width, int height) override;
     void resize(int width, int height) override;
+    void prepare(const Preparation& wanted) override;
     void render(const World& world, const Camera& camera, const FrameInfo& frame) override;
     void release() override;
 
@@ -35,6 +36,7 @@ public:
     void setProfiling(bool on) override;
     std::span<const PassTime> getPassTimes() const override;
     RenderResources getResources() const override;
+    RenderResources getMade() const override;
 
     /// Distance from the eye, along the view axis, of what the last frame shows at a place of the
     /// picture, (0, 0) top left to (1, 1) bottom right; infinite for the sky.

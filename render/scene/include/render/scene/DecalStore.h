@@ -17,7 +17,8 @@ public:
     static constexpr double REACH =
         2; ///< m below the node; where nothing is met the sheet has a hole
 
-    /// Adds the sheets of the list's pictures to what it draws, lays one that is missing.
+    /// Adds the sheets of the list's pictures to what it draws, lays one that is missing. In a
+    /// rehearsal a level sheet stands in for all of them.
     void gather(const World& world, const FrameView& view, SceneList& list);
 
 private:
@@ -26,10 +27,12 @@ private:
         vec2 size;
         int last_used = 0;
     };
+    static std::shared_ptr<const Mesh> makeLevel();
     static std::shared_ptr<const Mesh> lay(const World& world, const DecalOrtho& decal);
     void purge();
 
     std::map<const DecalOrtho*, Sheet> m_sheets;
+    std::shared_ptr<const Mesh> m_level; ///< of a rehearsal
     int m_frame = 0;
 };
 

@@ -22,6 +22,8 @@ struct FrameView {
     /// a perspective).
     vec3 side_normals[4];
     float side_offsets[4] = {};
+    /// Nothing is out of sight, too small or disabled: for a rehearsal of all that may be drawn.
+    bool everything = false;
     float pixel_angle = 0; ///< rad at the middle of the picture; orthographic: metres
 
     FrameView() = default;
@@ -32,7 +34,7 @@ struct FrameView {
     dvec3 toFrame(const dvec3& world) const;
     dvec3 toFrameDirection(const dvec3& world) const;
     mat4 toFrame(const dmat4& world) const;
-    /// Whether a sphere (E) is at least partly within the sides of the view.
+    /// Whether a sphere (E) is at least partly within the sides of the view, or counts as if.
     bool sees(const vec3& center, float radius) const;
     /// Distance along the view axis for a value read from the depth buffer; infinite for 0.
     double toDistance(double depth) const;

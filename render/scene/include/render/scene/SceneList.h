@@ -51,6 +51,9 @@ public:
     void gather(const World& world, const FrameView& view, const vec3& shadow_center,
                 float shadow_radius);
 
+    /// What another world holds too; after `gather`.
+    void add(const World& world);
+
     /// Brings batches together, and what lets light through and downdraughts into order; after all
     /// has been added.
     void sort();

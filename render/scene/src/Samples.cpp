@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+#include "render/scene/Samples.h"
+
+#include "ig/scene/Mesh.h"
+
+namespace ig {
+
+Samples::Samples() : m_mesh(Mesh::getPlaceholder()), m_picture(Mesh::MISSING_PICTURE) {}
+
+void Samples::addTo(SceneList& list) const {
+    constexpr float AHEAD = 5; // m
+    MeshItem item{&m_mesh, 0, mat4(), AHEAD, {}};
+    item.transform.columns[3] = {0, AHEAD, 0, 1};
+    const auto add = [&](auto change) {
+        item.look = {};
+        change(item.look);
+        (item.look.isOpaque() ? list.opaque : list.transparent).push_back(item);
+    };
+    const vec4 slabs(1, 1, 0.01f, 0.1f);
+    add([](SurfaceLook&) {});
+    list.casters.push_back(item);
+    list.far_casters.push_back(item);
+    add([&](SurfaceLook& look) { look.texture = &m_picture; });
+    add([&](SurfaceLook& look) { look.paving = slabs; });
+    add([&](SurfaceLook& look) {
+        look.paving = slabs;
+        look.wetness = 1;
+    });
+    add([](SurfaceLook& look) { look.paint = 0.01f; });
+    add([&](SurfaceLook& look) {
+        look.paint = 0;
+        look.texture = &m_picture;
+    });
+    add([](SurfaceLook& look) { look.color.w = 0.5f; });
+    add([](SurfaceLook& look) { look.rotor = {5, 0.3f, 4, 0}; });
+}
+
+void Samples::addTo(SpriteList& list) {
+    list.sprites.push_back({{0, 5, 0}, 1, {1, 1, 1, 0.5f}, 0, 0, 0, 0, {}, 0, 5});
+}
+
+void Samples::addTo(WakeList& list) {
+    if (list.wakes.empty()) list.wakes.push_back({{0, 0, 0, 1}, {5, 100, 12, 30}});
+    list.patches.push_back({{0, 0}, 1, 0.5f});
+}
+
+} // namespace ig
