@@ -11,11 +11,15 @@ ChannelRun::ChannelRun() {
 }
 
 bool ChannelRun::start(const std::string& options) {
-    // Drawing would take the processor from what is measured: only whoever asks gets pictures.
-    const bool pictures = options.find("--headless") != std::string::npos;
-    program = std::make_unique<Program>(CHANNEL, "--directory '" + folder.path().string() +
-                                                     "' --trace trace.csv " +
-                                                     (pictures ? "" : "--null ") + options);
+    // Drawing would take the processor from what is measured, and what is drawn once before the
+    // first frame time: only whoever asks gets them.
+    const auto asks = [&options](const char* name) {
+        return options.find(name) != std::string::npos;
+    };
+    program = std::make_unique<Program>(
+        CHANNEL, "--directory '" + folder.path().string() + "' --trace trace.csv " +
+                     (asks("--headless") ? "" : "--null ") +
+                     (asks("--warm-up") ? "" : "--warm-up off ") + options);
     if (program->waitFor("飞仿IP").empty()) return false;
     waitForHandlers();
     return true;

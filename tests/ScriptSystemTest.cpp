@@ -39,6 +39,30 @@ TEST(Scripts, WorkTheChannelWithoutAWindow) {
         EXPECT_TRUE(std::filesystem::exists(pictures + name)) << name;
 }
 
+// Each of these once read its files, or had the driver make something, when it was first used.
+TEST(Scripts, NothingThatAnOperatorDoesHasToBeMadeInFlight) {
+    ChannelRun run;
+    run.folder.write("all.yaml", "from: start\n"
+                                 "commands:\n"
+                                 "- {at: 0.4, click: 投放鱼雷}\n"
+                                 "- {at: 0.8, click: 打开声呐}\n"
+                                 "- {at: 1.2, click: 打开吊索}\n"
+                                 "- {at: 1.6, click: 气象雷达}\n"
+                                 "- {at: 2.0, click: 释放声呐}\n"
+                                 "- {at: 2.4, click: 第三视角}\n"
+                                 "- {at: 2.8, click: 发射诱饵}\n"
+                                 "- {at: 3.2, click: 发射导弹}\n"
+                                 "- {at: 3.6, key: F12}\n"
+                                 "- {at: 4.0, click: 飞机损毁}\n"
+                                 "- {at: 5.8, quit: }\n");
+    ASSERT_TRUE(run.start("--headless --size 160x90 --scale auto --step 0.2 --fps 0 --rain 3 "
+                          "--warm-up on --script all.yaml"));
+    EXPECT_EQ(run.program->finish(&run.output), 0) << run.output;
+    EXPECT_NE(run.output.find("made after the start: 0 programs, 0 textures; 0 scene files read"),
+              std::string::npos)
+        << run.output;
+}
+
 TEST(Scripts, AFaultyOneEndsItBeforeAnythingStarts) {
     ChannelRun run;
     run.folder.write("bad.yaml", "commands:\n- {at: 1, klick: 投放鱼雷}\n");

@@ -17,7 +17,7 @@ constexpr double TOLD_EVERY = 1, SHOWN_EVERY = 0.1; ///< s: on the console, in t
 } // namespace
 
 bool WarmUp::run(Renderer& renderer, const Scene& scene, const std::function<bool()>& keep_window) {
-    m_told = m_shown = steadyNow();
+    m_told = steadyNow();
     const Node::BorrowedIds ids;
     World later;
     for (const jString& path : scene.later)

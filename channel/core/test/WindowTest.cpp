@@ -44,6 +44,7 @@ struct WindowTest : testing::Test {
 
     WindowTest() {
         options.window = true;
+        options.warm_up = false;
         options.width = WIDTH;
         options.height = HEIGHT;
         options.scale = 0.25f;

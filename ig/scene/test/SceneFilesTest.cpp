@@ -177,6 +177,14 @@ TEST_F(SceneFiles, WorldsWithoutAListOfNodesAreOneMessage) {
     }
 }
 
+TEST_F(SceneFiles, AWorldNamesWhatComesLater) {
+    EXPECT_TRUE(load("nodes: []\nlater: [a.prefab, {path: b.prefab}, c.prefab]\n"));
+    ASSERT_EQ(world.getLaterPrefabs().size(), 2);
+    EXPECT_EQ(world.getLaterPrefabs()[1], jString("c.prefab"));
+    EXPECT_TRUE(logged("world:2: a list of paths of prefabs is needed in \"later\""));
+    EXPECT_EQ(log.lines.size(), 1u);
+}
+
 TEST_F(SceneFiles, PrefabsNestAndOneThatHoldsItselfEnds) {
     folder.write("inner.prefab", "node: {name: inner_root, children: [{name: leaf}]}\n");
     folder.write("outer.prefab", "node: {name: outer_root, children: [{name: slot, type: prefab, "
