@@ -102,7 +102,7 @@ bool Channel::open() {
     m_environment.attach(m_world);
     m_precipitation.attach(m_world);
     m_interface.open(m_logic, "config/" + m_library.getName() + ".interface.yaml");
-    m_interface.getOverlays().watch(&m_link);
+    m_interface.getOverlays().watch(&m_link, &m_pace);
     m_interface.getOverlays().showHelp(m_options.show_help);
     if (m_window.isOpen() && !m_options.show_help)
         m_interface.getOverlays().getNotices().showHint();
@@ -294,7 +294,7 @@ void Channel::run() {
     if (m_frames > 0) m_screenshots.afterLast(*m_renderer);
     m_video.close();
     m_trace.close();
-    m_status.printSummary(m_listener, m_link);
+    m_status.printSummary(m_listener, m_link, m_pace);
     std::fputs(m_warm_up.getSummary(*m_renderer).c_str(), stdout);
     for (const PassTime& pass : m_renderer->getPassTimes())
         std::printf("  %-12s %7.2f ms\n", pass.name, pass.milliseconds);
@@ -320,12 +320,20 @@ bool Channel::runFrame() {
     if (m_window.isOpen()) m_clock.endShown(shown.finished, shown.back);
     if (m_options.scale <= 0)
         m_renderer->setScale(m_governor.update(shown.finished - begin, m_renderer->getScale()));
+    const FrameTiming timing{.begin = input.begin,
+                             .handed_over = shown.back - m_run_start,
+                             .work = shown.finished - begin,
+                             .period = m_clock.getPeriod(),
+                             .refresh_rate = m_clock.getRefreshRate(),
+                             .late = m_clock.isLate()};
+    m_pace.addFrame(timing, m_link);
     const std::uint64_t received = m_link.getReceived().datagrams_received;
     m_interface.getOverlays().addFrame(dt, costs, static_cast<int>(received - m_last_received));
     m_last_received = received;
-    m_trace.write(m_run_start + input.begin, m_listener);
+    m_trace.write(m_run_start, timing, m_pace.getAge(), m_listener);
     m_status.addFrame(dt, work);
-    m_status.print(m_listener, m_link, m_scene_command.describe() + ' ' + m_environment.describe());
+    m_status.print(m_listener, m_link, m_pace,
+                   m_scene_command.describe() + ' ' + m_environment.describe());
     m_scene_time += dt;
     m_frames++;
     if (m_scene_command.isExit() || m_interface.isEndRequested()) m_quit = true;

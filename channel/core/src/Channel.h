@@ -20,6 +20,7 @@
 #include "Window.h"
 #include "channel/interface/LinkMonitor.h"
 #include "channel/interface/OperatorInterface.h"
+#include "channel/interface/PaceMonitor.h"
 #include "ig/app/ControlApp.h"
 #include "ig/app/IApp.h"
 #include "ig/app/Renderer.h"
@@ -112,6 +113,7 @@ private:
     LogicBase* m_logic = nullptr; ///< owned
     LogicListener m_listener;
     LinkMonitor m_link; ///< looks at the logic's sockets
+    PaceMonitor m_pace;
     Status m_status;
     Environment m_environment;
     Precipitation m_precipitation;

@@ -10,7 +10,8 @@ constexpr double SAME_RATE = 0.02; ///< of a period: 60.02 Hz and 60 frames/s me
 constexpr double WAITED = 0.0003;  ///< s: a swap that took longer returned at a blank
 constexpr double PLAINLY = 0.001;  ///< s that a swap takes longer when it plainly waits
 constexpr double DITHER = 0.002;   ///< s by which every other frame on trial begins earlier
-constexpr double FIRST_PAUSE = 5;  ///< s between two trials; each time twice as long
+/// s before another trial; each time twice as long.
+constexpr double FIRST_PAUSE = 5, LONGEST_PAUSE = 60;
 /// s by which a missed blank raises the margin, and in which it sinks to a third.
 constexpr double RAISE = 0.001, CALM = 300;
 constexpr double GAP = 0.25;          ///< s without a swap after which blanks are counted anew
@@ -94,7 +95,7 @@ void DisplayClock::addFrame(double begin, double finished, double shown) {
     m_early = !in_time ? m_early : shown < m_target - PLAINLY ? m_early + 1 : 0;
     if (wait > WAITED) addBlank(shown);
     if (m_state == State::trial && m_untils.getCount() == TRIAL) judgeTrial();
-    if (m_state == State::found && m_early >= TOO_OFTEN) enter(State::free);
+    if (m_state == State::found && m_early >= TOO_OFTEN) giveUp();
 }
 
 void DisplayClock::noteMargin(double shown) {
@@ -107,12 +108,17 @@ void DisplayClock::noteMargin(double shown) {
 /// The longer a frame on trial had to its blank, the longer the swap took: it waits.
 void DisplayClock::judgeTrial() {
     const bool waits = slope(m_untils, m_waits, TRIAL) > 0.5;
-    if (!waits) {
-        m_swap_cost = m_waits.getQuantile(0.5);
-        m_pause = std::max(2 * m_pause, FIRST_PAUSE);
-        m_retry = m_target + m_pause;
-    }
-    enter(waits ? State::found : State::free);
+    if (!waits) m_swap_cost = m_waits.getQuantile(0.5);
+    if (waits)
+        enter(State::found);
+    else
+        giveUp();
+}
+
+void DisplayClock::giveUp() {
+    m_pause = std::clamp(2 * m_pause, FIRST_PAUSE, LONGEST_PAUSE);
+    m_retry = m_target + m_pause;
+    enter(State::free);
 }
 
 /// One that is far from where it was expected is a late wake-up; many of them are other blanks.

@@ -53,6 +53,7 @@ private:
     void addBlank(double time);
     void fit();
     void judgeTrial();
+    void giveUp();
     void enter(State state);
 
     double m_nominal = 0; ///< s; 0: no display

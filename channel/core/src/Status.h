@@ -5,6 +5,7 @@
 
 class LinkMonitor;
 class LogicListener;
+class PaceMonitor;
 
 /// The status line that an operator reads once a second, and the summary at the end.
 class Status {
@@ -14,9 +15,10 @@ public:
     void addFrame(float dt, double work);
     /// Prints the line when a second of scene time has passed since the last one.
     /// `environment` says what weather, sea and hour are.
-    void print(const LogicListener& listener, const LinkMonitor& link,
+    void print(const LogicListener& listener, const LinkMonitor& link, const PaceMonitor& pace,
                const std::string& environment);
-    void printSummary(const LogicListener& listener, const LinkMonitor& link) const;
+    void printSummary(const LogicListener& listener, const LinkMonitor& link,
+                      const PaceMonitor& pace) const;
 
 private:
     bool m_quiet = false;

@@ -2,6 +2,7 @@
 #include "Trace.h"
 
 #include "LogicListener.h"
+#include "channel/interface/PaceMonitor.h"
 #include "ig/app/Engine.h"
 #include "ig/base/jLog.h"
 #include "ig/scene/ObjectPrefab.h"
@@ -21,21 +22,26 @@ bool Trace::check(const std::string& path) {
 bool Trace::open(const std::string& path) {
     const bool good =
         m_file.open(path, OutputFile::Kind::growing) &&
-        m_file.write("frame,time,begin,records,longitude,latitude,altitude,heading,pitch,roll\n");
+        m_file.write("frame,time,begin,records,longitude,latitude,altitude,heading,pitch,roll,"
+                     "shown,late,age\n");
     if (!good) report();
     return good;
 }
 
-void Trace::write(double begin, const LogicListener& listener) {
+void Trace::write(double start, const FrameTiming& timing, double age,
+                  const LogicListener& listener) {
     if (!m_file.isOpen() || !listener.m_focus) return;
     const Engine* engine = Engine::get();
     const Node* focus = listener.m_focus;
     const dvec3 g = engine->getEllipsoidModel()->toWGS(focus->getWorldPosition());
     const dvec3 hpr = focus->getWgsHPR();
-    std::array<char, 256> line;
-    std::snprintf(line.data(), line.size(), "%d,%.6f,%.6f,%d,%.10f,%.10f,%.5f,%.5f,%.5f,%.5f\n",
-                  engine->getFrame(), engine->getRunningTime(), begin, listener.m_applied, g.x, g.y,
-                  g.z, hpr.x, hpr.y, hpr.z);
+    std::array<char, 24> age_text{};
+    if (age >= 0) std::snprintf(age_text.data(), age_text.size(), "%.6f", age);
+    std::array<char, 320> line;
+    std::snprintf(
+        line.data(), line.size(), "%d,%.6f,%.6f,%d,%.10f,%.10f,%.5f,%.5f,%.5f,%.5f,%.6f,%d,%s\n",
+        engine->getFrame(), engine->getRunningTime(), start + timing.begin, listener.m_applied, g.x,
+        g.y, g.z, hpr.x, hpr.y, hpr.z, start + timing.handed_over, timing.late, age_text.data());
     if (!m_file.write(line.data())) report();
 }
 

@@ -6,18 +6,22 @@
 #include <string>
 
 class LogicListener;
+struct FrameTiming;
 
 /// A CSV file with a line per frame, for comparing what was shown with what was sent: frame, scene
 /// time, steady-clock time at the beginning of the frame, records applied so far, and longitude,
-/// latitude, altitude, heading, pitch, roll of what the picture is about. The file is complete or,
+/// latitude, altitude, heading, pitch, roll of what the picture is about; then when the picture was
+/// handed over, 1 if the frame was late, and the age of the newest record at the hand-over, empty
+/// before there was one. The file is complete or,
 /// after one log line, removed.
 class Trace {
 public:
     /// Whether a file can be written there, as far as can be told now; with one log line if not.
     static bool check(const std::string& path);
     bool open(const std::string& path);
-    /// Nothing when no file is open.
-    void write(double begin, const LogicListener& listener);
+    /// Nothing when no file is open. `start`: what the timing counts from, on the steady clock;
+    /// `age`: s, negative when there is none.
+    void write(double start, const FrameTiming& timing, double age, const LogicListener& listener);
     void close();
     /// What was asked for has not been written.
     bool hasFailed() const { return !m_file.getMessage().empty(); }

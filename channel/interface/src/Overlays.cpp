@@ -2,6 +2,7 @@
 #include "channel/interface/Overlays.h"
 
 #include "channel/interface/LinkMonitor.h"
+#include "channel/interface/PaceMonitor.h"
 #include "channel/interface/Texts.h"
 #include "ig/ui/KeyCode.h"
 #include "ig/ui/UILabel.h"
@@ -115,7 +116,7 @@ void Overlays::write() {
     const auto share = [&](int bucket) {
         return decimal(100.0 * s.frames_with[bucket] / s.frames, 0);
     };
-    const double seconds = m_link ? m_link->getAge() : -1;
+    const double seconds = m_pace ? m_pace->getAge() : -1;
     const std::string age = seconds < 0
                                 ? Texts::get("statistics.no_record")
                                 : Texts::fill("statistics.age", {decimal(seconds * 1e3, 0)});
@@ -130,6 +131,7 @@ void Overlays::write() {
     std::string text;
     for (const std::string& line : lines)
         text += (text.empty() ? "" : "\n") + line;
+    if (m_pace) text += '\n' + m_pace->getStatistics();
     if (m_link) {
         const std::uint64_t sent = m_link->getSent().datagrams_sent;
         text += '\n' + Texts::fill("statistics.feedback", {std::to_string(sent)});

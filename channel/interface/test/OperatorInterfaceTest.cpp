@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "channel/interface/OperatorInterface.h"
 #include "channel/interface/LinkMonitor.h"
+#include "channel/interface/PaceMonitor.h"
 #include "channel/interface/Texts.h"
 #include "common/logic/LogicBase.h"
 #include "ig/app/ControlApp.h"
@@ -78,6 +79,7 @@ struct OperatorInterfaceTest : testing::Test {
 
     static constexpr const char* INTERFACE = "config/Logic_Nerith_Heli_Final.interface.yaml";
     LinkMonitor link;
+    PaceMonitor pace;
     Recorder logic;
     Owner owner;
     ControlApp control;
@@ -219,7 +221,7 @@ TEST_F(OperatorInterfaceTest, StatisticsStepThroughTheirFormsAndCountOverHalfASe
 
 TEST_F(OperatorInterfaceTest, WhatIsWrongWithTheLinkStandsOverThePictureInsideIt) {
     EXPECT_FALSE(shows("10004"));
-    channel.getOverlays().watch(&link);
+    channel.getOverlays().watch(&link, &pace);
     channel.getOverlays().setSceneState("nothing moves");
     EXPECT_TRUE(shows("nothing moves"));
     LinkSample sample;

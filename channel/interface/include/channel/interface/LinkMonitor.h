@@ -37,6 +37,7 @@ public:
     const ig::SocketStatistics& getSent() const { return m_sample.out; }
     /// Seconds since the last record; negative before the first.
     double getAge() const;
+    bool isSilent() const { return m_troubles[SILENT].on; } ///< records came, and come no more
     /// Everything that is wrong now, the weightiest first, in one line for the console; empty when
     /// nothing is.
     std::string getStatus() const;

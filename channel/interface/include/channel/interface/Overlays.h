@@ -7,6 +7,7 @@
 #include <string>
 
 class LinkMonitor;
+class PaceMonitor;
 
 namespace ig {
 class Package;
@@ -31,8 +32,11 @@ public:
     /// `KeyMap`.
     void open(ig::UIRoot* root, const ig::Package& interface);
     /// Shows how that link is doing: a line over the picture while something is wrong with it, and
-    /// more in the statistics. It must outlive the overlays.
-    void watch(const LinkMonitor* link) { m_link = link; }
+    /// more in the statistics, where the pace is told too. They must outlive the overlays.
+    void watch(const LinkMonitor* link, const PaceMonitor* pace) {
+        m_link = link;
+        m_pace = pace;
+    }
     /// Shows a line over the picture, above those of the link, until an empty one takes it away.
     void setSceneState(const std::string& text) { m_scene_state = text; }
     /// F12 or h shows and hides the key map, F11 steps through the statistics. Others are left
@@ -64,6 +68,7 @@ private:
     ig::UILabel* m_label = nullptr; ///< the root's, as the link's
     ig::UILabel* m_link_label = nullptr;
     const LinkMonitor* m_link = nullptr;
+    const PaceMonitor* m_pace = nullptr;
     std::string m_scene_state;
     KeyMap m_key_map;
     Notices m_notices;
