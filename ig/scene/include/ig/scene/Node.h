@@ -138,6 +138,7 @@ protected:
 
 private:
     friend class World;
+    friend class ShownPoses;
     void setWorld(World* world);
     bool accept(bool finite);
     void applyTransform(const dmat4& transform);
