@@ -2,6 +2,8 @@
 #include "Channel.h"
 
 #include "LiveInputs.h"
+#include "Provenance.h"
+#include "SceneDigest.h"
 #include "channel/interface/Texts.h"
 #include "common/logic/LogicBase.h"
 #include "ig/app/Engine.h"
@@ -33,11 +35,12 @@ namespace {
 
 volatile std::sig_atomic_t g_stop = 0;
 
-constexpr float FIELD_OF_VIEW = 50;  ///< vertical, degrees
-constexpr double Z_NEAR = 0.1;       ///< metres: the cockpit is close
-constexpr double Z_FAR = 1e7;        ///< metres
-constexpr double JUMP = 10000;       ///< metres between two frames after which we level the camera
-constexpr int LEVEL_CAMERA = 654321; ///< identifier of the UI message
+constexpr float FIELD_OF_VIEW = 50;   ///< vertical, degrees
+constexpr double Z_NEAR = 0.1;        ///< metres: the cockpit is close
+constexpr double Z_FAR = 1e7;         ///< metres
+constexpr double JUMP = 10000;        ///< metres between two frames after which we level the camera
+constexpr int FRAMES_PER_DIGEST = 60; ///< of the scene in a log
+constexpr int LEVEL_CAMERA = 654321;  ///< identifier of the UI message
 
 /// For a message: the folder above the program that holds `path`, as a build has it, or nothing.
 std::string findFolder(const std::string& path) {
@@ -66,6 +69,10 @@ Channel::Channel(const Options& options)
       m_video(options.video), m_clock(options.frame_rate, options.step),
       m_inputs(std::make_unique<LiveInputs>(m_clock, m_window, m_script, m_queue, m_run_start)) {
     m_status.setQuiet(options.quiet);
+    if (options.replay.empty()) return;
+    auto replay = std::make_unique<ReplayedInputs>(m_window, m_queue, options.real_time);
+    m_replay = replay.get();
+    m_inputs = std::move(replay);
 }
 
 void Channel::requestStop() { g_stop = 1; }
@@ -82,7 +89,8 @@ bool Channel::printSchema() {
 }
 
 bool Channel::open() {
-    if (!enterFolder() || !loadScript() || !checkOutputs() || !makeRenderer()) return false;
+    if (!enterFolder() || !loadScript() || !checkOutputs() || !makeRenderer() || !openLogs())
+        return false;
     Engine::get()->setApp(this);
     Engine::get()->setWorld(&m_world);
     prepareInterface();
@@ -140,6 +148,18 @@ bool Channel::checkOutputs() const {
            (m_options.trace.empty() || Trace::check(m_options.trace));
 }
 
+/// After the window, which says how large the picture is, and before the logic makes its sockets.
+bool Channel::openLogs() {
+    if (!m_replay) SocketUDP::setOnline();
+    if (m_replay && !m_replay->open(m_options.replay)) return false;
+    if (!m_replay && m_options.record.empty()) return true;
+    const frames::LogHead head = describeRun(m_options, getDensity());
+    if (m_replay) tellDifferences(m_replay->getHead(), head);
+    if (m_options.record.empty() || m_record.open(m_options.record, head)) return true;
+    jLog::error("visual_channel: --record: %s", m_record.getMessage().c_str());
+    return false;
+}
+
 bool Channel::wantsPictures() const {
     const RendererKind* kind = findRendererKind(m_options.renderer);
     return (kind && kind->draws) || m_options.window || !m_options.screenshot.empty() ||
@@ -169,15 +189,14 @@ bool Channel::makeRenderer() {
 }
 
 void Channel::prepareInterface() {
-    m_interface.resize(m_options.width, m_options.height,
-                       m_window.getDensity() * m_options.interface_size);
+    m_interface.resize(m_options.width, m_options.height, getDensity() * m_options.interface_size);
     UIRoot* root = m_interface.getRoot();
     // The scene and the link go on while the operator is asked something.
     root->setModalFrame([this] { return runFrame(); });
     root->setClipboard([this] { return jString(m_clipboard); },
                        [this](const jString& text) {
                            m_clipboard = text.c_str();
-                           m_window.writeClipboard(m_clipboard);
+                           if (!m_replay) m_window.writeClipboard(m_clipboard);
                        });
 }
 
@@ -263,8 +282,11 @@ bool Channel::openWindow() {
         if (!m_options.window) jLog::warning("visual_channel: going on without a window");
         return !m_options.window;
     }
-    m_window.setVerticalSync(m_options.vertical_sync);
+    // A replay that is as fast as possible doesn't wait for the display.
+    m_window.setVerticalSync(m_replay && !m_options.real_time ? VerticalSync::off
+                                                              : m_options.vertical_sync);
     if (m_options.full_screen) m_window.toggleFullScreen();
+    if (m_replay) return true; // the picture has the log's size
     m_options.width = m_window.getWidth();
     m_options.height = m_window.getHeight();
     return true;
@@ -279,7 +301,17 @@ void Channel::resize(int width, int height, float density) {
     m_camera_control.setCamera(&m_camera);
 }
 
+float Channel::getDensity() const {
+    return m_options.density > 0 ? m_options.density : m_window.getDensity();
+}
+
+/// What the log's operator did with his window is no wish of whoever looks at the replay.
+void Channel::toggleFullScreen() {
+    if (!m_replay) m_window.toggleFullScreen();
+}
+
 void Channel::takePicture() {
+    if (m_replay) return; // it was taken
     const std::string path = m_screenshots.takeNew(*m_renderer);
     if (path.empty()) return;
     jLog::message("visual_channel: picture written: %s", path.c_str());
@@ -294,20 +326,23 @@ void Channel::run() {
     if (m_frames > 0) m_screenshots.afterLast(*m_renderer);
     m_video.close();
     m_trace.close();
+    if (!m_recorded_scene) recordScene();
+    m_record.close();
     m_status.printSummary(m_listener, m_link, m_pace);
     std::fputs(m_warm_up.getSummary(*m_renderer).c_str(), stdout);
+    if (m_replay) std::fputs(m_replay->getSummary().c_str(), stdout);
     for (const PassTime& pass : m_renderer->getPassTimes())
         std::printf("  %-12s %7.2f ms\n", pass.name, pass.milliseconds);
 }
 
 bool Channel::runFrame() {
     frames::FrameInput input;
-    if (g_stop || m_quit || isOver() || !m_inputs->next({m_scene_time, m_last_received > 0}, input))
-        return false;
-    if (m_script.hasQuit()) requestStop(); // after this frame
+    if (g_stop || m_quit || isOver() || !take(input)) return false;
     const float dt = input.length;
     const double begin = steadyNow();
-    take(input);
+    deliver(input);
+    // The logic ends the process in such a frame, and so it would the replay.
+    if (m_replay && m_interface.isEndRequested() && m_replay->endsByForce()) return false;
     const float scale = m_renderer->getScale();
     const bool still = !m_script.getPictureName().empty();
     // A still is looked at longer than a frame.
@@ -320,8 +355,10 @@ bool Channel::runFrame() {
     if (m_window.isOpen()) m_clock.endShown(shown.finished, shown.back);
     if (m_options.scale <= 0)
         m_renderer->setScale(m_governor.update(shown.finished - begin, m_renderer->getScale()));
+    // A replay's clock shows the log's time when a frame begins.
+    const double run_start = m_replay ? begin - input.begin : m_run_start;
     const FrameTiming timing{.begin = input.begin,
-                             .handed_over = shown.back - m_run_start,
+                             .handed_over = shown.back - run_start,
                              .work = shown.finished - begin,
                              .period = m_clock.getPeriod(),
                              .refresh_rate = m_clock.getRefreshRate(),
@@ -330,19 +367,29 @@ bool Channel::runFrame() {
     const std::uint64_t received = m_link.getReceived().datagrams_received;
     m_interface.getOverlays().addFrame(dt, costs, static_cast<int>(received - m_last_received));
     m_last_received = received;
-    m_trace.write(m_run_start, timing, m_pace.getAge(), m_listener);
+    m_trace.write(run_start, timing, m_pace.getAge(), m_listener);
     m_status.addFrame(dt, work);
     m_status.print(m_listener, m_link, m_pace,
                    m_scene_command.describe() + ' ' + m_environment.describe());
     m_scene_time += dt;
     m_frames++;
+    if (m_record.isOpen() && m_frames % FRAMES_PER_DIGEST == 0) recordScene();
+    if (m_replay) m_replay->compare([this] { return digestScene(); });
     if (m_scene_command.isExit() || m_interface.isEndRequested()) m_quit = true;
     return true;
 }
 
-/// Delivers what a frame takes in. A box that an event opens runs frames until it is answered; they
-/// take what is left of the events before their own, so that all keep their order.
-void Channel::take(frames::FrameInput& input) {
+/// All that the next frame takes in. False when there is none.
+bool Channel::take(frames::FrameInput& input) {
+    if (!m_inputs->next({m_scene_time, m_last_received > 0}, input)) return false;
+    if (m_script.hasQuit()) requestStop(); // after this frame
+    if (m_record.isOpen()) record(input);
+    return true;
+}
+
+/// A box that an event opens runs frames until it is answered; they take what is left of the events
+/// before their own, so that all keep their order.
+void Channel::deliver(frames::FrameInput& input) {
     m_now = input.begin;
     SocketUDP::deliver(input);
     if (input.clipboard) m_clipboard = std::move(*input.clipboard);
@@ -352,6 +399,27 @@ void Channel::take(frames::FrameInput& input) {
         m_events.pop_front();
         EventQueue::tell(event, m_interface);
     }
+}
+
+/// Before the frame runs, which may end the process. A log that can't go on ends, the flight goes
+/// on.
+void Channel::record(const frames::FrameInput& input) {
+    m_recorded_scene = false;
+    if (!m_record.append(input)) tellRecordFailure();
+}
+
+void Channel::recordScene() {
+    m_recorded_scene = true;
+    if (m_record.isOpen() && !m_record.append(digestScene())) tellRecordFailure();
+}
+
+void Channel::tellRecordFailure() const {
+    jLog::error("visual_channel: --record: %s: what has been written can be replayed",
+                m_record.getMessage().c_str());
+}
+
+std::vector<frames::PartDigest> Channel::digestScene() {
+    return ::digestScene({m_world, m_particles, m_camera, m_environment, m_interface});
 }
 
 /// What the script asks for, unless frames of a box have taken it meanwhile.
@@ -439,7 +507,8 @@ void Channel::levelAfterJump() {
 
 int Channel::getExitStatus() const {
     return m_script.getFailures() > 0 || m_screenshots.hasFailed() || m_video.hasFailed() ||
-           m_trace.hasFailed();
+           m_trace.hasFailed() || !m_record.getMessage().empty() ||
+           (m_replay && m_replay->hasFailed());
 }
 
 void Channel::close() {

@@ -4,11 +4,11 @@
 #include "Environment.h"
 #include "EventQueue.h"
 #include "FrameClock.h"
-#include "FrameInputs.h"
 #include "Library.h"
 #include "LogicListener.h"
 #include "Options.h"
 #include "Precipitation.h"
+#include "ReplayedInputs.h"
 #include "ScaleGovernor.h"
 #include "SceneCommand.h"
 #include "Screenshots.h"
@@ -51,8 +51,8 @@ public:
     /// Runs frames until the time or the number of frames is up, until `requestStop`, or until the
     /// operator closes the window and confirms it.
     void run();
-    /// After `run`: 0, or 1 when a command of the script could not be done or a file that was asked
-    /// for could not be written.
+    /// After `run`: 0, or 1 when a command of the script could not be done, a file that was asked
+    /// for could not be written, or a replay differed from its log.
     int getExitStatus() const;
     /// One of these frames. False, with nothing done, after the last one.
     bool runFrame();
@@ -70,7 +70,8 @@ public:
 
 private:
     bool openWindow();
-    void toggleFullScreen() override { m_window.toggleFullScreen(); }
+    float getDensity() const;
+    void toggleFullScreen() override;
     void takePicture() override;
     void resize(int width, int height, float density) override;
 
@@ -87,7 +88,13 @@ private:
     FrameCosts frame(float dt);
     void askToQuit();
     bool loadScript();
-    void take(frames::FrameInput& input);
+    bool openLogs();
+    bool take(frames::FrameInput& input);
+    void deliver(frames::FrameInput& input);
+    void record(const frames::FrameInput& input);
+    void recordScene();
+    void tellRecordFailure() const;
+    std::vector<frames::PartDigest> digestScene();
     void takeStill();
     void setProjection();
     void draw();
@@ -128,6 +135,9 @@ private:
     FrameClock m_clock;
     const double m_run_start = program::steadyNow(); ///< that the inputs' clock counts from
     std::unique_ptr<FrameInputs> m_inputs;
+    ReplayedInputs* m_replay = nullptr; ///< `m_inputs`, when they are; else null
+    frames::LogWriter m_record;
+    bool m_recorded_scene = true;               ///< as the last frame of the log left it
     std::deque<frames::OperatorEvent> m_events; ///< taken in, and not yet told to the interface
     std::string m_clipboard;                    ///< as read or written last
     double m_now = 0;                           ///< on the inputs' clock when the frame began, s

@@ -3,6 +3,8 @@
 
 #include "ig/base/jLog.h"
 
+#include <algorithm>
+#include <iterator>
 #include <optional>
 
 using namespace ig;
@@ -34,7 +36,7 @@ const Conflict CONFLICTS[] = {
     {"profile", "null", false, NO_PICTURES},
     {"help-overlay", "null", false, NO_PICTURES},
     {"statistics", "null", false, NO_PICTURES},
-    {"renderer", "null", false, "only one of them can draw"},
+    {"renderer", "null", "warm-up", false, "only one of them can draw"},
     {"help-overlay", "no-ui", false, NO_INTERFACE},
     {"statistics", "no-ui", false, NO_INTERFACE},
     {"interface-size", "no-ui", false, NO_INTERFACE},
@@ -46,17 +48,51 @@ const Conflict CONFLICTS[] = {
     {"size", "width", false, SAME_SIZE},
     {"size", "height", false, SAME_SIZE},
     {"screenshot-every", "screenshot", true, "the pictures are numbered after its name"},
+    {"real-time", "replay", true, "all else is in real time"},
+    {"fps", "replay", false, "the log says how long its frames are; --real-time takes that time"},
+    {"step", "replay", false, "the log says how long its frames are"},
+    {"script", "replay", false, "the log says what the operator did"},
+    {"allow-sender", "replay", false, "nothing is received"},
 };
 
-/// What files are written to; no two of them may be the same.
-const char* const OUTPUTS[] = {"screenshot", "contact-sheet", "video", "trace"};
+/// What files are written to, and the one that is read; no two of them may be the same.
+const char* const FILES[] = {"screenshot", "contact-sheet", "video", "trace", "record", "replay"};
+
+const char* const OF_DISPLAY[] = {"renderer",
+                                  "null",
+                                  "warm-up",
+                                  "headless",
+                                  "window",
+                                  "vsync",
+                                  "full-screen",
+                                  "monitor",
+                                  "scale",
+                                  "screenshot",
+                                  "contact-sheet",
+                                  "video",
+                                  "screenshot-every",
+                                  "eye",
+                                  "profile",
+                                  "no-ui",
+                                  "statistics",
+                                  "trace",
+                                  "quiet",
+                                  "seconds",
+                                  "frames",
+                                  "record",
+                                  "replay",
+                                  "real-time"};
 
 std::optional<Conflict> findConflict(const Wishes& wishes) {
     for (const Conflict& conflict : CONFLICTS)
         if (wishes.contains(conflict.name) && wishes.contains(conflict.other) != conflict.lacks)
             return conflict;
-    for (const char* const& a : OUTPUTS)
-        for (const char* const* b = OUTPUTS; b < &a; b++)
+    if (wishes.contains("replay"))
+        for (const auto& [name, wish] : wishes)
+            if (!isOfDisplay(name))
+                return Conflict{name, "replay", false, "the log says what scene it is of"};
+    for (const char* const& a : FILES)
+        for (const char* const* b = FILES; b < &a; b++)
             if (wishes.contains(a) && wishes.contains(*b) &&
                 wishes.at(a).value == wishes.at(*b).value)
                 return Conflict{a, *b, false, "they name the same file"};
@@ -77,6 +113,10 @@ std::string describe(const std::string& name, const Wishes& wishes) {
 }
 
 } // namespace
+
+bool isOfDisplay(const std::string& name) {
+    return std::ranges::find(OF_DISPLAY, name) != std::end(OF_DISPLAY);
+}
 
 bool settleWishes(Wishes& wishes) {
     bool displaced = false;

@@ -17,3 +17,7 @@ using Wishes = std::map<std::string, Wish>;
 /// displaces settings of the file, which are taken out, with a log line each. False, with an error
 /// that tells the reason, when wishes of the same place don't fit.
 bool settleWishes(Wishes& wishes);
+
+/// Whether an option is about what is shown, written or told, and not about the scene: a log keeps
+/// only the others, and a replay has only these of its own.
+bool isOfDisplay(const std::string& name);

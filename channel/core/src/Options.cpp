@@ -3,6 +3,7 @@
 
 #include "OptionRules.h"
 #include "OptionValues.h"
+#include "Provenance.h"
 #include "Settings.h"
 #include "ig/base/jLog.h"
 #include "render/factory/RendererKind.h"
@@ -11,6 +12,7 @@
 #include <cctype>
 #include <cstdio>
 #include <filesystem>
+#include <iterator>
 
 using namespace option_values;
 using ig::jLog;
@@ -186,6 +188,16 @@ void addSizeOptions(CLI::App& app, Options& options) {
         });
 }
 
+void addLogOptions(CLI::App& app, Options& options) {
+    app.add_option("--record", options.record,
+                   "Write a log of all that the frames take in to this file, to be played again");
+    app.add_option("--replay", options.replay,
+                   "Play such a log again, as fast as possible: no link, no operator, the options "
+                   "of the log; what is shown and written is asked for here");
+    app.add_flag("--real-time", options.real_time,
+                 "The replay takes the time that the flight took");
+}
+
 void addOptions(CLI::App& app, Options& options) {
     app.add_option("--logic", options.logic, "Library of the scene logic")
         ->default_str("the one shipped with this program");
@@ -205,6 +217,7 @@ void addOptions(CLI::App& app, Options& options) {
     addPictureOptions(app, options);
     addWeatherOptions(app, options);
     addInterfaceOptions(app, options);
+    addLogOptions(app, options);
     app.add_option("--allow-sender", options.allow_sender,
                    "Take records from this IPv4 address only");
     app.add_flag("--obey-exit", options.obey_exit,
@@ -215,9 +228,10 @@ void addOptions(CLI::App& app, Options& options) {
 
 // ------------------------------------------------------------------ command line, then file
 
-/// What only the command line says: it comes before the settings file, or ends the program.
-const char* const COMMAND_LINE_ONLY[] = {"help",      "version", "schema",
-                                         "directory", "config",  "null"};
+/// What comes before the settings file, or ends the program.
+const char* const BEFORE_SETTINGS[] = {"help", "version", "schema", "directory", "config"};
+/// What else only the command line says.
+const char* const COMMAND_LINE_ONLY[] = {"null", "replay", "real-time"};
 
 std::string nameOf(const CLI::Option& option) { return option.get_lnames().front(); }
 
@@ -225,7 +239,9 @@ std::string nameOf(const CLI::Option& option) { return option.get_lnames().front
 std::vector<std::string> settingNames(const CLI::App& app) {
     std::vector<std::string> names;
     for (const CLI::Option* option : app.get_options())
-        if (std::ranges::count(COMMAND_LINE_ONLY, nameOf(*option)) == 0)
+        if (std::ranges::count(BEFORE_SETTINGS, nameOf(*option)) +
+                std::ranges::count(COMMAND_LINE_ONLY, nameOf(*option)) ==
+            0)
             for (const std::string& name : option->get_lnames())
                 names.push_back(name);
     return names;
@@ -313,6 +329,15 @@ bool checkKeys(const CLI::App& app, std::vector<Setting>& settings) {
     return known;
 }
 
+/// What the command line asks for.
+Wishes wishesOf(const CLI::App& app) {
+    Wishes wishes;
+    for (const CLI::Option* option : app.get_options())
+        if (std::ranges::count(BEFORE_SETTINGS, nameOf(*option)) == 0)
+            addWish(*option, option->results(), "", wishes);
+    return wishes;
+}
+
 /// The settings file below what the command line says. False after the errors that explain it.
 bool applySettings(CLI::App& app, const std::string& path, bool needed) {
     std::vector<Setting> settings;
@@ -320,11 +345,7 @@ bool applySettings(CLI::App& app, const std::string& path, bool needed) {
         if (!readSettings(path, settings) || !checkKeys(app, settings)) return false;
     for (Setting& setting : settings) // a bare null is YAML for no value, but here it is a word
         if (setting.key == "renderer" && setting.values.empty()) setting.values = {"null"};
-    Wishes wishes;
-    for (const CLI::Option* option : app.get_options())
-        if (std::ranges::count(COMMAND_LINE_ONLY, nameOf(*option)) == 0 ||
-            nameOf(*option) == "null")
-            addWish(*option, option->results(), "", wishes);
+    Wishes wishes = wishesOf(app);
     std::erase_if(settings, [&app](const Setting& setting) {
         return setting.values.empty() || app.get_option("--" + setting.key)->count() > 0;
     });
@@ -339,6 +360,43 @@ bool applySettings(CLI::App& app, const std::string& path, bool needed) {
         if (wished && !applySetting(option, setting)) right = false;
     }
     return right;
+}
+
+// ------------------------------------------------------------------ command line and log
+
+/// The options in force that a log keeps.
+std::vector<std::string> wordsForLog(const CLI::App& app) {
+    std::vector<std::string> words;
+    for (const CLI::Option* option : app.get_options()) {
+        const bool flag = option->get_expected_min() == 0;
+        const std::string name = nameOf(*option);
+        if (option->count() == 0 || (flag && isFalse(option->results()[0]))) continue;
+        if (std::ranges::count(BEFORE_SETTINGS, name) > 0 || isOfDisplay(name)) continue;
+        words.push_back("--" + name);
+        if (!flag) std::ranges::copy(option->results(), std::back_inserter(words));
+    }
+    return words;
+}
+
+/// The log's options take the place of the settings file. One that there isn't is another
+/// version's: the replay goes on without. False, with an error, when the command line contradicts
+/// the replay, or the log can't be read.
+bool applyLog(CLI::App& app, Options& options, bool has_config) {
+    Wishes wishes = wishesOf(app);
+    if (has_config) wishes["config"] = {};
+    if (!settleWishes(wishes)) return false;
+    std::vector<Setting> settings;
+    if (!readLogOptions(options, settings)) return false;
+    for (const Setting& setting : settings) {
+        CLI::Option* const option = app.get_option_no_throw("--" + setting.key);
+        if (!option)
+            jLog::warning(
+                "visual_channel: %s: there is no option \"%s\" here: the replay may differ",
+                setting.place.c_str(), setting.key.c_str());
+        else if (!applySetting(*option, setting))
+            return false;
+    }
+    return true;
 }
 
 } // namespace
@@ -377,7 +435,11 @@ bool parseOptions(int argc, char** argv, Options& options, int& exit_status) {
         logMistake(app, error);
         return false;
     }
-    return nameExtras(app) &&
-           applySettings(app, (std::filesystem::path(options.directory) / config).string(),
-                         config_option->count() > 0);
+    if (!nameExtras(app)) return false;
+    if (!options.replay.empty()) return applyLog(app, options, config_option->count() > 0);
+    const bool applied =
+        applySettings(app, (std::filesystem::path(options.directory) / config).string(),
+                      config_option->count() > 0);
+    options.logged = wordsForLog(app);
+    return applied;
 }

@@ -44,6 +44,14 @@ struct Options {
     bool quiet = false;        ///< no status line
     bool obey_exit = false;    ///< the flight simulation may end the channel
     bool no_interface = false; ///< pictures without panels and texts
+    std::string record;        ///< log to write of what the frames take in; empty: none
+    std::string replay;        ///< log that they take in; empty: they are live
+    bool real_time = false;    ///< the log's frames last as long as they did
+    /// Those of these options that a log keeps, because the scene depends on them, as words of a
+    /// command line.
+    std::vector<std::string> logged;
+    /// Of the picture of a log, pixels per 1/96 inch; 0: the display's.
+    float density = 0;
     std::string language = "zh"; ///< of what the application says in the picture: zh or en
     bool show_help = false;      ///< the key map, from the start
     Overlays::Statistics statistics = Overlays::Statistics::off; ///< in the picture

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Options.h"
+#include "Provenance.h"
 #include "testkit/LogCapture.h"
 #include "testkit/TempFolder.h"
 
@@ -60,6 +61,11 @@ TEST_F(OptionsTest, MistakesAreNamedWithWhatIsAllowed) {
         {"--headless --window", "--window can't go together with --headless"},
         {"--screenshot-every 5", "does nothing without --screenshot"},
         {"--trace a --video a", "they name the same file"},
+        {"--replay a --script b", "--script can't go together with --replay: the log says what"},
+        {"--replay a --rain 2", "--rain can't go together with --replay: the log says what scene"},
+        {"--replay a --record a", "they name the same file"},
+        {"--replay a", "--replay: cannot open \"a\": "},
+        {"--real-time", "does nothing without --replay"},
         {"--screenshot a.jpg", "pictures are written as PNG: name it \"a.png\""},
     };
     for (const auto& [line, part] : mistakes) {
@@ -132,6 +138,24 @@ TEST_F(OptionsTest, MistakesInTheFileAreNamedWithTheirLine) {
     }
 }
 
+TEST_F(OptionsTest, AReplayHasTheScenesOptionsOfItsLogAndTheDisplaysOfItsOwn) {
+    ASSERT_TRUE(parse("--rain 2 --obey-exit --size 64x32 --fps 20 --scale 0.5 --script a "
+                      "--record b.flog",
+                      "wind: [270, 12]\nquiet: true\n"));
+    frames::LogWriter written;
+    ASSERT_TRUE(written.open("b.flog", describeRun(options, 1.5f)));
+    ASSERT_TRUE(written.close());
+    ASSERT_TRUE(parse("--replay b.flog --statistics full", "rain: 1\n")) << log.lines[0];
+    EXPECT_EQ(options.weather.rain, 2);
+    EXPECT_EQ(options.weather.wind_speed, 12);
+    EXPECT_TRUE(options.obey_exit && !options.quiet && options.script.empty());
+    EXPECT_EQ(options.width * 1000 + options.height, 64032);
+    EXPECT_EQ(options.density, 1.5f);
+    EXPECT_EQ(options.scale, 1);
+    EXPECT_EQ(options.frame_rate, 60);
+    EXPECT_EQ(options.statistics, Overlays::Statistics::full);
+}
+
 TEST_F(OptionsTest, TheShippedFileOffersEveryOptionWithItsDefault) {
     testing::internal::CaptureStdout();
     EXPECT_FALSE(parse("--help"));
@@ -141,7 +165,8 @@ TEST_F(OptionsTest, TheShippedFileOffersEveryOptionWithItsDefault) {
     std::map<std::string, std::string> known, offered; // defaults by name
     for (std::string line; std::getline(help, line);)
         if (std::smatch found; std::regex_match(line, found, option)) known[found[1]] = found[2];
-    for (const char* name : {"help", "version", "schema", "directory", "config", "null"})
+    for (const char* name :
+         {"help", "version", "schema", "directory", "config", "null", "replay", "real-time"})
         EXPECT_EQ(known.erase(name), 1u); // these make no sense in the file
     known["logic"] = "";
 

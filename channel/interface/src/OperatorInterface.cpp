@@ -167,3 +167,9 @@ const UiDrawList* OperatorInterface::draw() {
     m_root->draw(m_list);
     return &m_list;
 }
+
+void OperatorInterface::drawPanels(UiDrawList& list) const {
+    list.clear();
+    for (const UIElement* panel : m_panels)
+        if (!panel->isHidden()) panel->draw(list);
+}

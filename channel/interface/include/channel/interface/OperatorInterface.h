@@ -68,6 +68,8 @@ public:
     /// All that can be shown, hidden panels and viewports too, for a renderer to get ready. The
     /// list holds until the next `draw`.
     const ig::UiDrawList* drawAll();
+    /// Of that what the logic's panels show, into a list of the caller's.
+    void drawPanels(ig::UiDrawList& list) const;
 
 private:
     bool doWindowsOwn(int key);

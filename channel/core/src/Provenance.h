@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Settings.h"
+#include "frames/FrameLog.h"
+
+struct Options;
+
+/// What a log says of the run that it is of: program, options, picture, and every file below
+/// config/ and data/ with its digest. The settings file is left out: what holds of it is among the
+/// options.
+frames::LogHead describeRun(const Options& options, float density);
+
+/// Logs where this run has another program or other files than the one that a log is of: a line for
+/// the program and for each of the two folders.
+void tellDifferences(const frames::LogHead& log, const frames::LogHead& now);
+
+/// What the log that `options.replay` names says in place of a settings file: picture size and
+/// density go into the options, the rest is answered. False, with one log line, when it can't be
+/// read.
+bool readLogOptions(Options& options, std::vector<Setting>& settings);

@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: MIT
+#include "ReplayedInputs.h"
+
+#include "EventQueue.h"
+#include "Window.h"
+#include "ig/base/jLog.h"
+#include "ig/net/SocketUDP.h"
+#include "ig/ui/KeyCode.h"
+#include "program/Clock.h"
+
+#include <algorithm>
+#include <cmath>
+
+using frames::LogItem;
+using ig::jLog;
+
+namespace {
+
+/// The parts that differ, or that only one of the two has.
+std::string listDifferences(const ReplayedInputs::Digests& a, const ReplayedInputs::Digests& b) {
+    std::string parts;
+    const auto list = [&parts](const ReplayedInputs::Digests& from, const auto& leaves_out) {
+        for (const frames::PartDigest& part : from)
+            if (!leaves_out(part)) parts += (parts.empty() ? "" : ", ") + part.part;
+    };
+    const auto has = [](const ReplayedInputs::Digests& digests, const std::string& name) {
+        return std::ranges::any_of(digests, [&name](const auto& d) { return d.part == name; });
+    };
+    list(a, [&](const auto& part) { return std::ranges::count(b, part) > 0; });
+    list(b, [&](const auto& part) { return has(a, part.part); });
+    return parts;
+}
+
+} // namespace
+
+bool ReplayedInputs::open(const std::string& path) {
+    if (!m_reader.open(path)) {
+        jLog::error("visual_channel: --replay: %s", m_reader.getMessage().c_str());
+        return false;
+    }
+    readOn();
+    ig::SocketUDP::setOffline(m_input.answers);
+    return true;
+}
+
+void ReplayedInputs::readOn() {
+    m_item = m_reader.next(m_input, m_digests);
+    if (m_item == LogItem::cut_off)
+        jLog::warning("visual_channel: %s", m_reader.getMessage().c_str());
+    if (m_item == LogItem::damaged)
+        jLog::error("visual_channel: %s", m_reader.getMessage().c_str());
+}
+
+bool ReplayedInputs::next(const Moment&, frames::FrameInput& input) {
+    watchWindow();
+    // Digests that were not compared after a frame are those of the end.
+    if (m_closed || m_item != LogItem::frame) return false;
+    input = std::move(m_input);
+    if (m_real_time) waitFor(input.begin);
+    m_number = input.number;
+    m_frames++;
+    readOn();
+    return true;
+}
+
+void ReplayedInputs::waitFor(double begin) {
+    if (m_frames == 0) m_start = program::steadyNow() - begin;
+    program::sleepUntil(std::llround((m_start + begin) * double(program::NS_PER_SECOND)));
+}
+
+void ReplayedInputs::watchWindow() {
+    using Kind = frames::OperatorEvent::Kind;
+    if (m_window.isOpen()) m_window.poll();
+    for (const frames::OperatorEvent& event : m_queue.take()) {
+        if (event.kind == Kind::close) m_closed = true;
+        if (event.kind == Kind::modifiers) m_alt = event.alt;
+        if (event.kind == Kind::key && event.code == ig::KEY_RETURN && event.down &&
+            !event.repeat && m_alt)
+            m_window.toggleFullScreen();
+    }
+}
+
+void ReplayedInputs::compare(const std::function<Digests()>& digest_scene) {
+    if (m_item != LogItem::digests) return;
+    if (m_difference.empty()) {
+        m_difference = listDifferences(m_digests, digest_scene());
+        m_compared++;
+        if (!m_difference.empty()) {
+            m_difference = "frame " + std::to_string(m_number) + ": " + m_difference;
+            jLog::error("visual_channel: the replay differs from the log in %s",
+                        m_difference.c_str());
+        }
+    }
+    readOn();
+}
+
+std::string ReplayedInputs::getSummary() const {
+    return "replay: " + std::to_string(m_frames) + " frames, " + std::to_string(m_compared) +
+           " compared, " +
+           (m_difference.empty() ? "all equal" : "first difference in " + m_difference) + '\n';
+}

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "FrameInputs.h"
+#include "frames/FrameLog.h"
+
+#include <functional>
+
+class EventQueue;
+class Window;
+
+/// Frames of a log, played again: as fast as they can, or in the time that they took. What happens
+/// at the window of the replay reaches no frame: it can be closed, and shown on all of its monitor.
+///
+/// The log's digests of the scene are compared as the replay comes to them. The first difference is
+/// told with the frame and the parts that differ; what comes after one tells nothing more.
+class ReplayedInputs final : public FrameInputs {
+public:
+    using Digests = std::vector<frames::PartDigest>;
+
+    /// Window and queue are the application's.
+    ReplayedInputs(Window& window, EventQueue& queue, bool real_time)
+        : m_window(window), m_queue(queue), m_real_time(real_time) {}
+    /// Before the logic makes its sockets, which answer as the log says from then on. False, with
+    /// one log line, when the log can't be read.
+    bool open(const std::string& path);
+    const frames::LogHead& getHead() const { return m_reader.getHead(); }
+
+    bool next(const Moment& moment, frames::FrameInput& input) override;
+    /// After every frame: compares the digests that the log holds of it, if any, with those of the
+    /// scene.
+    void compare(const std::function<Digests()>& digest_scene);
+    /// The run was ended by force in the frame that was taken last.
+    bool endsByForce() const { return m_item == frames::LogItem::cut_off; }
+
+    /// What came of it, a line for the console.
+    std::string getSummary() const;
+    /// The replay went another way than the log, or the log was damaged.
+    bool hasFailed() const { return !m_difference.empty() || m_item == frames::LogItem::damaged; }
+
+private:
+    void readOn();
+    void waitFor(double begin);
+    void watchWindow();
+
+    Window& m_window;
+    EventQueue& m_queue;
+    bool m_real_time;
+    frames::LogReader m_reader;
+    frames::LogItem m_item = frames::LogItem::end; ///< what comes next, and its content
+    frames::FrameInput m_input;
+    Digests m_digests;
+    double m_start = 0; ///< on the steady clock, of the log's first frame as replayed, s
+    bool m_closed = false, m_alt = false;
+    std::uint64_t m_number = 0;                 ///< of the frame that was taken last
+    std::uint64_t m_frames = 0, m_compared = 0; ///< taken; with digests
+    std::string m_difference;                   ///< the first; empty: none
+};
