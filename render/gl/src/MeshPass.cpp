@@ -100,9 +100,11 @@ void MeshPass::upload(const SceneList& list, const SkyPass& sky) {
     addBatches(list.far_casters, m_far_casters, sky);
     addBatches(list.opaque, m_opaque, sky);
     addBatches(list.transparent, m_transparent, sky);
-    // Near ones first, so that what they hide is not shaded.
-    std::sort(m_opaque.begin(), m_opaque.end(),
-              [](const Batch& a, const Batch& b) { return a.distance < b.distance; });
+    // Near ones first, so that what they hide is not shaded. Where surfaces touch, the first drawn
+    // shows: among equals that of the scene.
+    std::sort(m_opaque.begin(), m_opaque.end(), [](const Batch& a, const Batch& b) {
+        return a.distance != b.distance ? a.distance < b.distance : a.item->order < b.item->order;
+    });
     glBindBuffer(GL_ARRAY_BUFFER, m_instance_buffer.getId());
     glBufferData(GL_ARRAY_BUFFER, m_instances.size() * sizeof(Instance), m_instances.data(),
                  GL_STREAM_DRAW);

@@ -159,17 +159,28 @@ auto batchKey(const MeshItem& item) {
     return std::make_tuple(item.mesh->get(), item.surface, l.color.x, l.color.y, l.color.z,
                            l.emission, l.wetness, l.ice, l.texture);
 }
+
+void number(std::vector<MeshItem>& items) {
+    int order = 0;
+    for (MeshItem& item : items)
+        item.order = order++;
+}
 } // namespace
 
 void SceneList::sort() {
+    // Batches are told apart by addresses, which are others in every run.
     const auto by_batch = [](const MeshItem& a, const MeshItem& b) {
-        return batchKey(a) < batchKey(b);
+        const auto key = batchKey(a), other = batchKey(b);
+        return key != other ? key < other : a.order < b.order;
     };
+    for (std::vector<MeshItem>* items : {&opaque, &casters, &far_casters, &transparent})
+        number(*items);
     std::sort(opaque.begin(), opaque.end(), by_batch);
     std::sort(casters.begin(), casters.end(), by_batch);
     std::sort(far_casters.begin(), far_casters.end(), by_batch);
-    std::sort(transparent.begin(), transparent.end(),
-              [](const MeshItem& a, const MeshItem& b) { return a.distance > b.distance; });
+    std::sort(transparent.begin(), transparent.end(), [](const MeshItem& a, const MeshItem& b) {
+        return a.distance != b.distance ? a.distance > b.distance : a.order < b.order;
+    });
     std::sort(downdraughts.begin(), downdraughts.end(), [](const vec4& a, const vec4& b) {
         return std::hypot(a.x, a.y) < std::hypot(b.x, b.y);
     });

@@ -13,6 +13,7 @@
 #include "plugins/terrain/ObjectTerrain.h"
 #include "testkit/TempFolder.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -180,9 +181,19 @@ TEST_F(SceneListOf, EqualThingsAdjoinAndGlassGoesFarToNear) {
     EXPECT_NEAR(list.transparent[0].distance, 60, 1e-3);
     EXPECT_NEAR(list.transparent[2].distance, 20, 1e-3);
 
+    for (int i = 0; i < 40; i++) { // more than a sort leaves in order by itself
+        place(new ObjectMesh(mesh), 30);
+        addCard(20, 0, 0.5f);
+    }
+    gather();
+    const auto earlier = [](const MeshItem& a, const MeshItem& b) { return a.order < b.order; };
+    EXPECT_TRUE(std::is_sorted(list.opaque.end() - 40, list.opaque.end(), earlier) ||
+                std::is_sorted(list.opaque.begin(), list.opaque.end() - 6, earlier));
+    EXPECT_TRUE(std::is_sorted(list.transparent.end() - 41, list.transparent.end(), earlier));
+
     const MeshItem* memory = list.opaque.data();
     gather(); // neither twice the things nor new memory
-    EXPECT_EQ(list.opaque.size(), 6U);
+    EXPECT_EQ(list.opaque.size(), 46U);
     EXPECT_EQ(list.opaque.data(), memory);
 }
 

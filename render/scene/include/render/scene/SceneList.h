@@ -26,6 +26,7 @@ struct MeshItem {
     mat4 transform; ///< mesh to E
     float distance; ///< of the object's middle from the eye, m
     SurfaceLook look;
+    int order = 0; ///< in which it came into its list; settles what else would be any
 };
 
 /// A lamp that is seen itself.
@@ -60,7 +61,7 @@ public:
 
     const Node* left_out = nullptr; ///< set before `gather`: with all below it; null: none
 
-    std::vector<MeshItem> opaque;      ///< near batches first; equal mesh, surface, look adjoin
+    std::vector<MeshItem> opaque;      ///< equal mesh, surface, look adjoin, as they came
     std::vector<MeshItem> transparent; ///< far to near
     std::vector<MeshItem> casters;     ///< opaque ones near the shadow's centre
     std::vector<MeshItem> far_casters; ///< large ones in view beyond those
