@@ -34,7 +34,7 @@ spdlog::logger& console() {
     return *logger;
 }
 
-void write(LogLevel level, const char* format, va_list arguments) {
+[[gnu::format(printf, 2, 0)]] void write(LogLevel level, const char* format, va_list arguments) {
     char text[2048]; // longer lines are cut: a log line is not a place for data
     std::vsnprintf(text, sizeof text, format, arguments);
     if (currentSink()) {

@@ -41,7 +41,7 @@ inline double wrapTurns(double turns) {
 /// doubled: errs by less than 1e-6, and consists of exactly rounded operations only, so that it
 /// gives the same bits under every compiler and library.
 inline void cosineSine(float turns, float& cosine, float& sine) {
-    turns -= static_cast<int>(turns * 2); // to [−½, ½]
+    turns -= static_cast<float>(static_cast<int>(turns * 2)); // to [−½, ½]
     const float h = turns * std::numbers::pi_v<float>, h2 = h * h;
     const float s =
         h * (1 + h2 * (-1 / 6.f +
