@@ -250,8 +250,9 @@ Difference differ(const Picture& picture, const Image& kept) {
 
 void compare(const char* name, const Picture& picture) {
     const std::string kept_path = std::string(GOLDEN_FOLDER "/") + name + ".png";
+    std::string message;
     if (std::getenv("GOLDEN_RENEW")) {
-        ASSERT_TRUE(writePng(kept_path, picture));
+        ASSERT_TRUE(writePng(kept_path, picture, message)) << message;
         return;
     }
     Image kept;
@@ -261,7 +262,7 @@ void compare(const char* name, const Picture& picture) {
     if (found.strays <= STRAY_BLOCKS && found.most <= FARTHEST) return;
     std::filesystem::create_directories(FAILED_FOLDER);
     const std::string path = std::string(FAILED_FOLDER "/") + name + ".png";
-    writePng(path, picture);
+    writePng(path, picture, message);
     ADD_FAILURE() << name << ": " << 100 * found.strays << " % of the picture differs from "
                   << kept_path << ", somewhere by " << found.most << " of 255; it is now as in "
                   << path;

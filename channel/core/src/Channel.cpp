@@ -311,11 +311,15 @@ void Channel::toggleFullScreen() {
 }
 
 void Channel::takePicture() {
-    if (m_replay) return; // it was taken
-    const std::string path = m_screenshots.takeNew(*m_renderer);
-    if (path.empty()) return;
-    jLog::message("visual_channel: picture written: %s", path.c_str());
-    m_interface.getRoot()->tell(Texts::fill("notice.picture", {path}));
+    if (!m_replay) m_screenshots.takeNew(*m_renderer); // else it was taken
+}
+
+/// Once they are written, which is some frames after the key.
+void Channel::tellPictures() {
+    for (const std::string& path : m_screenshots.takeWritten()) {
+        jLog::message("visual_channel: picture written: %s", path.c_str());
+        m_interface.getRoot()->tell(Texts::fill("notice.picture", {path}));
+    }
 }
 
 // ------------------------------------------------------------------ frames
@@ -324,6 +328,7 @@ void Channel::run() {
     while (runFrame())
         if (m_interface.isCloseRequested()) askToQuit();
     if (m_frames > 0) m_screenshots.afterLast(*m_renderer);
+    tellPictures();
     m_video.close();
     m_trace.close();
     if (!m_recorded_scene) recordScene();
@@ -349,6 +354,7 @@ bool Channel::runFrame() {
     if (still && m_options.scale <= 0) m_renderer->setScale(1);
     const FrameCosts costs = frame(dt);
     takeStill();
+    tellPictures();
     m_renderer->setScale(scale);
     const double work = steadyNow() - begin;
     const Shown shown = m_window.isOpen() ? m_window.swap() : Shown{steadyNow(), steadyNow()};

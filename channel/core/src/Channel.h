@@ -73,6 +73,7 @@ private:
     float getDensity() const;
     void toggleFullScreen() override;
     void takePicture() override;
+    void tellPictures();
     void resize(int width, int height, float density) override;
 
     bool checkOutputs() const;

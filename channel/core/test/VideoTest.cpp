@@ -3,7 +3,7 @@
 // The video, with small scripts in the place of ffmpeg.
 
 #include "Video.h"
-#include "ig/app/Renderer.h"
+#include "GreyRenderer.h"
 #include "testkit/LogCapture.h"
 #include "testkit/TempFolder.h"
 
@@ -17,22 +17,6 @@
 namespace {
 
 using namespace ig;
-
-/// Shows one grey; the n-th picture read back is n bright.
-struct GreyRenderer final : Renderer {
-    bool init(int, int) override { return true; }
-    void resize(int w, int h) override { width = w, height = h; }
-    void render(const World&, const Camera&, const FrameInfo&) override {}
-    void release() override {}
-    bool readPicture(Picture& picture) override {
-        picture.width = width;
-        picture.height = height;
-        picture.rgb.assign(static_cast<std::size_t>(3 * width * height), ++number);
-        return true;
-    }
-    int width = 16, height = 8;
-    std::uint8_t number = 0;
-};
 
 struct VideoTest : testing::Test {
     static constexpr std::size_t PICTURE = 3 * 16 * 8; ///< bytes; the pipe holds seconds of them

@@ -29,7 +29,8 @@ public:
         for (int y = 4; y < 8; y++)
             for (int x = 4; x < 8; x++)
                 std::fill_n(picture.rgb.begin() + 3 * (8 * y + x), 3, std::uint8_t{255});
-        ASSERT_TRUE(writePng((m_folder.path() / path).string(), picture));
+        std::string message;
+        ASSERT_TRUE(writePng((m_folder.path() / path).string(), picture, message)) << message;
     }
     /// A square that fills the middle of the picture, facing the eye; its surface is the file's.
     void show(const jString& model) {

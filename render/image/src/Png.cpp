@@ -40,17 +40,17 @@ bool isSane(std::uint64_t width, std::uint64_t height, std::uint64_t bytes, std:
 
 // The compression level and filter are the ones that cost least for rendered pictures: 44 ms
 // instead of some 200 for 1280 × 720.
-bool writePng(const std::string& path, const Picture& picture) {
+bool writePng(const std::string& path, const Picture& picture, std::string& message) {
     OutputFile file;
     if (!file.open(path, OutputFile::Kind::whole)) {
-        jLog::error("writePng: %s", file.getMessage().c_str());
+        message = file.getMessage();
         return false;
     }
     png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, giveUp, nullptr);
     png_infop info = png ? png_create_info_struct(png) : nullptr;
     if (!info || setjmp(png_jmpbuf(png))) { // the library comes back here when it fails
-        jLog::error("writePng: %s", file.isOpen() ? ("\"" + path + "\": out of memory").c_str()
-                                                  : file.getMessage().c_str());
+        message =
+            file.isOpen() ? "cannot write \"" + path + "\": out of memory" : file.getMessage();
         png_destroy_write_struct(&png, &info);
         return false;
     }
@@ -65,7 +65,7 @@ bool writePng(const std::string& path, const Picture& picture) {
     png_write_end(png, nullptr);
     png_destroy_write_struct(&png, &info);
     if (file.close()) return true;
-    jLog::error("writePng: %s", file.getMessage().c_str());
+    message = file.getMessage();
     return false;
 }
 

@@ -7,8 +7,9 @@
 
 namespace ig {
 
-/// Writes a picture. False, with one log line, when the file can't be written.
-bool writePng(const std::string& path, const Picture& picture);
+/// Writes a picture, on any thread. False, with the path and the reason in `message`, when the file
+/// can't be written.
+bool writePng(const std::string& path, const Picture& picture, std::string& message);
 
 /// Pixels of an image file: four bytes (red, green, blue, opacity) each, rows from the top.
 struct Image {
