@@ -478,9 +478,13 @@ FrameCosts Channel::frame(float dt) {
     m_frame_info.ui = m_options.no_interface ? nullptr : m_interface.draw();
     m_frame_info.ui_root = m_options.no_interface ? nullptr : m_interface.getRoot();
     costs.interface = spent();
+    if (m_options.smooth)
+        m_smooth_focus.show(*m_logic, m_listener, m_now, m_link.getReceived().last_received,
+                            m_scene_command.isStill());
     m_logic->swap();
     draw();
     m_logic->render();
+    if (m_options.smooth) m_smooth_focus.putBack(*m_logic);
     costs.draw = spent();
     m_control.endFrame();
     return costs;

@@ -13,6 +13,7 @@
 #include "SceneCommand.h"
 #include "Screenshots.h"
 #include "ScriptPlayer.h"
+#include "SmoothFocus.h"
 #include "Status.h"
 #include "Trace.h"
 #include "Video.h"
@@ -126,6 +127,7 @@ private:
     Environment m_environment;
     Precipitation m_precipitation;
     SceneCommand m_scene_command;
+    SmoothFocus m_smooth_focus; ///< before the world, whose nodes it moves, goes
     Screenshots m_screenshots;
     Video m_video;
     ig::ParticleSystem m_particles;

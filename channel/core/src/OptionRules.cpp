@@ -34,6 +34,7 @@ const Conflict CONFLICTS[] = {
     {"eye", "null", false, NO_PICTURES},
     {"scale", "null", false, NO_PICTURES},
     {"profile", "null", false, NO_PICTURES},
+    {"smooth", "null", false, NO_PICTURES},
     {"help-overlay", "null", false, NO_PICTURES},
     {"statistics", "null", false, NO_PICTURES},
     {"renderer", "null", "warm-up", false, "only one of them can draw"},

@@ -209,6 +209,9 @@ void addOptions(CLI::App& app, Options& options) {
     app.add_option("--step", options.step,
                    "Advance every frame by this many seconds instead of the time that has passed")
         ->check(number(0, 1));
+    app.add_flag("--smooth", options.smooth,
+                 "Show the helicopter moving evenly, carried on from its records to the time of "
+                 "each frame (docs/operator.md)");
     app.add_option("--seconds", options.seconds, "End after this scene time; 0: run until stopped")
         ->check(number({}));
     app.add_option("--frames", options.frames, "End after this many frames; 0: run until stopped")

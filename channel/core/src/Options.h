@@ -16,6 +16,7 @@ struct Options {
     bool print_schema = false;        ///< tell what nodes of scene files may say, and end
     double frame_rate = 60;           ///< frames per second in real time; 0: as fast as possible
     double step = 0; ///< seconds that every frame advances the scene; 0: the time that has passed
+    bool smooth = false;            ///< what the picture is about moves evenly between its records
     double seconds = 0;             ///< of scene time until the end; 0: until stopped
     int frames = 0;                 ///< until the end; 0: until stopped
     int width = 1280, height = 720; ///< of the picture

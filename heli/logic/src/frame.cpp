@@ -124,6 +124,19 @@ void Logic_Nerith_Heli_Final::swap() {
         update_third_view();
 }
 
+void Logic_Nerith_Heli_Final::getHanging(jVector<Hanging>& hanging) {
+    if (const SonarInfo* sonar = m_sonar_info; sonar && sonar->anchor) {
+        if (is_break_sonar_joint()) {
+            hanging.append({sonar->anchor, sonar->anchor});
+            if (sonar->rope) hanging.append({sonar->rope, sonar->anchor});
+        } else {
+            hanging.append({sonar->prefab, sonar->anchor});
+        }
+    }
+    if (const WinchInfo* winch = m_winch_info; winch && winch->anchor)
+        hanging.append({winch->prefab, winch->anchor});
+}
+
 void Logic_Nerith_Heli_Final::release() {
     if (m_udp_recv) m_udp_recv->release();
     destroy(m_udp_recv, RELEASE);

@@ -47,7 +47,9 @@ public:
     virtual bool init() { return true; }
     virtual void update(float) {} ///< once per frame, seconds
     virtual void render() {}
-    virtual void swap() {} ///< places the camera, just before the frame is drawn
+    /// Places the camera, just before the frame is drawn; where what the picture is about was shown
+    /// apart from its place in the scene, once more after that.
+    virtual void swap() {}
     virtual void release() {}
     virtual void onMouseDown(const ig::GUIEventMouse&, ig::IApp*) {}
     virtual void onMouseUp(const ig::GUIEventMouse&, ig::IApp*) {}
@@ -58,6 +60,15 @@ public:
     /// The node of its world that the scene begins at, where the camera stands before `init`; the
     /// application names it when `init` fails for want of it. Empty: there is none.
     virtual ig::jString getStartNode() { return {}; }
+    /// Something that hangs on what the picture is about and is no part of it, and what it hangs
+    /// by, which the logic keeps at a place of that.
+    struct Hanging {
+        ig::Node* node;
+        const ig::Node* by;
+    };
+    /// All that hangs there now. Where the application shows what the picture is about a little
+    /// apart from its place in the scene, it shows these along with it.
+    virtual void getHanging(ig::jVector<Hanging>&) {}
 
     /// Logic objects come from the engine allocator; `delete` takes them out of the memory tracker.
     static void* operator new(std::size_t size) { return ig::jObject::operator new(size); }

@@ -115,6 +115,8 @@ public:
 
     void update(float dt) override;
     void swap() override;
+    /// The sonar, or its cable alone once it is cut loose, and the winch's load.
+    void getHanging(ig::jVector<Hanging>& hanging) override;
     /// Frees what `init` created; a second call does nothing.
     void release() override;
 
