@@ -37,7 +37,7 @@ const Conflict CONFLICTS[] = {
     {"smooth", "null", false, NO_PICTURES},
     {"help-overlay", "null", false, NO_PICTURES},
     {"statistics", "null", false, NO_PICTURES},
-    {"renderer", "null", "warm-up", false, "only one of them can draw"},
+    {"renderer", "null", false, "only one of them can draw"},
     {"help-overlay", "no-ui", false, NO_INTERFACE},
     {"statistics", "no-ui", false, NO_INTERFACE},
     {"interface-size", "no-ui", false, NO_INTERFACE},
@@ -59,30 +59,11 @@ const Conflict CONFLICTS[] = {
 /// What files are written to, and the one that is read; no two of them may be the same.
 const char* const FILES[] = {"screenshot", "contact-sheet", "video", "trace", "record", "replay"};
 
-const char* const OF_DISPLAY[] = {"renderer",
-                                  "null",
-                                  "warm-up",
-                                  "headless",
-                                  "window",
-                                  "vsync",
-                                  "full-screen",
-                                  "monitor",
-                                  "scale",
-                                  "screenshot",
-                                  "contact-sheet",
-                                  "video",
-                                  "screenshot-every",
-                                  "eye",
-                                  "profile",
-                                  "no-ui",
-                                  "statistics",
-                                  "trace",
-                                  "quiet",
-                                  "seconds",
-                                  "frames",
-                                  "record",
-                                  "replay",
-                                  "real-time"};
+const char* const OF_DISPLAY[] = {
+    "renderer",         "null",   "warm-up",   "headless", "window",     "vsync",  "full-screen",
+    "monitor",          "scale",  "eye",       "no-ui",    "statistics", "video",  "contact-sheet",
+    "screenshot-every", "trace",  "profile",   "quiet",    "seconds",    "record", "frames",
+    "screenshot",       "replay", "real-time", "smooth"};
 
 std::optional<Conflict> findConflict(const Wishes& wishes) {
     for (const Conflict& conflict : CONFLICTS)
