@@ -13,6 +13,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <memory>
+#include <new>
 #include <spawn.h>
 #include <sstream>
 #include <sys/mman.h>
@@ -59,11 +61,15 @@ int startProgram(const std::string& path, const std::string& size, int input, in
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
     // A group of its own: the terminal's Ctrl-C is for us, who then end the video in order.
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGDEF);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGDEF |
+                                              POSIX_SPAWN_SETSIGMASK);
     sigset_t defaults; // what we ignore
     sigemptyset(&defaults);
     sigaddset(&defaults, SIGPIPE);
     posix_spawnattr_setsigdefault(&attributes, &defaults);
+    sigset_t none; // what the worker's thread blocks
+    sigemptyset(&none);
+    posix_spawnattr_setsigmask(&attributes, &none);
     const int error = posix_spawnp(program, arguments[0], &actions, &attributes,
                                    const_cast<char* const*>(arguments), environ);
     posix_spawnattr_destroy(&attributes);
@@ -83,18 +89,31 @@ bool Video::check() const {
 }
 
 void Video::afterFrame(Renderer& renderer, double time) {
+    report();
     if (m_path.empty()) return;
-    if (m_program < 0) m_begin = time;
+    if (m_count == 0) m_begin = time;
     const auto due = static_cast<long long>(std::floor((time - m_begin) * RATE + 1e-6)) + 1;
     if (due <= m_count) return;
-    Picture picture;
-    if (!renderer.readPicture(picture)) return fail("there are no pictures");
-    if (m_program < 0 && !start(picture)) return;
-    fit(picture);
+    const auto picture = std::make_shared<Picture>(); // without a size: there is none
+    if (!renderer.readPicture(*picture)) *picture = {};
     // After a stall the last picture stands for the time that has passed, a second of it at most.
-    for (long long i = std::min<long long>(due - m_count, RATE); i > 0; i--)
-        if (!send()) return;
+    const long long times = std::min<long long>(due - m_count, RATE);
+    m_worker.post([this, picture, times] { deliver(*picture, times); });
     m_count = due;
+}
+
+/// On the worker's thread.
+void Video::deliver(const Picture& picture, long long times) {
+    if (m_lost) return;
+    if (picture.rgb.empty()) return fail("there are no pictures");
+    if (m_program < 0 && !start(picture)) return;
+    try {
+        fit(picture);
+    } catch (const std::bad_alloc&) {
+        return fail("out of memory");
+    }
+    for (; times > 0; times--)
+        if (!send()) return;
 }
 
 bool Video::start(const Picture& picture) {
@@ -150,18 +169,30 @@ void Video::fail(const std::string& why) {
 
 /// `begun`: there may be a part of it.
 void Video::lose(const std::string& why, bool begun) {
-    const std::string complaint = takeComplaint();
-    jLog::error("--video: cannot write \"%s\": %s: there is no video", m_path.c_str(),
-                complaint.empty() ? why.c_str() : complaint.c_str());
+    m_message = takeComplaint();
+    if (m_message.empty()) m_message = why;
     if (begun) program::OutputFile::remove(m_path);
+    m_lost = true;
+}
+
+/// Nothing before it is lost, and after it has been told.
+void Video::report() {
+    if (!m_lost || m_path.empty()) return;
+    jLog::error("--video: cannot write \"%s\": %s: there is no video", m_path.c_str(),
+                m_message.c_str());
     m_path.clear();
     m_failed = true;
 }
 
 void Video::close() {
+    m_worker.finish();
+    report();
     if (m_program < 0) return;
     const int status = stop(FINISHING);
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) return lose("ffmpeg failed", true);
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
+        lose("ffmpeg failed", true);
+        return report();
+    }
     const std::string complaint = takeComplaint();
     if (!complaint.empty()) jLog::warning("--video: \"%s\": %s", m_path.c_str(), complaint.c_str());
     m_path.clear();

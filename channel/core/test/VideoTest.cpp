@@ -127,4 +127,17 @@ TEST_F(VideoTest, TheProgramGetsOurPicturesAndNothingElseOfOurs) {
     EXPECT_FALSE(video.hasFailed());
 }
 
+TEST_F(VideoTest, TheProgramHearsAllSignals) {
+    ffmpeg(""); // and then no shell, which would let them through by itself
+    folder.write("ffmpeg", "#!/usr/bin/python3\n"
+                           "import sys\n"
+                           "status = open('/proc/self/status').read()\n"
+                           "open(sys.path[0] + '/status', 'w').write(status)\n"
+                           "sys.stdin.buffer.read()\n");
+    second(1);
+    video.close();
+    EXPECT_NE(read("status").find("SigBlk:\t0000000000000000\n"), std::string::npos)
+        << read("status");
+}
+
 } // namespace
