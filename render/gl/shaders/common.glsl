@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What all shaders share, after the constants and the block of the frame (render/scene).
-uniform sampler2D uSkyMap;
+uniform sampler2D uSkyMap, uSkyMapBefore;
 
 // The sky map holds the upper half of the sky: the zenith in the middle, r = sqrt(1 - sqrt(z)),
 // which spends most texels near the horizon. What is below the horizon reads the horizon.
@@ -10,8 +10,11 @@ vec2 skyMapPlace(vec3 d) {
     return d.xy * inversesqrt(max(dot(d.xy, d.xy), 1e-9)) * (r * 0.496) + 0.5;
 }
 vec3 skyAt(vec3 d, float lod) {
-    vec3 root = textureLod(uSkyMap, skyMapPlace(d), lod).rgb;
-    return root * root * uSky.x;
+    vec2 place = skyMapPlace(d);
+    vec3 root = textureLod(uSkyMap, place, lod).rgb, now = root * root * uSky.x;
+    if (uSkyBefore.y <= 0.0) return now;
+    root = textureLod(uSkyMapBefore, place, lod).rgb;
+    return mix(now, root * root * uSkyBefore.x, uSkyBefore.y);
 }
 // The horizon is blurred, else its clouds would draw stripes down haze and fog.
 vec3 hazeColor(vec2 direction) {

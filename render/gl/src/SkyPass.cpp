@@ -14,7 +14,10 @@ namespace ig {
 namespace {
 
 constexpr int SCATTER_SIZE = 128; ///< texels; scattering without its phase functions is smooth
-constexpr double CLOUD_EDGE = 60; ///< m over which clouds thicken
+/// A bake's steps, each 1 to 2 ms of the software renderer: stripes of scattering and of the map,
+/// and one for the map's levels.
+constexpr int SCATTER_STRIPES = 4, MAP_STRIPES = 8, STEPS = SCATTER_STRIPES + MAP_STRIPES + 1;
+constexpr double CLOUD_EDGE = 60;        ///< m over which clouds thicken
 constexpr double CLOUD_VISIBILITY = 120; ///< m within them
 constexpr double EARTH_RADIUS = EllipsoidModel::MEAN_RADIUS;
 constexpr float FLASH_GAIN = 1.5f;      ///< of the sky's light at the height of a lightning flash
@@ -29,6 +32,7 @@ float smoothStep(float low, float high, float x) {
     return t * t * (3 - 2 * t);
 }
 float luminance(const vec3& c) { return 0.3f * c.x + 0.6f * c.y + 0.1f * c.z; }
+vec3 mix(const vec3& a, const vec3& b, float share) { return a * (1 - share) + b * share; }
 vec3 multiply(const vec3& a, const vec3& b) { return {a.x * b.x, a.y * b.y, a.z * b.z}; }
 
 /// What the air lets through from a height above the horizon given by its sine: Rayleigh, aerosol
@@ -50,6 +54,16 @@ vec3 sunlight(const vec3& direction) {
 }
 vec3 moonlight(const vec3& direction) {
     return multiply(transmittance(direction.z), MOONLIGHT) * smoothStep(-0.02f, 0.05f, direction.z);
+}
+
+/// The part of a picture of size² pixels that a stripe of it covers; the shader's places stay those
+/// of the whole.
+void drawStripe(int size, int stripe, int stripes) {
+    glViewport(0, 0, size, size);
+    glEnable(GL_SCISSOR_TEST);
+    glScissor(0, size * stripe / stripes, size, size / stripes);
+    glDrawArrays(GL_TRIANGLES, 0, 3);
+    glDisable(GL_SCISSOR_TEST);
 }
 
 bool sunRules(const vec3& sun) { return sun.z > -0.02f; }
@@ -82,35 +96,77 @@ void SkyPass::init(int map_size) {
     glDrawBuffers(3, attachments);
     gl::TextureFormat format;
     format.filter = GL_LINEAR_MIPMAP_LINEAR;
-    gl::makeTexture(m_map, m_size, m_size, format);
-    glGenerateMipmap(GL_TEXTURE_2D);
-    gl::attach(m_map_target, m_map);
+    for (Map& map : m_maps) {
+        gl::makeTexture(map.texture, m_size, m_size, format);
+        glGenerateMipmap(GL_TEXTURE_2D);
+        gl::attach(map.target, map.texture);
+    }
 }
 
 // ------------------------------------------------------------------ the map
 
-bool SkyPass::isStale(const Bake& wanted) const {
-    const auto turned = [](const vec3& a, const vec3& b) { return length(a - b) > 0.004f; };
-    const auto changed = [](float a, float b) { return std::abs(a - b) > 0.02f; };
-    return turned(wanted.sun, m_baked.sun) || turned(wanted.moon, m_baked.moon) ||
-           changed(wanted.cloud_cover, m_baked.cloud_cover) ||
-           changed(wanted.overcast, m_baked.overcast) ||
-           changed(wanted.darkness, m_baked.darkness) || changed(wanted.drift, m_baked.drift);
+/// Whether sun or moon have turned by more than an angle (rad), or the clouds changed by more than
+/// a share.
+bool SkyPass::differ(const Bake& a, const Bake& b, float angle, float share) {
+    const auto turned = [angle](const vec3& x, const vec3& y) { return length(x - y) > angle; };
+    const auto changed = [share](float x, float y) { return std::abs(x - y) > share; };
+    return turned(a.sun, b.sun) || turned(a.moon, b.moon) ||
+           changed(a.cloud_cover, b.cloud_cover) || changed(a.overcast, b.overcast) ||
+           changed(a.darkness, b.darkness) || changed(a.drift, b.drift);
 }
 
-void SkyPass::bake(const Bake& wanted, const FrameBlock& block) {
-    m_baked = wanted;
-    m_range = block.sky.x;
+/// From one frame to the next, or so fast that steps would show a sky of long ago.
+bool SkyPass::hasJumped(const Bake& wanted) const {
+    return differ(wanted, m_last, 0.05f, 0.2f) || length(wanted.sun - shown().shows.sun) > 0.2f;
+}
+
+/// Brings the maps nearer to what the frame wants: by a step, or all the way.
+void SkyPass::follow(const Bake& wanted, const FrameBlock& block) {
+    const bool jumped = hasJumped(wanted);
+    m_last = wanted;
+    m_since = std::min(m_since + 1, STEPS);
+    if (jumped) {
+        begin(wanted, block);
+        while (m_step >= 0)
+            doStep();
+        m_since = STEPS;
+        return;
+    }
+    if (m_step < 0 && differ(wanted, shown().shows, 0.004f, 0.02f)) begin(wanted, block);
+    if (m_step >= 0) doStep();
+}
+
+void SkyPass::begin(const Bake& wanted, const FrameBlock& block) {
+    Map& map = m_maps[(m_shown + 1) % 3];
+    map.shows = wanted;
+    map.range = block.sky.x;
+    m_baking = block;
+    m_step = 0;
+}
+
+void SkyPass::doStep() {
+    uploadBlock(m_baking);
     glDisable(GL_DEPTH_TEST);
     glDisable(GL_BLEND);
     glBindVertexArray(m_empty.getId());
-    glBindFramebuffer(GL_FRAMEBUFFER, m_scatter_target.getId());
-    glViewport(0, 0, SCATTER_SIZE, SCATTER_SIZE);
-    m_scatter.use();
-    glDrawArrays(GL_TRIANGLES, 0, 3);
+    if (m_step < SCATTER_STRIPES)
+        scatter(m_step);
+    else if (m_step < SCATTER_STRIPES + MAP_STRIPES)
+        compose(m_step - SCATTER_STRIPES);
+    else
+        finish();
+    if (++m_step == STEPS) m_step = -1;
+}
 
-    glBindFramebuffer(GL_FRAMEBUFFER, m_map_target.getId());
-    glViewport(0, 0, m_size, m_size);
+void SkyPass::scatter(int stripe) {
+    glBindFramebuffer(GL_FRAMEBUFFER, m_scatter_target.getId());
+    m_scatter.use();
+    drawStripe(SCATTER_SIZE, stripe, SCATTER_STRIPES);
+}
+
+void SkyPass::compose(int stripe) {
+    const Map& map = m_maps[(m_shown + 1) % 3];
+    glBindFramebuffer(GL_FRAMEBUFFER, map.target.getId());
     m_compose.use();
     const gl::Texture* textures[] = {&m_rayleigh, &m_mie, &m_multiple};
     const char* names[] = {"uRayleigh", "uMie", "uMultiple"};
@@ -118,22 +174,26 @@ void SkyPass::bake(const Bake& wanted, const FrameBlock& block) {
         gl::bindTexture(gl::UNIT_FIRST_OWN + i, *textures[i]);
         m_compose.set(names[i], gl::UNIT_FIRST_OWN + i);
     }
-    m_compose.set("uClouds",
-                  vec4(wanted.cloud_cover, wanted.overcast, wanted.darkness, wanted.drift));
-    const bool day = sunRules(wanted.sun);
-    m_compose.set("uCloudLight", day ? sunlight(wanted.sun) : moonlight(wanted.moon));
-    const float moon = std::max(wanted.moon.z, 0.0f);
-    m_compose.set("uNight", NIGHT_GLOW * (1 + 1.5f * moon));
-    glDrawArrays(GL_TRIANGLES, 0, 3);
-    gl::bindTexture(gl::UNIT_SKY, m_map);
+    const Bake& b = map.shows;
+    m_compose.set("uClouds", vec4(b.cloud_cover, b.overcast, b.darkness, b.drift));
+    m_compose.set("uCloudLight", sunRules(b.sun) ? sunlight(b.sun) : moonlight(b.moon));
+    m_compose.set("uNight", NIGHT_GLOW * (1 + 1.5f * std::max(b.moon.z, 0.0f)));
+    drawStripe(m_size, stripe, MAP_STRIPES);
+}
+
+/// The new map is the one that is shown from now on, at first with no share yet.
+void SkyPass::finish() {
+    m_shown = (m_shown + 1) % 3;
+    gl::bindTexture(gl::UNIT_SKY, shown().texture);
     glGenerateMipmap(GL_TEXTURE_2D);
-    readBack();
+    readBack(m_maps[m_shown], m_size);
+    m_since = 0;
 }
 
 /// Copies a small level of the map to the processor and sums up the light of the whole sky.
-void SkyPass::readBack() {
+void SkyPass::readBack(Map& map, int size) {
     int level = 0;
-    while (m_size >> level > SMALL)
+    while (size >> level > SMALL)
         level++;
     std::array<std::uint8_t, SMALL * SMALL * 4> bytes{};
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
@@ -143,10 +203,10 @@ void SkyPass::readBack() {
     for (int i = 0; i < SMALL * SMALL; i++) {
         const auto value = [&](int c) {
             const float root = bytes[4 * i + c] / 255.0f;
-            return root * root * m_range;
+            return root * root * map.range;
         };
         const vec3 color(value(0), value(1), value(2));
-        m_small[i] = color;
+        map.small[i] = color;
         const float x = (static_cast<float>(i % SMALL) + 0.5f) / (SMALL / 2) - 1;
         const float y = (static_cast<float>(i / SMALL) + 0.5f) / (SMALL / 2) - 1;
         const float r2 = x * x + y * y;
@@ -156,15 +216,19 @@ void SkyPass::readBack() {
         sum += color * weight;
         weights += weight;
     }
-    m_ambient = sum / weights;
+    map.ambient = sum / weights;
 }
+
+/// Of the map before the one that is shown: falls to nothing while another one could be made.
+float SkyPass::getShareBefore() const { return 1 - static_cast<float>(m_since) / STEPS; }
 
 vec3 SkyPass::getHaze(vec2 direction) const {
     const float scale = 0.47f / std::max(std::hypot(direction.x, direction.y), 1e-6f);
     const auto place = [&](float v) {
         return std::clamp(static_cast<int>((v * scale + 0.5f) * SMALL), 0, SMALL - 1);
     };
-    return m_small[place(direction.y) * SMALL + place(direction.x)];
+    const int i = place(direction.y) * SMALL + place(direction.x);
+    return mix(shown().small[i], before().small[i], getShareBefore());
 }
 
 // ------------------------------------------------------------------ a frame
@@ -220,26 +284,27 @@ void SkyPass::update(const FrameView& view, const FrameInfo& told, FrameBlock& b
                       frame.overcast,
                       frame.cloud_darkness,
                       static_cast<float>(std::floor(frame.time / 20) * 0.012)};
-    if (isStale(wanted)) {
-        uploadBlock(block);
-        bake(wanted, block);
-    }
+    follow(wanted, block);
+    const float share = getShareBefore();
+    const vec3 ambient = mix(shown().ambient, before().ambient, share);
     // Lightning lights the clouds from within, and they light all else. The exposure is too slow.
     const float lit = 1 + FLASH_GAIN * frame.flash;
     const float azimuth = frame.bolt_azimuth * DEG_TO_RAD<float>;
     block.time.z = frame.flash;
     block.bolt = {std::sin(azimuth), std::cos(azimuth), frame.bolt_shape, 0};
-    block.sky.x = m_range * lit;
-    block.ambient = {m_ambient * lit, extinction};
+    block.sky.x = shown().range * lit;
+    block.sky_before = {before().range * lit, share, 0, 0};
+    block.ambient = {ambient * lit, extinction};
     const float ground =
-        luminance(m_ambient) + luminance(light) * std::max(block.light_direction.z, 0.0f) / 3.1416f;
+        luminance(ambient) + luminance(light) * std::max(block.light_direction.z, 0.0f) / 3.1416f;
     const float gain = std::pow(CLEAR_LUMINANCE / std::max(ground, 1e-4f), 0.66f);
     block.light.w = CLEAR_EXPOSURE * (1 - 0.3f * frame.overcast) * std::clamp(gain, 0.6f, 300.0f);
-    gl::bindTexture(gl::UNIT_SKY, m_map);
+    gl::bindTexture(gl::UNIT_SKY, shown().texture);
+    gl::bindTexture(gl::UNIT_SKY_BEFORE, before().texture);
 }
 
 void SkyPass::forget() {
-    m_baked = {};
+    m_last = {}; // from nothing every sky is a jump
     m_anchor = {1e9, 1e9};
 }
 

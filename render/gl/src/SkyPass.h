@@ -13,12 +13,19 @@ namespace ig {
 /// The sky and the light that comes from it. Scattering and clouds are baked into one map of the
 /// upper half of the sky, which the background, reflections, haze and ambient light read; the map
 /// is made anew only when sun, moon or clouds have changed visibly.
+///
+/// A whole bake takes longer than a frame may: while the sky changes little from frame to frame it
+/// is done in steps, one a frame, into a map that nobody reads yet. The sky then goes over from the
+/// last map to the new one in as many frames, the time in which the next one can be made, so that
+/// neither sky nor ambient light nor exposure ever steps. Where the sky jumps (the first picture,
+/// another hour, another eye) the map is made at once.
 class SkyPass {
 public:
     /// `map_size` in texels: 512 or more looks right.
     void init(int map_size);
 
-    /// Bakes when needed, binds the map, and fills in the frame block what is light and air.
+    /// Bakes what this frame has to, binds the maps, and fills in the frame block what is light and
+    /// air.
     void update(const FrameView& view, const FrameInfo& frame, FrameBlock& block);
     /// The next frame is again the first.
     void forget();
@@ -37,11 +44,28 @@ private:
         float cloud_cover = -1, overcast = 0, darkness = 0, drift = 0;
     };
     static constexpr int SMALL = 32; ///< edge of the copy for the processor, texels
+    struct Map {
+        gl::Texture texture;
+        gl::Framebuffer target;
+        Bake shows;
+        float range = 1;                       ///< brightest value that the texture can hold
+        std::array<vec3, SMALL * SMALL> small; ///< the map, decoded
+        vec3 ambient;
+    };
 
-    bool isStale(const Bake& wanted) const;
+    const Map& shown() const { return m_maps[m_shown]; }
+    const Map& before() const { return m_maps[(m_shown + 2) % 3]; }
+    static bool differ(const Bake& a, const Bake& b, float angle, float share);
+    bool hasJumped(const Bake& wanted) const;
+    void follow(const Bake& wanted, const FrameBlock& block);
+    void begin(const Bake& wanted, const FrameBlock& block);
+    void doStep();
+    void scatter(int stripe);
+    void compose(int stripe);
+    void finish();
+    float getShareBefore() const;
     FrameInfo seenFrom(const FrameView& view, const FrameInfo& frame);
-    void bake(const Bake& wanted, const FrameBlock& block);
-    void readBack();
+    static void readBack(Map& map, int size);
     void uploadBlock(const FrameBlock& block);
 
     int m_size = 0;
@@ -51,12 +75,14 @@ private:
     float m_cover = 0, m_closed = 0; ///< of the layer seen from above
     dvec2 m_anchor{1e9, 1e9};        ///< longitude, latitude that the deck is laid out from
     gl::VertexArray m_empty;
-    gl::Texture m_rayleigh, m_mie, m_multiple, m_map;
-    gl::Framebuffer m_scatter_target, m_map_target;
-    Bake m_baked;
-    float m_range = 1;
-    std::array<vec3, SMALL * SMALL> m_small; ///< the map, decoded
-    vec3 m_ambient;
+    gl::Texture m_rayleigh, m_mie, m_multiple;
+    gl::Framebuffer m_scatter_target;
+    Map m_maps[3];       ///< what is shown, what was before, what is in the making
+    int m_shown = 0;     ///< of the maps; the next one is in the making, the one after was before
+    int m_step = -1;     ///< of a bake that is under way, −1 without
+    int m_since = 0;     ///< steps since the map that is shown was finished
+    FrameBlock m_baking; ///< the frame that the bake began in
+    Bake m_last;         ///< what the last frame wanted
 };
 
 } // namespace ig

@@ -19,6 +19,7 @@
 #include "testkit/AllocationCounter.h"
 #include "testkit/CountingDriver.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <gtest/gtest.h>
 
@@ -102,6 +103,20 @@ TEST_F(CountedFrames, WhatIsOutOfViewIsNotDrawn) {
     const CountingDriver::Counts away = countPicture();
     EXPECT_GT(towards.draws, 20U);
     EXPECT_LT(away.draws, towards.draws / 2);
+}
+
+TEST_F(CountedFrames, ASkyThatNeverRestsIsMadeAStepAFrame) {
+    draw();
+    const std::uint64_t steady = countPicture().draws;
+    std::uint64_t most = 0, all = 0;
+    for (int i = 0; i < 90; i++) {
+        frame.overcast = static_cast<float>(i) / 100;
+        const std::uint64_t draws = countPicture().draws - steady;
+        most = std::max(most, draws);
+        all += draws;
+    }
+    EXPECT_EQ(most, 1U);
+    EXPECT_GT(all, 60U); // and it is made over and over
 }
 
 // The demo world with a helicopter, its wash and heavy rain, waves, and texts that change.

@@ -75,6 +75,33 @@ TEST_F(PictureOf, NightIsDarkerThanDayAndFogHidesTheFarCard) {
     EXPECT_LT(redness(), clear / 5);
 }
 
+// From a clear evening to a clouded dusk, six minutes a second at twenty frames.
+TEST_F(PictureOf, ASkyThatChangesGoesOverSmoothlyToWhatAJumpShowsAtOnce) {
+    look(100, 280, -5);
+    setHour(17.9);
+    draw();
+    int last = brightness(0.5, 0.3), most = 0;
+    const int bright = last;
+    for (int i = 1; i <= 130; i++) {
+        const int changed = std::min(i, 80); // then it stands still
+        setHour(17.9 + changed * 0.005);
+        m_frame.overcast = static_cast<float>(changed) / 100;
+        draw();
+        const int now = brightness(0.5, 0.3);
+        most = std::max(most, std::abs(now - last));
+        last = now;
+    }
+    const std::vector<std::uint8_t> arrived = m_picture.rgb;
+    EXPECT_GT(std::abs(last - bright), 60);
+    EXPECT_LE(most, 15); // 107 if the new map simply took the place of the old one
+    setHour(3);
+    draw();
+    setHour(17.9 + 80 * 0.005);
+    draw();
+    pixel(0, 0);
+    EXPECT_TRUE(m_picture.rgb == arrived);
+}
+
 TEST_F(PictureOf, TheEyeClimbsThroughTheClouds) {
     m_world.addNode(new ObjectOcean());
     m_frame.overcast = 1;
