@@ -56,6 +56,16 @@ TEST_F(ProgramInAWindowTest, AltF4EndsItAtOnceWhereTheWindowManagerTakesIt) {
     expectEndAtOnce(program);
 }
 
+TEST_F(ProgramInAWindowTest, ClosedWhileItGetsReadyItEndsInOrderWithoutAsking) {
+    VirtualScreen screen;
+    Program program(PROGRAM_PATH, "--window --size 320x240 --seconds 20");
+    ASSERT_TRUE(screen.watch("Visual channel"));
+    screen.pressCloseButton();
+    std::string rest;
+    EXPECT_EQ(program.finish(&rest), 0);
+    EXPECT_NE(rest.find("0 frames in"), std::string::npos) << rest;
+}
+
 TEST_F(ProgramInAWindowTest, AMonitorThatIsNotThereIsNamedWithThoseThatAre) {
     VirtualScreen screen;
     Program program(PROGRAM_PATH, OPTIONS + std::string("--monitor 7"));

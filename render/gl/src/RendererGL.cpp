@@ -405,7 +405,9 @@ void RendererGL::Impl::rehearse(Rehearsal& r) {
         eye.setWgsHPR({0, v.pitch, 0});
         frame.sun_direction = up * v.sun;
         frame.moon_direction = up * -v.sun;
-        if (r.stopped || !small.make(width, height, 1)) break;
+        // By night as in a scale that is turned down, whose sizes are hardly ever powers of two.
+        const int odd = v.sun < 0 ? 1 : 0;
+        if (r.stopped || !small.make(width | odd, height | odd, 1)) break;
         drawPicture(r.wanted.world, eye, frame, small);
     }
     if (!r.stopped && frame.ui) {
