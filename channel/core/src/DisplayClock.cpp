@@ -40,7 +40,7 @@ void DisplayClock::setRefreshRate(double rate) {
     const double period = rate > 0 ? 1 / rate : 0;
     if (period == m_nominal) return;
     m_nominal = m_period = period;
-    m_retry = m_pause = m_swap_cost = 0;
+    m_retry = m_pause = 0;
     enter(State::free);
 }
 
@@ -61,7 +61,8 @@ double DisplayClock::nextBlank(double time) const {
 /// Most frames make the blank that is chosen. That nearly all make it counts less where it would
 /// halve the rate: then the frame begins at once.
 double DisplayClock::plan(double now, double shortest) {
-    m_divisor = static_cast<int>(std::max(std::ceil(shortest / m_period - SAME_RATE), 1.0));
+    const double period = isFound() ? m_period : m_nominal; // on trial it may be anything
+    m_divisor = static_cast<int>(std::max(std::ceil(shortest / period - SAME_RATE), 1.0));
     const double soonest = nextBlank(std::max(m_target + (m_divisor - 0.5) * m_period, now));
     const double done = now + m_work.getQuantile(0.75);
     m_slow = done > soonest;
@@ -82,8 +83,7 @@ void DisplayClock::addFrame(double begin, double finished, double shown) {
     m_frames++;
     noteMargin(shown);
     if (m_state == State::free) {
-        const bool mostly =
-            m_waits.getCount() == 32 && m_waits.getQuantile(0.25) > m_swap_cost + PLAINLY;
+        const bool mostly = m_waits.getCount() == 32 && m_waits.getQuantile(0.25) > PLAINLY;
         if (!mostly || shown < m_retry) return;
         m_target = m_blank = shown;
         m_counts.clear();
@@ -107,9 +107,7 @@ void DisplayClock::noteMargin(double shown) {
 
 /// The longer a frame on trial had to its blank, the longer the swap took: it waits.
 void DisplayClock::judgeTrial() {
-    const bool waits = slope(m_untils, m_waits, TRIAL) > 0.5;
-    if (!waits) m_swap_cost = m_waits.getQuantile(0.5);
-    if (waits)
+    if (slope(m_untils, m_waits, TRIAL) > 0.5)
         enter(State::found);
     else
         giveUp();

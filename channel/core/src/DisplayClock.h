@@ -10,7 +10,7 @@
 /// at a blank. Frames are planned so that each is finished just before one, and what it takes in is
 /// read as late as its work allows.
 ///
-/// Whether swaps wait at all is found out. Once most of them take longer than they need anywhere,
+/// Whether swaps wait at all is found out. Once most of them take longer than a millisecond,
 /// frames are begun for blanks on trial, every other one a little earlier: a swap that waits takes
 /// the longer for it, any other one doesn't. Without a clock that was found so, whoever asks keeps
 /// his own time.
@@ -68,7 +68,6 @@ private:
     int m_frames = 0;             ///< since the state began
     double m_retry = 0;           ///< not on trial before, s
     double m_pause = 0;           ///< s until the next trial, should this one fail
-    double m_swap_cost = 0;       ///< of swaps that don't wait, s
     int m_early = 0, m_odd = 0;   ///< of late: swaps that didn't wait, returns far from any blank
     RecentValues<120> m_work;     ///< s
     RecentValues<32> m_waits;     ///< how long swaps took, s
