@@ -30,7 +30,7 @@ public:
         double time = 0;    ///< that the picture shows, s
         double arrival = 0; ///< of the newest record, s on the same clock
         int records = 0;    ///< that came since the frame before
-        bool cut = false;   ///< the scene was reset or stands still: the pose is shown as it is
+        bool cut = false;   ///< the scene was frozen: the pose is shown as it is
         Pose pose;          ///< that the newest record told
     };
     /// Once per frame. Returns the pose to show.

@@ -14,10 +14,11 @@ void SmoothFocus::show(LogicBase& logic, const LogicListener& listener, double t
     Node* const focus = listener.m_focus;
     if (!focus) return;
     const int records = listener.m_applied - std::exchange(m_applied, listener.m_applied);
-    const bool reset = listener.m_resets != std::exchange(m_resets, listener.m_resets);
     const dmat4 told = focus->getWorldTransform();
     const Pose pose{told.getTranslate(), told.getMat3().getQuat()};
-    const Pose shown = m_smoother.update({time, arrival, records, still || reset, pose});
+    // Hosts are known that freeze the scene and fly on: only the moment counts.
+    const bool frozen = !std::exchange(m_still, still) && still;
+    const Pose shown = m_smoother.update({time, arrival, records, frozen, pose});
     m_moved = shown != pose;
     if (!m_moved) return;
     const dmat3 turn = (shown.attitude * inverse(pose.attitude)).getMat3();

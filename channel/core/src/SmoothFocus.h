@@ -23,5 +23,6 @@ private:
     PoseSmoother m_smoother;
     ig::ShownPoses m_shown;
     bool m_moved = false;
-    int m_applied = 0, m_resets = 0; ///< records and resets up to the frame before
+    bool m_still = false; ///< in the frame before
+    int m_applied = 0;    ///< records up to that
 };
