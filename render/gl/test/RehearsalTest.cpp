@@ -35,12 +35,16 @@ public:
         frame.ui = &list;
         frame.ui_root = &ui;
         camera.setPerspective(50, 16.0f / 9, 0.1, 1e7);
-        camera.setWgsPosition({LONGITUDE, LATITUDE - 1e-4, 17});
+        camera.setWgsPosition({LONGITUDE + 0.005, LATITUDE + 0.0055, 15}); // towards the frigate
+        camera.setWgsHPR({30, 8, 0});
         radar_camera.setWgsPosition({LONGITUDE, LATITUDE, 100});
+        radar_camera.setWgsHPR({0, 90, 0});
         for (const Camera* eye : {&radar_camera, &camera}) {
             auto* viewport = new UISpriteViewport(&ui, 64, 64);
             viewport->setWorld(&world);
             viewport->setCamera(eye);
+            viewport->setAlignFree(true); // beside each other
+            viewport->setPosition(70 * viewport->getId(), 0);
             ui.addChild(viewport);
         }
         ui.getViewports()[0]->setVisionMode(VISION_RADAR);
@@ -59,6 +63,7 @@ public:
         world.clear();
         Engine::get()->reset();
         Engine::get()->setWorld(&world);
+        Engine::get()->setEnvironment(ENVIRONMENT_SENSOR_GAIN, 1);
         world.load("data/PELMAR_PROJECT/PELMAR_PROJECT.world");
         helicopter = add(world, "KZ_CORAX_CN_NERITH/KZ_CORAX_CN_NERITH.prefab");
         helicopter->setWgsPosition({LONGITUDE, LATITUDE, 14});
