@@ -11,6 +11,7 @@
 #include <fcntl.h>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <sstream>
 #include <string>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -125,6 +126,11 @@ TEST_F(SocketTest, SizesSendersAndComplaintsAreCountedWithWhoItWas) {
     EXPECT_EQ(received.too_long, 1u);
     EXPECT_EQ(received.implausible, 1u);
     EXPECT_EQ(received.complaint.sender.getText(), ours.c_str());
+    EXPECT_TRUE(in.setAllowedSender("127.0.0.2"));
+    write("no");
+    sendRaw(4);
+    EXPECT_EQ(read().size(), 4u);
+    EXPECT_EQ(received.filtered, 1u);
 }
 
 TEST_F(SocketTest, WhatTheSystemDropsIsCountedAlsoAfterTheLastDatagram) {
@@ -151,11 +157,11 @@ TEST_F(SocketTest, AFloodWaitsInTheSystemAndWithinAFrameNothingArrives) {
     for (int i = 0; i < 5; i++)
         EXPECT_EQ(in.read(buffer.data(), 1, 1), 1);
     EXPECT_EQ(takeIn().datagrams.size(), 5u);
-    while (in.read(buffer.data(), 1, 1) > 0 || in.read(buffer.data(), 1, 1) > 0) {
-    }
-    EXPECT_EQ(received.datagrams_received, 517u);
     sendRaw(1);
-    EXPECT_EQ(in.read(buffer.data(), 1, 1), 0);
+    for (int drains = 0; drains < 2; drains++)
+        while (in.read(buffer.data(), 1, 1) > 0) {
+        }
+    EXPECT_EQ(received.datagrams_received, 517u);
 }
 
 // However late they are collected. A system that nobody asked for stamps before takes a moment
@@ -176,79 +182,53 @@ TEST_F(SocketTest, ArrivalsAreTheSystemsStampsSinceTheStartOfTheRun) {
         SocketUDP::deliver(input);
         EXPECT_EQ(in.read(buffer.data(), 1, 1), 1);
         EXPECT_EQ(received.last_received, input.datagrams.at(0).arrival);
-        EXPECT_EQ(received.senders[0].last_received, received.last_received);
         stamped = received.last_received > before && received.last_received < after;
     }
     EXPECT_TRUE(stamped);
 }
 
 TEST_F(SocketTest, TheSameInputsGiveTheSameWithoutASystem) {
-    struct Side {
-        bool bound = false;
-        int port = 0;
-        std::string heard;
-        SocketStatistics in, out;
-    };
-    // A socket on a port that is taken, one that receives, one that sends where nobody may.
-    const auto fly = [this](std::vector<frames::FrameInput>& inputs, bool live) {
-        Side side;
+    std::vector<frames::FrameInput> inputs;
+    // A socket on a port that is taken, one that receives, one that sends where it may not. All
+    // that can be known of them.
+    const auto fly = [&](bool live) {
         SocketUDP refused, receiver, sender;
-        side.bound = refused.create() && refused.bind(in.getPort());
-        EXPECT_TRUE(receiver.create() && receiver.bind() && receiver.recv(9) &&
-                    receiver.nonblock());
-        EXPECT_TRUE(sender.create() && sender.setSendIP("255.255.255.255") &&
-                    sender.setSendPort(9));
-        EXPECT_TRUE(sender.send(9) && sender.bind());
-        side.port = receiver.getPort();
-        if (live) out.setSendPort(side.port);
-        for (int frame = 0; frame < 3; frame++) {
+        std::ostringstream known;
+        known << (refused.create() && refused.bind(in.getPort())) << ' ';
+        EXPECT_TRUE(receiver.create() && receiver.bind() && receiver.recv(9));
+        EXPECT_TRUE(sender.create() && sender.setSendIP("127.255.255.255") &&
+                    sender.setSendPort(9) && sender.send(9) && sender.bind() && sender.nonblock());
+        out.setSendPort(receiver.getPort());
+        for (std::size_t frame = 0; frame < 3; frame++) {
             if (live) {
                 write("frame " + std::to_string(frame));
                 SocketUDP::collect(inputs.emplace_back());
             }
-            SocketUDP::deliver(inputs[static_cast<std::size_t>(frame)]);
+            SocketUDP::deliver(inputs[frame]);
             while (receiver.read(buffer.data(), 1, 7) > 0)
-                side.heard += buffer.substr(0, 7);
-            EXPECT_EQ(sender.write("feedback", 1, 4 + static_cast<std::size_t>(frame)), 4 + frame);
+                known << buffer.substr(0, 7) << ' ';
+            EXPECT_EQ(sender.write("feedback", 1, 4 + frame), static_cast<int>(4 + frame));
         }
-        side.in = receiver.getStatistics();
-        side.out = sender.getStatistics();
-        return side;
+        const SocketStatistics &heard = receiver.getStatistics(), &sent = sender.getStatistics();
+        known << sent.send_error << ' ' << sent.send_failures << ' ' << sent.bytes_sent << ' '
+              << sent.sent_digest << ' ' << receiver.getPort() << ' ' << heard.receive_buffer << ' '
+              << std::hexfloat << heard.last_received << ' ' << heard.senders[0].getText().c_str();
+        return known.str();
     };
-    std::vector<frames::FrameInput> inputs;
     SocketUDP::setOnline();
-    const Side live = fly(inputs, true);
+    const std::string live = fly(true);
     const int next = dup(raw);
     SocketUDP::setOffline(inputs[0].answers);
-    const Side again = fly(inputs, false);
+    const std::string again = fly(false);
     SocketUDP::setOnline();
     const int after = dup(raw);
     EXPECT_EQ(after, next + 1) << "no descriptor in between";
     ::close(next), ::close(after);
-    EXPECT_FALSE(live.bound || again.bound);
+    EXPECT_EQ(again, live);
     EXPECT_EQ(lines[0], lines[1]);
-    EXPECT_EQ(again.port, live.port);
-    EXPECT_EQ(live.heard, "frame 0frame 1frame 2");
-    EXPECT_EQ(again.heard, live.heard);
-    EXPECT_EQ(again.in.last_received, live.in.last_received);
-    EXPECT_EQ(again.in.receive_buffer, live.in.receive_buffer);
-    EXPECT_EQ(again.in.senders[0], live.in.senders[0]);
-    EXPECT_EQ(live.out.send_error, EACCES);
-    EXPECT_EQ(live.out.send_failures, 2u) << "the last one's is not known yet";
-    EXPECT_EQ(live.out.bytes_sent, 6u);
-    EXPECT_EQ(again.out.send_error, live.out.send_error);
-    EXPECT_EQ(again.out.send_failures, live.out.send_failures);
-    EXPECT_EQ(again.out.bytes_sent, live.out.bytes_sent);
-    EXPECT_EQ(again.out.sent_digest, live.out.sent_digest);
-    EXPECT_NE(live.out.sent_digest, 0u);
-}
-
-TEST_F(SocketTest, OnlyTheAllowedSenderIsHeard) {
-    EXPECT_TRUE(in.setAllowedSender("127.0.0.2"));
-    write("no");
-    sendRaw(4);
-    EXPECT_EQ(read().size(), 4u);
-    EXPECT_EQ(received.filtered, 1u);
+    const std::string refusals =
+        std::to_string(EACCES) + " 2 6 "; // the last one's is not known yet
+    EXPECT_EQ(live.find("0 frame 0 frame 1 frame 2 " + refusals), 0u) << live;
 }
 
 TEST_F(SocketTest, WrongPortsAndAddressesAreRefusedWithOneLineAndTheFormerOnesStay) {
