@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cmath>
+
 /// Numbers of twice the precision of a double, as the unevaluated sum of two, for the few steps of
 /// the elementary functions that a single one would spoil, and for their tables, which the compiler
 /// reckons. Exact where it says so; all arguments finite and between 2^-500 and 2^500, or 0.
@@ -53,6 +55,13 @@ constexpr DoubleDouble operator/(const DoubleDouble& a, const DoubleDouble& b) {
     const double quotient = a.hi / b.hi;
     const DoubleDouble p = product(quotient, b.hi);
     return sumOfOrdered(quotient, (a.hi - p.hi - p.lo + a.lo - quotient * b.lo) / b.hi);
+}
+
+/// The square root; `x` is positive.
+inline DoubleDouble getRoot(const DoubleDouble& x) {
+    const double root = std::sqrt(x.hi);
+    const DoubleDouble square = product(root, root);
+    return sumOfOrdered(root, (x.hi - square.hi - square.lo + x.lo) / (2 * root));
 }
 
 constexpr DoubleDouble PI_HALF{0x1.921fb54442d18p+0, 0x1.1a62633145c07p-54};

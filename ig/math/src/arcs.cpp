@@ -65,13 +65,6 @@ DoubleDouble getArc(const DoubleDouble& y, const DoubleDouble& x) {
     return y.hi <= x.hi ? getSmallArc(y, x) : PI_HALF - getSmallArc(x, y);
 }
 
-/// The square root; `x` is positive.
-DoubleDouble getRoot(const DoubleDouble& x) {
-    const double root = std::sqrt(x.hi);
-    const DoubleDouble square = product(root, root);
-    return sumOfOrdered(root, (x.hi - square.hi - square.lo + x.lo) / (2 * root));
-}
-
 /// The other side of a right-angled triangle with hypotenuse 1; `x` within (-1, 1).
 DoubleDouble getOther(double x) {
     const DoubleDouble square = product(x, x);

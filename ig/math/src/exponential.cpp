@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// exp, log and pow of the process, and their forms of base 2 and 10. Why they are here:
-// trigonometric.cpp.
+// exp, log and pow of the process, their forms of base 2 and 10, and the hyperbolic functions,
+// which projections of maps need. Why they are here: trigonometric.cpp.
 //
 // Method: a table brings the argument close to 0 or 1, where the series is short (P. T. P. Tang,
 // "Table-driven implementation of the exponential function", 1989, and "... of the logarithm
@@ -47,24 +47,36 @@ double scale(double value, int e) {
     return shift(value, e);
 }
 
-/// 2^(k / STEPS) · e^r for small r.
-double raise(double k, double r) {
+/// 2^(k / STEPS) · e^r for small r, as a number within [1/2, 2] and a power of 2.
+struct Raised {
+    DoubleDouble number;
+    int twos;
+};
+
+Raised raise(double k, double r) {
     const int whole = static_cast<int>(k), j = whole & (STEPS - 1);
     const DoubleDouble& power = POWERS[static_cast<std::size_t>(j)];
     const double z = r * r;
     const double beyond_one = r + z * (0.5 + r * (1.0 / 6)) + z * z * (1.0 / 24 + r * (1.0 / 120));
-    return scale(power.hi + (power.lo + power.hi * beyond_one), (whole - j) / STEPS);
+    return {sumOfOrdered(power.hi, power.lo + power.hi * beyond_one), (whole - j) / STEPS};
 }
 
+double getValue(const Raised& raised) { return scale(raised.number.getValue(), raised.twos); }
+
 constexpr double ROUND = 0x1.8p52; ///< adding it leaves whole numbers
+
+/// exp(x), from -746 to 710.
+Raised raise(const DoubleDouble& x) {
+    const double k = (x.hi * (STEPS * PER_LN_2.hi) + ROUND) - ROUND;
+    // ln 2 / STEPS in two parts, the first of 35 bits, so that its multiples are exact.
+    return raise(k, x.hi - k * 0x1.62e42fef8p-8 - (k * 0x1.1cf79abc9e3b4p-43 - x.lo));
+}
 
 /// exp(x), whatever x.
 double getExponential(const DoubleDouble& x) {
     if (x.hi > 710) return HUGE_VAL;
     if (x.hi < -746) return 0;
-    const double k = (x.hi * (STEPS * PER_LN_2.hi) + ROUND) - ROUND;
-    // ln 2 / STEPS in two parts, the first of 35 bits, so that its multiples are exact.
-    return raise(k, x.hi - k * 0x1.62e42fef8p-8 - (k * 0x1.1cf79abc9e3b4p-43 - x.lo));
+    return getValue(raise(x));
 }
 
 /// A factor of few bits that brings a number close to 1, and minus its logarithm.
@@ -168,6 +180,51 @@ double getPower(double x, double y) {
     return getExponential({product.hi, product.lo + logarithm.lo * y});
 }
 
+// ------------------------------------------------------------ hyperbolic functions
+
+/// Where a series is short enough, and a difference of exponentials would lose digits.
+constexpr double NEAR_0 = 0.125;
+
+/// e^x / 2 and e^-x / 2 for x from 0 to 40.
+struct Halves {
+    DoubleDouble growing, falling;
+};
+
+Halves getHalves(double x) {
+    const Raised raised = raise(DoubleDouble{x, 0} - LN_2);
+    const DoubleDouble growing{scale(raised.number.hi, raised.twos),
+                               std::ldexp(raised.number.lo, raised.twos)};
+    return {growing, DoubleDouble{0.25, 0} / growing};
+}
+
+/// Of x from 0 to 40.
+DoubleDouble getHyperbolicSine(double x) {
+    if (x >= NEAR_0) {
+        const auto [growing, falling] = getHalves(x);
+        return growing - falling;
+    }
+    const double z = x * x;
+    return sumOfOrdered(x, x * z *
+                               (1.0 / 6 + z * (1.0 / 120 + z * (1.0 / 5040 + z * (1.0 / 362880)))));
+}
+
+DoubleDouble getHyperbolicCosine(double x) {
+    const auto [growing, falling] = getHalves(x);
+    return growing + falling;
+}
+
+/// The logarithm of a positive number of normal size.
+double getLogarithm(const DoubleDouble& x) {
+    const DoubleDouble logarithm = getLogarithm(x.hi);
+    return logarithm.hi + (logarithm.lo + x.lo / x.hi);
+}
+
+/// log(x + sqrt(x² + square)), `square` 1 or -1, for x from NEAR_0 or 1 on.
+double getAreaOf(double x, double square) {
+    if (x > 0x1p30) return (getLogarithm(x) + LN_2).getValue();
+    return getLogarithm(DoubleDouble{x, 0} + getRoot(product(x, x) + DoubleDouble{square, 0}));
+}
+
 } // namespace
 } // namespace ig
 
@@ -183,7 +240,7 @@ double exp2(double x) noexcept {
     if (x >= 1024) return HUGE_VAL;
     if (x < -1076) return 0;
     const double k = (x * ig::STEPS + ig::ROUND) - ig::ROUND;
-    return ig::raise(k, (x - k / ig::STEPS) * ig::LN_2.hi);
+    return ig::getValue(ig::raise(k, (x - k / ig::STEPS) * ig::LN_2.hi));
 }
 
 double log(double x) noexcept {
@@ -207,6 +264,57 @@ double pow(double x, double y) noexcept {
     if (x < 0 && std::isfinite(x) && !ig::isWhole(y)) return (x - x) / (x - x);
     const double power = ig::getPower(std::abs(x), y);
     return std::signbit(x) && ig::isOdd(y) ? -power : power;
+}
+
+double sinh(double x) noexcept {
+    const double size = std::abs(x);
+    if (!std::isfinite(x)) return x;
+    if (size <= 40) return std::copysign(ig::getHyperbolicSine(size).getValue(), x);
+    // The falling half has no share.
+    return std::copysign(ig::getExponential(ig::DoubleDouble{size, 0} - ig::LN_2), x);
+}
+
+double cosh(double x) noexcept {
+    const double size = std::abs(x);
+    if (!std::isfinite(x)) return size;
+    if (size <= 40) return ig::getHyperbolicCosine(size).getValue();
+    return ig::getExponential(ig::DoubleDouble{size, 0} - ig::LN_2);
+}
+
+double tanh(double x) noexcept {
+    const double size = std::abs(x);
+    if (std::isnan(x)) return x;
+    if (size > 40) return std::copysign(1.0, x);
+    if (size < 0x1p-27) return x;
+    return std::copysign((ig::getHyperbolicSine(size) / ig::getHyperbolicCosine(size)).getValue(),
+                         x);
+}
+
+double asinh(double x) noexcept {
+    const double size = std::abs(x), z = x * x;
+    if (!std::isfinite(x) || x == 0) return x;
+    if (size >= ig::NEAR_0) return std::copysign(ig::getAreaOf(size, 1), x);
+    const double tail =
+        -63.0 / 2816 + z * (231.0 / 13312 + z * (-143.0 / 10240 + z * (6435.0 / 557056)));
+    return x +
+           x * z * (-1.0 / 6 + z * (3.0 / 40 + z * (-5.0 / 112 + z * (35.0 / 1152 + z * tail))));
+}
+
+double acosh(double x) noexcept {
+    if (!(x >= 1)) return (x - x) / (x - x);
+    if (x == 1 || std::isinf(x)) return x - 1;
+    return ig::getAreaOf(x, -1);
+}
+
+double atanh(double x) noexcept {
+    const double size = std::abs(x), z = x * x;
+    if (!(size <= 1)) return (x - x) / (x - x);
+    if (x == 0) return x;
+    if (size == 1) return std::copysign(HUGE_VAL, x);
+    if (size >= ig::NEAR_0)
+        return std::copysign(0.5 * ig::getLogarithm(ig::sum(1, size) / ig::sum(1, -size)), x);
+    const double tail = 1.0 / 11 + z * (1.0 / 13 + z * (1.0 / 15 + z * (1.0 / 17)));
+    return x + x * z * (1.0 / 3 + z * (1.0 / 5 + z * (1.0 / 7 + z * (1.0 / 9 + z * tail))));
 }
 
 float expf(float x) noexcept { return static_cast<float>(exp(double(x))); }
