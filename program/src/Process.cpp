@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 namespace program {
@@ -55,6 +56,11 @@ void onStopSignal(void (*stop)()) {
     action.sa_flags = SA_RESTART; // nothing that is being written suffers
     for (const int number : {SIGINT, SIGTERM, SIGHUP})
         sigaction(number, &action, nullptr);
+}
+
+bool takesOutput(int descriptor) {
+    pollfd output{descriptor, POLLOUT, 0};
+    return poll(&output, 1, 0) != 0; // what fails is seen in printing
 }
 
 bool endOutput(std::string& message) {

@@ -6,9 +6,11 @@
 #include "channel/interface/PaceMonitor.h"
 #include "ig/math/EllipsoidModel.h"
 #include "ig/scene/ObjectPrefab.h"
+#include "program/Process.h"
 
 #include <algorithm>
 #include <cstdio>
+#include <unistd.h>
 
 using namespace ig;
 
@@ -25,7 +27,8 @@ void Status::print(const LogicListener& listener, const LinkMonitor& link, const
     const double rate = (m_frames - m_last_frames) / (m_time - m_last_time);
     m_last_time = m_time;
     m_last_frames = m_frames;
-    if (m_quiet) return;
+    // The next one is newer: no frame waits for whoever reads them.
+    if (m_quiet || !program::takesOutput(STDOUT_FILENO)) return;
     char age[32] = "none yet";
     if (pace.getAge() >= 0) std::snprintf(age, sizeof age, "%.0f ms ago", pace.getAge() * 1e3);
     std::printf("%7.1f s %6.1f fps | records %llu received, %d applied, last %s", m_time, rate,

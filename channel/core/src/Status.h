@@ -13,7 +13,8 @@ public:
     void setQuiet(bool quiet) { m_quiet = quiet; }
     /// After every frame: its duration, and the seconds of work that it cost.
     void addFrame(float dt, double work);
-    /// Prints the line when a second of scene time has passed since the last one.
+    /// Prints the line when a second of scene time has passed since the last one, unless the output
+    /// takes none at present.
     /// `environment` says what weather, sea and hour are.
     void print(const LogicListener& listener, const LinkMonitor& link, const PaceMonitor& pace,
                const std::string& environment);

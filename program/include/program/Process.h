@@ -20,6 +20,10 @@ void letWritesFail();
 /// and a shell, often send the same request twice. Until this is called signals end the program.
 void onStopSignal(void (*stop)());
 
+/// Whether a line that is printed there now gets on its way at once: not while a terminal is
+/// stopped or a pipe is full. For what is not worth waiting for.
+bool takesOutput(int descriptor);
+
 /// At the end of what has its result on the standard output. False with `message` when it didn't
 /// get there; a reader that has seen enough is no failure.
 bool endOutput(std::string& message);
