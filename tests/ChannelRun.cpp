@@ -49,9 +49,9 @@ std::vector<ChannelRun::Frame> ChannelRun::readTrace() const {
     std::getline(file, line); // the heading
     while (std::getline(file, line)) {
         Frame f{};
-        if (std::sscanf(line.c_str(), "%d,%lf,%lf,%d,%lf,%lf,%lf,%lf,%lf,%lf", &f.number, &f.time,
-                        &f.begin, &f.records, &f.longitude, &f.latitude, &f.altitude, &f.heading,
-                        &f.pitch, &f.roll) == 10)
+        if (std::sscanf(line.c_str(), "%d,%lf,%lf,%d,%lf,%lf,%lf,%lf,%lf,%lf,%lf,%d,%lf", &f.number,
+                        &f.time, &f.begin, &f.records, &f.longitude, &f.latitude, &f.altitude,
+                        &f.heading, &f.pitch, &f.roll, &f.shown, &f.late, &f.age) >= 12)
             frames.push_back(f);
     }
     return frames;

@@ -28,6 +28,9 @@ public:
         double time, begin; ///< seconds; `begin` on the steady clock
         int records;        ///< applied so far
         double longitude, latitude, altitude, heading, pitch, roll;
+        double shown; ///< s on the steady clock
+        int late;
+        double age; ///< of the newest record when shown, s; 0 before there is one
     };
     /// Reads "trace.csv".
     std::vector<Frame> readTrace() const;

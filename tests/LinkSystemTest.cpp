@@ -61,6 +61,17 @@ void expectPose(const ChannelRun::Frame& frame, const std::string& bytes) {
     EXPECT_LT(degreesApart(frame.heading, field<float>(bytes, 152)), 1e-4);
 }
 
+/// What the picture shows had arrived between the return of its send and that of the one before.
+void expectAge(const ChannelRun::Frame& frame, const std::vector<double>& sent) {
+    EXPECT_GT(frame.shown, frame.begin);
+    if (frame.records == 0) return;
+    const auto newest = static_cast<std::size_t>(frame.records) - 1;
+    const double arrival = frame.shown - frame.age, allowance = 0.001; // of the stamps' clocks
+    const double before = newest > 0 ? sent[newest - 1] : 0;
+    EXPECT_LT(arrival, sent[newest] + allowance) << "frame " << frame.number;
+    EXPECT_GT(arrival, before - allowance) << "frame " << frame.number;
+}
+
 // Record 311 carries the reset; from 250 on the flight hops on and above the pad.
 TEST(Link, RecordedFlightIsShownRecordByRecordSoonAfterItsArrival) {
     const std::vector<TimedRecord> flight = recordedFlight(250, 5);
@@ -84,7 +95,8 @@ TEST(Link, RecordedFlightIsShownRecordByRecordSoonAfterItsArrival) {
         awaitFrame();
     ASSERT_EQ(run.stop(), 0) << run.output;
     drain();
-    EXPECT_NE(run.output.find("1 resets"), std::string::npos) << run.output;
+    for (const char* part : {"1 resets", "frame to frame: ", "age of the newest record"})
+        EXPECT_NE(run.output.find(part), std::string::npos) << run.output;
 
     // In the first frame that begins after its arrival, or, where that is a short one after a late
     // one, in the next.
@@ -98,6 +110,7 @@ TEST(Link, RecordedFlightIsShownRecordByRecordSoonAfterItsArrival) {
         ASSERT_GE(frame.records, static_cast<int>(arrived_before)) << "frame " << frame.number;
         if (frame.records > 0)
             expectPose(frame, flight[static_cast<std::size_t>(frame.records) - 1].bytes);
+        expectAge(frame, sent);
         if (HasFailure()) break;
     }
     EXPECT_EQ(frames.back().records, static_cast<int>(flight.size()));
