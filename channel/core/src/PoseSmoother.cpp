@@ -41,8 +41,8 @@ PoseSmoother::Shift PoseSmoother::between(const Pose& from, const Pose& to) {
 
 Pose PoseSmoother::shifted(const Pose& pose, const Shift& shift) {
     const double angle = length(shift.turn);
-    const dquat turn = angle > 0 ? dquat(shift.turn, angle) : dquat();
-    return {pose.position + shift.way, normalize(turn * pose.attitude)};
+    const dquat& is = pose.attitude;
+    return {pose.position + shift.way, angle > 0 ? normalize(dquat(shift.turn, angle) * is) : is};
 }
 
 Pose PoseSmoother::update(const Frame& frame) {
