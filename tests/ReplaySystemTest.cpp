@@ -83,4 +83,13 @@ TEST_F(Replays, NameWhatDiffersAndThatALogIsCut) {
     EXPECT_TRUE(says("compared, all equal")) << run.output;
 }
 
+/// The whole system against a flight of before: what is meant to change it renews the log, see
+/// docs/operator.md.
+TEST(GoldenLog, TheWeaponsMissionGoesAsItDid) {
+    Program replay(CHANNEL, "--null --quiet --replay tests/golden/weapons.flog");
+    std::string output;
+    EXPECT_EQ(replay.finish(&output), 0) << output;
+    EXPECT_NE(output.find("compared, all equal"), std::string::npos) << output;
+}
+
 } // namespace
