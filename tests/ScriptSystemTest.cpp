@@ -49,7 +49,7 @@ TEST(Scripts, NothingThatAnOperatorDoesHasToBeMadeInFlight) {
                                  "- {at: 1.2, click: 打开吊索}\n"
                                  "- {at: 1.6, click: 气象雷达}\n"
                                  "- {at: 2.0, click: 释放声呐}\n"
-                                 "- {at: 2.4, click: 第三视角}\n"
+                                 "- {at: 2.4, key: F1}\n"
                                  "- {at: 2.8, click: 发射诱饵}\n"
                                  "- {at: 3.2, click: 发射导弹}\n"
                                  "- {at: 3.6, key: F12}\n"

@@ -8,6 +8,7 @@
 
 #define XK_MISCELLANY
 #include <X11/keysymdef.h>
+#include <cstdlib>
 #include <gtest/gtest.h>
 
 namespace {
@@ -58,7 +59,10 @@ TEST_F(ProgramInAWindowTest, AltF4EndsItAtOnceWhereTheWindowManagerTakesIt) {
 
 TEST_F(ProgramInAWindowTest, ClosedWhileItGetsReadyItEndsInOrderWithoutAsking) {
     VirtualScreen screen;
+    setenv("MESA_SHADER_CACHE_DISABLE", "true", 1); // getting ready takes its time
     Program program(PROGRAM_PATH, "--window --size 320x240 --seconds 20");
+    unsetenv("MESA_SHADER_CACHE_DISABLE");
+    program.waitFor("飞仿IP"); // the window is there
     ASSERT_TRUE(screen.watch("Visual channel"));
     screen.pressCloseButton();
     std::string rest;
