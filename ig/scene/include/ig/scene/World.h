@@ -68,7 +68,7 @@ private:
 
     Physics m_physics; // before the nodes, whose bodies leave it when they go
     jVector<Node*> m_nodes;
-    jVector<jString> m_later; ///< paths
+    jVector<jString> m_later;         ///< paths
     mutable jVector<Node*> m_crossed; ///< by the segment of `findFirst`; kept for its memory
 };
 
