@@ -55,6 +55,7 @@ TEST_F(PaceMonitorTest, IntervalsAreToldBySizeAndAsShares) {
     frame(-1, false); // one in which a message box ran others
     frame(1.02, false);
     expectSummary(" 123.4 ms max;");
+    expectSummary("up to 0.9: 1.0 %");
 }
 
 TEST_F(PaceMonitorTest, LateFramesAreToldOnceUntilTheyAreOver) {
