@@ -54,7 +54,7 @@ std::vector<std::string> listDifferent(const std::string& folder, const LogHead&
     add(a.files, b.files);
     add(b.files, a.files);
     std::ranges::sort(paths);
-    paths.erase(std::ranges::unique(paths).begin(), paths.end());
+    paths.erase(std::unique(paths.begin(), paths.end()), paths.end());
     return paths;
 }
 
