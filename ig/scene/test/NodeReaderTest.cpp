@@ -20,7 +20,7 @@ const NodeSchema FLOWER{"flower", {{"flower", {{whole, {"petals"}, nullptr, 3, 8
 
 Node* create(const NodeReader& r) {
     auto* meadow = new NodeField();
-    vec2 place(7, 7);
+    vec2 place{7, 7};
     if (!r.readPair("place", place)) r.report("left out:", "place");
     meadow->setParameter(0, place.y);
     meadow->setParameter(1, r.getNumber("height", 5));
