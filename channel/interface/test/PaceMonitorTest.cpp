@@ -47,15 +47,13 @@ TEST_F(PaceMonitorTest, IntervalsAreToldBySizeAndAsShares) {
         frame(0.0199, false);
     for (const double interval : {0.015, 0.025, 0.045, 0.1234})
         frame(interval, true);
+    EXPECT_NE(pace.getStatistics().find("frame to frame 19.90 ms p50"), std::string::npos);
+    frame(-1, false); // one in which a message box ran others
+    frame(1.02, false);
     expectSummary("frame to frame: 19.90 ms p50, 45.0");
     expectSummary(" ms p99, 123.4 ms max; 4 frames late\n");
     expectSummary("in periods of 20.00 ms: up to 0.9: 1.0 %, to 1.1: 96.0 %, to 1.5: 1.0 %, to "
                   "2.5: 1.0 %, more: 1.0 %\n");
-    EXPECT_NE(pace.getStatistics().find("frame to frame 19.90 ms p50"), std::string::npos);
-    frame(-1, false); // one in which a message box ran others
-    frame(1.02, false);
-    expectSummary(" 123.4 ms max;");
-    expectSummary("up to 0.9: 1.0 %");
 }
 
 TEST_F(PaceMonitorTest, LateFramesAreToldOnceUntilTheyAreOver) {
@@ -79,15 +77,11 @@ TEST_F(PaceMonitorTest, LateFramesAreToldOnceUntilTheyAreOver) {
 }
 
 TEST_F(PaceMonitorTest, WhoSetsThePaceIsToldWhenItChanges) {
-    frames(10, false);
-    timing.refresh_rate = 143.98;
-    timing.period = 3 / 143.98;
-    frames(10, false);
-    timing.refresh_rate = 143.99; // measured anew
-    timing.period = 3 / 143.99;
-    frames(10, false);
-    timing.refresh_rate = 0;
-    frames(10, false);
+    for (const double measured : {0.0, 143.98, 143.99, 0.0}) {
+        timing.refresh_rate = measured;
+        if (measured > 0) timing.period = 3 / measured;
+        frames(10, false);
+    }
     EXPECT_EQ(told(), (std::vector<std::string>{
                           "pacing: the display sets the pace: 143.98 Hz, every 3. picture a "
                           "frame, 48.0 frames/s, --fps being a limit",
