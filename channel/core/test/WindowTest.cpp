@@ -4,7 +4,7 @@
 // is clicked is clicked where it is drawn, and what comes of it is seen in the scene.
 
 #include "Channel.h"
-#include "channel/interface/WindowListener.h"
+#include "EventQueue.h"
 #include "heli/config/AppData.h"
 #include "heli/kit/HelicopterCorax.h"
 #include "heli/logic/Logic_Nerith_Heli_Final.h"
@@ -514,25 +514,12 @@ TEST_F(IconifiedWindowTest, EveryFrameIsAnsweredAndThePictureComesBack) {
     EXPECT_EQ(channel->getWidth(), 420);
 }
 
-struct Deaf final : WindowListener {
-    void onKey(int, bool, bool) override {}
-    void onModifiers(bool, bool, bool) override {}
-    void onText(const char*) override {}
-    void onButton(int, bool, float, float) override {}
-    void onMove(float, float) override {}
-    void onWheel(float) override {}
-    void onFocusLost() override {}
-    void onLeft() override {}
-    void onClose() override {}
-    void onResized(int, int, float) override {}
-};
-
 TEST(Window, PicturesWaitForTheDisplayUnlessNobodySeesThemOrNoneShallWait) {
     if (!VirtualScreen::isInstalled()) GTEST_SKIP() << "there is no Xvfb or no openbox";
     VirtualScreen screen({.managed = true});
     LogCapture log;
-    Deaf listener;
-    Window window(listener);
+    EventQueue events;
+    Window window(events);
     ASSERT_TRUE(window.open(200, 100));
     ASSERT_TRUE(screen.watch("Visual channel"));
     const auto waits = [&] {
