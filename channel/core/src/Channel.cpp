@@ -332,6 +332,7 @@ void Channel::run() {
     m_video.close();
     m_trace.close();
     if (!m_recorded_scene) recordScene();
+    compareScene();
     m_record.close();
     m_status.printSummary(m_listener, m_link, m_pace);
     std::fputs(m_warm_up.getSummary(*m_renderer).c_str(), stdout);
@@ -379,8 +380,10 @@ bool Channel::runFrame() {
                    m_scene_command.describe() + ' ' + m_environment.describe());
     m_scene_time += dt;
     m_frames++;
-    if (m_record.isOpen() && m_frames % FRAMES_PER_DIGEST == 0) recordScene();
-    if (m_replay) m_replay->compare([this] { return digestScene(); });
+    if (m_frames % FRAMES_PER_DIGEST == 0) {
+        if (m_record.isOpen()) recordScene();
+        compareScene();
+    }
     if (m_scene_command.isExit() || m_interface.isEndRequested()) m_quit = true;
     return true;
 }
@@ -417,6 +420,12 @@ void Channel::record(const frames::FrameInput& input) {
 void Channel::recordScene() {
     m_recorded_scene = true;
     if (m_record.isOpen() && !m_record.append(digestScene())) tellRecordFailure();
+}
+
+/// Where the log's run took its digests: the frame that the log holds before them may be one of a
+/// box, and the one that ended last the one that opened it.
+void Channel::compareScene() {
+    if (m_replay) m_replay->compare([this] { return digestScene(); });
 }
 
 void Channel::tellRecordFailure() const {

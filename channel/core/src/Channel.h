@@ -95,6 +95,7 @@ private:
     void deliver(frames::FrameInput& input);
     void record(const frames::FrameInput& input);
     void recordScene();
+    void compareScene();
     void tellRecordFailure() const;
     std::vector<frames::PartDigest> digestScene();
     void takeStill();

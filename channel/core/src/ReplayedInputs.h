@@ -27,8 +27,8 @@ public:
     const frames::LogHead& getHead() const { return m_reader.getHead(); }
 
     bool next(const Moment& moment, frames::FrameInput& input) override;
-    /// After every frame: compares the digests that the log holds of it, if any, with those of the
-    /// scene.
+    /// Where the log's run took digests of the scene: compares those that the log holds, if any,
+    /// with those of now.
     void compare(const std::function<Digests()>& digest_scene);
     /// The run was ended by force in the frame that was taken last.
     bool endsByForce() const { return m_item == frames::LogItem::cut_off; }
