@@ -62,7 +62,7 @@ TEST_F(ProgramInAWindowTest, ClosedWhileItGetsReadyItEndsInOrderWithoutAsking) {
     setenv("MESA_SHADER_CACHE_DISABLE", "true", 1); // getting ready takes its time
     Program program(PROGRAM_PATH, "--window --size 320x240 --seconds 20");
     unsetenv("MESA_SHADER_CACHE_DISABLE");
-    program.waitFor("飞仿IP"); // the window is there
+    ASSERT_FALSE(program.waitFor("飞仿IP").empty()) << "it ended before the window was there";
     ASSERT_TRUE(screen.watch("Visual channel"));
     screen.pressCloseButton();
     std::string rest;

@@ -8,14 +8,17 @@
 #include <X11/extensions/XTest.h>
 #include <csignal>
 #include <cstdlib>
+#include <stdexcept>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
 
+constexpr int STARTS = 10;
+
 /// Starts the server on a display of its own choice. The display's name, empty when that failed.
-std::string startServer(pid_t* server) {
+std::string tryServer(pid_t* server) {
     int ends[2];
     if (pipe(ends) != 0) return {};
     *server = fork();
@@ -37,6 +40,18 @@ std::string startServer(pid_t* server) {
     return number.empty() ? number : ":" + number;
 }
 
+/// One that chooses a display just as another server comes there, or goes, gives up: the next finds
+/// another.
+std::string startServer(pid_t* server) {
+    for (int start = 0; start < STARTS; start++) {
+        const std::string name = tryServer(server);
+        if (!name.empty()) return name;
+        if (*server > 0) waitpid(*server, nullptr, 0);
+        *server = -1;
+    }
+    throw std::runtime_error("VirtualScreen: no X server starts");
+}
+
 } // namespace
 
 bool VirtualScreen::isInstalled() {
@@ -45,13 +60,14 @@ bool VirtualScreen::isInstalled() {
 
 VirtualScreen::VirtualScreen(const Desktop& desktop) {
     const std::string name = startServer(&m_server);
-    if (name.empty()) return;
     setenv("DISPLAY", name.c_str(), 1);
     unsetenv("WAYLAND_DISPLAY");
     const std::string layout = "setxkbmap -layout " + std::string(desktop.layout);
-    if (std::system(layout.c_str()) != 0) return;
-    m_display = XOpenDisplay(name.c_str());
-    if (!m_display) return;
+    if (std::system(layout.c_str()) == 0) m_display = XOpenDisplay(name.c_str());
+    if (!m_display) {
+        stopPrograms();
+        throw std::runtime_error("VirtualScreen: the X server can't be reached");
+    }
     const int dpi = desktop.dpi;
     const std::string setting = dpi > 0 ? "Xft.dpi: " + std::to_string(dpi) + "\n" : "";
     const Window root = DefaultRootWindow(m_display);
@@ -69,6 +85,10 @@ VirtualScreen::VirtualScreen(const Desktop& desktop) {
 VirtualScreen::~VirtualScreen() {
     if (m_display) XCloseDisplay(m_display);
     unsetenv("DISPLAY");
+    stopPrograms();
+}
+
+void VirtualScreen::stopPrograms() const {
     for (const pid_t program : {m_manager, m_server}) {
         if (program <= 0) continue;
         kill(program, SIGTERM);
@@ -244,6 +264,15 @@ void VirtualScreen::waitForManager() {
                SubstructureNotifyMask | SubstructureRedirectMask, &event);
     waitForProperty(m_asking_window, answer);
     sync();
+}
+
+unsigned VirtualScreen::readPixel(int x, int y) {
+    sync();
+    XImage* image = XGetImage(m_display, m_window, x, y, 1, 1, AllPlanes, ZPixmap);
+    if (!image) throw std::runtime_error("VirtualScreen: no such pixel");
+    const auto pixel = static_cast<unsigned>(XGetPixel(image, 0, 0));
+    XDestroyImage(image);
+    return pixel & 0xffffff;
 }
 
 bool VirtualScreen::isWindowShown() {

@@ -65,7 +65,6 @@ struct WindowTest : testing::Test {
     }
     void open() {
         screen.emplace(desktop);
-        ASSERT_TRUE(screen->isOpen());
         channel.emplace(options);
         ASSERT_TRUE(channel->open());
         ASSERT_TRUE(screen->watch("Visual channel"));

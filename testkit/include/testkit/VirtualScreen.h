@@ -22,7 +22,7 @@ public:
         bool managed = false;      ///< by a window manager, openbox
     };
 
-    /// Starts the server and makes it the display of the process.
+    /// Starts the server and makes it the display of the process; throws when it can't.
     VirtualScreen() : VirtualScreen(Desktop()) {}
     explicit VirtualScreen(const Desktop& desktop);
     VirtualScreen(const VirtualScreen&) = delete;
@@ -30,7 +30,6 @@ public:
 
     /// Whether there are such a server and window manager on this machine.
     static bool isInstalled();
-    bool isOpen() const { return m_display != nullptr; }
     /// Everything from now on is done to the window of this title. False when there is none.
     bool watch(const std::string& title);
 
@@ -62,11 +61,14 @@ public:
     void waitForManager();
     /// Whether the window is to be seen, as far as it is not covered.
     bool isWindowShown();
+    /// What is to be seen at a place of the window, 0xRRGGBB.
+    unsigned readPixel(int x, int y);
 
 private:
     unsigned long find(unsigned long parent, const std::string& title);
     void sync();
     void startManager();
+    void stopPrograms() const;
     void waitForProperty(unsigned long window, const char* name);
 
     pid_t m_server = -1, m_manager = -1;
