@@ -237,6 +237,7 @@ void Channel::warmUp() {
     m_frame_info.focus = m_listener.m_focus;
     std::vector<jString> later = m_listener.m_preloaded;
     later.insert(later.end(), m_world.getLaterPrefabs().begin(), m_world.getLaterPrefabs().end());
+    m_renderer->setWindowSize(m_window.getWidth(), m_window.getHeight());
     const auto keep_window = [this] {
         if (!m_window.isOpen()) return true;
         m_window.swap();
@@ -286,7 +287,7 @@ bool Channel::openWindow() {
     m_window.setVerticalSync(m_replay && !m_options.real_time ? VerticalSync::off
                                                               : m_options.vertical_sync);
     if (m_options.full_screen) m_window.toggleFullScreen();
-    if (m_replay) return true; // the picture has the log's size
+    if (m_replay) return true; // the picture has the log's size, and is fitted into the window
     m_options.width = m_window.getWidth();
     m_options.height = m_window.getHeight();
     return true;
@@ -504,6 +505,7 @@ void Channel::draw() {
                             m_frame_info);
     m_frame_info.eye_velocity = m_precipitation.getEyeVelocity();
     m_frame_info.particles = &m_particles;
+    m_renderer->setWindowSize(m_window.getWidth(), m_window.getHeight());
     m_renderer->render(m_world, getEye(), m_frame_info);
     const double time = m_scene_time + Engine::get()->getFrameTime();
     m_screenshots.afterFrame(*m_renderer, time);

@@ -513,6 +513,46 @@ TEST_F(IconifiedWindowTest, EveryFrameIsAnsweredAndThePictureComesBack) {
     EXPECT_EQ(channel->getWidth(), 420);
 }
 
+struct ReplayWindowTest : WindowTest {
+    ReplayWindowTest() {
+        options.width = 400;
+        options.height = 300;
+        options.record = "run.flog";
+    }
+    /// What the window shows of the picture, magnified and moved to the right, on a coarse grid.
+    std::vector<int> seen(int magnified, int right) {
+        std::vector<int> channels;
+        for (int y = 5; y < 300; y += 10)
+            for (int x = 5; x < 400; x += 10) {
+                const unsigned pixel = screen->readPixel(right + magnified * x, magnified * y);
+                for (const int shift : {16, 8, 0})
+                    channels.push_back(static_cast<int>(pixel >> shift & 0xff));
+            }
+        return channels;
+    }
+};
+
+TEST_F(ReplayWindowTest, ThePictureFillsAWindowOfAnySizeAndKeepsItsProportions) {
+    frames(12);
+    const std::vector<int> live = seen(1, 0);
+    TearDown();
+    options.replay = std::exchange(options.record, "");
+    channel.emplace(options);
+    ASSERT_TRUE(channel->open());
+    ASSERT_TRUE(screen->watch("Visual channel"));
+    frames(3);
+    screen->resize(1000, 600);
+    frames(12);
+    EXPECT_EQ(channel->getWidth(), 400);
+    const std::vector<int> replayed = seen(2, 100);
+    int apart = 0; // where an edge of a panel or a letter passes
+    for (std::size_t i = 0; i < live.size(); i++)
+        apart += std::abs(live[i] - replayed[i]) > 64 ? 1 : 0;
+    EXPECT_LT(apart, static_cast<int>(live.size() / 50));
+    for (const int bar : {3, 96, 904, 996})
+        EXPECT_EQ(screen->readPixel(bar, 300), 0u) << bar;
+}
+
 TEST(Window, PicturesWaitForTheDisplayUnlessNobodySeesThemOrNoneShallWait) {
     if (!VirtualScreen::isInstalled()) GTEST_SKIP() << "there is no Xvfb or no openbox";
     VirtualScreen screen({.managed = true});

@@ -91,6 +91,7 @@ struct RendererGL::Impl {
     void forget();
 
     Surface surface;
+    int window_width = 0, window_height = 0; ///< 0: the picture's
     bool ready = false;
     float scale = 1;
     jString device;
@@ -190,6 +191,11 @@ void RendererGL::resize(int width, int height) {
     Impl& r = *m_impl;
     if (r.ready && (width != r.targets.getWidth() || height != r.targets.getHeight()))
         r.ready = r.targets.make(width, height, r.scale);
+}
+
+void RendererGL::setWindowSize(int width, int height) {
+    m_impl->window_width = width;
+    m_impl->window_height = height;
 }
 
 void RendererGL::setScale(float scale) {
@@ -342,15 +348,29 @@ void RendererGL::Impl::finishPicture() {
     glDrawArrays(GL_TRIANGLES, 0, 3);
 }
 
+/// Live the sizes are equal, and pixels go over as they are; a replay's picture has the log's.
 void RendererGL::Impl::present() {
     if (surface == Surface::none) {
         glFinish(); // nobody else waits for the device
         return;
     }
+    const int width = targets.getWidth(), height = targets.getHeight();
+    const int window_w = window_width > 0 ? window_width : width;
+    const int window_h = window_height > 0 ? window_height : height;
+    const double fit =
+        std::min(static_cast<double>(window_w) / width, static_cast<double>(window_h) / height);
+    const int w = static_cast<int>(std::lround(width * fit));
+    const int h = static_cast<int>(std::lround(height * fit));
+    const int x = (window_w - w) / 2, y = (window_h - h) / 2;
     glBindFramebuffer(GL_READ_FRAMEBUFFER, targets.finished_target.getId());
     glBindFramebuffer(GL_DRAW_FRAMEBUFFER, 0);
-    glBlitFramebuffer(0, 0, targets.getWidth(), targets.getHeight(), 0, 0, targets.getWidth(),
-                      targets.getHeight(), GL_COLOR_BUFFER_BIT, GL_NEAREST);
+    if (w < window_w || h < window_h) { // the bars
+        glClearColor(0, 0, 0, 1);
+        glClear(GL_COLOR_BUFFER_BIT);
+    }
+    const bool scaled = w != width || h != height;
+    glBlitFramebuffer(0, 0, width, height, x, y, x + w, y + h, GL_COLOR_BUFFER_BIT,
+                      scaled ? GL_LINEAR : GL_NEAREST);
 }
 
 // ------------------------------------------------------------------ rehearsal
@@ -442,7 +462,8 @@ void RendererGL::Impl::step(Rehearsal& r) const {
         glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &before);
         glBindFramebuffer(GL_DRAW_FRAMEBUFFER, 0);
         glEnable(GL_SCISSOR_TEST);
-        const int width = targets.getWidth(), height = targets.getHeight();
+        const int width = window_width > 0 ? window_width : targets.getWidth();
+        const int height = window_height > 0 ? window_height : targets.getHeight();
         const int thick = std::max(height / 60, 4);
         const auto fill = [](int x, int y, int w, int h, float gray) {
             glScissor(x, y, w, h);

@@ -89,6 +89,9 @@ public:
     /// False, having logged why, when there is nothing to draw with.
     virtual bool init(int width, int height) = 0;
     virtual void resize(int width, int height) = 0;
+    /// Of the window, pixels. The picture is shown as large as it fits there, in the middle, with
+    /// its proportions and black bars. 0, as before the first call: the picture's own size.
+    virtual void setWindowSize(int /*width*/, int /*height*/) {}
     /// Draws, unseen, all that may be drawn later, so that no frame of the scene waits for
     /// something to be made. Nothing of the world changes by it, nor does the next picture. Call it
     /// before the first `render`, while a `Node::BorrowedIds` lives.

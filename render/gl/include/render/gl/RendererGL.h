@@ -12,7 +12,8 @@ namespace ig {
 ///
 /// Everything is drawn into framebuffers of its own, at the render scale, in linear light; then
 /// toned, filtered, scaled to the size of the picture, and covered with the user interface. With a
-/// window the picture is copied to it; without, it is there to be read back.
+/// window the picture is copied to it, fitted into it where their sizes differ; without, it is
+/// there to be read back.
 ///
 /// One renderer at a time in a process, used from one thread.
 class RendererGL : public Renderer {
@@ -26,6 +27,7 @@ public:
 
     bool init(int width, int height) override;
     void resize(int width, int height) override;
+    void setWindowSize(int width, int height) override;
     void prepare(const Preparation& wanted) override;
     void render(const World& world, const Camera& camera, const FrameInfo& frame) override;
     void release() override;
