@@ -381,15 +381,55 @@ std::vector<std::string> wordsForLog(const CLI::App& app) {
     return words;
 }
 
+bool namesLibrary(const std::string& name) { return name == "logic" || name == "plugin"; }
+
+/// What a log may not say: it can come from anybody, and says what the scene is, not which files
+/// are written. These are taken out, with one line for all.
+void dropForeign(const CLI::App& app, std::vector<Setting>& settings) {
+    std::string names;
+    std::erase_if(settings, [&](const Setting& setting) {
+        const CLI::Option* const option = app.get_option_no_throw("--" + setting.key);
+        if (!option) return false;
+        const std::string name = nameOf(*option);
+        if (!isOfDisplay(name) && std::ranges::count(BEFORE_SETTINGS, name) == 0) return false;
+        names += (names.empty() ? "--" : ", --") + name;
+        return true;
+    });
+    if (!names.empty())
+        jLog::warning("visual_channel: --replay: the log asks for %s: passed over, only the "
+                      "command line may",
+                      names.c_str());
+}
+
+/// A log loads no code: the libraries that it names have to be named by the command line too. They
+/// are taken out. False, with an error that tells which, when they are not.
+bool settleLibraries(const CLI::App& app, std::vector<Setting>& settings) {
+    std::string missing;
+    std::erase_if(settings, [&](const Setting& setting) {
+        if (!namesLibrary(setting.key)) return false;
+        if (app.get_option("--" + setting.key)->count() == 0)
+            missing += " --" + setting.key + ' ' + CLI::detail::join(setting.values, " ");
+        return true;
+    });
+    if (missing.empty()) return true;
+    jLog::error("visual_channel: --replay: the log is of a flight with%s: no log loads libraries; "
+                "if you trust these, name them on the command line too",
+                missing.c_str());
+    return false;
+}
+
 /// The log's options take the place of the settings file. One that there isn't is another
 /// version's: the replay goes on without. False, with an error, when the command line contradicts
-/// the replay, or the log can't be read.
+/// the replay, or the log can't be read, or needs libraries that the command line doesn't name.
 bool applyLog(CLI::App& app, Options& options, bool has_config) {
     Wishes wishes = wishesOf(app);
     if (has_config) wishes["config"] = {};
+    std::erase_if(wishes, [](const auto& wish) { return namesLibrary(wish.first); });
     if (!settleWishes(wishes)) return false;
     std::vector<Setting> settings;
     if (!readLogOptions(options, settings)) return false;
+    dropForeign(app, settings);
+    if (!settleLibraries(app, settings)) return false;
     for (const Setting& setting : settings) {
         CLI::Option* const option = app.get_option_no_throw("--" + setting.key);
         if (!option)

@@ -151,6 +151,25 @@ TEST_F(OptionsTest, AReplayHasTheScenesOptionsOfItsLogAndTheDisplaysOfItsOwn) {
     EXPECT_EQ(options.scale, 1);
     EXPECT_EQ(options.frame_rate, 60);
     EXPECT_EQ(options.statistics, Overlays::Statistics::full);
+
+    // Anybody's log writes no files and loads no code.
+    frames::LogHead head = describeRun(options, 1.5f);
+    head.options = {"--trace",     "t.csv", "--record", "c.flog", "--screenshot", "s.png",
+                    "--directory", "/",     "--rain",   "3",      "--quiet"};
+    const auto rewrite = [&] { return written.open("b.flog", head) && written.close(); };
+    ASSERT_TRUE(rewrite() && parse("--replay b.flog")) << log.lines[0];
+    EXPECT_EQ(options.trace + options.record + options.screenshot + options.directory, "");
+    EXPECT_TRUE(options.weather.rain == 3 && !options.quiet);
+    ASSERT_EQ(log.lines.size(), 1u);
+    EXPECT_NE(log.lines[0].find("asks for --trace, --record, --screenshot, --directory, --quiet"),
+              std::string::npos)
+        << log.lines[0];
+    head.options = {"--logic", "a.so", "--plugin", "b.so"};
+    ASSERT_TRUE(rewrite());
+    EXPECT_FALSE(parse("--replay b.flog --logic mine.so"));
+    expectError("with --plugin b.so: no log loads libraries");
+    EXPECT_TRUE(parse("--replay b.flog --logic mine.so --plugin b.so")) << log.lines[0];
+    EXPECT_EQ(options.logic + ' ' + options.plugins.at(0), "mine.so b.so");
 }
 
 TEST_F(OptionsTest, TheShippedFileOffersEveryOptionWithItsDefault) {
