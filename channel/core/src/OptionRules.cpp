@@ -4,6 +4,7 @@
 #include "ig/base/jLog.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <iterator>
 #include <optional>
 
@@ -56,8 +57,9 @@ const Conflict CONFLICTS[] = {
     {"allow-sender", "replay", false, "nothing is received"},
 };
 
-/// What files are written to, and the one that is read; no two of them may be the same.
-const char* const FILES[] = {"screenshot", "contact-sheet", "video", "trace", "record", "replay"};
+/// What files are written to, and those that are read; no two of them may be the same.
+const char* const FILES[] = {"screenshot", "contact-sheet", "video", "trace",
+                             "record",     "replay",        "script"};
 
 const char* const OF_DISPLAY[] = {
     "renderer",         "null",   "warm-up",   "headless", "window",     "vsync",  "full-screen",
@@ -65,7 +67,16 @@ const char* const OF_DISPLAY[] = {
     "screenshot-every", "trace",  "profile",   "quiet",    "seconds",    "record", "frames",
     "screenshot",       "replay", "real-time", "smooth"};
 
-std::optional<Conflict> findConflict(const Wishes& wishes) {
+/// By whatever names; one that isn't there yet by its name without dots and links.
+bool isSameFile(const std::filesystem::path& folder, const std::string& a, const std::string& b) {
+    std::error_code error;
+    if (std::filesystem::equivalent(folder / a, folder / b, error)) return true;
+    const std::filesystem::path begin = std::filesystem::current_path(error) / folder;
+    return std::filesystem::weakly_canonical(begin / a, error) ==
+           std::filesystem::weakly_canonical(begin / b, error);
+}
+
+std::optional<Conflict> findConflict(const Wishes& wishes, const std::string& folder) {
     for (const Conflict& conflict : CONFLICTS)
         if (wishes.contains(conflict.name) && wishes.contains(conflict.other) != conflict.lacks)
             return conflict;
@@ -76,7 +87,7 @@ std::optional<Conflict> findConflict(const Wishes& wishes) {
     for (const char* const& a : FILES)
         for (const char* const* b = FILES; b < &a; b++)
             if (wishes.contains(a) && wishes.contains(*b) &&
-                wishes.at(a).value == wishes.at(*b).value)
+                isSameFile(folder, wishes.at(a).value, wishes.at(*b).value))
                 return Conflict{a, *b, false, "they name the same file"};
     // In a window Alt + p takes pictures.
     if (wishes.contains("contact-sheet") && wishes.contains("headless") &&
@@ -100,9 +111,9 @@ bool isOfDisplay(const std::string& name) {
     return std::ranges::find(OF_DISPLAY, name) != std::end(OF_DISPLAY);
 }
 
-bool settleWishes(Wishes& wishes) {
+bool settleWishes(Wishes& wishes, const std::string& folder) {
     bool displaced = false;
-    while (const std::optional<Conflict> conflict = findConflict(wishes)) {
+    while (const std::optional<Conflict> conflict = findConflict(wishes, folder)) {
         const auto name = wishes.find(conflict->name), other = wishes.find(conflict->other);
         const bool from_file = !name->second.place.empty();
         const bool other_from_file = other != wishes.end() && !other->second.place.empty();

@@ -15,8 +15,9 @@ using Wishes = std::map<std::string, Wish>;
 
 /// Looks for wishes that contradict each other or do nothing together. What the command line says
 /// displaces settings of the file, which are taken out, with a log line each. False, with an error
-/// that tells the reason, when wishes of the same place don't fit.
-bool settleWishes(Wishes& wishes);
+/// that tells the reason, when wishes of the same place don't fit. Files are relative to the
+/// folder.
+bool settleWishes(Wishes& wishes, const std::string& folder);
 
 /// Whether an option is about what is shown, written or told, and not about the scene: a log keeps
 /// only the others, and a replay has only these of its own.

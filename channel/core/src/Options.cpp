@@ -342,7 +342,8 @@ Wishes wishesOf(const CLI::App& app) {
 }
 
 /// The settings file below what the command line says. False after the errors that explain it.
-bool applySettings(CLI::App& app, const std::string& path, bool needed) {
+bool applySettings(CLI::App& app, const Options& options, const std::string& config, bool needed) {
+    const std::string path = (std::filesystem::path(options.directory) / config).string();
     std::vector<Setting> settings;
     if (std::error_code error; needed || std::filesystem::exists(path, error))
         if (!readSettings(path, settings) || !checkKeys(app, settings)) return false;
@@ -354,7 +355,7 @@ bool applySettings(CLI::App& app, const std::string& path, bool needed) {
     });
     for (const Setting& setting : settings)
         addWish(*app.get_option("--" + setting.key), setting.values, setting.place, wishes);
-    if (!settleWishes(wishes)) return false;
+    if (!settleWishes(wishes, options.directory)) return false;
     bool right = true;
     for (const Setting& setting : settings) {
         CLI::Option& option = *app.get_option("--" + setting.key);
@@ -425,7 +426,7 @@ bool applyLog(CLI::App& app, Options& options, bool has_config) {
     Wishes wishes = wishesOf(app);
     if (has_config) wishes["config"] = {};
     std::erase_if(wishes, [](const auto& wish) { return namesLibrary(wish.first); });
-    if (!settleWishes(wishes)) return false;
+    if (!settleWishes(wishes, options.directory)) return false;
     std::vector<Setting> settings;
     if (!readLogOptions(options, settings)) return false;
     dropForeign(app, settings);
@@ -480,9 +481,7 @@ bool parseOptions(int argc, char** argv, Options& options, int& exit_status) {
     }
     if (!nameExtras(app)) return false;
     if (!options.replay.empty()) return applyLog(app, options, config_option->count() > 0);
-    const bool applied =
-        applySettings(app, (std::filesystem::path(options.directory) / config).string(),
-                      config_option->count() > 0);
+    const bool applied = applySettings(app, options, config, config_option->count() > 0);
     options.logged = wordsForLog(app);
     return applied;
 }

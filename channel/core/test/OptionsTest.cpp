@@ -61,10 +61,14 @@ TEST_F(OptionsTest, MistakesAreNamedWithWhatIsAllowed) {
         {"--replay a --script b", "--script can't go together with --replay: the log says what"},
         {"--replay a --rain 2", "--rain can't go together with --replay: the log says what scene"},
         {"--replay a --record a", "they name the same file"},
+        {"--directory x --replay a --record ../x/a", "they name the same file"},
+        {"--replay a --record ./a", "they name the same file"},
+        {"--trace b.png --screenshot c.png", "they name the same file"},
         {"--replay a", "--replay: cannot open \"a\": "},
         {"--real-time", "does nothing without --replay"},
         {"--screenshot a.jpg", "pictures are written as PNG: name it \"a.png\""},
     };
+    std::filesystem::create_hard_link(folder.write("b.png", "").c_str(), "c.png");
     for (const auto& [line, part] : mistakes) {
         EXPECT_FALSE(parse(line)) << line;
         expectError(part);
