@@ -9,7 +9,6 @@
 #include "ig/ui/UIRoot.h"
 
 #include <algorithm>
-#include <cstdio>
 
 using namespace ig;
 
@@ -22,12 +21,6 @@ constexpr int SMALLEST_FONT = 5;
 
 const vec4 FACE(0.05f, 0.07f, 0.10f, 0.86f);
 const vec4 WARNING_COLOR(1.00f, 0.80f, 0.45f, 1);
-
-std::string decimal(double value, int places) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.*f", places, value);
-    return text;
-}
 
 } // namespace
 
@@ -109,23 +102,24 @@ void Overlays::write() {
     const Sums& s = m_sums;
     const double rate = s.time > 0 ? s.frames / s.time : 0;
     if (m_statistics == Statistics::rate) {
-        m_label->setText(jString(Texts::fill("statistics.rate", {decimal(rate, 1)})));
+        m_label->setText(jString(Texts::fill("statistics.rate", {Texts::decimal(rate, 1)})));
         return;
     }
-    const auto milliseconds = [&](double sum) { return decimal(sum / s.frames * 1e3, 2); };
+    const auto milliseconds = [&](double sum) { return Texts::decimal(sum / s.frames * 1e3, 2); };
     const auto share = [&](int bucket) {
-        return decimal(100.0 * s.frames_with[bucket] / s.frames, 0);
+        return Texts::decimal(100.0 * s.frames_with[bucket] / s.frames, 0);
     };
     const double seconds = m_pace ? m_pace->getAge() : -1;
     const std::string age = seconds < 0
                                 ? Texts::get("statistics.no_record")
-                                : Texts::fill("statistics.age", {decimal(seconds * 1e3, 0)});
+                                : Texts::fill("statistics.age", {Texts::decimal(seconds * 1e3, 0)});
     const std::string lines[] = {
-        Texts::fill("statistics.frames", {decimal(rate, 1), milliseconds(s.time)}),
+        Texts::fill("statistics.frames", {Texts::decimal(rate, 1), milliseconds(s.time)}),
         Texts::fill("statistics.costs",
                     {milliseconds(s.costs.update), milliseconds(s.costs.physics),
                      milliseconds(s.costs.interface), milliseconds(s.costs.draw)}),
-        Texts::fill("statistics.records", {decimal(s.time > 0 ? s.records / s.time : 0, 1), age}),
+        Texts::fill("statistics.records",
+                    {Texts::decimal(s.time > 0 ? s.records / s.time : 0, 1), age}),
         Texts::fill("statistics.per_frame", {share(0), share(1), share(2), share(3)}),
     };
     std::string text;

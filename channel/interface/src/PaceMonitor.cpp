@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <numeric>
 
 using namespace ig;
@@ -16,13 +15,9 @@ namespace {
 
 constexpr double CLASS_ENDS[] = {0.9, 1.1, 1.5, 2.5};
 
-std::string decimal(double value, int places) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.*f", places, value);
-    return text;
+std::string milliseconds(double seconds, int places = 1) {
+    return Texts::decimal(seconds * 1e3, places);
 }
-
-std::string milliseconds(double seconds, int places = 1) { return decimal(seconds * 1e3, places); }
 
 } // namespace
 
@@ -50,13 +45,15 @@ void PaceMonitor::watchPace() {
     if ((rate > 0) == (m_told_rate > 0) && divisor == m_told_divisor) return;
     m_told_rate = rate;
     m_told_divisor = divisor;
+    const std::string left_out =
+        divisor > 1 ? "every " + std::to_string(divisor) + ". picture a frame, " : "";
     if (rate <= 0)
         jLog::message(
             "pacing: pictures no longer wait for the display: frames keep their own time");
     else
-        jLog::message("pacing: the display sets the pace: %.2f Hz, every %d. picture a frame, "
-                      "%.1f frames/s, --fps being a limit",
-                      rate, divisor, 1 / m_last.period);
+        jLog::message("pacing: the display sets the pace: %.2f Hz, %s%.1f frames/s, --fps being a "
+                      "limit",
+                      rate, left_out.c_str(), 1 / m_last.period);
 }
 
 void PaceMonitor::watchLateness() {
@@ -65,10 +62,12 @@ void PaceMonitor::watchLateness() {
     m_recent[m_next] = m_last.late;
     m_works[m_next] = m_last.work;
     m_next = (m_next + 1) % WATCHED;
+    m_watched = std::min(m_watched + 1, WATCHED);
     if (m_last.late) m_last_late = m_last.begin;
     if (!m_is_late && m_late_recently >= MANY) {
         m_is_late = true;
-        const double work = std::accumulate(m_works.begin(), m_works.end(), 0.0) / WATCHED;
+        const double work =
+            std::accumulate(m_works.begin(), m_works.end(), 0.0) / static_cast<double>(m_watched);
         jLog::warning("pacing: %s: their work takes %.1f of %.1f ms; a lower --fps, a smaller "
                       "--size or --scale, or less else on this machine helps",
                       getStatus().c_str(), work * 1e3, m_last.period * 1e3);
@@ -99,7 +98,7 @@ void PaceMonitor::addAge(const LinkMonitor& link) {
 std::string PaceMonitor::getStatus() const {
     if (!m_is_late || m_late_recently == 0) return {};
     return "frames are late: " + std::to_string(m_late_recently) + " of the last " +
-           std::to_string(WATCHED);
+           std::to_string(m_watched);
 }
 
 /// Of the intervals, percent.
@@ -107,7 +106,7 @@ std::vector<std::string> PaceMonitor::listShares() const {
     const std::uint64_t all = std::accumulate(m_shares, m_shares + CLASSES, std::uint64_t{0});
     std::vector<std::string> texts = {milliseconds(m_last.period, 2)};
     for (const std::uint64_t share : m_shares)
-        texts.push_back(decimal(
+        texts.push_back(Texts::decimal(
             all > 0 ? 100 * static_cast<double>(share) / static_cast<double>(all) : 0.0, 1));
     return texts;
 }
@@ -120,7 +119,7 @@ std::string PaceMonitor::getStatistics() const {
     if (m_last.period > 0)
         text += '\n' + Texts::fillIn(Texts::get("statistics.shares"), listShares());
     if (m_last.refresh_rate > 0)
-        text += '\n' + Texts::fill("statistics.display", {decimal(m_last.refresh_rate, 2)});
+        text += '\n' + Texts::fill("statistics.display", {Texts::decimal(m_last.refresh_rate, 2)});
     if (m_ages.getCount() > 0)
         text += '\n' + Texts::fill("statistics.ages", {milliseconds(m_ages.getQuantile(0.5)),
                                                        milliseconds(m_ages.getQuantile(0.99))});

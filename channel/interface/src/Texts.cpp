@@ -5,6 +5,7 @@
 #include "ig/package/Package.h"
 #include "ig/package/mjl.h"
 
+#include <cstdio>
 #include <map>
 #include <set>
 
@@ -62,5 +63,11 @@ std::string Texts::fillIn(std::string text, const std::vector<std::string>& valu
         if (const auto at = text.find(place); at != std::string::npos)
             text.replace(at, place.size(), value);
     }
+    return text;
+}
+
+std::string Texts::decimal(double value, int places) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.*f", places, value);
     return text;
 }

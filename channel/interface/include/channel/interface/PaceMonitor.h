@@ -60,9 +60,9 @@ private:
     std::uint64_t m_late = 0;
     std::array<bool, WATCHED> m_recent{}; ///< late ones
     std::array<double, WATCHED> m_works{};
-    std::size_t m_next = 0;
+    std::size_t m_next = 0, m_watched = 0; ///< of these: the oldest, and how many there are
     int m_late_recently = 0;
-    bool m_is_late = false; ///< which was told
+    bool m_is_late = false; ///< it was told that frames are late
     double m_last_late = 0; ///< s
     Durations m_intervals;  ///< from a frame's beginning to the next one's
     std::uint64_t m_shares[CLASSES] = {};

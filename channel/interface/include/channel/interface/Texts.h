@@ -25,4 +25,6 @@ public:
     static std::string fill(const char* key, std::initializer_list<std::string> values);
     /// The same for a text that is at hand.
     static std::string fillIn(std::string text, const std::vector<std::string>& values);
+    /// A number to fill in.
+    static std::string decimal(double value, int places);
 };
