@@ -6,8 +6,10 @@
 #include "ig/scene/ObjectPrefab.h"
 #include "ig/scene/World.h"
 #include "program/Clock.h"
+#include "program/Process.h"
 
 #include <cstdio>
+#include <unistd.h>
 
 using namespace ig;
 using program::steadyNow;
@@ -34,8 +36,10 @@ bool WarmUp::tell(double done, const std::function<bool()>& keep_window) {
     const double now = steadyNow();
     if (now - m_told >= TOLD_EVERY) {
         m_told = now;
-        std::printf("preparing: %.0f %%\n", 100 * done);
-        std::fflush(stdout);
+        if (program::takesOutput(STDOUT_FILENO)) { // else the next one is newer
+            std::printf("preparing: %.0f %%\n", 100 * done);
+            std::fflush(stdout);
+        }
     }
     if (now - m_shown < SHOWN_EVERY) return true;
     m_shown = now;

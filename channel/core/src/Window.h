@@ -95,7 +95,7 @@ private:
     DesktopArea m_restore; ///< before full screen
     VerticalSync m_sync = VerticalSync::on;
     SwapWatch m_watch;
-    bool m_held = false; ///< which is told
+    bool m_held = false; ///< it was told that swaps are held back
     bool m_iconified = false;
     int m_interval = 0;                  ///< of swaps, as the window system has been told
     double m_refresh_rate = -1;          ///< 1/s; negative: to be asked for
