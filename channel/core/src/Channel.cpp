@@ -401,6 +401,7 @@ bool Channel::take(frames::FrameInput& input) {
 /// before their own, so that all keep their order.
 void Channel::deliver(frames::FrameInput& input) {
     m_now = input.begin;
+    m_picture_now = m_picture_time.next(input.begin, input.length);
     SocketUDP::deliver(input);
     if (input.clipboard) m_clipboard = std::move(*input.clipboard);
     std::ranges::move(input.events, std::back_inserter(m_events));
@@ -489,7 +490,7 @@ FrameCosts Channel::frame(float dt) {
     m_frame_info.ui_root = m_options.no_interface ? nullptr : m_interface.getRoot();
     costs.interface = spent();
     if (m_options.smooth)
-        m_smooth_focus.show(*m_logic, m_listener, m_now, m_link.getReceived().last_received,
+        m_smooth_focus.show(*m_logic, m_listener, m_picture_now, m_link.getReceived().last_received,
                             m_scene_command.isStill());
     m_logic->swap();
     draw();

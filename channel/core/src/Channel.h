@@ -7,6 +7,7 @@
 #include "Library.h"
 #include "LogicListener.h"
 #include "Options.h"
+#include "PictureTime.h"
 #include "Precipitation.h"
 #include "ReplayedInputs.h"
 #include "ScaleGovernor.h"
@@ -128,6 +129,7 @@ private:
     Environment m_environment;
     Precipitation m_precipitation;
     SceneCommand m_scene_command;
+    PictureTime m_picture_time;
     SmoothFocus m_smooth_focus; ///< before the world, whose nodes it moves, goes
     Screenshots m_screenshots;
     Video m_video;
@@ -145,6 +147,7 @@ private:
     std::deque<frames::OperatorEvent> m_events; ///< taken in, and not yet told to the interface
     std::string m_clipboard;                    ///< as read or written last
     double m_now = 0;                           ///< on the inputs' clock when the frame began, s
+    double m_picture_now = 0;                   ///< on it, what the picture is for, s
     double m_scene_time = 0;                    ///< s; goes on while the scene stands still
     int m_frames = 0;
     bool m_quit = false;               ///< the operator has confirmed it

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "PoseSmoother.h"
+#include "PictureTime.h"
 
 #include "ig/math/EllipsoidModel.h"
 
@@ -43,6 +44,8 @@ struct Flight {
     double jitter = 0.002;         ///< of the arrival, standard deviation, s
     double frame_jitter = 0;       ///< of the frame, s
     double loss = 0;               ///< share of the records
+    double haste = 0;              ///< s by which frames begin earlier every other 0.4 s
+    double step = 0;               ///< s that frames count as; 0: what they last
     bool stamped = true;           ///< the arrival is known, not just the frame that read it
     std::function<bool(double)> is_silent = [](double) { return false; };
     std::function<bool(double)> is_cut = is_silent, is_reset = is_silent;
@@ -58,26 +61,30 @@ struct Flight {
         std::normal_distribution<double> normal;
         std::uniform_real_distribution<double> share;
         PoseSmoother smoother;
+        PictureTime picture;
         PoseSmoother::Frame frame;
         std::vector<Shown> all;
         int sent = 0;
-        double arrival = 0;
+        double arrival = 0, stamp = 0;
         for (double due = 0.1; due < seconds; due += 1 / frames) {
-            frame.time = std::max(due + frame_jitter * std::abs(normal(dice)), frame.time + 0.001);
+            const double before = stamp;
+            stamp = std::max(due + frame_jitter * std::abs(normal(dice)), stamp + 0.001);
+            const double begin = stamp - (std::fmod(due, 0.8) > 0.4 ? haste : 0);
+            frame.time = picture.next(begin, step > 0 ? step : stamp - before);
             frame.records = 0;
-            while (arrival <= frame.time) {
+            while (arrival <= begin) {
                 if (!is_silent(sent / rate) && share(dice) >= loss) {
                     frame.records++;
                     frame.pose = motion(sent / rate);
-                    frame.arrival = stamped ? arrival : frame.time;
+                    frame.arrival = stamped ? arrival : begin;
                 }
                 sent++;
                 arrival = std::max(arrival, sent / rate + LATENCY + jitter * normal(dice));
             }
-            frame.cut = is_cut(frame.time);
+            frame.cut = is_cut(stamp);
             // By the operator: no record tells the new pose.
-            if (frame.records == 0 && is_reset(frame.time)) frame.pose = motion(0);
-            all.push_back({frame.time, frame.records, frame.pose, smoother.update(frame)});
+            if (frame.records == 0 && is_reset(stamp)) frame.pose = motion(0);
+            all.push_back({stamp, frame.records, frame.pose, smoother.update(frame)});
         }
         return all;
     }
@@ -114,13 +121,19 @@ TEST(PoseSmoother, ATurnIsSmoothWhateverTheRatesTheJitterAndTheLosses) {
     struct Case {
         double rate, frames, jitter, frame_jitter, loss;
         double rms, most; ///< m, with stamps; without, three times that
-        double longitude = -155, latitude = 19.7;
+        double longitude = -155, latitude = 19.7, haste = 0, step = 0;
     };
     const Case cases[] = {
-        {48, 60, 0.002, 0, 0, 0.002, 0.006, 30, 90}, {48, 60, 0.008, 0, 0, 0.006, 0.02},
-        {48, 60, 0.002, 0, 0.1, 0.004, 0.1},         {48, 20, 0.002, 0.01, 0, 0.01, 0.03},
-        {59.9, 60, 0.002, 0, 0, 0.002, 0.006},       {100, 60, 0.002, 0, 0.1, 0.002, 0.02},
-        {1000, 60, 0.002, 0, 0, 0.002, 0.006},       {20, 240, 0.002, 0, 0.1, 0.005, 0.15},
+        {48, 60, 0.002, 0, 0, 0.002, 0.006, 30, 90},
+        {48, 60, 0.008, 0, 0, 0.006, 0.02},
+        {48, 60, 0.002, 0, 0.1, 0.004, 0.1},
+        {48, 20, 0.002, 0.01, 0, 0.01, 0.03},
+        {59.9, 60, 0.002, 0, 0, 0.002, 0.006},
+        {100, 60, 0.002, 0, 0.1, 0.002, 0.02},
+        {1000, 60, 0.002, 0, 0, 0.002, 0.006},
+        {20, 240, 0.002, 0, 0.1, 0.005, 0.15},
+        {100, 60, 0.002, 0, 0, 0.002, 0.006, -155, 19.7, 0.007},
+        {100, 60, 0.002, 0, 0, 0.002, 0.006, -155, 19.7, 0, 0.05},
     };
     for (const Case& c : cases)
         for (bool stamped : {true, false}) {
@@ -129,6 +142,8 @@ TEST(PoseSmoother, ATurnIsSmoothWhateverTheRatesTheJitterAndTheLosses) {
             Flight flight{circle(c.longitude, c.latitude, 12), c.rate, c.frames, c.jitter};
             flight.frame_jitter = c.frame_jitter;
             flight.loss = c.loss;
+            flight.haste = c.haste;
+            flight.step = c.step;
             flight.stamped = stamped;
             const auto frames = flight.fly(40);
             EXPECT_GT(Steps(flight, frames, &Flight::Shown::told).rms, 0.04);
