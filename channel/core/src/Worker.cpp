@@ -34,8 +34,9 @@ bool Worker::start() {
 void Worker::run(const std::stop_token& stop) {
     std::unique_lock lock(m_mutex);
     while (m_changed.wait(lock, stop, [this] { return !m_jobs.empty(); })) {
+        const Job& job = m_jobs.front(); // stays where it is: those who post add behind it
         lock.unlock();
-        m_jobs.front()(); // those who post add behind it
+        job();
         lock.lock();
         m_jobs.pop_front();
         m_changed.notify_all();
