@@ -45,11 +45,13 @@ Font::~Font() {
 
 int Font::getEm(float size) { return static_cast<int>(std::lround(size)); }
 
-/// With the same hinting for measure and form: one moves the pen as far as the other.
+/// With the same hinting for measure and form, and from the same outline, whatever pictures of some
+/// sizes a font may hold: one moves the pen as far as the other.
 bool Font::load(char32_t character, int size, bool with_form) {
     if (!m_face || size < 1) return false;
     FT_Set_Pixel_Sizes(m_face, 0, static_cast<FT_UInt>(size));
-    const FT_Int32 flags = FT_LOAD_TARGET_LIGHT | (with_form ? FT_LOAD_RENDER : FT_LOAD_DEFAULT);
+    const FT_Int32 flags =
+        FT_LOAD_TARGET_LIGHT | FT_LOAD_NO_BITMAP | (with_form ? FT_LOAD_RENDER : FT_LOAD_DEFAULT);
     return FT_Load_Char(m_face, character, flags) == 0;
 }
 
@@ -77,6 +79,7 @@ float Font::getAscent(int size) const {
 
 bool Font::draw(char32_t character, int size, Form& form) {
     if (!load(character, size, true)) return false;
+    if (m_face->glyph->bitmap.pixel_mode != FT_PIXEL_MODE_GRAY) return false; // of other texels
     const FT_GlyphSlot slot = m_face->glyph;
     const FT_Bitmap& bitmap = slot->bitmap;
     form = {static_cast<int>(bitmap.width),
