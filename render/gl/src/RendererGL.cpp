@@ -39,7 +39,7 @@ class PassClock {
 public:
     std::function<void()> at_mark; ///< called at each; may be empty
     bool on = false;
-    bool paused = false; ///< marks are parts of a pass that is measured as a whole
+    bool paused = false; ///< marks are parts of a pass that is measured as a whole, or of none
     std::vector<PassTime> times;
 
     void begin() {
@@ -405,6 +405,7 @@ void RendererGL::Impl::rehearse(Rehearsal& r) {
     rehearsal = &r;
     r.steps = VIEWS * PASSES + 2;
     clock.at_mark = [this, &r] { step(r); };
+    clock.paused = true; // its passes are no frame's
     FrameInfo frame = r.wanted.frame;
     const dvec3 place = EllipsoidModel().toWGS(r.wanted.camera.getWorldPosition());
     r.sea.setWgsPosition({place.x, place.y, 0});
@@ -442,6 +443,7 @@ void RendererGL::Impl::rehearse(Rehearsal& r) {
     }
     glFinish();
     clock.at_mark = nullptr;
+    clock.paused = false;
     rehearsal = nullptr;
     forget();
 }
