@@ -7,7 +7,8 @@
 // standard has them, in plain arithmetic that rounds alike on every machine and with every
 // compiler. It stands before the C library in whatever links it, so that all of the process calls
 // these: the engine, the physics library, plug-ins, programs. They err by less than a unit in the
-// last place, and leave errno alone. The float forms round the double's answer.
+// last place. Neither errno nor the exception flags are set as the standard has them. The float
+// forms round the double's answer.
 //
 // Method: the argument is reduced to [-π/4, π/4] with more than double precision, where a
 // polynomial follows (W. J. Cody, W. Waite, "Software Manual for the Elementary Functions", 1980;
