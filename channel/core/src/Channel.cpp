@@ -349,7 +349,10 @@ bool Channel::runFrame() {
     const double begin = steadyNow();
     deliver(input);
     // The logic ends the process in such a frame, and so it would the replay.
-    if (m_replay && m_interface.isEndRequested() && m_replay->endsByForce()) return false;
+    if (m_interface.isEndRequested()) {
+        if (m_replay && m_replay->endsByForce()) return false;
+        m_screenshots.finish();
+    }
     const float scale = m_renderer->getScale();
     const bool still = !m_script.getPictureName().empty();
     // A still is looked at longer than a frame.

@@ -108,10 +108,14 @@ void Screenshots::fail(Kind kind, const std::string& message) {
     jLog::message("Screenshots: no further pictures of --screenshot-every are tried");
 }
 
-void Screenshots::afterLast(ig::Renderer& renderer) {
-    if (!m_path.empty()) keep(renderer, m_path, Kind::last);
+void Screenshots::finish() {
     m_worker.finish();
     report();
+}
+
+void Screenshots::afterLast(ig::Renderer& renderer) {
+    if (!m_path.empty()) keep(renderer, m_path, Kind::last);
+    finish();
     if (!m_sheet_path.empty()) writeSheet();
 }
 

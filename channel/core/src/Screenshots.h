@@ -26,6 +26,8 @@ public:
     bool check(bool named) const;
     /// The pictures every so many seconds end with the first that can't be written.
     void afterFrame(ig::Renderer& renderer, double time);
+    /// The pictures that are under way are complete after it.
+    void finish();
     /// All files are complete after it.
     void afterLast(ig::Renderer& renderer);
     /// A numbered picture, under the asked name or "picture.png", with the first number that no
