@@ -11,7 +11,8 @@
 /// Gets ready, before the first frame, what the frames of a flight need: the prefabs that will come
 /// into the scene are read, and the renderer draws, unseen, all that it may have to draw. It takes
 /// a part of a second to some seconds and tells how far it is. Knows afterwards what had to be made
-/// in flight all the same.
+/// in flight all the same; a texture that only got another size there, with the window or the
+/// scale, doesn't count.
 class WarmUp {
 public:
     /// What there is to get ready; see `ig::Preparation`.
