@@ -4,6 +4,8 @@
 
 #include "ChannelRun.h"
 #include "flightsim/recording/Recording.h"
+#include "frames/FrameLog.h"
+#include "ig/ui/KeyCode.h"
 
 #include <filesystem>
 #include <fstream>
@@ -83,13 +85,40 @@ TEST_F(Replays, NameWhatDiffersAndThatALogIsCut) {
     EXPECT_TRUE(says("compared, all equal")) << run.output;
 }
 
+/// The logic would end the process there, and no summary would tell of it.
+TEST_F(Replays, EndBeforeAFrameInWhichTheKeysThatEndTheProcessAreDown) {
+    const std::string path = (run.folder.path() / "").string();
+    frames::LogReader reader;
+    ASSERT_TRUE(reader.open(path + "run.flog")) << reader.getMessage();
+    frames::LogWriter writer;
+    ASSERT_TRUE(writer.open(path + "forced.flog", reader.getHead()));
+    frames::FrameInput input;
+    std::vector<frames::PartDigest> digests;
+    using Kind = frames::OperatorEvent::Kind;
+    for (int i = 0; i < 12; i++) {
+        ASSERT_EQ(reader.next(input, digests), frames::LogItem::frame);
+        if (i == 10) input.events = {{.kind = Kind::key, .code = ig::KEY_F4, .down = true}};
+        if (i == 11) input.events = {{.kind = Kind::modifiers, .alt = true}};
+        ASSERT_TRUE(writer.append(input));
+    }
+    ASSERT_TRUE(writer.close());
+    EXPECT_EQ(replay("--null --replay forced.flog --record new.flog"), 0) << run.output;
+    EXPECT_TRUE(says("12 frames, nothing compared")) << run.output;
+
+    ASSERT_TRUE(reader.open(path + "new.flog")) << reader.getMessage();
+    frames::LogItem last = frames::LogItem::end;
+    while ((last = reader.next(input, digests)) < frames::LogItem::end) {
+    }
+    EXPECT_TRUE(last == frames::LogItem::cut_off && reader.getFrames() == 12) << "as a flight's";
+}
+
 /// The whole system against a flight of before: what is meant to change it renews the log, see
 /// docs/operator.md.
 TEST(GoldenLog, TheWeaponsMissionGoesAsItDid) {
     Program replay(CHANNEL, "--null --quiet --replay tests/golden/weapons.flog");
     std::string output;
     EXPECT_EQ(replay.finish(&output), 0) << output;
-    EXPECT_NE(output.find("compared, all equal"), std::string::npos) << output;
+    EXPECT_NE(output.find("1599 frames, 27 compared, all equal"), std::string::npos) << output;
 }
 
 } // namespace

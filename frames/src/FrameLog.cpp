@@ -127,10 +127,14 @@ bool LogWriter::close() {
     return closed || fail(std::strerror(errno));
 }
 
+void LogWriter::abandon() {
+    if (isOpen()) ::close(std::exchange(m_file, -1));
+    m_compressor.reset();
+}
+
 bool LogWriter::fail(const std::string& why) {
     m_message = "cannot write \"" + m_path + "\": " + why;
-    if (m_file >= 0) ::close(std::exchange(m_file, -1));
-    m_compressor.reset();
+    abandon();
     return false;
 }
 
@@ -155,7 +159,7 @@ bool LogReader::open(const std::string& path) {
     m_plain.clear();
     m_unpacked = m_taken = 0;
     m_offset = m_frames = 0;
-    m_whole = m_more = false;
+    m_whole = m_more = m_behind_frame = false;
     std::string why = program::whyUnreadable(path);
     if (why.empty()) m_file.open(path, std::ios::binary);
     if (why.empty() && !m_file) why = std::strerror(errno);
@@ -219,6 +223,7 @@ LogItem LogReader::readRecord(FrameInput& input, std::vector<PartDigest>& digest
         return stop(LogItem::damaged, "frame " + std::to_string(input.number) + " follows");
     m_last_number = input.number;
     m_frames++;
+    m_behind_frame = true;
     return LogItem::frame;
 }
 
@@ -233,6 +238,7 @@ LogItem LogReader::readDigests(std::span<const std::uint8_t> content,
         part.digest = from.take<std::uint64_t>();
     }
     if (!from.isAtEnd()) from.fail("goes on behind the last part");
+    if (!std::exchange(m_behind_frame, false)) from.fail("digests that are of no frame");
     return from.isGood() ? LogItem::digests : stop(LogItem::damaged, from.getMessage());
 }
 

@@ -192,6 +192,11 @@ TEST_F(FrameLog, ContentThatNoWriterMakesIsRefused) {
     ASSERT_TRUE(writer.open(path, someHead()));
     ASSERT_TRUE(writer.append(frameNumber(7)) && writer.append(frameNumber(9)) && writer.close());
     EXPECT_EQ(read().last, LogItem::damaged) << "one is missing";
+    for (const int frames : {0, 1}) { // digests of no frame, and twice of one
+        ASSERT_TRUE(writer.open(path, someHead()) && (!frames || writer.append(frameNumber(0))));
+        ASSERT_TRUE(writer.append({{"sea", 1}}) && writer.append({{"sea", 1}}) && writer.close());
+        EXPECT_NE(read().message.find("are of no frame"), std::string::npos) << frames;
+    }
 }
 
 TEST_F(FrameLog, AFullDiskIsToldOnceAndWhatFittedCanBeRead) {

@@ -348,11 +348,8 @@ bool Channel::runFrame() {
     const float dt = input.length;
     const double begin = steadyNow();
     deliver(input);
-    // The logic ends the process in such a frame, and so it would the replay.
-    if (m_interface.isEndRequested()) {
-        if (m_replay && m_replay->endsByForce()) return false;
-        m_screenshots.finish();
-    }
+    if (m_replay && endsByForce()) return false;
+    if (m_interface.isEndRequested()) m_screenshots.finish(); // the logic ends the process
     const float scale = m_renderer->getScale();
     const bool still = !m_script.getPictureName().empty();
     // A still is looked at longer than a frame.
@@ -371,7 +368,7 @@ bool Channel::runFrame() {
     const FrameTiming timing{.begin = input.begin,
                              .handed_over = shown.back - run_start,
                              .work = shown.finished - begin,
-                             .period = m_clock.getPeriod(),
+                             .period = m_replay ? 0 : m_clock.getPeriod(), // the log's
                              .refresh_rate = m_clock.getRefreshRate(),
                              .late = m_clock.isLate()};
     m_pace.addFrame(timing, m_link);
@@ -413,6 +410,15 @@ void Channel::deliver(frames::FrameInput& input) {
         m_events.pop_front();
         EventQueue::tell(event, m_interface);
     }
+}
+
+/// Whether the logic may end the process in this frame, which then doesn't run in a replay. A log
+/// of the replay ends as that of the flight did.
+bool Channel::endsByForce() {
+    if (!m_control.isKeyPress(KEY_F4) || !m_control.isKeyPress(KEY_ALT)) return false;
+    m_replay->endByForce();
+    m_record.abandon();
+    return true;
 }
 
 /// Before the frame runs, which may end the process. A log that can't go on ends, the flight goes

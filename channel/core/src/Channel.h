@@ -94,6 +94,7 @@ private:
     bool openLogs();
     bool take(frames::FrameInput& input);
     void deliver(frames::FrameInput& input);
+    bool endsByForce();
     void record(const frames::FrameInput& input);
     void recordScene();
     void compareScene();

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 using frames::LogItem;
 using ig::jLog;
@@ -53,7 +54,6 @@ void ReplayedInputs::readOn() {
 
 bool ReplayedInputs::next(const Moment&, frames::FrameInput& input) {
     watchWindow();
-    // Digests that were not compared after a frame are those of the end.
     if (m_closed || m_item != LogItem::frame) return false;
     input = std::move(m_input);
     if (m_real_time) waitFor(input.begin);
@@ -94,8 +94,19 @@ void ReplayedInputs::compare(const std::function<Digests()>& digest_scene) {
     readOn();
 }
 
+void ReplayedInputs::endByForce() {
+    m_closed = true;
+    if (m_item == LogItem::frame && !std::exchange(m_ends_early, true))
+        jLog::error("visual_channel: --replay: Alt + F4 ends the replay in frame %llu, but the log "
+                    "goes on",
+                    static_cast<unsigned long long>(m_number));
+}
+
 std::string ReplayedInputs::getSummary() const {
-    return "replay: " + std::to_string(m_frames) + " frames, " + std::to_string(m_compared) +
-           " compared, " +
-           (m_difference.empty() ? "all equal" : "first difference in " + m_difference) + '\n';
+    const std::string compared =
+        m_compared == 0
+            ? "nothing compared: no digests of the scene in the log up to there"
+            : std::to_string(m_compared) + " compared, " +
+                  (m_difference.empty() ? "all equal" : "first difference in " + m_difference);
+    return "replay: " + std::to_string(m_frames) + " frames, " + compared + '\n';
 }

@@ -30,13 +30,16 @@ public:
     /// Where the log's run took digests of the scene: compares those that the log holds, if any,
     /// with those of now.
     void compare(const std::function<Digests()>& digest_scene);
-    /// The run was ended by force in the frame that was taken last.
-    bool endsByForce() const { return m_item == frames::LogItem::cut_off; }
+    /// The frame that was taken last is not run, because it may end the process, and is the last
+    /// one. A log that goes on behind it is of another logic, which is an error.
+    void endByForce();
 
     /// What came of it, a line for the console.
     std::string getSummary() const;
     /// The replay went another way than the log, or the log was damaged.
-    bool hasFailed() const { return !m_difference.empty() || m_item == frames::LogItem::damaged; }
+    bool hasFailed() const {
+        return !m_difference.empty() || m_ends_early || m_item == frames::LogItem::damaged;
+    }
 
 private:
     void readOn();
@@ -52,6 +55,7 @@ private:
     Digests m_digests;
     double m_start = 0; ///< on the steady clock, of the log's first frame as replayed, s
     bool m_closed = false, m_alt = false;
+    bool m_ends_early = false;                  ///< the log goes on behind the end by force
     std::uint64_t m_number = 0;                 ///< of the frame that was taken last
     std::uint64_t m_frames = 0, m_compared = 0; ///< taken; with digests
     std::string m_difference;                   ///< the first; empty: none

@@ -36,8 +36,8 @@ struct ZSTD_DCtx_s;
 ///     uint32  the same with all bits inverted
 ///     uint32  the lower half of the content's digest (`Digest.h`)
 ///     uint8   content: 'F' and a frame's input (`encode`), whose number is one more than the
-///             last's, or 'H' and digests: uint32 count, for each a text (uint32 size, bytes) and
-///             uint64
+///             last's, or 'H' and digests, once behind a frame: uint32 count, for each a text
+///             (uint32 size, bytes) and uint64
 ///
 /// Each record is handed to the system at once, in whole blocks of zstd, so that a process that is
 /// killed loses none. A file that was cut off reads up to its last whole record. Writer and reader
@@ -90,10 +90,12 @@ public:
     bool isOpen() const { return m_file >= 0; }
     /// Adds a frame, before it runs, so that one that ends the process is in the log.
     bool append(const FrameInput& input);
-    /// Adds digests of the scene, as the frame added last leaves it.
+    /// Adds digests of the scene, as the frame added last leaves it; once a frame.
     bool append(const std::vector<PartDigest>& digests);
     /// Ends the log.
     bool close();
+    /// Leaves it without its end, as a process that is killed does.
+    void abandon();
 
     std::int64_t getSize() const { return m_size; } ///< of the file, bytes
     const std::string& getMessage() const { return m_message; }
@@ -163,9 +165,10 @@ private:
     std::vector<char> m_packed; ///< read from the file
     std::size_t m_unpacked = 0; ///< bytes of that
     std::vector<std::uint8_t> m_plain;
-    std::size_t m_taken = 0; ///< bytes of that
-    bool m_more = false;     ///< the decompressor may hold more of what it was given
-    bool m_whole = false;    ///< the end was met
+    std::size_t m_taken = 0;     ///< bytes of that
+    bool m_more = false;         ///< the decompressor may hold more of what it was given
+    bool m_whole = false;        ///< the end was met
+    bool m_behind_frame = false; ///< where digests may stand
     std::int64_t m_offset = 0;
     std::int64_t m_frames = 0;
     std::uint64_t m_last_number = 0;
