@@ -39,13 +39,19 @@ bool ReplayedInputs::open(const std::string& path) {
         jLog::error("visual_channel: --replay: %s", m_reader.getMessage().c_str());
         return false;
     }
+    ig::SocketUDP::setOffline();
     readOn();
-    ig::SocketUDP::setOffline(m_input.answers);
     return true;
 }
 
 void ReplayedInputs::readOn() {
     m_item = m_reader.next(m_input, m_digests);
+    if (m_item == LogItem::digests) {
+        m_has_digests = true;
+        Digests none; // a frame has digests once
+        m_item = m_reader.next(m_input, none);
+    }
+    if (m_item == LogItem::frame) ig::SocketUDP::addAnswers(m_input.answers);
     if (m_item == LogItem::cut_off)
         jLog::warning("visual_channel: %s", m_reader.getMessage().c_str());
     if (m_item == LogItem::damaged)
@@ -81,17 +87,13 @@ void ReplayedInputs::watchWindow() {
 }
 
 void ReplayedInputs::compare(const std::function<Digests()>& digest_scene) {
-    if (m_item != LogItem::digests) return;
-    if (m_difference.empty()) {
-        m_difference = listDifferences(m_digests, digest_scene());
-        m_compared++;
-        if (!m_difference.empty()) {
-            m_difference = "frame " + std::to_string(m_number) + ": " + m_difference;
-            jLog::error("visual_channel: the replay differs from the log in %s",
-                        m_difference.c_str());
-        }
+    if (!std::exchange(m_has_digests, false) || !m_difference.empty()) return;
+    m_difference = listDifferences(m_digests, digest_scene());
+    m_compared++;
+    if (!m_difference.empty()) {
+        m_difference = "frame " + std::to_string(m_number) + ": " + m_difference;
+        jLog::error("visual_channel: the replay differs from the log in %s", m_difference.c_str());
     }
-    readOn();
 }
 
 void ReplayedInputs::endByForce() {

@@ -50,8 +50,10 @@ private:
     EventQueue& m_queue;
     bool m_real_time;
     frames::LogReader m_reader;
-    frames::LogItem m_item = frames::LogItem::end; ///< what comes next, and its content
-    frames::FrameInput m_input;
+    // One frame ahead: a socket that is set up within a frame has its answers in the next one.
+    frames::LogItem m_item = frames::LogItem::end; ///< what follows the frame taken last
+    frames::FrameInput m_input;                    ///< of `frame`
+    bool m_has_digests = false;                    ///< of the frame taken last
     Digests m_digests;
     double m_start = 0; ///< on the steady clock, of the log's first frame as replayed, s
     bool m_closed = false, m_alt = false;

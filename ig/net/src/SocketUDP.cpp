@@ -121,9 +121,13 @@ void SocketUDP::setOnline() {
     refusedPorts().clear();
 }
 
-void SocketUDP::setOffline(const std::vector<frames::SocketAnswer>& answers) {
-    run() = {true, 0, answers};
+void SocketUDP::setOffline() {
+    run() = {true, 0, {}};
     refusedPorts().clear();
+}
+
+void SocketUDP::addAnswers(const std::vector<frames::SocketAnswer>& answers) {
+    run().answers.insert(run().answers.end(), answers.begin(), answers.end());
 }
 
 /// A step of setting up, which `ask_system` takes: it may set the value, and answers false with

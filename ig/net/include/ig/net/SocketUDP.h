@@ -157,8 +157,12 @@ public:
     /// A run begins, before its first socket: sockets count from 0, and are the system's.
     static void setOnline();
     /// The same for a run that is played again: sockets open nothing and send nothing, and every
-    /// step of setting them up answers as these say, which come from the first frame of a log.
-    static void setOffline(const std::vector<frames::SocketAnswer>& answers);
+    /// step of setting them up answers as the log says, or else that it worked.
+    static void setOffline();
+    /// Offline: what comes from a frame of the log. A step finds its answer in the input of the
+    /// frame after, those of the start in the first one's: so they are given before that frame
+    /// runs.
+    static void addAnswers(const std::vector<frames::SocketAnswer>& answers);
     /// Adds what waits in all open sockets that `recv` prepared to the input, DRAIN datagrams of a
     /// socket at most, and what the system has said of sockets since the last time. What a reader
     /// left of earlier deliveries counts towards DRAIN, so that a flood stays in the system's
