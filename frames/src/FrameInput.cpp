@@ -195,6 +195,7 @@ bool decode(std::span<const std::uint8_t> bytes, FrameInput& input, std::string&
     input.length = from.takeFinite<float>();
     if (input.length < 0) from.fail("a negative length");
     input.begin = from.takeFinite<double>();
+    if (input.begin < 0 || input.begin > MAX_BEGIN) from.fail("no time of a run");
     const auto parts = from.take<std::uint8_t>();
     if (parts > ALL_PARTS) from.fail("an unknown part");
     takeList(from, parts & EVENTS, LEAST_EVENT, input.events);

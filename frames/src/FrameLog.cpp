@@ -221,7 +221,11 @@ LogItem LogReader::readRecord(FrameInput& input, std::vector<PartDigest>& digest
     if (!decode(content.subspan(1), input, why)) return stop(LogItem::damaged, why);
     if (m_frames > 0 && input.number != m_last_number + 1)
         return stop(LogItem::damaged, "frame " + std::to_string(input.number) + " follows");
+    const double pause = input.begin - m_last_begin;
+    if (m_frames > 0 && (pause < 0 || pause > MAX_PAUSE))
+        return stop(LogItem::damaged, "a frame begins " + std::to_string(pause) + " s after it");
     m_last_number = input.number;
+    m_last_begin = input.begin;
     m_frames++;
     m_behind_frame = true;
     return LogItem::frame;

@@ -192,6 +192,11 @@ TEST_F(FrameLog, ContentThatNoWriterMakesIsRefused) {
     ASSERT_TRUE(writer.open(path, someHead()));
     ASSERT_TRUE(writer.append(frameNumber(7)) && writer.append(frameNumber(9)) && writer.close());
     EXPECT_EQ(read().last, LogItem::damaged) << "one is missing";
+    for (const double begin : {0.06, 1e5}) { // earlier, and more than a day later
+        ASSERT_TRUE(writer.open(path, someHead()) && writer.append(frameNumber(7)));
+        ASSERT_TRUE(writer.append({.number = 8, .begin = begin}) && writer.close());
+        EXPECT_EQ(read().last, LogItem::damaged) << begin;
+    }
     for (const int frames : {0, 1}) { // digests of no frame, and twice of one
         ASSERT_TRUE(writer.open(path, someHead()) && (!frames || writer.append(frameNumber(0))));
         ASSERT_TRUE(writer.append({{"sea", 1}}) && writer.append({{"sea", 1}}) && writer.close());

@@ -70,7 +70,8 @@ Channel::Channel(const Options& options)
       m_inputs(std::make_unique<LiveInputs>(m_clock, m_window, m_script, m_queue, m_run_start)) {
     m_status.setQuiet(options.quiet);
     if (options.replay.empty()) return;
-    auto replay = std::make_unique<ReplayedInputs>(m_window, m_queue, options.real_time);
+    auto replay = std::make_unique<ReplayedInputs>(m_window, m_queue, options.real_time,
+                                                   [] { return g_stop != 0; });
     m_replay = replay.get();
     m_inputs = std::move(replay);
 }

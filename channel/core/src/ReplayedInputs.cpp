@@ -17,6 +17,8 @@ using ig::jLog;
 
 namespace {
 
+constexpr double POLL_PERIOD = 0.05; ///< s, of the window in a long pause of the flight
+
 /// The parts that differ, or that only one of the two has.
 std::string listDifferences(const ReplayedInputs::Digests& a, const ReplayedInputs::Digests& b) {
     std::string parts;
@@ -61,17 +63,24 @@ void ReplayedInputs::readOn() {
 bool ReplayedInputs::next(const Moment&, frames::FrameInput& input) {
     watchWindow();
     if (m_closed || m_item != LogItem::frame) return false;
+    if (m_real_time && !waitFor(m_input.begin)) return false;
     input = std::move(m_input);
-    if (m_real_time) waitFor(input.begin);
     m_number = input.number;
     m_frames++;
     readOn();
     return true;
 }
 
-void ReplayedInputs::waitFor(double begin) {
+/// False when the replay is to end meanwhile.
+bool ReplayedInputs::waitFor(double begin) {
     if (m_frames == 0) m_start = program::steadyNow() - begin;
-    program::sleepUntil(std::llround((m_start + begin) * double(program::NS_PER_SECOND)));
+    const double due = m_start + begin;
+    while (!m_closed && !m_is_stopped() && program::steadyNow() < due) {
+        const double piece = std::min(due, program::steadyNow() + POLL_PERIOD);
+        program::sleepUntil(std::llround(piece * double(program::NS_PER_SECOND)));
+        watchWindow();
+    }
+    return !m_closed && !m_is_stopped();
 }
 
 void ReplayedInputs::watchWindow() {

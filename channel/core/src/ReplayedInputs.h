@@ -5,6 +5,7 @@
 #include "frames/FrameLog.h"
 
 #include <functional>
+#include <utility>
 
 class EventQueue;
 class Window;
@@ -18,9 +19,11 @@ class ReplayedInputs final : public FrameInputs {
 public:
     using Digests = std::vector<frames::PartDigest>;
 
-    /// Window and queue are the application's.
-    ReplayedInputs(Window& window, EventQueue& queue, bool real_time)
-        : m_window(window), m_queue(queue), m_real_time(real_time) {}
+    /// Window and queue are the application's; a wait for the log's time ends when it `is_stopped`.
+    ReplayedInputs(Window& window, EventQueue& queue, bool real_time,
+                   std::function<bool()> is_stopped)
+        : m_window(window), m_queue(queue), m_real_time(real_time),
+          m_is_stopped(std::move(is_stopped)) {}
     /// Before the logic makes its sockets, which answer as the log says from then on. False, with
     /// one log line, when the log can't be read.
     bool open(const std::string& path);
@@ -43,12 +46,13 @@ public:
 
 private:
     void readOn();
-    void waitFor(double begin);
+    bool waitFor(double begin);
     void watchWindow();
 
     Window& m_window;
     EventQueue& m_queue;
     bool m_real_time;
+    std::function<bool()> m_is_stopped;
     frames::LogReader m_reader;
     // One frame ahead: a socket that is set up within a frame has its answers in the next one.
     frames::LogItem m_item = frames::LogItem::end; ///< what follows the frame taken last

@@ -26,7 +26,7 @@ TEST(ReplayedInputs, ASocketOfALaterFrameIsRefusedAsItWas) {
 
     EventQueue queue;
     Window window(queue);
-    ReplayedInputs inputs(window, queue, false);
+    ReplayedInputs inputs(window, queue, false, [] { return false; });
     ASSERT_TRUE(inputs.open(path));
     frames::FrameInput input;
     ASSERT_TRUE(inputs.next({}, input));
@@ -39,6 +39,24 @@ TEST(ReplayedInputs, ASocketOfALaterFrameIsRefusedAsItWas) {
     EXPECT_TRUE(inputs.next({}, input));
     EXPECT_FALSE(inputs.next({}, input));
     EXPECT_EQ(inputs.getSummary(), "replay: 2 frames, 1 compared, all equal\n");
+    ig::SocketUDP::setOnline();
+}
+
+TEST(ReplayedInputs, ALongPauseOfTheFlightEndsWhenTheReplayIsStopped) {
+    const TempFolder folder;
+    const std::string path = (folder.path() / "a.flog").string();
+    frames::LogWriter writer;
+    ASSERT_TRUE(writer.open(path, {.width = 64, .height = 64}));
+    ASSERT_TRUE(writer.append(frames::FrameInput{}));
+    ASSERT_TRUE(writer.append({.number = 1, .begin = 80000}) && writer.close());
+    EventQueue queue;
+    Window window(queue);
+    int asked = 0;
+    ReplayedInputs inputs(window, queue, true, [&asked] { return asked++ > 2; });
+    ASSERT_TRUE(inputs.open(path));
+    frames::FrameInput input;
+    EXPECT_TRUE(inputs.next({}, input));
+    EXPECT_FALSE(inputs.next({}, input));
     ig::SocketUDP::setOnline();
 }
 

@@ -99,7 +99,7 @@ struct Setting {
 struct FrameInput {
     std::uint64_t number = 0; ///< of the frame, from 0
     float length = 0;         ///< of the frame, s, 0 or more
-    double begin = 0;         ///< when it began
+    double begin = 0;         ///< when it began, 0 to MAX_BEGIN
     std::vector<OperatorEvent> events = {};
     std::vector<Datagram> datagrams = {}; ///< of each socket in the order of arrival
     std::vector<SocketAnswer> answers = {};
@@ -114,6 +114,8 @@ struct FrameInput {
 
 /// The most that the bytes of one input may be: more than the waiting datagrams of a socket can be.
 inline constexpr std::size_t MAX_INPUT_SIZE = 64 << 20;
+/// The latest that a frame may begin, s: three years into the run.
+inline constexpr double MAX_BEGIN = 1e8;
 /// The most elements that each of its lists may have.
 inline constexpr std::size_t MAX_LIST_SIZE = 65536;
 

@@ -36,13 +36,17 @@ struct ZSTD_DCtx_s;
 ///     uint32  the same with all bits inverted
 ///     uint32  the lower half of the content's digest (`Digest.h`)
 ///     uint8   content: 'F' and a frame's input (`encode`), whose number is one more than the
-///             last's, or 'H' and digests, once behind a frame: uint32 count, for each a text
-///             (uint32 size, bytes) and uint64
+///             last's, and which begins not before it and at most MAX_PAUSE after, or 'H' and
+///             digests, once behind a frame: uint32 count, for each a text (uint32 size, bytes) and
+///             uint64
 ///
 /// Each record is handed to the system at once, in whole blocks of zstd, so that a process that is
 /// killed loses none. A file that was cut off reads up to its last whole record. Writer and reader
 /// hold one frame in memory and some 2 MB.
 namespace frames {
+
+/// The longest that the beginnings of two frames may be apart, s: a day, in a debugger.
+inline constexpr double MAX_PAUSE = 86400;
 
 /// A file that a run read.
 struct LoggedFile {
@@ -172,6 +176,7 @@ private:
     std::int64_t m_offset = 0;
     std::int64_t m_frames = 0;
     std::uint64_t m_last_number = 0;
+    double m_last_begin = 0;
     LogHead m_head;
     LogItem m_state = LogItem::end; ///< `frame` while there may be more
     std::string m_message;
