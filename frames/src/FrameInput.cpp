@@ -80,7 +80,7 @@ void take(ByteReader& from, OperatorEvent& event) {
     case Kind::resize:
         event.width = from.take<std::int32_t>(), event.height = from.take<std::int32_t>();
         event.density = from.takeFinite<float>();
-        if (event.width < 1 || event.height < 1 || event.density <= 0) from.fail("no size");
+        if (!isPicture(event.width, event.height, event.density)) from.fail("no size");
         break;
     case Kind::focus_lost:
     case Kind::left:

@@ -46,9 +46,9 @@ bool readLine(std::string_view key, std::string_view value, LogHead& head) {
         return takeNumber(value, head.start_wall_ns) && value.empty();
     else if (key == "size")
         return takeNumber(value, head.width) && takeNumber(value, head.height) && value.empty() &&
-               head.width > 0 && head.height > 0;
+               isPicture(head.width, head.height, 1);
     else if (key == "density")
-        return takeNumber(value, head.density) && value.empty() && head.density > 0;
+        return takeNumber(value, head.density) && value.empty() && isPicture(1, 1, head.density);
     else if (key == "option")
         head.options.push_back(unescaped(value));
     else if (key == "library")

@@ -77,7 +77,14 @@ TEST(FrameInput, NumbersThatNoFrameHasAreRefused) {
         EXPECT_TRUE(refused({.begin = begin})) << begin;
     EXPECT_TRUE(refused({.datagrams = {{.bytes = Bytes(MAX_DATAGRAM_SIZE + 1)}}}));
     EXPECT_TRUE(refused({.events = {MAX_LIST_SIZE + 1, {.kind = Kind::left}}}));
-    EXPECT_TRUE(refused({.events = {{.kind = Kind::resize, .height = 1, .density = 1}}}));
+    const auto resize = [](int width, int height, float density) {
+        return OperatorEvent{
+            .kind = Kind::resize, .width = width, .height = height, .density = density};
+    };
+    EXPECT_FALSE(refused({.events = {resize(1, MAX_SIDE, 1)}}));
+    for (const OperatorEvent& event : {resize(0, 1, 1), resize(1, MAX_SIDE + 1, 1),
+                                       resize(1 << 30, 1, 1), resize(1, 1, 0), resize(1, 1, 1e9f)})
+        EXPECT_TRUE(refused({.events = {event}})) << event.width << ' ' << event.density;
     Bytes bytes;
     encode({.settings = {{"a", "b"}}}, bytes);
     for (const std::size_t count : {21, 25}) { // of the list, and of its first text

@@ -177,7 +177,9 @@ TEST_F(FrameLog, ContentThatNoWriterMakesIsRefused) {
         return std::string(reinterpret_cast<const char*>(words), sizeof words) + content;
     };
     refuses("FRAMELOG 2\n\n", "version");
-    refuses(head + "size: 640\n\n", "line 3");
+    for (const char* line : {"size: 640", "size: 640 100000", "size: 0 9", "density: 1e9",
+                             "density: 0", "density: nan"})
+        refuses(head + line + "\n\n", "line 3");
     refuses(head + std::string(2 << 20, 'x'), "does not end");
     refuses(head + '\n' + record("", 0), "no record");
     refuses(head + '\n' + record("F", MAX_INPUT_SIZE + 1), "no record");

@@ -114,6 +114,15 @@ struct FrameInput {
 
 /// The most that the bytes of one input may be: more than the waiting datagrams of a socket can be.
 inline constexpr std::size_t MAX_INPUT_SIZE = 64 << 20;
+/// The most pixels that a picture may be wide or high. A window can be drawn as small as one.
+inline constexpr int MAX_SIDE = 16384;
+/// Pixels per 1/96 inch that a display may have.
+inline constexpr float LEAST_DENSITY = 0.05f, MAX_DENSITY = 100;
+/// Whether a picture can be of that size and density.
+constexpr bool isPicture(int width, int height, float density) {
+    return width >= 1 && width <= MAX_SIDE && height >= 1 && height <= MAX_SIDE &&
+           density >= LEAST_DENSITY && density <= MAX_DENSITY;
+}
 /// The latest that a frame may begin, s: three years into the run.
 inline constexpr double MAX_BEGIN = 1e8;
 /// The most elements that each of its lists may have.
