@@ -50,7 +50,7 @@ void logFrame(benchmark::State& state) {
     CpuTimes times;
     for (auto _ : state) {
         frames::LogWriter writer;
-        if (inputs.empty() || !writer.open(path, {}))
+        if (inputs.empty() || !writer.open(path, {.width = 640, .height = 480}))
             return state.SkipWithError("no flight, no log");
         for (const FrameInput& input : inputs)
             times.measure([&] { writer.append(input); });

@@ -49,6 +49,8 @@ bool LogWriter::open(const std::string& path, const LogHead& head) {
     const std::string why = program::OutputFile::whyNot(path, program::OutputFile::Kind::growing);
     if (!why.empty()) return fail(why);
     const std::string text = writeHead(head);
+    LogHead read;
+    if (std::string what; !frames::readHead(text, read, what)) return fail(what);
     if (text.size() > MAX_HEAD_SIZE) return fail("its head would be longer than a head may be");
     m_compressor.reset(ZSTD_createCCtx());
     if (!m_compressor) return fail("out of memory");

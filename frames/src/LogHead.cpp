@@ -28,6 +28,16 @@ std::string unescaped(std::string_view text) {
     return value;
 }
 
+/// A terminal acts on control characters, and what a head says is told there.
+bool hasControl(std::string_view text) {
+    for (std::size_t i = 0; i < text.size(); i++) {
+        const auto c = static_cast<unsigned char>(text[i]);
+        const auto before = static_cast<unsigned char>(i > 0 ? text[i - 1] : 0);
+        if (c < 0x20 || c == 0x7f || (before == 0xc2 && c < 0xa0)) return true; // U+0080 to U+009F
+    }
+    return false;
+}
+
 /// Takes a number from the front of a text, and the space behind it.
 template <class T>
 bool takeNumber(std::string_view& text, T& value, auto... format) {
@@ -92,6 +102,10 @@ bool readHead(const std::string& text, LogHead& head, std::string& message) {
     std::istringstream lines(text);
     std::string line;
     for (int number = 1; std::getline(lines, line) && !line.empty(); number++) {
+        if (hasControl(unescaped(line))) {
+            message = "line " + std::to_string(number) + " of the head holds a control character";
+            return false;
+        }
         if (number == 1) {
             if (line == LOG_MAGIC + std::to_string(LOG_VERSION)) continue;
             message = "is of version " + line.substr(sizeof LOG_MAGIC - 1) +

@@ -21,7 +21,7 @@ namespace {
 
 LogHead someHead() {
     LogHead head{"channel 1.0", 1'700'000'000'123'456'789, 640, 480, 1.1f};
-    head.options = {"--eye", "two\nlines \\n", ""};
+    head.options = {"--eye", "two words \\n", ""};
     head.files = {{"config/a file.cfg", 0xfedcba9876543210}, {"b", 1}};
     head.libraries = {"zstd 1.5"};
     return head;
@@ -177,6 +177,9 @@ TEST_F(FrameLog, ContentThatNoWriterMakesIsRefused) {
         return std::string(reinterpret_cast<const char*>(words), sizeof words) + content;
     };
     refuses("FRAMELOG 2\n\n", "version");
+    refuses("FRAMELOG 2\x1b[2J\n\n", "control");
+    for (const char* text : {"a\x1b[2J", "a\\nb", "a\x7f", "a\xc2\x9b"})
+        refuses(head + "option: " + text + "\n\n", "line 3 of the head holds a control");
     for (const char* line : {"size: 640", "size: 640 100000", "size: 0 9", "density: 1e9",
                              "density: 0", "density: nan"})
         refuses(head + line + "\n\n", "line 3");

@@ -17,8 +17,8 @@ struct ZSTD_DCtx_s;
 /// of the scene, to tell whether it went the same way.
 ///
 /// The file is one zstd frame; `zstd -dc FILE | head -30` shows its head. Inside, it begins with
-/// lines of text, in this order, up to an empty one; in values a backslash stands as \\ and a line
-/// feed as \n:
+/// lines of text, in this order, up to an empty one; in values a backslash stands as \\, and
+/// control characters there are none:
 ///
 ///     FRAMELOG 1                  the version
 ///     program: visual_channel 1.0
