@@ -496,7 +496,9 @@ FrameCosts Channel::frame(float dt) {
     m_particles.advance(m_world, step);
     costs.physics = spent();
     m_interface.update(dt);
-    m_frame_info.ui = m_options.no_interface ? nullptr : m_interface.draw();
+    // Also where nobody sees it: how far a field has scrolled follows from what it was shown for.
+    const UiDrawList* list = m_interface.draw();
+    m_frame_info.ui = m_options.no_interface ? nullptr : list;
     m_frame_info.ui_root = m_options.no_interface ? nullptr : m_interface.getRoot();
     costs.interface = spent();
     if (m_options.smooth)
