@@ -335,7 +335,7 @@ void Channel::run() {
     m_trace.close();
     if (!m_recorded_scene) recordScene();
     compareScene();
-    m_record.close();
+    if (m_record.isOpen() && !m_record.close()) tellRecordFailure();
     m_status.printSummary(m_listener, m_link, m_pace);
     std::fputs(m_warm_up.getSummary(*m_renderer).c_str(), stdout);
     if (m_replay) std::fputs(m_replay->getSummary().c_str(), stdout);
