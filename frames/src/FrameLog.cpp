@@ -69,6 +69,12 @@ bool LogWriter::append(const FrameInput& input) {
     m_record.assign(RECORD_HEAD, 0);
     m_record.push_back('F');
     encode(input, m_record);
+    FrameInput read;
+    std::string why;
+    const auto content = std::span(m_record).subspan(RECORD_HEAD + 1);
+    if (!decode(content, read, why))
+        return fail("frame " + std::to_string(input.number) +
+                    " is none that a log can hold: " + why);
     return writeRecord();
 }
 

@@ -207,6 +207,10 @@ TEST_F(FrameLog, ContentThatNoWriterMakesIsRefused) {
         ASSERT_TRUE(writer.append({{"sea", 1}}) && writer.append({{"sea", 1}}) && writer.close());
         EXPECT_NE(read().message.find("are of no frame"), std::string::npos) << frames;
     }
+    ASSERT_TRUE(writer.open(path, someHead()) && writer.append(frameNumber(0)));
+    EXPECT_FALSE(writer.append({.number = 1, .length = -1}));
+    EXPECT_NE(writer.getMessage().find("frame 1 is none that a log can hold: "), std::string::npos);
+    EXPECT_EQ(read().frames.size(), 1u);
 }
 
 TEST_F(FrameLog, AFullDiskIsToldOnceAndWhatFittedCanBeRead) {

@@ -40,7 +40,12 @@ void EventQueue::onButton(int button, bool down, float x, float y) {
 }
 
 void EventQueue::onMove(float x, float y) {
-    OperatorEvent& event = add(Kind::move);
+    // Of moves in a row the first counts, which may be what tells where the mouse is, and the last:
+    // those between add up to the same motion. A fast mouse can't fill a frame.
+    const auto is_move = [](const OperatorEvent& event) { return event.kind == Kind::move; };
+    const bool goes_on =
+        m_events.size() > 1 && std::all_of(m_events.end() - 2, m_events.end(), is_move);
+    OperatorEvent& event = goes_on ? m_events.back() : add(Kind::move);
     event.x = x;
     event.y = y;
 }

@@ -92,7 +92,8 @@ public:
     /// are the following.
     bool open(const std::string& path, const LogHead& head);
     bool isOpen() const { return m_file >= 0; }
-    /// Adds a frame, before it runs, so that one that ends the process is in the log.
+    /// Adds a frame, before it runs, so that one that ends the process is in the log. False also
+    /// for one that a reader would refuse.
     bool append(const FrameInput& input);
     /// Adds digests of the scene, as the frame added last leaves it; once a frame.
     bool append(const std::vector<PartDigest>& digests);
