@@ -16,13 +16,11 @@ enum Part : std::uint8_t {
     ANSWERS = 4,
     NEWS = 8,
     CLIPBOARD = 16,
-    SETTINGS = 32,
-    ALL_PARTS = 63
+    ALL_PARTS = 31
 };
 
 // Bytes of the smallest element of each list, to hold its count against the bytes that there are.
-constexpr std::size_t LEAST_EVENT = 1, LEAST_DATAGRAM = 24, ANSWER = 13, NEWS_ITEM = 36,
-                      LEAST_SETTING = 8;
+constexpr std::size_t LEAST_EVENT = 1, LEAST_DATAGRAM = 24, ANSWER = 13, NEWS_ITEM = 36;
 
 void put(ByteWriter& to, const OperatorEvent& event) {
     to.put(event.kind);
@@ -141,16 +139,6 @@ void take(ByteReader& from, SocketNews& news) {
     news.send_error = from.take<std::int32_t>();
 }
 
-void put(ByteWriter& to, const Setting& setting) {
-    to.putText(setting.key);
-    to.putText(setting.value);
-}
-
-void take(ByteReader& from, Setting& setting) {
-    setting.key = from.takeText();
-    setting.value = from.takeText();
-}
-
 template <class T>
 void putList(ByteWriter& to, const std::vector<T>& list) {
     if (list.empty()) return;
@@ -179,14 +167,13 @@ void encode(const FrameInput& input, std::vector<std::uint8_t>& bytes) {
     const int parts = (input.events.empty() ? 0 : EVENTS) |
                       (input.datagrams.empty() ? 0 : DATAGRAMS) |
                       (input.answers.empty() ? 0 : ANSWERS) | (input.news.empty() ? 0 : NEWS) |
-                      (input.clipboard ? CLIPBOARD : 0) | (input.settings.empty() ? 0 : SETTINGS);
+                      (input.clipboard ? CLIPBOARD : 0);
     to.put(static_cast<std::uint8_t>(parts));
     putList(to, input.events);
     putList(to, input.datagrams);
     putList(to, input.answers);
     putList(to, input.news);
     if (input.clipboard) to.putText(*input.clipboard);
-    putList(to, input.settings);
 }
 
 bool decode(std::span<const std::uint8_t> bytes, FrameInput& input, std::string& message) {
@@ -204,7 +191,6 @@ bool decode(std::span<const std::uint8_t> bytes, FrameInput& input, std::string&
     takeList(from, parts & NEWS, NEWS_ITEM, input.news);
     input.clipboard.reset();
     if (parts & CLIPBOARD) input.clipboard = from.takeText();
-    takeList(from, parts & SETTINGS, LEAST_SETTING, input.settings);
     if (from.isGood() && !from.isAtEnd()) from.fail("goes on behind the last part");
     message = from.getMessage();
     return from.isGood();

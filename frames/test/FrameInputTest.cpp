@@ -29,7 +29,6 @@ FrameInput fullInput() {
     input.answers = {{1, SocketAnswer::Step::bind, 98, 10004}};
     input.news = {{1, 1ull << 33, 5, 6, 7, 8}};
     input.clipboard = "";
-    input.settings = {{"smooth", "on"}, {"", "x"}};
     return input;
 }
 
@@ -86,8 +85,8 @@ TEST(FrameInput, NumbersThatNoFrameHasAreRefused) {
                                        resize(1 << 30, 1, 1), resize(1, 1, 0), resize(1, 1, 1e9f)})
         EXPECT_TRUE(refused({.events = {event}})) << event.width << ' ' << event.density;
     Bytes bytes;
-    encode({.settings = {{"a", "b"}}}, bytes);
-    for (const std::size_t count : {21, 25}) { // of the list, and of its first text
+    encode({.events = {{.kind = Kind::text, .text = "ab"}}}, bytes);
+    for (const std::size_t count : {21, 26}) { // of the list, and of its text
         Bytes greedy = bytes;
         std::fill_n(greedy.begin() + static_cast<long>(count), 4, std::uint8_t{0xff});
         EXPECT_FALSE(decode(greedy, read, message));

@@ -87,15 +87,8 @@ struct OperatorEvent {
     bool operator==(const OperatorEvent&) const = default;
 };
 
-/// A setting that changed, as texts.
-struct Setting {
-    std::string key = {};
-    std::string value = {};
-
-    bool operator==(const Setting&) const = default;
-};
-
-/// All that one frame takes in.
+/// All that one frame takes in. The settings in force are no part of it: nothing changes them in
+/// flight, so that they stand once, in the log's head (`LogHead::options`).
 struct FrameInput {
     std::uint64_t number = 0; ///< of the frame, from 0
     float length = 0;         ///< of the frame, s, 0 or more
@@ -106,8 +99,6 @@ struct FrameInput {
     std::vector<SocketNews> news = {}; ///< of sockets that have some
     /// What the window system offers, in a frame in which a paste asks for it.
     std::optional<std::string> clipboard = {};
-    std::vector<Setting> settings =
-        {}; ///< those that changed, and in the first frame those in force
 
     bool operator==(const FrameInput&) const = default;
 };
@@ -140,7 +131,6 @@ inline constexpr std::size_t MAX_LIST_SIZE = 65536;
 ///        4  answers: int32 socket, uint8 step, int32 error, int32 value
 ///        8  news: int32 socket, uint64 lost, int32 error, uint64 failures, bytes, int32 error
 ///       16  clipboard: text
-///       32  settings: two texts each
 void encode(const FrameInput& input, std::vector<std::uint8_t>& to);
 
 /// Reads what `encode` wrote, all of it. False with `message`, which tells what is wrong at which
