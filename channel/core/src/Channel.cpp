@@ -67,7 +67,8 @@ Channel::Channel(const Options& options)
       m_environment(m_options), m_scene_command(options.obey_exit),
       m_screenshots(options.screenshot, options.screenshot_every, options.contact_sheet),
       m_video(options.video), m_clock(options.frame_rate, options.step),
-      m_inputs(std::make_unique<LiveInputs>(m_clock, m_window, m_script, m_queue, m_run_start)) {
+      m_inputs(std::make_unique<LiveInputs>(m_clock, m_window, m_script, m_queue,
+                                            *m_interface.getRoot(), m_run_start)) {
     m_status.setQuiet(options.quiet);
     if (options.replay.empty()) return;
     auto replay = std::make_unique<ReplayedInputs>(m_window, m_queue, options.real_time,

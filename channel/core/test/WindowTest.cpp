@@ -5,6 +5,7 @@
 
 #include "Channel.h"
 #include "EventQueue.h"
+#include "frames/FrameLog.h"
 #include "heli/config/AppData.h"
 #include "heli/kit/HelicopterCorax.h"
 #include "heli/logic/Logic_Nerith_Heli_Final.h"
@@ -21,10 +22,13 @@
 #define XK_MISCELLANY
 #include <X11/keysymdef.h>
 #include <cmath>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <numbers>
 #include <optional>
 #include <string>
+#include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -266,6 +270,35 @@ TEST_F(WindowTest, CopyAndPasteGoThroughTheDesktopsClipboard) {
         stroke(static_cast<unsigned long>(symbol));
     screen->key(XK_Control_L, false);
     EXPECT_TRUE(drawn("47114711"));
+}
+
+struct RecordedWindowTest : WindowTest {
+    RecordedWindowTest() { options.record = path; }
+    ~RecordedWindowTest() override { std::filesystem::remove(path); }
+    const std::string path = testing::TempDir() + "window_" + std::to_string(getpid());
+};
+
+TEST_F(RecordedWindowTest, OfTheClipboardALogHoldsWhatWasPastedIntoAField) {
+    clickField(SPEED);
+    screen->type("4711");
+    screen->key(XK_Control_L, true);
+    for (const char symbol : {'a', 'c', 'v'})
+        stroke(static_cast<unsigned long>(symbol));
+    screen->key(XK_Control_L, false);
+    stroke(XK_Return);
+    screen->key(XK_Control_L, true);
+    stroke('v');
+    screen->key(XK_Control_L, false);
+    frames();
+    channel.reset();
+    frames::LogReader reader;
+    ASSERT_TRUE(reader.open(path)) << reader.getMessage();
+    frames::FrameInput input;
+    std::vector<frames::PartDigest> digests;
+    std::vector<std::string> pasted;
+    while (reader.next(input, digests) < frames::LogItem::end)
+        if (input.clipboard) pasted.push_back(*std::exchange(input.clipboard, {}));
+    EXPECT_EQ(pasted, std::vector<std::string>{"4711"});
 }
 
 struct LargeWindowTest : WindowTest {
