@@ -11,6 +11,8 @@
 #include <filesystem>
 #include <fstream>
 #include <gnu/libc-version.h>
+#include <iterator>
+#include <utility>
 
 using frames::LoggedFile;
 using frames::LogHead;
@@ -18,28 +20,84 @@ using ig::jLog;
 
 namespace {
 
-constexpr std::size_t MOST_NAMES = 3; ///< of files that differ
+constexpr std::size_t MOST_NAMES = 3;          ///< of files that differ
+constexpr std::size_t MOST_FILES = 500;        ///< that a folder is listed with
+constexpr std::uintmax_t WHOLE_SIZE = 1 << 20; ///< bytes that a file is digested whole with
+constexpr std::size_t END_SIZE = std::size_t{64} << 10; ///< bytes at each end of a larger one
 
 /// Options of the run that have become part of what its frames took in, or of the log's head.
 const char* const IN_THE_FRAMES[] = {"fps", "step", "script", "size", "width", "height"};
 
+/// Of a large file what is at its ends stands for all of it, with its size: the start must not wait
+/// for gigabytes of terrain.
 std::uint64_t digestFile(const std::string& path) {
     frames::Digest digest;
     std::ifstream file(path, std::ios::binary);
-    std::vector<char> chunk(1 << 16);
-    while (file.read(chunk.data(), static_cast<std::streamsize>(chunk.size())) || file.gcount())
-        digest.add(chunk.data(), static_cast<std::size_t>(file.gcount()));
+    std::vector<char> chunk(END_SIZE);
+    const auto add_chunk = [&] {
+        file.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
+        if (file.gcount()) digest.add(chunk.data(), static_cast<std::size_t>(file.gcount()));
+        return file.gcount() > 0;
+    };
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(path, error);
+    if (error || size <= WHOLE_SIZE) {
+        while (add_chunk()) {
+        }
+        return digest.get();
+    }
+    digest.add(size);
+    add_chunk();
+    file.seekg(-static_cast<std::streamoff>(END_SIZE), std::ios::end);
+    add_chunk();
     return digest.get();
 }
 
-void addFolder(const char* folder, std::vector<LoggedFile>& files) {
+/// One entry in place of all those of a folder.
+std::vector<LoggedFile> fold(const std::string& folder, std::vector<LoggedFile> files) {
+    std::ranges::sort(files, {}, &LoggedFile::path);
+    frames::Digest digest;
+    for (const LoggedFile& file : files) {
+        digest.add(file.path.data(), file.path.size());
+        digest.add(file.digest);
+    }
+    return {{folder + '/', digest.get()}};
+}
+
+/// What lies in a folder and below, MOST_FILES at most: where there are more, the folders below
+/// that have most of them become an entry each, and if that isn't enough the folder itself.
+/// `above`: the folders that it lies in, for links that lead back to one.
+std::vector<LoggedFile> listFolder(const std::string& folder,
+                                   std::vector<std::filesystem::path> above = {}) {
     std::error_code error; // of what can't be read nothing is said
-    for (std::filesystem::recursive_directory_iterator it(folder, error), end; it != end;
+    above.push_back(std::filesystem::canonical(folder, error));
+    if (error || std::ranges::count(above, above.back()) > 1) return {};
+    std::vector<LoggedFile> files;
+    std::vector<std::pair<std::string, std::vector<LoggedFile>>> below;
+    for (std::filesystem::directory_iterator it(folder, error), end; it != end;
          it.increment(error)) {
         const std::string path = it->path().generic_string();
-        if (path == "config/visual_channel.cfg" || !program::whyUnreadable(path).empty()) continue;
-        files.push_back({path, digestFile(path)});
+        std::error_code unknown;
+        if (it->is_directory(unknown))
+            below.emplace_back(path, listFolder(path, above));
+        else if (path != "config/visual_channel.cfg" && program::whyUnreadable(path).empty())
+            files.push_back({path, digestFile(path)});
     }
+    std::size_t count = files.size();
+    for (const auto& [path, list] : below)
+        count += list.size();
+    std::ranges::sort(below, [](const auto& a, const auto& b) { // whatever order they were found in
+        return a.second.size() != b.second.size() ? a.second.size() > b.second.size()
+                                                  : a.first < b.first;
+    });
+    for (auto& [path, list] : below) {
+        if (count > MOST_FILES && list.size() > 1) {
+            count -= list.size() - 1;
+            list = fold(path, std::move(list));
+        }
+        files.insert(files.end(), list.begin(), list.end());
+    }
+    return count > MOST_FILES ? fold(folder, std::move(files)) : files;
 }
 
 /// Files of a folder that only one of the two has, or that differ.
@@ -68,8 +126,8 @@ LogHead describeRun(const Options& options, float density) {
     head.height = options.height;
     head.density = density;
     head.options = options.logged;
-    addFolder("config", head.files);
-    addFolder("data", head.files);
+    for (const char* folder : {"config", "data"})
+        std::ranges::move(listFolder(folder), std::back_inserter(head.files));
     std::ranges::sort(head.files, {}, &LoggedFile::path);
     head.libraries = {"compiler " __VERSION__, std::string("libc ") + gnu_get_libc_version()};
     return head;

@@ -7,8 +7,10 @@
 struct Options;
 
 /// What a log says of the run that it is of: program, options, picture, and every file below
-/// config/ and data/ with its digest. The settings file is left out: what holds of it is among the
-/// options.
+/// config/ and data/ with its digest, links followed. Of files of more than 1 MiB the digest is
+/// that of their size and of their first and last 64 KiB; a folder with more than 500 files in it
+/// and below stands as one entry, "folder/". The settings file is left out: what holds of it is
+/// among the options.
 frames::LogHead describeRun(const Options& options, float density);
 
 /// Logs where this run has another program or other files than the one that a log is of: a line for

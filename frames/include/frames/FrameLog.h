@@ -26,8 +26,10 @@ struct ZSTD_DCtx_s;
 ///     size: 1280 720              of the picture, pixels
 ///     density: 1.25               pixels per 1/96 inch
 ///     option: --script            a word of the command line; any number of these, in their order
-///     file: 0123456789abcdef config/visual_channel.cfg
-///                                 digest of a file that the run read, its path; any number
+///     file: 0123456789abcdef data/sea.png
+///                                 digest of a file that the run read, its path; any number. Of a
+///                                 large file its size and its ends are digested; a path that ends
+///                                 with / stands for all that lies below it
 ///     library: zstd 1.5.4         that the results may depend on; any number
 ///
 /// Records follow up to the end. All numbers are little-endian, nothing is padded:
