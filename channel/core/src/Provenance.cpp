@@ -4,6 +4,7 @@
 #include "Options.h"
 #include "frames/Digest.h"
 #include "ig/base/jLog.h"
+#include "ig/ui/Font.h"
 #include "program/Clock.h"
 #include "program/InputFile.h"
 
@@ -116,6 +117,28 @@ std::vector<std::string> listDifferent(const std::string& folder, const LogHead&
     return paths;
 }
 
+/// The file of the font: the only one that lies in no folder of the system's.
+const LoggedFile* findFont(const LogHead& head) {
+    const auto font = std::ranges::find_if(
+        head.files, [](const LoggedFile& file) { return file.path.starts_with('/'); });
+    return font == head.files.end() ? nullptr : &*font;
+}
+
+/// Where a text ends, and so what a click meets, is the font's to say. Of a log that names none
+/// nothing is known.
+void tellFont(const LogHead& log, const LogHead& now) {
+    const LoggedFile* const its = findFont(log);
+    const LoggedFile* const ours = findFont(now);
+    if (!its || (ours && its->digest == ours->digest)) return;
+    jLog::warning(
+        "visual_channel: the log's texts are in the font \"%s\", this run's in %s: panels "
+        "and what is clicked may differ",
+        its->path.c_str(),
+        !ours                     ? "none"
+        : ours->path == its->path ? "another version of it"
+                                  : ('"' + ours->path + '"').c_str());
+}
+
 } // namespace
 
 LogHead describeRun(const Options& options, float density) {
@@ -128,12 +151,20 @@ LogHead describeRun(const Options& options, float density) {
     head.options = options.logged;
     for (const char* folder : {"config", "data"})
         std::ranges::move(listFolder(folder), std::back_inserter(head.files));
+    const std::string& font = ig::Font::get().getPath(); // texts are measured by it
+    if (!font.empty()) head.files.push_back({font, digestFile(font)});
     std::ranges::sort(head.files, {}, &LoggedFile::path);
-    head.libraries = {"compiler " __VERSION__, std::string("libc ") + gnu_get_libc_version()};
+    head.libraries = {"compiler " __VERSION__,
+                      std::string("libc ") + gnu_get_libc_version(),
+                      "FreeType " FREETYPE,
+                      "Bullet " BULLET,
+                      "GDAL " GDAL,
+                      "Assimp " ASSIMP};
     return head;
 }
 
 void tellDifferences(const LogHead& log, const LogHead& now) {
+    tellFont(log, now);
     if (log.program != now.program)
         jLog::warning("visual_channel: the log is of %s, this is %s: the replay may differ",
                       log.program.c_str(), now.program.c_str());

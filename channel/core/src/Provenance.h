@@ -14,7 +14,7 @@ struct Options;
 frames::LogHead describeRun(const Options& options, float density);
 
 /// Logs where this run has another program or other files than the one that a log is of: a line for
-/// the program and for each of the two folders.
+/// the program, the font and each of the two folders.
 void tellDifferences(const frames::LogHead& log, const frames::LogHead& now);
 
 /// What the log that `options.replay` names says in place of a settings file: picture size and

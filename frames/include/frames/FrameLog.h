@@ -30,7 +30,7 @@ struct ZSTD_DCtx_s;
 ///                                 digest of a file that the run read, its path; any number. Of a
 ///                                 large file its size and its ends are digested; a path that ends
 ///                                 with / stands for all that lies below it
-///     library: zstd 1.5.4         that the results may depend on; any number
+///     library: Bullet 3.24        that the results may depend on; any number
 ///
 /// Records follow up to the end. All numbers are little-endian, nothing is padded:
 ///

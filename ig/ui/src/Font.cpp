@@ -32,7 +32,10 @@ Font& Font::get() {
 Font::Font(const std::vector<const char*>& files) {
     if (FT_Init_FreeType(&m_library) != 0) m_library = nullptr;
     for (const char* file : files)
-        if (m_library && FT_New_Face(m_library, file, 0, &m_face) == 0) return;
+        if (m_library && FT_New_Face(m_library, file, 0, &m_face) == 0) {
+            m_path = file;
+            return;
+        }
     m_face = nullptr;
     jLog::error("Font: no font file is found: texts are not drawn, and take the room that they "
                 "would in one of square characters (Debian: fonts-wqy-microhei)");

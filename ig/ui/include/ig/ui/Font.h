@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -27,6 +28,9 @@ public:
     Font& operator=(const Font&) = delete;
     ~Font();
 
+    /// Of the file; empty when none was found.
+    const std::string& getPath() const { return m_path; }
+
     /// The size that a text of so many pixels is set in.
     static int getEm(float size);
     /// How far a character moves the pen, pixels.
@@ -50,6 +54,7 @@ private:
     bool load(char32_t character, int size, bool with_form);
 
     FT_LibraryRec_* m_library = nullptr;
+    std::string m_path;
     FT_FaceRec_* m_face = nullptr;                       ///< null: no file was found
     std::unordered_map<std::uint64_t, float> m_advances; ///< by size and character, pixels
 };
