@@ -10,8 +10,12 @@ constexpr double SAME_RATE = 0.02; ///< of a period: 60.02 Hz and 60 frames/s me
 constexpr double WAITED = 0.0003;  ///< s: a swap that took longer returned at a blank
 constexpr double PLAINLY = 0.001;  ///< s that a swap takes longer when it plainly waits
 constexpr double DITHER = 0.002;   ///< s by which every other frame on trial begins earlier
+/// Likewise of a period, where that is less.
+constexpr double PLAIN_PART = 0.15, DITHER_PART = 0.3;
 /// s before another trial; each time twice as long.
 constexpr double FIRST_PAUSE = 5, LONGEST_PAUSE = 60;
+/// s without a decision, from which on frames are shifted; each time twice as long.
+constexpr double FIRST_DOUBT = 1, LONGEST_DOUBT = 60;
 /// s by which a missed blank raises the margin, and in which it sinks to a third.
 constexpr double RAISE = 0.001, CALM = 300;
 constexpr double GAP = 0.25;          ///< s without a swap after which blanks are counted anew
@@ -41,6 +45,10 @@ void DisplayClock::setRefreshRate(double rate) {
     if (period == m_nominal) return;
     m_nominal = m_period = period;
     m_retry = m_pause = 0;
+    m_doubt = FIRST_DOUBT;
+    m_doubted = 0;
+    m_plainly = std::min(PLAINLY, PLAIN_PART * period);
+    m_dither = std::min(DITHER, DITHER_PART * period);
     enter(State::free);
 }
 
@@ -58,6 +66,13 @@ double DisplayClock::nextBlank(double time) const {
     return m_blank + std::ceil((time - m_blank) / m_period) * m_period;
 }
 
+/// So much that frames whose work is the least are not shown a blank too early.
+double DisplayClock::getMargin() const {
+    const double scatter = m_work.getQuantile(0.95) - m_work.getQuantile(0.05);
+    const double most = isFound() ? m_period - m_plainly - scatter : MOST_MARGIN;
+    return std::min(m_margin, std::max(most, std::min(LEAST_MARGIN, m_period / 2)));
+}
+
 /// Most frames make the blank that is chosen. That nearly all make it counts less where it would
 /// halve the rate: then the frame begins at once.
 double DisplayClock::plan(double now, double shortest) {
@@ -67,8 +82,8 @@ double DisplayClock::plan(double now, double shortest) {
     const double done = now + m_work.getQuantile(0.75);
     m_slow = done > soonest;
     m_target = m_slow ? nextBlank(done) : soonest;
-    const double earlier = m_state == State::trial && m_frames % 2 == 1 ? DITHER : 0;
-    const double due = m_target - m_work.getQuantile(0.95) - m_margin - earlier;
+    const double earlier = m_state == State::trial && m_frames % 2 == 1 ? m_dither : 0;
+    const double due = m_target - m_work.getQuantile(0.95) - getMargin() - earlier;
     m_ample = due > now;
     return due;
 }
@@ -79,22 +94,27 @@ void DisplayClock::addFrame(double begin, double finished, double shown) {
     if (m_nominal <= 0) return;
     const double wait = shown - finished;
     m_work.add(finished - begin);
-    m_waits.add(wait);
     m_frames++;
     noteMargin(shown);
     if (m_state == State::free) {
-        const bool mostly = m_waits.getCount() == 32 && m_waits.getQuantile(0.25) > PLAINLY;
+        m_waits.add(wait);
+        const bool mostly = m_waits.getCount() == 32 && m_waits.getQuantile(0.25) > m_plainly;
         if (!mostly || shown < m_retry) return;
         m_target = m_blank = shown;
         m_counts.clear();
         enter(State::trial);
         return;
     }
-    if (m_state == State::trial) m_untils.add(nextBlank(finished) - finished);
-    const bool in_time = finished < m_target - PLAINLY;
-    m_early = !in_time ? m_early : shown < m_target - PLAINLY ? m_early + 1 : 0;
+    const double blank = nextBlank(finished);
+    if (m_state == State::trial && blank - finished > m_plainly) { // else it may wait for the next
+        m_untils.add(blank - finished);
+        m_waits.add(wait);
+    }
+    const bool in_time = finished < blank - m_plainly;
+    m_early = !in_time ? m_early : shown < blank - m_plainly ? m_early + 1 : 0;
     if (wait > WAITED) addBlank(shown);
-    if (m_state == State::trial && m_untils.getCount() == TRIAL) judgeTrial();
+    if (m_state == State::trial && (m_untils.getCount() == TRIAL || m_frames > 4 * TRIAL))
+        judgeTrial();
     if (m_state == State::found && m_early >= TOO_OFTEN) giveUp();
 }
 
@@ -105,9 +125,20 @@ void DisplayClock::noteMargin(double shown) {
     m_missed = isFound() && (missed || m_slow);
 }
 
+/// Frames that come as often as blanks and are always finished just before one, or just after it,
+/// don't show whether swaps wait.
+double DisplayClock::takeShift(double now) {
+    if (m_nominal <= 0 || isPacing() || now < m_retry) return 0;
+    if (m_doubted == 0) m_doubted = now;
+    if (now - m_doubted < m_doubt) return 0;
+    m_doubted = now;
+    m_doubt = std::min(2 * m_doubt, LONGEST_DOUBT);
+    return m_dither;
+}
+
 /// The longer a frame on trial had to its blank, the longer the swap took: it waits.
 void DisplayClock::judgeTrial() {
-    if (slope(m_untils, m_waits, TRIAL) > 0.5)
+    if (m_untils.getCount() == TRIAL && slope(m_untils, m_waits, TRIAL) > 0.5)
         enter(State::found);
     else
         giveUp();
@@ -123,7 +154,7 @@ void DisplayClock::giveUp() {
 void DisplayClock::addBlank(double time) {
     const double before = m_counts.getCount() > 0 ? m_blank : time - 2 * GAP;
     const double steps = std::round((time - m_blank) / m_period);
-    const bool odd = std::abs(time - m_blank - steps * m_period) > PLAINLY;
+    const bool odd = std::abs(time - m_blank - steps * m_period) > m_plainly;
     m_odd = odd ? m_odd + 1 : 0;
     if (odd && m_odd < TOO_OFTEN) return;
     if (odd || time - before > GAP) {

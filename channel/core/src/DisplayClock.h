@@ -10,14 +10,15 @@
 /// at a blank. Frames are planned so that each is finished just before one, and what it takes in is
 /// read as late as its work allows.
 ///
-/// Whether swaps wait at all is found out. Once most of them take longer than a millisecond,
-/// frames are begun for blanks on trial, every other one a little earlier: a swap that waits takes
-/// the longer for it, any other one doesn't. Without a clock that was found so, whoever asks keeps
-/// his own time.
+/// Whether swaps wait at all is found out. Once most of them take longer than a millisecond, or
+/// than a part of a short period, frames are begun for blanks on trial, every other one a little
+/// earlier: a swap that waits takes the longer for it, any other one doesn't. Without a clock that
+/// was found so, whoever asks keeps his own time.
 class DisplayClock {
 public:
     /// s that nearly all frames are to be finished before their blanks: for late wake-ups and what
-    /// the window system does with the picture. Blanks that were missed all the same raise it.
+    /// the window system does with the picture. Blanks that were missed all the same raise it;
+    /// frames that would be shown a blank too early lower it.
     static constexpr double LEAST_MARGIN = 0.002, MOST_MARGIN = 0.008;
 
     /// What the window system says of the display, 1/s, true to a few percent; 0: there is none, or
@@ -36,6 +37,10 @@ public:
     /// control came back at `shown`.
     void addFrame(double begin, double finished, double shown);
 
+    /// Where frames keep their own time: what to begin the next one earlier by than that, s, from
+    /// then on; mostly 0. It shows whether swaps wait where the frames so far couldn't.
+    double takeShift(double now);
+
     // As of the last call of `plan`.
 
     double getTarget() const { return m_target; } ///< the blank that the frame is for, s
@@ -46,9 +51,10 @@ public:
 
 private:
     enum class State { free, trial, found };
-    static constexpr std::size_t TRIAL = 24; ///< frames
+    static constexpr int TRIAL = 24; ///< frames
 
     double nextBlank(double time) const;
+    double getMargin() const;
     void noteMargin(double shown);
     void addBlank(double time);
     void fit();
@@ -68,6 +74,10 @@ private:
     int m_frames = 0;             ///< since the state began
     double m_retry = 0;           ///< not on trial before, s
     double m_pause = 0;           ///< s until the next trial, should this one fail
+    double m_doubted = 0;         ///< frames were shifted then, s; 0: not yet
+    double m_doubt = 0;           ///< s until they are again
+    double m_plainly = 0;         ///< s that a swap takes longer when it plainly waits
+    double m_dither = 0;          ///< s that frames are shifted by to see whether swaps wait
     int m_early = 0, m_odd = 0;   ///< of late: swaps that didn't wait, returns far from any blank
     RecentValues<120> m_work;     ///< s
     RecentValues<32> m_waits;     ///< how long swaps took, s

@@ -35,7 +35,7 @@ float FrameClock::beginFrame() {
 }
 
 void FrameClock::waitForDeadline() {
-    m_deadline += m_period;
+    m_deadline += m_period - m_display.takeShift(m_begin);
     const double due = m_deadline;
     if (m_time.now() > m_deadline + m_period) m_deadline = m_time.now();
     m_time.sleepUntil(m_deadline);

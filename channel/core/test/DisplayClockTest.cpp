@@ -106,6 +106,21 @@ TEST(DisplayClock, FramesAreEvenAndAsLateAsTheirWorkAllowsOnEveryDisplay) {
     }
 }
 
+TEST(DisplayClock, OneWhoseBlanksComeJustAfterTheFramesOrVeryOftenIsFound) {
+    for (const double display : {60, 240, 360})
+        for (const double noise : {0.1, 1.0})
+            for (int i = 0; i < 16; i++) {
+                const double phase = (i + 0.6) / 16 / display;
+                Show show{.display = display, .told = display, .noise = noise, .phase = phase};
+                show.run(10);
+                show.run(10);
+                EXPECT_NEAR(show.clock.getRefreshRate(), display, 0.1) << noise << ' ' << phase;
+                EXPECT_NEAR(show.rate(), 60, 0.1);
+                EXPECT_GT(show.evenness(1 / 60.0, show.blanks), 0.95) << display << ' ' << noise;
+                EXPECT_LT(show.delay(), 13) << display;
+            }
+}
+
 TEST(DisplayClock, FramesKeepTheirOwnTimeWhereSwapsDontWait) {
     for (const double noise : {0, 1})
         for (const double cost : {0.0003, 0.003})
