@@ -30,6 +30,7 @@ Package& Package::operator=(Package other) noexcept {
     std::swap(m_items, other.m_items);
     std::swap(m_path, other.m_path);
     m_line = other.m_line;
+    m_has_warned = other.m_has_warned;
     return *this;
 }
 
@@ -51,6 +52,7 @@ Item* Package::getItem(const jString& key, bool warn) {
 }
 
 void Package::warnUnknownKeys(const char* user, const std::vector<std::string>& known) const {
+    if (std::exchange(m_has_warned, true)) return;
     for (const Item& item : m_items)
         if (std::find(known.begin(), known.end(), item.m_name.view()) == known.end())
             jLog::warning("%s: %s:%d: unknown key \"%s\"%s", user, getPath().c_str(), item.m_line,

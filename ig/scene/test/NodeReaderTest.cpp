@@ -2,6 +2,7 @@
 #include "ig/scene/NodeReader.h"
 
 #include "ig/package/PackageManager.h"
+#include "ig/scene/ObjectPrefab.h"
 #include "ig/scene/SceneObjects.h"
 #include "ig/scene/World.h"
 #include "testkit/LogCapture.h"
@@ -100,6 +101,13 @@ TEST_F(NodeReading, EveryKeyThatNothingReadsIsToldOnceWithWhatIsMeant) {
                                 }),
                   1)
             << part;
+    log.lines.clear();
+    const ObjectPrefab again("flag.prefab");
+    EXPECT_EQ(std::count_if(log.lines.begin(), log.lines.end(),
+                            [](const std::string& line) {
+                                return line.find("unknown key") != std::string::npos;
+                            }),
+              0);
 }
 
 TEST_F(NodeReading, TypeThatAPluginReplacesKeepsItsPlace) {

@@ -41,7 +41,8 @@ public:
     Item* getItem(const jString& key, bool warn = false);
 
     /// One warning, on behalf of `user`, for every key that is not `known` and that therefore
-    /// nothing reads: with file, line and the known key that it is most like.
+    /// nothing reads: with file, line and the known key that it is most like. Only the first time:
+    /// the scene reads a package as often as it makes something of it.
     void warnUnknownKeys(const char* user, const std::vector<std::string>& known) const;
 
     const jString& getString(const jString& key) const;
@@ -74,6 +75,7 @@ private:
     jVector<Item> m_items;
     std::shared_ptr<const jString> m_path;
     int m_line = 0;
+    mutable bool m_has_warned = false; ///< of unknown keys
 };
 
 } // namespace ig
