@@ -14,6 +14,7 @@
 #include "ig/package/PackageManager.h"
 #include "ig/scene/NodeReader.h"
 #include "ig/scene/ObjectPrefab.h"
+#include "plugins/ocean/ObjectOcean.h"
 #include "program/Clock.h"
 #include "program/Process.h"
 #include "render/factory/RendererKind.h"
@@ -491,6 +492,7 @@ FrameCosts Channel::frame(float dt) {
     m_precipitation.update(step, getEye(), m_environment);
     costs.update = spent();
     m_world.updatePhysics(step);
+    ObjectOcean::keepUp(m_world);
     m_world.updateParticles(step);
     const Weather weather = m_environment.getWeather();
     m_particles.setWind(weather.wind_direction, std::max(weather.wind_speed, 0.0f));

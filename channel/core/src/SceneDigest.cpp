@@ -114,7 +114,8 @@ void SceneWalk::addSea(const ObjectOcean& sea) {
     m_sea.add(sea.getBeaufort());
     m_sea.add(sea.getSpeed());
     m_sea.add(sea.getAngle());
-    addBits(m_sea, sea.getWorldPoint(m_scene.camera.getWorldPosition()));
+    // One that is not there stands still until it comes: asking would move it.
+    if (sea.isEnabled()) addBits(m_sea, sea.getWorldPoint(m_scene.camera.getWorldPosition()));
 }
 
 void SceneWalk::addMaterials(const Object& object) {

@@ -29,7 +29,7 @@ struct SceneView {
 ///
 ///     feedback     all that the sockets sent
 ///     environment  the scene's time, wind, weather and hour
-///     sea          its settings, and where the water stands below the camera
+///     sea          its settings, and, where it is, the water's height below the camera
 ///     bodies       poses, velocities, cables, joints
 ///     materials    their parameters and states
 ///     particles    each of them

@@ -6,6 +6,7 @@
 #include "ig/app/Engine.h"
 #include "ig/math/quat.h"
 #include "ig/scene/NodeReader.h"
+#include "ig/scene/World.h"
 
 #include <limits>
 
@@ -93,6 +94,17 @@ void ObjectOcean::evolve(double time) {
     m_waves->evolve(time);
     m_evolved = true;
     m_frame = Engine::get()->getFrame();
+}
+
+void ObjectOcean::keepUp(const World& world) {
+    const auto visit = [](const auto& self, const Node& node) -> void {
+        if (!node.isEnabled()) return;
+        if (node.getType() == OBJECT_OCEAN) static_cast<const ObjectOcean&>(node).present();
+        for (int i = 0; i < node.getNumChildren(); i++)
+            self(self, *node.getChild(i));
+    };
+    for (const Node* node : world.getNodes())
+        visit(visit, *node);
 }
 
 /// The sea of this frame.

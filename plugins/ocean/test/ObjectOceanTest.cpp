@@ -158,6 +158,26 @@ TEST_F(Ocean, IsTheSameWhetherOrNotSomebodyDrawsIt) {
     }
 }
 
+TEST_F(Ocean, GoesWithTheTimeWhereNobodyAsks) {
+    World world;
+    auto *unasked = new ObjectOcean(), *away = new ObjectOcean();
+    for (ObjectOcean* ocean : {unasked, away}) {
+        world.addNode(ocean);
+        ocean->setWgsPosition(PLACE);
+    }
+    away->setEnabled(false);
+    const dvec3 below = EARTH.toWorld(PLACE);
+    for (int frame = 0; frame < 40; frame++) {
+        Engine::get()->beginFrame(0.5f);
+        for (ObjectOcean* ocean : {&m_ocean, unasked, away})
+            ocean->setBeaufort(frame < 30 ? 6 : 4);
+        m_ocean.getWorldPoint(below);
+        ObjectOcean::keepUp(world);
+    }
+    EXPECT_EQ(unasked->getWorldPoint(below), m_ocean.getWorldPoint(below));
+    EXPECT_NE(away->getWorldPoint(below), m_ocean.getWorldPoint(below));
+}
+
 TEST_F(Ocean, WavesAreLaidOutAroundTheNode) {
     m_ocean.evolve(10);
     const OceanFrame& frame = m_ocean.getFrame();

@@ -10,6 +10,7 @@
 namespace ig {
 
 class WaveField;
+class World;
 
 /// The sea: one surface that drawing, floating and queries agree on. Node type "ocean" in world
 /// files, with the optional keys `beaufort`, `speed` and `angle`; see docs/ocean.md.
@@ -53,6 +54,10 @@ public:
     /// only pictures read, half as much again as all queries need. Nothing that queries answer
     /// depends on whether anybody draws.
     const OceanFrame& getFrame() const;
+
+    /// Brings every sea of the world that is enabled to this frame, whether or not anybody asks for
+    /// it or draws it: the next answer must not depend on that. Once a frame.
+    static void keepUp(const World& world);
 
     /// Brings the sea to a time of the caller's choice (s), for tests and tools; it holds until the
     /// engine begins another frame.
