@@ -264,7 +264,7 @@ void RendererGL::Impl::prepare(const World& world, const Camera& camera, const F
         view.orthographic ? view.pixel_angle / std::max(static_cast<float>(view.geodetic.z), 1.0f)
                           : view.pixel_angle;
     block.time = {static_cast<float>(std::fmod(frame.time, 4096)), pixel_angle, 0, 0};
-    sky.update(view, frame, block);
+    sky.update(view, frame, canvas == &targets, block);
     const vec3 center = frame.focus ? vec3(view.toFrame(frame.focus->getWorldPosition())) : vec3();
     placeShadow(center, block);
     list.left_out = camera.getType() == NODE_CAMERA_RADAR ? frame.focus : nullptr;

@@ -117,45 +117,64 @@ bool SkyPass::differ(const Bake& a, const Bake& b, float angle, float share) {
 
 /// From one frame to the next, or so fast that steps would show a sky of long ago.
 bool SkyPass::hasJumped(const Bake& wanted) const {
-    return differ(wanted, m_last, 0.05f, 0.2f) || length(wanted.sun - shown().shows.sun) > 0.2f;
+    return differ(wanted, m_last, 0.05f, 0.2f) ||
+           length(wanted.sun - m_maps[m_shown].shows.sun) > 0.2f;
 }
 
 /// Brings the maps nearer to what the frame wants: by a step, or all the way.
 void SkyPass::follow(const Bake& wanted, const FrameBlock& block) {
     const bool jumped = hasJumped(wanted);
+    const int next = (m_shown + 1) % 3;
     m_last = wanted;
     m_since = std::min(m_since + 1, STEPS);
     if (jumped) {
-        begin(wanted, block);
-        while (m_step >= 0)
+        begin(next, wanted, block);
+        while (m_making.step >= 0)
             doStep();
         m_since = STEPS;
         return;
     }
-    if (m_step < 0 && differ(wanted, shown().shows, 0.004f, 0.02f)) begin(wanted, block);
-    if (m_step >= 0) doStep();
+    if (m_making.step < 0 && differ(wanted, shown().shows, 0.004f, 0.02f))
+        begin(next, wanted, block);
+    if (m_making.step >= 0) doStep();
 }
 
-void SkyPass::begin(const Bake& wanted, const FrameBlock& block) {
-    Map& map = m_maps[(m_shown + 1) % 3];
-    map.shows = wanted;
-    map.range = block.sky.x;
-    m_baking = block;
-    m_step = 0;
+/// Leaves the main eye's maps, and how far it has come with them, as they are.
+void SkyPass::lookElsewhere(const Bake& wanted, const FrameBlock& block) {
+    if (!differ(wanted, m_maps[ELSEWHERE].shows, 0.004f, 0.02f)) return;
+    const Making of_main = m_making;
+    begin(ELSEWHERE, wanted, block);
+    while (m_making.step >= 0)
+        doStep();
+    m_making = of_main;
+    if (of_main.step <= 0) return;
+    prepareStep(); // both have scattered into the same textures
+    for (int stripe = 0; stripe < std::min(of_main.step, SCATTER_STRIPES); stripe++)
+        scatter(stripe);
 }
 
-void SkyPass::doStep() {
-    uploadBlock(m_baking);
+void SkyPass::begin(int map, const Bake& wanted, const FrameBlock& block) {
+    m_maps[map].shows = wanted;
+    m_maps[map].range = block.sky.x;
+    m_making = {map, 0, block};
+}
+
+void SkyPass::prepareStep() {
+    uploadBlock(m_making.frame);
     glDisable(GL_DEPTH_TEST);
     glDisable(GL_BLEND);
     glBindVertexArray(m_empty.getId());
-    if (m_step < SCATTER_STRIPES)
-        scatter(m_step);
-    else if (m_step < SCATTER_STRIPES + MAP_STRIPES)
-        compose(m_step - SCATTER_STRIPES);
+}
+
+void SkyPass::doStep() {
+    prepareStep();
+    if (m_making.step < SCATTER_STRIPES)
+        scatter(m_making.step);
+    else if (m_making.step < SCATTER_STRIPES + MAP_STRIPES)
+        compose(m_making.step - SCATTER_STRIPES);
     else
         finish();
-    if (++m_step == STEPS) m_step = -1;
+    if (++m_making.step == STEPS) m_making.step = -1;
 }
 
 void SkyPass::scatter(int stripe) {
@@ -165,7 +184,7 @@ void SkyPass::scatter(int stripe) {
 }
 
 void SkyPass::compose(int stripe) {
-    const Map& map = m_maps[(m_shown + 1) % 3];
+    const Map& map = m_maps[m_making.map];
     glBindFramebuffer(GL_FRAMEBUFFER, map.target.getId());
     m_compose.use();
     const gl::Texture* textures[] = {&m_rayleigh, &m_mie, &m_multiple};
@@ -181,12 +200,14 @@ void SkyPass::compose(int stripe) {
     drawStripe(m_size, stripe, MAP_STRIPES);
 }
 
-/// The new map is the one that is shown from now on, at first with no share yet.
+/// The main eye's new map is the one that is shown from now on, at first with no share yet.
 void SkyPass::finish() {
-    m_shown = (m_shown + 1) % 3;
-    gl::bindTexture(gl::UNIT_SKY, shown().texture);
+    Map& map = m_maps[m_making.map];
+    gl::bindTexture(gl::UNIT_SKY, map.texture);
     glGenerateMipmap(GL_TEXTURE_2D);
-    readBack(m_maps[m_shown], m_size);
+    readBack(map, m_size);
+    if (m_making.map == ELSEWHERE) return;
+    m_shown = m_making.map;
     m_since = 0;
 }
 
@@ -220,7 +241,9 @@ void SkyPass::readBack(Map& map, int size) {
 }
 
 /// Of the map before the one that is shown: falls to nothing while another one could be made.
-float SkyPass::getShareBefore() const { return 1 - static_cast<float>(m_since) / STEPS; }
+float SkyPass::getShareBefore() const {
+    return m_elsewhere ? 0 : 1 - static_cast<float>(m_since) / STEPS;
+}
 
 vec3 SkyPass::getHaze(vec2 direction) const {
     const float scale = 0.47f / std::max(std::hypot(direction.x, direction.y), 1e-6f);
@@ -251,7 +274,8 @@ FrameInfo SkyPass::seenFrom(const FrameView& view, const FrameInfo& frame) {
     return seen;
 }
 
-void SkyPass::update(const FrameView& view, const FrameInfo& told, FrameBlock& block) {
+void SkyPass::update(const FrameView& view, const FrameInfo& told, bool is_main,
+                     FrameBlock& block) {
     const FrameInfo frame = seenFrom(view, told);
     const vec3 sun(view.toFrameDirection(frame.sun_direction));
     const vec3 moon(view.toFrameDirection(frame.moon_direction));
@@ -284,7 +308,12 @@ void SkyPass::update(const FrameView& view, const FrameInfo& told, FrameBlock& b
                       frame.overcast,
                       frame.cloud_darkness,
                       static_cast<float>(std::floor(frame.time / 20) * 0.012)};
-    follow(wanted, block);
+    const bool leads = is_main || m_last.cloud_cover < 0; // or nobody has been before it
+    m_elsewhere = !leads && hasJumped(wanted);
+    if (leads)
+        follow(wanted, block);
+    else if (m_elsewhere)
+        lookElsewhere(wanted, block);
     const float share = getShareBefore();
     const vec3 ambient = mix(shown().ambient, before().ambient, share);
     // Lightning lights the clouds from within, and they light all else. The exposure is too slow.
@@ -304,7 +333,7 @@ void SkyPass::update(const FrameView& view, const FrameInfo& told, FrameBlock& b
 }
 
 void SkyPass::forget() {
-    m_last = {}; // from nothing every sky is a jump
+    m_last = m_maps[ELSEWHERE].shows = {}; // from nothing every sky is a jump
     m_anchor = {1e9, 1e9};
 }
 

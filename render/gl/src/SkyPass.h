@@ -18,15 +18,18 @@ namespace ig {
 /// is done in steps, one a frame, into a map that nobody reads yet. The sky then goes over from the
 /// last map to the new one in as many frames, the time in which the next one can be made, so that
 /// neither sky nor ambient light nor exposure ever steps. Where the sky jumps (the first picture,
-/// another hour, another eye) the map is made at once.
+/// another hour, an eye far off) the map is made at once.
+///
+/// All this goes with the main eye. Other eyes of a frame, those of viewports, see its sky where
+/// theirs is nearly the same; else a map of their own, which is made at once.
 class SkyPass {
 public:
     /// `map_size` in texels: 512 or more looks right.
     void init(int map_size);
 
     /// Bakes what this frame has to, binds the maps, and fills in the frame block what is light and
-    /// air.
-    void update(const FrameView& view, const FrameInfo& frame, FrameBlock& block);
+    /// air. Once a frame for the main eye, any number of times before that for others.
+    void update(const FrameView& view, const FrameInfo& frame, bool is_main, FrameBlock& block);
     /// The next frame is again the first.
     void forget();
     /// Fills the picture where nothing is; last of the opaque passes.
@@ -53,12 +56,21 @@ private:
         vec3 ambient;
     };
 
-    const Map& shown() const { return m_maps[m_shown]; }
+    struct Making { ///< a bake
+        int map = 0;
+        int step = -1;    ///< the next one, −1 when there is none under way
+        FrameBlock frame; ///< that it began in
+    };
+    static constexpr int ELSEWHERE = 3; ///< the map of eyes that see another sky than the main one
+
+    const Map& shown() const { return m_maps[m_elsewhere ? ELSEWHERE : m_shown]; }
     const Map& before() const { return m_maps[(m_shown + 2) % 3]; }
     static bool differ(const Bake& a, const Bake& b, float angle, float share);
     bool hasJumped(const Bake& wanted) const;
     void follow(const Bake& wanted, const FrameBlock& block);
-    void begin(const Bake& wanted, const FrameBlock& block);
+    void lookElsewhere(const Bake& wanted, const FrameBlock& block);
+    void begin(int map, const Bake& wanted, const FrameBlock& block);
+    void prepareStep();
     void doStep();
     void scatter(int stripe);
     void compose(int stripe);
@@ -77,12 +89,13 @@ private:
     gl::VertexArray m_empty;
     gl::Texture m_rayleigh, m_mie, m_multiple;
     gl::Framebuffer m_scatter_target;
-    Map m_maps[3];       ///< what is shown, what was before, what is in the making
-    int m_shown = 0;     ///< of the maps; the next one is in the making, the one after was before
-    int m_step = -1;     ///< of a bake that is under way, −1 without
-    int m_since = 0;     ///< steps since the map that is shown was finished
-    FrameBlock m_baking; ///< the frame that the bake began in
-    Bake m_last;         ///< what the last frame wanted
+    Map m_maps[4]; ///< what is shown, what was before, what is in the making; `ELSEWHERE`
+    int m_shown =
+        0; ///< of the first three; the next one is in the making, the one after was before
+    bool m_elsewhere = false; ///< the eye that is drawn for sees `ELSEWHERE`
+    int m_since = 0;          ///< steps since the map that is shown was finished
+    Making m_making;
+    Bake m_last; ///< what the last frame's main eye wanted
 };
 
 } // namespace ig

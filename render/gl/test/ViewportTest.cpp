@@ -505,6 +505,33 @@ TEST_F(PlainViewOf, ShowsItsOwnCamerasSceneWithoutInterface) {
     EXPECT_FALSE(red(-1, 1, SIZE / 80.0) || red(21, 10, SIZE / 80.0));
 }
 
+TEST_F(PlainViewOf, ItsEyeLeavesTheMainOnesSkyAsItGoes) {
+    const auto cloudOver = [this](Camera* eye) {
+        m_viewport->setCamera(eye);
+        m_frame.time = 100;
+        m_frame.overcast = 0;
+        for (double hour : {3.0, 17.0}) { // from a jump
+            m_frame.sun_direction = computeSky(hour, LONGITUDE, 80).sun_direction;
+            drawAnew();
+        }
+        std::vector<int> greens; // of the main view
+        for (int i = 0; i < 40; i++) {
+            m_frame.overcast = static_cast<float>(std::min(i, 20)) * 0.02f;
+            drawAnew();
+            greens.push_back(m_picture.at(SIZE * 3 / 2, SIZE / 3)[1]);
+        }
+        return greens;
+    };
+    place(400, 0);
+    Camera far_off;
+    far_off.setPerspective(60, 1, 0.1, 1e6);
+    far_off.setWgsPosition({LONGITUDE + 60, LATITUDE, 400}); // there it is night
+    const std::vector<int> alone = cloudOver(nullptr);
+    EXPECT_NE(alone.front(), alone.back());
+    EXPECT_EQ(cloudOver(&m_eye), alone);
+    EXPECT_EQ(cloudOver(&far_off), alone);
+}
+
 TEST_F(PlainViewOf, WhatStandsCloseInTheMainViewHidesNeitherItsCloudsNorItsParticles) {
     s_renderer->setScale(1); // so that every pixel of it has one of the main view's
     place(3000, 60);
