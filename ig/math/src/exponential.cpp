@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// exp, log and pow of the process, their forms of base 2 and 10, and the hyperbolic functions,
-// which projections of maps need. Why they are here: trigonometric.cpp.
+// exp, log, pow and cbrt of the process, their forms of base 2 and 10, and the hyperbolic
+// functions, which projections of maps need. Why they are here: trigonometric.cpp.
 //
 // Method: a table brings the argument close to 0 or 1, where the series is short (P. T. P. Tang,
 // "Table-driven implementation of the exponential function", 1989, and "... of the logarithm
@@ -266,6 +266,25 @@ double pow(double x, double y) noexcept {
     return std::signbit(x) && ig::isOdd(y) ? -power : power;
 }
 
+/// Halley's iteration, which triples the digits (J. F. Traub, "Iterative Methods for the Solution
+/// of Equations", 1964), from the one of a straight line, and a last one of Newton's with the cube
+/// in twice the precision.
+double cbrt(double x) noexcept {
+    if (!std::isfinite(x) || x == 0) return x;
+    int twos = 0;
+    double m = std::frexp(std::abs(x), &twos);
+    const int rest = ((twos % 3) + 3) % 3;
+    m = std::ldexp(m, rest); // from 1/2 to 4
+    double root = 0.68 + 0.25 * m;
+    for (int i = 0; i < 3; i++) {
+        const double cube = root * root * root;
+        root *= (cube + 2 * m) / (2 * cube + m);
+    }
+    const ig::DoubleDouble cube = ig::product(root, root) * ig::DoubleDouble{root, 0};
+    root -= (cube - ig::DoubleDouble{m, 0}).getValue() / (3 * root * root);
+    return std::copysign(std::ldexp(root, (twos - rest) / 3), x);
+}
+
 double sinh(double x) noexcept {
     const double size = std::abs(x);
     if (!std::isfinite(x)) return x;
@@ -328,5 +347,7 @@ float log2f(float x) noexcept { return static_cast<float>(log2(double(x))); }
 float log10f(float x) noexcept { return static_cast<float>(log10(double(x))); }
 
 float powf(float x, float y) noexcept { return static_cast<float>(pow(double(x), double(y))); }
+
+float cbrtf(float x) noexcept { return static_cast<float>(cbrt(double(x))); }
 
 } // extern "C"
