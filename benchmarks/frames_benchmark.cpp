@@ -7,6 +7,7 @@
 #include "ratio.h"
 
 #include <cstdio>
+#include <filesystem>
 #include <random>
 #include <string>
 #include <unistd.h>
@@ -28,7 +29,7 @@ std::vector<FrameInput> recordedFlight() {
     bool more = reader.next(record) == flightsim::ReadStatus::record;
     while (more) {
         FrameInput input{.number = inputs.size()};
-        input.begin = static_cast<double>(inputs.size()) / RATE + jitter(random);
+        input.begin = static_cast<double>(inputs.size() + 1) / RATE + jitter(random);
         if (!inputs.empty()) input.length = static_cast<float>(input.begin - inputs.back().begin);
         for (double arrival; more; more = reader.next(record) == flightsim::ReadStatus::record) {
             arrival = static_cast<double>(record.time_ns) * 1e-9;
@@ -46,7 +47,7 @@ std::vector<FrameInput> recordedFlight() {
 void logFrame(benchmark::State& state) {
     const std::vector<FrameInput> inputs = recordedFlight();
     const std::string path = "/tmp/frames_benchmark_" + std::to_string(getpid());
-    std::int64_t size = 0;
+    std::uintmax_t size = 0;
     CpuTimes times;
     for (auto _ : state) {
         frames::LogWriter writer;
@@ -54,8 +55,8 @@ void logFrame(benchmark::State& state) {
             return state.SkipWithError("no flight, no log");
         for (const FrameInput& input : inputs)
             times.measure([&] { writer.append(input); });
-        size = writer.getSize();
-        writer.close();
+        if (!writer.close()) return state.SkipWithError(writer.getMessage().c_str());
+        size = std::filesystem::file_size(path);
         std::remove(path.c_str());
     }
     times.report(state, 0.01 / RATE * 1e6);

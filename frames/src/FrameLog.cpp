@@ -44,7 +44,6 @@ void LogWriter::FreeCompressor::operator()(ZSTD_CCtx_s* compressor) const {
 bool LogWriter::open(const std::string& path, const LogHead& head) {
     close();
     m_path = path;
-    m_size = 0;
     m_message.clear();
     const std::string why = program::OutputFile::whyNot(path, program::OutputFile::Kind::growing);
     if (!why.empty()) return fail(why);
@@ -123,7 +122,6 @@ bool LogWriter::writeOut(const char* bytes, std::size_t size) {
         if (written <= 0) return false;
         bytes += written;
         size -= static_cast<std::size_t>(written);
-        m_size += written;
     }
     return true;
 }

@@ -104,7 +104,6 @@ public:
     /// Leaves it without its end, as a process that is killed does.
     void abandon();
 
-    std::int64_t getSize() const { return m_size; } ///< of the file, bytes
     const std::string& getMessage() const { return m_message; }
 
 private:
@@ -120,7 +119,6 @@ private:
     };
     std::string m_path;
     int m_file = -1;
-    std::int64_t m_size = 0;
     std::unique_ptr<ZSTD_CCtx_s, FreeCompressor> m_compressor;
     std::vector<std::uint8_t> m_record; ///< the one being made
     std::vector<char> m_block;          ///< compressed, on its way to the file
