@@ -362,23 +362,13 @@ bool Channel::runFrame() {
     tellPictures();
     m_renderer->setScale(scale);
     const double work = steadyNow() - begin;
-    const Shown shown = m_window.isOpen() ? m_window.swap() : Shown{steadyNow(), steadyNow()};
-    if (m_window.isOpen()) m_clock.endShown(shown.finished, shown.back);
+    const Shown shown = show();
     if (m_options.scale <= 0)
         m_renderer->setScale(m_governor.update(shown.finished - begin, m_renderer->getScale()));
-    // A replay's clock shows the log's time when a frame begins.
-    const double run_start = m_replay ? begin - input.begin : m_run_start;
-    const FrameTiming timing{.begin = input.begin,
-                             .handed_over = shown.back - run_start,
-                             .work = shown.finished - begin,
-                             .period = m_replay ? 0 : m_clock.getPeriod(), // the log's
-                             .refresh_rate = m_clock.getRefreshRate(),
-                             .late = m_clock.isLate()};
-    m_pace.addFrame(timing, m_link);
+    tellPace(input.begin, begin, shown);
     const std::uint64_t received = m_link.getReceived().datagrams_received;
     m_interface.getOverlays().addFrame(dt, costs, static_cast<int>(received - m_last_received));
     m_last_received = received;
-    m_trace.write(run_start, timing, m_pace.getAge(), m_listener);
     m_status.addFrame(dt, work);
     m_status.print(m_listener, m_link, m_pace,
                    m_scene_command.describe() + ' ' + m_environment.describe());
@@ -390,6 +380,28 @@ bool Channel::runFrame() {
     }
     if (m_scene_command.isExit() || m_interface.isEndRequested()) m_quit = true;
     return true;
+}
+
+/// Hands the picture over, and waits for the display where that sets the pace.
+Shown Channel::show() {
+    if (!m_window.isOpen()) return {steadyNow(), steadyNow()};
+    const Shown shown = m_window.swap();
+    m_clock.endShown(shown.finished, shown.back);
+    return shown;
+}
+
+/// A frame that began at `began` on the inputs' clock, which is `begin` on the steady one.
+void Channel::tellPace(double began, double begin, const Shown& shown) {
+    // A replay's clock shows the log's time when a frame begins.
+    const double run_start = m_replay ? begin - began : m_run_start;
+    const FrameTiming timing{.begin = began,
+                             .handed_over = shown.back - run_start,
+                             .work = shown.finished - begin,
+                             .period = m_replay ? 0 : m_clock.getPeriod(), // the log's
+                             .refresh_rate = m_clock.getRefreshRate(),
+                             .late = m_clock.isLate()};
+    m_pace.addFrame(timing, m_link);
+    m_trace.write(run_start, timing, m_pace.getAge(), m_listener);
 }
 
 /// All that the next frame takes in. False when there is none.

@@ -95,6 +95,8 @@ private:
     bool take(frames::FrameInput& input);
     void deliver(frames::FrameInput& input);
     bool endsByForce();
+    Shown show();
+    void tellPace(double began, double begin, const Shown& shown);
     void record(const frames::FrameInput& input);
     void recordScene();
     void compareScene();

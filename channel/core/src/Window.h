@@ -60,7 +60,6 @@ public:
     /// What the window system says of the display that has most of the window, 1/s; 0: it doesn't
     /// say, or pictures don't wait for it now.
     double getRefreshRate();
-    bool isIconified() const { return m_iconified; }
     /// To the whole of the monitor that has most of the window, and back. The picture stays there
     /// when another window takes the focus.
     void toggleFullScreen();
