@@ -43,18 +43,25 @@ std::vector<Program*>& unfinished() {
     return programs;
 }
 
+/// Calls `use` with each of the words that blanks separate.
+template <typename Use>
+void forEachWord(std::string_view words, const Use& use) {
+    for (std::size_t at = 0; at < words.size();) {
+        const std::size_t end = std::min(words.find(' ', at), words.size());
+        if (end > at) use(words.substr(at, end - at));
+        at = end + 1;
+    }
+}
+
 /// Head of every shader, constants, frame and common declarations, and the files.
-GLuint startShader(GLenum stage, std::string_view files, std::string_view variant) {
+GLuint startShader(GLenum stage, std::string_view files, std::string_view words) {
     std::string text = "#version 330 core\n";
-    if (!variant.empty()) text += "#define " + std::string(variant) + "\n";
+    forEachWord(words,
+                [&](std::string_view word) { text.append("#define ").append(word) += '\n'; });
     text += hasClipControl() ? "#define CLIP_Z(z) (z)\n" : "#define CLIP_Z(z) ((z) * 2.0 - 1.0)\n";
     for (const char* common : {"constants.glsl", "frame.glsl", "common.glsl"})
         text += findShader(common);
-    for (std::size_t at = 0; at < files.size();) {
-        const std::size_t end = std::min(files.find(' ', at), files.size());
-        text += findShader(files.substr(at, end - at));
-        at = end + 1;
-    }
+    forEachWord(files, [&](std::string_view file) { text += findShader(file); });
     const GLuint shader = glCreateShader(stage);
     const char* source = text.c_str();
     glShaderSource(shader, 1, &source, nullptr);
@@ -178,13 +185,13 @@ void makeVertexArray(VertexArray& array, Buffer& vertices, std::span<const std::
 bool hasShader(std::string_view name) { return !findShader(name).empty(); }
 
 void Program::start(std::string_view vertex_files, std::string_view fragment_files,
-                    std::string_view variant, std::vector<Sampler> samplers) {
+                    std::string_view words, std::vector<Sampler> samplers) {
     destroy();
     m_vertex_files = vertex_files;
     m_fragment_files = fragment_files;
     m_samplers = std::move(samplers);
-    m_vertex = startShader(GL_VERTEX_SHADER, vertex_files, variant);
-    m_fragment = startShader(GL_FRAGMENT_SHADER, fragment_files, variant);
+    m_vertex = startShader(GL_VERTEX_SHADER, vertex_files, words);
+    m_fragment = startShader(GL_FRAGMENT_SHADER, fragment_files, words);
     m_id = glCreateProgram();
     resources().programs++;
     made().programs++;

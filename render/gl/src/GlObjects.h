@@ -88,10 +88,12 @@ public:
 
     /// Has it made from shader files of the library, and returns before it is: a driver may work on
     /// several at a time. Nothing else may be done with it before `finish`. Each name may list
-    /// several files, separated by blanks, whose texts follow one another. `variant` is a word that
-    /// both shaders find defined, so that one text serves several programs.
+    /// several files, separated by blanks, whose texts follow one another. `words`, too, are
+    /// separated by blanks: both shaders find them defined, so that one text serves several
+    /// programs, and none pays for what it isn't asked for: some drivers run all branches whatever
+    /// holds.
     void start(std::string_view vertex_files, std::string_view fragment_files,
-               std::string_view variant = {}, std::vector<Sampler> samplers = {});
+               std::string_view words = {}, std::vector<Sampler> samplers = {});
     /// Waits until it is made. False, having logged files and driver's message.
     bool finish();
     void destroy();
