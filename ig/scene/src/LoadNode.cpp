@@ -132,12 +132,42 @@ Node* createDecal(const NodeReader& r) {
 const bool DECAL = NodeFactory::add("decal", createDecal,
                                     {{number, {"width", "height"}}, {material, {"material"}}});
 
+/// Takes a number from 0 to `most`; false, reported, for another. True when the key is absent.
+bool readWithin(const NodeReader& r, const char* key, float most, float& out) {
+    const float value = r.getNumber(key, out);
+    if (value >= 0 && value <= most) {
+        out = value;
+        return true;
+    }
+    r.report(most > 1 ? "a number from 0 to 1e9 is needed in" : "a number from 0 to 1 is needed in",
+             key, key);
+    return false;
+}
+
 Node* createLight(const NodeReader& r) {
+    constexpr float MOST = 1e9f; // cd, m: beyond any lamp
+    float intensity = 0, reach = 0, beam = 0, flicker = 0;
+    vec2 cone = ObjectLight::ALL_ROUND;
+    if (!readWithin(r, "intensity", MOST, intensity) || !readWithin(r, "reach", MOST, reach) ||
+        !readWithin(r, "beam", 1, beam) || !readWithin(r, "flicker", 1, flicker) ||
+        !r.readPair("cone", cone))
+        return nullptr;
+    if (cone.x > cone.y) {
+        r.report("a light's inner angle isn't larger than its outer one in", "cone", "cone");
+        return nullptr;
+    }
     auto* light = new ObjectLight();
     light->setSurfaceMaterial(0, r.getMaterial());
+    light->setIntensity(intensity, reach);
+    light->setCone(cone);
+    light->setBeam(beam);
+    light->setFlicker(flicker);
     return light;
 }
-const bool LIGHT = NodeFactory::add("light", createLight, {{material, {"material"}}});
+const bool LIGHT = NodeFactory::add("light", createLight,
+                                    {{material, {"material"}},
+                                     {number, {"intensity", "reach", "beam", "flicker"}},
+                                     {pair, {"cone"}, nullptr, 0, 180}});
 
 Node* createRope(const NodeReader& r) {
     const float radius = r.getNumber("radius");

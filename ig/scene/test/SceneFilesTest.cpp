@@ -331,6 +331,40 @@ TEST_F(SceneFiles, CableHangsFromItsAnchorAndWhatIsNamedWronglyIsReported) {
     EXPECT_EQ(prefab->getNodeByName("rope")->getNumChildren(), BodyRope::SEGMENTS);
 }
 
+TEST_F(SceneFiles, LampTellsWhatItLightsAndOneThatMakesNoSenseIsLeftOut) {
+    folder.write("lamps.prefab", R"(node:
+  name: root
+  children:
+  - {name: spot, type: light, intensity: 2000, cone: [10, 16], beam: 0.5, flicker: 0.25, reach: 70}
+  - {name: plain, type: light, intensity: 20}
+  - {name: seen, type: light}
+  - {name: dark, type: light, intensity: -1}
+  - {name: thick, type: light, beam: 2}
+  - {name: inside_out, type: light, cone: [40, 30]}
+  - {name: wide, type: light, cone: [40, 200]}
+)");
+    ASSERT_TRUE(load("nodes:\n- {name: lamps, type: prefab, path: lamps.prefab}\n"));
+    EXPECT_TRUE(logged("lamps.prefab:7: a number from 0 to 1e9 is needed in \"intensity\""));
+    EXPECT_TRUE(logged("lamps.prefab:8: a number from 0 to 1 is needed in \"beam\""));
+    EXPECT_TRUE(logged("lamps.prefab:9: a light's inner angle isn't larger than its outer one"));
+    EXPECT_TRUE(logged("lamps.prefab:10: two numbers within limits are needed in \"cone\""));
+    EXPECT_EQ(log.lines.size(), 4u);
+
+    auto* prefab = static_cast<ObjectPrefab*>(object("lamps"));
+    const auto find = [&](const char* name) {
+        return static_cast<ObjectLight*>(prefab->getNodeByName(name));
+    };
+    EXPECT_EQ(find("spot")->getIntensity(), 2000);
+    EXPECT_EQ(find("spot")->getReach(), 70);
+    EXPECT_EQ(find("spot")->getCone(), vec2(10, 16));
+    EXPECT_EQ(find("spot")->getBeam(), 0.5f);
+    EXPECT_EQ(find("spot")->getFlicker(), 0.25f);
+    EXPECT_NEAR(find("plain")->getReach(), 20, 1e-3) << "where it gives 0.05 lx";
+    EXPECT_EQ(find("plain")->getCone(), vec2(180, 180));
+    EXPECT_EQ(find("seen")->getIntensity(), 0);
+    EXPECT_EQ(find("wide"), nullptr);
+}
+
 TEST_F(SceneFiles, TracksDriveSlidersAndSwitches) {
     folder.write("road.mat", "parameters: {wetness: 0.5}\n");
     folder.write("t.anim", "channels:\n"

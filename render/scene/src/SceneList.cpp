@@ -8,6 +8,7 @@
 #include "ig/scene/World.h"
 #include "plugins/ocean/ObjectOcean.h"
 #include "plugins/terrain/ObjectTerrain.h"
+#include "render/scene/ShaderConstants.h"
 
 #include <algorithm>
 #include <cmath>
@@ -23,6 +24,8 @@ void SceneList::gather(const World& world, const FrameView& view, const vec3& sh
     far_casters.clear();
     far_bounds.clear();
     lamps.clear();
+    lights.clear();
+    m_lights = 0;
     cables.clear();
     decals.clear();
     pictures.clear();
@@ -51,7 +54,7 @@ void SceneList::visit(const Node& node) {
         addCable(static_cast<const ObjectRope&>(node));
         return; // its pieces are seen to
     case OBJECT_LIGHT:
-        addLamp(node);
+        addLamp(static_cast<const ObjectLight&>(node));
         break;
     case DECAL_ORTHO:
         addDecal(static_cast<const DecalOrtho&>(node));
@@ -135,13 +138,43 @@ void SceneList::addCable(const ObjectRope& rope) {
     }
 }
 
-void SceneList::addLamp(const Node& node) {
-    const Material* material = static_cast<const Object&>(node).getSurfaceMaterial(0);
+namespace {
+
+/// Cosines of a cone's half angles, the second less than the first.
+vec2 cosines(const vec2& degrees) {
+    const vec2 c{std::cos(degrees.x * (PI / 180)), std::cos(degrees.y * (PI / 180))};
+    return {c.x, std::min(c.y, c.x - 1e-4f)};
+}
+
+/// What of a lamp is seen from the eye: beyond its cone what its glass and housing scatter.
+float seenShare(const vec3& position, const vec3& axis, const vec2& cone) {
+    constexpr float STRAY = 0.1f;
+    const float along = -dot(axis, position) / std::max(length(position), 1e-3f);
+    const float within = std::clamp((along - cone.y) / (cone.x - cone.y), 0.0f, 1.0f);
+    return std::lerp(STRAY, 1.0f, within);
+}
+
+} // namespace
+
+void SceneList::addLamp(const ObjectLight& light) {
+    const int number = m_lights++;
+    const Material* material = light.getSurfaceMaterial(0);
     const float power = readSlider(material, "density", 1);
     if (power < 0.01f) return;
-    const vec3 position(m_view->toFrame(node.getWorldPosition()));
-    if (!m_view->sees(position, 2)) return;
-    lamps.push_back({position, readValue(material, "diffuse_color", {1, 1, 1, 1}).xyz(), power});
+    const vec3 position(m_view->toFrame(light.getWorldPosition()));
+    const vec3 color = readValue(material, "diffuse_color", {1, 1, 1, 1}).xyz();
+    const vec3 axis(
+        m_view->toFrameDirection(normalize(light.getWorldTransform().getMat3().getY())));
+    const vec2 cone = cosines(light.getCone());
+    const Node* parent = light.getParent();
+    const auto* emitter = parent && parent->getType() == OBJECT_PARTICLES
+                              ? static_cast<const ObjectParticles*>(parent)
+                              : nullptr;
+    if (!emitter && m_view->sees(position, 2))
+        lamps.push_back({position, color, power * seenShare(position, axis, cone)});
+    if (light.getIntensity() > 0 && m_view->sees(position, light.getReach()))
+        lights.push_back({position, axis, color * (power * light.getIntensity()), light.getReach(),
+                          cone, light.getBeam(), light.getFlicker(), number, emitter});
 }
 
 void SceneList::addDowndraught(const NodeDowndraught& wind) {

@@ -104,6 +104,46 @@ TEST_F(SceneListOf, HoldsWhatIsSeenAndWhatCastsAShadow) {
     EXPECT_NEAR(list.far_bounds.at(0).y, 70, 1e-3); // north of the eye
 }
 
+TEST_F(SceneListOf, LampWithAnIntensityLightsAlsoFromOutsideThePicture) {
+    Material* const dim = material(1);
+    dim->addSlider("density", 0.5f);
+    auto* behind = place(new ObjectLight(), -30);
+    behind->setSurfaceMaterial(0, dim);
+    behind->setIntensity(200, 40);
+    behind->setCone({10, 60});
+    place(new ObjectLight(), -30)->setIntensity(200, 5); // too far behind to reach
+    auto* fire = place(new ObjectParticles(), 20);
+    auto* glow = new ObjectLight();
+    glow->setIntensity(1e6f);
+    fire->addChild(glow);
+    gather();
+    EXPECT_TRUE(list.lamps.empty()) << "behind the eye, or seen as flames";
+    ASSERT_EQ(list.lights.size(), 2U);
+    const LightItem& lamp = list.lights[0];
+    EXPECT_NEAR(lamp.position.y, -30, 1e-3);
+    EXPECT_NEAR(lamp.color.x, 200 * 0.5 * 0.5, 1e-3);
+    EXPECT_NEAR(lamp.axis.z, 1, 1e-6) << "the camera's Y, which is up";
+    EXPECT_NEAR(lamp.cone.y, 0.5, 1e-6);
+    EXPECT_EQ(lamp.emitter, nullptr);
+    EXPECT_EQ(list.lights[1].emitter, fire);
+    EXPECT_NEAR(list.lights[1].reach, std::sqrt(1e6 / 0.05), 1);
+    EXPECT_NE(list.lights[1].number, lamp.number);
+}
+
+TEST_F(SceneListOf, LampIsSeenDimlyFromBeyondItsCone) {
+    for (const double off : {0.0, 40.0, 90.0}) { // the way to the eye
+        auto* lamp = place(new ObjectLight(), 10);
+        lamp->setCone({30, 50});
+        lamp->setTransform(lamp->getTransform() * dmat4(dquat(90 + off, 0, 0), dvec3()));
+    }
+    gather();
+    ASSERT_EQ(list.lamps.size(), 3U);
+    EXPECT_NEAR(list.lamps[0].power, 1, 1e-3);
+    EXPECT_GT(list.lamps[1].power, 0.4f);
+    EXPECT_LT(list.lamps[1].power, 0.8f);
+    EXPECT_LT(list.lamps[2].power, 0.2f);
+}
+
 TEST_F(SceneListOf, TellsThingsByTheirType) {
     Material* const dark = material(1);
     dark->addSlider("density", 0);

@@ -4,6 +4,8 @@
 #include "ig/physics/BodyRope.h"
 #include "ig/scene/Object.h"
 
+#include <cmath>
+
 namespace ig {
 
 /// A particle emitter as the scene describes it; surface 0 carries the particles' material. The
@@ -140,13 +142,42 @@ private:
     float m_width = 1, m_height = 1;
 };
 
-/// A lamp that is seen itself; how bright is the slider "density" of the material on surface 0.
+/// A lamp: it is seen itself, and with an intensity it lights what is around it. How bright both
+/// are goes by the slider "density" and the value "diffuse_color" of the material on surface 0.
+/// Below an emitter it isn't seen itself, and shines as much as the emitter's particles do. What it
+/// lights, and how, is fixed by its file; nothing of the scene depends on it.
 class ObjectLight : public Object {
 public:
+    static constexpr vec2 ALL_ROUND{180, 180};
+    /// Where by default it counts for nothing any more, lx: a fifth of a full moon's light.
+    static constexpr float FAINTEST = 0.05f;
+
     ObjectLight() : Object(OBJECT_LIGHT) {
         setNumSurfaces(1);
         setIntersection(0, false);
     }
+    /// At density 1, cd; below an emitter that of one newborn particle. 0: it lights nothing.
+    float getIntensity() const { return m_intensity; }
+    /// Beyond it nothing is lit, m.
+    float getReach() const { return m_reach; }
+    /// `reach` 0: as far as makes sense of the intensity.
+    void setIntensity(float candela, float reach = 0) {
+        m_intensity = candela;
+        m_reach = reach > 0 ? reach : std::sqrt(candela / FAINTEST);
+    }
+    /// Half angles about the node's Y, degrees, 0 to 180: full light within the first, none beyond
+    /// the second, which is not smaller.
+    const vec2& getCone() const { return m_cone; }
+    void setCone(const vec2& cone) { m_cone = cone; }
+    float getBeam() const { return m_beam; } ///< how much of it shows in haze and rain, 0 to 1
+    void setBeam(float beam) { m_beam = beam; }
+    float getFlicker() const { return m_flicker; } ///< 0 steady to 1, a fire's
+    void setFlicker(float flicker) { m_flicker = flicker; }
+
+private:
+    float m_intensity = 0, m_reach = 0;
+    vec2 m_cone = ALL_ROUND;
+    float m_beam = 0, m_flicker = 0;
 };
 
 /// Wind that makes the grass around it flutter.

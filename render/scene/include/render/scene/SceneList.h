@@ -14,7 +14,9 @@ class Mesh;
 class Node;
 class NodeDowndraught;
 class NodeField;
+class ObjectLight;
 class ObjectOcean;
+class ObjectParticles;
 class ObjectRope;
 class ObjectTerrain;
 class World;
@@ -34,6 +36,17 @@ struct LampItem {
     vec3 position; ///< E
     vec3 color;
     float power;
+};
+
+/// A lamp, or a fire, that lights what is around it.
+struct LightItem {
+    vec3 position, axis; ///< E; the axis of its cone, unit length
+    vec3 color;          ///< cd
+    float reach;         ///< m
+    vec2 cone;           ///< cosines of the half angles to which all, and beyond which none is lit
+    float beam, flicker; ///< 0 to 1
+    int number;          ///< of the scene's lights, as they came: no two flicker alike
+    const ObjectParticles* emitter; ///< whose living particles it shines for; null: for itself
 };
 
 /// A piece of a cable too thin for triangles.
@@ -67,6 +80,8 @@ public:
     std::vector<MeshItem> far_casters; ///< large ones in view beyond those
     std::vector<vec4> far_bounds;      ///< their spheres in E; w: radius, m
     std::vector<LampItem> lamps;
+    std::vector<LightItem>
+        lights; ///< whose reach comes into view, where they are themselves or not
     std::vector<CableItem> cables;           ///< too thin for triangles; thicker ones are meshes
     std::vector<const DecalOrtho*> decals;   ///< without texture: of wakes
     std::vector<const DecalOrtho*> pictures; ///< decals with one
@@ -81,12 +96,13 @@ private:
     void addCable(const ObjectRope& rope);
     void addMesh(const Node& node);
     bool castsFar(const vec3& center, float radius) const;
-    void addLamp(const Node& node);
+    void addLamp(const ObjectLight& light);
     void addDowndraught(const NodeDowndraught& wind);
 
     const FrameView* m_view = nullptr;
     vec3 m_shadow_center;
     float m_shadow_radius = 0;
+    int m_lights = 0; ///< that the walk came by
 };
 
 } // namespace ig
