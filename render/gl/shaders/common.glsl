@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What all shaders share, after the constants and the block of the frame (render/scene).
-uniform sampler2D uSkyMap, uSkyMapBefore;
+uniform sampler2D uSkyMap;
 
 // The sky map holds the upper half of the sky: the zenith in the middle, r = sqrt(1 - sqrt(z)),
 // which spends most texels near the horizon. What is below the horizon reads the horizon.
@@ -9,13 +9,7 @@ vec2 skyMapPlace(vec3 d) {
     float r = sqrt(max(1.0 - sqrt(z), 0.0));
     return d.xy * inversesqrt(max(dot(d.xy, d.xy), 1e-9)) * (r * 0.496) + 0.5;
 }
-vec3 skyAt(vec3 d, float lod) {
-    vec2 place = skyMapPlace(d);
-    vec3 root = textureLod(uSkyMap, place, lod).rgb, now = root * root * uSky.x;
-    if (uSkyBefore.y <= 0.0) return now;
-    root = textureLod(uSkyMapBefore, place, lod).rgb;
-    return mix(now, root * root * uSkyBefore.x, uSkyBefore.y);
-}
+vec3 skyAt(vec3 d, float lod) { return textureLod(uSkyMap, skyMapPlace(d), lod).rgb * uSky.x; }
 // The horizon is blurred, else its clouds would draw stripes down haze and fog.
 vec3 hazeColor(vec2 direction) {
     return skyAt(vec3(direction, 0.012 * length(direction)), 4.0 + 2.0 * uWeather.w);

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
-// The background: sky map, discs of sun and moon, stars.
+// The background: sky map and, where these words are defined, DISC: sun and moon; STARS; BOLT;
+// HAZE: a bank of fog that covers the sky, too.
 in vec2 vPlace;
 uniform vec4 uRay; // half width and height of the picture at unit distance, and its offset
 out vec4 oColor;
 
+#ifdef STARS
 // Stars stand on a grid in a frame that turns with the hours about the celestial pole.
 float stars(vec3 d) {
     vec3 a = abs(d);
@@ -22,7 +24,9 @@ float stars(vec3 d) {
     float spread = 0.0011 * cells / size;
     return magnitude * spread * spread * smoothstep(size, 0.0, length(within - place));
 }
+#endif
 
+#ifdef BOLT
 // A bolt from the clouds to the ground: a path whose every half strays half as far, and a branch.
 float bolt(vec3 d) {
     float away = dot(d.xy, uBolt.xy) / max(length(d.xy), 1e-4);
@@ -44,6 +48,7 @@ float bolt(vec3 d) {
     float halo = 0.02 * exp(-abs(side - path) / 0.012);
     return (core + 0.45 * branch + halo) * smoothstep(1.3, 0.9, height);
 }
+#endif
 
 void main() {
     vec2 n = vPlace * 2.0 - 1.0;
@@ -52,24 +57,27 @@ void main() {
     lifted.z = d.z + uAir.w; // the sky reaches down to the dipped horizon
     vec3 c = skyAt(lifted, 0.0);
     float open = (1.0 - uWeather.w) * step(0.0, lifted.z);
-    float mu = dot(d, uSunDirection.xyz);
-    if (mu > 0.9 && uSunDirection.w > 0.0) {
-        float disc = smoothstep(0.99998, 0.999992, mu);
-        c += uLight.rgb * uSunDirection.w * open * (disc * 60.0 + pow(mu, 900.0) * 0.35 + pow(mu, 60.0) * 0.03);
-    }
-    float moon = dot(d, uMoonDirection.xyz);
-    if (moon > 0.99 && uMoonDirection.w > 0.0) {
-        float disc = smoothstep(0.999984, 0.999988, moon);
-        float seas = 0.65 + 0.5 * fbm(cross(d, uMoonDirection.xyz).xy * 700.0 + 3.0, 3);
-        c += vec3(1.0, 0.96, 0.88) * uMoonDirection.w * open * (disc * seas + 0.03 * pow(moon, 9000.0) + 0.004 * pow(moon, 600.0));
-    }
-    if (uSky.y > 0.0 && open > 0.0) {
-        float s = sin(uSky.z), k = cos(uSky.z);
-        vec3 turned = vec3(k * d.x + s * d.z, d.y, k * d.z - s * d.x);
-        c += vec3(0.9, 0.95, 1.0) * stars(turned) * uSky.y * open * smoothstep(0.0, 0.25, lifted.z);
-    }
-    if (uTime.z > 0.0) c += vec3(0.75, 0.82, 1.0) * bolt(lifted) * (uSky.x * 1.6 * min(uTime.z * 1.5, 1.0));
+#ifdef DISC
+    float mu = max(dot(d, uSunDirection.xyz), 0.0);
+    float disc = smoothstep(0.99998, 0.999992, mu);
+    c += uLight.rgb * uSunDirection.w * open * (disc * 60.0 + pow(mu, 900.0) * 0.35 + pow(mu, 60.0) * 0.03);
+    float moon = max(dot(d, uMoonDirection.xyz), 0.0);
+    disc = smoothstep(0.999984, 0.999988, moon);
+    float seas = 0.65 + 0.5 * fbm(cross(d, uMoonDirection.xyz).xy * 700.0 + 3.0, 3);
+    c += vec3(1.0, 0.96, 0.88) * uMoonDirection.w * open * (disc * seas + 0.03 * pow(moon, 9000.0) + 0.004 * pow(moon, 600.0));
+#endif
+#ifdef STARS
+    float s = sin(uSky.z), k = cos(uSky.z);
+    vec3 turned = vec3(k * d.x + s * d.z, d.y, k * d.z - s * d.x);
+    c += vec3(0.9, 0.95, 1.0) * stars(turned) * uSky.y * open * smoothstep(0.0, 0.25, lifted.z);
+#endif
+#ifdef BOLT
+    c += vec3(0.75, 0.82, 1.0) * bolt(lifted) * (uBolt.w * min(uTime.z * 1.5, 1.0));
+#endif
+#ifdef HAZE
     // A fog bank covers the sky too, most where the ray stays long in it.
     float cover = 1.0 - exp(-uSky.w * uAir.y / max(lifted.z, 0.004));
-    oColor = vec4(mix(c, hazeColor(d.xy), cover), 1.0);
+    c = mix(c, hazeColor(d.xy), cover);
+#endif
+    oColor = vec4(c, 1.0);
 }

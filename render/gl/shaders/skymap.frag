@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The sky as all passes read it: scattering with its phase functions, clouds, overcast, the light of
-// the night; square-root encoded over a range that follows the brightness, and dithered.
+// the night.
 in vec2 vPlace;
 uniform sampler2D uRayleigh, uMie, uMultiple;
 uniform vec4 uClouds;     // cover, overcast, darkness of the overcast, drift
@@ -47,6 +47,5 @@ void main() {
                      (1.0 - 0.62 * uClouds.z) * texture_;
         c = mix(c, layer, uClouds.y);
     }
-    float dither = hash(gl_FragCoord.xy * 0.731) - 0.5;
-    oColor = vec4(sqrt(clamp(c / uSky.x, 0.0, 1.0)) + dither / 255.0, 1.0);
+    oColor = vec4(c, 1.0);
 }

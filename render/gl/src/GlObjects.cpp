@@ -212,7 +212,6 @@ bool Program::finish() {
     if (block != GL_INVALID_INDEX) glUniformBlockBinding(m_id, block, FRAME_BLOCK);
     use();
     set("uSkyMap", UNIT_SKY);
-    set("uSkyMapBefore", UNIT_SKY_BEFORE);
     set("uShadowMap", UNIT_SHADOW);
     set("uShadowFarMap", UNIT_SHADOW_FAR);
     set("uNoise", UNIT_NOISE);

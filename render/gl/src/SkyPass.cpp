@@ -15,15 +15,19 @@ namespace {
 
 constexpr int SCATTER_SIZE = 128; ///< texels; scattering without its phase functions is smooth
 /// A bake's steps, each 1 to 2 ms of the software renderer: stripes of scattering and of the map,
-/// and one for the map's levels.
-constexpr int SCATTER_STRIPES = 4, MAP_STRIPES = 8, STEPS = SCATTER_STRIPES + MAP_STRIPES + 1;
+/// one for the map's levels, and one for what the processor wants of them.
+constexpr int SCATTER_STRIPES = 4, MAP_STRIPES = 8, LEVELS_STEP = SCATTER_STRIPES + MAP_STRIPES,
+              STEPS = LEVELS_STEP + 2;
 constexpr double CLOUD_EDGE = 60;        ///< m over which clouds thicken
 constexpr double CLOUD_VISIBILITY = 120; ///< m within them
 constexpr double EARTH_RADIUS = EllipsoidModel::MEAN_RADIUS;
 constexpr float FLASH_GAIN = 1.5f;      ///< of the sky's light at the height of a lightning flash
 constexpr float CLEAR_EXPOSURE = 0.24f; ///< at noon under a clear sky
 constexpr float CLEAR_LUMINANCE = 4.0f; ///< of a white ground then
-constexpr float DAY_RANGE = 8, NIGHT_RANGE = 0.08f; ///< brightest value that the sky map can hold
+constexpr float DAY_BOLT = 12.8f, NIGHT_BOLT = 0.128f; ///< brightness of lightning's bolts
+constexpr float SUN_GLARE = 0.45f, MOON_GLARE = 0.14f; ///< sine of how far about them, rad
+/// Of the programs that draw the background. Each word costs all pixels, whatever shows.
+constexpr const char* BACKGROUND_WORDS[] = {"", "DISC", "DISC HAZE STARS", "DISC HAZE STARS BOLT"};
 const vec3 NIGHT_GLOW{0.0022f, 0.0032f, 0.0055f};
 const vec3 MOONLIGHT{0.045f, 0.052f, 0.062f};
 
@@ -69,9 +73,9 @@ void drawStripe(int size, int stripe, int stripes) {
 bool sunRules(const vec3& sun) { return sun.z > -0.02f; }
 
 /// Halfway, by its logarithm, from night to day between 12 degrees below and 3 above the horizon.
-float mapRange(const vec3& sun) {
+float boltBrightness(const vec3& sun) {
     const float day = std::clamp((sun.z + 0.2f) / 0.25f, 0.0f, 1.0f);
-    return NIGHT_RANGE * std::pow(DAY_RANGE / NIGHT_RANGE, day);
+    return NIGHT_BOLT * std::pow(DAY_BOLT / NIGHT_BOLT, day);
 }
 
 } // namespace
@@ -80,7 +84,10 @@ void SkyPass::init(int map_size) {
     m_size = map_size;
     m_scatter.start("screen.vert", "scatter.frag");
     m_compose.start("screen.vert", "skymap.frag");
-    m_background.start("screen.vert", "sky.frag");
+    m_fade.start("screen.vert", "skyfade.frag", "",
+                 {{"uBefore", gl::UNIT_FIRST_OWN}, {"uNow", gl::UNIT_FIRST_OWN + 1}});
+    for (int i = 0; i < BACKGROUNDS; i++)
+        m_backgrounds[i].start("screen.vert", "sky.frag", BACKGROUND_WORDS[i]);
     m_deck.start("screen.vert", "clouds.frag");
     m_empty.create();
     const gl::TextureFormat half{GL_RGBA16F, GL_RGBA, GL_FLOAT};
@@ -94,13 +101,22 @@ void SkyPass::init(int map_size) {
                                0);
     }
     glDrawBuffers(3, attachments);
-    gl::TextureFormat format;
+    for (Map& map : m_maps)
+        makeMap(map.texture, map.target, m_size);
+    makeMap(m_fading, m_fading_target, m_size);
+    m_back.create();
+    glBindBuffer(GL_PIXEL_PACK_BUFFER, m_back.getId());
+    glBufferData(GL_PIXEL_PACK_BUFFER, sizeof(Map::small), nullptr, GL_STREAM_READ);
+    glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
+}
+
+/// Half floats: eight bits draw bands across a sky that changes so slowly.
+void SkyPass::makeMap(gl::Texture& texture, gl::Framebuffer& target, int size) {
+    gl::TextureFormat format{GL_RGBA16F, GL_RGBA, GL_FLOAT};
     format.filter = GL_LINEAR_MIPMAP_LINEAR;
-    for (Map& map : m_maps) {
-        gl::makeTexture(map.texture, m_size, m_size, format);
-        glGenerateMipmap(GL_TEXTURE_2D);
-        gl::attach(map.target, map.texture);
-    }
+    gl::makeTexture(texture, size, size, format);
+    glGenerateMipmap(GL_TEXTURE_2D);
+    gl::attach(target, texture);
 }
 
 // ------------------------------------------------------------------ the map
@@ -137,6 +153,7 @@ void SkyPass::follow(const Bake& wanted, const FrameBlock& block) {
     if (m_making.step < 0 && differ(wanted, shown().shows, 0.004f, 0.02f))
         begin(next, wanted, block);
     if (m_making.step >= 0) doStep();
+    if (getShareBefore() > 0) fade();
 }
 
 /// Leaves the main eye's maps, and how far it has come with them, as they are.
@@ -148,14 +165,14 @@ void SkyPass::lookElsewhere(const Bake& wanted, const FrameBlock& block) {
         doStep();
     m_making = of_main;
     if (of_main.step <= 0) return;
-    prepareStep(); // both have scattered into the same textures
+    prepareStep(); // both have scattered into the same textures, and read back through one buffer
     for (int stripe = 0; stripe < std::min(of_main.step, SCATTER_STRIPES); stripe++)
         scatter(stripe);
+    if (of_main.step > LEVELS_STEP) askBack(m_maps[of_main.map]);
 }
 
 void SkyPass::begin(int map, const Bake& wanted, const FrameBlock& block) {
     m_maps[map].shows = wanted;
-    m_maps[map].range = block.sky.x;
     m_making = {map, 0, block};
 }
 
@@ -170,8 +187,10 @@ void SkyPass::doStep() {
     prepareStep();
     if (m_making.step < SCATTER_STRIPES)
         scatter(m_making.step);
-    else if (m_making.step < SCATTER_STRIPES + MAP_STRIPES)
+    else if (m_making.step < LEVELS_STEP)
         compose(m_making.step - SCATTER_STRIPES);
+    else if (m_making.step == LEVELS_STEP)
+        makeLevels();
     else
         finish();
     if (++m_making.step == STEPS) m_making.step = -1;
@@ -200,44 +219,66 @@ void SkyPass::compose(int stripe) {
     drawStripe(m_size, stripe, MAP_STRIPES);
 }
 
-/// The main eye's new map is the one that is shown from now on, at first with no share yet.
-void SkyPass::finish() {
-    Map& map = m_maps[m_making.map];
+void SkyPass::makeLevels() {
+    const Map& map = m_maps[m_making.map];
     gl::bindTexture(gl::UNIT_SKY, map.texture);
     glGenerateMipmap(GL_TEXTURE_2D);
-    readBack(map, m_size);
-    if (m_making.map == ELSEWHERE) return;
-    m_shown = m_making.map;
-    m_since = 0;
+    askBack(map);
 }
 
-/// Copies a small level of the map to the processor and sums up the light of the whole sky.
-void SkyPass::readBack(Map& map, int size) {
+/// Has a small level of the map copied to where the processor can read it, and doesn't wait.
+void SkyPass::askBack(const Map& map) {
     int level = 0;
-    while (size >> level > SMALL)
+    while (m_size >> level > SMALL)
         level++;
-    std::array<std::uint8_t, SMALL * SMALL * 4> bytes{};
-    glPixelStorei(GL_PACK_ALIGNMENT, 1);
-    glGetTexImage(GL_TEXTURE_2D, level, GL_RGBA, GL_UNSIGNED_BYTE, bytes.data());
+    gl::bindTexture(gl::UNIT_SKY, map.texture);
+    glBindBuffer(GL_PIXEL_PACK_BUFFER, m_back.getId());
+    glGetTexImage(GL_TEXTURE_2D, level, GL_RGBA, GL_FLOAT, nullptr);
+    glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
+}
+
+/// Sums up the light of the whole sky. The main eye's new map is the one that is shown from now on,
+/// at first with no share yet.
+void SkyPass::finish() {
+    Map& map = m_maps[m_making.map];
+    glBindBuffer(GL_PIXEL_PACK_BUFFER, m_back.getId());
+    glGetBufferSubData(GL_PIXEL_PACK_BUFFER, 0, sizeof map.small, map.small.data());
+    glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
     vec3 sum;
     float weights = 0;
     for (int i = 0; i < SMALL * SMALL; i++) {
-        const auto value = [&](int c) {
-            const float root = bytes[4 * i + c] / 255.0f;
-            return root * root * map.range;
-        };
-        const vec3 color(value(0), value(1), value(2));
-        map.small[i] = color;
         const float x = (static_cast<float>(i % SMALL) + 0.5f) / (SMALL / 2) - 1;
         const float y = (static_cast<float>(i / SMALL) + 0.5f) / (SMALL / 2) - 1;
         const float r2 = x * x + y * y;
         if (r2 >= 1) continue;
         // Height z = (1 − r²)²; a texel covers a solid angle as dz/d(r²), seen at the sine z.
         const float weight = (1 - r2) * (1 - r2) * 2 * (1 - r2);
-        sum += color * weight;
+        sum += map.small[i].xyz() * weight;
         weights += weight;
     }
     map.ambient = sum / weights;
+    if (m_making.map == ELSEWHERE) return;
+    m_shown = m_making.map;
+    m_since = 0;
+}
+
+/// Paints the sky between two maps.
+void SkyPass::fade() {
+    glDisable(GL_DEPTH_TEST);
+    glDisable(GL_BLEND);
+    glBindVertexArray(m_empty.getId());
+    glBindFramebuffer(GL_FRAMEBUFFER, m_fading_target.getId());
+    m_fade.use();
+    m_fade.set("uShare", getShareBefore());
+    gl::bindTexture(gl::UNIT_FIRST_OWN, before().texture);
+    gl::bindTexture(gl::UNIT_FIRST_OWN + 1, shown().texture);
+    drawStripe(m_size, 0, 1);
+    gl::bindTexture(gl::UNIT_SKY, m_fading);
+    glGenerateMipmap(GL_TEXTURE_2D);
+}
+
+void SkyPass::bindMap() const {
+    gl::bindTexture(gl::UNIT_SKY, getShareBefore() > 0 ? m_fading : shown().texture);
 }
 
 /// Of the map before the one that is shown: falls to nothing while another one could be made.
@@ -251,7 +292,7 @@ vec3 SkyPass::getHaze(vec2 direction) const {
         return std::clamp(static_cast<int>((v * scale + 0.5f) * SMALL), 0, SMALL - 1);
     };
     const int i = place(direction.y) * SMALL + place(direction.x);
-    return mix(shown().small[i], before().small[i], getShareBefore());
+    return mix(shown().small[i].xyz(), before().small[i].xyz(), getShareBefore());
 }
 
 // ------------------------------------------------------------------ a frame
@@ -287,8 +328,7 @@ void SkyPass::update(const FrameView& view, const FrameInfo& told, bool is_main,
     block.sun_direction = {sun, sun.z > -0.05f ? 1.0f : 0.0f};
     block.moon_direction = {moon, 0.25f * smoothStep(0.1f, -0.12f, sun.z) + 0.12f};
     const float stars = smoothStep(-0.06f, -0.2f, sun.z) * 0.06f;
-    block.sky = {mapRange(sun), stars,
-                 static_cast<float>(frame.sidereal_angle * DEG_TO_RAD<double>), 0};
+    block.sky = {1, stars, static_cast<float>(frame.sidereal_angle * DEG_TO_RAD<double>), 0};
     block.weather = {frame.rain, frame.snow, frame.cloud_cover, std::max(frame.overcast, m_within)};
 
     // Koschmieder: contrast falls to 2 % at the meteorological visibility. Fog is shallow.
@@ -314,22 +354,27 @@ void SkyPass::update(const FrameView& view, const FrameInfo& told, bool is_main,
         follow(wanted, block);
     else if (m_elsewhere)
         lookElsewhere(wanted, block);
+    if (view.everything) fade();
     const float share = getShareBefore();
     const vec3 ambient = mix(shown().ambient, before().ambient, share);
     // Lightning lights the clouds from within, and they light all else. The exposure is too slow.
     const float lit = 1 + FLASH_GAIN * frame.flash;
     const float azimuth = frame.bolt_azimuth * DEG_TO_RAD<float>;
     block.time.z = frame.flash;
-    block.bolt = {std::sin(azimuth), std::cos(azimuth), frame.bolt_shape, 0};
-    block.sky.x = shown().range * lit;
-    block.sky_before = {before().range * lit, share, 0, 0};
+    block.bolt = {std::sin(azimuth), std::cos(azimuth), frame.bolt_shape,
+                  boltBrightness(sun) * lit};
+    block.sky.x = lit;
     block.ambient = {ambient * lit, extinction};
     const float ground =
         luminance(ambient) + luminance(light) * std::max(block.light_direction.z, 0.0f) / 3.1416f;
     const float gain = std::pow(CLEAR_LUMINANCE / std::max(ground, 1e-4f), 0.66f);
     block.light.w = CLEAR_EXPOSURE * (1 - 0.3f * frame.overcast) * std::clamp(gain, 0.6f, 300.0f);
-    gl::bindTexture(gl::UNIT_SKY, shown().texture);
-    gl::bindTexture(gl::UNIT_SKY_BEFORE, before().texture);
+    bindMap();
+    m_sun = sun;
+    m_moon = moon;
+    m_stars = stars;
+    m_haze = block.sky.w;
+    m_flash = frame.flash;
 }
 
 void SkyPass::forget() {
@@ -342,13 +387,27 @@ void SkyPass::uploadBlock(const FrameBlock& block) {
     glBufferSubData(GL_UNIFORM_BUFFER, 0, sizeof block, &block);
 }
 
+/// The leanest program that draws all that shows.
+int SkyPass::chooseBackground(const FrameView& view) const {
+    constexpr float FAR_OFF = 1e6f; // m
+    if (m_flash > 0) return 3;
+    if (m_haze > 0 || m_stars > 0) return 2;
+    const bool disc = view.orthographic || view.sees(m_sun * FAR_OFF, SUN_GLARE * FAR_OFF) ||
+                      view.sees(m_moon * FAR_OFF, MOON_GLARE * FAR_OFF);
+    return disc ? 1 : 0;
+}
+
 void SkyPass::drawBackground(const FrameView& view) {
     const auto& p = view.projection.columns;
     glDepthMask(GL_FALSE);
-    m_background.use();
-    m_background.set("uRay", vec4(1 / p[0].x, 1 / p[1].y, p[2].x / p[0].x, p[2].y / p[1].y));
     glBindVertexArray(m_empty.getId());
-    glDrawArrays(GL_TRIANGLES, 0, 3);
+    const int chosen = chooseBackground(view);
+    for (int i = view.everything ? 0 : chosen; i <= chosen; i++) {
+        gl::Program& program = m_backgrounds[i];
+        program.use();
+        program.set("uRay", vec4(1 / p[0].x, 1 / p[1].y, p[2].x / p[0].x, p[2].y / p[1].y));
+        glDrawArrays(GL_TRIANGLES, 0, 3);
+    }
     glDepthMask(GL_TRUE);
 }
 

@@ -115,7 +115,7 @@ TEST_F(CountedFrames, ASkyThatNeverRestsIsMadeAStepAFrame) {
         most = std::max(most, draws);
         all += draws;
     }
-    EXPECT_EQ(most, 1U);
+    EXPECT_EQ(most, 2U); // and the sky on its way to the map before that
     EXPECT_GT(all, 60U); // and it is made over and over
 }
 

@@ -24,12 +24,12 @@ struct FrameBlock {
     vec4 screen;           ///< width, height, and their inverses, pixels
     vec4 sun_direction;    ///< w: brightness of the disc
     vec4 moon_direction;   ///< w: brightness of the disc
-    vec4 sky;              ///< x: range of the sky map; y: stars; z: night-to-day turn of the
+    vec4 sky;              ///< x: gain of the sky map; y: stars; z: night-to-day turn of the
                            ///< stars, rad; w: haze that covers the sky itself
-    vec4 sky_before;       ///< x: range of the map before, y: its share of the sky, 0 to 1
     vec4 weather;          ///< x: rain, y: snow, z: cloud cover, w: overcast, or in the clouds
     vec4 time;             ///< x: scene time, s; y: angle of a pixel, rad; z: lightning, 0 to 1
-    vec4 bolt;             ///< towards the bolt's foot (unit, level); z: its shape, 0 to 1
+    vec4 bolt;             ///< towards the bolt's foot (unit, level); z: its shape, 0 to 1;
+                           ///< w: brightness
 };
 
 } // namespace ig
