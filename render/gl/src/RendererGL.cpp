@@ -311,14 +311,14 @@ void RendererGL::Impl::drawScene(const World& world) {
     glBindFramebuffer(GL_FRAMEBUFFER, canvas->scene_target.getId());
     glViewport(0, 0, canvas->getSceneWidth(), canvas->getSceneHeight());
     glEnable(GL_DEPTH_TEST);
-    glClear(GL_DEPTH_BUFFER_BIT);
+    glClear(GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
     meshes.drawOpaque();
     clock.mark("meshes");
     if (list.terrain) terrain.draw(view, *list.terrain);
     clock.mark("terrain");
     if (list.terrain) grass.draw(view, world, *list.terrain, list.fields);
     clock.mark("grass");
-    if (list.ocean) ocean.draw(view, list.ocean->getFrame(), list.downdraughts, wakes);
+    if (list.ocean) ocean.draw(view, list.ocean->getFrame(), list.downdraughts, wakes, *canvas);
     clock.mark("ocean");
     sky.drawBackground(view);
     sky.drawClouds(view, canvas->depth);

@@ -17,10 +17,13 @@ bool Targets::make(int width, int height, float scale) {
     m_scene_width = scaled(m_width);
     m_scene_height = scaled(m_height);
     const gl::TextureFormat light_format{GL_RGBA16F, GL_RGBA, GL_FLOAT};
-    gl::TextureFormat depth_format{GL_DEPTH_COMPONENT32F, GL_DEPTH_COMPONENT, GL_FLOAT};
-    depth_format.filter = GL_NEAREST;
+    gl::TextureFormat depth_format{GL_DEPTH32F_STENCIL8, GL_DEPTH_STENCIL,
+                                   GL_FLOAT_32_UNSIGNED_INT_24_8_REV};
+    gl::TextureFormat water_format{GL_RGBA32F, GL_RGBA, GL_FLOAT};
+    depth_format.filter = water_format.filter = GL_NEAREST;
     gl::makeTexture(light, m_scene_width, m_scene_height, light_format);
     gl::makeTexture(depth, m_scene_width, m_scene_height, depth_format);
+    gl::makeTexture(water, m_scene_width, m_scene_height, water_format);
     gl::makeTexture(toned, m_scene_width, m_scene_height, {});
     gl::makeTexture(finished, m_width, m_height, {});
 
@@ -29,11 +32,12 @@ bool Targets::make(int width, int height, float scale) {
                                     const gl::Texture* with_depth) {
         gl::attach(target, color);
         if (with_depth)
-            glFramebufferTexture2D(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_TEXTURE_2D,
+            glFramebufferTexture2D(GL_FRAMEBUFFER, GL_DEPTH_STENCIL_ATTACHMENT, GL_TEXTURE_2D,
                                    with_depth->getId(), 0);
         complete &= glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
     };
     attach(scene_target, light, &depth);
+    attach(water_target, water, &depth);
     attach(toned_target, toned, nullptr);
     attach(finished_target, finished, nullptr);
     if (!complete)

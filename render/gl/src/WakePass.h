@@ -35,6 +35,7 @@ public:
 
     const Map& getNear() const { return m_near; }
     const Map& getFar() const { return m_far; }
+    int getSize() const { return m_size; } ///< of both, texels
 
 private:
     void bakeKelvin();

@@ -2,6 +2,7 @@
 #include "render/scene/Patterns.h"
 
 #include "ValueNoise.h"
+#include "render/scene/ShaderConstants.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,7 +13,7 @@ namespace ig {
 
 namespace {
 
-constexpr int SIZE = 256; ///< texels
+constexpr int SIZE = NOISE_EDGE;
 
 /// Walls between the cells of scattered points: 1 on a wall, 0 well inside.
 float cellWalls(float x, float y, int cells) {

@@ -9,6 +9,8 @@ namespace ig {
 
 constexpr float PI = 3.14159265f;
 constexpr float NOISE_PERIOD = 14400;       ///< m; a multiple of all scales that noise is asked at
+constexpr int NOISE_EDGE = 256;             ///< texels of the noise along an edge
+constexpr float HALF_CURVATURE = 7.848e-8f; ///< half the earth's, 1/m
 constexpr float LEVEL_SLOPE = 128 / 255.0f; ///< how no slope is encoded in the sea's tiles
 constexpr float LEVEL_WAKE = 0.50196078f;   ///< and in the maps of wakes
 /// How much each of the sea's tiles counts in the measure of breaking crests.
