@@ -20,6 +20,14 @@ constexpr float WHITECAP_GAIN = 1.08f, WHITECAP_LOSS = 0.04f;
 constexpr int MOST_WAKES = 4;        ///< drawn at once, the nearest
 constexpr int MOST_DOWNDRAUGHTS = 4; ///< likewise
 constexpr float SUN_IRRADIANCE = 20; ///< above the air
+/// Irradiance of 1 lx from a lamp. Daylight here has 1.6e-4 a lux, and a night, which is drawn
+/// brighter than it is, 0.2 of the moon's: lamps lie in between, since they are seen by night.
+constexpr float LUX = 0.01f;
+/// What lamps add to the picture nears this, times PI over the exposure: the eye gets used to it.
+constexpr float LAMP_SHOULDER = 2.5f;
+constexpr int MOST_LIGHTS = 64;  ///< that light what is around them in a frame, see LightGrid
+constexpr int LIGHTS_A_CELL = 8; ///< of its cells
+constexpr int LIGHT_COLUMNS = 16, LIGHT_ROWS = 9, LIGHT_SLICES = 24;
 constexpr vec3 SUN_COLOR{1, 0.97f, 0.92f};
 
 } // namespace ig
