@@ -1,25 +1,33 @@
 // SPDX-License-Identifier: MIT
-// Fast approximate anti-aliasing after Lottes (2009): blurs along edges found in the luma.
-in vec2 vPlace;
+// Fast approximate anti-aliasing in the manner of Lottes (2009): blurs along the edges that the luma
+// of a pixel and its four neighbours tells of. A single bright pixel has none and stays as it is.
+// SMALL: the picture is going to be enlarged. Contrast that this costs is given to it here, where
+// pixels are few, and alpha tells upscale.frag how the edge lies: from 0 rising to the right to 1
+// falling, 0.5 level, upright or none.
 uniform sampler2D uPicture;
-uniform vec2 uTexel;
 out vec4 oColor;
+const float SHARPNESS = 0.7;
+float lumaAt(ivec2 at) {
+    return texelFetch(uPicture, clamp(at, ivec2(0), ivec2(uScreen.xy) - 1), 0).a;
+}
 void main() {
-    vec4 m = texture(uPicture, vPlace);
-    vec2 h = uTexel * 0.75;
-    float nw = texture(uPicture, vPlace + vec2(-h.x, h.y)).a, ne = texture(uPicture, vPlace + h).a;
-    float sw = texture(uPicture, vPlace - h).a, se = texture(uPicture, vPlace + vec2(h.x, -h.y)).a;
-    float low = min(m.a, min(min(nw, ne), min(sw, se))), high = max(m.a, max(max(nw, ne), max(sw, se)));
-    if (high - low < max(0.05, high * 0.12)) {
-        oColor = vec4(m.rgb, 1.0);
-        return;
-    }
-    vec2 along = vec2((sw + se) - (nw + ne), (nw + sw) - (ne + se));
-    float reduce = max((nw + ne + sw + se) * 0.03125, 0.0078);
-    along = clamp(along / (min(abs(along.x), abs(along.y)) + reduce), -8.0, 8.0) * uTexel;
-    vec3 a = 0.5 * (texture(uPicture, vPlace - along / 6.0).rgb + texture(uPicture, vPlace + along / 6.0).rgb);
-    vec3 b = a * 0.5 + 0.25 * (texture(uPicture, vPlace - along * 0.5).rgb +
-                               texture(uPicture, vPlace + along * 0.5).rgb);
-    float luma = dot(b, vec3(0.3, 0.6, 0.1));
-    oColor = vec4(luma < low || luma > high ? a : b, 1.0);
+    ivec2 at = ivec2(gl_FragCoord.xy);
+    vec4 m = texelFetch(uPicture, at, 0);
+    float n = lumaAt(at + ivec2(0, 1)), s = lumaAt(at - ivec2(0, 1));
+    float e = lumaAt(at + ivec2(1, 0)), w = lumaAt(at - ivec2(1, 0));
+    float low = min(m.a, min(min(n, s), min(e, w))), high = max(m.a, max(max(n, s), max(e, w)));
+    vec2 rise = vec2(e - w, n - s), along = vec2(rise.y, -rise.x);
+    float reduce = max((n + s + e + w) * 0.03125, 0.0078);
+    along = clamp(along / (min(abs(along.x), abs(along.y)) + reduce), -1.0, 1.0);
+    vec2 p = gl_FragCoord.xy * uScreen.zw, step = along * (0.5 * uScreen.zw);
+    vec3 blurred = 0.5 * (textureLod(uPicture, p - step, 0.0).rgb + textureLod(uPicture, p + step, 0.0).rgb);
+    vec3 c = high - low < max(0.05, high * 0.12) ? m.rgb : blurred;
+#ifdef SMALL
+    float luma = dot(c, vec3(0.3, 0.6, 0.1));
+    float sharp = clamp(luma + SHARPNESS * (m.a - 0.25 * (n + s + e + w)), low, high);
+    float slant = rise.x * rise.y / max(dot(rise, rise), 0.01);
+    oColor = vec4(c * (sharp / max(luma, 0.02)), 0.5 + slant);
+#else
+    oColor = vec4(c, 1.0);
+#endif
 }

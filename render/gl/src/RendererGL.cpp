@@ -100,7 +100,7 @@ struct RendererGL::Impl {
     Targets* canvas = &targets; ///< what the passes draw into
     gl::Buffer block_buffer;
     gl::VertexArray empty;
-    gl::Program tonemap, fxaa;
+    gl::Program tonemap, fxaa, fxaa_small, upscale;
     SkyPass sky;
     ShadowMap shadow;
     MeshPass meshes;
@@ -165,8 +165,10 @@ bool RendererGL::Impl::initPasses() {
     // All programs are under way before the first is waited for.
     if (epoxy_has_gl_extension("GL_KHR_parallel_shader_compile"))
         glMaxShaderCompilerThreadsKHR(~GLuint{0}); // as many as the driver likes
-    tonemap.start("screen.vert", "tonemap.frag");
-    fxaa.start("screen.vert", "fxaa.frag");
+    tonemap.start("screen.vert", "tonemap.frag", {}, {{"uPicture", gl::UNIT_FIRST_OWN}});
+    fxaa.start("screen.vert", "fxaa.frag", {}, {{"uPicture", gl::UNIT_FIRST_OWN}});
+    fxaa_small.start("screen.vert", "fxaa.frag", "SMALL", {{"uPicture", gl::UNIT_FIRST_OWN}});
+    upscale.start("screen.vert", "upscale.frag", {}, {{"uPicture", gl::UNIT_FIRST_OWN}});
     sky.init(software ? 512 : 1024);
     meshes.init();
     terrain.init();
@@ -329,23 +331,26 @@ void RendererGL::Impl::drawScene(const World& world) {
     clock.mark("sprites");
 }
 
-/// Light to picture: tone curve, edge filter, scaling.
+/// Light to picture: tone curve, edge filter, and where the scene is smaller than its picture, the
+/// enlargement.
 void RendererGL::Impl::finishPicture() {
     glDisable(GL_DEPTH_TEST);
     glBindVertexArray(empty.getId());
-    glBindFramebuffer(GL_FRAMEBUFFER, canvas->toned_target.getId());
-    tonemap.use();
-    tonemap.set("uPicture", gl::UNIT_FIRST_OWN);
-    gl::bindTexture(gl::UNIT_FIRST_OWN, canvas->light);
-    glDrawArrays(GL_TRIANGLES, 0, 3);
-
-    glBindFramebuffer(GL_FRAMEBUFFER, canvas->finished_target.getId());
+    const auto step = [](const gl::Program& program, const gl::Texture& from,
+                         const gl::Framebuffer& to) {
+        glBindFramebuffer(GL_FRAMEBUFFER, to.getId());
+        program.use();
+        gl::bindTexture(gl::UNIT_FIRST_OWN, from);
+        glDrawArrays(GL_TRIANGLES, 0, 3);
+    };
+    step(tonemap, canvas->light, canvas->toned_target);
+    if (!canvas->isEnlarged()) {
+        step(fxaa, canvas->toned, canvas->finished_target);
+        return;
+    }
+    step(fxaa_small, canvas->toned, canvas->filtered_target);
     glViewport(0, 0, canvas->getWidth(), canvas->getHeight());
-    fxaa.use();
-    fxaa.set("uPicture", gl::UNIT_FIRST_OWN);
-    fxaa.set("uTexel", vec2{block.screen.z, block.screen.w});
-    gl::bindTexture(gl::UNIT_FIRST_OWN, canvas->toned);
-    glDrawArrays(GL_TRIANGLES, 0, 3);
+    step(upscale, canvas->filtered, canvas->finished_target);
 }
 
 /// Live the sizes are equal, and pixels go over as they are; a replay's picture has the log's.
@@ -427,8 +432,9 @@ void RendererGL::Impl::rehearse(Rehearsal& r) {
         frame.sun_direction = up * v.sun;
         frame.moon_direction = up * -v.sun;
         // By night as in a scale that is turned down, whose sizes are hardly ever powers of two.
-        const int odd = v.sun < 0 ? 1 : 0;
-        if (r.stopped || !small.make(width | odd, height | odd, 1)) break;
+        const bool scaled = v.sun < 0;
+        const int odd = scaled ? 1 : 0;
+        if (r.stopped || !small.make(width | odd, height | odd, scaled ? 0.5f : 1)) break;
         drawPicture(r.wanted.world, eye, frame, small);
     }
     if (!r.stopped && frame.ui) {

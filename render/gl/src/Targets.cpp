@@ -25,6 +25,10 @@ bool Targets::make(int width, int height, float scale) {
     gl::makeTexture(depth, m_scene_width, m_scene_height, depth_format);
     gl::makeTexture(water, m_scene_width, m_scene_height, water_format);
     gl::makeTexture(toned, m_scene_width, m_scene_height, {});
+    if (isEnlarged())
+        gl::makeTexture(filtered, m_scene_width, m_scene_height, {});
+    else
+        gl::makeTexture(filtered, 1, 1, {}); // it is there, for the scale may change in flight
     gl::makeTexture(finished, m_width, m_height, {});
 
     bool complete = true;
@@ -39,6 +43,7 @@ bool Targets::make(int width, int height, float scale) {
     attach(scene_target, light, &depth);
     attach(water_target, water, &depth);
     attach(toned_target, toned, nullptr);
+    attach(filtered_target, filtered, nullptr);
     attach(finished_target, finished, nullptr);
     if (!complete)
         jLog::error("RendererGL: the driver refuses framebuffers of %d x %d pixels", m_width,
