@@ -132,6 +132,8 @@ Node* createDecal(const NodeReader& r) {
 const bool DECAL = NodeFactory::add("decal", createDecal,
                                     {{number, {"width", "height"}}, {material, {"material"}}});
 
+constexpr float MOST_LIGHT = 1e9f; ///< cd, m: beyond any lamp
+
 /// Takes a number from 0 to `most`; false, reported, for another. True when the key is absent.
 bool readWithin(const NodeReader& r, const char* key, float most, float& out) {
     const float value = r.getNumber(key, out);
@@ -144,30 +146,86 @@ bool readWithin(const NodeReader& r, const char* key, float most, float& out) {
     return false;
 }
 
+const NodeSchema SECTOR{"sector",
+                        {{"sector",
+                          {{pair, {"azimuth"}, nullptr, -360, 360},
+                           {pair, {"elevation"}, nullptr, -90, 90},
+                           {triple, {"color"}},
+                           {number, {"brightness"}}}}}};
+
+/// Reported when it makes no sense.
+bool readSector(const NodeReader& r, LightSector& out) {
+    if (!r.readPair("azimuth", out.azimuth) || !r.readPair("elevation", out.elevation) ||
+        !readWithin(r, "brightness", MOST_LIGHT, out.brightness))
+        return false;
+    if (!(out.azimuth.x < out.azimuth.y) || out.azimuth.y - out.azimuth.x > 360) {
+        r.report("a sector goes clockwise, from a smaller to a larger angle, and at most once "
+                 "round, in",
+                 "azimuth", "azimuth");
+        return false;
+    }
+    if (!(out.elevation.x < out.elevation.y)) {
+        r.report("a sector goes up, from a smaller to a larger angle, in", "elevation",
+                 "elevation");
+        return false;
+    }
+    if (!r.has("color")) return true;
+    dvec3 color;
+    if (!r.readTriple("color", color)) return false;
+    out.color = vec3(color);
+    if (std::min({color.x, color.y, color.z}) >= 0) return true;
+    r.report("a sector's colour isn't below 0 in", "color", "color");
+    return false;
+}
+
+/// Where and when it is seen itself. False, reported, when that makes no sense.
+bool readAppearance(const NodeReader& r, ObjectLight& light) {
+    std::vector<LightSector> sectors;
+    for (const NodeReader& sector : r.getMaps("sector"))
+        if (!readSector(sector, sectors.emplace_back())) return false;
+    float range = 0;
+    vec2 flash;
+    if (!readWithin(r, "nominal_range", MOST_LIGHT, range) || !r.readPair("flash", flash))
+        return false;
+    if (r.has("flash") && !(flash.y < flash.x)) {
+        r.report("a flash is shorter than the period before it in", "flash", "flash");
+        return false;
+    }
+    light.setSectors(std::move(sectors));
+    light.setNominalRange(range);
+    light.setFlash(flash);
+    light.setStabilized(r.getFlag("stabilized"));
+    return true;
+}
+
 Node* createLight(const NodeReader& r) {
-    constexpr float MOST = 1e9f; // cd, m: beyond any lamp
     float intensity = 0, reach = 0, beam = 0, flicker = 0;
     vec2 cone = ObjectLight::ALL_ROUND;
-    if (!readWithin(r, "intensity", MOST, intensity) || !readWithin(r, "reach", MOST, reach) ||
-        !readWithin(r, "beam", 1, beam) || !readWithin(r, "flicker", 1, flicker) ||
-        !r.readPair("cone", cone))
+    if (!readWithin(r, "intensity", MOST_LIGHT, intensity) ||
+        !readWithin(r, "reach", MOST_LIGHT, reach) || !readWithin(r, "beam", 1, beam) ||
+        !readWithin(r, "flicker", 1, flicker) || !r.readPair("cone", cone))
         return nullptr;
     if (cone.x > cone.y) {
         r.report("a light's inner angle isn't larger than its outer one in", "cone", "cone");
         return nullptr;
     }
-    auto* light = new ObjectLight();
+    auto light = std::make_unique<ObjectLight>();
+    if (!readAppearance(r, *light)) return nullptr;
     light->setSurfaceMaterial(0, r.getMaterial());
     light->setIntensity(intensity, reach);
     light->setCone(cone);
     light->setBeam(beam);
     light->setFlicker(flicker);
-    return light;
+    return light.release();
 }
-const bool LIGHT = NodeFactory::add("light", createLight,
-                                    {{material, {"material"}},
-                                     {number, {"intensity", "reach", "beam", "flicker"}},
-                                     {pair, {"cone"}, nullptr, 0, 180}});
+const bool LIGHT =
+    NodeFactory::add("light", createLight,
+                     {{material, {"material"}},
+                      {number, {"intensity", "reach", "beam", "flicker", "nominal_range"}},
+                      {pair, {"cone"}, nullptr, 0, 180},
+                      {list, {"sector"}, &SECTOR},
+                      {pair, {"flash"}, nullptr, 0},
+                      {flag, {"stabilized"}}});
 
 Node* createRope(const NodeReader& r) {
     const float radius = r.getNumber("radius");

@@ -269,6 +269,7 @@ void RendererGL::Impl::prepare(const World& world, const Camera& camera, const F
     sky.update(view, frame, canvas == &targets, block);
     const vec3 center = frame.focus ? vec3(view.toFrame(frame.focus->getWorldPosition())) : vec3();
     placeShadow(center, block);
+    list.time = frame.time;
     list.left_out = camera.getType() == NODE_CAMERA_RADAR ? frame.focus : nullptr;
     list.gather(world, view, center, SHADOW_RADIUS);
     if (rehearsal) addToList(*rehearsal);

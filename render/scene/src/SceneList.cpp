@@ -140,6 +140,8 @@ void SceneList::addCable(const ObjectRope& rope) {
 
 namespace {
 
+constexpr float LAMP_SIZE = 0.55f; ///< half the edge of a lamp's glow nearby, m
+
 /// Cosines of a cone's half angles, the second less than the first.
 vec2 cosines(const vec2& degrees) {
     const vec2 c{std::cos(degrees.x * (PI / 180)), std::cos(degrees.y * (PI / 180))};
@@ -154,24 +156,53 @@ float seenShare(const vec3& position, const vec3& axis, const vec2& cone) {
     return std::lerp(STRAY, 1.0f, within);
 }
 
+/// How a lamp looks from a distance. One that tells its nominal range looks as bright as the light
+/// is that falls into the eye, which goes by the square of the distance, up to what a picture can
+/// show; what is beyond that spreads in the eye, by one more step with each doubling.
+struct Glow {
+    float share, size; ///< of its power; half the edge, m
+};
+Glow glowAt(float distance, float nominal_range, float pixel_angle) {
+    constexpr float JUST_SEEN = 0.01f;          // share, on a dark night
+    constexpr float PIXELS = 1.7f, STEP = 0.2f; // of the faintest; how much more a step is
+    if (!(nominal_range > 0)) return {1, LAMP_SIZE};
+    const float ratio = nominal_range / std::max(distance, 1.0f);
+    const float bright = JUST_SEEN * ratio * ratio;
+    const float spread = PIXELS * (1 + STEP * std::log2(std::max(bright, 1.0f)));
+    return {std::min(bright, 1.0f), std::max(LAMP_SIZE, spread * pixel_angle * distance)};
+}
+
+/// What an operator's switch says holds, else what the hour does.
+float lampPower(const Material* material) {
+    const float switched = readSlider(material, "override", 0);
+    return switched != 0 ? switched : readSlider(material, "density", 1);
+}
+
 } // namespace
 
 void SceneList::addLamp(const ObjectLight& light) {
     const int number = m_lights++;
     const Material* material = light.getSurfaceMaterial(0);
-    const float power = readSlider(material, "density", 1);
-    if (power < 0.01f) return;
-    const vec3 position(m_view->toFrame(light.getWorldPosition()));
+    const float power = lampPower(material);
+    if (power < 0.01f || !(light.isLit(time) || m_view->everything)) return;
+    const dmat4 pose = light.getLampTransform();
+    const vec3 position(m_view->toFrame(pose.getTranslate()));
     const vec3 color = readValue(material, "diffuse_color", {1, 1, 1, 1}).xyz();
-    const vec3 axis(
-        m_view->toFrameDirection(normalize(light.getWorldTransform().getMat3().getY())));
+    const vec3 axis(m_view->toFrameDirection(normalize(pose.getMat3().getY())));
     const vec2 cone = cosines(light.getCone());
     const Node* parent = light.getParent();
     const auto* emitter = parent && parent->getType() == OBJECT_PARTICLES
                               ? static_cast<const ObjectParticles*>(parent)
                               : nullptr;
-    if (!emitter && m_view->sees(position, 2))
-        lamps.push_back({position, color, power * seenShare(position, axis, cone)});
+    const float range = m_view->orthographic ? 0 : light.getNominalRange();
+    const Glow glow = glowAt(length(position), range, m_view->pixel_angle);
+    if (!emitter && m_view->sees(position, std::max(2.0f, glow.size))) {
+        const dvec3 to_eye = inverse(pose.getMat3()) * (m_view->eye - pose.getTranslate());
+        const vec3 seen = mixSectors(light.getSectors(), to_eye, color);
+        if (std::max({seen.x, seen.y, seen.z}) > 0)
+            lamps.push_back(
+                {position, seen, power * glow.share * seenShare(position, axis, cone), glow.size});
+    }
     if (light.getIntensity() > 0 && m_view->sees(position, light.getReach()))
         lights.push_back({position, axis, color * (power * light.getIntensity()), light.getReach(),
                           cone, light.getBeam(), light.getFlicker(), number, emitter});

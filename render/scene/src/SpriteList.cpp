@@ -15,7 +15,6 @@ namespace ig {
 namespace {
 constexpr float LONGEST_STREAK = 2.5f;  ///< m: longer ones would reach through the cabin's walls
 constexpr float LEAST_OPACITY = 0.012f; ///< what is fainter isn't drawn
-constexpr float LAMP_SIZE = 0.55f;      ///< half the edge of a lamp's glow, m
 constexpr float LAMP_LIGHT = 9;         ///< at density 1
 constexpr float CABLE = -1;             ///< the shader's kind of sprite
 } // namespace
@@ -30,7 +29,7 @@ void SpriteList::gather(const FrameView& view, const FrameInfo& frame,
         });
     for (const LampItem& lamp : lamps)
         sprites.push_back({lamp.position,
-                           LAMP_SIZE,
+                           lamp.size,
                            vec4(lamp.color, 1),
                            0,
                            LAMP_LIGHT * lamp.power,

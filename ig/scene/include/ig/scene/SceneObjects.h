@@ -2,9 +2,12 @@
 #pragma once
 
 #include "ig/physics/BodyRope.h"
+#include "ig/scene/LightSector.h"
 #include "ig/scene/Object.h"
 
 #include <cmath>
+#include <utility>
+#include <vector>
 
 namespace ig {
 
@@ -174,10 +177,29 @@ public:
     float getFlicker() const { return m_flicker; } ///< 0 steady to 1, a fire's
     void setFlicker(float flicker) { m_flicker = flicker; }
 
+    /// Directions in which it is seen in a light of their own, and in no other; empty: in all.
+    const std::vector<LightSector>& getSectors() const { return m_sectors; }
+    void setSectors(std::vector<LightSector> sectors) { m_sectors = std::move(sectors); }
+    /// At which it is just seen on a clear night, m; 0: it looks as bright however far.
+    float getNominalRange() const { return m_nominal_range; }
+    void setNominalRange(float range) { m_nominal_range = range; }
+    /// How long one flash and the darkness after it take, and the flash of that, s; zeros: steady.
+    void setFlash(const vec2& period_and_lit) { m_flash = period_and_lit; }
+    bool isLit(double time) const; ///< at that time of the scene
+    /// Hung so that pitch and roll of the parent don't reach it.
+    void setStabilized(bool stabilized) { m_stabilized = stabilized; }
+    /// The pose of the lamp itself in the world: the node's; a stabilised one's is what it were if
+    /// its parent stood level in its place, on its heading.
+    dmat4 getLampTransform() const;
+
 private:
     float m_intensity = 0, m_reach = 0;
     vec2 m_cone = ALL_ROUND;
     float m_beam = 0, m_flicker = 0;
+    std::vector<LightSector> m_sectors;
+    float m_nominal_range = 0;
+    vec2 m_flash;
+    bool m_stabilized = false;
 };
 
 /// Wind that makes the grass around it flutter.

@@ -36,6 +36,7 @@ struct LampItem {
     vec3 position; ///< E
     vec3 color;
     float power;
+    float size; ///< half the edge of its glow, m
 };
 
 /// A lamp, or a fire, that lights what is around it.
@@ -72,6 +73,7 @@ public:
     /// has been added.
     void sort();
 
+    double time = 0;                ///< set before `gather`: the scene's, by which lamps flash, s
     const Node* left_out = nullptr; ///< set before `gather`: with all below it; null: none
 
     std::vector<MeshItem> opaque;      ///< equal mesh, surface, look adjoin, as they came
