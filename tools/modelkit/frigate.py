@@ -3,7 +3,7 @@
 
 from .markings import number
 from .mesh import Part, flipped_x
-from .naval import (Hull, anchor_gear, array_face, bar_radar, boat, close_in_gun, davit,
+from .naval import (Hull, anchor_gear, approach_aids, array_face, bar_radar, boat, close_in_gun, davit,
                     deck_lights, deck_rails, dome, door, flag, flag_staff, flight_deck, gun, hangar,
                     hatches, ladder, louvres, mast, net, panel, portholes, rafts, railing, sloped,
                     tubes, whip, windows, yard)
@@ -162,9 +162,7 @@ def quarterdeck(top):
     for side in (-1, 1):
         for y in (-79.2, -78.5):
             top.cylinder("ship_dark", (side * 5.0, y, 5.75), (side * 5.0, y, 6.3), 0.14, 10)
-    top.box("ship_dark", (1.6, 0.25, 0.5), (-3.4, -49.3, 11.9))  # glide-slope indicator
-    for k, material in enumerate(("light_red", "light_green", "light_white")):
-        top.box(material, (0.35, 0.05, 0.3), (-3.9 + 0.5 * k, -49.45, 11.9))
+    approach_aids(top, (-4.6, -49.25, 11.9), (4.6, -49.15, 11.9), (0, -47.9, 15.6), 14.7)
 
 
 def superstructure():

@@ -3,9 +3,10 @@
 
 from .markings import number
 from .mesh import Part, add, flipped_x
-from .naval import (Hull, anchor_gear, bar_radar, boat, close_in_gun, davit, deck_lights,
-                    deck_rails, dome, door, flag, flag_staff, flight_deck, hangar, ladder, louvres,
-                    mast, net, panel, portholes, rafts, railing, rod, sloped, whip, windows, yard)
+from .naval import (Hull, anchor_gear, approach_aids, bar_radar, boat, close_in_gun, davit,
+                    deck_lights, deck_rails, dome, door, flag, flag_staff, flight_deck, hangar,
+                    ladder, louvres, mast, net, panel, portholes, rafts, railing, rod, sloped, whip,
+                    windows, yard)
 
 DECK = (7.4, -62.5, -25.0, 8.00, 0.20)
 FORM = Hull([  # y, deck, waterline, deck's height, keel, fullness
@@ -160,6 +161,7 @@ def superstructure():
     deck_rails(top, FORM, [27.5, 33, 38, 43, 47, 50, 53, 56, 58, 60, 62, 63, 64, 65, 65.8, 66.5])
     net(top, 7.7, DECK[1], DECK[2], DECK[3], 1.2)
     deck_lights(top, *DECK[:4])
+    approach_aids(top, (-6.4, -24.75, 14.8), (6.4, -24.7, 15.15), (0, -24.2, 16.2), 14.5)
     flag_staff(top, (0, -64.0, 7.8), 5.5)
     return top
 

@@ -455,7 +455,7 @@ def deck_lights(part, x, y0, y1, z):
 
 
 def hangar(part, face, doors, width, height):
-    """Roller doors with their ribs, the light bar above them and a number of floodlights."""
+    """Roller doors with their ribs, and the bar above them with its fittings."""
     step = (face.width - width * doors) / (doors + 1)
     for n in range(doors):
         u0 = step + n * (width + step)
@@ -467,5 +467,22 @@ def hangar(part, face, doors, width, height):
           0.1)
     for k in range(9):
         u = face.width * (0.32 + 0.045 * k)
-        panel(part, face, "light_green" if k % 2 else "light_white", u, u + 0.18, height + 0.62,
-              height + 0.78, 0.14)
+        panel(part, face, "ship_light", u, u + 0.18, height + 0.62, height + 0.78, 0.14)
+
+
+def approach_aids(part, path, status, bar, foot):
+    """Housings of the lamps that guide a helicopter in, which face aft: the glide path indicator, the
+    three of the deck status, and the horizon bar's post from its foot's height."""
+    def lens(x, y, z):
+        part.cylinder("window_dark", (x, y - 0.03, z), (x, y + 0.03, z), 0.16, 12)
+
+    x, y, z = path
+    part.box("ship_dark", (0.7, 0.5, 0.6), path)
+    lens(x, y - 0.26, z)
+    x, y, z = status
+    part.box("ship_dark", (0.45, 0.3, 1.3), status)
+    for dz in (-0.4, 0.0, 0.4):
+        lens(x, y - 0.16, z + dz)
+    x, y, z = bar
+    part.cylinder("ship_grey", (x, y, foot), bar, 0.08, 8)
+    part.ellipsoid("ship_dark", bar, (0.25, 0.2, 0.25), 8, 12)
