@@ -58,6 +58,9 @@ void main() {
     vec3 light = uLight.rgb * litOnce(foot + vec3(0.0, 0.0, 0.2));
     float facing = max(uLightDirection.z, 0.0) * 0.75 + 0.2;
     vColor = turf * (uAmbient.rgb + light * facing / PI);
+#ifdef LIGHTS
+    vColor += turf * 0.6 * lampAround(foot + vec3(0.0, 0.0, 0.1));
+#endif
     vHaze = vec4(hazeColor(p.xy), clearness(p));
     gl_Position = uProjection * vec4(mat3(uView) * p, 1.0);
 }

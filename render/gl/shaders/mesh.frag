@@ -138,6 +138,14 @@ void main() {
     vec3 ambient = uAmbient.rgb * mix(vec3(0.30, 0.34, 0.36), vec3(1.0), normal.z * 0.5 + 0.5);
 
     vec3 diffuse = albedo * (1.0 - metal) * (ambient + light * facing / PI);
+#ifdef LIGHTS
+    vec3 shine = vec3(0.0);
+#ifdef MATTE
+    diffuse += albedo * lampLight(vPosition, normal);
+#else
+    diffuse += albedo * (1.0 - metal) * lampLight(vPosition, normal, toEye, max(rough * rough * rough * rough, 4e-4), shine);
+#endif
+#endif
     // What shines by itself looks nearly the same to an eye used to the dark and to one that isn't.
     vec3 glow = uColor.rgb * (uSurface.z * pow(0.3 / uLight.w, 0.92));
     float clear = clearness(vPosition);
@@ -156,6 +164,9 @@ void main() {
     vec3 mirrored = reflect(-toEye, normal);
     vec3 environment = skyAt(mirrored, mix(1.0, 5.5, rough)) * (mirrored.z < 0.0 ? 0.22 : 1.0);
     vec3 specular = light * facing * lobe * fresnel * 0.25 + environment * fresnel * mix(1.0, 0.3, rough);
+#ifdef LIGHTS
+    specular += shine * fresnel;
+#endif
 #endif
 #if defined(GLASS) // premultiplied: a pane keeps its reflections however clear it is
     float a = clamp(opacity + fresnel.g * 0.8, 0.0, 1.0);

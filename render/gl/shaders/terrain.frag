@@ -56,5 +56,8 @@ void main() {
     vec3 light = uLight.rgb * lightReaching(vPosition + normal * 0.05);
     vec3 ambient = uAmbient.rgb * mix(vec3(0.35), vec3(1.0), normal.z * 0.5 + 0.5);
     vec3 color = albedo * (ambient + light * max(dot(normal, uLightDirection.xyz), 0.0) / PI);
+#ifdef LIGHTS
+    color += albedo * lampLight(vPosition, normal);
+#endif
     oColor = vec4(mix(vHaze.rgb, color, vHaze.w), 1.0);
 }

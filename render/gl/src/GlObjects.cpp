@@ -208,13 +208,16 @@ bool Program::finish() {
                       isLinked(m_id, m_vertex_files, m_fragment_files);
     dropShaders();
     if (!good) return false;
-    const GLuint block = glGetUniformBlockIndex(m_id, "Frame");
-    if (block != GL_INVALID_INDEX) glUniformBlockBinding(m_id, block, FRAME_BLOCK);
+    for (const auto& [name, binding] : {std::pair("Frame", FRAME_BLOCK), {"Lights", LIGHT_BLOCK}}) {
+        const GLuint block = glGetUniformBlockIndex(m_id, name);
+        if (block != GL_INVALID_INDEX) glUniformBlockBinding(m_id, block, binding);
+    }
     use();
     set("uSkyMap", UNIT_SKY);
     set("uShadowMap", UNIT_SHADOW);
     set("uShadowFarMap", UNIT_SHADOW_FAR);
     set("uNoise", UNIT_NOISE);
+    set("uLightCells", UNIT_LIGHTS);
     for (const Sampler& sampler : std::exchange(m_samplers, {}))
         set(sampler.name, sampler.unit);
     return true;

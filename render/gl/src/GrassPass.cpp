@@ -5,6 +5,7 @@
 #include "ig/math/EllipsoidModel.h"
 #include "ig/scene/SceneObjects.h"
 #include "ig/scene/World.h"
+#include "render/scene/LightList.h"
 #include "render/scene/SurfaceLook.h"
 
 #include <algorithm>
@@ -50,6 +51,7 @@ struct Lattice {
 
 void GrassPass::init() {
     m_program.start("grass.vert", "grass.frag");
+    m_lit_program.start("lights.glsl grass.vert", "grass.frag", "LIGHTS");
     m_buffer.create();
     m_vertex_array.create();
     glBindVertexArray(m_vertex_array.getId());
@@ -149,7 +151,7 @@ void GrassPass::purge() {
 // ------------------------------------------------------------------ a frame
 
 void GrassPass::draw(const FrameView& view, const World& world, const ObjectTerrain& terrain,
-                     const std::vector<const NodeField*>& fields) {
+                     const std::vector<const NodeField*>& fields, const LightList& lights) {
     m_instances.clear();
     if (view.everything)
         m_instances.push_back({vec4(0, 5, 0, 0.1f), vec4()}); // nothing is planted for a rehearsal
@@ -157,10 +159,11 @@ void GrassPass::draw(const FrameView& view, const World& world, const ObjectTerr
         gather(view, world, terrain);
     if (m_instances.empty()) return;
     gl::stream(m_vertex_array, m_buffer, std::as_bytes(std::span(m_instances)));
-    m_program.use();
-    m_program.set("uTurf", TerrainPass::readTurf(terrain.getSurfaceMaterial(0)));
-    m_program.set("uReach", REACH);
-    setField(view, fields);
+    gl::Program& program = lights.reach({}, REACH) ? m_lit_program : m_program;
+    program.use();
+    program.set("uTurf", TerrainPass::readTurf(terrain.getSurfaceMaterial(0)));
+    program.set("uReach", REACH);
+    setField(program, view, fields);
     constexpr int VERTICES = 15; // five blades of one triangle
     glDrawArraysInstanced(GL_TRIANGLES, 0, VERTICES, static_cast<GLsizei>(m_instances.size()));
 }
@@ -229,7 +232,8 @@ void GrassPass::addInstances(const FrameView& view, const Square& square) {
 }
 
 /// The field that is nearest to the eye.
-void GrassPass::setField(const FrameView& view, const std::vector<const NodeField*>& fields) {
+void GrassPass::setField(gl::Program& program, const FrameView& view,
+                         const std::vector<const NodeField*>& fields) {
     vec4 place(0, 0, 0, 0), motion(0, 0, 0, 0);
     float nearest = 1e9f;
     for (const NodeField* field : fields) {
@@ -240,8 +244,8 @@ void GrassPass::setField(const FrameView& view, const std::vector<const NodeFiel
         motion = {field->getParameter(0), field->getParameter(1), field->getParameter(2),
                   field->getReach().y};
     }
-    m_program.set("uField", place);
-    m_program.set("uFieldMotion", motion);
+    program.set("uField", place);
+    program.set("uFieldMotion", motion);
 }
 
 } // namespace ig

@@ -12,6 +12,7 @@
 namespace ig {
 
 class NodeField;
+class LightList;
 class World;
 
 /// Grass around an eye near the ground: tufts of five blades that stand where the open ground of
@@ -27,7 +28,7 @@ public:
     /// Places tufts that are missing, draws those in view. After the opaque passes. `fields` are
     /// the scene's; there may be none.
     void draw(const FrameView& view, const World& world, const ObjectTerrain& terrain,
-              const std::vector<const NodeField*>& fields);
+              const std::vector<const NodeField*>& fields, const LightList& lights);
 
 private:
     struct Tuft {
@@ -54,10 +55,11 @@ private:
     void plant(Square& square, const World& world, const ObjectTerrain& terrain,
                std::int32_t column, std::int32_t row) const;
     void addInstances(const FrameView& view, const Square& square);
-    void setField(const FrameView& view, const std::vector<const NodeField*>& fields);
+    static void setField(gl::Program& program, const FrameView& view,
+                         const std::vector<const NodeField*>& fields);
     void purge();
 
-    gl::Program m_program;
+    gl::Program m_program, m_lit_program; ///< the other one is for lamps or fires near the eye
     gl::VertexArray m_vertex_array;
     gl::Buffer m_buffer;
     std::unordered_map<std::uint64_t, Square> m_squares;

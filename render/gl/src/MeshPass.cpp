@@ -3,6 +3,7 @@
 
 #include "SkyPass.h"
 #include "ig/scene/Mesh.h"
+#include "render/scene/LightList.h"
 #include "render/scene/packNormal.h"
 
 #include <algorithm>
@@ -33,6 +34,9 @@ void MeshPass::init() {
     static_assert(std::size(variants) == NUM_SHADINGS);
     for (int i = 0; i < NUM_SHADINGS; i++)
         m_programs[i].start("mesh.vert", "shadow.glsl mesh.frag", variants[i]);
+    for (int i = 0; i < NUM_LIT; i++)
+        m_lit_programs[i].start("mesh.vert", "shadow.glsl lights.glsl mesh.frag",
+                                std::string(variants[i]) + " LIGHTS");
     m_depth_program.start("shadow.vert", "shadow.frag");
 }
 
@@ -93,13 +97,13 @@ void MeshPass::purge() {
 
 // ------------------------------------------------------------------ a frame
 
-void MeshPass::upload(const SceneList& list, const SkyPass& sky) {
+void MeshPass::upload(const SceneList& list, const LightList& lights, const SkyPass& sky) {
     purge();
     m_instances.clear();
-    addBatches(list.casters, m_casters, sky);
-    addBatches(list.far_casters, m_far_casters, sky);
-    addBatches(list.opaque, m_opaque, sky);
-    addBatches(list.transparent, m_transparent, sky);
+    addBatches(list.casters, m_casters, lights, sky);
+    addBatches(list.far_casters, m_far_casters, lights, sky);
+    addBatches(list.opaque, m_opaque, lights, sky);
+    addBatches(list.transparent, m_transparent, lights, sky);
     // Near ones first, so that what they hide is not shaded. Where surfaces touch, the first drawn
     // shows: among equals that of the scene.
     std::sort(m_opaque.begin(), m_opaque.end(), [](const Batch& a, const Batch& b) {
@@ -110,8 +114,12 @@ void MeshPass::upload(const SceneList& list, const SkyPass& sky) {
                  GL_STREAM_DRAW);
 }
 
+bool MeshPass::isLit(const MeshItem& item, const LightList& lights) {
+    return choose(item.look) < NUM_LIT && lights.reach(item.bounds.xyz(), item.bounds.w);
+}
+
 void MeshPass::addBatches(const std::vector<MeshItem>& items, std::vector<Batch>& batches,
-                          const SkyPass& sky) {
+                          const LightList& lights, const SkyPass& sky) {
     batches.clear();
     for (const MeshItem& item : items) {
         const MeshItem* last = batches.empty() ? nullptr : batches.back().item;
@@ -119,9 +127,10 @@ void MeshPass::addBatches(const std::vector<MeshItem>& items, std::vector<Batch>
             last->look == item.look) {
             batches.back().count++;
             batches.back().distance = std::min(batches.back().distance, item.distance);
+            batches.back().lit = batches.back().lit || isLit(item, lights);
         } else {
-            batches.push_back(
-                {&find(*item.mesh), &item, static_cast<int>(m_instances.size()), 1, item.distance});
+            batches.push_back({&find(*item.mesh), &item, static_cast<int>(m_instances.size()), 1,
+                               item.distance, isLit(item, lights)});
         }
         const auto& c = item.transform.columns;
         m_instances.push_back({{{c[0].x, c[1].x, c[2].x, c[3].x},
@@ -174,7 +183,7 @@ void MeshPass::draw(const std::vector<Batch>& batches) {
     const gl::Program* used = nullptr;
     for (const Batch& batch : batches) {
         const SurfaceLook& look = batch.item->look;
-        gl::Program& program = m_programs[choose(look)];
+        gl::Program& program = (batch.lit ? m_lit_programs : m_programs)[choose(look)];
         if (&program != used) program.use();
         used = &program;
         setLook(program, look, batch.getRange().has_places);

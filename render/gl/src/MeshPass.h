@@ -10,6 +10,7 @@
 
 namespace ig {
 
+class LightList;
 class SkyPass;
 
 /// Draws the meshes of the scene, lit by the key light and the sky. Keeps a copy of each mesh on
@@ -19,7 +20,7 @@ public:
     void init();
 
     /// Brings the instances of this frame to the device; before the draws.
-    void upload(const SceneList& list, const SkyPass& sky);
+    void upload(const SceneList& list, const LightList& lights, const SkyPass& sky);
     void drawOpaque();
     void drawTransparent();
     /// Depth only, into the shadow maps that the frame block places.
@@ -44,6 +45,7 @@ private:
         const MeshItem* item; ///< the first, for surface and look
         int first, count;     ///< instances
         float distance;
+        bool lit; ///< by lamps or fires
         const DeviceMesh::Range& getRange() const {
             return mesh->surfaces[static_cast<std::size_t>(item->surface)];
         }
@@ -54,21 +56,25 @@ private:
     };
 
     /// Ways to shade, one program each: what a surface doesn't need, no pixel of it pays for.
+    /// Lamps and fires light the first ones, by further programs.
     enum Shading { PLAIN, TEXTURED, PAVED, SOAKED, PAINTED, DECAL, GLASS, ROTOR, NUM_SHADINGS };
+    static constexpr int NUM_LIT = GLASS;
     static Shading choose(const SurfaceLook& look);
 
     const DeviceMesh& find(const std::shared_ptr<const Mesh>& mesh);
     void fill(DeviceMesh& device, const Mesh& mesh) const;
     void pointToInstances(int first) const;
     void addBatches(const std::vector<MeshItem>& items, std::vector<Batch>& batches,
-                    const SkyPass& sky);
+                    const LightList& lights, const SkyPass& sky);
     void drawInstances(const Batch& batch) const;
     void draw(const std::vector<Batch>& batches);
     void drawDepth(const std::vector<Batch>& batches, const vec4& plane, const vec4& depth);
     void setLook(gl::Program& program, const SurfaceLook& look, bool has_places);
     void purge();
 
-    gl::Program m_programs[NUM_SHADINGS], m_depth_program;
+    static bool isLit(const MeshItem& item, const LightList& lights);
+
+    gl::Program m_programs[NUM_SHADINGS], m_lit_programs[NUM_LIT], m_depth_program;
     TextureStore m_textures;
     gl::Buffer m_instance_buffer;
     std::unordered_map<const Mesh*, DeviceMesh> m_meshes;

@@ -4,6 +4,7 @@
 #include "GlObjects.h"
 #include "GrassPass.h"
 #include "HeadlessContext.h"
+#include "LightTable.h"
 #include "MeshPass.h"
 #include "OceanPass.h"
 #include "ShadowMap.h"
@@ -79,6 +80,7 @@ struct RendererGL::Impl {
     void renderScene(const World& world, const Camera& camera, const FrameInfo& frame);
     void prepare(const World& world, const Camera& camera, const FrameInfo& frame);
     void uploadBlock();
+    void gatherLights(const FrameInfo& frame);
     void drawShadows();
     void drawScene(const World& world);
     void finishPicture();
@@ -113,7 +115,9 @@ struct RendererGL::Impl {
     UiPass ui;
     ViewportPass viewports;
     gl::Texture noise;
+    LightTable light_table;
     SceneList list;
+    LightList lights;
     SpriteList sprite_list;
     WakeList wake_list;
     FrameView view;
@@ -150,7 +154,8 @@ bool RendererGL::init(int width, int height) {
 }
 
 bool RendererGL::Impl::initPasses() {
-    block_buffer.create();
+    light_table.init();
+    block_buffer.create(); // after it: this one stays bound
     glBindBuffer(GL_UNIFORM_BUFFER, block_buffer.getId());
     glBufferData(GL_UNIFORM_BUFFER, sizeof(FrameBlock), nullptr, GL_DYNAMIC_DRAW);
     glBindBufferBase(GL_UNIFORM_BUFFER, gl::FRAME_BLOCK, block_buffer.getId());
@@ -276,6 +281,7 @@ void RendererGL::Impl::prepare(const World& world, const Camera& camera, const F
     decals.gather(world, view, list);
     list.sort();
     fitFarShadow(list.far_bounds, block);
+    gatherLights(frame);
     sprite_list.gather(view, frame, list.lamps, list.cables);
     wake_list.gather(view, frame.particles, list.decals);
     if (rehearsal) {
@@ -283,9 +289,22 @@ void RendererGL::Impl::prepare(const World& world, const Camera& camera, const F
         Samples::addTo(wake_list);
     }
     uploadBlock();
-    meshes.upload(list, sky);
+    light_table.upload(view, lights);
+    meshes.upload(list, lights, sky);
     if (list.ocean) ocean.upload(list.ocean->getFrame());
     gl::bindTexture(gl::UNIT_NOISE, noise);
+}
+
+/// Of a rehearsal's views one is lit by lamps and the others by none, so that all programs are met.
+void RendererGL::Impl::gatherLights(const FrameInfo& frame) {
+    const vec3 white(0.3f, 0.6f, 0.1f); // luminance
+    const float ground =
+        dot(block.ambient.xyz(), white) +
+        dot(block.light.xyz(), white) / PI * std::max(block.light_direction.z, 0.0f);
+    lights.gather(view, frame, list.lights, ground);
+    if (!rehearsal) return;
+    lights.lights.clear();
+    if (block.sun_direction.z < 0) Samples::addTo(lights);
 }
 
 void RendererGL::Impl::uploadBlock() {
@@ -317,9 +336,9 @@ void RendererGL::Impl::drawScene(const World& world) {
     glClear(GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
     meshes.drawOpaque();
     clock.mark("meshes");
-    if (list.terrain) terrain.draw(view, *list.terrain);
+    if (list.terrain) terrain.draw(view, *list.terrain, lights);
     clock.mark("terrain");
-    if (list.terrain) grass.draw(view, world, *list.terrain, list.fields);
+    if (list.terrain) grass.draw(view, world, *list.terrain, list.fields, lights);
     clock.mark("grass");
     if (list.ocean) ocean.draw(view, list.ocean->getFrame(), list.downdraughts, wakes, *canvas);
     clock.mark("ocean");
@@ -328,7 +347,7 @@ void RendererGL::Impl::drawScene(const World& world) {
     clock.mark("sky");
     meshes.drawTransparent();
     clock.mark("transparent");
-    sprites.draw(view, sprite_list.sprites, canvas->depth);
+    sprites.draw(view, sprite_list.sprites, canvas->depth, !lights.lights.empty());
     clock.mark("sprites");
 }
 

@@ -9,6 +9,7 @@ namespace ig {
 
 void SpritePass::init() {
     m_program.start("sprite.vert", "sprite.frag");
+    m_lit_program.start("lights.glsl sprite.vert", "sprite.frag", "LIGHTS");
     m_buffer.create();
     m_vertex_array.create();
     glBindVertexArray(m_vertex_array.getId());
@@ -33,21 +34,22 @@ void SpritePass::init() {
 }
 
 void SpritePass::draw(const FrameView& view, const std::vector<Sprite>& sprites,
-                      const gl::Texture& depth) {
+                      const gl::Texture& depth, bool lit) {
     if (sprites.empty()) return;
     gl::stream(m_vertex_array, m_buffer, std::as_bytes(std::span(sprites)));
     glEnable(GL_BLEND);
     glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     glDepthMask(GL_FALSE);
-    m_program.use();
+    gl::Program& program = lit ? m_lit_program : m_program;
+    program.use();
     // Only read meanwhile: depth writes are off.
     gl::bindTexture(gl::UNIT_FIRST_OWN, depth);
     gl::bindTexture(gl::UNIT_FIRST_OWN + 1, m_sheet);
-    m_program.set("uDepth", gl::UNIT_FIRST_OWN);
-    m_program.set("uSheet", gl::UNIT_FIRST_OWN + 1);
+    program.set("uDepth", gl::UNIT_FIRST_OWN);
+    program.set("uSheet", gl::UNIT_FIRST_OWN + 1);
     const bool soft = gl::hasClipControl() && !view.orthographic;
-    m_program.set("uNearFar", vec4(static_cast<float>(view.near), static_cast<float>(view.far),
-                                   soft ? 1.0f : 0.0f, 0));
+    program.set("uNearFar", vec4(static_cast<float>(view.near), static_cast<float>(view.far),
+                                 soft ? 1.0f : 0.0f, 0));
     glDrawArraysInstanced(GL_TRIANGLE_STRIP, 0, 4, static_cast<GLsizei>(sprites.size()));
     glDepthMask(GL_TRUE);
     glDisable(GL_BLEND);

@@ -10,11 +10,13 @@ namespace ig {
 class SpritePass {
 public:
     void init();
-    /// `depth` of the scene, in which soft particles end softly.
-    void draw(const FrameView& view, const std::vector<Sprite>& sprites, const gl::Texture& depth);
+    /// `depth` of the scene, in which soft particles end softly; `lit`: lamps or fires may shine on
+    /// them.
+    void draw(const FrameView& view, const std::vector<Sprite>& sprites, const gl::Texture& depth,
+              bool lit);
 
 private:
-    gl::Program m_program;
+    gl::Program m_program, m_lit_program;
     gl::VertexArray m_vertex_array;
     gl::Buffer m_buffer;
     gl::Texture m_sheet;

@@ -59,7 +59,10 @@ std::vector<std::uint16_t> triangulate(const std::vector<char>& has_data, int ed
 
 } // namespace
 
-void TerrainPass::init() { m_program.start("terrain.vert", "shadow.glsl terrain.frag"); }
+void TerrainPass::init() {
+    m_program.start("terrain.vert", "shadow.glsl terrain.frag");
+    m_lit_program.start("terrain.vert", "shadow.glsl lights.glsl terrain.frag", "LIGHTS");
+}
 
 std::uint64_t TerrainPass::key(const Square& square) {
     return static_cast<std::uint64_t>(square.step) << 48 |
@@ -93,27 +96,34 @@ void TerrainPass::purge() {
             entry->second.last_drawn < m_frame - KEPT ? m_chunks.erase(entry) : std::next(entry);
 }
 
-void TerrainPass::draw(const FrameView& view, const ObjectTerrain& terrain) {
+void TerrainPass::draw(const FrameView& view, const ObjectTerrain& terrain,
+                       const LightList& lights) {
     const TerrainGrid& grid = terrain.getGrid();
     m_frame++;
     if (grid.empty()) return;
     adopt(grid);
     purge();
-    m_program.use();
-    const Material* material = terrain.getSurfaceMaterial(0);
-    m_program.set("uTurf", readTurf(material));
-    m_program.set("uShore", readValue(material, "shore_color", {0.62f, 0.54f, 0.38f, 1}).xyz());
-    m_program.set("uRock", readValue(material, "rock_color", {0.1f, 0.09f, 0.085f, 1}).xyz());
-    m_program.set("uGround",
-                  vec4(readSlider(material, "shore_height", SHORE_HEIGHT),
-                       readSlider(material, "rock_slope", 0.7f), readSlider(material, "wetness", 0),
-                       readSlider(material, "ice", 0)));
+    m_material = terrain.getSurfaceMaterial(0);
+    m_lights = &lights;
+    m_used = nullptr;
     glEnable(GL_CULL_FACE);
     int step = 1;
     while (CELLS * step < std::max(grid.columns, grid.rows) - 1)
         step *= 2;
     visit(view, grid, {0, 0, step});
     glDisable(GL_CULL_FACE);
+}
+
+void TerrainPass::use(gl::Program& program) {
+    program.use();
+    m_used = &program;
+    program.set("uTurf", readTurf(m_material));
+    program.set("uShore", readValue(m_material, "shore_color", {0.62f, 0.54f, 0.38f, 1}).xyz());
+    program.set("uRock", readValue(m_material, "rock_color", {0.1f, 0.09f, 0.085f, 1}).xyz());
+    program.set("uGround",
+                vec4(readSlider(m_material, "shore_height", SHORE_HEIGHT),
+                     readSlider(m_material, "rock_slope", 0.7f),
+                     readSlider(m_material, "wetness", 0), readSlider(m_material, "ice", 0)));
 }
 
 /// Lowest and highest sample of a square; kept.
@@ -170,20 +180,23 @@ void TerrainPass::visit(const FrameView& view, const TerrainGrid& grid, const Sq
                 visit(view, grid, {square.column + dc, square.row + dr, square.step / 2});
         return;
     }
-    drawChunk(view, grid, square);
+    drawChunk(view, grid, square, m_lights->reach(center, radius));
 }
 
-void TerrainPass::drawChunk(const FrameView& view, const TerrainGrid& grid, const Square& square) {
+void TerrainPass::drawChunk(const FrameView& view, const TerrainGrid& grid, const Square& square,
+                            bool lit) {
+    gl::Program& program = lit ? m_lit_program : m_program;
+    if (&program != m_used) use(program);
     Chunk& chunk = m_chunks[key(square)];
     if (!chunk.vertex_array) fill(chunk, grid, square);
     chunk.last_drawn = m_frame;
     const mat4 transform = view.toFrame(chunk.frame);
     const auto& c = transform.columns;
-    m_program.set("uRow0", vec4(c[0].x, c[1].x, c[2].x, c[3].x));
-    m_program.set("uRow1", vec4(c[0].y, c[1].y, c[2].y, c[3].y));
-    m_program.set("uRow2", vec4(c[0].z, c[1].z, c[2].z, c[3].z));
-    m_program.set("uPatch",
-                  vec2{static_cast<float>(chunk.patch.x), static_cast<float>(chunk.patch.y)});
+    program.set("uRow0", vec4(c[0].x, c[1].x, c[2].x, c[3].x));
+    program.set("uRow1", vec4(c[0].y, c[1].y, c[2].y, c[3].y));
+    program.set("uRow2", vec4(c[0].z, c[1].z, c[2].z, c[3].z));
+    program.set("uPatch",
+                vec2{static_cast<float>(chunk.patch.x), static_cast<float>(chunk.patch.y)});
     glBindVertexArray(chunk.vertex_array.getId());
     glDrawElements(GL_TRIANGLES, chunk.num_indices, GL_UNSIGNED_SHORT, nullptr);
 }

@@ -4,6 +4,7 @@
 #include "GlObjects.h"
 #include "plugins/terrain/ObjectTerrain.h"
 #include "render/scene/FrameView.h"
+#include "render/scene/LightList.h"
 
 #include <unordered_map>
 #include <vector>
@@ -20,7 +21,7 @@ namespace ig {
 class TerrainPass {
 public:
     void init();
-    void draw(const FrameView& view, const ObjectTerrain& terrain);
+    void draw(const FrameView& view, const ObjectTerrain& terrain, const LightList& lights);
     /// Place in the noise that colours the ground, m, of a geodetic place.
     static dvec2 placeInNoise(const TerrainGrid& grid, double longitude, double latitude);
     static constexpr float SHORE_HEIGHT = 3.5f; ///< where the beach ends, unless the material tells
@@ -45,17 +46,21 @@ private:
 
     void adopt(const TerrainGrid& grid);
     Extent measure(const Square& square);
+    void use(gl::Program& program);
     void visit(const FrameView& view, const TerrainGrid& grid, const Square& square);
-    void drawChunk(const FrameView& view, const TerrainGrid& grid, const Square& square);
+    void drawChunk(const FrameView& view, const TerrainGrid& grid, const Square& square, bool lit);
     void fill(Chunk& chunk, const TerrainGrid& grid, const Square& square);
     void purge();
     static std::uint64_t key(const Square& square);
 
-    gl::Program m_program;
+    gl::Program m_program, m_lit_program; ///< the other one is for chunks that lamps or fires light
+    gl::Program* m_used = nullptr;
     std::unordered_map<std::uint64_t, Chunk> m_chunks;
     std::unordered_map<std::uint64_t, Extent> m_extents;
     const float* m_heights = nullptr; ///< whose chunks these are
     const TerrainGrid* m_grid = nullptr;
+    const Material* m_material = nullptr; ///< of the ground, may be null
+    const LightList* m_lights = nullptr;  ///< of the frame
     int m_frame = 0;
 };
 

@@ -40,7 +40,7 @@ void DecalStore::gather(const World& world, const FrameView& view, SceneList& li
         const float distance = length(place);
         if (view.everything) {
             if (!m_level) m_level = makeLevel();
-            list.transparent.push_back({&m_level, 0, transform, distance, look});
+            list.transparent.push_back({&m_level, 0, transform, distance, look, {place, radius}});
             continue;
         }
         if (!view.sees(place, radius) || 2 * radius < LEAST_PIXELS * view.pixel_angle * distance)
@@ -52,7 +52,9 @@ void DecalStore::gather(const World& world, const FrameView& view, SceneList& li
             sheet = {lay(world, *decal), size, 0};
         }
         sheet.last_used = m_frame;
-        if (sheet.mesh) list.transparent.push_back({&sheet.mesh, 0, transform, distance, look});
+        if (sheet.mesh)
+            list.transparent.push_back(
+                {&sheet.mesh, 0, transform, distance, look, {place, radius}});
     }
 }
 

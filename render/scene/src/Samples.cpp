@@ -9,7 +9,7 @@ Samples::Samples() : m_mesh(Mesh::getPlaceholder()), m_picture(Mesh::MISSING_PIC
 
 void Samples::addTo(SceneList& list) const {
     constexpr float AHEAD = 5; // m
-    MeshItem item{&m_mesh, 0, mat4(), AHEAD, {}};
+    MeshItem item{&m_mesh, 0, mat4(), AHEAD, {}, {0, AHEAD, 0, 2}};
     item.transform.columns[3] = {0, AHEAD, 0, 1};
     const auto add = [&](auto change) {
         item.look = {};
@@ -37,6 +37,11 @@ void Samples::addTo(SceneList& list) const {
 
 void Samples::addTo(SpriteList& list) {
     list.sprites.push_back({{0, 5, 0}, 1, {1, 1, 1, 0.5f}, 0, 0, 0, 0, {}, 0, 5});
+}
+
+void Samples::addTo(LightList& list) {
+    constexpr float FAR = 1e5f; // m: everything is lit
+    list.lights = {{{0, 5, 2}, {0, 1, 0}, {FAR, FAR, FAR}, FAR, {-1, -1.1f}, 1, 0, 0, nullptr}};
 }
 
 void Samples::addTo(WakeList& list) {

@@ -106,7 +106,7 @@ void SceneList::addMesh(const Node& node) {
     if (!seen && !casts) return;
     const bool casts_far = seen && castsFar(center, radius);
     if (casts_far) far_bounds.push_back(vec4(center, radius));
-    MeshItem item{&object.getMesh(), 0, m_view->toFrame(world), distance, {}};
+    MeshItem item{&object.getMesh(), 0, m_view->toFrame(world), distance, {}, {center, radius}};
     for (int i = 0; i < object.getNumSurfaces(); i++) {
         item.surface = i;
         item.look = SurfaceLook::read(object.getSurfaceMaterial(i));

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ig/base/jString.h"
+#include "render/scene/LightList.h"
 #include "render/scene/SceneList.h"
 #include "render/scene/SpriteList.h"
 #include "render/scene/WakeList.h"
@@ -21,6 +22,8 @@ public:
     void addTo(SceneList& list) const;
     static void addTo(SpriteList& list);
     static void addTo(WakeList& list);
+    /// A light that reaches all there is, and nothing else.
+    static void addTo(LightList& list);
 
 private:
     std::shared_ptr<const Mesh> m_mesh;

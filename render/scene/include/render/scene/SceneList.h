@@ -28,6 +28,7 @@ struct MeshItem {
     mat4 transform; ///< mesh to E
     float distance; ///< of the object's middle from the eye, m
     SurfaceLook look;
+    vec4 bounds;   ///< sphere of the object in E; w: radius, m
     int order = 0; ///< in which it came into its list; settles what else would be any
 };
 
