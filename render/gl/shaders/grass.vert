@@ -3,7 +3,6 @@
 layout(location = 0) in vec4 aPlace; // foot in the eye's frame; w: height, m
 layout(location = 1) in vec4 aLook;  // place in the ground's noise, m; chance
 uniform sampler2D uNoise;
-uniform sampler2DShadow uShadowMap;
 uniform vec3 uTurf;
 uniform float uReach;
 uniform vec4 uField;       // place in the eye's frame; w: radius, m; 0: none
@@ -27,13 +26,6 @@ vec3 wind(vec3 foot, float chance) {
     return vec3(push, 1.0);
 }
 
-// The key light's share by one look at the shadow map: a blade is too small for more.
-float litOnce(vec3 p) {
-    vec3 q = (uShadow * vec4(p, 1.0)).xyz;
-    vec2 edge = abs(q.xy - 0.5);
-    return uLightDirection.w < 0.5 || max(edge.x, edge.y) > 0.48 || q.z >= 1.0 ? 1.0 : texture(uShadowMap, q);
-}
-
 void main() {
     int blade = gl_VertexID / 3, corner = gl_VertexID - 3 * blade;
     vec3 foot = aPlace.xyz;
@@ -55,7 +47,7 @@ void main() {
     float dryness = textureLod(uNoise, aLook.yx / 2880.0, 0.0).y * 0.45 + textureLod(uNoise, aLook.xy / 720.0, 0.0).y * 0.35 + 0.05;
     vec3 turf = mix(uTurf * vec3(0.36, 0.40, 0.45), uTurf * vec3(0.92, 0.68, 0.98), smoothstep(0.2, 0.8, dryness + 0.3 * (chance - 0.5)));
     turf *= corner == 2 ? 1.35 : 0.75;
-    vec3 light = uLight.rgb * litOnce(foot + vec3(0.0, 0.0, 0.2));
+    vec3 light = uLight.rgb * lightReachingOnce(foot + vec3(0.0, 0.0, 0.2));
     float facing = max(uLightDirection.z, 0.0) * 0.75 + 0.2;
     vColor = turf * (uAmbient.rgb + light * facing / PI);
 #ifdef LIGHTS

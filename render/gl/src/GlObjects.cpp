@@ -215,7 +215,6 @@ bool Program::finish() {
     use();
     set("uSkyMap", UNIT_SKY);
     set("uShadowMap", UNIT_SHADOW);
-    set("uShadowFarMap", UNIT_SHADOW_FAR);
     set("uNoise", UNIT_NOISE);
     set("uLightCells", UNIT_LIGHTS);
     for (const Sampler& sampler : std::exchange(m_samplers, {}))

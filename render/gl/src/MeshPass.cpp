@@ -65,6 +65,7 @@ void MeshPass::fill(DeviceMesh& device, const Mesh& mesh) const {
         for (const std::uint32_t index : s.indices)
             indices.push_back(base + index);
     }
+    device.whole = {0, static_cast<int>(indices.size()), false};
     gl::makeVertexArray(device.vertex_array, device.vertices, std::as_bytes(std::span(vertices)),
                         device.indices, std::as_bytes(std::span(indices)));
     constexpr GLsizei STRIDE = sizeof(Vertex);
@@ -97,13 +98,13 @@ void MeshPass::purge() {
 
 // ------------------------------------------------------------------ a frame
 
-void MeshPass::upload(const SceneList& list, const LightList& lights, const SkyPass& sky) {
+void MeshPass::upload(const SceneList& list, const ShadowCasters& casters, const LightList& lights,
+                      const SkyPass& sky) {
     purge();
     m_instances.clear();
-    addBatches(list.casters, m_casters, lights, sky);
-    addBatches(list.far_casters, m_far_casters, lights, sky);
     addBatches(list.opaque, m_opaque, lights, sky);
     addBatches(list.transparent, m_transparent, lights, sky);
+    addCasters(casters);
     // Near ones first, so that what they hide is not shaded. Where surfaces touch, the first drawn
     // shows: among equals that of the scene.
     std::sort(m_opaque.begin(), m_opaque.end(), [](const Batch& a, const Batch& b) {
@@ -116,6 +117,14 @@ void MeshPass::upload(const SceneList& list, const LightList& lights, const SkyP
 
 bool MeshPass::isLit(const MeshItem& item, const LightList& lights) {
     return choose(item.look) < NUM_LIT && lights.reach(item.bounds.xyz(), item.bounds.w);
+}
+
+MeshPass::Instance MeshPass::toInstance(const mat4& transform, const vec3& haze) {
+    const auto& c = transform.columns;
+    return {{{c[0].x, c[1].x, c[2].x, c[3].x},
+             {c[0].y, c[1].y, c[2].y, c[3].y},
+             {c[0].z, c[1].z, c[2].z, c[3].z}},
+            {haze, 0}};
 }
 
 void MeshPass::addBatches(const std::vector<MeshItem>& items, std::vector<Batch>& batches,
@@ -132,27 +141,48 @@ void MeshPass::addBatches(const std::vector<MeshItem>& items, std::vector<Batch>
             batches.push_back({&find(*item.mesh), &item, static_cast<int>(m_instances.size()), 1,
                                item.distance, isLit(item, lights)});
         }
-        const auto& c = item.transform.columns;
-        m_instances.push_back({{{c[0].x, c[1].x, c[2].x, c[3].x},
-                                {c[0].y, c[1].y, c[2].y, c[3].y},
-                                {c[0].z, c[1].z, c[2].z, c[3].z}},
-                               {sky.getHaze({c[3].x, c[3].y}), 0}});
+        const vec3 place = item.transform.getTranslate();
+        m_instances.push_back(toInstance(item.transform, sky.getHaze({place.x, place.y})));
+    }
+}
+
+void MeshPass::addCasters(const ShadowCasters& casters) {
+    m_casters.clear();
+    m_first_caster = static_cast<int>(m_instances.size());
+    for (const ShadowCasters::Job& job : casters.getJobs()) {
+        const auto items = casters.getItems().subspan(static_cast<std::size_t>(job.first),
+                                                      static_cast<std::size_t>(job.count));
+        const ShadowCasters::Item* last = nullptr;
+        for (const ShadowCasters::Item& item : items) {
+            if (last && last->mesh->get() == item.mesh->get() && last->surface == item.surface) {
+                m_casters.back().count++;
+            } else {
+                const DeviceMesh& mesh = find(*item.mesh);
+                m_casters.push_back({&mesh,
+                                     item.surface < 0
+                                         ? &mesh.whole
+                                         : &mesh.surfaces[static_cast<std::size_t>(item.surface)],
+                                     static_cast<int>(m_instances.size()), 1});
+            }
+            last = &item;
+            m_instances.push_back(toInstance(item.transform, {}));
+        }
     }
 }
 
 /// A vertex array that is pointed elsewhere for each draw makes some drivers compile the vertex
 /// shaders once more after a number of frames: where the draw itself can tell its first instance,
 /// arrays stay as they are made.
-void MeshPass::drawInstances(const Batch& batch) const {
-    const DeviceMesh::Range& range = batch.getRange();
+void MeshPass::drawInstances(const DeviceMesh& mesh, const DeviceMesh::Range& range, int first,
+                             int count) const {
     const auto* const indices = reinterpret_cast<const void*>(range.first);
-    glBindVertexArray(batch.mesh->vertex_array.getId());
+    glBindVertexArray(mesh.vertex_array.getId());
     if (m_has_base_instance) {
         glDrawElementsInstancedBaseInstance(GL_TRIANGLES, range.count, GL_UNSIGNED_INT, indices,
-                                            batch.count, static_cast<GLuint>(batch.first));
+                                            count, static_cast<GLuint>(first));
     } else {
-        pointToInstances(batch.first);
-        glDrawElementsInstanced(GL_TRIANGLES, range.count, GL_UNSIGNED_INT, indices, batch.count);
+        pointToInstances(first);
+        glDrawElementsInstanced(GL_TRIANGLES, range.count, GL_UNSIGNED_INT, indices, count);
     }
 }
 
@@ -188,7 +218,7 @@ void MeshPass::draw(const std::vector<Batch>& batches) {
         used = &program;
         setLook(program, look, batch.getRange().has_places);
         if (look.two_sided) glDisable(GL_CULL_FACE);
-        drawInstances(batch);
+        drawInstances(*batch.mesh, batch.getRange(), batch.first, batch.count);
         if (look.two_sided) glEnable(GL_CULL_FACE);
     }
 }
@@ -210,18 +240,13 @@ void MeshPass::drawTransparent() {
     glDisable(GL_BLEND);
 }
 
-void MeshPass::drawCasters() { drawDepth(m_casters, {1, 1, 0, 0}, {1, 0, 0, 0}); }
-
-void MeshPass::drawFarCasters(const FrameBlock& block) {
-    drawDepth(m_far_casters, block.shadow_far, block.shadow_far_depth);
-}
-
-void MeshPass::drawDepth(const std::vector<Batch>& batches, const vec4& plane, const vec4& depth) {
+/// The batches of a job are those whose first instance is among its items.
+void MeshPass::drawCasters(const ShadowCasters::Job& job) {
     m_depth_program.use();
-    m_depth_program.set("uPlane", plane);
-    m_depth_program.set("uDepth", depth);
-    for (const Batch& batch : batches)
-        drawInstances(batch);
+    const int first = m_first_caster + job.first, end = first + job.count;
+    for (const CasterBatch& batch : m_casters)
+        if (batch.first >= first && batch.first < end)
+            drawInstances(*batch.mesh, *batch.range, batch.first, batch.count);
 }
 
 } // namespace ig

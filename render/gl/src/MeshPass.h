@@ -3,7 +3,6 @@
 
 #include "GlObjects.h"
 #include "TextureStore.h"
-#include "render/scene/FrameBlock.h"
 #include "render/scene/SceneList.h"
 
 #include <unordered_map>
@@ -20,12 +19,12 @@ public:
     void init();
 
     /// Brings the instances of this frame to the device; before the draws.
-    void upload(const SceneList& list, const LightList& lights, const SkyPass& sky);
+    void upload(const SceneList& list, const ShadowCasters& casters, const LightList& lights,
+                const SkyPass& sky);
     void drawOpaque();
     void drawTransparent();
-    /// Depth only, into the shadow maps that the frame block places.
-    void drawCasters();
-    void drawFarCasters(const FrameBlock& block);
+    /// Depth only: the items of one of the jobs.
+    void drawCasters(const ShadowCasters::Job& job);
 
 private:
     struct DeviceMesh {
@@ -38,6 +37,7 @@ private:
             bool has_places; ///< texture coordinates
         };
         std::vector<Range> surfaces;
+        Range whole; ///< all of them
     };
     /// Items that one call draws.
     struct Batch {
@@ -50,10 +50,17 @@ private:
             return mesh->surfaces[static_cast<std::size_t>(item->surface)];
         }
     };
+    /// Casters that one call draws.
+    struct CasterBatch {
+        const DeviceMesh* mesh;
+        const DeviceMesh::Range* range;
+        int first, count; ///< instances
+    };
     struct Instance {
         vec4 rows[3];
         vec4 haze;
     };
+    static Instance toInstance(const mat4& transform, const vec3& haze);
 
     /// Ways to shade, one program each: what a surface doesn't need, no pixel of it pays for.
     /// Lamps and fires light the first ones, by further programs.
@@ -66,9 +73,10 @@ private:
     void pointToInstances(int first) const;
     void addBatches(const std::vector<MeshItem>& items, std::vector<Batch>& batches,
                     const LightList& lights, const SkyPass& sky);
-    void drawInstances(const Batch& batch) const;
+    void addCasters(const ShadowCasters& casters);
+    void drawInstances(const DeviceMesh& mesh, const DeviceMesh::Range& range, int first,
+                       int count) const;
     void draw(const std::vector<Batch>& batches);
-    void drawDepth(const std::vector<Batch>& batches, const vec4& plane, const vec4& depth);
     void setLook(gl::Program& program, const SurfaceLook& look, bool has_places);
     void purge();
 
@@ -79,8 +87,10 @@ private:
     gl::Buffer m_instance_buffer;
     std::unordered_map<const Mesh*, DeviceMesh> m_meshes;
     std::vector<Instance> m_instances;
-    std::vector<Batch> m_opaque, m_transparent, m_casters, m_far_casters;
-    bool m_has_base_instance = false; ///< a draw can tell its first instance
+    std::vector<Batch> m_opaque, m_transparent;
+    std::vector<CasterBatch> m_casters; ///< in the order of the items
+    int m_first_caster = 0;             ///< instance
+    bool m_has_base_instance = false;   ///< a draw can tell its first instance
     int m_frames = 0;
 };
 

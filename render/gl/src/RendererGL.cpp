@@ -30,6 +30,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <optional>
 
 namespace ig {
 
@@ -79,6 +80,8 @@ struct RendererGL::Impl {
     bool initPasses();
     void renderScene(const World& world, const Camera& camera, const FrameInfo& frame);
     void prepare(const World& world, const Camera& camera, const FrameInfo& frame);
+    bool placeShadows(const FrameInfo& frame);
+    void planShadows();
     void uploadBlock();
     void gatherLights(const FrameInfo& frame);
     void drawShadows();
@@ -105,6 +108,8 @@ struct RendererGL::Impl {
     gl::Program tonemap, fxaa, fxaa_small, upscale;
     SkyPass sky;
     ShadowMap shadow;
+    std::optional<ShadowPlace> shadow_place; ///< from `init` on
+    ShadowCasters shadow_casters;
     MeshPass meshes;
     OceanPass ocean;
     TerrainPass terrain;
@@ -183,7 +188,8 @@ bool RendererGL::Impl::initPasses() {
     ui.init();
     viewports.init();
     software ? ocean.init(128, 90) : ocean.init(320, 240);
-    return gl::finishPrograms() && shadow.init();
+    shadow_place.emplace(software ? 1024 : 2048);
+    return gl::finishPrograms() && shadow.init(shadow_place->getSize());
 }
 
 /// What lives in the context goes, and the context last; what was asked for stays.
@@ -272,15 +278,15 @@ void RendererGL::Impl::prepare(const World& world, const Camera& camera, const F
                           : view.pixel_angle;
     block.time = {static_cast<float>(std::fmod(frame.time, 4096)), pixel_angle, 0, 0};
     sky.update(view, frame, canvas == &targets, block);
-    const vec3 center = frame.focus ? vec3(view.toFrame(frame.focus->getWorldPosition())) : vec3();
-    placeShadow(center, block);
+    const bool casts = placeShadows(frame);
     list.time = frame.time;
     list.left_out = camera.getType() == NODE_CAMERA_RADAR ? frame.focus : nullptr;
-    list.gather(world, view, center, SHADOW_RADIUS);
+    list.focus = frame.focus;
+    list.gather(world, view, casts ? &*shadow_place : nullptr);
     if (rehearsal) addToList(*rehearsal);
     decals.gather(world, view, list);
     list.sort();
-    fitFarShadow(list.far_bounds, block);
+    planShadows();
     gatherLights(frame);
     sprite_list.gather(view, frame, list.lamps, list.cables);
     wake_list.gather(view, frame.particles, list.decals);
@@ -290,9 +296,32 @@ void RendererGL::Impl::prepare(const World& world, const Camera& camera, const F
     }
     uploadBlock();
     light_table.upload(view, lights);
-    meshes.upload(list, lights, sky);
+    meshes.upload(list, shadow_casters, lights, sky);
     if (list.ocean) ocean.upload(list.ocean->getFrame());
     gl::bindTexture(gl::UNIT_NOISE, noise);
+}
+
+/// Whether there is a light that casts shadows. One that grazes the ground casts them without end:
+/// they fade away before it sets.
+bool RendererGL::Impl::placeShadows(const FrameInfo& frame) {
+    constexpr float NONE = 0.006f, ALL = 0.03f; // sines of the height: 0.3 and 1.7 degrees
+    constexpr double FARTHEST = 6000;           // m: nobody sees the shadows around a focus beyond
+    const vec3 light = block.light_direction.xyz();
+    const float strength = std::clamp((light.z - NONE) / (ALL - NONE), 0.0f, 1.0f);
+    block.light_direction.w = strength;
+    if (strength <= 0) return false;
+    dvec3 focus = frame.focus ? frame.focus->getWorldPosition() : view.eye;
+    if (length(focus - view.eye) > FARTHEST) focus = view.eye;
+    shadow_place->follow(view.eye, focus, view.frame * dvec3(light));
+    return true;
+}
+
+void RendererGL::Impl::planShadows() {
+    if (block.light_direction.w > 0)
+        shadow_casters.plan(list.casters, *shadow_place);
+    else
+        shadow_casters.rest();
+    shadow_place->fill(view, block);
 }
 
 /// Of a rehearsal's views one is lit by lamps and the others by none, so that all programs are met.
@@ -315,14 +344,10 @@ void RendererGL::Impl::uploadBlock() {
 void RendererGL::Impl::drawShadows() {
     glEnable(GL_DEPTH_TEST);
     glDepthMask(GL_TRUE);
-    if (block.light_direction.w > 0) {
-        shadow.beginNear();
-        meshes.drawCasters();
-        if (block.shadow_far_depth.w > 0) {
-            shadow.beginFar();
-            meshes.drawFarCasters(block);
-        }
-        shadow.end();
+    for (const ShadowCasters::Job& job : shadow_casters.getJobs()) {
+        shadow.begin(job);
+        meshes.drawCasters(job);
+        ShadowMap::end();
     }
     shadow.bind();
 }
@@ -512,6 +537,8 @@ void RendererGL::Impl::forget() {
     sky.forget();
     wakes.forget();
     ocean.forget();
+    shadow_place->forget();
+    shadow_casters.forget();
 }
 
 // ------------------------------------------------------------------ reading back

@@ -3,41 +3,51 @@
 
 namespace ig {
 
-bool ShadowMap::init() { return make(m_near, SHADOW_SIZE) && make(m_far, FAR_SHADOW_SIZE); }
+bool ShadowMap::init(int size) {
+    m_size = size;
+    return make(m_maps, m_maps_target, 2 * size) && make(m_resting, m_resting_target, size);
+}
 
-bool ShadowMap::make(Map& map, int size) {
+bool ShadowMap::make(gl::Texture& depth, gl::Framebuffer& target, int size) {
     gl::TextureFormat format{GL_DEPTH_COMPONENT24, GL_DEPTH_COMPONENT, GL_UNSIGNED_INT};
-    gl::makeTexture(map.depth, size, size, format);
+    gl::makeTexture(depth, size, size, format);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_COMPARE_MODE, GL_COMPARE_REF_TO_TEXTURE);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_COMPARE_FUNC, GL_LEQUAL);
-    gl::attach(map.target, map.depth, GL_DEPTH_ATTACHMENT);
+    gl::attach(target, depth, GL_DEPTH_ATTACHMENT);
     glDrawBuffer(GL_NONE);
     glReadBuffer(GL_NONE);
     return glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
 }
 
-void ShadowMap::begin(const Map& map, int size) {
-    glBindFramebuffer(GL_FRAMEBUFFER, map.target.getId());
-    glViewport(0, 0, size, size);
+void ShadowMap::begin(const ShadowCasters::Job& job) const {
+    const int left = job.resting ? 0 : job.map % 2 * m_size;
+    const int bottom = job.resting ? 0 : job.map / 2 * m_size;
+    const int x = left + job.x, y = bottom + job.y;
+    glBindFramebuffer(GL_FRAMEBUFFER, (job.resting ? m_resting_target : m_maps_target).getId());
+    glViewport(left, bottom, m_size, m_size);
     glDepthFunc(GL_LEQUAL);
-    glClearDepth(1);
-    glClear(GL_DEPTH_BUFFER_BIT);
     glEnable(GL_POLYGON_OFFSET_FILL);
     glPolygonOffset(1.5f, 2);
+    glScissor(x, y, job.width, job.height);
+    if (job.before == ShadowCasters::Job::RESTORE) {
+        glBindFramebuffer(GL_READ_FRAMEBUFFER, m_resting_target.getId());
+        glBlitFramebuffer(job.x, job.y, job.x + job.width, job.y + job.height, x, y, x + job.width,
+                          y + job.height, GL_DEPTH_BUFFER_BIT, GL_NEAREST);
+    }
+    glEnable(GL_SCISSOR_TEST);
+    if (job.before == ShadowCasters::Job::CLEAR) {
+        glClearDepth(1);
+        glClear(GL_DEPTH_BUFFER_BIT);
+    }
 }
 
-void ShadowMap::beginNear() { begin(m_near, SHADOW_SIZE); }
-void ShadowMap::beginFar() { begin(m_far, FAR_SHADOW_SIZE); }
-
 void ShadowMap::end() {
+    glDisable(GL_SCISSOR_TEST);
     glDisable(GL_POLYGON_OFFSET_FILL);
     glDepthFunc(GL_GEQUAL);
     glClearDepth(0);
 }
 
-void ShadowMap::bind() const {
-    gl::bindTexture(gl::UNIT_SHADOW, m_near.depth);
-    gl::bindTexture(gl::UNIT_SHADOW_FAR, m_far.depth);
-}
+void ShadowMap::bind() const { gl::bindTexture(gl::UNIT_SHADOW, m_maps); }
 
 } // namespace ig

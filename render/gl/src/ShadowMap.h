@@ -2,31 +2,28 @@
 #pragma once
 
 #include "GlObjects.h"
-#include "render/scene/ShadowPlace.h"
+#include "render/scene/ShadowCasters.h"
 
 namespace ig {
 
-/// What the sun (or moon) sees, as the depth of the nearest caster: a near map of the surroundings
-/// of one place, and a far one, fitted around what looks largest of the large things in view beyond
-/// it.
+/// What the sun (or moon) sees, as the depth of the nearest caster: the maps that `ShadowPlace`
+/// lays out, a quarter each of one texture, and the layer of what rests in the first of them.
 class ShadowMap {
 public:
-    bool init();
-    /// Make a map the target of the casters' draws; the caller sets the viewport back.
-    void beginNear();
-    void beginFar();
-    void end();
+    /// `size`: edge of a map, texels.
+    bool init(int size);
+    /// Makes the part of a map that a job changes the target of its draws, cleared or with what
+    /// rests; the caller sets framebuffer and viewport back.
+    void begin(const ShadowCasters::Job& job) const;
+    static void end();
     void bind() const;
 
 private:
-    struct Map {
-        gl::Texture depth;
-        gl::Framebuffer target;
-    };
-    static bool make(Map& map, int size);
-    static void begin(const Map& map, int size);
+    static bool make(gl::Texture& depth, gl::Framebuffer& target, int size);
 
-    Map m_near, m_far;
+    int m_size = 0;
+    gl::Texture m_maps, m_resting;
+    gl::Framebuffer m_maps_target, m_resting_target;
 };
 
 } // namespace ig

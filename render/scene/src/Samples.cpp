@@ -18,8 +18,7 @@ void Samples::addTo(SceneList& list) const {
     };
     const vec4 slabs(1, 1, 0.01f, 0.1f);
     add([](SurfaceLook&) {});
-    list.casters.push_back(item);
-    list.far_casters.push_back(item);
+    list.casters.push_back({&m_mesh, -1, &m_pose, {}, 1, (1U << NUM_SHADOW_MAPS) - 1});
     add([&](SurfaceLook& look) { look.texture = &m_picture; });
     add([&](SurfaceLook& look) { look.paving = slabs; });
     add([&](SurfaceLook& look) {

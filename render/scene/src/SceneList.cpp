@@ -16,13 +16,10 @@
 
 namespace ig {
 
-void SceneList::gather(const World& world, const FrameView& view, const vec3& shadow_center,
-                       float shadow_radius) {
+void SceneList::gather(const World& world, const FrameView& view, const ShadowPlace* shadows) {
     opaque.clear();
     transparent.clear();
     casters.clear();
-    far_casters.clear();
-    far_bounds.clear();
     lamps.clear();
     lights.clear();
     m_lights = 0;
@@ -34,8 +31,7 @@ void SceneList::gather(const World& world, const FrameView& view, const vec3& sh
     ocean = nullptr;
     terrain = nullptr;
     m_view = &view;
-    m_shadow_center = shadow_center;
-    m_shadow_radius = shadow_radius;
+    m_shadows = shadows;
     add(world);
 }
 
@@ -46,13 +42,16 @@ void SceneList::add(const World& world) {
 
 void SceneList::visit(const Node& node) {
     if ((!node.isEnabled() && !m_view->everything) || &node == left_out) return;
+    const bool outside = !m_in_focus;
+    m_in_focus |= &node == focus;
     switch (node.getType()) {
     case OBJECT_MESH:
         addMesh(node);
         break;
     case OBJECT_ROPE:
-        addCable(static_cast<const ObjectRope&>(node));
-        return; // its pieces are seen to
+        addCable(static_cast<const ObjectRope&>(node)); // sees to its pieces
+        if (outside) m_in_focus = false;
+        return;
     case OBJECT_LIGHT:
         addLamp(static_cast<const ObjectLight&>(node));
         break;
@@ -76,20 +75,12 @@ void SceneList::visit(const Node& node) {
     }
     for (int i = 0; i < node.getNumChildren(); i++)
         visit(*node.getChild(i));
+    if (outside) m_in_focus = false;
 }
 
 void SceneList::addDecal(const DecalOrtho& decal) {
     const bool has_picture = SurfaceLook::read(decal.getSurfaceMaterial(0)).texture;
     (has_picture ? pictures : decals).push_back(&decal);
-}
-
-/// Ships and houses whose shadow shows, and which the near map does not hold as a whole.
-bool SceneList::castsFar(const vec3& center, float radius) const {
-    constexpr float SMALLEST = 3, FARTHEST = 4000, LEAST_PIXELS = 10; // m, m
-    const float distance = length(center);
-    return radius > SMALLEST && distance < FARTHEST && !m_view->orthographic &&
-           2 * radius > LEAST_PIXELS * m_view->pixel_angle * distance &&
-           length(center - m_shadow_center) + radius > 0.85f * m_shadow_radius;
 }
 
 void SceneList::addMesh(const Node& node) {
@@ -102,20 +93,36 @@ void SceneList::addMesh(const Node& node) {
     // Smaller than a third of a pixel: nothing to see.
     const bool seen = m_view->sees(center, radius) && (m_view->orthographic || m_view->everything ||
                                                        radius > distance * m_view->pixel_angle / 6);
-    const bool casts = length(center - m_shadow_center) < radius + m_shadow_radius;
-    if (!seen && !casts) return;
-    const bool casts_far = seen && castsFar(center, radius);
-    if (casts_far) far_bounds.push_back(vec4(center, radius));
+    unsigned maps = m_shadows ? m_shadows->findMaps(bounds.center, bounds.radius) : 0;
+    if (m_in_focus) maps &= 1;
+    if (maps)
+        addCaster(object, {&object.getMesh(), -1, &world, bounds.center, bounds.radius, maps});
+    if (!seen) return;
     MeshItem item{&object.getMesh(), 0, m_view->toFrame(world), distance, {}, {center, radius}};
     for (int i = 0; i < object.getNumSurfaces(); i++) {
         item.surface = i;
         item.look = SurfaceLook::read(object.getSurfaceMaterial(i));
         const Mesh::Surface& surface = object.getMesh()->getSurface(i);
         if (!item.look.texture && !surface.texture.empty()) item.look.texture = &surface.texture;
-        if (seen) (item.look.isOpaque() ? opaque : transparent).push_back(item);
-        if (casts && item.look.isOpaque()) casters.push_back(item);
-        if (casts_far && item.look.isOpaque()) far_casters.push_back(item);
+        (item.look.isOpaque() ? opaque : transparent).push_back(item);
     }
+}
+
+/// As a whole where no light passes through any of it, which is one draw.
+void SceneList::addCaster(const ObjectMesh& object, CasterItem item) {
+    const auto isOpaque = [&object](int surface) {
+        return SurfaceLook::read(object.getSurfaceMaterial(surface)).isOpaque();
+    };
+    const int count = object.getNumSurfaces();
+    int surface = 0;
+    while (surface < count && isOpaque(surface))
+        surface++;
+    if (surface == count) {
+        casters.push_back(item);
+        return;
+    }
+    for (item.surface = 0; item.surface < count; item.surface++)
+        if (item.surface < surface || isOpaque(item.surface)) casters.push_back(item);
 }
 
 /// Pieces less than a pixel and a half thick would break up into dots, or vanish: they become
@@ -237,11 +244,9 @@ void SceneList::sort() {
         const auto key = batchKey(a), other = batchKey(b);
         return key != other ? key < other : a.order < b.order;
     };
-    for (std::vector<MeshItem>* items : {&opaque, &casters, &far_casters, &transparent})
+    for (std::vector<MeshItem>* items : {&opaque, &transparent})
         number(*items);
     std::sort(opaque.begin(), opaque.end(), by_batch);
-    std::sort(casters.begin(), casters.end(), by_batch);
-    std::sort(far_casters.begin(), far_casters.end(), by_batch);
     std::sort(transparent.begin(), transparent.end(), [](const MeshItem& a, const MeshItem& b) {
         return a.distance != b.distance ? a.distance > b.distance : a.order < b.order;
     });

@@ -21,7 +21,8 @@ using namespace ig;
 
 namespace {
 
-/// An eye 100 m above the sea that looks north; the shadows' sphere of 50 m lies 200 m behind it.
+/// An eye 100 m above the sea that looks north, light from the zenith; the first shadow map lies
+/// 200 m behind the eye.
 class SceneListOf : public testing::Test {
 public:
     SceneListOf() {
@@ -36,7 +37,9 @@ public:
     }
     void gather() {
         view = FrameView(camera, 720, true);
-        list.gather(world, view, {0, -200, 0}, 50);
+        const dvec3 up = view.frame.getZ();
+        shadows.follow(view.eye, view.eye - view.frame.getY() * 200, up);
+        list.gather(world, view, &shadows);
         list.sort();
     }
     /// Puts it so many metres ahead of the eye and to its right; the world owns it.
@@ -69,6 +72,7 @@ public:
     World world;
     Camera camera;
     FrameView view;
+    ShadowPlace shadows{1024};
     SceneList list;
 };
 
@@ -84,24 +88,30 @@ TEST_F(SceneListOf, HoldsWhatIsSeenAndWhatCastsAShadow) {
     list.left_out = own;
     addCard(50, 40);        // beside the picture
     addCard(20000);         // less than a third of a pixel
-    addCard(200);           // seen far from the shadows: too small for the far map
+    addCard(600);           // too small for the wide maps
     addCard(-200);          // behind the eye, among what casts shadows
-    addCard(-251);          // at its border
+    addCard(-1000);         // seen nowhere
     addCard(-200, 0, 0.5f); // glass casts none
     gather();
     EXPECT_EQ(list.opaque.size(), 2U);
-    EXPECT_EQ(list.casters.size(), 2U);
     EXPECT_TRUE(list.transparent.empty());
-    EXPECT_TRUE(list.far_casters.empty());
+    ASSERT_EQ(list.casters.size(), 3U); // in the scene's order
+    EXPECT_EQ(list.casters.at(0).maps, 2U);
+    EXPECT_EQ(list.casters.at(2).maps, 3U);
 
     hidden->setEnabled(true);
     list.left_out = nullptr;
     own->setTransform(own->getTransform() * dmat4(dmat3{{5, 0, 0}, {0, 5, 0}, {0, 0, 5}}, dvec3()));
     gather();
     EXPECT_EQ(list.opaque.size(), 5U);
-    ASSERT_EQ(list.far_casters.size(), 1U);
-    EXPECT_NEAR(list.far_bounds.at(0).w, 5 * std::sqrt(2), 1e-4);
-    EXPECT_NEAR(list.far_bounds.at(0).y, 70, 1e-3); // north of the eye
+    ASSERT_EQ(list.casters.size(), 6U);
+    EXPECT_NEAR(list.casters.at(3).radius, 5 * std::sqrt(2), 1e-4);
+    EXPECT_EQ(list.casters.at(3).maps, 6U); // large enough for a wider one
+
+    own->setTransform(camera.getWorldTransform() * translate(dvec3(0, 0, 200)));
+    list.focus = own; // what goes with it changes no other map than the one that does
+    gather();
+    EXPECT_EQ(list.casters.at(3).maps, 1U);
 }
 
 TEST_F(SceneListOf, LampWithAnIntensityLightsAlsoFromOutsideThePicture) {

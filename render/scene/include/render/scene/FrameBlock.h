@@ -13,10 +13,12 @@ namespace ig {
 struct FrameBlock {
     mat4 projection;       ///< eye (x right, y up, looking along -z) to clip, reversed depth
     mat4 view;             ///< E to eye
-    mat4 shadow;           ///< E to the near shadow map's unit cube
-    vec4 shadow_far;       ///< from there to the far map's: scale and offset along x and y
-    vec4 shadow_far_depth; ///< scale and offset along z; w: 1 with a far map
-    vec4 light_direction;  ///< towards the sun, or the moon at night; w: 1 with a shadow map
+    mat4 shadow;           ///< E to right and up in the shadow maps, m, and their depth, 0 to 1
+    vec4 shadow_near;      ///< from there to each map's edges at -1 and 1: x: scale, yz: offset
+    vec4 shadow_middle;    ///< likewise, each wider than the one before
+    vec4 shadow_far;
+    vec4 shadow_farthest;
+    vec4 light_direction;  ///< towards the sun, or the moon at night; w: how dark shadows are
     vec4 light;            ///< irradiance of that light; w: exposure
     vec4 ambient;          ///< irradiance of the sky; w: extinction of the air at sea level, 1/m
     vec4 air;              ///< x: 1 / scale height of the haze, 1/m; y: haze at the eye;

@@ -27,6 +27,7 @@ public:
 
 private:
     std::shared_ptr<const Mesh> m_mesh;
+    dmat4 m_pose;
     jString m_picture;
 };
 

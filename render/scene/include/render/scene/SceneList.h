@@ -2,6 +2,7 @@
 #pragma once
 
 #include "render/scene/FrameView.h"
+#include "render/scene/ShadowCasters.h"
 #include "render/scene/SurfaceLook.h"
 
 #include <memory>
@@ -15,6 +16,7 @@ class Node;
 class NodeDowndraught;
 class NodeField;
 class ObjectLight;
+class ObjectMesh;
 class ObjectOcean;
 class ObjectParticles;
 class ObjectRope;
@@ -62,10 +64,10 @@ struct CableItem {
 /// enabled nodes, without the graphics device. One list is used over and over and keeps its memory.
 class SceneList {
 public:
-    /// Meshes outside the view are left out, those that cast a shadow into the sphere around
-    /// `shadow_center` (E) excepted.
-    void gather(const World& world, const FrameView& view, const vec3& shadow_center,
-                float shadow_radius);
+    /// Meshes outside the view are left out, but for the shadows that they cast into the maps:
+    /// those go by their places alone, so that they keep while the eye turns. Without `shadows`
+    /// there is no light that casts any.
+    void gather(const World& world, const FrameView& view, const ShadowPlace* shadows);
 
     /// What another world holds too; after `gather`.
     void add(const World& world);
@@ -76,12 +78,12 @@ public:
 
     double time = 0;                ///< set before `gather`: the scene's, by which lamps flash, s
     const Node* left_out = nullptr; ///< set before `gather`: with all below it; null: none
+    /// Likewise: what it carries casts into the first shadow map alone, which goes with it.
+    const Node* focus = nullptr;
 
     std::vector<MeshItem> opaque;      ///< equal mesh, surface, look adjoin, as they came
     std::vector<MeshItem> transparent; ///< far to near
-    std::vector<MeshItem> casters;     ///< opaque ones near the shadow's centre
-    std::vector<MeshItem> far_casters; ///< large ones in view beyond those
-    std::vector<vec4> far_bounds;      ///< their spheres in E; w: radius, m
+    std::vector<CasterItem> casters;   ///< opaque ones, in the scene's order
     std::vector<LampItem> lamps;
     std::vector<LightItem>
         lights; ///< whose reach comes into view, where they are themselves or not
@@ -98,14 +100,14 @@ private:
     void addDecal(const DecalOrtho& decal);
     void addCable(const ObjectRope& rope);
     void addMesh(const Node& node);
-    bool castsFar(const vec3& center, float radius) const;
+    void addCaster(const ObjectMesh& object, CasterItem item);
     void addLamp(const ObjectLight& light);
     void addDowndraught(const NodeDowndraught& wind);
 
     const FrameView* m_view = nullptr;
-    vec3 m_shadow_center;
-    float m_shadow_radius = 0;
-    int m_lights = 0; ///< that the walk came by
+    const ShadowPlace* m_shadows = nullptr;
+    bool m_in_focus = false; ///< the node is carried by the focus
+    int m_lights = 0;        ///< that the walk came by
 };
 
 } // namespace ig
