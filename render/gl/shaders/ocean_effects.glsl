@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // What ships and helicopters do to the waves: wakes out of the two maps around the eye, and
 // downwash.
-uniform vec4 uDowndraughts[MOST_DOWNDRAUGHTS]; // place in the plane from the nadir, radius, strength
-uniform int uNumDowndraughts;
+uniform vec4 uDowndraughts[MOST_DOWNDRAUGHTS]; // place in the plane from the nadir, radius, strength;
+                                               // those that there are not are far away
 uniform sampler2D uEffects, uFarEffects;      // slopes, foam and calm of wakes around the eye
 uniform vec4 uEffectsPlace, uFarEffectsPlace; // corner in the plane from the nadir, 1 / edge,
                                               // log2 of a texel, m
@@ -26,11 +26,27 @@ float addWakes(Water w, inout Sea sea) {
     return min(effects.z * 1.15, 1.0);
 }
 
+// The one whose rings are the strongest. Chosen before any of them is drawn, and by constant
+// indices: a loop over all would cost software renderers four times as much.
+vec4 strongestDowndraught(Water w) {
+    vec4 strongest = uDowndraughts[0];
+    vec2 q = (w.plane - strongest.xy) / strongest.z;
+    float least = dot(q, q);
+    for (int i = 1; i < MOST_DOWNDRAUGHTS; i++) {
+        vec4 wind = uDowndraughts[i];
+        q = (w.plane - wind.xy) / wind.z;
+        float off = dot(q, q);
+        strongest = off < least ? wind : strongest;
+        least = min(off, least);
+    }
+    return strongest;
+}
+
 // Rings that run outwards under wind from above, and the foam that they tear off. Returns the foam.
-float addDowndraught(Water w, vec4 wind, inout Sea sea) {
+float addDownwash(Water w, inout Sea sea) {
+    vec4 wind = strongestDowndraught(w);
     vec2 q = w.plane - wind.xy;
-    float r = max(length(q), 0.01), x = r / max(wind.z, 0.1);
-    if (x > 4.5) return 0.0;
+    float r = max(length(q), 0.01), x = r / wind.z;
     vec2 outward = q / r;
     // The noise goes round 7 and 19 times, so that a metre of water is as much of it as the larger
     // of what lies along the circle and along the radius.
@@ -39,7 +55,8 @@ float addDowndraught(Water w, vec4 wind, inout Sea sea) {
                               level + log2(max(7.0 / (2.0 * PI * r), 1.0 / 22.0))).x;
     float torn = textureLod(uNoise, vec2(turn * 19.0, r / 9.0 - uTime.x * 1.1),
                             level + log2(max(19.0 / (2.0 * PI * r), 1.0 / 9.0))).x;
-    float strength = smoothstep(0.15, 0.7, x) * exp(-max(x - 1.0, 0.0) * 1.1) * wind.w;
+    float strength = smoothstep(0.15, 0.7, x) * exp(-max(x - 1.0, 0.0) * 1.1) * wind.w *
+                     step(x, DOWNWASH_REACH);
     float near = r * 3.9 - uTime.x * 13.0 + 1.6 * ripple, far = r * 1.9 - uTime.x * 8.5 - 1.3 * ripple;
     sea.slope = mix(sea.slope, sea.slope * 0.5, strength) +
                 outward * strength * (0.20 * cos(near) + 0.16 * cos(far));
@@ -47,11 +64,4 @@ float addDowndraught(Water w, vec4 wind, inout Sea sea) {
     float annulus = (x - 1.05) / 0.4;
     return strength * (0.42 * exp(-annulus * annulus) * (0.4 + 0.8 * torn) +
                        0.35 * smoothstep(0.2, 1.0, sin(near)) * exp(-max(x - 0.8, 0.0) * 0.7) * torn);
-}
-
-float addDownwash(Water w, inout Sea sea) {
-    float torn_off = 0.0;
-    for (int i = 0; i < uNumDowndraughts; i++)
-        torn_off = max(torn_off, addDowndraught(w, uDowndraughts[i], sea));
-    return torn_off;
 }

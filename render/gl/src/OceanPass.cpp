@@ -20,6 +20,9 @@ namespace {
 enum { UNIT_DISPLACEMENT = gl::UNIT_FIRST_OWN };
 enum { UNIT_WATER = gl::UNIT_FIRST_OWN, UNIT_SLOPE, UNIT_EFFECTS = UNIT_SLOPE + 4 };
 
+/// Of the programs that shade, by `OceanPass::Shade`.
+constexpr const char* SHADE_WORDS[] = {"WAKES DOWNWASH SHADOWS", "WAKES DOWNWASH", "WAKES", ""};
+
 constexpr GLuint MARK = 1; ///< in the stencil, where the sea is what one sees
 constexpr int BLOCK = 31;  ///< cells of the grid along an edge whose vertices stay in the cache
 /// Above these altitudes (m) waves move from geometry into the surface's roughness.
@@ -34,17 +37,18 @@ void OceanPass::init(int columns, int rows) {
                 {{"uDisplacement0", UNIT_DISPLACEMENT},
                  {"uDisplacement1", UNIT_DISPLACEMENT + 1},
                  {"uDisplacement2", UNIT_DISPLACEMENT + 2}});
-    m_shade.start("ocean_shade.vert",
-                  "shadow.glsl ocean.glsl ocean_waves.glsl ocean_effects.glsl ocean_light.glsl "
-                  "ocean_foam.glsl ocean_shade.frag",
-                  "WAKES DOWNWASH SHADOWS",
-                  {{"uWater", UNIT_WATER},
-                   {"uSlope0", UNIT_SLOPE},
-                   {"uSlope1", UNIT_SLOPE + 1},
-                   {"uSlope2", UNIT_SLOPE + 2},
-                   {"uSlope3", UNIT_SLOPE + 3},
-                   {"uEffects", UNIT_EFFECTS},
-                   {"uFarEffects", UNIT_EFFECTS + 1}});
+    for (int i = 0; i < NUM_SHADES; i++)
+        m_shades[i].start("ocean_shade.vert",
+                          "shadow.glsl ocean.glsl ocean_waves.glsl ocean_effects.glsl "
+                          "ocean_light.glsl ocean_foam.glsl ocean_shade.frag",
+                          SHADE_WORDS[i],
+                          {{"uWater", UNIT_WATER},
+                           {"uSlope0", UNIT_SLOPE},
+                           {"uSlope1", UNIT_SLOPE + 1},
+                           {"uSlope2", UNIT_SLOPE + 2},
+                           {"uSlope3", UNIT_SLOPE + 3},
+                           {"uEffects", UNIT_EFFECTS},
+                           {"uFarEffects", UNIT_EFFECTS + 1}});
     m_empty.create();
     makeGrid();
 }
@@ -209,9 +213,13 @@ void OceanPass::setSurface(gl::Program& program, const FrameView& view, const Oc
 /// What ships and helicopters do to them.
 void OceanPass::setEffects(gl::Program& program, const std::vector<vec4>& downdraughts,
                            const WakePass& wakes) {
-    const int winds = std::min(static_cast<int>(downdraughts.size()), MOST_DOWNDRAUGHTS);
-    program.set("uNumDowndraughts", winds);
-    if (winds > 0) program.set("uDowndraughts", downdraughts.data(), winds);
+    constexpr vec4 NONE{1e6f, 1e6f, 1, 0};
+    vec4 winds[MOST_DOWNDRAUGHTS];
+    for (std::size_t i = 0; i < MOST_DOWNDRAUGHTS; i++) {
+        winds[i] = i < downdraughts.size() ? downdraughts[i] : NONE;
+        winds[i].z = std::max(winds[i].z, 0.1f);
+    }
+    program.set("uDowndraughts", winds, MOST_DOWNDRAUGHTS);
     int unit = UNIT_EFFECTS;
     for (const auto& [map, name] : {std::pair{&wakes.getNear(), "uEffectsPlace"},
                                     std::pair{&wakes.getFar(), "uFarEffectsPlace"}}) {
@@ -221,39 +229,76 @@ void OceanPass::setEffects(gl::Program& program, const std::vector<vec4>& downdr
     }
 }
 
-void OceanPass::shade(gl::Program& program, const FrameView& view, const Targets& targets) {
+/// Where rings under the nearest downdraughts may be seen.
+PictureRect OceanPass::findDownwash(const FrameView& view, const OceanFrame& frame,
+                                    const std::vector<vec4>& downdraughts) {
+    const auto height = static_cast<float>(frame.highest_crest);
+    PictureRect rect;
+    for (std::size_t i = 0; i < std::min(downdraughts.size(), std::size_t{MOST_DOWNDRAUGHTS});
+         i++) {
+        const vec4& wind = downdraughts[i];
+        const float level = -static_cast<float>(view.geodetic.z) -
+                            HALF_CURVATURE * (wind.x * wind.x + wind.y * wind.y);
+        rect.include(PictureRect::of(view, {wind.x, wind.y, level},
+                                     DOWNWASH_REACH * std::max(wind.z, 0.1f) + 2 * height));
+    }
+    return rect;
+}
+
+/// Where the sea's mark stands in a part of the picture; it is gone there afterwards.
+void OceanPass::shade(Shade which, const PictureRect& rect, const Drawing& drawing) {
+    if (rect.isEmpty()) return;
+    const FrameView& view = drawing.view;
+    const auto w = static_cast<float>(drawing.targets.getSceneWidth());
+    const auto h = static_cast<float>(drawing.targets.getSceneHeight());
+    const auto left = static_cast<GLint>((rect.low.x * 0.5f + 0.5f) * w);
+    const auto bottom = static_cast<GLint>((rect.low.y * 0.5f + 0.5f) * h);
+    const auto right = static_cast<GLint>(std::ceil((rect.high.x * 0.5f + 0.5f) * w));
+    const auto top = static_cast<GLint>(std::ceil((rect.high.y * 0.5f + 0.5f) * h));
+    glScissor(left, bottom, right - left, top - bottom);
+    gl::Program& program = m_shades[which];
+    program.use();
+    setPlane(program, view, drawing.frame);
+    setSurface(program, view, drawing.frame);
+    setEffects(program, drawing.downdraughts, drawing.wakes);
     const auto& p = view.projection.columns;
     const vec2 off = view.orthographic ? vec2{-p[3].x, -p[3].y} : vec2{p[2].x, p[2].y};
     program.set("uRay", vec4(1 / p[0].x, 1 / p[1].y, off.x / p[0].x, off.y / p[1].y));
     const auto& c = view.view.columns; // E to eye: its rows are the eye's axes
     program.set("uAhead", vec4(-c[0].z, -c[1].z, -c[2].z, view.orthographic ? 0.0f : 1.0f));
-    gl::bindTexture(UNIT_WATER, targets.water);
-    for (int i = 0; i < OceanTiles::TILES; i++)
-        gl::bindTexture(UNIT_SLOPE + i, m_tiles.getSlope(i));
-    glBindVertexArray(m_empty.getId());
     glDrawArrays(GL_TRIANGLES, 0, 3);
 }
 
+/// Each part of the sea by the program that knows no more than shows there: software renderers pay
+/// for all that a program might do.
+void OceanPass::shadeAll(const Drawing& drawing) {
+    gl::bindTexture(UNIT_WATER, drawing.targets.water);
+    for (int i = 0; i < OceanTiles::TILES; i++)
+        gl::bindTexture(UNIT_SLOPE + i, m_tiles.getSlope(i));
+    glBindVertexArray(m_empty.getId());
+    glEnable(GL_SCISSOR_TEST);
+    shade(SHADOWED, drawing.shadows, drawing);
+    shade(BLOWN, findDownwash(drawing.view, drawing.frame, drawing.downdraughts), drawing);
+    const bool still = drawing.wakes.getNear().empty && drawing.wakes.getFar().empty;
+    if (!still || drawing.view.everything) shade(WITH_WAKES, PictureRect::whole(), drawing);
+    if (still || drawing.view.everything) shade(OPEN, PictureRect::whole(), drawing);
+    glDisable(GL_SCISSOR_TEST);
+}
+
 /// The fan leaves a mark wherever it is what one sees; there, and nowhere else, the sea is shaded.
-void OceanPass::draw(const FrameView& view, const OceanFrame& frame,
-                     const std::vector<vec4>& downdraughts, const WakePass& wakes,
-                     const Targets& targets) {
-    glBindFramebuffer(GL_FRAMEBUFFER, targets.water_target.getId());
+void OceanPass::draw(const Drawing& drawing) {
+    glBindFramebuffer(GL_FRAMEBUFFER, drawing.targets.water_target.getId());
     glEnable(GL_STENCIL_TEST);
     glStencilFunc(GL_ALWAYS, MARK, MARK);
     glStencilOp(GL_KEEP, GL_KEEP, GL_REPLACE);
-    drawFan(view, frame);
+    drawFan(drawing.view, drawing.frame);
 
-    glBindFramebuffer(GL_FRAMEBUFFER, targets.scene_target.getId());
+    glBindFramebuffer(GL_FRAMEBUFFER, drawing.targets.scene_target.getId());
     glDisable(GL_DEPTH_TEST);
     glStencilFunc(GL_EQUAL, MARK, MARK);
-    glStencilOp(GL_KEEP, GL_KEEP, GL_KEEP);
-    gl::Program& program = m_shade;
-    program.use();
-    setPlane(program, view, frame);
-    setSurface(program, view, frame);
-    setEffects(program, downdraughts, wakes);
-    shade(program, view, targets);
+    const GLenum after = drawing.view.everything ? GL_KEEP : GL_ZERO;
+    glStencilOp(GL_KEEP, GL_KEEP, after);
+    shadeAll(drawing);
     glDisable(GL_STENCIL_TEST);
     glEnable(GL_DEPTH_TEST);
 }

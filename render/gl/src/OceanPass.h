@@ -3,7 +3,7 @@
 
 #include "GlObjects.h"
 #include "OceanTiles.h"
-#include "render/scene/FrameView.h"
+#include "render/scene/PictureRect.h"
 
 #include <vector>
 
@@ -25,12 +25,20 @@ public:
     void upload(const OceanFrame& frame) { m_tiles.upload(frame); }
     /// The next sea is again the first.
     void forget() { m_tiles.forget(); }
-    /// Leaves the targets' scene bound. `downdraughts` as the `SceneList` has them; the nearest
-    /// show.
-    void draw(const FrameView& view, const OceanFrame& frame, const std::vector<vec4>& downdraughts,
-              const WakePass& wakes, const Targets& targets);
+    struct Drawing {
+        const FrameView& view;
+        const OceanFrame& frame;
+        const std::vector<vec4>& downdraughts; ///< as the `SceneList` has them; the nearest show
+        PictureRect shadows;                   ///< where shadows may lie on the water
+        const WakePass& wakes;
+        const Targets& targets;
+    };
+    /// Leaves the targets' scene bound.
+    void draw(const Drawing& drawing);
 
 private:
+    /// Programs that shade; what a word leaves out costs nothing.
+    enum Shade { SHADOWED, BLOWN, WITH_WAKES, OPEN, NUM_SHADES };
     struct Fan { ///< part of the sea around the eye that the view can see
         float azimuth, azimuth_range, steepest, flattest, row_height;
     };
@@ -42,10 +50,13 @@ private:
     void setSurface(gl::Program& program, const FrameView& view, const OceanFrame& frame);
     static void setEffects(gl::Program& program, const std::vector<vec4>& downdraughts,
                            const WakePass& wakes);
-    void shade(gl::Program& program, const FrameView& view, const Targets& targets);
+    static PictureRect findDownwash(const FrameView& view, const OceanFrame& frame,
+                                    const std::vector<vec4>& downdraughts);
+    void shade(Shade which, const PictureRect& rect, const Drawing& drawing);
+    void shadeAll(const Drawing& drawing);
 
     int m_columns = 0, m_rows = 0, m_num_indices = 0;
-    gl::Program m_fan, m_shade;
+    gl::Program m_fan, m_shades[NUM_SHADES];
     gl::VertexArray m_vertex_array, m_empty;
     gl::Buffer m_vertices, m_indices;
     OceanTiles m_tiles;

@@ -365,7 +365,9 @@ void RendererGL::Impl::drawScene(const World& world) {
     clock.mark("terrain");
     if (list.terrain) grass.draw(view, world, *list.terrain, list.fields, lights);
     clock.mark("grass");
-    if (list.ocean) ocean.draw(view, list.ocean->getFrame(), list.downdraughts, wakes, *canvas);
+    if (list.ocean)
+        ocean.draw({view, list.ocean->getFrame(), list.downdraughts, PictureRect::whole(), wakes,
+                    *canvas});
     clock.mark("ocean");
     sky.drawBackground(view);
     sky.drawClouds(view, canvas->depth);

@@ -17,9 +17,10 @@ constexpr float LEVEL_WAKE = 0.50196078f;   ///< and in the maps of wakes
 constexpr float BREAKING_WEIGHTS[] = {1.6f, 1.1f, 0.45f};
 /// Whitecaps: the logistic of that measure, stretched and cut, goes all the way from 0 to 1.
 constexpr float WHITECAP_GAIN = 1.08f, WHITECAP_LOSS = 0.04f;
-constexpr int MOST_WAKES = 4;        ///< drawn at once, the nearest
-constexpr int MOST_DOWNDRAUGHTS = 4; ///< likewise
-constexpr float SUN_IRRADIANCE = 20; ///< above the air
+constexpr int MOST_WAKES = 4;          ///< drawn at once, the nearest
+constexpr int MOST_DOWNDRAUGHTS = 4;   ///< likewise
+constexpr float DOWNWASH_REACH = 4.5f; ///< of rings in the water, radii of the downdraught
+constexpr float SUN_IRRADIANCE = 20;   ///< above the air
 /// Irradiance of 1 lx from a lamp. Daylight here has 1.6e-4 a lux, and a night, which is drawn
 /// brighter than it is, 0.2 of the moon's: lamps lie in between, since they are seen by night.
 constexpr float LUX = 0.01f;
