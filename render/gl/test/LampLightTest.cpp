@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+
+// What lamps light, in pictures of a wall at midnight.
+
+#include "PictureScene.h"
+#include "ig/scene/SceneObjects.h"
+
+using namespace ig;
+
+namespace {
+
+class LampLight : public PictureScene {
+public:
+    static constexpr double AHEAD = 40; ///< m, the wall's distance
+
+    void SetUp() override {
+        PictureScene::SetUp();
+        if (IsSkipped()) return;
+        const Sky sky = computeSky(0, LONGITUDE, 80);
+        m_frame.sun_direction = sky.sun_direction;
+        m_frame.moon_direction = -sky.sun_direction; // no shadows of it either
+        look(100, 0, 0);
+        wall = addCard(AHEAD, 60, {0.4f, 0.4f, 0.4f, 1});
+        wall->setSurfaceMaterial(0, material({0.4f, 0.4f, 0.4f, 1}, 0));
+        lamp = new ObjectLight();
+        lamp->setIntensity(80000, 100);
+        lamp->setCone({4, 6});
+        // From behind the eye, its Y along the view.
+        lamp->setTransform(m_camera.getWorldTransform() * translate(dvec3(0, 0, 5)) *
+                           dmat4(dquat(-90, 0, 0), dvec3()));
+        m_world.addNode(lamp);
+    }
+    int brightness(double x, double y) {
+        const std::uint8_t* p = pixel(x, y);
+        return p[0] + p[1] + p[2];
+    }
+    /// Of the middle, where the lamp points, and beside it.
+    std::pair<int, int> drawWall() {
+        draw();
+        return {brightness(0.5, 0.5), brightness(0.85, 0.5)};
+    }
+
+    ObjectMesh* wall = nullptr;
+    ObjectLight* lamp = nullptr;
+};
+
+} // namespace
+
+TEST_F(LampLight, FallsWhereTheConePointsAndNowhereElse) {
+    const auto [lit, beside] = drawWall();
+    lamp->setEnabled(false);
+    const auto [dark, dark_beside] = drawWall();
+    EXPECT_GT(lit, dark + 200);
+    EXPECT_NEAR(beside, dark_beside, 3);
+
+    lamp->setEnabled(true);
+    lamp->setIntensity(80000, 40); // the wall is 45 m away
+    EXPECT_NEAR(drawWall().first, dark, 3);
+
+    lamp->setIntensity(80000, 100);
+    Material* const red = material(RED, 0);
+    red->addSlider("density", 0.5f);
+    lamp->setSurfaceMaterial(0, red);
+    EXPECT_LT(drawWall().first, lit - 60);
+    const std::uint8_t* p = pixel(0.5, 0.5);
+    EXPECT_GT(p[0], p[1] + 60);
+}
+
+TEST_F(LampLight, EverySurfaceIsLit) {
+    for (const char* tag : {"paving", "wetness", "paint"}) {
+        Material* look = material({0.4f, 0.4f, 0.4f, 1}, 0);
+        if (tag != std::string_view("paint")) look->addValue("paving", {2, 2, 0.01f, 0.1f});
+        if (tag != std::string_view("paving")) look->addSlider(tag, tag[0] == 'w' ? 1 : 0);
+        wall->setSurfaceMaterial(0, look);
+        lamp->setEnabled(true);
+        const int on = drawWall().first;
+        lamp->setEnabled(false);
+        EXPECT_GT(on, drawWall().first + 100) << tag;
+    }
+}
+
+TEST_F(LampLight, DrownsByDay) {
+    const Sky sky = computeSky(12, LONGITUDE, 80);
+    m_frame.sun_direction = sky.sun_direction;
+    m_frame.moon_direction = sky.moon_direction;
+    const int on = drawWall().first;
+    lamp->setEnabled(false);
+    EXPECT_NEAR(on, drawWall().first, 6);
+}
