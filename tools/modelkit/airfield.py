@@ -283,10 +283,11 @@ def lights_prefab():
              "# its frame. Written by tools/build_models.py.",
              "node:", "  name: runway_lights_root", "  children:"]
     materials = "data/PELMAR_PROJECT/materials"
+    shine = {"pad": "intensity: 50, reach: 8", "runway": "intensity: 120, reach: 14"}
     for edge, places in zip(("pad", "runway"), lamp_places()):
         lines += [f"    - name: {edge}_edge", "      children:"]
         for x, y in places:
             position = ", ".join(f"{v:.6g}" for v in bent((x, y, 0.3)))
-            lines.append(f"        - {{type: light, position: [{position}], "
+            lines.append(f"        - {{type: light, position: [{position}], {shine[edge]}, "
                          f"material: {materials}/{edge}_light.mat}}")
     return "\n".join([*lines, ""])
