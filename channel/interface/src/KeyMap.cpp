@@ -44,14 +44,6 @@ const Line OWN_LINES[] = {
     {"Alt + F4", "help.end"},
 };
 
-/// A text of the logic's file, which may have one for each language; better another's than none.
-const char* textOf(const Package& line, const char* key, const std::string& language) {
-    const Package* texts = line.getPackage(key);
-    if (!texts) return line.getString(key).c_str();
-    const char* const other = language == "zh" ? "en" : "zh";
-    return texts->getString(texts->getString(language).empty() ? other : language).c_str();
-}
-
 void addLine(std::string& text, const char* line) { text.append(line) += '\n'; }
 
 UILabel* addColumn(UIHLayout* layout, std::string text, const vec4& color) {
@@ -74,9 +66,9 @@ void KeyMap::open(UIRoot* root, const Package& interface) {
     std::string texts[COLUMNS];
     for (const Package* line : interface.getPackages("keys")) {
         line->warnUnknownKeys("KeyMap::open", {"keys", "does"});
-        addLine(texts[KEYS], textOf(*line, "keys", Texts::getLanguage()));
-        addLine(texts[CHINESE], textOf(*line, "does", "zh"));
-        addLine(texts[ENGLISH], textOf(*line, "does", "en"));
+        addLine(texts[KEYS], Texts::choose(*line, "keys", Texts::getLanguage()));
+        addLine(texts[CHINESE], Texts::choose(*line, "does", "zh"));
+        addLine(texts[ENGLISH], Texts::choose(*line, "does", "en"));
     }
     for (std::string& text : texts)
         if (!text.empty()) text += '\n'; // apart from the application's own
@@ -87,8 +79,8 @@ void KeyMap::open(UIRoot* root, const Package& interface) {
     }
     for (const Package* line : interface.getPackages("buttons")) {
         line->warnUnknownKeys("KeyMap::open", {"button", "does"});
-        addLine(texts[BUTTONS], textOf(*line, "button", Texts::getLanguage()));
-        addLine(texts[MEANINGS], textOf(*line, "does", "en"));
+        addLine(texts[BUTTONS], Texts::choose(*line, "button", Texts::getLanguage()));
+        addLine(texts[MEANINGS], Texts::choose(*line, "does", "en"));
     }
     const vec4 chinese(0.95f, 0.96f, 0.97f, 1);
     const vec4 colors[] = {KEY_COLOR, chinese, ENGLISH_COLOR, KEY_COLOR, ENGLISH_COLOR};

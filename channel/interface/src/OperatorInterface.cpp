@@ -4,6 +4,7 @@
 #include "channel/interface/Texts.h"
 #include "common/logic/LogicBase.h"
 #include "ig/app/ControlApp.h"
+#include "ig/app/Engine.h"
 #include "ig/app/IApp.h"
 #include "ig/base/jLog.h"
 #include "ig/package/Package.h"
@@ -37,7 +38,7 @@ void OperatorInterface::open(LogicBase* logic, const std::string& interface_path
         jLog::message("visual_channel: there is no \"%s\": the key map tells nothing of the logic, "
                       "and its panels keep their size",
                       interface_path.c_str());
-    interface.warnUnknownKeys("OperatorInterface::open", {"panels", "keys", "buttons"});
+    interface.warnUnknownKeys("OperatorInterface::open", {"panels", "keys", "switches", "buttons"});
     if (const Package* panels = interface.getPackage("panels")) {
         panels->warnUnknownKeys("OperatorInterface::open", {"width", "height", "viewports"});
         m_panels_width = std::max(panels->getFloat("width"), 0.0f);
@@ -45,11 +46,13 @@ void OperatorInterface::open(LogicBase* logic, const std::string& interface_path
         m_viewports_height = std::max(panels->getFloat("viewports"), 0.0f);
     }
     m_overlays.open(m_root.get(), interface);
+    m_switches.open(interface, Engine::get()->getWorld(), m_root.get());
     fit();
 }
 
 void OperatorInterface::close() {
     m_panels.clear();
+    m_switches.close();
     m_root.reset();
     m_logic = nullptr;
 }
@@ -91,6 +94,7 @@ void OperatorInterface::onKey(int key, bool down, bool repeat) {
     if (!repeat && m_input.isHeld(KEY_ALT) && doWindowsOwn(key)) return;
     if (!m_input.keyDown(key, repeat)) return;
     m_overlays.onKey(key);
+    m_switches.onKey(key);
     if (key == KEY_F10) showPanels(!m_panels_shown);
     m_logic->onKeyPress({key}, m_app);
 }

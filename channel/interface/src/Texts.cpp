@@ -52,6 +52,13 @@ const char* Texts::get(const char* key, const std::string& language) {
     return key;
 }
 
+const char* Texts::choose(const Package& line, const char* key, const std::string& language) {
+    const Package* texts = line.getPackage(key);
+    if (!texts) return line.getString(key).c_str();
+    const char* const other = language == "zh" ? "en" : "zh";
+    return texts->getString(texts->getString(language).empty() ? other : language).c_str();
+}
+
 std::string Texts::fill(const char* key, std::initializer_list<std::string> values) {
     return fillIn(get(key), values);
 }

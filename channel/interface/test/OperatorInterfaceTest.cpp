@@ -5,9 +5,12 @@
 #include "channel/interface/Texts.h"
 #include "common/logic/LogicBase.h"
 #include "ig/app/ControlApp.h"
+#include "ig/package/PackageManager.h"
+#include "ig/scene/Material.h"
 #include "ig/ui/KeyCode.h"
 #include "ig/ui/UIButton.h"
 #include "ig/ui/UIEditLine.h"
+#include "testkit/LogCapture.h"
 #include "testkit/TempFolder.h"
 
 #include <algorithm>
@@ -189,6 +192,40 @@ TEST_F(OperatorInterfaceTest, HelpOfALogicWithOneLanguageIsShownInThatOne) {
                folder.write("a.yaml", "buttons: [{button: b, does: {zh: 只有}}]\n").c_str());
     other.getOverlays().showHelp(true);
     EXPECT_TRUE(shows("只有", other)); // in the column that is English
+}
+
+TEST_F(OperatorInterfaceTest, SwitchesOfTheScenesFileStepTheirTracksAndTellIt) {
+    const WorkingFolder folder;
+    LogCapture log;
+    folder.write("lamp.mat", "parameters: {override: 0}\n");
+    folder.write("a.anim", "channels:\n- {material: lamp.mat, parameter: override, "
+                           "keys: [[0, 0.5], [1, 2], [2, -1]]}\n");
+    folder.write("a.yaml", R"(switches:
+- {key: l, track: a.anim, steps: [{tells: by the hour}, {tells: {en: lamps on}}, {tells: dark}]}
+- {key: Return, track: a.anim, steps: [{tells: x}, {tells: y}]}
+- {key: m, track: a.anim, steps: [{tells: x}]}
+- {key: n, track: b.anim, steps: [{tells: x}, {tells: y}]}
+)");
+    OperatorInterface other(nullptr, owner, &control);
+    other.resize(1280, 720);
+    other.open(&logic, "a.yaml");
+    for (const char* fault : {"a.yaml:3: a switch needs one small letter",
+                              "a.yaml:4: a switch needs two \"steps\"", "a.yaml:5: no track"})
+        EXPECT_TRUE(std::ranges::any_of(log.lines, [&](const auto& l) {
+            return l.find(fault) != std::string::npos;
+        })) << fault;
+    const Material* lamp = MaterialManager::get("lamp.mat");
+    EXPECT_EQ(readSlider(lamp, "override", 9), 0.5f);
+    for (const auto& [told, value] :
+         {std::pair("lamps on", 2.0f), {"dark", -1.0f}, {"by the hour", 0.5f}}) {
+        other.onKey('l', true, false);
+        other.onKey('l', false, false);
+        EXPECT_EQ(readSlider(lamp, "override", 9), value);
+        EXPECT_TRUE(shows(told, other));
+    }
+    other.close();
+    MaterialManager::release();
+    PackageManager::release();
 }
 
 TEST_F(OperatorInterfaceTest, PanelsShrinkWhereTheyWouldNotStandSideBySide) {

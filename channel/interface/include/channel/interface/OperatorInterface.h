@@ -2,6 +2,7 @@
 #pragma once
 
 #include "channel/interface/Overlays.h"
+#include "channel/interface/SceneSwitches.h"
 #include "channel/interface/WindowListener.h"
 #include "ig/app/InputRouter.h"
 #include "ig/ui/UIRoot.h"
@@ -26,8 +27,8 @@ public:
     OperatorInterface(ig::IApp* app, WindowOwner& owner, ig::ControlApp* control);
 
     /// After the logic's `init`, so that the overlays cover its panels; the logic gets the events
-    /// that are the scene's. `interface_path`: what can't be known of the panels otherwise
-    /// (`docs/operator.md`); a logic may have no such file.
+    /// that are the scene's. `interface_path`: what can't be known of the logic otherwise
+    /// (`docs/operator.md`), with switches of the engine's world; a logic may have no such file.
     void open(LogicBase* logic, const std::string& interface_path);
     /// Destroys the user interface; after the logic's `release`, before the world goes.
     void close();
@@ -84,6 +85,7 @@ private:
     ig::InputRouter m_input;
     ig::UiDrawList m_list;
     Overlays m_overlays;
+    SceneSwitches m_switches;
     std::vector<ig::UIElement*> m_panels; ///< the root's; those of the logic
     bool m_panels_shown = true;
     bool m_close_requested = false, m_end_requested = false;

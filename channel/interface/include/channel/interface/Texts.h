@@ -5,6 +5,10 @@
 #include <string>
 #include <vector>
 
+namespace ig {
+class Package;
+} // namespace ig
+
 /// What the application itself says to the operator in the picture (boxes, overlays, statistics,
 /// hints), in his language: flat `key: text` files, config/texts.zh.yaml and config/texts.en.yaml,
 /// of which each is read at its first use. Log and console are not translated. Main thread only.
@@ -20,6 +24,10 @@ public:
     static const char* get(const char* key);
     /// The same in a language of the caller's choice, for what is shown in both.
     static const char* get(const char* key, const std::string& language);
+    /// The text under a key of the logic's file, which has one for all languages or one for each;
+    /// better another's than none.
+    static const char* choose(const ig::Package& line, const char* key,
+                              const std::string& language);
     /// The text of that key with `{1}`, `{2}`, ... replaced by the values: the order of the words
     /// is the language's.
     static std::string fill(const char* key, std::initializer_list<std::string> values);
