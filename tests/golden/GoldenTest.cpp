@@ -9,6 +9,7 @@
 
 #include "heli/kit/HelicopterCorax.h"
 #include "ig/app/Sky.h"
+#include "ig/scene/Material.h"
 #include "ig/scene/ParticleSystem.h"
 #include "ig/ui/UiDrawList.h"
 #include "render/gl/RendererGL.h"
@@ -217,6 +218,25 @@ const View VIEWS[] = {
          s.look({-155.06235, 19.71232, 19}, 310, -8);
      }},
     {"wreck", [](Stage& s) { s.run(7); }},
+    {"night_approach", // through glasses, on the glide path
+     [](Stage& s) {
+         s.picture.rain = s.picture.flash = s.picture.overcast = s.picture.cloud_darkness = 0;
+         s.picture.cloud_cover = 0.3f;
+         s.picture.visibility = 60000;
+         s.logic->setSnow(0);
+         s.setHour(23);
+         s.land();
+         s.run(0.2);
+         MaterialManager::get("data/PELMAR_PROJECT/materials/deck_status_green.mat")
+             ->setParameterSliderByName("override", 1);
+         s.look(s.byFrigate(0, -350, 27.6), 0, -3);
+         s.eye.setPerspective(9, 16.0f / 9, 0.1, 1e7);
+     }},
+    {"night_deck", // from the hover over it
+     [](Stage& s) {
+         s.look(s.byFrigate(6, -88, 18), 352, -14);
+         s.eye.setPerspective(50, 16.0f / 9, 0.1, 1e7);
+     }},
 };
 
 std::vector<double> blockMeans(const std::uint8_t* pixels, int channels) {
