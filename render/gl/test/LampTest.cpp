@@ -87,3 +87,13 @@ TEST_F(ApproachAtNight, GlidePathIndicatorChangesColourWithinATenthOfADegreeOfIt
         m_world.clear();
     }
 }
+
+TEST_F(ApproachAtNight, TheRedDeckStatusFlashesWithTheTimeOfTheScene) {
+    ObjectPrefab* ship =
+        addShip("data/PELMAR_PROJECT/prefabs/SM_055_CN_2023/SM_055_CN_2023.prefab", "deck_status");
+    lookUpAt(ship->getNodeByName("deck_status")->getChild(0)->getWorldPosition(), 300, 3);
+    m_frame.time = 61.2;
+    EXPECT_EQ(seen(), Color::red);
+    m_frame.time = 61.7;
+    EXPECT_EQ(seen(), Color::none);
+}
