@@ -27,10 +27,14 @@ TERRAIN = f"{PROJECT}/terrain/coast.tif"
 def schema_of(data):
     """What the nodes below a folder say, as a schema that knows their keys and nothing else."""
     schema = {"node": {"node": {}}, "body": {"rigid": {}, "rope": {}}, "surface": {"surface": {}},
-              "shape": {"shape": {}}, "joint": {"joint": {}}, "drag": {"drag": {}}}
+              "shape": {"shape": {}}, "joint": {"joint": {}}, "drag": {"drag": {}},
+              "sector": {"sector": {}}}
     maps = {"body": "map of body", "surfaces": "list of surface", "shapes": "list of shape",
-            "joints": "list of joint", "drag": "list of drag", "children": "list of node"}
-    triples = ["position", "wgs", "hpr", "rotation", "center", "size", "spread", "parameters"]
+            "joints": "list of joint", "drag": "list of drag", "children": "list of node",
+            "sector": "list of sector"}
+    triples = ["position", "wgs", "hpr", "rotation", "center", "size", "spread", "parameters",
+               "color"]
+    pairs = ["azimuth", "elevation"]  # that may be below 0
 
     def add(family, values):
         types = schema[family]
@@ -38,7 +42,8 @@ def schema_of(data):
         keys = types.setdefault(values.get("type", first) if family in ("node", "body") else first, {})
         for key, value in values.items():
             scalar = {bool: "flag", str: "text", list: "pair from 0"}.get(type(value), "number")
-            keys[key] = maps.get(key, "triple" if key in triples else scalar)
+            listed = "triple" if key in triples else "pair" if key in pairs else scalar
+            keys[key] = maps.get(key, listed)
             if key in maps:
                 for each in value if isinstance(value, list) else [value]:
                     add(keys[key].split()[-1], each)
