@@ -10,6 +10,7 @@ in vec3 vNormal;
 in vec2 vPlace;
 in vec3 vHaze;
 in vec3 vOwn;
+in float vHillTop;
 uniform vec4 uColor;      // w: opacity
 uniform vec4 uSurface;    // roughness, metalness, emission, width over which paint frays, m
 uniform vec4 uCover;      // wetness, ice, rain on glass, wiper
@@ -132,6 +133,7 @@ void main() {
     rough = mix(mix(rough, 0.12, wet), 0.22, ice * 0.8);
 
     vec3 light = uLight.rgb * lightReaching(vPosition + normal * 0.03);
+    light *= 1.0 - hillShade(vHillTop - vPosition.z) * uLightDirection.w;
     vec3 toLight = uLightDirection.xyz;
     float facing = max(dot(normal, toLight), 0.0);
     // The sky lights what looks up, the ground's reflection what looks down.

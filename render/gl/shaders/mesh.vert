@@ -3,7 +3,7 @@ layout(location = 0) in vec3 aPosition;
 layout(location = 1) in vec4 aNormal;
 layout(location = 2) in vec2 aPlace;
 // Per instance: the rows of the transform from the mesh to the eye's east-north-up frame, and the
-// colour of the haze in its direction.
+// colour of the haze in its direction; w: how high the shadow of hills reaches there, in that frame.
 layout(location = 3) in vec4 aRow0;
 layout(location = 4) in vec4 aRow1;
 layout(location = 5) in vec4 aRow2;
@@ -13,6 +13,7 @@ out vec3 vNormal;
 out vec2 vPlace;
 out vec3 vHaze;
 out vec3 vOwn; // in the mesh's own frame
+out float vHillTop;
 #ifdef TEXTURED
 out vec3 vOwnNormal;
 #endif
@@ -24,6 +25,11 @@ void main() {
     vPlace = aPlace;
     vHaze = aHaze.rgb;
     vOwn = aPosition;
+#if defined(PAVED) || defined(SOAKED) || defined(PAINTED) || defined(DECAL) // wide ones
+    vHillTop = vPosition.z + hillsAbove(vPosition);
+#else
+    vHillTop = aHaze.w;
+#endif
 #ifdef TEXTURED
     vOwnNormal = aNormal.xyz;
 #endif

@@ -2,7 +2,16 @@
 // How much of the key light reaches a place. Four maps share one texture, a quarter each: the sharper
 // ones lie within the wider ones, and the sharpest that knows the place tells. Without branches, so
 // that all maps together cost hardly more than one.
+// HILLS: those of the hills count too.
 uniform sampler2DShadow uShadowMap;
+uniform sampler2D uHillMap;
+
+// How far the shadow of hills reaches above a place, m, and how much of the light it takes.
+float hillsAbove(vec3 p) {
+    vec3 q = (uHills * vec4(p, 1.0)).xyz;
+    return textureLod(uHillMap, q.xy, 0.0).r - q.z;
+}
+float hillShade(float above) { return smoothstep(0.0, 1.0, above * uHillShade.x); }
 
 // Place in the texture and depth; a depth of 0, before which nothing casts, where no map reaches.
 vec3 shadowPlace(vec3 p) {
@@ -21,9 +30,12 @@ float lightReaching(vec3 p) {
     float lit = (textureLod(uShadowMap, vec3(q.xy + texel * vec2(-0.5, -0.3), q.z), 0.0) +
                  textureLod(uShadowMap, vec3(q.xy + texel * vec2(0.5, -0.3), q.z), 0.0) +
                  textureLod(uShadowMap, vec3(q.xy + texel * vec2(0.0, 0.55), q.z), 0.0)) / 3.0;
+#ifdef HILLS
+    lit *= 1.0 - hillShade(hillsAbove(p));
+#endif
     return mix(1.0, lit, uLightDirection.w);
 }
 // By one look, for vertices and for what is too small for more.
 float lightReachingOnce(vec3 p) {
-    return mix(1.0, textureLod(uShadowMap, shadowPlace(p), 0.0), uLightDirection.w);
+    return mix(1.0, textureLod(uShadowMap, shadowPlace(p), 0.0) * (1.0 - hillShade(hillsAbove(p))), uLightDirection.w);
 }

@@ -215,6 +215,7 @@ bool Program::finish() {
     use();
     set("uSkyMap", UNIT_SKY);
     set("uShadowMap", UNIT_SHADOW);
+    set("uHillMap", UNIT_HILLS);
     set("uNoise", UNIT_NOISE);
     set("uLightCells", UNIT_LIGHTS);
     for (const Sampler& sampler : std::exchange(m_samplers, {}))

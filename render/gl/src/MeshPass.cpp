@@ -3,6 +3,7 @@
 
 #include "SkyPass.h"
 #include "ig/scene/Mesh.h"
+#include "render/scene/HillShadows.h"
 #include "render/scene/LightList.h"
 #include "render/scene/packNormal.h"
 
@@ -33,9 +34,9 @@ void MeshPass::init() {
                                     "PAINTED", "DECAL",    "GLASS", "ROTOR"};
     static_assert(std::size(variants) == NUM_SHADINGS);
     for (int i = 0; i < NUM_SHADINGS; i++)
-        m_programs[i].start("mesh.vert", "shadow.glsl mesh.frag", variants[i]);
+        m_programs[i].start("shadow.glsl mesh.vert", "shadow.glsl mesh.frag", variants[i]);
     for (int i = 0; i < NUM_LIT; i++)
-        m_lit_programs[i].start("mesh.vert", "shadow.glsl lights.glsl mesh.frag",
+        m_lit_programs[i].start("shadow.glsl mesh.vert", "shadow.glsl lights.glsl mesh.frag",
                                 std::string(variants[i]) + " LIGHTS");
     m_depth_program.start("shadow.vert", "shadow.frag");
 }
@@ -98,12 +99,11 @@ void MeshPass::purge() {
 
 // ------------------------------------------------------------------ a frame
 
-void MeshPass::upload(const SceneList& list, const ShadowCasters& casters, const LightList& lights,
-                      const SkyPass& sky) {
+void MeshPass::upload(const SceneList& list, const ShadowCasters& casters, const Light& light) {
     purge();
     m_instances.clear();
-    addBatches(list.opaque, m_opaque, lights, sky);
-    addBatches(list.transparent, m_transparent, lights, sky);
+    addBatches(list.opaque, m_opaque, light);
+    addBatches(list.transparent, m_transparent, light);
     addCasters(casters);
     // Near ones first, so that what they hide is not shaded. Where surfaces touch, the first drawn
     // shows: among equals that of the scene.
@@ -119,16 +119,16 @@ bool MeshPass::isLit(const MeshItem& item, const LightList& lights) {
     return choose(item.look) < NUM_LIT && lights.reach(item.bounds.xyz(), item.bounds.w);
 }
 
-MeshPass::Instance MeshPass::toInstance(const mat4& transform, const vec3& haze) {
+MeshPass::Instance MeshPass::toInstance(const mat4& transform, const vec4& haze) {
     const auto& c = transform.columns;
     return {{{c[0].x, c[1].x, c[2].x, c[3].x},
              {c[0].y, c[1].y, c[2].y, c[3].y},
              {c[0].z, c[1].z, c[2].z, c[3].z}},
-            {haze, 0}};
+            haze};
 }
 
 void MeshPass::addBatches(const std::vector<MeshItem>& items, std::vector<Batch>& batches,
-                          const LightList& lights, const SkyPass& sky) {
+                          const Light& light) {
     batches.clear();
     for (const MeshItem& item : items) {
         const MeshItem* last = batches.empty() ? nullptr : batches.back().item;
@@ -136,13 +136,16 @@ void MeshPass::addBatches(const std::vector<MeshItem>& items, std::vector<Batch>
             last->look == item.look) {
             batches.back().count++;
             batches.back().distance = std::min(batches.back().distance, item.distance);
-            batches.back().lit = batches.back().lit || isLit(item, lights);
+            batches.back().lit = batches.back().lit || isLit(item, light.lights);
         } else {
             batches.push_back({&find(*item.mesh), &item, static_cast<int>(m_instances.size()), 1,
-                               item.distance, isLit(item, lights)});
+                               item.distance, isLit(item, light.lights)});
         }
         const vec3 place = item.transform.getTranslate();
-        m_instances.push_back(toInstance(item.transform, sky.getHaze({place.x, place.y})));
+        const vec3 middle = item.bounds.xyz();
+        m_instances.push_back(
+            toInstance(item.transform, {light.sky.getHaze({place.x, place.y}),
+                                        middle.z + light.hills.getAbove(middle)}));
     }
 }
 

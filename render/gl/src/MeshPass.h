@@ -9,6 +9,7 @@
 
 namespace ig {
 
+class HillShadows;
 class LightList;
 class SkyPass;
 
@@ -16,11 +17,17 @@ class SkyPass;
 /// the device as long as the scene holds it.
 class MeshPass {
 public:
+    /// What shines on the meshes of a frame, or keeps the light away.
+    struct Light {
+        const LightList& lights;
+        const HillShadows& hills;
+        const SkyPass& sky;
+    };
+
     void init();
 
     /// Brings the instances of this frame to the device; before the draws.
-    void upload(const SceneList& list, const ShadowCasters& casters, const LightList& lights,
-                const SkyPass& sky);
+    void upload(const SceneList& list, const ShadowCasters& casters, const Light& light);
     void drawOpaque();
     void drawTransparent();
     /// Depth only: the items of one of the jobs.
@@ -60,7 +67,7 @@ private:
         vec4 rows[3];
         vec4 haze;
     };
-    static Instance toInstance(const mat4& transform, const vec3& haze);
+    static Instance toInstance(const mat4& transform, const vec4& haze);
 
     /// Ways to shade, one program each: what a surface doesn't need, no pixel of it pays for.
     /// Lamps and fires light the first ones, by further programs.
@@ -72,7 +79,7 @@ private:
     void fill(DeviceMesh& device, const Mesh& mesh) const;
     void pointToInstances(int first) const;
     void addBatches(const std::vector<MeshItem>& items, std::vector<Batch>& batches,
-                    const LightList& lights, const SkyPass& sky);
+                    const Light& light);
     void addCasters(const ShadowCasters& casters);
     void drawInstances(const DeviceMesh& mesh, const DeviceMesh::Range& range, int first,
                        int count) const;

@@ -21,7 +21,8 @@ enum { UNIT_DISPLACEMENT = gl::UNIT_FIRST_OWN };
 enum { UNIT_WATER = gl::UNIT_FIRST_OWN, UNIT_SLOPE, UNIT_EFFECTS = UNIT_SLOPE + 4 };
 
 /// Of the programs that shade, by `OceanPass::Shade`.
-constexpr const char* SHADE_WORDS[] = {"WAKES DOWNWASH SHADOWS", "WAKES DOWNWASH", "WAKES", ""};
+constexpr const char* SHADE_WORDS[] = {"WAKES DOWNWASH SHADOWS HILLS", "WAKES DOWNWASH", "WAKES",
+                                       ""};
 
 constexpr GLuint MARK = 1; ///< in the stencil, where the sea is what one sees
 constexpr int BLOCK = 31;  ///< cells of the grid along an edge whose vertices stay in the cache

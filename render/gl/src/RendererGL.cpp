@@ -4,6 +4,7 @@
 #include "GlObjects.h"
 #include "GrassPass.h"
 #include "HeadlessContext.h"
+#include "HillMap.h"
 #include "LightTable.h"
 #include "MeshPass.h"
 #include "OceanPass.h"
@@ -82,6 +83,8 @@ struct RendererGL::Impl {
     void prepare(const World& world, const Camera& camera, const FrameInfo& frame);
     bool placeShadows(const FrameInfo& frame);
     void planShadows();
+    bool castHills() const { return block.light_direction.w > 0 && hills.isAny(); }
+    PictureRect findShadowsOnSea() const;
     void uploadBlock();
     void gatherLights(const FrameInfo& frame);
     void drawShadows();
@@ -110,6 +113,8 @@ struct RendererGL::Impl {
     ShadowMap shadow;
     std::optional<ShadowPlace> shadow_place; ///< from `init` on
     ShadowCasters shadow_casters;
+    HillShadows hills;
+    HillMap hill_map;
     MeshPass meshes;
     OceanPass ocean;
     TerrainPass terrain;
@@ -188,6 +193,7 @@ bool RendererGL::Impl::initPasses() {
     ui.init();
     viewports.init();
     software ? ocean.init(128, 90) : ocean.init(320, 240);
+    hill_map.init();
     shadow_place.emplace(software ? 1024 : 2048);
     return gl::finishPrograms() && shadow.init(shadow_place->getSize());
 }
@@ -296,7 +302,7 @@ void RendererGL::Impl::prepare(const World& world, const Camera& camera, const F
     }
     uploadBlock();
     light_table.upload(view, lights);
-    meshes.upload(list, shadow_casters, lights, sky);
+    meshes.upload(list, shadow_casters, {lights, hills, sky});
     if (list.ocean) ocean.upload(list.ocean->getFrame());
     gl::bindTexture(gl::UNIT_NOISE, noise);
 }
@@ -317,11 +323,24 @@ bool RendererGL::Impl::placeShadows(const FrameInfo& frame) {
 }
 
 void RendererGL::Impl::planShadows() {
-    if (block.light_direction.w > 0)
+    if (block.light_direction.w > 0) {
         shadow_casters.plan(list.casters, *shadow_place);
-    else
+        const TerrainGrid* ground = list.terrain ? &list.terrain->getGrid() : nullptr;
+        if (hills.update(ground, shadow_place->getLight(), shadow_place->isNew()))
+            hill_map.upload(hills);
+    } else {
         shadow_casters.rest();
+    }
     shadow_place->fill(view, block);
+    hills.fill(view, block);
+}
+
+PictureRect RendererGL::Impl::findShadowsOnSea() const {
+    if (view.everything) return PictureRect::whole();
+    if (block.light_direction.w <= 0) return {};
+    PictureRect rect = findOnSea(list.casters, view, block.light_direction.xyz());
+    rect.include(hills.findOnSea(view));
+    return rect;
 }
 
 /// Of a rehearsal's views one is lit by lamps and the others by none, so that all programs are met.
@@ -350,6 +369,7 @@ void RendererGL::Impl::drawShadows() {
         ShadowMap::end();
     }
     shadow.bind();
+    hill_map.bind();
 }
 
 /// Opaque first and near first, so that hidden pixels cost nothing; then the sky where nothing is;
@@ -361,13 +381,13 @@ void RendererGL::Impl::drawScene(const World& world) {
     glClear(GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
     meshes.drawOpaque();
     clock.mark("meshes");
-    if (list.terrain) terrain.draw(view, *list.terrain, lights);
+    if (list.terrain) terrain.draw(view, *list.terrain, lights, castHills());
     clock.mark("terrain");
     if (list.terrain) grass.draw(view, world, *list.terrain, list.fields, lights);
     clock.mark("grass");
     if (list.ocean)
-        ocean.draw({view, list.ocean->getFrame(), list.downdraughts, PictureRect::whole(), wakes,
-                    *canvas});
+        ocean.draw(
+            {view, list.ocean->getFrame(), list.downdraughts, findShadowsOnSea(), wakes, *canvas});
     clock.mark("ocean");
     sky.drawBackground(view);
     sky.drawClouds(view, canvas->depth);

@@ -61,7 +61,8 @@ std::vector<std::uint16_t> triangulate(const std::vector<char>& has_data, int ed
 
 void TerrainPass::init() {
     m_program.start("terrain.vert", "shadow.glsl terrain.frag");
-    m_lit_program.start("terrain.vert", "shadow.glsl lights.glsl terrain.frag", "LIGHTS");
+    m_lit_program.start("terrain.vert", "shadow.glsl lights.glsl terrain.frag", "LIGHTS HILLS");
+    m_hilly_program.start("terrain.vert", "shadow.glsl terrain.frag", "HILLS");
 }
 
 std::uint64_t TerrainPass::key(const Square& square) {
@@ -96,8 +97,8 @@ void TerrainPass::purge() {
             entry->second.last_drawn < m_frame - KEPT ? m_chunks.erase(entry) : std::next(entry);
 }
 
-void TerrainPass::draw(const FrameView& view, const ObjectTerrain& terrain,
-                       const LightList& lights) {
+void TerrainPass::draw(const FrameView& view, const ObjectTerrain& terrain, const LightList& lights,
+                       bool hills) {
     const TerrainGrid& grid = terrain.getGrid();
     m_frame++;
     if (grid.empty()) return;
@@ -105,6 +106,7 @@ void TerrainPass::draw(const FrameView& view, const ObjectTerrain& terrain,
     purge();
     m_material = terrain.getSurfaceMaterial(0);
     m_lights = &lights;
+    m_hills = hills;
     m_used = nullptr;
     glEnable(GL_CULL_FACE);
     int step = 1;
@@ -180,12 +182,17 @@ void TerrainPass::visit(const FrameView& view, const TerrainGrid& grid, const Sq
                 visit(view, grid, {square.column + dc, square.row + dr, square.step / 2});
         return;
     }
-    drawChunk(view, grid, square, m_lights->reach(center, radius));
+    if (view.everything)
+        for (gl::Program* program : {&m_program, &m_hilly_program})
+            drawChunk(view, grid, square, *program);
+    drawChunk(view, grid, square,
+              m_lights->reach(center, radius) ? m_lit_program
+              : m_hills                       ? m_hilly_program
+                                              : m_program);
 }
 
 void TerrainPass::drawChunk(const FrameView& view, const TerrainGrid& grid, const Square& square,
-                            bool lit) {
-    gl::Program& program = lit ? m_lit_program : m_program;
+                            gl::Program& program) {
     if (&program != m_used) use(program);
     Chunk& chunk = m_chunks[key(square)];
     if (!chunk.vertex_array) fill(chunk, grid, square);

@@ -21,7 +21,9 @@ namespace ig {
 class TerrainPass {
 public:
     void init();
-    void draw(const FrameView& view, const ObjectTerrain& terrain, const LightList& lights);
+    /// `hills`: these cast shadows.
+    void draw(const FrameView& view, const ObjectTerrain& terrain, const LightList& lights,
+              bool hills);
     /// Place in the noise that colours the ground, m, of a geodetic place.
     static dvec2 placeInNoise(const TerrainGrid& grid, double longitude, double latitude);
     static constexpr float SHORE_HEIGHT = 3.5f; ///< where the beach ends, unless the material tells
@@ -48,12 +50,15 @@ private:
     Extent measure(const Square& square);
     void use(gl::Program& program);
     void visit(const FrameView& view, const TerrainGrid& grid, const Square& square);
-    void drawChunk(const FrameView& view, const TerrainGrid& grid, const Square& square, bool lit);
+    void drawChunk(const FrameView& view, const TerrainGrid& grid, const Square& square,
+                   gl::Program& program);
     void fill(Chunk& chunk, const TerrainGrid& grid, const Square& square);
     void purge();
     static std::uint64_t key(const Square& square);
 
-    gl::Program m_program, m_lit_program; ///< the other one is for chunks that lamps or fires light
+    /// The second is for chunks that lamps or fires light, the third for hills that cast shadows.
+    gl::Program m_program, m_lit_program, m_hilly_program;
+    bool m_hills = false;
     gl::Program* m_used = nullptr;
     std::unordered_map<std::uint64_t, Chunk> m_chunks;
     std::unordered_map<std::uint64_t, Extent> m_extents;

@@ -27,6 +27,18 @@ double getMove(const dmat4& from, const dmat4& to, const CasterItem& item) {
 
 } // namespace
 
+PictureRect findOnSea(const std::vector<CasterItem>& casters, const FrameView& view,
+                      const vec3& light) {
+    PictureRect rect;
+    for (const CasterItem& item : casters) {
+        const vec3 center(view.toFrame(item.center));
+        const auto altitude = center.z + static_cast<float>(view.geodetic.z);
+        const vec3 foot = center - light * (altitude / light.z);
+        rect.include(PictureRect::of(view, foot, static_cast<float>(item.radius) / light.z));
+    }
+    return rect;
+}
+
 bool ShadowCasters::isSame(const Shown& shown, const CasterItem& item) {
     return shown.object == item.mesh && shown.mesh == item.mesh->get() &&
            shown.surface == item.surface;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "render/scene/PictureRect.h"
 #include "render/scene/ShadowPlace.h"
 
 #include <memory>
@@ -20,6 +21,11 @@ struct CasterItem {
     double radius;
     unsigned maps; ///< into which it may cast, a bit each
 };
+
+/// The part of the picture where the shadows of such things may be seen to lie on the sea. `light`:
+/// towards it, E.
+PictureRect findOnSea(const std::vector<CasterItem>& casters, const FrameView& view,
+                      const vec3& light);
 
 /// Decides in each frame which shadow maps are drawn, and with what: as little as gives the same
 /// picture. What a map shows is kept until something in it has moved by a part of a texel, the

@@ -32,6 +32,8 @@ public:
 
     /// No map shows anything yet from this light: all must be drawn in this frame.
     bool isNew() const { return m_new; }
+    /// The light that the maps are drawn for, world.
+    const dvec3& getLight() const { return m_axes.getZ(); }
     /// Whether a map is wanted elsewhere than it was drawn.
     bool isElsewhere(int map) const;
     /// From now on the map shows what is drawn with `toMap`.

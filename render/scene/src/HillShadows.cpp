@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: MIT
+#include "render/scene/HillShadows.h"
+
+#include "ig/math/EllipsoidModel.h"
+#include "ig/math/quat.h"
+#include "plugins/terrain/TerrainGrid.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace ig {
+
+namespace {
+
+constexpr double MARGIN = 1.25;     // of the terrain's own extent
+constexpr double STEEPEST = 0.8;    // sine of a light's height above which hills cast nothing
+constexpr float LEAST_SOFTNESS = 3; // m
+constexpr float LEAST_SHADOW = 2;   // m above the ground; less is the ground's own roughness
+
+/// Altitude of the ground, bilinear; `NONE` beyond the grid, in holes, and below the sea.
+float heightAt(const TerrainGrid& grid, double column, double row) {
+    if (!(column >= 0 && row >= 0 && column <= grid.columns - 1 && row <= grid.rows - 1))
+        return HillShadows::NONE;
+    const int c = std::min(static_cast<int>(column), grid.columns - 2);
+    const int r = std::min(static_cast<int>(row), grid.rows - 2);
+    const auto u = static_cast<float>(column - c), v = static_cast<float>(row - r);
+    const float north = std::lerp(grid.getHeight(c, r), grid.getHeight(c + 1, r), u);
+    const float south = std::lerp(grid.getHeight(c, r + 1), grid.getHeight(c + 1, r + 1), u);
+    const float height = std::lerp(north, south, v);
+    return height > 0 ? height : HillShadows::NONE; // holes are not a number
+}
+
+} // namespace
+
+bool HillShadows::update(const TerrainGrid* grid, const dvec3& light, bool is_new) {
+    const float* heights = grid && !grid->empty() ? grid->heights : nullptr;
+    if (heights == m_made_of && !is_new) return false;
+    if (heights != m_made_of && heights) layOut(*grid);
+    m_made_of = heights;
+    const bool were_any = m_any;
+    m_any = false;
+    if (heights) sweep(light);
+    return m_any || were_any;
+}
+
+/// Geodetic places are exact at nodes 16 texels apart and bilinear in between, which is off by less
+/// than a metre.
+void HillShadows::layOut(const TerrainGrid& grid) {
+    constexpr int CELL = 16, NODES = SIZE / CELL + 1;
+    const EllipsoidModel earth;
+    const dvec3 middle(grid.west + (grid.columns - 1) * grid.spacing_longitude / 2,
+                       grid.north - (grid.rows - 1) * grid.spacing_latitude / 2, 0);
+    m_frame = earth.getWGSTransform(earth.toWorld(middle));
+    const dvec2 degree = earth.getDegreeLengths(middle.y);
+    m_half = MARGIN / 2 *
+             std::max((grid.columns - 1) * grid.spacing_longitude * degree.x,
+                      (grid.rows - 1) * grid.spacing_latitude * degree.y);
+    struct Node {
+        double column, row, drop; ///< of the earth below the plane, m
+    };
+    std::vector<Node> nodes;
+    for (int j = 0; j < NODES; j++)
+        for (int i = 0; i < NODES; i++) {
+            const double x = (2.0 * i / (NODES - 1) - 1) * m_half;
+            const double y = (2.0 * j / (NODES - 1) - 1) * m_half;
+            const dvec3 place = earth.toWGS(m_frame * dvec3(x, y, 0));
+            nodes.push_back({std::remainder(place.x - grid.west, 360) / grid.spacing_longitude,
+                             (grid.north - place.y) / grid.spacing_latitude, place.z});
+        }
+    m_ground.assign(static_cast<std::size_t>(SIZE) * SIZE, NONE);
+    m_shadow = m_ground;
+    for (int j = 0; j < SIZE; j++)
+        for (int i = 0; i < SIZE; i++) {
+            const double u = (i + 0.5) / CELL, v = (j + 0.5) / CELL;
+            const Node* n =
+                &nodes[static_cast<std::size_t>(static_cast<int>(v) * NODES + static_cast<int>(u))];
+            const double a = u - std::floor(u), b = v - std::floor(v);
+            const auto mean = [&](double Node::*value) {
+                return std::lerp(std::lerp(n[0].*value, n[1].*value, a),
+                                 std::lerp(n[NODES].*value, n[NODES + 1].*value, a), b);
+            };
+            const float height = heightAt(grid, mean(&Node::column), mean(&Node::row));
+            if (height > 0)
+                m_ground[static_cast<std::size_t>(j * SIZE + i)] =
+                    height - static_cast<float>(mean(&Node::drop));
+        }
+}
+
+/// Line by line, across the axis that the light goes along most; the outermost texels stay without
+/// shadow, which is what lies beyond the map.
+void HillShadows::sweep(const dvec3& light) {
+    std::fill(m_shadow.begin(), m_shadow.end(), NONE);
+    m_sea_low = {1e9f, 1e9f, 0};
+    m_sea_high = -m_sea_low;
+    const dvec3 to_light = transpose(m_frame.getMat3()) * light;
+    if (to_light.z > STEEPEST || to_light.z <= 0) return;
+    const bool by_columns = std::abs(to_light.x) > std::abs(to_light.y);
+    const double along = by_columns ? to_light.x : to_light.y;
+    const double across = (by_columns ? to_light.y : to_light.x) / std::abs(along);
+    const double texel = 2 * m_half / SIZE;
+    const auto fall = static_cast<float>(to_light.z / std::abs(along) * texel);
+    m_softness = LEAST_SOFTNESS + fall;
+    const int step = by_columns ? 1 : SIZE, next = by_columns ? SIZE : 1; // between lines, within
+    const int towards = along > 0 ? step : -step;
+    const int shift = static_cast<int>(std::floor(across));
+    const auto share = static_cast<float>(across - shift);
+    for (int k = 1; k < SIZE - 1; k++) {
+        const int line = (along > 0 ? SIZE - 1 - k : k) * step;
+        const auto at = [&](int i) { // the higher of ground and shadow, a line towards the light
+            const auto place =
+                static_cast<std::size_t>(line + towards + std::clamp(i, 0, SIZE - 1) * next);
+            return std::max(m_ground[place], m_shadow[place]);
+        };
+        for (int i = 1; i < SIZE - 1; i++) {
+            const auto place = static_cast<std::size_t>(line + i * next);
+            const float shadow = std::lerp(at(i + shift), at(i + shift + 1), share) - fall;
+            m_shadow[place] = shadow;
+            note(place, shadow);
+        }
+    }
+}
+
+/// Of what is above the ground or the sea.
+void HillShadows::note(std::size_t place, float shadow) {
+    if (shadow < NONE / 10) return;
+    const auto texel = static_cast<float>(2 * m_half / SIZE);
+    const vec2 p{(static_cast<float>(place % SIZE) + 0.5f) * texel - static_cast<float>(m_half),
+                 (static_cast<float>(place / SIZE) + 0.5f) * texel - static_cast<float>(m_half)};
+    const float ground = m_ground[place];
+    const float sea =
+        -(p.x * p.x + p.y * p.y) / static_cast<float>(2 * EllipsoidModel::MEAN_RADIUS);
+    if (shadow < std::max(ground, sea) + LEAST_SHADOW) return;
+    m_any = true;
+    if (ground > NONE) return;
+    m_sea_low = {std::min(m_sea_low.x, p.x), std::min(m_sea_low.y, p.y), 0};
+    m_sea_high = {std::max(m_sea_high.x, p.x), std::max(m_sea_high.y, p.y), 0};
+}
+
+PictureRect HillShadows::findOnSea(const FrameView& view) const {
+    if (!m_any || m_sea_low.x > m_sea_high.x) return {};
+    const vec3 middle = (m_sea_low + m_sea_high) * 0.5f;
+    const float radius = length(m_sea_high - m_sea_low) / 2 + static_cast<float>(m_half / SIZE);
+    return PictureRect::of(view, vec3(view.toFrame(m_frame * dvec3(middle))), radius);
+}
+
+void HillShadows::fill(const FrameView& view, FrameBlock& block) {
+    const dmat4 to_map = inverse(m_frame);
+    const dmat3 rows = to_map.getMat3() * view.frame;
+    const dvec3 eye = to_map * view.eye;
+    const double scale = 0.5 / m_half;
+    const auto shrink = [scale](const dvec3& v) { return dvec3(v.x * scale, v.y * scale, v.z); };
+    m_to_map = mat4(dmat4({shrink(rows.getX()), shrink(rows.getY()), shrink(rows.getZ())},
+                          shrink(eye) + dvec3(0.5, 0.5, 0)));
+    block.hills = m_to_map;
+    block.hill_shade = {m_any ? 1 / m_softness : 0, 0, 0, 0};
+}
+
+float HillShadows::getAbove(const vec3& place) const {
+    const vec3 q = m_to_map * place;
+    if (!m_any || !(std::min(q.x, q.y) >= 0 && std::max(q.x, q.y) < 1)) return NONE;
+    const auto texel = [](float share) { return static_cast<std::size_t>(share * SIZE); };
+    return m_shadow[texel(q.y) * SIZE + texel(q.x)] - q.z;
+}
+
+} // namespace ig
