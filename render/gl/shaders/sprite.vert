@@ -41,7 +41,7 @@ void main() {
     }
     vec3 lit = aColor.rgb * (uAmbient.rgb * 0.9 + uLight.rgb * (0.17 * (1.0 + 0.5 * corner.y)));
 #ifdef LIGHTS
-    lit += aColor.rgb * (0.5 * lampAround(p));
+    lit += aColor.rgb * (0.25 * lampAround(p));
 #endif
     // Lamps keep their look whatever the exposure; by day they drown.
     vec3 own = aColor.rgb * aShape.y * pow(0.3 / uLight.w, 0.8);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "render/gl/RendererGL.h"
 
+#include "BeamPass.h"
 #include "GlObjects.h"
 #include "GrassPass.h"
 #include "HeadlessContext.h"
@@ -120,6 +121,7 @@ struct RendererGL::Impl {
     TerrainPass terrain;
     GrassPass grass;
     DecalStore decals;
+    BeamPass beams;
     SpritePass sprites;
     WakePass wakes;
     UiPass ui;
@@ -188,6 +190,7 @@ bool RendererGL::Impl::initPasses() {
     meshes.init();
     terrain.init();
     grass.init();
+    beams.init();
     sprites.init();
     wakes.init(software ? 384 : 512);
     ui.init();
@@ -393,6 +396,7 @@ void RendererGL::Impl::drawScene(const World& world) {
     sky.drawClouds(view, canvas->depth);
     clock.mark("sky");
     meshes.drawTransparent();
+    beams.draw(view, lights, canvas->depth);
     clock.mark("transparent");
     sprites.draw(view, sprite_list.sprites, canvas->depth, !lights.lights.empty());
     clock.mark("sprites");

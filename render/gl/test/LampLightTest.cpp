@@ -87,3 +87,20 @@ TEST_F(LampLight, DrownsByDay) {
     lamp->setEnabled(false);
     EXPECT_NEAR(on, drawWall().first, 6);
 }
+
+TEST_F(LampLight, BeamShowsInFogAndEndsAtTheWall) {
+    m_frame.visibility = 400;
+    const auto across = [&](float beam) { // a beam that crosses the view, 20 m ahead
+        lamp->setBeam(beam);
+        lamp->setTransform(m_camera.getWorldTransform() * translate(dvec3(-15, 0, -20)) *
+                           dmat4(dquat(0, 0, -90), dvec3()));
+        draw();
+        return std::pair(brightness(0.5, 0.5), brightness(0.5, 0.2));
+    };
+    const auto [dark, dark_above] = across(0);
+    const auto [bright, above] = across(1);
+    EXPECT_GT(bright, dark + 15);
+    EXPECT_NEAR(above, dark_above, 3);
+    wall->setTransform(m_camera.getWorldTransform() * translate(dvec3(0, 0, -10)));
+    EXPECT_NEAR(across(1).first, across(0).first, 3) << "the wall hides it";
+}

@@ -40,7 +40,11 @@ void Samples::addTo(SpriteList& list) {
 
 void Samples::addTo(LightList& list) {
     constexpr float FAR = 1e5f; // m: everything is lit
-    list.lights = {{{0, 5, 2}, {0, 1, 0}, {FAR, FAR, FAR}, FAR, {-1, -1.1f}, 1, 0, 0, nullptr}};
+    LightItem light{{0, 5, 2}, {0, 1, 0}, {FAR, FAR, FAR}, FAR, {-1, -1.1f}, 0, 0, 0, nullptr};
+    list.lights = {light};
+    light.cone = {0.9f, 0.8f};
+    light.beam = 1;
+    list.lights.push_back(light);
 }
 
 void Samples::addTo(WakeList& list) {

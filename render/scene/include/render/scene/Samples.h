@@ -22,7 +22,7 @@ public:
     void addTo(SceneList& list) const;
     static void addTo(SpriteList& list);
     static void addTo(WakeList& list);
-    /// A light that reaches all there is, and nothing else.
+    /// A light that reaches all there is, one with a beam, and nothing else.
     static void addTo(LightList& list);
 
 private:

@@ -25,7 +25,7 @@ constexpr float SUN_IRRADIANCE = 20;   ///< above the air
 /// brighter than it is, 0.2 of the moon's: lamps lie in between, since they are seen by night.
 constexpr float LUX = 0.01f;
 /// What lamps add to the picture nears this, times PI over the exposure: the eye gets used to it.
-constexpr float LAMP_SHOULDER = 1.6f;
+constexpr float LAMP_SHOULDER = 1.1f;
 constexpr int MOST_LIGHTS = 64;  ///< that light what is around them in a frame, see LightGrid
 constexpr int LIGHTS_A_CELL = 8; ///< of its cells
 constexpr int LIGHT_COLUMNS = 16, LIGHT_ROWS = 9, LIGHT_SLICES = 24;
