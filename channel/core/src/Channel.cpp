@@ -186,7 +186,11 @@ bool Channel::makeRenderer() {
         m_renderer = kind.make(m_window.isOpen());
         m_renderer->setScale(m_options.scale > 0 ? m_options.scale : 1);
         m_renderer->setProfiling(m_options.profile);
-        if (m_renderer->init(m_options.width, m_options.height)) return true;
+        if (!m_renderer->init(m_options.width, m_options.height)) continue;
+        if (m_options.scale <= 0 && m_renderer->isSoftware())
+            m_renderer->setScale(
+                ScaleGovernor::getSoftwareStart(m_options.width, m_options.height));
+        return true;
     }
     return refuse();
 }

@@ -98,9 +98,9 @@ void addPictureOptions(CLI::App& app, Options& options) {
                options.scale = 0;
                read(text, options.scale);
            },
-           "Rendered pixels per pixel of the picture, 0.25 to 1, or auto: as many as "
+           "Rendered pixels per pixel of the picture, 0.5 to 1, or auto: as many as "
            "20 frames a second allow")
-        ->check(number({0.25, 1, false, "", "auto"}))
+        ->check(number({0.5, 1, false, "", "auto"}))
         ->default_str("1");
     app.add_option("--screenshot", options.screenshot, "Write the last frame to this PNG file")
         ->check(needPng);

@@ -27,7 +27,7 @@ struct Options {
     bool full_screen = false;                      ///< the window begins as all of its monitor
     std::string monitor;                           ///< name or number of the window's; empty: any
     float interface_size = 1;                      ///< of panels and texts, 0.5 to 4
-    float scale = 1;             ///< of the rendering, 0.25 to 1; 0: so that 20 frames/s hold
+    float scale = 1;             ///< of the rendering, 0.5 to 1; 0: so that 20 frames/s hold
     std::string screenshot;      ///< PNG of the last frame; empty: none
     std::string contact_sheet;   ///< PNG of all numbered pictures; empty: none
     std::string video;           ///< file for ffmpeg to write; empty: none

@@ -45,7 +45,7 @@ TEST_F(OptionsTest, MistakesAreNamedWithWhatIsAllowed) {
     const std::pair<const char*, const char*> mistakes[] = {
         {"--weather sunny", "--weather: must be one of clear, overcast, storm, fog, not \"sunny\""},
         {"--vsync later", "must be one of on, off, late, not \"later\"; nearest is \"late\""},
-        {"--scale 3", "must be a number, 0.25 to 1 or auto, not \"3\""},
+        {"--scale 3", "must be a number, 0.5 to 1 or auto, not \"3\""},
         {"--seconds inf", "must be a number, 0 or more, not \"inf\""},
         {"--rain 1.5", "must be a whole number, 0 to 3"},
         {"--eye 1 2", "--eye: needs 5 values"},

@@ -17,13 +17,13 @@ struct Renderer {
     double seconds() const {
         return fixed + per_picture * static_cast<double>(scale) * static_cast<double>(scale);
     }
-    /// Draws so long, s. The number of changes of the scale, which is kept in the renderer's range.
+    /// Draws so long, s. The number of changes of the scale.
     int run(double time) {
         int changes = 0;
         while (time > 0) {
             time -= seconds();
             const float before = scale;
-            scale = std::clamp(governor.update(seconds(), scale), 0.25f, 1.0f);
+            scale = governor.update(seconds(), scale);
             changes += scale != before;
         }
         return changes;
@@ -31,14 +31,30 @@ struct Renderer {
 };
 
 TEST(ScaleGovernor, SoonHoldsTheRateWhereverSomeScaleAllowsItAndSettles) {
-    for (double fixed : {0.0, 0.01, 0.03, 0.04})
-        for (double per_picture = 0.005; per_picture < 0.4; per_picture *= 1.07) {
+    for (const float start : {1.0f, 0.5f})
+        for (double fixed : {0.0, 0.01, 0.02, 0.03, 0.04})
+            for (double per_picture = 0.005; per_picture < 0.4; per_picture *= 1.07) {
+                Renderer r{fixed, per_picture, start};
+                if (fixed + per_picture * 0.25 > 0.9 * BUDGET) continue; // hardly any does
+                r.run(6);
+                EXPECT_LE(r.seconds(), BUDGET) << fixed << ' ' << per_picture;
+                EXPECT_TRUE(r.seconds() > 0.65 * BUDGET || r.scale == 1)
+                    << fixed << ' ' << per_picture;
+                EXPECT_EQ(r.run(60), 0) << fixed << ' ' << per_picture;
+            }
+}
+
+TEST(ScaleGovernor, NeverGoesBelowWhatHelps) {
+    for (double per_picture = 0.005; per_picture < 1; per_picture *= 1.3)
+        for (double fixed : {0.06, 0.1, 0.2}) { // no scale will do
             Renderer r{fixed, per_picture};
-            if (fixed + per_picture * 0.0625 > 0.95 * BUDGET) continue; // hardly any does
-            r.run(6);
-            EXPECT_LE(r.seconds(), BUDGET) << fixed << ' ' << per_picture;
-            EXPECT_TRUE(r.seconds() > 0.6 * BUDGET || r.scale == 1) << fixed << ' ' << per_picture;
-            EXPECT_EQ(r.run(60), 0) << fixed << ' ' << per_picture;
+            r.run(30);
+            EXPECT_GE(r.scale, ScaleGovernor::LEAST);
+            const double least = fixed + 0.25 * per_picture;
+            EXPECT_LE(r.seconds(), 1.12 * least) << fixed << ' ' << per_picture;
+            if (fixed + per_picture < 1.02 * least) { // all of the pixels are worth less
+                EXPECT_GT(r.scale, 0.8f) << fixed << ' ' << per_picture;
+            }
         }
 }
 
@@ -46,6 +62,7 @@ TEST(ScaleGovernor, TheDetailComesBackWhenTheLoadGoes) {
     Renderer r{0.005, 0.2};
     r.run(6);
     EXPECT_LT(r.scale, 0.6f);
+    EXPECT_GE(r.scale, ScaleGovernor::LEAST);
     r.per_picture = 0.01;
     r.run(6);
     EXPECT_EQ(r.scale, 1);

@@ -51,7 +51,7 @@ struct WindowTest : testing::Test {
         options.warm_up = false;
         options.width = WIDTH;
         options.height = HEIGHT;
-        options.scale = 0.25f;
+        options.scale = 0.5f;
         options.eye = {0, 0, 3000, 0, 80}; // the sky: quick to draw
         options.frame_rate = 0;
         options.step = 1 / 16.0;

@@ -104,6 +104,7 @@ struct RendererGL::Impl {
     bool ready = false;
     float scale = 1;
     jString device;
+    bool software = false;   ///< the device is the processor
     HeadlessContext context; // before all that lives in it and goes before it
     Targets targets;
     Targets* canvas = &targets; ///< what the passes draw into
@@ -178,7 +179,8 @@ bool RendererGL::Impl::initPasses() {
     gl::makeTexture(noise, pattern.edge, pattern.edge, format, pattern.texels.data());
     glGenerateMipmap(GL_TEXTURE_2D);
     // The software renderer pays for every texel of the bake.
-    const bool software = std::strstr(device.c_str(), "llvmpipe") != nullptr;
+    for (const char* name : {"llvmpipe", "softpipe", "SWR"})
+        software |= std::strstr(device.c_str(), name) != nullptr;
     // All programs are under way before the first is waited for.
     if (epoxy_has_gl_extension("GL_KHR_parallel_shader_compile"))
         glMaxShaderCompilerThreadsKHR(~GLuint{0}); // as many as the driver likes
@@ -222,13 +224,14 @@ void RendererGL::setWindowSize(int width, int height) {
 
 void RendererGL::setScale(float scale) {
     Impl& r = *m_impl;
-    scale = std::clamp(scale, 0.25f, 1.0f);
+    scale = std::clamp(scale, 0.5f, 1.0f);
     if (scale == r.scale) return;
     r.scale = scale;
     if (r.ready) r.ready = r.targets.make(r.targets.getWidth(), r.targets.getHeight(), scale);
 }
 
 float RendererGL::getScale() const { return m_impl->scale; }
+bool RendererGL::isSoftware() const { return m_impl->software; }
 const jString& RendererGL::getDevice() const { return m_impl->device; }
 void RendererGL::setProfiling(bool on) { m_impl->clock.on = on; }
 std::span<const PassTime> RendererGL::getPassTimes() const { return m_impl->clock.times; }

@@ -99,10 +99,12 @@ public:
     virtual void render(const World& world, const Camera& camera, const FrameInfo& frame) = 0;
     virtual void release() = 0;
 
-    /// Pixels of the scene per pixel of the picture, along each edge, 0.25 to 1: trades sharpness
+    /// Pixels of the scene per pixel of the picture, along each edge, 0.5 to 1: trades sharpness
     /// for speed. The user interface is always drawn at full size.
     virtual void setScale(float) {}
     virtual float getScale() const { return 1; }
+    /// Whether the processor draws, for want of graphics hardware: pixels are dear. After `init`.
+    virtual bool isSoftware() const { return false; }
 
     /// The last frame's picture. False when there is none.
     virtual bool readPicture(Picture&) { return false; }

@@ -34,6 +34,7 @@ public:
 
     void setScale(float scale) override;
     float getScale() const override;
+    bool isSoftware() const override;
     bool readPicture(Picture& picture) override;
     void setProfiling(bool on) override;
     std::span<const PassTime> getPassTimes() const override;
