@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: MIT
 // The sea as a fan over azimuth and depression angle around the eye: triangles stay of one size in
 // the picture. Every vertex asks the wave tiles themselves how the water has moved there, at the
-// level of detail that its neighbours' distance can carry. Comes after ocean.glsl.
+// level of detail that its neighbours' distance can carry. Comes after ocean.glsl. RAISED: ships
+// are making waves.
 layout(location = 0) in vec2 aCell; // 0 to 1 over azimuth, and from near to far
 uniform vec4 uFan;      // first azimuth, range of azimuth, steepest and flattest depression, rad
 uniform vec3 uFanSize;  // cells over azimuth and depression; eye height that the rows go by, m
 uniform vec2 uPatch;    // nadir in the noise's own period, m
 uniform sampler2D uDisplacement0, uDisplacement1, uDisplacement2;
 uniform sampler2D uNoise;
+uniform sampler2D uRaised;   // m that ships raise the water near the eye
+uniform vec3 uRaisedPlace;   // corner in the plane from the nadir, 1 / edge
 out vec4 vWater;        // distance along the view axis; how far east and north the water has moved
                         // from its place at rest, m; divergence
 out float vPatches;     // patchiness of the ripples
@@ -37,6 +40,9 @@ void main() {
         moved += displacement(uDisplacement1, plane * uTile[1].x + uTile[1].yz, uTile[1].w, spacing);
         moved += displacement(uDisplacement2, plane * uTile[2].x + uTile[2].yz, uTile[2].w, spacing);
     }
+#ifdef RAISED
+    moved.z += textureLod(uRaised, (plane - uRaisedPlace.xy) * uRaisedPlace.z, 0.0).x;
+#endif
     moved *= uWaves.y;
     vec2 offset = moved.xy / uPlane.xy;
     vec3 position = vec3(place + offset, moved.z + levelAt(r));

@@ -21,7 +21,7 @@ vec4 effectsAt(Water w) {
 // Waves and calm of wakes; returns their foam.
 float addWakes(Water w, inout Sea sea) {
     vec4 effects = effectsAt(w);
-    sea.slope = sea.slope * (1.0 - 0.5 * effects.w) + (effects.xy - LEVEL_WAKE) * 0.5;
+    sea.slope = sea.slope * (1.0 - 0.5 * effects.w) + (effects.xy - LEVEL_WAKE) * (2.0 * STEEPEST_WAKE);
     sea.variance *= 1.0 - 0.75 * effects.w;
     return min(effects.z * 1.15, 1.0);
 }

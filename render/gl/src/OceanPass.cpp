@@ -17,7 +17,7 @@ namespace ig {
 namespace {
 
 /// Texture units.
-enum { UNIT_DISPLACEMENT = gl::UNIT_FIRST_OWN };
+enum { UNIT_DISPLACEMENT = gl::UNIT_FIRST_OWN, UNIT_RAISED = UNIT_DISPLACEMENT + 3 };
 enum { UNIT_WATER = gl::UNIT_FIRST_OWN, UNIT_SLOPE, UNIT_EFFECTS = UNIT_SLOPE + 4 };
 
 /// Of the programs that shade, by `OceanPass::Shade`.
@@ -34,10 +34,12 @@ constexpr double FLATTEN_FROM = 500, FLATTEN_TO = 950;
 void OceanPass::init(int columns, int rows) {
     m_columns = columns;
     m_rows = rows;
-    m_fan.start("ocean.glsl ocean.vert", "ocean.glsl ocean.frag", {},
-                {{"uDisplacement0", UNIT_DISPLACEMENT},
-                 {"uDisplacement1", UNIT_DISPLACEMENT + 1},
-                 {"uDisplacement2", UNIT_DISPLACEMENT + 2}});
+    for (const auto& [fan, word] : {std::pair{&m_fan, ""}, std::pair{&m_raised_fan, "RAISED"}})
+        fan->start("ocean.glsl ocean.vert", "ocean.glsl ocean.frag", word,
+                   {{"uDisplacement0", UNIT_DISPLACEMENT},
+                    {"uDisplacement1", UNIT_DISPLACEMENT + 1},
+                    {"uDisplacement2", UNIT_DISPLACEMENT + 2},
+                    {"uRaised", UNIT_RAISED}});
     for (int i = 0; i < NUM_SHADES; i++)
         m_shades[i].start("ocean_shade.vert",
                           "shadow.glsl ocean.glsl ocean_waves.glsl ocean_effects.glsl "
@@ -175,15 +177,22 @@ void OceanPass::setPlane(gl::Program& program, const FrameView& view, const Ocea
                                 fraction(x / edge + 0.5 / n), fraction(y / edge + 0.5 / n)));
 }
 
-void OceanPass::drawFan(const FrameView& view, const OceanFrame& frame) {
+void OceanPass::drawFan(const FrameView& view, const OceanFrame& frame, const WakePass& wakes) {
     const Fan fan = fitFan(view, frame);
     const dvec2 nadir = frame.toPlane(view.geodetic.x, view.geodetic.y);
-    m_fan.use();
-    m_fan.set("uFan", vec4(fan.azimuth, fan.azimuth_range, fan.steepest, fan.flattest));
-    m_fan.set("uFanSize", vec3(static_cast<float>(m_columns - 1), static_cast<float>(m_rows - 1),
-                               fan.row_height));
-    m_fan.set("uPatch", vec2{toNoise(nadir.x), toNoise(nadir.y)});
-    setPlane(m_fan, view, frame);
+    gl::Program& program = wakes.isRaised() ? m_raised_fan : m_fan;
+    program.use();
+    program.set("uFan", vec4(fan.azimuth, fan.azimuth_range, fan.steepest, fan.flattest));
+    program.set("uFanSize", vec3(static_cast<float>(m_columns - 1), static_cast<float>(m_rows - 1),
+                                 fan.row_height));
+    program.set("uPatch", vec2{toNoise(nadir.x), toNoise(nadir.y)});
+    setPlane(program, view, frame);
+    if (wakes.isRaised()) {
+        const WakePass::Map& near = wakes.getNear();
+        program.set("uRaisedPlace", vec3(near.corner.x + near.drift.x, near.corner.y + near.drift.y,
+                                         1 / near.edge));
+        gl::bindTexture(UNIT_RAISED, near.height);
+    }
     for (int i = 0; i < OceanTiles::DISPLACED; i++)
         gl::bindTexture(UNIT_DISPLACEMENT + i, m_tiles.getDisplacement(i));
     glBindVertexArray(m_vertex_array.getId());
@@ -292,7 +301,7 @@ void OceanPass::draw(const Drawing& drawing) {
     glEnable(GL_STENCIL_TEST);
     glStencilFunc(GL_ALWAYS, MARK, MARK);
     glStencilOp(GL_KEEP, GL_KEEP, GL_REPLACE);
-    drawFan(drawing.view, drawing.frame);
+    drawFan(drawing.view, drawing.frame, drawing.wakes);
 
     glBindFramebuffer(GL_FRAMEBUFFER, drawing.targets.scene_target.getId());
     glDisable(GL_DEPTH_TEST);

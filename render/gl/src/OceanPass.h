@@ -46,7 +46,7 @@ private:
     void makeGrid();
     static Fan fitFan(const FrameView& view, const OceanFrame& frame);
     static void setPlane(gl::Program& program, const FrameView& view, const OceanFrame& frame);
-    void drawFan(const FrameView& view, const OceanFrame& frame);
+    void drawFan(const FrameView& view, const OceanFrame& frame, const WakePass& wakes);
     void setSurface(gl::Program& program, const FrameView& view, const OceanFrame& frame);
     static void setEffects(gl::Program& program, const std::vector<vec4>& downdraughts,
                            const WakePass& wakes);
@@ -56,7 +56,7 @@ private:
     void shadeAll(const Drawing& drawing);
 
     int m_columns = 0, m_rows = 0, m_num_indices = 0;
-    gl::Program m_fan, m_shades[NUM_SHADES];
+    gl::Program m_fan, m_raised_fan, m_shades[NUM_SHADES];
     gl::VertexArray m_vertex_array, m_empty;
     gl::Buffer m_vertices, m_indices;
     OceanTiles m_tiles;

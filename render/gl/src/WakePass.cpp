@@ -20,23 +20,13 @@ constexpr float REACH = 110;                           ///< m that a wake is lon
 
 constexpr double NEAR_EVERY = 0.08, FAR_EVERY = 0.5; ///< s between paintings
 
-void makeMap(WakePass::Map& map, int size, double every) {
-    gl::TextureFormat format;
-    format.filter = GL_LINEAR_MIPMAP_LINEAR;
-    gl::makeTexture(map.texture, size, size, format);
-    glGenerateMipmap(GL_TEXTURE_2D);
-    gl::attach(map.target, map.texture);
-    map.every = every;
-    map.empty = false;
-    map.painted = -1e9;
-}
-
 } // namespace
 
 void WakePass::init(int map_size) {
     m_size = map_size;
     m_kelvin.start("screen.vert", "kelvin.frag");
-    m_wake.start("wake.vert", "wake.frag");
+    m_wake.start("wake.vert", "hullwave.glsl wake.frag");
+    m_hull.start("wake.vert", "hullwave.glsl wake.frag", "HULL");
     m_patch.start("splat.vert", "splat.frag");
     m_empty.create();
     m_buffer.create();
@@ -46,14 +36,28 @@ void WakePass::init(int map_size) {
     glEnableVertexAttribArray(0);
     glVertexAttribPointer(0, 4, GL_FLOAT, GL_FALSE, sizeof(FoamPatch), nullptr);
     glVertexAttribDivisor(0, 1);
-    makeMap(m_near, m_size, NEAR_EVERY);
-    makeMap(m_far, m_size, FAR_EVERY);
+    makeMap(m_near, m_size, NEAR_EVERY, true);
+    makeMap(m_far, m_size, FAR_EVERY, false);
+}
+
+void WakePass::makeMap(Map& map, int size, double every, bool has_height) {
+    gl::TextureFormat format;
+    format.filter = GL_LINEAR_MIPMAP_LINEAR;
+    gl::makeTexture(map.texture, size, size, format);
+    glGenerateMipmap(GL_TEXTURE_2D);
+    gl::attach(map.target, map.texture);
+    if (has_height) {
+        gl::makeTexture(map.height, size, size, {GL_R16F, GL_RED, GL_FLOAT});
+        glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT1, GL_TEXTURE_2D,
+                               map.height.getId(), 0);
+    }
+    map.every = every;
 }
 
 // ------------------------------------------------------------------ painting
 
 void WakePass::bakeKelvin() {
-    const gl::TextureFormat format{GL_RG16F, GL_RG, GL_FLOAT, GL_CLAMP_TO_EDGE,
+    const gl::TextureFormat format{GL_RGBA16F, GL_RGBA, GL_FLOAT, GL_CLAMP_TO_EDGE,
                                    GL_LINEAR_MIPMAP_LINEAR};
     gl::makeTexture(m_kelvin_map, KELVIN_WIDTH, KELVIN_LENGTH, format);
     gl::Framebuffer target;
@@ -74,8 +78,11 @@ void WakePass::draw(const FrameView& view, const WakeList& list, const OceanFram
     if (!list.wakes.empty() && !m_kelvin_map) bakeKelvin();
     const dvec2 nadir = ocean.toPlane(view.geodetic.x, view.geodetic.y);
     refresh(m_near, list, NEAR_EDGE, nadir, ocean.time);
+    const auto altitude = static_cast<float>(view.geodetic.z);
+    m_raised = !list.wakes.empty() && // the nearest comes first
+               length(vec3(list.wakes[0].hull.x, list.wakes[0].hull.y, altitude)) < NEAR_EDGE;
     // In doublings, so that texels don't crawl while the eye climbs.
-    const float high = static_cast<float>(view.geodetic.z) / FAR_ALTITUDE;
+    const float high = altitude / FAR_ALTITUDE;
     const float doublings = std::ceil(std::log2(std::clamp(high, 1.0f, 64.0f)));
     refresh(m_far, list, FAR_EDGE * std::exp2(doublings), nadir, ocean.time);
 }
@@ -92,6 +99,11 @@ void WakePass::refresh(Map& map, const WakeList& list, float edge, dvec2 nadir, 
     const auto update_corner = [&] {
         map.corner = {static_cast<float>(map.place.x - nadir.x),
                       static_cast<float>(map.place.y - nadir.y)};
+        map.drift = {};
+        if (list.wakes.empty()) return;
+        const Wake& nearest = list.wakes.front();
+        const float gone = nearest.motion.x * static_cast<float>(time - map.painted);
+        map.drift = {nearest.hull.z * gone, nearest.hull.w * gone};
     };
     update_corner();
     const bool empty = list.wakes.empty() && list.patches.empty();
@@ -111,9 +123,13 @@ void WakePass::refresh(Map& map, const WakeList& list, float edge, dvec2 nadir, 
     update_corner();
     glBindFramebuffer(GL_FRAMEBUFFER, map.target.getId());
     glViewport(0, 0, m_size, m_size);
-    glClearColor(LEVEL_WAKE, LEVEL_WAKE, 0, 0);
-    glClear(GL_COLOR_BUFFER_BIT);
+    constexpr GLenum BUFFERS[] = {GL_COLOR_ATTACHMENT0, GL_COLOR_ATTACHMENT1};
+    constexpr float LEVEL[] = {LEVEL_WAKE, LEVEL_WAKE, 0, 0}, ZERO[4] = {};
+    glDrawBuffers(map.height ? 2 : 1, BUFFERS);
+    glClearBufferfv(GL_COLOR, 0, LEVEL);
+    if (map.height) glClearBufferfv(GL_COLOR, 1, ZERO);
     if (!list.wakes.empty()) paintWakes(map, list.wakes, nadir);
+    glDrawBuffers(1, BUFFERS); // foam raises nothing
     if (!list.patches.empty()) paintPatches(map, list.patches);
     gl::bindTexture(gl::UNIT_FIRST_OWN, map.texture);
     glGenerateMipmap(GL_TEXTURE_2D);
@@ -126,17 +142,20 @@ void WakePass::paintWakes(const Map& map, const std::vector<Wake>& wakes, dvec2 
         motions[i] = wakes[i].motion;
     }
     const auto count = static_cast<GLsizei>(wakes.size());
-    m_wake.use();
-    m_wake.set("uHull", hulls, count);
-    m_wake.set("uMotion", motions, count);
-    m_wake.set("uMap", vec4(map.corner.x, map.corner.y, map.edge, REACH));
-    m_wake.set("uNadir", vec4(toNoise(nadir.x), toNoise(nadir.y),
-                              map.edge / static_cast<float>(m_size), static_cast<float>(count)));
-    m_wake.set("uExtent", KELVIN_EXTENT);
-    m_wake.set("uKelvin", gl::UNIT_FIRST_OWN);
     gl::bindTexture(gl::UNIT_FIRST_OWN, m_kelvin_map);
     glBindVertexArray(m_empty.getId());
-    glDrawArraysInstanced(GL_TRIANGLE_STRIP, 0, 4, count);
+    for (gl::Program* program : {&m_wake, &m_hull}) { // near the hulls, both go over the first
+        program->use();
+        program->set("uHull", hulls, count);
+        program->set("uMotion", motions, count);
+        program->set("uMap", vec4(map.corner.x, map.corner.y, map.edge, REACH));
+        program->set("uNadir",
+                     vec4(toNoise(nadir.x), toNoise(nadir.y), map.edge / static_cast<float>(m_size),
+                          static_cast<float>(count)));
+        program->set("uExtent", KELVIN_EXTENT);
+        program->set("uKelvin", gl::UNIT_FIRST_OWN);
+        glDrawArraysInstanced(GL_TRIANGLE_STRIP, 0, 4, count);
+    }
 }
 
 void WakePass::paintPatches(const Map& map, const std::vector<FoamPatch>& patches) {

@@ -18,7 +18,7 @@ public:
     void SetUp() override {
         PictureScene::SetUp();
         if (IsSkipped()) return;
-        m_world.addNode(new ObjectOcean());
+        m_world.addNode(sea = new ObjectOcean());
         hull = new Object(NODE_DUMMY);
         hull->setWgsPosition({LONGITUDE, LATITUDE, 0});
         hull->setWgsHPR({90, 0, 0});
@@ -46,7 +46,20 @@ public:
         }
         return sum;
     }
+    /// Altitude of the drawn water so many metres ahead of the stem and off the middle line, seen
+    /// from straight above.
+    double level(double ahead, double off) {
+        constexpr double HIGH = 60;
+        const dmat4& pose = hull->getWorldTransform();
+        const dvec3 place = pose * dvec3(off, ahead + 80, 0);
+        dvec3 wgs = EllipsoidModel().toWGS(place);
+        m_camera.setWgsPosition({wgs.x, wgs.y, HIGH});
+        m_camera.setWgsHPR({0, 90, 0});
+        draw();
+        return HIGH - s_renderer->readDistance(0.5, 0.5);
+    }
     Object* hull = nullptr;
+    ObjectOcean* sea = nullptr;
     BodyRigid* body = nullptr;
 };
 
@@ -70,4 +83,22 @@ TEST_F(WakeOf, TheWakeFollowsTheSpeedAndFadesWithItsLength) {
     EXPECT_GT(fast, far + 5);
     steam(-4); // astern there is no such wake
     EXPECT_NEAR(brightness(-200, -100), still, 1);
+}
+
+// A length of 2 pi U^2 / g lies from crest to crest: 16 m at 5 m/s, 41 m at 8 m/s.
+TEST_F(WakeOf, TheWaterIsHighAtTheStemAndLowHalfAWaveBehind) {
+    sea->setBeaufort(0);
+    steam(5);
+    EXPECT_NEAR(level(30, 0), 0, 0.02);
+    EXPECT_LT(level(-11, 3), -0.1);
+    EXPECT_GT(level(-22, 5), 0.05);
+    const double slow = level(-3, 1);
+    EXPECT_GT(slow, 0.3);
+    steam(8);
+    EXPECT_GT(level(-3, 1), slow + 0.3);
+    EXPECT_LT(level(-3, 1), 2); // foredecks are higher
+    EXPECT_GT(level(-11, 3), 0.2);
+    EXPECT_LT(level(-25, 6), -0.3);
+    steam(0);
+    EXPECT_NEAR(level(-3, 1), 0, 0.02);
 }

@@ -2,6 +2,9 @@
 #include "render/scene/Samples.h"
 
 #include "ig/scene/Mesh.h"
+#include "render/scene/ShaderConstants.h"
+
+#include <utility>
 
 namespace ig {
 
@@ -48,7 +51,9 @@ void Samples::addTo(LightList& list) {
 }
 
 void Samples::addTo(WakeList& list) {
-    if (list.wakes.empty()) list.wakes.push_back({{0, 0, 0, 1}, {5, 100, 12, 30}});
+    if (list.wakes.size() < MOST_WAKES) list.wakes.emplace_back();
+    list.wakes.back() = {{0, 0, 0, 1}, {5, 100, 12, 30}};
+    std::swap(list.wakes.front(), list.wakes.back()); // below the eye, where it raises the water
     list.patches.push_back({{0, 0}, 1, 0.5f});
 }
 

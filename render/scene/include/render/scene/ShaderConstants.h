@@ -13,6 +13,8 @@ constexpr int NOISE_EDGE = 256;             ///< texels of the noise along an ed
 constexpr float HALF_CURVATURE = 7.848e-8f; ///< half the earth's, 1/m
 constexpr float LEVEL_SLOPE = 128 / 255.0f; ///< how no slope is encoded in the sea's tiles
 constexpr float LEVEL_WAKE = 0.50196078f;   ///< and in the maps of wakes
+constexpr float STEEPEST_WAKE = 0.5f;       ///< slope that they can hold
+constexpr float HULL_WAVES = 1.2f; ///< reach of what a hull raises by itself, in 2 pi U^2 / g
 /// How much each of the sea's tiles counts in the measure of breaking crests.
 constexpr float BREAKING_WEIGHTS[] = {1.6f, 1.1f, 0.45f};
 /// Whitecaps: the logistic of that measure, stretched and cut, goes all the way from 0 to 1.
