@@ -2,18 +2,13 @@
 // White water: how much of it lies on a pixel, and how it looks.
 uniform vec2 uFoamOrigin; // nadir along and across the wind in the noise's period, m
 
-struct Foam {
-    float share; // of the pixel, 0 to 1
-    float lace;  // 0 to 1: dense where it is high
-};
-
 // Whitecaps: a logistic of the breaking measure near by, its average over the pixel far away,
 // dissolved with a lace whose values are evenly spread. `from_outside`: what wakes and downwash
-// make, 0 to 1.
+// make, 0 to 1. In a gale another look takes its place.
 Foam foamAt(Water w, Sea sea, float from_outside) {
     vec2 along = vec2(dot(w.plane, uWind.xy), dot(w.plane, vec2(-uWind.y, uWind.x))) + uFoamOrigin;
     vec2 coarse = noiseAt(along, vec2(36.0, 30.0), w.level).xy;
-    vec2 fine = noiseAt(along.yx, vec2(9.0, 12.0), w.level).xy;
+    vec3 fine = noiseAt(along.yx, vec2(9.0, 12.0), w.level).xyz;
     float streak = noiseAt(along, vec2(600.0, 48.0), w.level).y - 0.5;
     float breaking = sea.breaking + streak * uWind.w * uFoam.z * 1.1;
     float blur = uFoam.z * 0.6 * sqrt(sea.lost);
@@ -27,6 +22,12 @@ Foam foamAt(Water w, Sea sea, float from_outside) {
                          (0.5 + 0.5 * cover),
                      near);
     foam.share = clamp(foam.share, 0.0, 0.96);
+    foam.below = 0.0;
+#ifdef STORM
+    Foam storm = stormFoam(w, (breaking - uFoam.x) / uFoam.z, along, foam.lace, fine.z, from_outside);
+    foam = Foam(mix(foam.share, storm.share, uStorm.x), mix(foam.lace, storm.lace, uStorm.x),
+                storm.below * uStorm.x);
+#endif
     return foam;
 }
 

@@ -16,15 +16,15 @@ vec3 mirroredSky(Water w, vec3 normal, float c, float variance, float sigma) {
     return skyAt(mirrored, clamp(1.5 + sigma * 12.0, 0.0, 6.0));
 }
 
-// Cox and Munk 1954: the share of facets that mirror the light into the eye.
-vec3 glitter(Water w, Sea sea, vec3 light, float c) {
-    vec3 toLight = uLightDirection.xyz;
+// Cox and Munk 1954: the share of a light's irradiance that facets mirror into the eye; `toLight` is
+// a unit vector, `c` the cosine of the angle between normal and line of sight.
+float glitterOf(vec3 toLight, Water w, Sea sea, float c) {
     vec3 half_way = normalize(w.toEye + toLight);
     vec2 miss = -half_way.xy / half_way.z - sea.slope;
     float glint = exp(-0.5 * dot(miss, miss) / sea.variance) / (2.0 * PI * sea.variance);
     float mirror = 0.02 + 0.98 * pow(1.0 - max(dot(w.toEye, half_way), 0.0), 5.0);
     float hz2 = half_way.z * half_way.z;
-    return light * min(glint * mirror / (4.0 * hz2 * hz2 * max(c, 0.06)), 120.0) *
+    return min(glint * mirror / (4.0 * hz2 * hz2 * max(c, 0.06)), 120.0) *
            smoothstep(0.0, 0.05, toLight.z);
 }
 

@@ -31,6 +31,9 @@ Water readWater() {
 void main() {
     Water w = readWater();
     Sea sea = waves(w);
+#ifdef STORM
+    addRipples(w, sea);
+#endif
     float torn_off = 0.0;
 #ifdef WAKES
     torn_off = addWakes(w, sea);
@@ -46,8 +49,15 @@ void main() {
     float c = max(dot(normal, w.toEye), 0.02), sigma = sqrt(sea.variance);
     vec3 color = mix(body(w, light, c), mirroredSky(w, normal, c, sea.variance, sigma),
                      reflectance(c, sea.variance, sigma));
-    color += glitter(w, sea, light, c);
+    Sea facets = sea;
+#ifdef STORM
+    facets = sparkling(w, sea);
+#endif
+    color += light * glitterOf(uLightDirection.xyz, w, facets, c);
     Foam foam = foamAt(w, sea, torn_off);
+#ifdef STORM
+    color += milk(foam, light);
+#endif
     color = mix(color, foamColor(foam, normal, light), foam.share);
     oColor = vec4(mix(hazeColor(w.position.xy), color, clearness(w.position)), 1.0);
 }

@@ -26,6 +26,12 @@ struct Sea {
     float lost;     // share of that which the mip levels have averaged away
 };
 
+struct Foam {
+    float share; // of the pixel, 0 to 1
+    float lace;  // 0 to 1: dense where it is high
+    float below; // bubbles under the surface, 0 to 1
+};
+
 // The noise laid out so that it repeats after `period` metres.
 vec4 noiseAt(vec2 place, vec2 period, float level) {
     return textureLod(uNoise, place / period, level + log2(NOISE_EDGE / min(period.x, period.y)));

@@ -21,8 +21,11 @@ enum { UNIT_DISPLACEMENT = gl::UNIT_FIRST_OWN, UNIT_RAISED = UNIT_DISPLACEMENT +
 enum { UNIT_WATER = gl::UNIT_FIRST_OWN, UNIT_SLOPE, UNIT_EFFECTS = UNIT_SLOPE + 4 };
 
 /// Of the programs that shade, by `OceanPass::Shade`.
-constexpr const char* SHADE_WORDS[] = {"WAKES DOWNWASH SHADOWS HILLS", "WAKES DOWNWASH", "WAKES",
-                                       ""};
+constexpr const char* SHADE_WORDS[] = {
+    "WAKES DOWNWASH SHADOWS HILLS",       "WAKES DOWNWASH", "WAKES", "",
+    "WAKES DOWNWASH SHADOWS HILLS STORM", "WAKES STORM"};
+/// Wind over the sea (m/s) at which a gale begins to show and has grown, and a hurricane.
+constexpr float GALE[] = {14, 19}, HURRICANE[] = {23, 33};
 
 constexpr GLuint MARK = 1; ///< in the stencil, where the sea is what one sees
 constexpr int BLOCK = 31;  ///< cells of the grid along an edge whose vertices stay in the cache
@@ -43,7 +46,7 @@ void OceanPass::init(int columns, int rows) {
     for (int i = 0; i < NUM_SHADES; i++)
         m_shades[i].start("ocean_shade.vert",
                           "shadow.glsl ocean.glsl ocean_waves.glsl ocean_effects.glsl "
-                          "ocean_light.glsl ocean_foam.glsl ocean_shade.frag",
+                          "ocean_light.glsl ocean_storm.glsl ocean_foam.glsl ocean_shade.frag",
                           SHADE_WORDS[i],
                           {{"uWater", UNIT_WATER},
                            {"uSlope0", UNIT_SLOPE},
@@ -199,6 +202,14 @@ void OceanPass::drawFan(const FrameView& view, const OceanFrame& frame, const Wa
     glDrawElements(GL_TRIANGLES, m_num_indices, GL_UNSIGNED_INT, nullptr);
 }
 
+/// How much of a gale the wind over the sea is, and how much of a hurricane, 0 to 1.
+vec2 OceanPass::findStorm(const OceanFrame& frame) {
+    const auto share = [&frame](const float(&of)[2]) {
+        return std::clamp((static_cast<float>(frame.wind) - of[0]) / (of[1] - of[0]), 0.0f, 1.0f);
+    };
+    return {share(GALE), share(HURRICANE)};
+}
+
 /// What the waves look like.
 void OceanPass::setSurface(gl::Program& program, const FrameView& view, const OceanFrame& frame) {
     vec4 slopes[OceanTiles::TILES];
@@ -216,6 +227,7 @@ void OceanPass::setSurface(gl::Program& program, const FrameView& view, const Oc
     program.set("uWind", vec4(static_cast<float>(wx), static_cast<float>(wy),
                               static_cast<float>(frame.ripple_slope_variance),
                               std::clamp(static_cast<float>(frame.wind - 8) / 10, 0.0f, 1.3f)));
+    program.set("uStorm", findStorm(frame));
     program.set("uFoamOrigin",
                 vec2{toNoise(nadir.x * wx + nadir.y * wy), toNoise(nadir.y * wx - nadir.x * wy)});
 }
@@ -287,11 +299,20 @@ void OceanPass::shadeAll(const Drawing& drawing) {
         gl::bindTexture(UNIT_SLOPE + i, m_tiles.getSlope(i));
     glBindVertexArray(m_empty.getId());
     glEnable(GL_SCISSOR_TEST);
-    shade(SHADOWED, drawing.shadows, drawing);
-    shade(BLOWN, findDownwash(drawing.view, drawing.frame, drawing.downdraughts), drawing);
+    const PictureRect downwash = findDownwash(drawing.view, drawing.frame, drawing.downdraughts);
+    const bool all = drawing.view.everything, storm = findStorm(drawing.frame).x > 0;
+    if (storm || all) {
+        shade(STORM_SHADOWED, drawing.shadows, drawing);
+        shade(STORM_SHADOWED, downwash, drawing);
+        shade(STORM, PictureRect::whole(), drawing);
+    }
+    if (!storm || all) {
+        shade(SHADOWED, drawing.shadows, drawing);
+        shade(BLOWN, downwash, drawing);
+    }
     const bool still = drawing.wakes.getNear().empty && drawing.wakes.getFar().empty;
-    if (!still || drawing.view.everything) shade(WITH_WAKES, PictureRect::whole(), drawing);
-    if (still || drawing.view.everything) shade(OPEN, PictureRect::whole(), drawing);
+    if ((!storm && !still) || all) shade(WITH_WAKES, PictureRect::whole(), drawing);
+    if ((!storm && still) || all) shade(OPEN, PictureRect::whole(), drawing);
     glDisable(GL_SCISSOR_TEST);
 }
 

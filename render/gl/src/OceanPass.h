@@ -38,7 +38,7 @@ public:
 
 private:
     /// Programs that shade; what a word leaves out costs nothing.
-    enum Shade { SHADOWED, BLOWN, WITH_WAKES, OPEN, NUM_SHADES };
+    enum Shade { SHADOWED, BLOWN, WITH_WAKES, OPEN, STORM_SHADOWED, STORM, NUM_SHADES };
     struct Fan { ///< part of the sea around the eye that the view can see
         float azimuth, azimuth_range, steepest, flattest, row_height;
     };
@@ -47,6 +47,7 @@ private:
     static Fan fitFan(const FrameView& view, const OceanFrame& frame);
     static void setPlane(gl::Program& program, const FrameView& view, const OceanFrame& frame);
     void drawFan(const FrameView& view, const OceanFrame& frame, const WakePass& wakes);
+    static vec2 findStorm(const OceanFrame& frame);
     void setSurface(gl::Program& program, const FrameView& view, const OceanFrame& frame);
     static void setEffects(gl::Program& program, const std::vector<vec4>& downdraughts,
                            const WakePass& wakes);
