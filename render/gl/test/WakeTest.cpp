@@ -99,6 +99,9 @@ TEST_F(WakeOf, TheWaterIsHighAtTheStemAndLowHalfAWaveBehind) {
     EXPECT_LT(level(-3, 1), 2); // foredecks are higher
     EXPECT_GT(level(-11, 3), 0.2);
     EXPECT_LT(level(-25, 6), -0.3);
+    hull->setWgsPosition({LONGITUDE - 300 / 104800.0, LATITUDE, 0}); // it leaves nothing behind
+    steam(8);
+    EXPECT_NEAR(level(297, 1), 0, 0.02);
     steam(0);
     EXPECT_NEAR(level(-3, 1), 0, 0.02);
 }
