@@ -141,13 +141,14 @@ def door(part, face, u, v=0.25, width=0.85, height=1.9):
 
 
 def portholes(part, face, v, u0, u1, step=2.2, radius=0.17):
+    """A row of round windows; behind two of three somebody has light at night."""
     for k in range(int((u1 - u0) / step) + 1):
         u = u0 + step * k
         turns = [2 * math.pi * n / 10 for n in range(10)]
         rims = [[face(u + r * math.cos(t), v + r * math.sin(t), 0.03) for t in turns]
                 for r in (radius + 0.05, radius)]
         part.band("ship_dark", *rims)
-        part.polygon("window_dark", rims[1])
+        part.polygon("window_dark" if k % 3 == round(v * 10) % 3 else "porthole", rims[1])
 
 
 def louvres(part, face, u0, u1, v0, v1, step=0.30):
