@@ -237,6 +237,20 @@ const View VIEWS[] = {
          s.look(s.byFrigate(6, -88, 18), 352, -14);
          s.eye.setPerspective(50, 16.0f / 9, 0.1, 1e7);
      }},
+    {"downwash_turf",
+     [](Stage& s) {
+         s.logic->reset();
+         s.logic->setSnow(0);
+         s.setHour(17.6); // dust lies in the shadow of the hull
+         s.helicopterNode("downdraught")->setEnabled(true);
+         s.flown.latitude = 19.7112;
+         s.flown.longitude = -155.0612;
+         s.flown.altitude = 16.5f;
+         s.flown.heading = 40;
+         s.flown.rotor_speed = 265;
+         s.run(4);
+         s.lookAtHelicopter(-20, -22, 0.5);
+     }},
 };
 
 std::vector<double> blockMeans(const std::uint8_t* pixels, int channels) {

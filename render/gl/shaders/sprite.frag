@@ -6,9 +6,11 @@ flat in float vKind;
 flat in float vYouth;
 uniform sampler2D uSheet; // 4 x 4 shapes: density, light
 uniform sampler2D uDepth; // of the scene
-uniform vec4 uNearFar;    // z: 1 where depth can be read as reversed
+uniform vec4 uNearFar;    // z: 1 where distances can be told from depth
 out vec4 oColor;
 void main() {
+    // No depth is tested against, since it is read here: both at once no driver need allow.
+    float depth = texelFetch(uDepth, ivec2(gl_FragCoord.xy), 0).x;
     float d = dot(vCorner, vCorner), a = max(1.0 - d, 0.0), light = 1.0;
     if (vKind > 1.5) {
         float cell = vKind - 2.0;
@@ -24,9 +26,9 @@ void main() {
         a = vKind > 0.5 ? a * a * a * a + 1.5 * smoothstep(0.06, 0.02, d) : a * a;
     }
     if (vSoft.y > 0.0 && uNearFar.z > 0.5) {
-        float depth = texelFetch(uDepth, ivec2(gl_FragCoord.xy), 0).x;
         float behind = uNearFar.x * uNearFar.y / (depth * (uNearFar.y - uNearFar.x) + uNearFar.x);
         a *= clamp((behind - vSoft.x) / vSoft.y, 0.0, 1.0);
     }
+    a = gl_FragCoord.z < depth ? 0.0 : a;
     oColor = vec4(vColor.rgb * light, vColor.a) * a;
 }

@@ -170,7 +170,7 @@ bool RendererGL::Impl::initPasses() {
     light_table.init();
     block_buffer.create(); // after it: this one stays bound
     glBindBuffer(GL_UNIFORM_BUFFER, block_buffer.getId());
-    glBufferData(GL_UNIFORM_BUFFER, sizeof(FrameBlock), nullptr, GL_DYNAMIC_DRAW);
+    glBufferData(GL_UNIFORM_BUFFER, sizeof(FrameBlock), nullptr, GL_STREAM_DRAW);
     glBindBufferBase(GL_UNIFORM_BUFFER, gl::FRAME_BLOCK, block_buffer.getId());
     empty.create();
     const Pattern pattern = makeNoisePattern();
@@ -361,9 +361,11 @@ void RendererGL::Impl::gatherLights(const FrameInfo& frame) {
     if (block.sun_direction.z < 0) Samples::addTo(lights);
 }
 
+/// Into new storage, so that what was drawn with the last block, perhaps in this very frame, isn't
+/// waited for.
 void RendererGL::Impl::uploadBlock() {
     glBindBuffer(GL_UNIFORM_BUFFER, block_buffer.getId());
-    glBufferSubData(GL_UNIFORM_BUFFER, 0, sizeof block, &block);
+    glBufferData(GL_UNIFORM_BUFFER, sizeof block, &block, GL_STREAM_DRAW);
 }
 
 void RendererGL::Impl::drawShadows() {
@@ -401,6 +403,7 @@ void RendererGL::Impl::drawScene(const World& world) {
     meshes.drawTransparent();
     beams.draw(view, lights, canvas->depth);
     clock.mark("transparent");
+    glBindFramebuffer(GL_FRAMEBUFFER, canvas->light_target.getId());
     sprites.draw(view, sprite_list.sprites, canvas->depth, !lights.lights.empty());
     clock.mark("sprites");
 }

@@ -384,7 +384,7 @@ void SkyPass::forget() {
 
 /// The bake reads the block's directions.
 void SkyPass::uploadBlock(const FrameBlock& block) {
-    glBufferSubData(GL_UNIFORM_BUFFER, 0, sizeof block, &block);
+    glBufferData(GL_UNIFORM_BUFFER, sizeof block, &block, GL_STREAM_DRAW);
 }
 
 /// The leanest program that draws all that shows.

@@ -8,8 +8,8 @@
 namespace ig {
 
 void SpritePass::init() {
-    m_program.start("sprite.vert", "sprite.frag");
-    m_lit_program.start("lights.glsl sprite.vert", "sprite.frag", "LIGHTS");
+    m_program.start("shadow.glsl sprite.vert", "sprite.frag");
+    m_lit_program.start("shadow.glsl lights.glsl sprite.vert", "sprite.frag", "LIGHTS");
     m_buffer.create();
     m_vertex_array.create();
     glBindVertexArray(m_vertex_array.getId());
@@ -39,10 +39,9 @@ void SpritePass::draw(const FrameView& view, const std::vector<Sprite>& sprites,
     gl::stream(m_vertex_array, m_buffer, std::as_bytes(std::span(sprites)));
     glEnable(GL_BLEND);
     glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
-    glDepthMask(GL_FALSE);
+    glDisable(GL_DEPTH_TEST);
     gl::Program& program = lit ? m_lit_program : m_program;
     program.use();
-    // Only read meanwhile: depth writes are off.
     gl::bindTexture(gl::UNIT_FIRST_OWN, depth);
     gl::bindTexture(gl::UNIT_FIRST_OWN + 1, m_sheet);
     program.set("uDepth", gl::UNIT_FIRST_OWN);
@@ -51,7 +50,7 @@ void SpritePass::draw(const FrameView& view, const std::vector<Sprite>& sprites,
     program.set("uNearFar", vec4(static_cast<float>(view.near), static_cast<float>(view.far),
                                  soft ? 1.0f : 0.0f, 0));
     glDrawArraysInstanced(GL_TRIANGLE_STRIP, 0, 4, static_cast<GLsizei>(sprites.size()));
-    glDepthMask(GL_TRUE);
+    glEnable(GL_DEPTH_TEST);
     glDisable(GL_BLEND);
 }
 

@@ -41,6 +41,7 @@ bool Targets::make(int width, int height, float scale) {
         complete &= glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
     };
     attach(scene_target, light, &depth);
+    attach(light_target, light, nullptr);
     attach(water_target, water, &depth);
     attach(toned_target, toned, nullptr);
     attach(filtered_target, filtered, nullptr);

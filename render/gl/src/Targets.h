@@ -8,7 +8,7 @@ namespace ig {
 /// Where the picture comes into being: scene light and depth at the render scale, the toned picture
 /// at the same size, without aliasing too where it is then enlarged, the finished one at full size.
 /// The sea's fan shares the scene's depth and stencil and leaves in `water` what its shading must
-/// know.
+/// know. `light_target` leaves the depth out, for passes that read it.
 class Targets {
 public:
     /// (Re)makes all; sizes in pixels. False, logged, when the driver refuses.
@@ -22,7 +22,7 @@ public:
     bool isEnlarged() const { return m_scene_width < m_width || m_scene_height < m_height; }
 
     gl::Texture light, depth, water, toned, filtered, finished;
-    gl::Framebuffer scene_target, water_target, toned_target, filtered_target, finished_target;
+    gl::Framebuffer scene_target, light_target, water_target, toned_target, filtered_target, finished_target;
 
 private:
     int m_width = 0, m_height = 0, m_scene_width = 0, m_scene_height = 0;
