@@ -58,6 +58,11 @@ void main() {
 #ifdef STORM
     color += milk(foam, light);
 #endif
-    color = mix(color, foamColor(foam, normal, light), foam.share);
+    vec3 white = foamColor(foam, normal, light);
+#ifdef LIGHTS
+    color += lampGlitter(w, facets, c);
+    white += lampLight(w.position, normal) * (0.62 + 0.2 * foam.lace);
+#endif
+    color = mix(color, white, foam.share);
     oColor = vec4(mix(hazeColor(w.position.xy), color, clearness(w.position)), 1.0);
 }

@@ -6,6 +6,9 @@
 #include "ig/math/EllipsoidModel.h"
 #include "ig/math/quat.h"
 #include "plugins/ocean/OceanFrame.h"
+#include "render/scene/GlintList.h"
+#include "render/scene/LightList.h"
+#include "render/scene/ShaderConstants.h"
 #include "render/scene/remainders.h"
 
 #include <algorithm>
@@ -21,9 +24,13 @@ enum { UNIT_DISPLACEMENT = gl::UNIT_FIRST_OWN, UNIT_RAISED = UNIT_DISPLACEMENT +
 enum { UNIT_WATER = gl::UNIT_FIRST_OWN, UNIT_SLOPE, UNIT_EFFECTS = UNIT_SLOPE + 4 };
 
 /// Of the programs that shade, by `OceanPass::Shade`.
-constexpr const char* SHADE_WORDS[] = {
-    "WAKES DOWNWASH SHADOWS HILLS",       "WAKES DOWNWASH", "WAKES", "",
-    "WAKES DOWNWASH SHADOWS HILLS STORM", "WAKES STORM"};
+constexpr const char* SHADE_WORDS[] = {"WAKES DOWNWASH SHADOWS HILLS STORM LIGHTS",
+                                       "WAKES DOWNWASH SHADOWS HILLS",
+                                       "WAKES DOWNWASH",
+                                       "WAKES",
+                                       "",
+                                       "WAKES DOWNWASH SHADOWS HILLS STORM",
+                                       "WAKES STORM"};
 /// Wind over the sea (m/s) at which a gale begins to show and has grown, and a hurricane.
 constexpr float GALE[] = {14, 19}, HURRICANE[] = {23, 33};
 
@@ -46,7 +53,8 @@ void OceanPass::init(int columns, int rows) {
     for (int i = 0; i < NUM_SHADES; i++)
         m_shades[i].start("ocean_shade.vert",
                           "shadow.glsl ocean.glsl ocean_waves.glsl ocean_effects.glsl "
-                          "ocean_light.glsl ocean_storm.glsl ocean_foam.glsl ocean_shade.frag",
+                          "ocean_light.glsl ocean_storm.glsl lights.glsl ocean_lamps.glsl "
+                          "ocean_foam.glsl ocean_shade.frag",
                           SHADE_WORDS[i],
                           {{"uWater", UNIT_WATER},
                            {"uSlope0", UNIT_SLOPE},
@@ -267,6 +275,31 @@ PictureRect OceanPass::findDownwash(const FrameView& view, const OceanFrame& fra
     return rect;
 }
 
+/// Where lamps or fires light the water, or it mirrors them.
+PictureRect OceanPass::findLit(const Drawing& drawing) {
+    const FrameView& view = drawing.view;
+    PictureRect rect = drawing.glints.getPaths(view);
+    for (const LightItem& light : drawing.lights.lights) {
+        const vec3& at = light.position;
+        const float level =
+            -static_cast<float>(view.geodetic.z) - HALF_CURVATURE * (at.x * at.x + at.y * at.y);
+        const auto crest = static_cast<float>(drawing.frame.highest_crest);
+        if (at.z - light.reach < level + crest)
+            rect.include(PictureRect::of(view, at, light.reach));
+    }
+    return rect;
+}
+
+void OceanPass::setGlints(gl::Program& program, const GlintList& list) {
+    vec4 places[MOST_GLINTS], colors[MOST_GLINTS];
+    for (std::size_t i = 0; i < list.glints.size(); i++) {
+        places[i] = {list.glints[i].place, 0};
+        colors[i] = {list.glints[i].color, 0};
+    }
+    program.set("uGlintPlaces", places, MOST_GLINTS);
+    program.set("uGlintColors", colors, MOST_GLINTS);
+}
+
 /// Where the sea's mark stands in a part of the picture; it is gone there afterwards.
 void OceanPass::shade(Shade which, const PictureRect& rect, const Drawing& drawing) {
     if (rect.isEmpty()) return;
@@ -283,6 +316,7 @@ void OceanPass::shade(Shade which, const PictureRect& rect, const Drawing& drawi
     setPlane(program, view, drawing.frame);
     setSurface(program, view, drawing.frame);
     setEffects(program, drawing.downdraughts, drawing.wakes);
+    if (which == LIT) setGlints(program, drawing.glints);
     const auto& p = view.projection.columns;
     const vec2 off = view.orthographic ? vec2{-p[3].x, -p[3].y} : vec2{p[2].x, p[2].y};
     program.set("uRay", vec4(1 / p[0].x, 1 / p[1].y, off.x / p[0].x, off.y / p[1].y));
@@ -301,6 +335,7 @@ void OceanPass::shadeAll(const Drawing& drawing) {
     glEnable(GL_SCISSOR_TEST);
     const PictureRect downwash = findDownwash(drawing.view, drawing.frame, drawing.downdraughts);
     const bool all = drawing.view.everything, storm = findStorm(drawing.frame).x > 0;
+    shade(LIT, findLit(drawing), drawing);
     if (storm || all) {
         shade(STORM_SHADOWED, drawing.shadows, drawing);
         shade(STORM_SHADOWED, downwash, drawing);

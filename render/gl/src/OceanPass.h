@@ -9,6 +9,8 @@
 
 namespace ig {
 
+class GlintList;
+class LightList;
 class Targets;
 class WakePass;
 struct OceanFrame;
@@ -30,6 +32,8 @@ public:
         const OceanFrame& frame;
         const std::vector<vec4>& downdraughts; ///< as the `SceneList` has them; the nearest show
         PictureRect shadows;                   ///< where shadows may lie on the water
+        const LightList& lights;
+        const GlintList& glints;
         const WakePass& wakes;
         const Targets& targets;
     };
@@ -38,7 +42,7 @@ public:
 
 private:
     /// Programs that shade; what a word leaves out costs nothing.
-    enum Shade { SHADOWED, BLOWN, WITH_WAKES, OPEN, STORM_SHADOWED, STORM, NUM_SHADES };
+    enum Shade { LIT, SHADOWED, BLOWN, WITH_WAKES, OPEN, STORM_SHADOWED, STORM, NUM_SHADES };
     struct Fan { ///< part of the sea around the eye that the view can see
         float azimuth, azimuth_range, steepest, flattest, row_height;
     };
@@ -53,6 +57,8 @@ private:
                            const WakePass& wakes);
     static PictureRect findDownwash(const FrameView& view, const OceanFrame& frame,
                                     const std::vector<vec4>& downdraughts);
+    static PictureRect findLit(const Drawing& drawing);
+    static void setGlints(gl::Program& program, const GlintList& list);
     void shade(Shade which, const PictureRect& rect, const Drawing& drawing);
     void shadeAll(const Drawing& drawing);
 

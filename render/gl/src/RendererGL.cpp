@@ -25,6 +25,7 @@
 #include "render/scene/DecalStore.h"
 #include "render/scene/FrameBlock.h"
 #include "render/scene/FrameView.h"
+#include "render/scene/GlintList.h"
 #include "render/scene/Patterns.h"
 #include "render/scene/Samples.h"
 #include "render/scene/SceneList.h"
@@ -131,6 +132,7 @@ struct RendererGL::Impl {
     LightTable light_table;
     SceneList list;
     LightList lights;
+    GlintList glints;
     SpriteList sprite_list;
     WakeList wake_list;
     FrameView view;
@@ -355,7 +357,8 @@ void RendererGL::Impl::gatherLights(const FrameInfo& frame) {
     const float ground =
         dot(block.ambient.xyz(), white) +
         dot(block.light.xyz(), white) / PI * std::max(block.light_direction.z, 0.0f);
-    lights.gather(view, frame, list.lights, ground);
+    lights.gather(view, frame, list.lights, std::max(ground, 1e-4f));
+    glints.gather(view, list, ground);
     if (!rehearsal) return;
     lights.lights.clear();
     if (block.sun_direction.z < 0) Samples::addTo(lights);
@@ -394,8 +397,8 @@ void RendererGL::Impl::drawScene(const World& world) {
     if (list.terrain) grass.draw(view, world, *list.terrain, list.fields, lights);
     clock.mark("grass");
     if (list.ocean)
-        ocean.draw(
-            {view, list.ocean->getFrame(), list.downdraughts, findShadowsOnSea(), wakes, *canvas});
+        ocean.draw({view, list.ocean->getFrame(), list.downdraughts, findShadowsOnSea(), lights,
+                    glints, wakes, *canvas});
     clock.mark("ocean");
     sky.drawBackground(view);
     sky.drawClouds(view, canvas->depth);

@@ -4,6 +4,7 @@
 
 #include "PictureScene.h"
 #include "ig/scene/SceneObjects.h"
+#include "plugins/ocean/ObjectOcean.h"
 
 using namespace ig;
 
@@ -103,4 +104,32 @@ TEST_F(LampLight, BeamShowsInFogAndEndsAtTheWall) {
     EXPECT_NEAR(above, dark_above, 3);
     wall->setTransform(m_camera.getWorldTransform() * translate(dvec3(0, 0, -10)));
     EXPECT_NEAR(across(1).first, across(0).first, 3) << "the wall hides it";
+}
+
+TEST_F(LampLight, SeaMirrorsLampsTowardsTheEye) {
+    m_world.removeNode(wall);
+    m_world.addNode(new ObjectOcean());
+    look(15, 0, 3);
+    const auto paths = [&](float density) { // of a lamp above the water, 150 m away
+        m_world.removeNode(lamp);
+        lamp = new ObjectLight();
+        Material* const red = material(RED, 0);
+        red->addSlider("density", density);
+        lamp->setSurfaceMaterial(0, red);
+        lamp->setTransform(m_camera.getWorldTransform() * translate(dvec3(0, -3, -150)));
+        m_world.addNode(lamp);
+        draw();
+        int middle = 0, beside = 0;
+        s_renderer->readPicture(m_picture);
+        for (int y = HEIGHT * 6 / 10; y < HEIGHT; y++)
+            for (int x = -10; x <= 10; x++) {
+                middle += m_picture.at(WIDTH / 2 + x, y)[0];
+                beside += m_picture.at(WIDTH / 4 + x, y)[0];
+            }
+        return std::pair(middle, beside);
+    };
+    const auto [dark, dark_beside] = paths(0);
+    const auto [lit, beside] = paths(10);
+    EXPECT_GT(lit, dark * 1.15);
+    EXPECT_NEAR(beside, dark_beside, 0.02 * dark_beside);
 }

@@ -13,6 +13,7 @@ namespace ig {
 namespace {
 
 constexpr float NOTICED = 0.02f;    ///< share of the ground's own light that is seen to be added
+constexpr float NIGHT = 0.06f;      ///< ground below which lamps have all of their light
 constexpr float LEAST_REACH = 0.5f; ///< m; what reaches less far isn't worth a light
 
 float strongest(const vec3& color) { return std::max({color.x, color.y, color.z}); }
@@ -54,10 +55,11 @@ float importance(const LightItem& light) {
 void LightList::gather(const FrameView& view, const FrameInfo& frame,
                        const std::vector<LightItem>& items, float ground) {
     lights.clear();
+    const float lux = std::clamp(NIGHT / ground, DAY_LUX / LUX, 1.0f);
     for (LightItem light : items) {
         if (light.emitter) burn(light, view, frame.particles);
-        light.color = light.color * unrest(light, frame.time);
-        const float far = strongest(light.color) * LUX / (PI * NOTICED * std::max(ground, 1e-4f));
+        light.color = light.color * (lux * unrest(light, frame.time));
+        const float far = strongest(light.color) * LUX / (PI * NOTICED * ground);
         light.reach = std::min(light.reach, std::sqrt(far));
         if (light.reach < LEAST_REACH || !view.sees(light.position, light.reach)) continue;
         lights.push_back(light);

@@ -5,6 +5,8 @@
 #include "ig/scene/ParticleSystem.h"
 #include "ig/scene/SceneObjects.h"
 #include "ig/scene/World.h"
+#include "plugins/ocean/ObjectOcean.h"
+#include "render/scene/GlintList.h"
 #include "render/scene/LightGrid.h"
 #include "render/scene/LightList.h"
 
@@ -135,6 +137,7 @@ TEST_F(LightsIn, WhatIsLitEndsWhereThePictureIsBrightAnyway) {
     EXPECT_FALSE(list.reach({0, 190, 0}, 30));
     ASSERT_EQ(gather(lamp, DAY).size(), 1U);
     EXPECT_LT(list.lights[0].reach, 10);
+    EXPECT_NEAR(list.lights[0].color.x, 1000 * DAY_LUX / LUX, 1) << "as bright as daylight's lux";
     EXPECT_TRUE(gather({light({0, 50, 0}, 2, 100)}, DAY).empty());
 }
 
@@ -214,4 +217,27 @@ TEST_F(LightsIn, FireShinesWhereAndAsMuchAsItsParticlesDo) {
     EXPECT_LT(list.lights[0].color.x, most / 4);
     burn(30);
     EXPECT_TRUE(list.lights.empty()) << "burnt out";
+}
+
+TEST_F(LightsIn, LampsThatStandTogetherAreOnePathOfGlitterByNight) {
+    const ObjectOcean sea;
+    SceneList scene;
+    scene.ocean = &sea;
+    for (int i = 0; i < 10; i++) // a row along a deck
+        scene.lamps.push_back({{static_cast<float>(i), 300, -90}, {1, 1, 1}, 1, 1});
+    for (int i = 0; i < 40; i++)
+        scene.lamps.push_back({{0, 400 + 50.0f * static_cast<float>(i), -90}, {1, 0, 0}, 1, 1});
+    GlintList glints;
+    glints.gather(view, scene, NIGHT);
+    ASSERT_EQ(glints.glints.size(), static_cast<std::size_t>(MOST_GLINTS));
+    EXPECT_NEAR(glints.glints[0].place.x, 4.5, 1e-3);
+    EXPECT_NEAR(glints.glints[0].color.y, 10 * 60 * LUX, 1e-3);
+    EXPECT_NEAR(glints.glints[1].place.y, 400, 1) << "the nearest of equals";
+    const PictureRect rect = glints.getPaths(view);
+    EXPECT_LT(rect.low.y, -0.5f) << "down to the eye";
+    EXPECT_GT(rect.low.x, -0.5f);
+    EXPECT_LT(rect.high.x, 0.5f);
+    glints.gather(view, scene, DAY);
+    EXPECT_TRUE(glints.glints.empty());
+    EXPECT_TRUE(glints.getPaths(view).isEmpty());
 }

@@ -15,8 +15,8 @@ struct FrameInfo;
 /// over and over and keeps its memory.
 class LightList {
 public:
-    /// `ground`: radiance of a white ground under key light and sky; a light ends where it adds
-    /// next to nothing to that.
+    /// `ground`: radiance of a white ground under key light and sky, above 0; a light ends where it
+    /// adds next to nothing to that.
     void gather(const FrameView& view, const FrameInfo& frame, const std::vector<LightItem>& items,
                 float ground);
     /// Whether any of them may reach into a sphere (E).

@@ -23,13 +23,15 @@ constexpr int MOST_WAKES = 4;          ///< drawn at once, the nearest
 constexpr int MOST_DOWNDRAUGHTS = 4;   ///< likewise
 constexpr float DOWNWASH_REACH = 4.5f; ///< of rings in the water, radii of the downdraught
 constexpr float SUN_IRRADIANCE = 20;   ///< above the air
-/// Irradiance of 1 lx from a lamp. Daylight here has 1.6e-4 a lux, and a night, which is drawn
-/// brighter than it is, 0.2 of the moon's: lamps lie in between, since they are seen by night.
-constexpr float LUX = 0.01f;
+/// Irradiance of 1 lx from a lamp by night, which is drawn brighter than it is: its moonlight has
+/// 0.2 a lux. Daylight has DAY_LUX, and so have lamps by day.
+constexpr float LUX = 0.01f, DAY_LUX = 1.6e-4f;
 /// What lamps add to the picture nears this, times PI over the exposure: the eye gets used to it.
 constexpr float LAMP_SHOULDER = 1.1f;
-constexpr int MOST_LIGHTS = 64;  ///< that light what is around them in a frame, see LightGrid
-constexpr int LIGHTS_A_CELL = 8; ///< of its cells
+constexpr int MOST_LIGHTS = 64;      ///< that light what is around them in a frame, see LightGrid
+constexpr int LIGHTS_A_CELL = 8;     ///< of its cells
+constexpr int MOST_GLINTS = 12;      ///< lamps that the sea mirrors as paths of glitter
+constexpr float GLINT_WIDTH = 0.15f; ///< rad to each side of its lamp, where a path ends
 constexpr int LIGHT_COLUMNS = 16, LIGHT_ROWS = 9, LIGHT_SLICES = 24;
 constexpr vec3 SUN_COLOR{1, 0.97f, 0.92f};
 

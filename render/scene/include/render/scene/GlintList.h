@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "render/scene/FrameView.h"
+#include "render/scene/PictureRect.h"
+#include "render/scene/SceneList.h"
+
+#include <vector>
+
+namespace ig {
+
+/// Lamps close to each other, as the water mirrors them.
+struct Glint {
+    vec3 place; ///< E
+    vec3 color; ///< irradiance at 1 m
+};
+
+/// The lamps over water whose path of glitter towards the eye is worth drawing: by night alone,
+/// those that stand together as one, and the brightest of them. One list is used over and over.
+class GlintList {
+public:
+    /// `ground`: radiance of a white ground under key light and sky.
+    void gather(const FrameView& view, const SceneList& list, float ground);
+    /// Where the paths lie in the picture.
+    PictureRect getPaths(const FrameView& view) const;
+
+    std::vector<Glint> glints; ///< at most MOST_GLINTS
+};
+
+} // namespace ig
