@@ -9,10 +9,21 @@ vec2 skyMapPlace(vec3 d) {
     float r = sqrt(max(1.0 - sqrt(z), 0.0));
     return d.xy * inversesqrt(max(dot(d.xy, d.xy), 1e-9)) * (r * 0.496) + 0.5;
 }
-vec3 skyAt(vec3 d, float lod) { return textureLod(uSkyMap, skyMapPlace(d), lod).rgb * uSky.x; }
-// The horizon is blurred, else its clouds would draw stripes down haze and fog.
+// `lod`: 0 sharpest, each 1 twice as blurred, as surfaces ask for it; the map's own levels begin at 1.
+vec3 skyAt(vec3 d, float lod) {
+    return textureLod(uSkyMap, skyMapPlace(d), max(lod - 1.0, 0.0)).rgb * uSky.x;
+}
+// The glow about the sun in hazy air, by the cosine of the angle from it: Cornette and Shanks (1992).
+float glowAt(float cosine) {
+    float u = inversesqrt(1.0 + GLOW_G * GLOW_G - 2.0 * GLOW_G * cosine);
+    return 3.0 / (8.0 * PI) * (1.0 - GLOW_G * GLOW_G) / (2.0 + GLOW_G * GLOW_G) * (1.0 + cosine * cosine) * u * u * u;
+}
+// What is far away in a direction of E (any length): smooth over the azimuth, so that nothing draws
+// stripes down haze and fog.
 vec3 hazeColor(vec2 direction) {
-    return skyAt(vec3(direction, 0.012 * length(direction)), 4.0 + 2.0 * uWeather.w);
+    float x = dot(direction, vec2(uHazeMean.w, uHazeSlope.w)) * inversesqrt(max(dot(direction, direction), 1e-9));
+    float glow = glowAt(x * uHazeBend.w);
+    return max(uHazeMean.rgb + x * (uHazeSlope.rgb + x * uHazeBend.rgb) + glow * uHazeGlow.rgb, 0.0) * uSky.x;
 }
 
 // Share of light that crosses the air between the eye and p. The haze thins out with height.

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The background: sky map and, where these words are defined, DISC: sun and moon; STARS; BOLT;
-// HAZE: a bank of fog that covers the sky, too.
+// The background: the clear sky, clouds before it and, where these words are defined, DISC: sun and
+// moon; STARS; BOLT; HAZE: a bank of fog that covers the sky, too.
 in vec2 vPlace;
+uniform sampler2D uClearSky;
 uniform vec4 uRay; // half width and height of the picture at unit distance, and its offset
 out vec4 oColor;
 
@@ -55,8 +56,9 @@ void main() {
     vec3 d = normalize(transpose(mat3(uView)) * vec3(n * uRay.xy + uRay.zw, -1.0));
     vec3 lifted = d;
     lifted.z = d.z + uAir.w; // the sky reaches down to the dipped horizon
-    vec3 c = skyAt(lifted, 0.0);
-    float open = (1.0 - uWeather.w) * step(0.0, lifted.z);
+    vec3 c = texture(uClearSky, skyMapPlace(lifted)).rgb * uSky.x, haze = hazeColor(d.xy);
+    vec4 clouds = cloudsAbove(normalize(vec3(lifted.xy, max(lifted.z, 0.0))), haze);
+    float open = step(0.0, lifted.z);
 #ifdef DISC
     float mu = max(dot(d, uSunDirection.xyz), 0.0);
     float disc = smoothstep(0.99998, 0.999992, mu);
@@ -71,13 +73,14 @@ void main() {
     vec3 turned = vec3(k * d.x + s * d.z, d.y, k * d.z - s * d.x);
     c += vec3(0.9, 0.95, 1.0) * stars(turned) * uSky.y * open * smoothstep(0.0, 0.25, lifted.z);
 #endif
+    c = c * (1.0 - clouds.a) + clouds.rgb;
 #ifdef BOLT
     c += vec3(0.75, 0.82, 1.0) * bolt(lifted) * (uBolt.w * min(uTime.z * 1.5, 1.0));
 #endif
 #ifdef HAZE
     // A fog bank covers the sky too, most where the ray stays long in it.
     float cover = 1.0 - exp(-uSky.w * uAir.y / max(lifted.z, 0.004));
-    c = mix(c, hazeColor(d.xy), cover);
+    c = mix(c, haze, cover);
 #endif
     oColor = vec4(c, 1.0);
 }

@@ -214,6 +214,8 @@ bool Program::finish() {
     }
     use();
     set("uSkyMap", UNIT_SKY);
+    set("uClearSky", UNIT_SKY_CLEAR);
+    set("uCloudField", UNIT_CLOUDS);
     set("uShadowMap", UNIT_SHADOW);
     set("uHillMap", UNIT_HILLS);
     set("uNoise", UNIT_NOISE);

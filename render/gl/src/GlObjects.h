@@ -127,7 +127,16 @@ bool finishPrograms();
 constexpr GLuint FRAME_BLOCK = 0, LIGHT_BLOCK = 1;
 
 /// Texture units, the same in every pass.
-enum Unit { UNIT_SKY, UNIT_SHADOW, UNIT_HILLS, UNIT_NOISE, UNIT_LIGHTS, UNIT_FIRST_OWN };
+enum Unit {
+    UNIT_SKY,
+    UNIT_SKY_CLEAR,
+    UNIT_CLOUDS,
+    UNIT_SHADOW,
+    UNIT_HILLS,
+    UNIT_NOISE,
+    UNIT_LIGHTS,
+    UNIT_FIRST_OWN
+};
 
 /// Whether depth can be clipped to 0..1 (`glClipControl`); the shaders' common head and the
 /// projection follow it.

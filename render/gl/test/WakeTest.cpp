@@ -19,6 +19,7 @@ public:
         PictureScene::SetUp();
         if (IsSkipped()) return;
         m_world.addNode(sea = new ObjectOcean());
+        m_frame.cloud_cover = 0; // nothing but wakes makes one water brighter than another
         hull = new Object(NODE_DUMMY);
         hull->setWgsPosition({LONGITUDE, LATITUDE, 0});
         hull->setWgsHPR({90, 0, 0});

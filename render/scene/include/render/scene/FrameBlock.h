@@ -30,10 +30,27 @@ struct FrameBlock {
     vec4 moon_direction;  ///< w: brightness of the disc
     vec4 sky;             ///< x: gain of the sky map; y: stars; z: night-to-day turn of the
                           ///< stars, rad; w: haze that covers the sky itself
-    vec4 weather;         ///< x: rain, y: snow, z: cloud cover, w: overcast, or in the clouds
-    vec4 time;            ///< x: scene time, s; y: angle of a pixel, rad; z: lightning, 0 to 1
-    vec4 bolt;            ///< towards the bolt's foot (unit, level); z: its shape, 0 to 1;
-                          ///< w: brightness
+    /// Colour of far haze by x, the cosine of the azimuth from the sun's, and the sun's glow g:
+    /// mean + slope x + bend x² + glow g. Their w: unit vector towards the sun's azimuth, and its
+    /// distance from the zenith, as a sine.
+    vec4 haze_mean;
+    vec4 haze_slope;
+    vec4 haze_bend;
+    vec4 haze_glow;
+    vec4 cloud_place; ///< x, y: of the eye in the field of clouds; z: periods per metre;
+                      ///< w: half the earth's curvature, 1/m
+    vec4 cloud_layer; ///< base above the eye, m; thickness, m; thickness of the field where clouds
+                      ///< begin, half the range of it over which they do
+    vec4 cloud_light; ///< irradiance of the key light on them; w: 1 where they are closed
+    vec4 cloud_sky;   ///< colour of what the sky lights of them; w: darkness of the closed layer
+    vec4 cloud_haze;  ///< their mean colour from below; w: share of it in the haze
+    vec4 cloud_shade; ///< x, y: how far a shadow falls to the side on 1 m; z: share of the key
+                      ///< light that clouds take away; w: altitude of their bases, m
+    vec4 cloud_air;   ///< x: extinction of the air on the way to them, 1/m
+    vec4 weather;     ///< x: rain, y: snow, z: cloud cover, w: overcast, or in the clouds
+    vec4 time;        ///< x: scene time, s; y: angle of a pixel, rad; z: lightning, 0 to 1
+    vec4 bolt;        ///< towards the bolt's foot (unit, level); z: its shape, 0 to 1;
+                      ///< w: brightness
 };
 
 } // namespace ig

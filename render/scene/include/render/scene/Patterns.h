@@ -17,6 +17,12 @@ struct Pattern {
 /// level.
 Pattern makeNoisePattern();
 
+/// Clouds that repeat without seam, over CLOUD_PERIOD: red how thick they are, its values evenly
+/// spread; green the round heaps that fray their edges, to be laid on CLOUD_HEAPS times as small,
+/// 0.5 in the mean; blue and alpha the rise of red along u and v over CLOUD_RISE, halved, 0.5 being
+/// level.
+Pattern makeCloudPattern();
+
 /// A sheet of 4 × 4 shapes for particles: density, and how much light the place gets from its own
 /// cloud. Rows from the bottom: two of puffs, one of flames, one of drops.
 Pattern makePuffPattern();

@@ -21,6 +21,12 @@ constexpr float BREAKING_WEIGHTS[] = {1.6f, 1.1f, 0.45f};
 constexpr float WHITECAP_GAIN = 1.08f, WHITECAP_LOSS = 0.04f;
 constexpr int MOST_WAKES = 4;          ///< drawn at once, the nearest
 constexpr int MOST_DOWNDRAUGHTS = 4;   ///< likewise
+constexpr float CLOUD_PERIOD = 24576;  ///< m, after which the clouds repeat
+constexpr float CLOUD_HEAPS = 12;      ///< heaps are laid on so many times as small
+constexpr float CLOUD_FRAY = 0.2f;     ///< how far heaps move the clouds' edges, of their thickness
+constexpr float CLOUD_THICKEST = 1.1f; ///< of the field, heaps laid on: clouds reach their tops
+constexpr float CLOUD_RISE = 384;      ///< m, over which the clouds' slopes are taken
+constexpr float GLOW_G = 0.76f;        ///< how much hazy air scatters forwards
 constexpr float DOWNWASH_REACH = 4.5f; ///< of rings in the water, radii of the downdraught
 constexpr float SUN_IRRADIANCE = 20;   ///< above the air
 /// Irradiance of 1 lx from a lamp by night, which is drawn brighter than it is: its moonlight has
