@@ -27,12 +27,12 @@ void halve(const float* from, float* to, int edge) {
         }
 }
 
-/// Four values, clamped to 0 to 1, as GL_UNSIGNED_INT_8_8_8_8_REV has them. Words instead of bytes
-/// and clamping without comparisons, (|v| - |v - 1| + 1) / 2, let the loops around it run on
-/// vectors.
+/// Four values, clamped to 0 to 1, as GL_UNSIGNED_INT_8_8_8_8_REV has them. Words instead of bytes,
+/// clamping without comparisons, (|v| - |v - 1| + 1) / 2, and rounding without a call let the loops
+/// around it run on vectors.
 std::uint32_t packTexel(float r, float g, float b, float a) {
     const auto byte = [](float v) {
-        return static_cast<int>(std::lround(127.5f * (std::abs(v) - std::abs(v - 1) + 1)));
+        return static_cast<int>(127.5f * (std::abs(v) - std::abs(v - 1) + 1) + 0.5f);
     };
     return byte(r) | byte(g) << 8 | byte(b) << 16 | byte(a) << 24;
 }
@@ -98,9 +98,12 @@ void OceanTiles::upload(const OceanFrame& frame) {
         const int edge = frame.tiles[i].resolution;
         if (m_edges[i] == edge) continue;
         m_edges[i] = edge;
-        if (i < DISPLACED) makeTile(m_displacement[i], edge, GL_RGBA32F, GL_FLOAT);
-        makeTile(m_slope[i], edge, GL_RGBA8, GL_UNSIGNED_BYTE);
+        for (Set& set : m_sets) {
+            if (i < DISPLACED) makeTile(set.displacement[i], edge, GL_RGBA32F, GL_FLOAT);
+            makeTile(set.slope[i], edge, GL_RGBA8, GL_UNSIGNED_BYTE);
+        }
     }
+    m_shown = 1 - m_shown;
     for (int i = 0; i < DISPLACED; i++)
         uploadDisplacement(frame, i);
     for (int i = 0; i < TILES; i++)
@@ -115,7 +118,7 @@ void OceanTiles::forget() {
 void OceanTiles::uploadDisplacement(const OceanFrame& frame, int tile) {
     const int n = frame.tiles[tile].resolution;
     const float* texels = frame.tiles[tile].displacement;
-    glBindTexture(GL_TEXTURE_2D, m_displacement[tile].getId());
+    glBindTexture(GL_TEXTURE_2D, m_sets[m_shown].displacement[tile].getId());
     m_levels.resize(static_cast<std::size_t>(n) * static_cast<std::size_t>(n)); // a quarter of it
     for (int edge = n, level = 0; edge >= 1; edge /= 2, level++) {
         glTexSubImage2D(GL_TEXTURE_2D, level, 0, 0, edge, edge, GL_RGBA, GL_FLOAT, texels);
@@ -142,7 +145,7 @@ void OceanTiles::uploadSlopes(const OceanFrame& frame, int tile) {
     }
     const float mean_square = last[2], share = mean_square > 0 ? 1 / mean_square : 0;
 
-    glBindTexture(GL_TEXTURE_2D, m_slope[tile].getId());
+    glBindTexture(GL_TEXTURE_2D, m_sets[m_shown].slope[tile].getId());
     m_texels.resize(count);
     encodeSlopes(t, encode, m_texels.data());
     const float* means = m_levels.data();

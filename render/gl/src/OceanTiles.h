@@ -21,8 +21,10 @@ public:
     /// The next sea is again the first.
     void forget();
 
-    const gl::Texture& getDisplacement(int tile) const { return m_displacement[tile]; }
-    const gl::Texture& getSlope(int tile) const { return m_slope[tile]; }
+    const gl::Texture& getDisplacement(int tile) const {
+        return m_sets[m_shown].displacement[tile];
+    }
+    const gl::Texture& getSlope(int tile) const { return m_sets[m_shown].slope[tile]; }
     /// Of a tile's slopes: what the texels' 0 and 255 stand for.
     float getSlopeScale(int tile) const { return m_slope_scale[tile]; }
     /// Whitecaps: threshold, width and spread of the breaking measure; mean foam of tile 2.
@@ -33,7 +35,11 @@ private:
     void uploadSlopes(const OceanFrame& frame, int tile);
     void calibrateFoam(const OceanFrame& frame);
 
-    gl::Texture m_displacement[DISPLACED], m_slope[TILES];
+    struct Set {
+        gl::Texture displacement[DISPLACED], slope[TILES];
+    };
+    Set m_sets[2]; ///< in turn: the device may still be drawing the frame before from the other
+    int m_shown = 0;
     int m_edges[TILES] = {}; ///< texels along an edge that the textures were made for
     struct Stamp {           ///< tells one sea at one moment from another, be it another ocean's
         const float* arrays = nullptr;
