@@ -31,8 +31,12 @@ constexpr const char* SHADE_WORDS[] = {"WAKES DOWNWASH SHADOWS HILLS STORM LIGHT
                                        "",
                                        "WAKES DOWNWASH SHADOWS HILLS STORM",
                                        "WAKES STORM"};
-/// Wind over the sea (m/s) at which a gale begins to show and has grown, and a hurricane.
-constexpr float GALE[] = {14, 19}, HURRICANE[] = {23, 33};
+/// Where something begins to show and has grown, by wind over the sea, m/s, or by the significant
+/// height, m: waves of a gale look like one though the wind has gone down.
+struct Growth {
+    float wind[2], height[2];
+};
+constexpr Growth GALE{{14, 19}, {3.6f, 5.5f}}, HURRICANE{{23, 33}, {8, 13}};
 
 constexpr GLuint MARK = 1; ///< in the stencil, where the sea is what one sees
 constexpr int BLOCK = 31;  ///< cells of the grid along an edge whose vertices stay in the cache
@@ -210,10 +214,13 @@ void OceanPass::drawFan(const FrameView& view, const OceanFrame& frame, const Wa
     glDrawElements(GL_TRIANGLES, m_num_indices, GL_UNSIGNED_INT, nullptr);
 }
 
-/// How much of a gale the wind over the sea is, and how much of a hurricane, 0 to 1.
+/// How much of a gale the sea is, and how much of a hurricane, 0 to 1.
 vec2 OceanPass::findStorm(const OceanFrame& frame) {
-    const auto share = [&frame](const float(&of)[2]) {
-        return std::clamp((static_cast<float>(frame.wind) - of[0]) / (of[1] - of[0]), 0.0f, 1.0f);
+    const auto grown = [](double now, const float(&of)[2]) {
+        return std::clamp((static_cast<float>(now) - of[0]) / (of[1] - of[0]), 0.0f, 1.0f);
+    };
+    const auto share = [&](const Growth& of) {
+        return std::max(grown(frame.wind, of.wind), grown(frame.significant_height, of.height));
     };
     return {share(GALE), share(HURRICANE)};
 }

@@ -36,7 +36,7 @@ public:
 };
 
 TEST_F(SeaOf, AGaleBeginsWithoutAStep) {
-    const std::vector<int> breeze = blow(8, 14), gale = blow(8, 14.01f);
+    const std::vector<int> breeze = blow(5, 14), gale = blow(5, 14.01f);
     int most = 0;
     for (std::size_t i = 0; i < breeze.size(); i++)
         most = std::max(most, std::abs(gale[i] - breeze[i]));
