@@ -12,6 +12,7 @@
 #include "ig/scene/Material.h"
 #include "ig/scene/ParticleSystem.h"
 #include "ig/ui/UiDrawList.h"
+#include "plugins/ocean/ObjectOcean.h"
 #include "render/gl/RendererGL.h"
 #include "render/image/Png.h"
 #include "testkit/LogicScene.h"
@@ -93,6 +94,13 @@ struct Stage : LogicScene {
         Node* rain = world->getNodeByName("rain");
         rain->setEnabled(true);
         rain->setWgsPosition(wgs);
+    }
+    /// Waves, and a wind that goes with them.
+    void setSea(int beaufort) {
+        flown.sea_code = static_cast<short>(beaufort);
+        flown.sea_speed = 100.0f * 2.6f * static_cast<float>(beaufort);
+        static_cast<ObjectOcean*>(world->getNodeByName("ocean"))
+            ->setBeaufort(static_cast<float>(beaufort));
     }
     /// From so many metres east, north and up of it.
     void lookAtHelicopter(double east, double north, double up) {
@@ -250,6 +258,26 @@ const View VIEWS[] = {
          s.flown.rotor_speed = 265;
          s.run(4);
          s.lookAtHelicopter(-20, -22, 0.5);
+     }},
+    {"bow_wave",
+     [](Stage& s) {
+         s.logic->setSnow(0);
+         s.picture.snow = s.picture.rain = s.picture.overcast = s.picture.cloud_darkness = 0;
+         s.helicopterNode("downdraught")->setEnabled(false);
+         s.setHour(12);
+         s.picture.cloud_cover = 0.3f;
+         s.picture.visibility = 60000;
+         s.setSea(3);
+         s.run(12);
+         s.look(s.byFrigate(40, 55, 12), 285, -16);
+     }},
+    {"gale",
+     [](Stage& s) {
+         s.setHour(14);
+         s.picture.cloud_cover = 0.5f;
+         s.setSea(10);
+         s.run(12);
+         s.look(s.byFrigate(260, -60, 18), 235, -7);
      }},
 };
 
