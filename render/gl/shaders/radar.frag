@@ -15,8 +15,17 @@ uniform float uDetail;    // level of detail of the land
 uniform vec4 uRain;       // share that stays dry; strength
 uniform vec4 uCells;      // the nadir's place in the two layers of cells
 uniform vec2 uCellScale;  // 1/m
-uniform sampler2D uLand, uNoise;
+uniform float uHighest;   // altitude of the land's highest place, m
+uniform float uReach;     // of the horizon's map, m
+uniform sampler2D uLand, uNoise, uHorizon;
 out vec4 oColor;
+
+// How much of what stands up to an altitude the radar meets at a place: hills hide the rest.
+float seenAt(vec2 p, float altitude) {
+    const float SOFT = 12.0; // m
+    vec2 place = vec2(atan(p.x, p.y) / (2.0 * PI), min(length(p) / uReach, 1.0));
+    return smoothstep(-SOFT, SOFT, altitude + SOFT - textureLod(uHorizon, place, 0.0).r);
+}
 
 // What rises away from the radar faces it.
 float landEcho(vec2 p, vec2 outward, float speckle) {
@@ -24,13 +33,14 @@ float landEcho(vec2 p, vec2 outward, float speckle) {
     vec2 border = step(abs(place - 0.5), vec2(0.5));
     vec4 land = textureLod(uLand, place, uDetail);
     float rise = dot(land.xy * 2.0 - 1.0, outward);
-    return land.z * border.x * border.y * clamp((0.24 + 3.2 * rise) * (0.75 + 0.5 * speckle), 0.05, 0.85);
+    float echo = clamp((0.24 + 3.2 * rise) * (0.75 + 0.5 * speckle), 0.05, 0.85);
+    return land.z * border.x * border.y * echo * seenAt(p, land.w * uHighest);
 }
 
-float seaEcho(vec2 outward, float range, float speckle) {
+float seaEcho(vec2 p, vec2 outward, float range, float speckle) {
     float near = max(1.0 - range / max(uSea.y, 1.0), 0.0);
     float against = 1.0 + 0.35 * dot(outward, uSea.zw);
-    return uSea.x * near * near * against * (0.2 + 1.5 * speckle * speckle);
+    return uSea.x * near * near * against * (0.2 + 1.5 * speckle * speckle) * seenAt(p, 0.0);
 }
 
 // Four steps, as a radar's display tells them apart. The speckle hides the field's own 256 steps,
@@ -57,7 +67,7 @@ void main() {
 
     float speckle = hash(floor(p * uSpeckle.x) + uSpeckle.yz);
     float land = landEcho(p, outward, speckle);
-    float sea = land > 0.0 ? 0.0 : seaEcho(outward, range, speckle);
+    float sea = land > 0.0 ? 0.0 : seaEcho(p, outward, range, speckle);
     float echo = max(clamp(max(land, sea) * uSite.w, 0.0, 0.9), rainEcho(p, speckle));
     bool seen = range > uBlind && along.z < -0.01 * length(along);
     oColor = vec4(vec3(0.13, 1.0, 0.35) * (seen ? echo : 0.0), 1.0);

@@ -55,6 +55,7 @@ void RadarLand::fill(const TerrainGrid& grid) {
             out[0] = toByte(0.5f + 0.5f * rise_east / across_east);
             out[1] = toByte(0.5f + 0.5f * rise_north / across_north);
             out[2] = toByte((height(column, row) - WET) / (DRY - WET));
+            out[3] = toByte(height(column, row) / std::max(grid.highest, 1.0f));
         }
     }
     gl::TextureFormat format;
@@ -73,6 +74,7 @@ void RadarLand::bind(gl::Program& program, const FrameView& view, float texel) c
         program.set("uDetail", 0.0f);
         return;
     }
+    program.set("uHighest", std::max(grid->highest, 1.0f));
     const double latitude = view.geodetic.y * DEG_TO_RAD<double>;
     const auto [meridian, prime] = EllipsoidModel().getRadii(view.geodetic.y);
     const double tangent = std::tan(latitude), cosine = std::max(std::cos(latitude), 1e-3);

@@ -10,8 +10,9 @@ class ObjectTerrain;
 struct TerrainGrid;
 
 /// The land as a radar needs it: a texture of the terrain's raster with the slope towards east and
-/// north (−1 to 1 over red and green) and whether there is land at all (blue), made once per
-/// terrain. The device averages its levels, so that a coarse picture sees mean slopes.
+/// north (−1 to 1 over red and green), whether there is land at all (blue), and its altitude as a
+/// share of the highest (alpha), made once per terrain. The device averages its levels, so that a
+/// coarse picture sees mean slopes.
 class RadarLand {
 public:
     /// Keeps the texture of the present terrain, null for none, on the device.

@@ -29,6 +29,13 @@ constexpr float LEAST_STRENGTH = 0.1f; ///< weaker targets are lost in the noise
 constexpr double CELLS_WIDE = 41000, CELLS_FINE = 17300;
 constexpr float GRAIN = 60; ///< smallest edge of the speckle's grains, m
 constexpr double DEGREE = EllipsoidModel::DEGREE;
+constexpr int UNIT_HORIZON = gl::UNIT_FIRST_OWN + 1;
+
+void makeHorizonTexture(gl::Texture& texture, const float* lowest) {
+    gl::makeTexture(texture, RadarHorizon::BEARINGS, RadarHorizon::RANGES,
+                    {GL_R32F, GL_RED, GL_FLOAT, GL_REPEAT}, lowest); // bearings go round
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+}
 
 } // namespace
 
@@ -43,7 +50,9 @@ void RadarPass::init() {
     glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, sizeof(Corner), nullptr);
     glVertexAttribPointer(1, 1, GL_FLOAT, GL_FALSE, sizeof(Corner),
                           reinterpret_cast<const void*>(offsetof(Corner, strength)));
-    m_ground.start("screen.vert", "radar.frag", {}, {{"uLand", gl::UNIT_FIRST_OWN}});
+    m_ground.start("screen.vert", "radar.frag", {},
+                   {{"uLand", gl::UNIT_FIRST_OWN}, {"uHorizon", UNIT_HORIZON}});
+    makeHorizonTexture(m_horizon_texture, nullptr);
     m_target.start("radar_target.vert", "radar_target.frag");
 }
 
@@ -54,6 +63,9 @@ void RadarPass::draw(const World& world, const FrameView& view, const FrameInfo&
     m_corners.clear();
     m_ocean = nullptr;
     m_terrain = nullptr;
+    for (const Node* node : world.getNodes())
+        findGround(*node);
+    updateHorizon(view);
     for (const Node* node : world.getNodes())
         gather(*node, frame, view);
     if (sea) m_ocean = sea;
@@ -68,14 +80,24 @@ void RadarPass::draw(const World& world, const FrameView& view, const FrameInfo&
 
 // ------------------------------------------------------------------ what the world holds
 
-void RadarPass::gather(const Node& node, const FrameInfo& frame, const FrameView& view) {
-    if (!node.isEnabled() || &node == frame.focus) return;
-    if (node.getType() == OBJECT_MESH)
-        addTarget(static_cast<const ObjectMesh&>(node), view);
-    else if (node.getType() == OBJECT_OCEAN)
+void RadarPass::findGround(const Node& node) {
+    if (!node.isEnabled()) return;
+    if (node.getType() == OBJECT_OCEAN)
         m_ocean = static_cast<const ObjectOcean*>(&node);
     else if (node.getType() == OBJECT_TERRAIN)
         m_terrain = static_cast<const ObjectTerrain*>(&node);
+    for (int i = 0; i < node.getNumChildren(); i++)
+        findGround(*node.getChild(i));
+}
+
+void RadarPass::updateHorizon(const FrameView& view) {
+    if (m_horizon.update(m_terrain ? &m_terrain->getGrid() : nullptr, view.geodetic))
+        makeHorizonTexture(m_horizon_texture, m_horizon.getMap().data());
+}
+
+void RadarPass::gather(const Node& node, const FrameInfo& frame, const FrameView& view) {
+    if (!node.isEnabled() || &node == frame.focus) return;
+    if (node.getType() == OBJECT_MESH) addTarget(static_cast<const ObjectMesh&>(node), view);
     for (int i = 0; i < node.getNumChildren(); i++)
         gather(*node.getChild(i), frame, view);
 }
@@ -91,7 +113,8 @@ void RadarPass::addTarget(const ObjectMesh& object, const FrameView& view) {
     const float height =
         2 * (std::abs(x.z) + std::abs(y.z) + std::abs(transform.getZ().z * half.z));
     const float width = 2 * std::max(std::hypot(x.x, x.y), std::hypot(y.x, y.y));
-    const float strength = std::min(std::sqrt(height * width) / FULL_SIDE, 1.0f);
+    const float seen = getShareSeen(center, height, view);
+    const float strength = seen * std::min(std::sqrt(height * width) / FULL_SIDE, 1.0f);
     if (height < FLAT || strength < LEAST_STRENGTH) return;
     if (std::hypot(center.x, center.y) < BLIND_RANGE + width / 2) return;
     const float texel = view.pixel_angle * (view.orthographic ? 1 : length(center));
@@ -102,6 +125,16 @@ void RadarPass::addTarget(const ObjectMesh& object, const FrameView& view) {
                            : otherwise * least;
     };
     addRectangle(center, widen(x, {1, 0, 0}), widen(y, {0, 1, 0}), strength, view);
+}
+
+/// How much of something that high stands above what hides it; what is under water doesn't count.
+float RadarPass::getShareSeen(const vec3& center, float height, const FrameView& view) const {
+    const double away = std::hypot(center.x, center.y);
+    const double drop = away * away / (2 * EllipsoidModel::MEAN_RADIUS);
+    const auto middle = static_cast<float>(view.geodetic.z + center.z + drop);
+    const float top = middle + height / 2, foot = std::max(middle - height / 2, 0.0f);
+    const float hidden = m_horizon.getLowest({center.x, center.y});
+    return top > foot ? std::clamp((top - hidden) / (top - foot), 0.0f, 1.0f) : 0;
 }
 
 /// From its middle and the way to the middle of two of its sides (E).
@@ -189,6 +222,8 @@ void RadarPass::drawGround(const FrameView& view, const FrameInfo& frame, const 
     m_ground.set("uParallel", view.orthographic ? 1 : 0);
     m_ground.set("uBlind", BLIND_RANGE);
     m_land.bind(m_ground, view, texel);
+    gl::bindTexture(UNIT_HORIZON, m_horizon_texture);
+    m_ground.set("uReach", RadarHorizon::REACH);
     setSea(texel);
     setCells(frame);
     gl::bindTexture(gl::UNIT_NOISE, noise);

@@ -4,6 +4,7 @@
 #include "GlObjects.h"
 #include "RadarLand.h"
 #include "render/scene/FrameView.h"
+#include "render/scene/RadarHorizon.h"
 
 #include <vector>
 
@@ -30,6 +31,9 @@ struct FrameInfo;
 /// each mesh of some size, as the rectangle of its bounds, never smaller than a few texels, so that
 /// a ship is seen at any range. The frame's focus, which carries the radar, is left out.
 ///
+/// What lies behind hills or beyond the horizon (`RadarHorizon`) returns nothing, but for
+/// precipitation, which stands high.
+///
 /// The gain multiplies every echo before it is cut off at full brightness.
 class RadarPass {
 public:
@@ -47,8 +51,11 @@ private:
         float strength;
     };
 
+    void findGround(const Node& node);
+    void updateHorizon(const FrameView& view);
     void gather(const Node& node, const FrameInfo& frame, const FrameView& view);
     void addTarget(const ObjectMesh& object, const FrameView& view);
+    float getShareSeen(const vec3& center, float height, const FrameView& view) const;
     void addRectangle(const vec3& center, const vec3& x, const vec3& y, float strength,
                       const FrameView& view);
     void moveCells(const FrameView& view, const FrameInfo& frame);
@@ -62,6 +69,8 @@ private:
     gl::VertexArray m_empty, m_corner_array;
     gl::Buffer m_corner_buffer;
     RadarLand m_land;
+    RadarHorizon m_horizon;
+    gl::Texture m_horizon_texture;
 
     const ObjectTerrain* m_terrain = nullptr; ///< of the present world
     const ObjectOcean* m_ocean = nullptr;     ///< of the present world

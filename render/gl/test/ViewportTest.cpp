@@ -338,7 +338,8 @@ TEST_F(RadarOf, LandReturnsWhereTheTerrainIs) {
     auto* terrain = new ObjectTerrain();
     ASSERT_TRUE(terrain->load("data/PELMAR_PROJECT/terrain/coast.tif"));
     m_scene.addNode(terrain);
-    m_radar.setWgsPosition({-155.06, 19.74, 300});
+    constexpr double ALTITUDE = 3000; // hills hide nothing
+    m_radar.setWgsPosition({-155.06, 19.74, ALTITUDE});
     m_radar.setWgsHPR({205, 90, 0});
     drawAnew();
     int land = 0, sea = 0, wrong = 0;
@@ -348,8 +349,8 @@ TEST_F(RadarOf, LandReturnsWhereTheTerrainIs) {
             bool all_land = true, all_sea = true;
             for (const auto& [dx, dy] :
                  {std::pair(0.5, 0.5), {-1.0, -1.0}, {2.0, -1.0}, {-1.0, 2.0}, {2.0, 2.0}}) {
-                const dvec3 place =
-                    EllipsoidModel().toWGS(m_radar.getRayTo((x + dx) / SIZE, (y + dy) / SIZE, 300));
+                const dvec3 place = EllipsoidModel().toWGS(
+                    m_radar.getRayTo((x + dx) / SIZE, (y + dy) / SIZE, ALTITUDE));
                 double altitude = -100;
                 terrain->getAltitudeByLonLat(place.x, place.y, &altitude, nullptr);
                 all_land &= altitude > 4;
@@ -362,6 +363,27 @@ TEST_F(RadarOf, LandReturnsWhereTheTerrainIs) {
     EXPECT_GT(land, 100);
     EXPECT_GT(sea, 500);
     EXPECT_EQ(wrong, 0);
+}
+
+TEST_F(RadarOf, HillsHideWhatLiesBehindThem) {
+    auto* terrain = new ObjectTerrain();
+    ASSERT_TRUE(terrain->load("data/PELMAR_PROJECT/terrain/coast.tif"));
+    m_scene.addNode(terrain);
+    const auto landSeen = [&](double altitude) {
+        m_radar.setWgsPosition({-155.06, 19.74, altitude}); // off the island's coast
+        m_radar.setWgsHPR({205, 90, 0});
+        drawAnew();
+        return light();
+    };
+    auto* ship = new ObjectMesh(square(40)); // 15 km straight ahead, across the island
+    ship->setWgsPosition({-155.121, 19.617, 0});
+    ship->setWgsHPR({25, 90, 0});
+    m_scene.addNode(ship);
+    const double all = landSeen(3000);
+    EXPECT_GT(echo(SIZE / 2, SIZE / 8), 200);
+    EXPECT_LT(landSeen(100), 0.7 * all);
+    EXPECT_GT(light(), 0.1 * all); // the slopes on this side
+    EXPECT_LT(echo(SIZE / 2, SIZE / 8), 10);
 }
 
 // ------------------------------------------------------------------ when they are drawn

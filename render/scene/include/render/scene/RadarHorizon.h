@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ig/math/vec.h"
+
+#include <span>
+#include <vector>
+
+namespace ig {
+
+struct TerrainGrid;
+
+/// What hills, and the earth's own bend, hide from a radar: for each bearing and range the altitude
+/// below which it meets nothing. Rays are those of the usual air, which bends them as if the earth
+/// were a third larger.
+///
+/// Made anew when the radar has gone on by some metres.
+class RadarHorizon {
+public:
+    static constexpr int BEARINGS = 512, RANGES = 256;
+    static constexpr float REACH = 30000; ///< m; beyond, the last range counts
+    static constexpr float NONE = -10000; ///< m: all is met
+
+    /// `site`: longitude, latitude, altitude. Null: no ground, only the sea. True when it is
+    /// another one.
+    bool update(const TerrainGrid* grid, const dvec3& site);
+    /// Bearings from north over east in a row, ranges from the nearest; m.
+    std::span<const float> getMap() const { return m_lowest; }
+    /// At a place so many metres east and north of the radar.
+    float getLowest(vec2 place) const;
+
+private:
+    void look(const TerrainGrid& grid, int bearing);
+
+    const float* m_made_of = nullptr;
+    dvec3 m_site;
+    std::vector<float> m_lowest;
+};
+
+} // namespace ig
