@@ -279,6 +279,34 @@ const View VIEWS[] = {
          s.run(12);
          s.look(s.byFrigate(260, -60, 18), 235, -7);
      }},
+    {"night_lamp", // of the helicopter, over the edge of the pad in haze and light rain
+     [](Stage& s) {
+         s.helicopterNode("downdraught")->setEnabled(false);
+         s.setHour(0);
+         s.logic->setRain(0.3f);
+         s.picture.rain = 0.3f;
+         s.picture.visibility = 5000;
+         s.land();
+         s.flown.altitude = 22;
+         s.flown.rotor_speed = 265;
+         s.helicopterNode("front_proj")->setEnabled(true);
+         s.run(1);
+         s.lookAtHelicopter(-26, 8, 3);
+         s.rainAt({-155.06273, 19.71253, 26});
+         s.run(1);
+     }},
+    {"night_explosion",
+     [](Stage& s) {
+         s.logic->setRain(0);
+         s.picture.rain = 0;
+         s.world->getNodeByName("rain")->setEnabled(false);
+         s.picture.visibility = 60000;
+         s.land();
+         s.run(0.2);
+         s.logic->heli_explosion();
+         s.run(0.5);
+         s.look({-155.06235, 19.71232, 19}, 310, -8);
+     }},
 };
 
 std::vector<double> blockMeans(const std::uint8_t* pixels, int channels) {
