@@ -102,6 +102,22 @@ struct Stage : LogicScene {
         static_cast<ObjectOcean*>(world->getNodeByName("ocean"))
             ->setBeaufort(static_cast<float>(beaufort));
     }
+    /// The pilot's eye over the pad in rain and snow of that strength, so many m/s ahead.
+    void sitInWeather(float rain, float snow, double speed) {
+        setHour(12);
+        land();
+        picture.overcast = 1;
+        picture.cloud_darkness = 0.5f;
+        picture.cloud_cover = picture.flash = 0;
+        picture.visibility = 5000;
+        picture.rain = rain;
+        picture.snow = snow;
+        logic->setRain(rain);
+        run(0.2);
+        const dmat4& pose = helicopterNode("cam_first_player")->getWorldTransform();
+        eye.setTransform(pose);
+        picture.eye_velocity = normalize(pose.getZ()) * -speed;
+    }
     /// From so many metres east, north and up of it.
     void lookAtHelicopter(double east, double north, double up) {
         look({flown.longitude + east / 104800, flown.latitude + north / 110700,
@@ -130,6 +146,7 @@ struct Stage : LogicScene {
 struct View {
     const char* name;
     std::function<void(Stage&)> set;
+    int drawn_before = 0; ///< pictures, a step apart, for what goes from one to the next
 };
 
 // Each goes on from the one before.
@@ -307,6 +324,23 @@ const View VIEWS[] = {
          s.run(0.5);
          s.look({-155.06235, 19.71232, 19}, 310, -8);
      }},
+    {"wipers_in_rain",
+     [](Stage& s) {
+         s.logic->on_click_reset(nullptr, nullptr);
+         s.logic->setSnow(0);
+         s.helicopterNode("downdraught")->setEnabled(false);
+         s.eye.setPerspective(50, 16.0f / 9, 0.1, 1e7);
+         s.logic->on_click_heli_wiper(nullptr, nullptr);
+         s.sitInWeather(1, 0, 0);
+     },
+     20},
+    {"wipers_in_rain_at_speed", [](Stage& s) { s.sitInWeather(1, 0, 60); }, 20},
+    {"wipers_in_snow",
+     [](Stage& s) {
+         s.sitInWeather(0, 1, 0);
+         s.run(12);
+     },
+     20},
 };
 
 std::vector<double> blockMeans(const std::uint8_t* pixels, int channels) {
@@ -367,6 +401,10 @@ TEST(Golden, PicturesLookAsTheyDid) {
     Stage stage;
     for (const View& view : VIEWS) {
         view.set(stage);
+        for (int i = 0; i < view.drawn_before; i++) {
+            renderer.render(*stage.world, stage.eye, stage.picture);
+            stage.run(static_cast<double>(STEP));
+        }
         Picture picture;
         renderer.render(*stage.world, stage.eye, stage.picture);
         ASSERT_TRUE(renderer.readPicture(picture));

@@ -10,7 +10,7 @@ import math
 
 from .curves import airfoil, rounded_rectangle, superellipse, table, through
 from .markings import number
-from .mesh import Part, add, flipped_x, mirrored, normalize, sub
+from .mesh import Part, add, dot, flipped_x, mirrored, normalize, rounded, sub
 
 # y, top, half-width of the flat roof, radius of its edge, half-width at the belt (the windows'
 # sill), heights of belt, waist and chine, bottom.
@@ -142,11 +142,31 @@ def skin():
 
 
 def pane(name):
-    """The glass of one name, set a little inside the frames."""
+    """The glass of one name, set a little inside the frames. The first texture coordinate is the
+    distance from the pane's edge."""
     part = Part(name)
     part.loft([ring(y, 0.012) for y in STATIONS],
               lambda i, j: "glass" if opening(i, j) == name else None, close=False)
+    rims = borders(part)
+    for number, (_, corners) in enumerate(part.triangles):
+        part.places[number] = tuple((min(apart(p, *rim) for rim in rims), 0.0) for p in corners)
     return part
+
+
+def borders(part):
+    """The edges that only one triangle has, as pairs of points."""
+    edges = {}
+    for _, corners in part.triangles:
+        for a, b in zip(corners, corners[1:] + corners[:1]):
+            edges.setdefault(frozenset((rounded(a), rounded(b))), []).append((a, b))
+    return [sides[0] for sides in edges.values() if len(sides) == 1]
+
+
+def apart(p, a, b):
+    """Distance of a point from the line between two others."""
+    along, to = sub(b, a), sub(p, a)
+    t = max(0.0, min(1.0, dot(to, along) / dot(along, along)))
+    return round(math.dist(to, tuple(t * v for v in along)), 4)
 
 
 def reveals(part, material, inset):

@@ -13,7 +13,7 @@ in vec3 vOwn;
 in float vHillTop;
 uniform vec4 uColor;      // w: opacity
 uniform vec4 uSurface;    // roughness, metalness, emission, width over which paint frays, m
-uniform vec4 uCover;      // wetness, ice, rain on glass, wiper
+uniform vec4 uCover;      // wetness, ice, rain on glass
 uniform vec4 uPaving;     // slab's edges along x and y, m; half a joint, m; spread of tones
 uniform sampler2D uNoise;
 out vec4 oColor;
@@ -83,19 +83,6 @@ float blades() {
 }
 #endif
 
-#ifdef GLASS
-// Drops that run down a pane: tilts the normal and scatters light.
-vec3 rainOnGlass(vec3 normal, inout float opacity) {
-    vec2 cell = vOwn.xz * 34.0 + vec2(0.0, uTime.x * (0.6 + 0.8 * uCover.w));
-    vec2 id = floor(cell), within = fract(cell) - 0.5;
-    float there = step(1.0 - 0.75 * uCover.z * (1.0 - 0.7 * uCover.w), hash(id));
-    float drop = there * smoothstep(0.42, 0.1, length(within));
-    opacity = mix(opacity, max(opacity, 0.45), drop * 0.8);
-    opacity = max(opacity, 0.25 * uCover.z * (1.0 - uCover.w));
-    return normalize(normal + drop * vec3(within.x, within.y, 0.0) * 2.0);
-}
-#endif
-
 void main() {
     float range = length(vPosition);
     vec3 toEye = -vPosition / range;
@@ -105,7 +92,7 @@ void main() {
     float opacity = uColor.a, rough = uSurface.x, metal = uSurface.y;
     float soaked = uCover.x;
 #ifdef GLASS
-    if (uCover.z > 0.0) normal = rainOnGlass(normal, opacity);
+    opacity = max(opacity, 0.25 * uCover.z); // what is wet scatters; glass.frag shows drops nearby
 #endif
 #ifdef TEXTURED
     albedo *= picture();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "MeshPass.h"
 
+#include "GlassPass.h"
 #include "SkyPass.h"
 #include "ig/scene/Mesh.h"
 #include "render/scene/HillShadows.h"
@@ -22,6 +23,7 @@ struct Vertex {
     vec2 place;
 };
 
+constexpr float UNKNOWN_RIM = 0.2f; ///< m from the edge that all of a pane counts as
 constexpr int PURGE_INTERVAL = 120; ///< frames between two looks for meshes that nobody holds
 
 } // namespace
@@ -38,6 +40,10 @@ void MeshPass::init() {
     for (int i = 0; i < NUM_LIT; i++)
         m_lit_programs[i].start("shadow.glsl mesh.vert", "shadow.glsl lights.glsl mesh.frag",
                                 std::string(variants[i]) + " LIGHTS");
+    const char* const covers[] = {"", "RAINY", "SNOWY"}; // as PaneCover counts
+    static_assert(std::size(covers) == NUM_COVERS);
+    for (int i = 0; i < NUM_COVERS; i++)
+        m_pane_programs[i].start("glass.vert", "glass.frag", covers[i]);
     m_depth_program.start("shadow.vert", "shadow.frag");
 }
 
@@ -104,6 +110,7 @@ void MeshPass::upload(const SceneList& list, const ShadowCasters& casters, const
     m_instances.clear();
     addBatches(list.opaque, m_opaque, light);
     addBatches(list.transparent, m_transparent, light);
+    addBatches(list.panes, m_panes, light);
     addCasters(casters);
     // Near ones first, so that what they hide is not shaded. Where surfaces touch, the first drawn
     // shows: among equals that of the scene.
@@ -133,7 +140,7 @@ void MeshPass::addBatches(const std::vector<MeshItem>& items, std::vector<Batch>
     for (const MeshItem& item : items) {
         const MeshItem* last = batches.empty() ? nullptr : batches.back().item;
         if (last && last->mesh->get() == item.mesh->get() && last->surface == item.surface &&
-            last->look == item.look) {
+            last->look == item.look && last->cover == item.cover) {
             batches.back().count++;
             batches.back().distance = std::min(batches.back().distance, item.distance);
             batches.back().lit = batches.back().lit || isLit(item, light.lights);
@@ -201,7 +208,7 @@ MeshPass::Shading MeshPass::choose(const SurfaceLook& look) {
 void MeshPass::setLook(gl::Program& program, const SurfaceLook& look, bool has_places) {
     program.set("uColor", look.color);
     program.set("uSurface", vec4(look.roughness, look.metalness, look.emission, look.paint));
-    program.set("uCover", vec4(look.wetness, look.ice, look.rain, look.wiper));
+    program.set("uCover", vec4(look.wetness, look.ice, std::max(look.rain, 0.0f), 0));
     program.set("uPaving", look.paving);
     const Shading shading = choose(look);
     if (shading == ROTOR) program.set("uRotor", look.rotor);
@@ -233,11 +240,39 @@ void MeshPass::drawOpaque() {
 }
 
 void MeshPass::drawTransparent() {
+    beginTransparent();
+    draw(m_transparent);
+    endTransparent();
+}
+
+void MeshPass::drawPanes(const GlassPass& glass) {
+    beginTransparent();
+    const gl::Program* used = nullptr;
+    for (const Batch& batch : m_panes) {
+        gl::Program& program = m_pane_programs[static_cast<int>(batch.item->cover)];
+        if (&program != used) {
+            program.use();
+            glass.bind(program);
+        }
+        used = &program;
+        setLook(program, batch.item->look, false);
+        program.set("uRim", batch.getRange().has_places ? 0.0f : UNKNOWN_RIM);
+        program.set("uMiddle", vec3(batch.mesh->mesh->getBounds().center));
+        if (batch.item->look.two_sided) glDisable(GL_CULL_FACE);
+        drawInstances(*batch.mesh, batch.getRange(), batch.first, batch.count);
+        if (batch.item->look.two_sided) glEnable(GL_CULL_FACE);
+    }
+    endTransparent();
+}
+
+void MeshPass::beginTransparent() {
     glEnable(GL_BLEND);
     glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     glDepthMask(GL_FALSE);
     glEnable(GL_CULL_FACE);
-    draw(m_transparent);
+}
+
+void MeshPass::endTransparent() {
     glDisable(GL_CULL_FACE);
     glDepthMask(GL_TRUE);
     glDisable(GL_BLEND);

@@ -9,6 +9,7 @@
 
 namespace ig {
 
+class GlassPass;
 class HillShadows;
 class LightList;
 class SkyPass;
@@ -30,6 +31,8 @@ public:
     void upload(const SceneList& list, const ShadowCasters& casters, const Light& light);
     void drawOpaque();
     void drawTransparent();
+    /// Panes around the eye, last of all, with what lies on them.
+    void drawPanes(const GlassPass& glass);
     /// Depth only: the items of one of the jobs.
     void drawCasters(const ShadowCasters::Job& job);
 
@@ -74,6 +77,7 @@ private:
     enum Shading { PLAIN, TEXTURED, PAVED, SOAKED, PAINTED, DECAL, GLASS, ROTOR, NUM_SHADINGS };
     static constexpr int NUM_LIT = GLASS;
     static Shading choose(const SurfaceLook& look);
+    static constexpr int NUM_COVERS = 3; ///< of panes
 
     const DeviceMesh& find(const std::shared_ptr<const Mesh>& mesh);
     void fill(DeviceMesh& device, const Mesh& mesh) const;
@@ -84,17 +88,20 @@ private:
     void drawInstances(const DeviceMesh& mesh, const DeviceMesh::Range& range, int first,
                        int count) const;
     void draw(const std::vector<Batch>& batches);
+    static void beginTransparent();
+    static void endTransparent();
     void setLook(gl::Program& program, const SurfaceLook& look, bool has_places);
     void purge();
 
     static bool isLit(const MeshItem& item, const LightList& lights);
 
     gl::Program m_programs[NUM_SHADINGS], m_lit_programs[NUM_LIT], m_depth_program;
+    gl::Program m_pane_programs[NUM_COVERS];
     TextureStore m_textures;
     gl::Buffer m_instance_buffer;
     std::unordered_map<const Mesh*, DeviceMesh> m_meshes;
     std::vector<Instance> m_instances;
-    std::vector<Batch> m_opaque, m_transparent;
+    std::vector<Batch> m_opaque, m_transparent, m_panes;
     std::vector<CasterBatch> m_casters; ///< in the order of the items
     int m_first_caster = 0;             ///< instance
     bool m_has_base_instance = false;   ///< a draw can tell its first instance

@@ -3,6 +3,7 @@
 
 #include "BeamPass.h"
 #include "GlObjects.h"
+#include "GlassPass.h"
 #include "GrassPass.h"
 #include "HeadlessContext.h"
 #include "HillMap.h"
@@ -125,6 +126,7 @@ struct RendererGL::Impl {
     DecalStore decals;
     BeamPass beams;
     SpritePass sprites;
+    GlassPass glass;
     WakePass wakes;
     UiPass ui;
     ViewportPass viewports;
@@ -196,6 +198,7 @@ bool RendererGL::Impl::initPasses() {
     grass.init();
     beams.init();
     sprites.init();
+    glass.init();
     wakes.init(software ? 384 : 512);
     ui.init();
     viewports.init();
@@ -295,11 +298,13 @@ void RendererGL::Impl::prepare(const World& world, const Camera& camera, const F
     const bool casts = placeShadows(frame);
     list.time = frame.time;
     list.left_out = camera.getType() == NODE_CAMERA_RADAR ? frame.focus : nullptr;
+    list.snow_on_glass = glass.isSnowy(frame);
     list.focus = frame.focus;
     list.gather(world, view, casts ? &*shadow_place : nullptr);
     if (rehearsal) addToList(*rehearsal);
     decals.gather(world, view, list);
     list.sort();
+    if (canvas == &targets) glass.update(list, view, frame);
     planShadows();
     gatherLights(frame);
     sprite_list.gather(view, frame, list.lamps, list.cables);
@@ -409,6 +414,8 @@ void RendererGL::Impl::drawScene(const World& world) {
     glBindFramebuffer(GL_FRAMEBUFFER, canvas->light_target.getId());
     sprites.draw(view, sprite_list.sprites, canvas->depth, !lights.lights.empty());
     clock.mark("sprites");
+    if (!list.panes.empty()) glass.draw(meshes, list, view, *canvas);
+    clock.mark("glass");
 }
 
 /// Light to picture: tone curve, edge filter, and where the scene is smaller than its picture, the
@@ -486,7 +493,7 @@ int shrink(int size) {
 /// By day in the rain, by night, from above the clouds, and then what the user interface shows.
 void RendererGL::Impl::rehearse(Rehearsal& r) {
     constexpr double LOW = 20, HIGH = 1000; // m, above the sea, above the clouds
-    constexpr int VIEWS = 3, PASSES = 11;
+    constexpr int VIEWS = 3, PASSES = 12;
     rehearsal = &r;
     r.steps = VIEWS * PASSES + 2;
     clock.at_mark = [this, &r] { step(r); };
@@ -572,6 +579,7 @@ void RendererGL::Impl::forget() {
     sky.forget();
     wakes.forget();
     ocean.forget();
+    glass.forget();
     shadow_place->forget();
     shadow_casters.forget();
 }

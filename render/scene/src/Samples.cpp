@@ -34,6 +34,12 @@ void Samples::addTo(SceneList& list) const {
         look.texture = &m_picture;
     });
     add([](SurfaceLook& look) { look.color.w = 0.5f; });
+    item.look.color.w = 0.5f;
+    item.look.rain = 1;
+    for (const PaneCover cover : {PaneCover::nothing, PaneCover::rain, PaneCover::snow}) {
+        item.cover = cover;
+        list.panes.push_back(item);
+    }
     add([](SurfaceLook& look) { look.rotor = {5, 0.3f, 4, 0}; });
 }
 

@@ -19,6 +19,8 @@ namespace ig {
 void SceneList::gather(const World& world, const FrameView& view, const ShadowPlace* shadows) {
     opaque.clear();
     transparent.clear();
+    panes.clear();
+    blades.clear();
     casters.clear();
     lamps.clear();
     lights.clear();
@@ -97,14 +99,17 @@ void SceneList::addMesh(const Node& node) {
     if (m_in_focus) maps &= 1;
     if (maps)
         addCaster(object, {&object.getMesh(), -1, &world, bounds.center, bounds.radius, maps});
-    if (!seen) return;
+    constexpr float BESIDE = 4; // m: what a wiper has wiped may be seen where it isn't
+    if (!seen && distance > BESIDE) return;
     MeshItem item{&object.getMesh(), 0, m_view->toFrame(world), distance, {}, {center, radius}};
     for (int i = 0; i < object.getNumSurfaces(); i++) {
         item.surface = i;
         item.look = SurfaceLook::read(object.getSurfaceMaterial(i));
         const Mesh::Surface& surface = object.getMesh()->getSurface(i);
         if (!item.look.texture && !surface.texture.empty()) item.look.texture = &surface.texture;
-        (item.look.isOpaque() ? opaque : transparent).push_back(item);
+        if (item.look.wipes > 0) addBlade(object, surface);
+        if (!seen) continue;
+        item.look.isOpaque() ? opaque.push_back(item) : addTransparent(item);
     }
 }
 
@@ -123,6 +128,43 @@ void SceneList::addCaster(const ObjectMesh& object, CasterItem item) {
     }
     for (item.surface = 0; item.surface < count; item.surface++)
         if (item.surface < surface || isOpaque(item.surface)) casters.push_back(item);
+}
+
+/// Panes that the eye is behind, or right before: from farther off no drop is to be told.
+void SceneList::addTransparent(MeshItem item) {
+    constexpr float REACH = 1.5f; // m from the mesh's sphere
+    const auto radius = static_cast<float>((*item.mesh)->getBounds().radius);
+    if (item.look.rain < 0 || item.distance > radius + REACH) {
+        transparent.push_back(item);
+        return;
+    }
+    if (snow_on_glass)
+        item.cover = PaneCover::snow;
+    else if (item.look.rain > 0)
+        item.cover = PaneCover::rain;
+    panes.push_back(item);
+}
+
+/// Its angle counts about its mesh's Z from a way that is fixed in its prefab: the prefab's X, or
+/// its Y where X is nearly the axis.
+void SceneList::addBlade(const ObjectMesh& object, const Mesh::Surface& surface) {
+    if (surface.positions.empty()) return;
+    float inner = surface.positions.front().y, outer = inner;
+    for (const vec3& p : surface.positions) {
+        inner = std::min(inner, p.y);
+        outer = std::max(outer, p.y);
+    }
+    const dmat4& pose = object.getWorldTransform();
+    const dvec3 axis = normalize(pose.getZ()), along = normalize(pose.getY());
+    const Node* prefab = object.getPrefabRoot();
+    const dmat4 carrier = prefab ? prefab->getWorldTransform() : dmat4();
+    const dvec3 x = normalize(carrier.getX());
+    const dvec3 from = std::abs(dot(x, axis)) < 0.9 ? x : normalize(carrier.getY());
+    const dvec3 ahead = normalize(from - axis * dot(from, axis)), aside = cross(axis, ahead);
+    blades.push_back({&object, vec3(m_view->toFrame(pose.getTranslate())),
+                      vec3(m_view->toFrameDirection(ahead)), vec3(m_view->toFrameDirection(aside)),
+                      static_cast<float>(std::atan2(dot(along, aside), dot(along, ahead))), inner,
+                      outer});
 }
 
 /// Pieces less than a pixel and a half thick would break up into dots, or vanish: they become
@@ -244,12 +286,13 @@ void SceneList::sort() {
         const auto key = batchKey(a), other = batchKey(b);
         return key != other ? key < other : a.order < b.order;
     };
-    for (std::vector<MeshItem>* items : {&opaque, &transparent})
+    for (std::vector<MeshItem>* items : {&opaque, &transparent, &panes})
         number(*items);
     std::sort(opaque.begin(), opaque.end(), by_batch);
-    std::sort(transparent.begin(), transparent.end(), [](const MeshItem& a, const MeshItem& b) {
-        return a.distance != b.distance ? a.distance > b.distance : a.order < b.order;
-    });
+    for (std::vector<MeshItem>* items : {&transparent, &panes})
+        std::sort(items->begin(), items->end(), [](const MeshItem& a, const MeshItem& b) {
+            return a.distance != b.distance ? a.distance > b.distance : a.order < b.order;
+        });
     std::sort(downdraughts.begin(), downdraughts.end(), [](const vec4& a, const vec4& b) {
         return std::hypot(a.x, a.y) < std::hypot(b.x, b.y);
     });

@@ -12,8 +12,8 @@ SurfaceLook SurfaceLook::read(const Material* material) {
     look.emission = readSlider(material, "emission", 0);
     look.wetness = readSlider(material, "wetness", 0);
     look.ice = readSlider(material, "ice", 0);
-    look.rain = readSlider(material, "rain_power", 0);
-    look.wiper = readSlider(material, "wiper", 0);
+    look.rain = readSlider(material, "rain_power", look.rain);
+    look.wipes = readSlider(material, "wipes", 0);
     look.two_sided = readSlider(material, "two_sided", 0) > 0.5f;
     look.paving = readValue(material, "paving", look.paving);
     look.rotor = readValue(material, "rotor", look.rotor);

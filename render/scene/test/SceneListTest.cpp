@@ -299,6 +299,54 @@ TEST_F(SceneListOf, EqualThingsAdjoinAndGlassGoesFarToNear) {
     EXPECT_EQ(list.opaque.data(), memory);
 }
 
+TEST_F(SceneListOf, PanesAroundTheEyeAreToldFromOtherGlass) {
+    const auto add = [this](double ahead, const char* tag, float rain) {
+        addCard(ahead, 0, 0.3f);
+        materials.back()->addSlider(tag, rain);
+    };
+    add(1, "rain_power", 0);
+    add(2, "rain_power", 0.5f);
+    add(5, "rain_power", 0.5f); // drops are too small to be told
+    add(1, "rain", 1);          // none that rain falls on
+    gather();
+    ASSERT_EQ(list.panes.size(), 2U);
+    EXPECT_EQ(list.panes[0].cover, PaneCover::rain);
+    EXPECT_EQ(list.panes[1].cover, PaneCover::nothing);
+    EXPECT_EQ(list.transparent.size(), 2U);
+    list.snow_on_glass = true;
+    gather();
+    EXPECT_EQ(list.panes.at(0).cover, PaneCover::snow);
+    EXPECT_EQ(list.panes.at(1).cover, PaneCover::snow);
+}
+
+TEST_F(SceneListOf, ABladesAngleCountsFromItsCarrier) {
+    WorkingFolder folder;
+    folder.write("lip.mat", "parameters: {wipes: 1}\n");
+    folder.write("lip.obj", "o lip\nv -0.1 0.2 0\nv 0.1 0.2 0\nv 0 0.7 0\nf 1 2 3\n");
+    folder.write(
+        "cab.prefab",
+        "node: {children: [{position: [1, 2, 0], rotation: [0, 0, -90], children: [{name: "
+        "arm, children: [{type: mesh, mesh: lip.obj, surfaces: [{material: lip.mat}]}]}]}]}\n");
+    auto* cab = place(new ObjectPrefab("cab.prefab"), 10);
+    Node* const arm = cab->getNodeByName("arm"); // along the cab's X
+    for (const double turn : {0.0, 30.0, -50.0}) {
+        cab->setTransform(cab->getTransform() *
+                          dmat4(dquat(dvec3(1, 2, 3), turn), dvec3(0.3, 0, 0)));
+        arm->setRotation(dquat(dvec3(0, 0, 1), turn));
+        gather();
+        ASSERT_EQ(list.blades.size(), 1U);
+        const BladeItem& blade = list.blades[0];
+        EXPECT_NEAR(blade.angle * RAD_TO_DEG<float>, turn, 1e-3);
+        EXPECT_NEAR(blade.inner, 0.2, 1e-6);
+        EXPECT_NEAR(blade.outer, 0.7, 1e-6);
+        const dmat4& pose = cab->getWorldTransform();
+        const auto at = [&](const dvec3& p) { return vec3(view.toFrame(pose * p)); };
+        EXPECT_LT(length(blade.pivot - at({1, 2, 0})), 1e-3f);
+        EXPECT_LT(length(blade.pivot + blade.ahead - at({2, 2, 0})), 1e-3f);
+        EXPECT_LT(length(blade.pivot + blade.aside - at({1, 3, 0})), 1e-3f);
+    }
+}
+
 TEST_F(SceneListOf, EveryPrefabBlowsOnTheSeaAsItsFileSays) {
     WorkingFolder folder;
     folder.write("large.prefab", "node: {type: downdraught, radius: 9.5}\n");

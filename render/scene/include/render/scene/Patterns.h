@@ -27,4 +27,9 @@ Pattern makeCloudPattern();
 /// cloud. Rows from the bottom: two of puffs, one of flames, one of drops.
 Pattern makePuffPattern();
 
+/// Drops of all sizes scattered without seam: red and green tilt of the surface along u and v,
+/// halved, 0.5 being level; blue height, 1 in a drop's middle and 0 at its edge and between; alpha
+/// the drop's own number, 0 to 1.
+Pattern makeDropPattern();
+
 } // namespace ig

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ig/scene/Mesh.h"
 #include "render/scene/FrameView.h"
 #include "render/scene/ShadowCasters.h"
 #include "render/scene/SurfaceLook.h"
@@ -11,7 +12,6 @@
 namespace ig {
 
 class DecalOrtho;
-class Mesh;
 class Node;
 class NodeDowndraught;
 class NodeField;
@@ -23,6 +23,9 @@ class ObjectRope;
 class ObjectTerrain;
 class World;
 
+/// What lies on a pane around the eye.
+enum class PaneCover { nothing, rain, snow };
+
 /// One surface of a mesh to be drawn.
 struct MeshItem {
     const std::shared_ptr<const Mesh>* mesh; ///< the object's own; valid in this frame
@@ -30,8 +33,18 @@ struct MeshItem {
     mat4 transform; ///< mesh to E
     float distance; ///< of the object's middle from the eye, m
     SurfaceLook look;
-    vec4 bounds;   ///< sphere of the object in E; w: radius, m
+    vec4 bounds;                          ///< sphere of the object in E; w: radius, m
+    PaneCover cover = PaneCover::nothing; ///< of those in `SceneList::panes`
     int order = 0; ///< in which it came into its list; settles what else would be any
+};
+
+/// A wiper's blade, which turns about a fixed axis and lies on the glass.
+struct BladeItem {
+    const Node* node;
+    vec3 pivot;         ///< E
+    vec3 ahead, aside;  ///< E, unit: where it points at angle 0 and after a quarter of a turn
+    float angle;        ///< rad
+    float inner, outer; ///< where it begins and ends, m from the pivot
 };
 
 /// A lamp that is seen itself.
@@ -76,13 +89,17 @@ public:
     /// has been added.
     void sort();
 
-    double time = 0;                ///< set before `gather`: the scene's, by which lamps flash, s
-    const Node* left_out = nullptr; ///< set before `gather`: with all below it; null: none
-    /// Likewise: what it carries casts into the first shadow map alone, which goes with it.
+    // Set before `gather`.
+    double time = 0;                ///< the scene's, by which lamps flash, s
+    const Node* left_out = nullptr; ///< with all below it; null: none
+    /// What it carries casts into the first shadow map alone, which goes with it.
     const Node* focus = nullptr;
+    bool snow_on_glass = false; ///< of panes around the eye
 
     std::vector<MeshItem> opaque;      ///< equal mesh, surface, look adjoin, as they came
     std::vector<MeshItem> transparent; ///< far to near
+    std::vector<MeshItem> panes;       ///< glass that rain falls on, around the eye, far to near
+    std::vector<BladeItem> blades;     ///< of wipers
     std::vector<CasterItem> casters;   ///< opaque ones, in the scene's order
     std::vector<LampItem> lamps;
     std::vector<LightItem>
@@ -100,6 +117,8 @@ private:
     void addDecal(const DecalOrtho& decal);
     void addCable(const ObjectRope& rope);
     void addMesh(const Node& node);
+    void addTransparent(MeshItem item);
+    void addBlade(const ObjectMesh& object, const Mesh::Surface& surface);
     void addCaster(const ObjectMesh& object, CasterItem item);
     void addLamp(const ObjectLight& light);
     void addDowndraught(const NodeDowndraught& wind);

@@ -27,6 +27,7 @@ constexpr float CLOUD_FRAY = 0.2f;     ///< how far heaps move the clouds' edges
 constexpr float CLOUD_THICKEST = 1.1f; ///< of the field, heaps laid on: clouds reach their tops
 constexpr float CLOUD_RISE = 384;      ///< m, over which the clouds' slopes are taken
 constexpr float GLOW_G = 0.76f;        ///< how much hazy air scatters forwards
+constexpr int MOST_BLADES = 2;         ///< of wipers, at once
 constexpr float DOWNWASH_REACH = 4.5f; ///< of rings in the water, radii of the downdraught
 constexpr float SUN_IRRADIANCE = 20;   ///< above the air
 /// Irradiance of 1 lx from a lamp by night, which is drawn brighter than it is: its moonlight has

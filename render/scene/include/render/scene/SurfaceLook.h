@@ -9,7 +9,9 @@ namespace ig {
 struct SurfaceLook {
     vec4 color{0.6f, 0.6f, 0.6f, 1}; ///< linear; w: opacity
     float roughness = 0.8f, metalness = 0, emission = 0;
-    float wetness = 0, ice = 0, rain = 0, wiper = 0; ///< 0 to 1
+    float wetness = 0, ice = 0; ///< 0 to 1
+    float rain = -1;            ///< drops on glass, 0 to 1; negative: none are ever to be seen
+    float wipes = 0;            ///< above 0: a wiper's blade, along its mesh's Y from the axis Z
     bool two_sided = false;
     vec4 paving;      ///< slab's edges along X and Y, m, half a joint, m, spread of tones; 0: none
     float paint = -1; ///< width over which paint frays, m; negative: no paint
