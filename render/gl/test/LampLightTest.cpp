@@ -38,7 +38,7 @@ public:
     /// Of the middle, where the lamp points, and beside it.
     std::pair<int, int> drawWall() {
         draw();
-        return {brightness(0.5, 0.5), brightness(0.85, 0.5)};
+        return {brightness(0.5, 0.5), brightness(0.6, 0.5)};
     }
 
     ObjectMesh* wall = nullptr;
