@@ -24,7 +24,7 @@ public:
     }
     /// The wiper goes to that angle, evenly.
     void advance(double seconds, float to = 0) {
-        constexpr int STEPS = 20;
+        constexpr int STEPS = 5; // as coarse as frames are
         const float from = blades[0].angle;
         for (int i = 1; i <= STEPS; i++) {
             frame.time += seconds / STEPS;

@@ -345,6 +345,10 @@ TEST_F(SceneListOf, ABladesAngleCountsFromItsCarrier) {
         EXPECT_LT(length(blade.pivot + blade.ahead - at({2, 2, 0})), 1e-3f);
         EXPECT_LT(length(blade.pivot + blade.aside - at({1, 3, 0})), 1e-3f);
     }
+    place(new ObjectPrefab("cab.prefab"), -1); // out of view, but what it wiped may be in view
+    place(new ObjectPrefab("cab.prefab"), -10);
+    gather();
+    EXPECT_EQ(list.blades.size(), 2U);
 }
 
 TEST_F(SceneListOf, EveryPrefabBlowsOnTheSeaAsItsFileSays) {
