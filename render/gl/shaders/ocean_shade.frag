@@ -43,7 +43,7 @@ void main() {
 #endif
     vec3 light = uLight.rgb;
 #ifdef SHADOWS
-    light *= lightReaching(w.position);
+    light *= lightReachingOnce(w.position); // waves hide how soft its edge is
 #endif
     vec3 normal = normalize(vec3(-sea.slope, 1.0));
     float c = max(dot(normal, w.toEye), 0.02), sigma = sqrt(sea.variance);

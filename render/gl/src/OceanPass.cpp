@@ -24,12 +24,12 @@ enum { UNIT_DISPLACEMENT = gl::UNIT_FIRST_OWN, UNIT_RAISED = UNIT_DISPLACEMENT +
 enum { UNIT_WATER = gl::UNIT_FIRST_OWN, UNIT_SLOPE, UNIT_EFFECTS = UNIT_SLOPE + 4 };
 
 /// Of the programs that shade, by `OceanPass::Shade`.
-constexpr const char* SHADE_WORDS[] = {"WAKES DOWNWASH SHADOWS HILLS STORM LIGHTS",
-                                       "WAKES DOWNWASH SHADOWS HILLS",
+constexpr const char* SHADE_WORDS[] = {"WAKES DOWNWASH SHADOWS STORM LIGHTS",
+                                       "WAKES DOWNWASH SHADOWS",
                                        "WAKES DOWNWASH",
                                        "WAKES",
                                        "",
-                                       "WAKES DOWNWASH SHADOWS HILLS STORM",
+                                       "WAKES DOWNWASH SHADOWS STORM",
                                        "WAKES STORM"};
 /// Where something begins to show and has grown, by wind over the sea, m/s, or by the significant
 /// height, m: waves of a gale look like one though the wind has gone down.
@@ -38,6 +38,12 @@ struct Growth {
 };
 constexpr Growth GALE{{14, 19}, {3.6f, 5.5f}}, HURRICANE{{23, 33}, {8, 13}};
 
+/// Between levels of detail the sea's lace and streaks are as good as within one; clouds aren't.
+void filterNoise(GLint filter) {
+    glActiveTexture(GL_TEXTURE0 + gl::UNIT_NOISE);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, filter);
+}
+
 constexpr GLuint MARK = 1; ///< in the stencil, where the sea is what one sees
 constexpr int BLOCK = 31;  ///< cells of the grid along an edge whose vertices stay in the cache
 /// Above these altitudes (m) waves move from geometry into the surface's roughness.
@@ -45,9 +51,10 @@ constexpr double FLATTEN_FROM = 500, FLATTEN_TO = 950;
 
 } // namespace
 
-void OceanPass::init(int columns, int rows) {
-    m_columns = columns;
-    m_rows = rows;
+void OceanPass::init(bool quick) {
+    m_quick = quick;
+    m_columns = quick ? 96 : 320;
+    m_rows = quick ? 90 : 240;
     for (const auto& [fan, word] : {std::pair{&m_fan, ""}, std::pair{&m_raised_fan, "RAISED"}})
         fan->start("ocean.glsl ocean.vert", "ocean.glsl ocean.frag", word,
                    {{"uDisplacement0", UNIT_DISPLACEMENT},
@@ -340,6 +347,7 @@ void OceanPass::shadeAll(const Drawing& drawing) {
         gl::bindTexture(UNIT_SLOPE + i, m_tiles.getSlope(i));
     glBindVertexArray(m_empty.getId());
     glEnable(GL_SCISSOR_TEST);
+    filterNoise(m_quick ? GL_LINEAR_MIPMAP_NEAREST : GL_LINEAR_MIPMAP_LINEAR);
     const PictureRect downwash = findDownwash(drawing.view, drawing.frame, drawing.downdraughts);
     const bool all = drawing.view.everything, storm = findStorm(drawing.frame).x > 0;
     shade(LIT, findLit(drawing), drawing);
@@ -355,6 +363,7 @@ void OceanPass::shadeAll(const Drawing& drawing) {
     const bool still = drawing.wakes.getNear().empty && drawing.wakes.getFar().empty;
     if ((!storm && !still) || all) shade(WITH_WAKES, PictureRect::whole(), drawing);
     if ((!storm && still) || all) shade(OPEN, PictureRect::whole(), drawing);
+    filterNoise(GL_LINEAR_MIPMAP_LINEAR);
     glDisable(GL_SCISSOR_TEST);
 }
 

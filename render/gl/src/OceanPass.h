@@ -20,8 +20,8 @@ struct OceanFrame;
 /// shaded once.
 class OceanPass {
 public:
-    /// `columns` and `rows` of the fan of triangles.
-    void init(int columns, int rows);
+    /// `quick`: fewer triangles and looks, for a renderer without a graphics processor.
+    void init(bool quick);
 
     /// Brings the waves to the device when they have changed.
     void upload(const OceanFrame& frame) { m_tiles.upload(frame); }
@@ -62,6 +62,7 @@ private:
     void shade(Shade which, const PictureRect& rect, const Drawing& drawing);
     void shadeAll(const Drawing& drawing);
 
+    bool m_quick = false;
     int m_columns = 0, m_rows = 0, m_num_indices = 0;
     gl::Program m_fan, m_raised_fan, m_shades[NUM_SHADES];
     gl::VertexArray m_vertex_array, m_empty;

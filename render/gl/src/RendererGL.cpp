@@ -202,7 +202,7 @@ bool RendererGL::Impl::initPasses() {
     wakes.init(software ? 384 : 512);
     ui.init();
     viewports.init();
-    software ? ocean.init(96, 90) : ocean.init(320, 240);
+    ocean.init(software);
     hill_map.init();
     shadow_place.emplace(software ? 1024 : 2048);
     return gl::finishPrograms() && shadow.init(shadow_place->getSize());
