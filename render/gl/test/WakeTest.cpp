@@ -106,3 +106,22 @@ TEST_F(WakeOf, TheWaterIsHighAtTheStemAndLowHalfAWaveBehind) {
     steam(0);
     EXPECT_NEAR(level(-3, 1), 0, 0.02);
 }
+
+TEST_F(WakeOf, ParallelRaysShowItWhereItLies) {
+    constexpr double HALF_WIDTH = 400;
+    look(ALTITUDE, 0, 90); // straight down on the hull, north above
+    m_camera.setOrtho(HALF_WIDTH, HALF_WIDTH * HEIGHT / WIDTH, 1, 1000);
+    steam(7);
+    draw();
+    const auto brightest = [&](double east) { // over the track's width
+        double most = 0;
+        for (double north = -12; north <= 12; north += 4) {
+            const std::uint8_t* p = pixel(0.5 + east / (2 * HALF_WIDTH),
+                                          0.5 - north / (2 * HALF_WIDTH) * WIDTH / HEIGHT);
+            most = std::max(most, (p[0] + p[1] + p[2]) / 3.0);
+        }
+        return most;
+    };
+    for (const double astern : {-120.0, -160.0, -200.0})
+        EXPECT_GT(brightest(astern), brightest(-astern) + 20) << astern;
+}
