@@ -47,7 +47,7 @@ void main() {
     float dryness = textureLod(uNoise, aLook.yx / 2880.0, 0.0).y * 0.45 + textureLod(uNoise, aLook.xy / 720.0, 0.0).y * 0.35 + 0.05;
     vec3 turf = mix(uTurf * vec3(0.36, 0.40, 0.45), uTurf * vec3(0.92, 0.68, 0.98), smoothstep(0.2, 0.8, dryness + 0.3 * (chance - 0.5)));
     turf *= corner == 2 ? 1.35 : 0.75;
-    vec3 light = uLight.rgb * lightReachingOnce(foot + vec3(0.0, 0.0, 0.2));
+    vec3 light = uLight.rgb * cloudShade(foot) * lightReachingOnce(foot + vec3(0.0, 0.0, 0.2));
     float facing = max(uLightDirection.z, 0.0) * 0.75 + 0.2;
     vColor = turf * (uAmbient.rgb + light * facing / PI);
 #ifdef LIGHTS

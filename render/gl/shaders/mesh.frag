@@ -9,6 +9,7 @@ in vec3 vPosition;
 in vec3 vNormal;
 in vec2 vPlace;
 in vec3 vHaze;
+in float vSun;
 in vec3 vOwn;
 in float vHillTop;
 uniform vec4 uColor;      // w: opacity
@@ -119,7 +120,7 @@ void main() {
     albedo = mix(albedo * (1.0 - 0.5 * wet), vec3(0.62, 0.70, 0.76), ice * 0.8);
     rough = mix(mix(rough, 0.12, wet), 0.22, ice * 0.8);
 
-    vec3 light = uLight.rgb * lightReaching(vPosition + normal * 0.03);
+    vec3 light = uLight.rgb * vSun * lightReaching(vPosition + normal * 0.03);
     light *= 1.0 - hillShade(vHillTop - vPosition.z) * uLightDirection.w;
     vec3 toLight = uLightDirection.xyz;
     float facing = max(dot(normal, toLight), 0.0);

@@ -8,10 +8,12 @@ layout(location = 3) in vec4 aRow0;
 layout(location = 4) in vec4 aRow1;
 layout(location = 5) in vec4 aRow2;
 layout(location = 6) in vec4 aHaze;
+layout(location = 7) in float aSun; // share of the key light that clouds let through
 out vec3 vPosition;
 out vec3 vNormal;
 out vec2 vPlace;
 out vec3 vHaze;
+out float vSun;
 out vec3 vOwn; // in the mesh's own frame
 out float vHillTop;
 #ifdef TEXTURED
@@ -24,6 +26,7 @@ void main() {
                    dot(aRow2.xyz, aNormal.xyz));
     vPlace = aPlace;
     vHaze = aHaze.rgb;
+    vSun = aSun;
     vOwn = aPosition;
 #if defined(PAVED) || defined(SOAKED) || defined(PAINTED) || defined(DECAL) // wide ones
     vHillTop = vPosition.z + hillsAbove(vPosition);

@@ -41,7 +41,7 @@ void main() {
 #ifdef DOWNWASH
     torn_off = max(torn_off, addDownwash(w, sea));
 #endif
-    vec3 light = uLight.rgb;
+    vec3 light = uLight.rgb * cloudShade(w.position);
 #ifdef SHADOWS
     light *= lightReachingOnce(w.position); // waves hide how soft its edge is
 #endif

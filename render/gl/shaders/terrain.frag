@@ -7,6 +7,7 @@ in vec3 vNormal;
 in vec3 vPlace;
 in float vSlope;
 in vec4 vHaze;
+in float vSun;
 uniform sampler2D uNoise;
 uniform vec3 uTurf, uShore, uRock;
 uniform vec4 uGround; // shore height, rock slope, wetness, ice
@@ -53,7 +54,7 @@ void main() {
     float frost = uGround.w * smoothstep(0.15, 0.55, normal.z - 0.35 * vSlope + (fine.y - 0.5) * 0.3);
     albedo = mix(albedo * (1.0 - wet), vec3(0.62, 0.68, 0.74) * (0.85 + 0.15 * grain.x), frost * 0.85);
 
-    vec3 light = uLight.rgb * lightReaching(vPosition + normal * 0.05);
+    vec3 light = uLight.rgb * vSun * lightReaching(vPosition + normal * 0.05);
     vec3 ambient = uAmbient.rgb * mix(vec3(0.35), vec3(1.0), normal.z * 0.5 + 0.5);
     vec3 color = albedo * (ambient + light * max(dot(normal, uLightDirection.xyz), 0.0) / PI);
 #ifdef LIGHTS

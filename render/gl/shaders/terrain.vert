@@ -9,6 +9,7 @@ out vec3 vNormal;
 out vec3 vPlace;  // east, north in the noise's period; altitude
 out float vSlope; // rise over run
 out vec4 vHaze;   // w: clearness of the air
+out float vSun;   // share of the key light that clouds let through
 void main() {
     vec4 p = vec4(aPosition, 1.0);
     vPosition = vec3(dot(uRow0, p), dot(uRow1, p), dot(uRow2, p));
@@ -16,5 +17,6 @@ void main() {
     vPlace = vec3(aPosition.xy + uPatch, aAltitude);
     vSlope = length(aNormal.xy) / max(aNormal.z, 0.05);
     vHaze = vec4(hazeColor(vPosition.xy), clearness(vPosition));
+    vSun = cloudShade(vPosition);
     gl_Position = uProjection * vec4(mat3(uView) * vPosition, 1.0);
 }

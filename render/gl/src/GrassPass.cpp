@@ -50,8 +50,8 @@ struct Lattice {
 } // namespace
 
 void GrassPass::init() {
-    m_program.start("shadow.glsl grass.vert", "grass.frag");
-    m_lit_program.start("shadow.glsl lights.glsl grass.vert", "grass.frag", "LIGHTS");
+    m_program.start("cloudshade.glsl shadow.glsl grass.vert", "grass.frag");
+    m_lit_program.start("cloudshade.glsl shadow.glsl lights.glsl grass.vert", "grass.frag", "LIGHTS");
     m_buffer.create();
     m_vertex_array.create();
     glBindVertexArray(m_vertex_array.getId());

@@ -81,9 +81,9 @@ void MeshPass::fill(DeviceMesh& device, const Mesh& mesh) const {
                           reinterpret_cast<const void*>(offsetof(Vertex, normal)));
     glVertexAttribPointer(2, 2, GL_FLOAT, GL_FALSE, STRIDE,
                           reinterpret_cast<const void*>(offsetof(Vertex, place)));
-    for (GLuint i = 0; i < 7; i++)
+    for (GLuint i = 0; i < 8; i++)
         glEnableVertexAttribArray(i);
-    for (GLuint i = 3; i < 7; i++)
+    for (GLuint i = 3; i < 8; i++)
         glVertexAttribDivisor(i, 1);
     pointToInstances(0);
 }
@@ -95,6 +95,9 @@ void MeshPass::pointToInstances(int first) const {
         glVertexAttribPointer(
             3 + i, 4, GL_FLOAT, GL_FALSE, sizeof(Instance),
             reinterpret_cast<const void*>(first * sizeof(Instance) + i * sizeof(vec4)));
+    glVertexAttribPointer(
+        7, 1, GL_FLOAT, GL_FALSE, sizeof(Instance),
+        reinterpret_cast<const void*>(first * sizeof(Instance) + offsetof(Instance, sun)));
 }
 
 void MeshPass::purge() {
@@ -126,12 +129,13 @@ bool MeshPass::isLit(const MeshItem& item, const LightList& lights) {
     return choose(item.look) < NUM_LIT && lights.reach(item.bounds.xyz(), item.bounds.w);
 }
 
-MeshPass::Instance MeshPass::toInstance(const mat4& transform, const vec4& haze) {
+MeshPass::Instance MeshPass::toInstance(const mat4& transform, const vec4& haze, float sun) {
     const auto& c = transform.columns;
     return {{{c[0].x, c[1].x, c[2].x, c[3].x},
              {c[0].y, c[1].y, c[2].y, c[3].y},
              {c[0].z, c[1].z, c[2].z, c[3].z}},
-            haze};
+            haze,
+            sun};
 }
 
 void MeshPass::addBatches(const std::vector<MeshItem>& items, std::vector<Batch>& batches,
@@ -150,9 +154,10 @@ void MeshPass::addBatches(const std::vector<MeshItem>& items, std::vector<Batch>
         }
         const vec3 place = item.transform.getTranslate();
         const vec3 middle = item.bounds.xyz();
-        m_instances.push_back(
-            toInstance(item.transform, {light.sky.getHaze({place.x, place.y}),
-                                        middle.z + light.hills.getAbove(middle)}));
+        m_instances.push_back(toInstance(
+            item.transform,
+            {light.sky.getHaze({place.x, place.y}), middle.z + light.hills.getAbove(middle)},
+            light.sky.getCloudShade(middle)));
     }
 }
 
@@ -175,7 +180,7 @@ void MeshPass::addCasters(const ShadowCasters& casters) {
                                      static_cast<int>(m_instances.size()), 1});
             }
             last = &item;
-            m_instances.push_back(toInstance(item.transform, {}));
+            m_instances.push_back(toInstance(item.transform, {}, 1));
         }
     }
 }

@@ -69,8 +69,9 @@ private:
     struct Instance {
         vec4 rows[3];
         vec4 haze;
+        float sun;
     };
-    static Instance toInstance(const mat4& transform, const vec4& haze);
+    static Instance toInstance(const mat4& transform, const vec4& haze, float sun);
 
     /// Ways to shade, one program each: what a surface doesn't need, no pixel of it pays for.
     /// Lamps and fires light the first ones, by further programs.

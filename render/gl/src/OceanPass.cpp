@@ -62,18 +62,19 @@ void OceanPass::init(bool quick) {
                     {"uDisplacement2", UNIT_DISPLACEMENT + 2},
                     {"uRaised", UNIT_RAISED}});
     for (int i = 0; i < NUM_SHADES; i++)
-        m_shades[i].start("ocean_shade.vert",
-                          "shadow.glsl ocean.glsl ocean_waves.glsl ocean_effects.glsl "
-                          "ocean_light.glsl ocean_storm.glsl lights.glsl ocean_lamps.glsl "
-                          "ocean_foam.glsl ocean_shade.frag",
-                          SHADE_WORDS[i],
-                          {{"uWater", UNIT_WATER},
-                           {"uSlope0", UNIT_SLOPE},
-                           {"uSlope1", UNIT_SLOPE + 1},
-                           {"uSlope2", UNIT_SLOPE + 2},
-                           {"uSlope3", UNIT_SLOPE + 3},
-                           {"uEffects", UNIT_EFFECTS},
-                           {"uFarEffects", UNIT_EFFECTS + 1}});
+        m_shades[i].start(
+            "ocean_shade.vert",
+            "cloudshade.glsl shadow.glsl ocean.glsl ocean_waves.glsl ocean_effects.glsl "
+            "ocean_light.glsl ocean_storm.glsl lights.glsl ocean_lamps.glsl "
+            "ocean_foam.glsl ocean_shade.frag",
+            SHADE_WORDS[i],
+            {{"uWater", UNIT_WATER},
+             {"uSlope0", UNIT_SLOPE},
+             {"uSlope1", UNIT_SLOPE + 1},
+             {"uSlope2", UNIT_SLOPE + 2},
+             {"uSlope3", UNIT_SLOPE + 3},
+             {"uEffects", UNIT_EFFECTS},
+             {"uFarEffects", UNIT_EFFECTS + 1}});
     m_empty.create();
     makeGrid();
 }

@@ -5,6 +5,7 @@
 #include "ig/math/quat.h"
 #include "render/scene/ShaderConstants.h"
 #include "render/scene/SkyLight.h"
+#include "render/scene/remainders.h"
 
 #include <algorithm>
 #include <cmath>
@@ -126,14 +127,16 @@ void SkyPass::fillAir(const FrameView& view, const FrameInfo& frame, FrameBlock&
     constexpr float CLEAR_AIR = 8e-5f; // what the scattering itself shows already
     block.air = {1 / scale_height, std::exp(-altitude / scale_height), altitude,
                  std::sqrt(2 * std::max(altitude, 1.0f) / static_cast<float>(EARTH_RADIUS))};
-    extinction += m_clouds.within * static_cast<float>(3.912 / CLOUD_VISIBILITY) / block.air.y;
+    // What one sees thins out by factors: a cloud's fog sets in slowly.
+    const float fog = m_clouds.within * m_clouds.within * m_clouds.within;
+    extinction += fog * static_cast<float>(3.912 / CLOUD_VISIBILITY) / block.air.y;
     block.ambient.w = extinction;
     block.sky.w = std::max(extinction - CLEAR_AIR, 0.0f) * scale_height;
     block.weather = {frame.rain, frame.snow, frame.cloud_cover,
                      std::max(m_clouds.closed * m_clouds.above, m_clouds.within)};
 }
 
-void SkyPass::fillClouds(const FrameInfo& frame, FrameBlock& block) const {
+void SkyPass::fillClouds(const FrameInfo& frame, FrameBlock& block) {
     const Clouds& c = m_clouds;
     block.cloud_place = {c.place.x, c.place.y, 1 / CLOUD_PERIOD,
                          static_cast<float>(1 / (2 * EARTH_RADIUS))};
@@ -150,7 +153,7 @@ void SkyPass::fillClouds(const FrameInfo& frame, FrameBlock& block) const {
     const vec3 sky = vec3(0.56f, 0.68f, 0.88f) * dusk + night * 1.5f;
     const float grey = 0.16f * (light.x + light.y + light.z) / 3 + 0.75f * dusk;
     const vec3 closed =
-        (vec3(0.93f, 0.97f, 1) * grey + night * 0.8f) * ((1 - 0.9f * c.darkness) / 2.2f);
+        (vec3(0.93f, 0.97f, 1) * grey + night * 0.8f) * ((1 - 0.95f * c.darkness) / 2.2f);
     block.cloud_sky = {sky, c.darkness};
     block.cloud_haze = {(light * 0.08f + sky * 0.85f) * (1 - c.closed) + closed * c.closed,
                         std::lerp(0.25f * c.cover, 1.0f, c.closed) * std::max(c.above, c.within)};
@@ -158,9 +161,25 @@ void SkyPass::fillClouds(const FrameInfo& frame, FrameBlock& block) const {
     const vec3 towards = block.light_direction.xyz();
     const float height = std::max(towards.z, LOWEST_SHADOW);
     const float taken = std::lerp(1 - LET_THROUGH, 1.0f, smoothStep(0.5f, 1, c.cover)) *
-                        smoothStep(LOWEST_SHADOW, 3 * LOWEST_SHADOW, towards.z);
+                        smoothStep(LOWEST_SHADOW, 3 * LOWEST_SHADOW, towards.z) *
+                        (c.cover > 0 ? 1.0f : 0.0f);
     block.cloud_shade = {towards.x / height, towards.y / height, taken,
                          static_cast<float>(frame.cloud_base)};
+    m_shade = block.cloud_shade;
+    m_altitude = block.air.z;
+}
+
+/// As cloudshade.glsl has it.
+float SkyPass::getCloudShade(const vec3& place) const {
+    if (m_shade.z <= 0) return 1;
+    const float below = m_shade.w - (place.z + m_altitude);
+    const auto along = [&](float from, float step, float at) {
+        return fraction(double{from + (at + step * std::max(below, 0.0f)) / CLOUD_PERIOD});
+    };
+    const vec2 shaded_by{along(m_clouds.place.x, m_shade.x, place.x),
+                         along(m_clouds.place.y, m_shade.y, place.y)};
+    return 1 - m_shade.z * m_layer.getDensity(shaded_by, 0, m_clouds.cover) *
+                   smoothStep(-m_clouds.thickness, 0, below);
 }
 
 void SkyPass::fillExposure(FrameBlock& block) const {
@@ -170,7 +189,7 @@ void SkyPass::fillExposure(FrameBlock& block) const {
                                                   std::max(block.light_direction.z, 0.0f) / PI;
     const float gain = std::pow(CLEAR_LUMINANCE / std::max(ground, 1e-4f), 0.66f);
     block.light.w = CLEAR_EXPOSURE *
-                    (1 - (0.3f * m_clouds.closed + 0.25f * m_clouds.darkness) * m_clouds.above) *
+                    (1 - (0.3f * m_clouds.closed + 0.33f * m_clouds.darkness) * m_clouds.above) *
                     std::clamp(gain, 0.6f, 300.0f);
 }
 

@@ -32,6 +32,8 @@ public:
 
     /// Colour of what is far away in a direction of E (any length).
     vec3 getHaze(vec2 direction) const { return m_haze.get(direction) * m_gain; }
+    /// Share of the key light that clouds let through to a place of E.
+    float getCloudShade(const vec3& place) const;
 
 private:
     /// The clouds as this frame's eye sees them.
@@ -50,7 +52,7 @@ private:
     Clouds lookAtClouds(const FrameView& view, const FrameInfo& frame) const;
     void fillLight(const FrameView& view, const FrameInfo& frame, FrameBlock& block);
     void fillAir(const FrameView& view, const FrameInfo& frame, FrameBlock& block) const;
-    void fillClouds(const FrameInfo& frame, FrameBlock& block) const;
+    void fillClouds(const FrameInfo& frame, FrameBlock& block);
     void fillExposure(FrameBlock& block) const;
     int chooseBackground(const FrameView& view) const;
 
@@ -64,8 +66,10 @@ private:
     // Of the eye that is drawn for.
     Clouds m_clouds;
     HazeColor m_haze;
-    float m_gain = 1;   ///< lightning
-    vec3 m_sun, m_moon; ///< towards them, E
+    vec4 m_shade;         ///< as in the frame block
+    float m_altitude = 0; ///< of the eye, m
+    float m_gain = 1;     ///< lightning
+    vec3 m_sun, m_moon;   ///< towards them, E
     bool m_starry = false, m_hazy = false, m_flashes = false;
 };
 

@@ -60,9 +60,10 @@ std::vector<std::uint16_t> triangulate(const std::vector<char>& has_data, int ed
 } // namespace
 
 void TerrainPass::init() {
-    m_program.start("terrain.vert", "shadow.glsl terrain.frag");
-    m_lit_program.start("terrain.vert", "shadow.glsl lights.glsl terrain.frag", "LIGHTS HILLS");
-    m_hilly_program.start("terrain.vert", "shadow.glsl terrain.frag", "HILLS");
+    m_program.start("cloudshade.glsl terrain.vert", "shadow.glsl terrain.frag");
+    m_lit_program.start("cloudshade.glsl terrain.vert", "shadow.glsl lights.glsl terrain.frag",
+                        "LIGHTS HILLS");
+    m_hilly_program.start("cloudshade.glsl terrain.vert", "shadow.glsl terrain.frag", "HILLS");
 }
 
 std::uint64_t TerrainPass::key(const Square& square) {

@@ -18,7 +18,8 @@ constexpr double PERIOD = double{CLOUD_PERIOD};
 constexpr double METRES = EllipsoidModel::MEAN_RADIUS * DEG_TO_RAD<double>; ///< per degree
 constexpr double FARTHEST = 2; ///< degrees from the anchor: farther off the field is laid out anew
 constexpr float SOFTNESS = 0.07f;
-const dvec2 BEGINNING{0, 0}; ///< m: so that the sun shines on the helipad at first
+const dvec2 BEGINNING{
+    6912, 9472}; ///< m: so that half covered, the sun shines on the demo's helipad at first
 
 dvec2 anchorOf(const dvec3& geodetic) { return {std::floor(geodetic.x), std::floor(geodetic.y)}; }
 
