@@ -21,7 +21,7 @@ float cloudHeaps(vec2 place) { return texture(uCloudField, place * CLOUD_HEAPS).
 // Share that is cloud. Far away a pixel sees much of the field, and the mean of it. A cloud is so much
 // brighter than the sky that little of it counts as covered: that much is there at the threshold.
 float cloudEdge(float rise, float t) {
-    return max(smoothstep(0.0, 1.0, rise * 0.5 / (uCloudLayer.w + t * 1.2e-5) + 0.3), uCloudLight.w);
+    return max(smoothstep(0.0, 1.0, rise * 0.5 / (uCloudLayer.w + t * 1.2e-5) + 0.18), uCloudLight.w);
 }
 // What sheet `i` covers of a column as high as `top` at the height `f`, both shares of the thickness.
 float sheetCover(int i, float edge, float top, float f) {

@@ -26,6 +26,7 @@ constexpr float NEARLY_CLOSED = 0.9f;   ///< cover from which on the gaps close
 /// What thick broken clouds leave of the sun's light, and how low it may stand to cast their
 /// shadows.
 constexpr float LET_THROUGH = 0.3f, LOWEST_SHADOW = 0.05f;
+constexpr float FULL_DARKNESS = 0.85f;      ///< of clouds, a thunderstorm's
 constexpr float CLEAR_SIGHT = 1 / 25000.0f; ///< 1/m: how fast clouds go over to the sky far away
 constexpr float SUN_GLARE = 0.45f, MOON_GLARE = 0.14f; ///< sine of how far about them
 /// Of the programs that draw the background. Each word costs all pixels, whatever shows.
@@ -152,8 +153,8 @@ void SkyPass::fillClouds(const FrameInfo& frame, FrameBlock& block) {
     const vec3 night = nightGlow(m_moon), light = block.cloud_light.xyz();
     const vec3 sky = vec3(0.56f, 0.68f, 0.88f) * dusk + night * 1.5f;
     const float grey = 0.16f * (light.x + light.y + light.z) / 3 + 0.75f * dusk;
-    const vec3 closed =
-        (vec3(0.93f, 0.97f, 1) * grey + night * 0.8f) * ((1 - 0.95f * c.darkness) / 2.2f);
+    const vec3 closed = (vec3(0.93f, 0.97f, 1) * grey + night * 0.8f) *
+                        ((1 - 0.81f * std::min(c.darkness / FULL_DARKNESS, 1.0f)) / 2.2f);
     block.cloud_sky = {sky, c.darkness};
     block.cloud_haze = {(light * 0.08f + sky * 0.85f) * (1 - c.closed) + closed * c.closed,
                         std::lerp(0.25f * c.cover, 1.0f, c.closed) * std::max(c.above, c.within)};
