@@ -341,6 +341,37 @@ const View VIEWS[] = {
          s.run(12);
      },
      20},
+    {"closed_cover",
+     [](Stage& s) {
+         s.setHour(11);
+         s.picture.rain = s.picture.snow = s.picture.hail = s.picture.flash = 0;
+         s.picture.overcast = s.picture.cloud_darkness = 0;
+         s.picture.visibility = 60000;
+         s.picture.cloud_cover = 1;
+         s.logic->setRain(0);
+         s.logic->setSnow(0);
+         s.helicopterNode("downdraught")->setEnabled(false);
+         s.eye.setPerspective(50, 16.0f / 9, 0.1, 1e7);
+         s.run(0.2);
+         s.look({-155.0622, 19.7120, 24}, 325, 8);
+     }},
+    {"closed_from_above",
+     [](Stage& s) {
+         s.look({-155.0, 19.8, 2200}, 200, -12);
+     }},
+    {"fog",
+     [](Stage& s) {
+         s.picture.overcast = 0.9f;
+         s.picture.visibility = 200;
+         s.look({-155.0622, 19.7120, 24}, 325, -5);
+     }},
+    {"shadows_of_clouds",
+     [](Stage& s) {
+         s.picture.overcast = 0;
+         s.picture.visibility = 60000;
+         s.picture.cloud_cover = 0.5f;
+         s.look({-155.03, 19.66, 800}, 350, -12);
+     }},
 };
 
 std::vector<double> blockMeans(const std::uint8_t* pixels, int channels) {
