@@ -372,6 +372,20 @@ const View VIEWS[] = {
          s.picture.cloud_cover = 0.5f;
          s.look({-155.03, 19.66, 800}, 350, -12);
      }},
+    {"evening_hills", // lie in each other's shadows
+     [](Stage& s) {
+         s.logic->setRain(0);
+         s.logic->setSnow(0);
+         s.setSea(3);
+         s.run(12);
+         s.setHour(18.1);
+         s.picture.cloud_cover = 0.2f;
+         s.picture.overcast = s.picture.cloud_darkness = s.picture.rain = s.picture.snow = 0;
+         s.picture.visibility = 60000;
+         s.look({-155.055, 19.705, 500}, 235, -14);
+     }},
+    {"evening_ship", // far from the focus
+     [](Stage& s) { s.look(s.byFrigate(40, 170, 60), 200, -16); }},
 };
 
 std::vector<double> blockMeans(const std::uint8_t* pixels, int channels) {
