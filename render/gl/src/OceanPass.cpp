@@ -45,7 +45,8 @@ void filterNoise(GLint filter) {
 }
 
 constexpr GLuint MARK = 1; ///< in the stencil, where the sea is what one sees
-constexpr int BLOCK = 31;  ///< cells of the grid along an edge whose vertices stay in the cache
+constexpr int BLOCK = 31;  ///< cells of the grid along a row whose vertices stay in the cache
+constexpr int BAND = 15;   ///< rows of cells that are drawn, or left out, together
 /// Above these altitudes (m) waves move from geometry into the surface's roughness.
 constexpr double FLATTEN_FROM = 500, FLATTEN_TO = 950;
 
@@ -92,12 +93,14 @@ void OceanPass::makeGrid() {
         for (const std::uint32_t index : {a, a + 1, c + 1, a, c + 1, c})
             indices.push_back(index);
     };
-    for (int bj = 0; bj < m_rows - 1; bj += BLOCK)
+    m_bands = {0};
+    for (int bj = 0; bj < m_rows - 1; bj += BAND) {
         for (int bi = 0; bi < m_columns - 1; bi += BLOCK)
-            for (int j = bj; j < std::min(bj + BLOCK, m_rows - 1); j++)
+            for (int j = bj; j < std::min(bj + BAND, m_rows - 1); j++)
                 for (int i = bi; i < std::min(bi + BLOCK, m_columns - 1); i++)
                     addCell(i, j);
-    m_num_indices = static_cast<int>(indices.size());
+        m_bands.push_back(static_cast<int>(indices.size()));
+    }
     m_vertex_array.create();
     m_vertices.create();
     m_indices.create();
@@ -130,6 +133,7 @@ OceanPass::Fan OceanPass::fitFan(const FrameView& view, const OceanFrame& frame)
     fan.azimuth = -PI;
     fan.azimuth_range = 2 * PI;
     fan.steepest = 1.5706f;
+    fan.first_band = 0;
     if (view.orthographic) return fan;
 
     const auto& p = view.projection.columns;
@@ -161,6 +165,42 @@ OceanPass::Fan OceanPass::fitFan(const FrameView& view, const OceanFrame& frame)
         1.0f, altitude / std::tan(std::min(depression + 0.05f, 1.5f)) * 0.75f - 6 - 2 * waves);
     fan.steepest = std::min(std::atan(fan.row_height / nearest) + 0.02f, 1.5706f);
     return fan;
+}
+
+/// Of all rows, 0 to 1.
+float OceanPass::getBandStart(int band) const {
+    return static_cast<float>(std::min(band * BAND, m_rows - 1)) / static_cast<float>(m_rows - 1);
+}
+
+/// Bands of the fan that lie below land as a whole, however far waves move the water.
+void OceanPass::leaveOutLand(Fan& fan, const Drawing& drawing) const {
+    if (drawing.view.orthographic || drawing.view.everything) return;
+    const float dry = drawing.land - 3 * static_cast<float>(drawing.frame.highest_crest);
+    const int last = static_cast<int>(m_bands.size()) - 2;
+    while (fan.first_band < last && fan.getRange(getBandStart(fan.first_band + 1)) < dry)
+        fan.first_band++;
+}
+
+/// The part of the picture that the fan may cover, if it is only what lies beyond land.
+PictureRect OceanPass::findSea(const Fan& fan, const Drawing& drawing) const {
+    constexpr int STEPS = 16;
+    constexpr float MARGIN = 0.02f;
+    if (fan.first_band == 0) return PictureRect::whole();
+    const auto crest = static_cast<float>(drawing.frame.highest_crest);
+    const float near = std::max(fan.getRange(getBandStart(fan.first_band)) - 3 * crest, 1.0f);
+    PictureRect rect;
+    for (const float range : {near, fan.getRange(1)})
+        for (int i = 0; i <= STEPS; i++) {
+            const float azimuth = fan.azimuth + fan.azimuth_range * static_cast<float>(i) / STEPS;
+            const float level =
+                -static_cast<float>(drawing.view.geodetic.z) - HALF_CURVATURE * range * range;
+            const vec3 place{std::sin(azimuth) * range, std::cos(azimuth) * range, level};
+            if ((drawing.view.view * place).z > -0.2f * range) return PictureRect::whole();
+            rect.include(PictureRect::of(drawing.view, place, crest));
+        }
+    rect.low = {-1, std::max(rect.low.y - MARGIN, -1.0f)};
+    rect.high = {1, std::min(rect.high.y + MARGIN, 1.0f)};
+    return rect;
 }
 
 /// What ocean.glsl asks for.
@@ -200,8 +240,10 @@ void OceanPass::setPlane(gl::Program& program, const FrameView& view, const Ocea
                                 fraction(x / edge + 0.5 / n), fraction(y / edge + 0.5 / n)));
 }
 
-void OceanPass::drawFan(const FrameView& view, const OceanFrame& frame, const WakePass& wakes) {
-    const Fan fan = fitFan(view, frame);
+void OceanPass::drawFan(const Fan& fan, const Drawing& drawing) {
+    const FrameView& view = drawing.view;
+    const OceanFrame& frame = drawing.frame;
+    const WakePass& wakes = drawing.wakes;
     const dvec2 nadir = frame.toPlane(view.geodetic.x, view.geodetic.y);
     gl::Program& program = wakes.isRaised() ? m_raised_fan : m_fan;
     program.use();
@@ -219,7 +261,9 @@ void OceanPass::drawFan(const FrameView& view, const OceanFrame& frame, const Wa
     for (int i = 0; i < OceanTiles::DISPLACED; i++)
         gl::bindTexture(UNIT_DISPLACEMENT + i, m_tiles.getDisplacement(i));
     glBindVertexArray(m_vertex_array.getId());
-    glDrawElements(GL_TRIANGLES, m_num_indices, GL_UNSIGNED_INT, nullptr);
+    const auto first = static_cast<std::size_t>(m_bands[static_cast<std::size_t>(fan.first_band)]);
+    glDrawElements(GL_TRIANGLES, m_bands.back() - static_cast<int>(first), GL_UNSIGNED_INT,
+                   reinterpret_cast<const void*>(first * sizeof(std::uint32_t)));
 }
 
 /// How much of a gale the sea is, and how much of a hurricane, 0 to 1.
@@ -316,7 +360,8 @@ void OceanPass::setGlints(gl::Program& program, const GlintList& list) {
 }
 
 /// Where the sea's mark stands in a part of the picture; it is gone there afterwards.
-void OceanPass::shade(Shade which, const PictureRect& rect, const Drawing& drawing) {
+void OceanPass::shade(Shade which, PictureRect rect, const Drawing& drawing) {
+    rect.cut(m_sea);
     if (rect.isEmpty()) return;
     const FrameView& view = drawing.view;
     const auto w = static_cast<float>(drawing.targets.getSceneWidth());
@@ -374,7 +419,10 @@ void OceanPass::draw(const Drawing& drawing) {
     glEnable(GL_STENCIL_TEST);
     glStencilFunc(GL_ALWAYS, MARK, MARK);
     glStencilOp(GL_KEEP, GL_KEEP, GL_REPLACE);
-    drawFan(drawing.view, drawing.frame, drawing.wakes);
+    Fan fan = fitFan(drawing.view, drawing.frame);
+    leaveOutLand(fan, drawing);
+    m_sea = findSea(fan, drawing);
+    drawFan(fan, drawing);
 
     glBindFramebuffer(GL_FRAMEBUFFER, drawing.targets.scene_target.getId());
     glDisable(GL_DEPTH_TEST);

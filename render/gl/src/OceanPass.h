@@ -5,6 +5,7 @@
 #include "OceanTiles.h"
 #include "render/scene/PictureRect.h"
 
+#include <cmath>
 #include <vector>
 
 namespace ig {
@@ -36,6 +37,7 @@ public:
         const GlintList& glints;
         const WakePass& wakes;
         const Targets& targets;
+        float land; ///< m around the eye where it hides all water
     };
     /// Leaves the targets' scene bound.
     void draw(const Drawing& drawing);
@@ -45,12 +47,19 @@ private:
     enum Shade { LIT, SHADOWED, BLOWN, WITH_WAKES, OPEN, STORM_SHADOWED, STORM, NUM_SHADES };
     struct Fan { ///< part of the sea around the eye that the view can see
         float azimuth, azimuth_range, steepest, flattest, row_height;
+        int first_band;                   ///< that shows; nearer ones lie below land
+        float getRange(float row) const { ///< m; `row`: 0 to 1 of all
+            return row_height / std::tan(std::lerp(steepest, flattest, row));
+        }
     };
 
     void makeGrid();
     static Fan fitFan(const FrameView& view, const OceanFrame& frame);
+    float getBandStart(int band) const;
+    void leaveOutLand(Fan& fan, const Drawing& drawing) const;
+    PictureRect findSea(const Fan& fan, const Drawing& drawing) const;
     static void setPlane(gl::Program& program, const FrameView& view, const OceanFrame& frame);
-    void drawFan(const FrameView& view, const OceanFrame& frame, const WakePass& wakes);
+    void drawFan(const Fan& fan, const Drawing& drawing);
     static vec2 findStorm(const OceanFrame& frame);
     void setSurface(gl::Program& program, const FrameView& view, const OceanFrame& frame);
     static void setEffects(gl::Program& program, const std::vector<vec4>& downdraughts,
@@ -59,11 +68,13 @@ private:
                                     const std::vector<vec4>& downdraughts);
     static PictureRect findLit(const Drawing& drawing);
     static void setGlints(gl::Program& program, const GlintList& list);
-    void shade(Shade which, const PictureRect& rect, const Drawing& drawing);
+    void shade(Shade which, PictureRect rect, const Drawing& drawing);
     void shadeAll(const Drawing& drawing);
 
     bool m_quick = false;
-    int m_columns = 0, m_rows = 0, m_num_indices = 0;
+    int m_columns = 0, m_rows = 0;
+    std::vector<int> m_bands; ///< first index of each band of rows, near ones first, and the end
+    PictureRect m_sea;        ///< outside it the frame's fan leaves no mark
     gl::Program m_fan, m_raised_fan, m_shades[NUM_SHADES];
     gl::VertexArray m_vertex_array, m_empty;
     gl::Buffer m_vertices, m_indices;

@@ -27,6 +27,7 @@
 #include "render/scene/FrameBlock.h"
 #include "render/scene/FrameView.h"
 #include "render/scene/GlintList.h"
+#include "render/scene/LandAround.h"
 #include "render/scene/Patterns.h"
 #include "render/scene/Samples.h"
 #include "render/scene/SceneList.h"
@@ -88,6 +89,7 @@ struct RendererGL::Impl {
     void planShadows();
     bool castHills() const { return block.light_direction.w > 0 && hills.isAny(); }
     PictureRect findShadowsOnSea() const;
+    float findLand();
     void uploadBlock();
     void gatherLights(const FrameInfo& frame);
     void drawShadows();
@@ -119,6 +121,7 @@ struct RendererGL::Impl {
     ShadowCasters shadow_casters;
     HillShadows hills;
     HillMap hill_map;
+    LandAround land_around;
     MeshPass meshes;
     OceanPass ocean;
     TerrainPass terrain;
@@ -356,6 +359,13 @@ PictureRect RendererGL::Impl::findShadowsOnSea() const {
     return rect;
 }
 
+/// Metres around the eye where ground hides all water.
+float RendererGL::Impl::findLand() {
+    if (!list.terrain) return 0;
+    const auto crest = static_cast<float>(list.ocean->getFrame().highest_crest);
+    return land_around.find(list.terrain->getGrid(), view.geodetic, crest);
+}
+
 /// Of a rehearsal's views one is lit by lamps and the others by none, so that all programs are met.
 void RendererGL::Impl::gatherLights(const FrameInfo& frame) {
     const vec3 white(0.3f, 0.6f, 0.1f); // luminance
@@ -403,7 +413,7 @@ void RendererGL::Impl::drawScene(const World& world) {
     clock.mark("grass");
     if (list.ocean)
         ocean.draw({view, list.ocean->getFrame(), list.downdraughts, findShadowsOnSea(), lights,
-                    glints, wakes, *canvas});
+                    glints, wakes, *canvas, findLand()});
     clock.mark("ocean");
     sky.drawBackground(view);
     sky.drawClouds(view, canvas->depth);

@@ -35,4 +35,9 @@ void PictureRect::include(const PictureRect& other) {
     high = {std::max(high.x, other.high.x), std::max(high.y, other.high.y)};
 }
 
+void PictureRect::cut(const PictureRect& other) {
+    low = {std::max(low.x, other.low.x), std::max(low.y, other.low.y)};
+    high = {std::min(high.x, other.high.x), std::min(high.y, other.high.y)};
+}
+
 } // namespace ig

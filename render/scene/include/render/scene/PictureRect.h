@@ -16,6 +16,8 @@ struct PictureRect {
     bool isEmpty() const { return low.x >= high.x || low.y >= high.y; }
     /// Grows to hold another one too.
     void include(const PictureRect& other);
+    /// Shrinks to what another one holds too.
+    void cut(const PictureRect& other);
 };
 
 } // namespace ig
