@@ -416,12 +416,12 @@ void RendererGL::Impl::drawScene(const World& world) {
                     glints, wakes, *canvas, findLand()});
     clock.mark("ocean");
     sky.drawBackground(view);
-    sky.drawClouds(view, canvas->depth);
+    sky.drawClouds(view, *canvas);
     clock.mark("sky");
     meshes.drawTransparent();
+    glBindFramebuffer(GL_FRAMEBUFFER, canvas->light_target.getId()); // what follows reads the depth
     beams.draw(view, lights, canvas->depth);
     clock.mark("transparent");
-    glBindFramebuffer(GL_FRAMEBUFFER, canvas->light_target.getId());
     sprites.draw(view, sprite_list.sprites, canvas->depth, !lights.lights.empty());
     clock.mark("sprites");
     if (!list.panes.empty()) glass.draw(meshes, list, view, *canvas);

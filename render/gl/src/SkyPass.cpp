@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "SkyPass.h"
 
+#include "Targets.h"
 #include "ig/math/EllipsoidModel.h"
 #include "ig/math/quat.h"
 #include "render/scene/ShaderConstants.h"
@@ -220,21 +221,23 @@ void SkyPass::drawBackground(const FrameView& view) {
     glDepthMask(GL_TRUE);
 }
 
-void SkyPass::drawClouds(const FrameView& view, const gl::Texture& depth) {
+void SkyPass::drawClouds(const FrameView& view, const Targets& to) {
     const bool readable = gl::hasClipControl() && !view.orthographic;
     if (m_clouds.base >= 0 || m_clouds.cover <= 0 || !readable) return;
     const auto& p = view.projection.columns;
+    glBindFramebuffer(GL_FRAMEBUFFER, to.light_target.getId()); // it reads the depth
     glDisable(GL_DEPTH_TEST);
     glEnable(GL_BLEND);
     glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     m_deck.use();
-    gl::bindTexture(gl::UNIT_FIRST_OWN, depth);
+    gl::bindTexture(gl::UNIT_FIRST_OWN, to.depth);
     m_deck.set("uRay", vec4(1 / p[0].x, 1 / p[1].y, p[2].x / p[0].x, p[2].y / p[1].y));
     m_deck.set("uNearFar", vec4(static_cast<float>(view.near), static_cast<float>(view.far), 0, 0));
     glBindVertexArray(m_empty.getId());
     glDrawArrays(GL_TRIANGLES, 0, 3);
     glDisable(GL_BLEND);
     glEnable(GL_DEPTH_TEST);
+    glBindFramebuffer(GL_FRAMEBUFFER, to.scene_target.getId());
 }
 
 } // namespace ig

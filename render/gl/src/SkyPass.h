@@ -8,6 +8,8 @@
 
 namespace ig {
 
+class Targets;
+
 /// The sky, the clouds, and the light that comes from both.
 ///
 /// `SkyMaps` knows the sky. Clouds are a layer of the field of `CloudLayer`, the same for all who
@@ -26,9 +28,9 @@ public:
     void forget();
     /// Fills the picture where nothing is; last of the opaque passes.
     void drawBackground(const FrameView& view);
-    /// Clouds at the eye's height and below, over the scene whose depth that is; nothing from below
-    /// all clouds.
-    void drawClouds(const FrameView& view, const gl::Texture& depth);
+    /// Clouds at the eye's height and below, over the scene, whose target is bound afterwards;
+    /// nothing from below all clouds.
+    void drawClouds(const FrameView& view, const Targets& to);
 
     /// Colour of what is far away in a direction of E (any length).
     vec3 getHaze(vec2 direction) const { return m_haze.get(direction) * m_gain; }
