@@ -132,7 +132,8 @@ Node* createDecal(const NodeReader& r) {
 const bool DECAL = NodeFactory::add("decal", createDecal,
                                     {{number, {"width", "height"}}, {material, {"material"}}});
 
-constexpr float MOST_LIGHT = 1e9f; ///< cd, m: beyond any lamp
+constexpr float MOST_LIGHT = 1e9f;     ///< cd, m: beyond any lamp
+constexpr float MOST_BRIGHTNESS = 100; ///< times the lamp's, so that a picture can hold it
 
 /// Takes a number from 0 to `most`; false, reported, for another. True when the key is absent.
 bool readWithin(const NodeReader& r, const char* key, float most, float& out) {
@@ -141,7 +142,9 @@ bool readWithin(const NodeReader& r, const char* key, float most, float& out) {
         out = value;
         return true;
     }
-    r.report(most > 1 ? "a number from 0 to 1e9 is needed in" : "a number from 0 to 1 is needed in",
+    r.report(most > MOST_BRIGHTNESS ? "a number from 0 to 1e9 is needed in"
+             : most > 1             ? "a number from 0 to 100 is needed in"
+                                    : "a number from 0 to 1 is needed in",
              key, key);
     return false;
 }
@@ -156,7 +159,7 @@ const NodeSchema SECTOR{"sector",
 /// Reported when it makes no sense.
 bool readSector(const NodeReader& r, LightSector& out) {
     if (!r.readPair("azimuth", out.azimuth) || !r.readPair("elevation", out.elevation) ||
-        !readWithin(r, "brightness", MOST_LIGHT, out.brightness))
+        !readWithin(r, "brightness", MOST_BRIGHTNESS, out.brightness))
         return false;
     if (!(out.azimuth.x < out.azimuth.y) || out.azimuth.y - out.azimuth.x > 360) {
         r.report("a sector goes clockwise, from a smaller to a larger angle, and at most once "
@@ -173,8 +176,9 @@ bool readSector(const NodeReader& r, LightSector& out) {
     dvec3 color;
     if (!r.readTriple("color", color)) return false;
     out.color = vec3(color);
-    if (std::min({color.x, color.y, color.z}) >= 0) return true;
-    r.report("a sector's colour isn't below 0 in", "color", "color");
+    if (std::min({color.x, color.y, color.z}) >= 0 && std::max({color.x, color.y, color.z}) <= 1)
+        return true;
+    r.report("a sector's colour goes from 0 to 1 in", "color", "color");
     return false;
 }
 

@@ -374,11 +374,15 @@ TEST_F(SceneFiles, LampWithASectorThatMakesNoSenseIsLeftOutWithTheReason) {
   - {type: light, sector: [{}, {azimuth: [-200, 200]}]}
   - {type: light, sector: [{elevation: [3, 2]}]}
   - {type: light, sector: [{color: [1, 0, -1]}]}
+  - {type: light, sector: [{color: [1, 2, 0]}]}
+  - {type: light, sector: [{brightness: 101}]}
   - {type: light, flash: [1, 1]}
 )");
     ASSERT_TRUE(load("nodes:\n- {name: lamps, type: prefab, path: lamps.prefab}\n"));
-    for (const char* reason : {"5: a sector goes clockwise", "6: a sector goes clockwise",
-                               "7: a sector goes up", "8: a sector's colour", "9: a flash is"})
+    for (const char* reason :
+         {"5: a sector goes clockwise", "6: a sector goes clockwise", "7: a sector goes up",
+          "8: a sector's colour", "9: a sector's colour", "10: a number from 0 to 100 is",
+          "11: a flash is"})
         EXPECT_TRUE(logged(std::string("lamps.prefab:") + reason)) << reason;
     auto* prefab = static_cast<ObjectPrefab*>(object("lamps"));
     EXPECT_EQ(prefab->getRoot()->getNumChildren(), 1);

@@ -6,7 +6,8 @@
 uniform sampler2D uPicture;
 out vec4 oColor;
 void main() {
-    vec3 c = texelFetch(uPicture, ivec2(gl_FragCoord.xy), 0).rgb * uLight.w;
+    // Light beyond what the picture's numbers hold must not become NaN.
+    vec3 c = min(texelFetch(uPicture, ivec2(gl_FragCoord.xy), 0).rgb, 6e4) * uLight.w;
     c = clamp((c * (2.51 * c + 0.03)) / (c * (2.43 * c + 0.59) + 0.14), 0.0, 1.0);
     c = pow(c, vec3(1.0 / 2.2));
     float grain = fract(52.9829189 * fract(dot(gl_FragCoord.xy, vec2(0.06711056, 0.00583715)))) - 0.5;
