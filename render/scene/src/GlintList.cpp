@@ -14,7 +14,6 @@ namespace {
 
 constexpr float BRIGHT = 0.1f;     ///< ground, by which no path shows
 constexpr float TOGETHER = 15;     ///< m: the next lamps within it count as one
-constexpr float FARTHEST = 5000;   ///< m
 constexpr float LAMP_CANDELA = 60; ///< of a lamp at density 1, whatever it lights
 
 bool isOverLand(const FrameView& view, const SceneList& list, const vec3& place) {
@@ -22,6 +21,22 @@ bool isOverLand(const FrameView& view, const SceneList& list, const vec3& place)
     const dvec3 wgs = EllipsoidModel().toWGS(view.eye + view.frame * dvec3(place));
     double altitude = 0;
     return list.terrain->getAltitudeByLonLat(wgs.x, wgs.y, &altitude, nullptr) && altitude > 0;
+}
+
+/// Where its path lies in the picture.
+PictureRect findPath(const FrameView& view, const Glint& glint) {
+    const auto altitude = static_cast<float>(std::max(view.geodetic.z, 1.0));
+    const auto& c = view.view.columns;
+    const vec3 back(c[0].z, c[1].z, c[2].z);
+    const vec2 far{glint.place.x, glint.place.y};
+    const float range = std::hypot(far.x, far.y);
+    PictureRect rect;
+    for (float d = range; d > altitude / 4; d /= 2) { // down to nearly below the eye
+        const vec3 place(far.x * d / range, far.y * d / range, -altitude);
+        const float wide = GLINT_WIDTH * length(place) + 1;
+        if (-dot(back, place) > wide + 1) rect.include(PictureRect::of(view, place, wide));
+    }
+    return rect;
 }
 
 /// What is seen of it at the eye, by brightness.
@@ -37,7 +52,7 @@ void GlintList::gather(const FrameView& view, const SceneList& list, float groun
     vec3 first;
     float sum = 0; // of the last one's lamps
     for (const LampItem& lamp : list.lamps) {
-        if (length(lamp.position) > FARTHEST) continue;
+        if (length(lamp.position) > SceneList::MIRRORED) continue;
         const vec3 color = lamp.color * (lamp.power * LAMP_CANDELA * LUX);
         const float share = std::max({color.x, color.y, color.z});
         if (sum > 0 && length(lamp.position - first) < TOGETHER) {
@@ -51,7 +66,9 @@ void GlintList::gather(const FrameView& view, const SceneList& list, float groun
             glints.push_back({lamp.position, color});
         }
     }
-    std::erase_if(glints, [&](const Glint& g) { return isOverLand(view, list, g.place); });
+    std::erase_if(glints, [&](const Glint& g) {
+        return findPath(view, g).isEmpty() || isOverLand(view, list, g.place);
+    });
     std::sort(glints.begin(), glints.end(), [](const Glint& a, const Glint& b) {
         const float one = weight(a), other = weight(b);
         return one != other ? one > other : a.place.x < b.place.x;
@@ -60,19 +77,9 @@ void GlintList::gather(const FrameView& view, const SceneList& list, float groun
 }
 
 PictureRect GlintList::getPaths(const FrameView& view) const {
-    const auto altitude = static_cast<float>(std::max(view.geodetic.z, 1.0));
-    const auto& c = view.view.columns;
-    const vec3 back(c[0].z, c[1].z, c[2].z);
     PictureRect rect;
-    for (const Glint& glint : glints) {
-        const vec2 far{glint.place.x, glint.place.y};
-        const float range = std::hypot(far.x, far.y);
-        for (float d = range; d > altitude / 4; d /= 2) { // down to nearly below the eye
-            const vec3 place(far.x * d / range, far.y * d / range, -altitude);
-            const float wide = GLINT_WIDTH * length(place) + 1;
-            if (-dot(back, place) > wide + 1) rect.include(PictureRect::of(view, place, wide));
-        }
-    }
+    for (const Glint& glint : glints)
+        rect.include(findPath(view, glint));
     return rect;
 }
 

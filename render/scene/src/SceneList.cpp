@@ -245,12 +245,13 @@ void SceneList::addLamp(const ObjectLight& light) {
                               : nullptr;
     const float range = m_view->orthographic ? 0 : light.getNominalRange();
     const Glow glow = glowAt(length(position), range, m_view->pixel_angle);
-    if (!emitter && m_view->sees(position, std::max(2.0f, glow.size))) {
+    const bool seen = m_view->sees(position, std::max(2.0f, glow.size));
+    if (!emitter && (seen || length(position) < MIRRORED)) {
         const dvec3 to_eye = inverse(pose.getMat3()) * (m_view->eye - pose.getTranslate());
-        const vec3 seen = mixSectors(light.getSectors(), to_eye, color);
-        if (std::max({seen.x, seen.y, seen.z}) > 0)
-            lamps.push_back(
-                {position, seen, power * glow.share * seenShare(position, axis, cone), glow.size});
+        const vec3 shown = mixSectors(light.getSectors(), to_eye, color);
+        const float towards = power * seenShare(position, axis, cone);
+        if (std::max({shown.x, shown.y, shown.z}) > 0)
+            lamps.push_back({position, shown, towards, seen ? towards * glow.share : 0, glow.size});
     }
     if (light.getIntensity() > 0 && m_view->sees(position, light.getReach()))
         lights.push_back({position, axis, color * (power * light.getIntensity()), light.getReach(),

@@ -27,17 +27,19 @@ void SpriteList::gather(const FrameView& view, const FrameInfo& frame,
         frame.particles->forEach([&](const ParticleCloud& cloud) {
             if (!cloud.flat) addCloud(view, cloud, eye_velocity);
         });
-    for (const LampItem& lamp : lamps)
+    for (const LampItem& lamp : lamps) {
+        if (!(lamp.glow > 0)) continue;
         sprites.push_back({lamp.position,
                            lamp.size,
                            vec4(lamp.color, 1),
                            0,
-                           LAMP_LIGHT * lamp.power,
+                           LAMP_LIGHT * lamp.glow,
                            1,
                            1,
                            {},
                            0,
                            0});
+    }
     for (const CableItem& cable : cables)
         sprites.push_back(
             {cable.middle, cable.radius, vec4(cable.color, 1), 0, 0, 0, CABLE, cable.half, 0, 0});

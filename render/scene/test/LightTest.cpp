@@ -224,9 +224,11 @@ TEST_F(LightsIn, LampsThatStandTogetherAreOnePathOfGlitterByNight) {
     SceneList scene;
     scene.ocean = &sea;
     for (int i = 0; i < 10; i++) // a row along a deck
-        scene.lamps.push_back({{static_cast<float>(i), 300, -90}, {1, 1, 1}, 1, 1});
+        scene.lamps.push_back({{static_cast<float>(i), 300, -90}, {1, 1, 1}, 1, 1, 1});
     for (int i = 0; i < 40; i++)
-        scene.lamps.push_back({{0, 400 + 50.0f * static_cast<float>(i), -90}, {1, 0, 0}, 1, 1});
+        scene.lamps.push_back({{0, 400 + 50.0f * static_cast<float>(i), -90}, {1, 0, 0}, 1, 0, 1});
+    for (int i = 0; i < 40; i++) // nearer ones, whose paths lie behind the eye
+        scene.lamps.push_back({{20.0f * static_cast<float>(i), -100, -90}, {1, 1, 1}, 1, 1, 1});
     GlintList glints;
     glints.gather(view, scene, NIGHT);
     ASSERT_EQ(glints.glints.size(), static_cast<std::size_t>(MOST_GLINTS));

@@ -127,7 +127,9 @@ TEST_F(SceneListOf, LampWithAnIntensityLightsAlsoFromOutsideThePicture) {
     glow->setIntensity(1e6f);
     fire->addChild(glow);
     gather();
-    EXPECT_TRUE(list.lamps.empty()) << "behind the eye, or seen as flames";
+    for (const LampItem& lamp : list.lamps)
+        EXPECT_EQ(lamp.glow, 0) << "behind the eye, where only the sea mirrors it";
+    EXPECT_EQ(list.lamps.size(), 2U) << "the fire is seen as flames";
     ASSERT_EQ(list.lights.size(), 2U);
     const LightItem& lamp = list.lights[0];
     EXPECT_NEAR(lamp.position.y, -30, 1e-3);
@@ -195,9 +197,10 @@ TEST_F(SceneListOf, LampFadesByTheSquareOfTheDistanceAndShowsWhatItsSwitchSays) 
     }
     gather();
     ASSERT_EQ(list.lamps.size(), 3U);
-    EXPECT_EQ(list.lamps[0].power, 0.5f) << "as bright as a picture can show";
+    EXPECT_EQ(list.lamps[0].glow, 0.5f) << "as bright as a picture can show";
     EXPECT_GT(list.lamps[0].size, 1.2f * list.lamps[2].size * 100 / 4000) << "it dazzles";
-    EXPECT_NEAR(list.lamps[1].power, 4 * list.lamps[2].power, 1e-5);
+    EXPECT_NEAR(list.lamps[1].glow, 4 * list.lamps[2].glow, 1e-5);
+    EXPECT_EQ(list.lamps[2].power, 0.5f) << "what the sea mirrors fades by itself";
     for (const auto& [override, lamps] : {std::pair(1.0f, 3U), {-1.0f, 0U}}) {
         lit->setParameterSliderByName("override", override);
         gather();
@@ -221,7 +224,7 @@ TEST_F(SceneListOf, TellsThingsByTheirType) {
     const auto* sea = place(new ObjectOcean(), 0);
     const auto* land = place(new ObjectTerrain(), 0);
     gather();
-    EXPECT_EQ(list.lamps.size(), 1U);
+    EXPECT_EQ(list.lamps.size(), 2U);
     EXPECT_EQ(list.decals, std::vector<const DecalOrtho*>{wake});
     EXPECT_EQ(list.pictures, std::vector<const DecalOrtho*>{soot});
     EXPECT_EQ(list.fields, std::vector<const NodeField*>{field});

@@ -15,8 +15,10 @@ struct Glint {
     vec3 color; ///< irradiance at 1 m
 };
 
-/// The lamps over water whose path of glitter towards the eye is worth drawing: by night alone,
-/// those that stand together as one, and the brightest of them. One list is used over and over.
+/// The lamps over water whose path of glitter towards the eye is worth drawing: by night alone, of
+/// those whose path comes into view those that stand together as one, and the brightest of them.
+/// Water lies below the eye: sectors and cones count as they are seen from there. One list is used
+/// over and over.
 class GlintList {
 public:
     /// `ground`: radiance of a white ground under key light and sky.

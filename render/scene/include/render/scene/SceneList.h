@@ -47,12 +47,13 @@ struct BladeItem {
     float inner, outer; ///< where it begins and ends, m from the pivot
 };
 
-/// A lamp that is seen itself.
+/// A lamp that shines towards the eye, and isn't a fire's.
 struct LampItem {
     vec3 position; ///< E
     vec3 color;
-    float power;
-    float size; ///< half the edge of its glow, m
+    float power; ///< towards the eye, however far that is
+    float glow;  ///< as bright as it looks from there; 0: it isn't seen itself
+    float size;  ///< half the edge of its glow, m
 };
 
 /// A lamp, or a fire, that lights what is around it.
@@ -77,6 +78,9 @@ struct CableItem {
 /// enabled nodes, without the graphics device. One list is used over and over and keeps its memory.
 class SceneList {
 public:
+    /// How far the sea mirrors lamps, m: their paths of glitter show where they don't themselves.
+    static constexpr float MIRRORED = 5000;
+
     /// Meshes outside the view are left out, but for the shadows that they cast into the maps:
     /// those go by their places alone, so that they keep while the eye turns. Without `shadows`
     /// there is no light that casts any.
@@ -101,7 +105,7 @@ public:
     std::vector<MeshItem> panes;       ///< glass that rain falls on, around the eye, far to near
     std::vector<BladeItem> blades;     ///< of wipers
     std::vector<CasterItem> casters;   ///< opaque ones, in the scene's order
-    std::vector<LampItem> lamps;
+    std::vector<LampItem> lamps;       ///< that are seen, or within `MIRRORED`
     std::vector<LightItem>
         lights; ///< whose reach comes into view, where they are themselves or not
     std::vector<CableItem> cables;           ///< too thin for triangles; thicker ones are meshes
