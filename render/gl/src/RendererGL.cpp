@@ -87,6 +87,8 @@ struct RendererGL::Impl {
     void prepare(const World& world, const Camera& camera, const FrameInfo& frame);
     bool placeShadows(const FrameInfo& frame);
     void planShadows();
+    /// Its picture is the one that the shadow maps follow.
+    bool isMain() const { return canvas == &targets || rehearsal; }
     bool castHills() const { return block.light_direction.w > 0 && hills.isAny(); }
     PictureRect findShadowsOnSea() const;
     float findLand();
@@ -324,14 +326,16 @@ void RendererGL::Impl::prepare(const World& world, const Camera& camera, const F
 }
 
 /// Whether there is a light that casts shadows. One that grazes the ground casts them without end:
-/// they fade away before it sets.
+/// they fade away before it sets. Other pictures than the main one find in the maps what is there;
+/// beyond them, and before the first of them, all is lit.
 bool RendererGL::Impl::placeShadows(const FrameInfo& frame) {
     constexpr float NONE = 0.006f, ALL = 0.03f; // sines of the height: 0.3 and 1.7 degrees
     constexpr double FARTHEST = 6000;           // m: nobody sees the shadows around a focus beyond
     const vec3 light = block.light_direction.xyz();
     const float strength = std::clamp((light.z - NONE) / (ALL - NONE), 0.0f, 1.0f);
-    block.light_direction.w = strength;
-    if (strength <= 0) return false;
+    const bool casts = strength > 0 && (isMain() || shadow_place->isPlaced());
+    block.light_direction.w = casts ? strength : 0;
+    if (!casts || !isMain()) return casts;
     dvec3 focus = frame.focus ? frame.focus->getWorldPosition() : view.eye;
     if (length(focus - view.eye) > FARTHEST) focus = view.eye;
     shadow_place->follow(view.eye, focus, view.frame * dvec3(light));
@@ -339,7 +343,7 @@ bool RendererGL::Impl::placeShadows(const FrameInfo& frame) {
 }
 
 void RendererGL::Impl::planShadows() {
-    if (block.light_direction.w > 0) {
+    if (block.light_direction.w > 0 && isMain()) {
         shadow_casters.plan(list.casters, *shadow_place);
         const TerrainGrid* ground = list.terrain ? &list.terrain->getGrid() : nullptr;
         if (hills.update(ground, shadow_place->getLight(), shadow_place->isNew()))

@@ -30,6 +30,8 @@ public:
     /// The next `follow` is again the first.
     void forget() { *this = ShadowPlace(m_size); }
 
+    /// Whether there was a `follow` before.
+    bool isPlaced() const { return m_age >= 0; }
     /// No map shows anything yet from this light: all must be drawn in this frame.
     bool isNew() const { return m_new; }
     /// The light that the maps are drawn for, world.
@@ -49,7 +51,7 @@ public:
     double getTexel(int map) const { return 2 * SHADOW_RADII[map] / m_size; }
     int getSize() const { return m_size; }
 
-    /// How a place in the view's frame is found in the maps, and how dark shadows are.
+    /// How a place in the view's frame is found in the maps.
     void fill(const FrameView& view, FrameBlock& block) const;
 
 private:
