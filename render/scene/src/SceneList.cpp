@@ -133,8 +133,7 @@ void SceneList::addCaster(const ObjectMesh& object, CasterItem item) {
 /// Panes that the eye is behind, or right before: from farther off no drop is to be told.
 void SceneList::addTransparent(MeshItem item) {
     constexpr float REACH = 1.5f; // m from the mesh's sphere
-    const auto radius = static_cast<float>((*item.mesh)->getBounds().radius);
-    if (item.look.rain < 0 || item.distance > radius + REACH) {
+    if (item.look.rain < 0 || item.distance > item.bounds.w + REACH) {
         transparent.push_back(item);
         return;
     }
@@ -156,6 +155,7 @@ void SceneList::addBlade(const ObjectMesh& object, const Mesh::Surface& surface)
     }
     const dmat4& pose = object.getWorldTransform();
     const dvec3 axis = normalize(pose.getZ()), along = normalize(pose.getY());
+    const auto scale = static_cast<float>(length(pose.getY()));
     const Node* prefab = object.getPrefabRoot();
     const dmat4 carrier = prefab ? prefab->getWorldTransform() : dmat4();
     const dvec3 x = normalize(carrier.getX());
@@ -163,8 +163,8 @@ void SceneList::addBlade(const ObjectMesh& object, const Mesh::Surface& surface)
     const dvec3 ahead = normalize(from - axis * dot(from, axis)), aside = cross(axis, ahead);
     blades.push_back({&object, vec3(m_view->toFrame(pose.getTranslate())),
                       vec3(m_view->toFrameDirection(ahead)), vec3(m_view->toFrameDirection(aside)),
-                      static_cast<float>(std::atan2(dot(along, aside), dot(along, ahead))), inner,
-                      outer});
+                      static_cast<float>(std::atan2(dot(along, aside), dot(along, ahead))),
+                      inner * scale, outer * scale});
 }
 
 /// Pieces less than a pixel and a half thick would break up into dots, or vanish: they become
