@@ -116,7 +116,7 @@ void SceneList::addMesh(const Node& node) {
 /// As a whole where no light passes through any of it, which is one draw.
 void SceneList::addCaster(const ObjectMesh& object, CasterItem item) {
     const auto isOpaque = [&object](int surface) {
-        return SurfaceLook::read(object.getSurfaceMaterial(surface)).isOpaque();
+        return SurfaceLook::isOpaque(object.getSurfaceMaterial(surface));
     };
     const int count = object.getNumSurfaces();
     int surface = 0;

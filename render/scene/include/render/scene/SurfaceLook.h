@@ -22,6 +22,8 @@ struct SurfaceLook {
 
     /// Tags that the material lacks, or all without material, keep their defaults.
     static SurfaceLook read(const Material* material);
+    /// Of that material, by the tags that matter alone.
+    static bool isOpaque(const Material* material);
     bool isOpaque() const { return color.w >= 0.999f && paint < 0 && rotor.x <= 0; }
     friend bool operator==(const SurfaceLook&, const SurfaceLook&) = default;
 };
