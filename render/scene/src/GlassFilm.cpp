@@ -57,18 +57,33 @@ void GlassFilm::update(const std::vector<BladeItem>& blades, const FrameView& vi
     const Weather weather{dt, frame.rain, stays * frame.snow, gathers * dt};
     m_snow = std::clamp(m_snow + weather.snow_change, 0.0f, std::max(stays, 0.0f));
     run(dt, frame.rain);
+    const Blades of_sectors = match(blades);
     for (std::size_t i = 0; i < m_sectors.size(); i++) {
         Sector& sector = m_sectors[i];
-        if (i >= blades.size()) {
+        const BladeItem* blade = of_sectors[i];
+        if (!blade) {
             sector.blade = nullptr;
             m_places[3 * i + 2].w = 0;
             continue;
         }
-        if (sector.blade != blades[i].node) begin(sector, blades[i]);
+        if (sector.blade != blade->node) begin(sector, *blade);
         refill(sector, weather);
-        wipe(sector, toTurn(blades[i].angle), weather);
-        place(i, blades[i]);
+        wipe(sector, toTurn(blade->angle), weather);
+        place(i, *blade);
     }
+}
+
+/// A sector keeps its blade; one that has none gets a blade that is new.
+GlassFilm::Blades GlassFilm::match(const std::vector<BladeItem>& blades) const {
+    Blades matched{};
+    const std::size_t count = std::min(blades.size(), matched.size());
+    for (std::size_t b = 0; b < count; b++)
+        for (std::size_t i = 0; i < matched.size(); i++)
+            if (m_sectors[i].blade == blades[b].node) matched[i] = &blades[b];
+    for (std::size_t b = 0; b < count; b++)
+        if (std::find(matched.begin(), matched.end(), &blades[b]) == matched.end())
+            *std::find(matched.begin(), matched.end(), nullptr) = &blades[b];
+    return matched;
 }
 
 void GlassFilm::begin(Sector& sector, const BladeItem& blade) const {

@@ -294,6 +294,10 @@ void SceneList::sort() {
         std::sort(items->begin(), items->end(), [](const MeshItem& a, const MeshItem& b) {
             return a.distance != b.distance ? a.distance > b.distance : a.order < b.order;
         });
+    std::sort(blades.begin(), blades.end(), [](const BladeItem& a, const BladeItem& b) {
+        const float first = length2(a.pivot), second = length2(b.pivot);
+        return first != second ? first < second : a.node->getID() < b.node->getID();
+    });
     std::sort(downdraughts.begin(), downdraughts.end(), [](const vec4& a, const vec4& b) {
         return std::hypot(a.x, a.y) < std::hypot(b.x, b.y);
     });

@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <gtest/gtest.h>
+#include <utility>
 
 using namespace ig;
 
@@ -68,6 +69,13 @@ TEST_F(GlassFilmOf, AWiperClearsItsSectorWhichFillsAgain) {
     EXPECT_LT(water(-0.4f), 10);
     EXPECT_LT(water(0.1f), 60);
     EXPECT_EQ(water(1.3f), 255);
+    const Node second; // now the nearer one
+    blades.push_back({&second, {1, 1, 0}, {1, 0, 0}, {0, 0, 1}, 0, 0.1f, 0.6f});
+    std::swap(blades[0], blades[1]);
+    film.update(blades, view, frame);
+    EXPECT_LT(water(-0.4f), 10) << "each keeps what it has wiped";
+    std::swap(blades[0], blades[1]);
+    blades.pop_back();
     advance(15, -0.5f);
     EXPECT_GT(water(0.6f), 250);
 

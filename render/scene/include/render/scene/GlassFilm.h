@@ -26,8 +26,8 @@ public:
     /// on a square that stands on its corner, for which shaders need no arc tangent.
     static float toTurn(float angle_rad);
 
-    /// `blades` of the frame; those beyond `MOST_BLADES` wipe nothing. A time before the last one's
-    /// begins anew.
+    /// `blades` of the frame, in any order; those beyond the first `MOST_BLADES` wipe nothing. A
+    /// time before the last one's begins anew.
     void update(const std::vector<BladeItem>& blades, const FrameView& view,
                 const FrameInfo& frame);
     /// The next frame is again the first.
@@ -55,6 +55,10 @@ private:
         float dt, rain, snow, snow_change;
     };
 
+    /// For each sector one of the blades, or null.
+    using Blades = std::array<const BladeItem*, MOST_BLADES>;
+
+    Blades match(const std::vector<BladeItem>& blades) const;
     void begin(Sector& sector, const BladeItem& blade) const;
     void refill(Sector& sector, const Weather& weather) const;
     static void wipe(Sector& sector, float turn, const Weather& weather);

@@ -89,8 +89,8 @@ public:
     /// What another world holds too; after `gather`.
     void add(const World& world);
 
-    /// Brings batches together, and what lets light through and downdraughts into order; after all
-    /// has been added.
+    /// Brings batches together, and what lets light through, blades and downdraughts into order;
+    /// after all has been added.
     void sort();
 
     // Set before `gather`.
@@ -103,7 +103,7 @@ public:
     std::vector<MeshItem> opaque;      ///< equal mesh, surface, look adjoin, as they came
     std::vector<MeshItem> transparent; ///< far to near
     std::vector<MeshItem> panes;       ///< glass that rain falls on, around the eye, far to near
-    std::vector<BladeItem> blades;     ///< of wipers
+    std::vector<BladeItem> blades;     ///< of wipers; nearest first
     std::vector<CasterItem> casters;   ///< opaque ones, in the scene's order
     std::vector<LampItem> lamps;       ///< that are seen, or within `MIRRORED`
     std::vector<LightItem>
