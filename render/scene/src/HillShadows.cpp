@@ -33,13 +33,14 @@ float heightAt(const TerrainGrid& grid, double column, double row) {
 } // namespace
 
 bool HillShadows::update(const TerrainGrid* grid, const dvec3& light, bool is_new) {
-    const float* heights = grid && !grid->empty() ? grid->heights : nullptr;
-    if (heights == m_made_of && !is_new) return false;
-    if (heights != m_made_of && heights) layOut(*grid);
-    m_made_of = heights;
+    const TerrainGrid made_of = grid ? *grid : TerrainGrid();
+    const bool is_other = made_of != m_made_of;
+    if (!is_other && !is_new) return false;
+    m_made_of = made_of;
+    if (is_other && !made_of.empty()) layOut(made_of);
     const bool were_any = m_any;
     m_any = false;
-    if (heights) sweep(light);
+    if (!made_of.empty()) sweep(light);
     return m_any || were_any;
 }
 

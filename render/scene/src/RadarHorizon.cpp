@@ -33,10 +33,10 @@ bool RadarHorizon::update(const TerrainGrid* grid, const dvec3& site) {
     if (!grid) grid = &NO_GROUND;
     const dvec2 degree = EllipsoidModel().getDegreeLengths(site.y);
     const dvec3 moved = site - m_site;
-    if (!m_lowest.empty() && grid->heights == m_made_of && std::abs(moved.z) < STILL_UP &&
+    if (!m_lowest.empty() && *grid == m_made_of && std::abs(moved.z) < STILL_UP &&
         std::hypot(moved.x * degree.x, moved.y * degree.y) < STILL)
         return false;
-    m_made_of = grid->heights;
+    m_made_of = *grid;
     m_site = site;
     m_lowest.resize(static_cast<std::size_t>(BEARINGS) * RANGES);
     for (int bearing = 0; bearing < BEARINGS; bearing++)

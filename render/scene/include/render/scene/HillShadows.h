@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "plugins/terrain/TerrainGrid.h"
 #include "render/scene/FrameBlock.h"
 #include "render/scene/FrameView.h"
 #include "render/scene/PictureRect.h"
@@ -9,8 +10,6 @@
 #include <vector>
 
 namespace ig {
-
-struct TerrainGrid;
 
 /// How far up the shadow of the hills reaches, at each place of a map: what is below lies in it.
 /// One number a place serves ground, sea, ships and whatever flies, at any distance.
@@ -44,10 +43,10 @@ private:
     void sweep(const dvec3& light);
     void note(std::size_t place, float shadow);
 
-    const float* m_made_of = nullptr;
-    dmat4 m_frame;     ///< of the map's middle, world
-    mat4 m_to_map;     ///< from the view's frame, as in the frame block
-    double m_half = 1; ///< half the edge, m
+    TerrainGrid m_made_of; ///< only to be compared: the terrain may have gone
+    dmat4 m_frame;         ///< of the map's middle, world
+    mat4 m_to_map;         ///< from the view's frame, as in the frame block
+    double m_half = 1;     ///< half the edge, m
     vec3 m_sea_low,
         m_sea_high;       ///< what lies in shadow of the sea, m in the map; low above high: none
     float m_softness = 1; ///< m: height over which light comes back

@@ -2,13 +2,12 @@
 #pragma once
 
 #include "ig/math/vec.h"
+#include "plugins/terrain/TerrainGrid.h"
 
 #include <span>
 #include <vector>
 
 namespace ig {
-
-struct TerrainGrid;
 
 /// What hills, and the earth's own bend, hide from a radar: for each bearing and range the altitude
 /// below which it meets nothing. Rays are those of the usual air, which bends them as if the earth
@@ -32,7 +31,7 @@ public:
 private:
     void look(const TerrainGrid& grid, int bearing);
 
-    const float* m_made_of = nullptr;
+    TerrainGrid m_made_of; ///< only to be compared: the terrain may have gone
     dvec3 m_site;
     std::vector<float> m_lowest;
 };
