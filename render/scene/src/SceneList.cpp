@@ -24,7 +24,6 @@ void SceneList::gather(const World& world, const FrameView& view, const ShadowPl
     casters.clear();
     lamps.clear();
     lights.clear();
-    m_lights = 0;
     cables.clear();
     decals.clear();
     pictures.clear();
@@ -230,7 +229,6 @@ float lampPower(const Material* material) {
 } // namespace
 
 void SceneList::addLamp(const ObjectLight& light) {
-    const int number = m_lights++;
     const Material* material = light.getSurfaceMaterial(0);
     const float power = lampPower(material);
     if (power < 0.01f || !(light.isLit(time) || m_view->everything)) return;
@@ -255,7 +253,7 @@ void SceneList::addLamp(const ObjectLight& light) {
     }
     if (light.getIntensity() > 0 && m_view->sees(position, light.getReach()))
         lights.push_back({position, axis, color * (power * light.getIntensity()), light.getReach(),
-                          cone, light.getBeam(), light.getFlicker(), number, emitter});
+                          cone, light.getBeam(), light.getFlicker(), light.getID(), emitter});
 }
 
 void SceneList::addDowndraught(const NodeDowndraught& wind) {

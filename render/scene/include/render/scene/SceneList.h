@@ -63,7 +63,7 @@ struct LightItem {
     float reach;         ///< m
     vec2 cone;           ///< cosines of the half angles to which all, and beyond which none is lit
     float beam, flicker; ///< 0 to 1
-    int number;          ///< of the scene's lights, as they came: no two flicker alike
+    int number;          ///< the node's, as long as it lives: no two flicker alike
     const ObjectParticles* emitter; ///< whose living particles it shines for; null: for itself
 };
 
@@ -130,7 +130,6 @@ private:
     const FrameView* m_view = nullptr;
     const ShadowPlace* m_shadows = nullptr;
     bool m_in_focus = false; ///< the node is carried by the focus
-    int m_lights = 0;        ///< that the walk came by
 };
 
 } // namespace ig
