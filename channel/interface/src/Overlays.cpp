@@ -39,7 +39,7 @@ void Overlays::open(UIRoot* root, const Package& interface) {
 }
 
 void Overlays::onKey(int key) {
-    if (key == KEY_F12 || key == 'h') showHelp(!m_key_map.isShown());
+    if (key == KEY_F12 || key == KEY_HELP) showHelp(!m_key_map.isShown());
     if (key == KEY_F11)
         showStatistics(m_statistics == Statistics::off    ? Statistics::rate
                        : m_statistics == Statistics::rate ? Statistics::full

@@ -205,6 +205,9 @@ TEST_F(OperatorInterfaceTest, SwitchesOfTheScenesFileStepTheirTracksAndTellIt) {
 - {key: Return, track: a.anim, steps: [{tells: x}, {tells: y}]}
 - {key: m, track: a.anim, steps: [{tells: x}]}
 - {key: n, track: b.anim, steps: [{tells: x}, {tells: y}]}
+- {key: l, track: a.anim, steps: [{tells: x}, {tells: y}]}
+- {key: h, track: a.anim, steps: [{tells: x}, {tells: y}]}
+- {key: o, track: a.anim, steps: [{tells: x}, {tels: y}]}
 )");
     OperatorInterface other(nullptr, owner, &control);
     other.resize(1280, 720);

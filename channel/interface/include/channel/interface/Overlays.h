@@ -27,6 +27,7 @@ struct FrameCosts {
 class Overlays {
 public:
     enum class Statistics { off, rate, full };
+    static constexpr int KEY_HELP = 'h';
 
     /// Adds the overlays, hidden, to the user interface, which owns them. `interface`: see
     /// `KeyMap`.
