@@ -51,7 +51,8 @@ struct Lattice {
 
 void GrassPass::init() {
     m_program.start("cloudshade.glsl shadow.glsl grass.vert", "grass.frag");
-    m_lit_program.start("cloudshade.glsl shadow.glsl lights.glsl grass.vert", "grass.frag", "LIGHTS");
+    m_lit_program.start("cloudshade.glsl shadow.glsl lights.glsl grass.vert", "grass.frag",
+                        "LIGHTS");
     m_buffer.create();
     m_vertex_array.create();
     glBindVertexArray(m_vertex_array.getId());
@@ -67,8 +68,8 @@ void GrassPass::init() {
 // ------------------------------------------------------------------ where grass grows
 
 void GrassPass::adopt(const ObjectTerrain& terrain) {
-    if (terrain.getGrid().heights == m_heights) return;
-    m_heights = terrain.getGrid().heights;
+    if (terrain.getGrid() == m_made_of) return;
+    m_made_of = terrain.getGrid();
     m_squares.clear();
 }
 

@@ -25,8 +25,8 @@ void RadarLand::adopt(const ObjectTerrain* terrain) {
     static const TerrainGrid NONE;
     m_terrain = terrain;
     const TerrainGrid& grid = terrain ? terrain->getGrid() : NONE;
-    if (m_texture && grid.heights == m_made_of) return;
-    m_made_of = grid.heights;
+    if (m_texture && grid == m_made_of) return;
+    m_made_of = grid;
     fill(grid);
 }
 

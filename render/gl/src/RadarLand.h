@@ -2,12 +2,12 @@
 #pragma once
 
 #include "GlObjects.h"
+#include "plugins/terrain/TerrainGrid.h"
 #include "render/scene/FrameView.h"
 
 namespace ig {
 
 class ObjectTerrain;
-struct TerrainGrid;
 
 /// The land as a radar needs it: a texture of the terrain's raster with the slope towards east and
 /// north (−1 to 1 over red and green), whether there is land at all (blue), and its altitude as a
@@ -27,7 +27,7 @@ private:
     gl::Texture m_texture;
     int m_columns = 1, m_rows = 1; ///< texels
     int m_step = 1;                ///< samples of the raster per texel
-    const float* m_made_of = nullptr;
+    TerrainGrid m_made_of;         ///< only to be compared: the terrain may have gone
     const ObjectTerrain* m_terrain = nullptr;
 };
 

@@ -10,8 +10,8 @@ namespace ig {
 class SpritePass {
 public:
     void init();
-    /// `depth` of the scene, which hides them and in which soft particles end softly: it is read, and
-    /// must not be attached to what is drawn into. `lit`: lamps or fires may shine on them.
+    /// `depth` of the scene, which hides them and in which soft particles end softly: it is read,
+    /// and must not be attached to what is drawn into. `lit`: lamps or fires may shine on them.
     void draw(const FrameView& view, const std::vector<Sprite>& sprites, const gl::Texture& depth,
               bool lit);
 

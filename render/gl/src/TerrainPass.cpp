@@ -73,8 +73,8 @@ std::uint64_t TerrainPass::key(const Square& square) {
 
 void TerrainPass::adopt(const TerrainGrid& grid) {
     m_grid = &grid;
-    if (grid.heights == m_heights) return;
-    m_heights = grid.heights;
+    if (grid == m_made_of) return;
+    m_made_of = grid;
     m_chunks.clear();
     m_extents.clear();
 }

@@ -62,7 +62,7 @@ private:
     gl::Program* m_used = nullptr;
     std::unordered_map<std::uint64_t, Chunk> m_chunks;
     std::unordered_map<std::uint64_t, Extent> m_extents;
-    const float* m_heights = nullptr; ///< whose chunks these are
+    TerrainGrid m_made_of; ///< whose chunks these are; only to be compared
     const TerrainGrid* m_grid = nullptr;
     const Material* m_material = nullptr; ///< of the ground, may be null
     const LightList* m_lights = nullptr;  ///< of the frame
