@@ -371,6 +371,11 @@ void OceanPass::shade(Shade which, PictureRect rect, const Drawing& drawing) {
     const auto right = static_cast<GLint>(std::ceil((rect.high.x * 0.5f + 0.5f) * w));
     const auto top = static_cast<GLint>(std::ceil((rect.high.y * 0.5f + 0.5f) * h));
     glScissor(left, bottom, right - left, top - bottom);
+    if (view.everything) { // each program meets marks, in the state of the pipeline of a flight
+        glClearStencil(MARK);
+        glClear(GL_STENCIL_BUFFER_BIT);
+        glClearStencil(0);
+    }
     gl::Program& program = m_shades[which];
     program.use();
     setPlane(program, view, drawing.frame);
@@ -427,8 +432,7 @@ void OceanPass::draw(const Drawing& drawing) {
     glBindFramebuffer(GL_FRAMEBUFFER, drawing.targets.scene_target.getId());
     glDisable(GL_DEPTH_TEST);
     glStencilFunc(GL_EQUAL, MARK, MARK);
-    const GLenum after = drawing.view.everything ? GL_KEEP : GL_ZERO;
-    glStencilOp(GL_KEEP, GL_KEEP, after);
+    glStencilOp(GL_KEEP, GL_KEEP, GL_ZERO);
     shadeAll(drawing);
     glDisable(GL_STENCIL_TEST);
     glEnable(GL_DEPTH_TEST);
