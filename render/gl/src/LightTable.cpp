@@ -20,7 +20,8 @@ void LightTable::init() {
 }
 
 void LightTable::upload(const FrameView& view, const LightList& list) {
-    if (list.lights.empty()) return;
+    if (list.lights.empty() && !m_any) return;
+    m_any = !list.lights.empty();
     m_grid.sort(view, list.lights);
     // New memory each time: the device may still read what the last frame gave it. The frame's own
     // block stays bound.

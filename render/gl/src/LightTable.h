@@ -13,11 +13,12 @@ namespace ig {
 class LightTable {
 public:
     void init();
-    /// Before the draws; without lights nothing goes to the device.
+    /// Before the draws; while there are no lights nothing goes to the device.
     void upload(const FrameView& view, const LightList& list);
 
 private:
     LightGrid m_grid;
+    bool m_any = false; ///< lights on the device
     gl::Buffer m_block, m_cells;
     gl::Texture m_texture; ///< shows the cells to the shaders
 };

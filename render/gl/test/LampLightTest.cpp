@@ -133,3 +133,29 @@ TEST_F(LampLight, SeaMirrorsLampsTowardsTheEye) {
     EXPECT_GT(lit, dark * 1.15);
     EXPECT_NEAR(beside, dark_beside, 0.02 * dark_beside);
 }
+
+// The glitter's program also reads what lights the water.
+TEST_F(LampLight, OfLampsThatAreGoneStaysNoLight) {
+    m_world.removeNode(wall);
+    m_world.addNode(new ObjectOcean());
+    look(15, 0, 3);
+    auto* mirrored = new ObjectLight();
+    Material* const white = material({1, 1, 1, 1}, 0);
+    white->addSlider("density", 10);
+    mirrored->setSurfaceMaterial(0, white);
+    mirrored->setTransform(m_camera.getWorldTransform() * translate(dvec3(0, -3, -150)));
+    m_world.addNode(mirrored);
+    lamp->setCone({60, 80});
+    lamp->setTransform(m_camera.getWorldTransform() * translate(dvec3(0, -5, -60)) *
+                       dmat4(dquat(180, 0, 0), dvec3())); // down
+    const auto shoot = [&](bool on) {
+        lamp->setEnabled(on);
+        draw();
+        s_renderer->readPicture(m_picture);
+        return m_picture.rgb;
+    };
+    shoot(false); // the sky comes to rest
+    const auto before = shoot(false), lit = shoot(true), after = shoot(false);
+    EXPECT_TRUE(before != lit);
+    EXPECT_TRUE(before == after);
+}

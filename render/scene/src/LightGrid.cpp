@@ -67,13 +67,18 @@ LightGrid::LightGrid() {
     constexpr std::size_t CELLS = LIGHT_COLUMNS * LIGHT_ROWS * LIGHT_SLICES;
     m_cells.resize(CELLS);
     m_strengths.resize(CELLS);
+    clear();
 }
 
-void LightGrid::sort(const FrameView& view, const std::vector<LightItem>& lights) {
+void LightGrid::clear() {
     Cell none;
     none.fill(NONE);
     std::fill(m_cells.begin(), m_cells.end(), none);
     std::fill(m_strengths.begin(), m_strengths.end(), Strengths{});
+}
+
+void LightGrid::sort(const FrameView& view, const std::vector<LightItem>& lights) {
+    clear();
     m_block.slices = view.orthographic ? vec4() : vec4(OCTAVE, 1 - OCTAVE * std::log2(FIRST), 0, 0);
     const std::size_t count = std::min(lights.size(), std::size_t{MOST_LIGHTS});
     for (std::size_t i = 0; i < count; i++) {

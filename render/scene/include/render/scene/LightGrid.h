@@ -39,6 +39,7 @@ public:
 
 private:
     using Strengths = std::array<float, LIGHTS_A_CELL>;
+    void clear();
     void pack(const LightItem& light, std::size_t number);
     void add(const FrameView& view, const LightItem& light, std::uint8_t number);
     void addToSlice(const FrameView& view, const LightItem& light, std::uint8_t number, int slice,
