@@ -13,7 +13,7 @@ vec3 lampGlitter(Water w, Sea sea, float c) {
         vec3 light = PI * lampAt(number, w.position, way);
         sum += light * glitterOf(way, w, sea, c);
     }
-    vec2 ahead = normalize(w.position.xy);
+    vec2 ahead = w.position.xy * inversesqrt(dot(w.position.xy, w.position.xy) + 1e-3);
     for (int i = 0; i < MOST_GLINTS; i++) {
         vec3 to = uGlintPlaces[i].xyz - w.position;
         float d2 = dot(to, to) + 1.0;

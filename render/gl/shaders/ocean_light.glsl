@@ -6,7 +6,7 @@ const vec3 DEEP = vec3(0.006, 0.036, 0.052), CREST = vec3(0.010, 0.085, 0.070);
 // Share of light that a rough surface mirrors (Bruneton, Neyret and Holzschuch 2010); `c` is the
 // cosine of the angle between normal and line of sight.
 float reflectance(float c, float variance, float sigma) {
-    return 0.02 + 0.98 * pow(1.0 - c, 5.0 * exp(-2.69 * sigma)) /
+    return 0.02 + 0.98 * pow(max(1.0 - c, 0.0), 5.0 * exp(-2.69 * sigma)) /
                       (1.0 + 22.7 * variance / sqrt(max(sigma, 1e-3)));
 }
 
@@ -20,9 +20,10 @@ vec3 mirroredSky(Water w, vec3 normal, float c, float variance, float sigma) {
 // a unit vector, `c` the cosine of the angle between normal and line of sight.
 float glitterOf(vec3 toLight, Water w, Sea sea, float c) {
     vec3 half_way = normalize(w.toEye + toLight);
+    half_way.z = max(half_way.z, 1e-3); // a light below the horizon
     vec2 miss = -half_way.xy / half_way.z - sea.slope;
     float glint = exp(-0.5 * dot(miss, miss) / sea.variance) / (2.0 * PI * sea.variance);
-    float mirror = 0.02 + 0.98 * pow(1.0 - max(dot(w.toEye, half_way), 0.0), 5.0);
+    float mirror = 0.02 + 0.98 * pow(1.0 - clamp(dot(w.toEye, half_way), 0.0, 1.0), 5.0);
     float hz2 = half_way.z * half_way.z;
     return min(glint * mirror / (4.0 * hz2 * hz2 * max(c, 0.06)), 120.0) *
            smoothstep(0.0, 0.05, toLight.z);

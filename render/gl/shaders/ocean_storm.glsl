@@ -23,7 +23,7 @@ void addRipples(Water w, inout Sea sea) {
 Sea sparkling(Water w, Sea sea) {
     float tilted = 0.7 * uStorm.x / (1.0 + w.footprint * w.footprint);
     const float SPREAD = 0.111; // standard deviation of the noise's rise
-    float level = floor(w.level), tick = floor(uTime.x * 8.0);
+    float level = floor(w.level), tick = mod(floor(uTime.x * 8.0), 97.0); // large numbers hash badly
     vec2 jump = vec2(hash(vec2(tick, level)), hash(vec2(level, tick)));
     vec2 tilt = textureLod(uNoise, w.plane * (8.0 / NOISE_EDGE * exp2(-level)) + jump, 0.0).zw - 0.5;
     sea.slope += tilt * sqrt(sea.variance * tilted) / SPREAD;
