@@ -39,7 +39,7 @@ void main() {
         float s = sin(aShape.x), c = cos(aShape.x);
         eye.xy += mat2(c, s, -s, c) * corner * size;
     }
-    float sunlit = isLamp ? 0.0 : 0.17 * (1.0 + 0.5 * corner.y) * lightReachingOnce(p);
+    float sunlit = isLamp ? 0.0 : 0.17 * (1.0 + 0.5 * corner.y) * cloudShade(p) * lightReachingOnce(p);
     vec3 lit = aColor.rgb * (uAmbient.rgb * 0.9 + uLight.rgb * sunlit);
 #ifdef LIGHTS
     lit += aColor.rgb * (0.25 * lampAround(p));

@@ -8,8 +8,9 @@
 namespace ig {
 
 void SpritePass::init() {
-    m_program.start("shadow.glsl sprite.vert", "sprite.frag");
-    m_lit_program.start("shadow.glsl lights.glsl sprite.vert", "sprite.frag", "LIGHTS");
+    m_program.start("cloudshade.glsl shadow.glsl sprite.vert", "sprite.frag");
+    m_lit_program.start("cloudshade.glsl shadow.glsl lights.glsl sprite.vert", "sprite.frag",
+                        "LIGHTS");
     m_buffer.create();
     m_vertex_array.create();
     glBindVertexArray(m_vertex_array.getId());
