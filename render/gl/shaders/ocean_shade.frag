@@ -19,8 +19,8 @@ Water readWater() {
     float range = length(w.position);
     w.toEye = -w.position / range;
     w.footprint = range * uTime.y;
-    // As neighbours in the picture tell; where those are another wave or no water, at least and at
-    // most what level water covers.
+    // As neighbours in the picture tell; where those are another wave, or show no water now but what
+    // an earlier picture left in the texture, at least and at most what level water covers.
     vec2 across = abs(dFdx(w.plane)), along = abs(dFdy(w.plane));
     float covered = max(max(across.x, across.y), max(along.x, along.y));
     float level_water = w.footprint / clamp(w.toEye.z, 0.01, 1.0);

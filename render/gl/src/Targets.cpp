@@ -46,6 +46,9 @@ bool Targets::make(int width, int height, float scale) {
     attach(toned_target, toned, nullptr);
     attach(filtered_target, filtered, nullptr);
     attach(finished_target, finished, nullptr);
+    constexpr float NO_WATER[4] = {};
+    glBindFramebuffer(GL_FRAMEBUFFER, water_target.getId());
+    glClearBufferfv(GL_COLOR, 0, NO_WATER);
     if (!complete)
         jLog::error("RendererGL: the driver refuses framebuffers of %d x %d pixels", m_width,
                     m_height);
