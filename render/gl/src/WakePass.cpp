@@ -72,7 +72,6 @@ void WakePass::bakeKelvin() {
 }
 
 void WakePass::draw(const FrameView& view, const WakeList& list, const OceanFrame& ocean) {
-
     glDisable(GL_DEPTH_TEST);
     glDisable(GL_BLEND);
     if (!list.wakes.empty() && !m_kelvin_map) bakeKelvin();
