@@ -90,8 +90,10 @@ vec3 sumUp(std::span<const vec4> texels, int edge) {
     return sum / weights;
 }
 
-HazeColor fitHaze(std::span<const vec4> texels, int edge, const vec3& sun) {
-    std::vector<HazeColor::Sample> samples;
+/// `samples` is used over and over.
+HazeColor fitHaze(std::span<const vec4> texels, int edge, const vec3& sun,
+                  std::vector<HazeColor::Sample>& samples) {
+    samples.clear();
     for (int i = 0; i < edge * edge; i++) {
         const vec2 p = placeOf(i, edge);
         const float r2 = p.x * p.x + p.y * p.y;
@@ -125,6 +127,7 @@ void SkyMaps::init() {
     glBindBuffer(GL_PIXEL_PACK_BUFFER, m_back.getId());
     glBufferData(GL_PIXEL_PACK_BUFFER, 2 * sizeof m_small, nullptr, GL_STREAM_READ);
     glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
+    m_samples.reserve(m_small.size());
 }
 
 /// Half floats: eight bits draw bands across a sky that changes so slowly.
@@ -270,7 +273,7 @@ void SkyMaps::finish() {
     Map& map = m_maps[m_making.map];
     glBindBuffer(GL_PIXEL_PACK_BUFFER, m_back.getId());
     glGetBufferSubData(GL_PIXEL_PACK_BUFFER, 0, sizeof m_small, m_small.data());
-    map.haze = fitHaze(m_small, SMALL, map.shows.sun);
+    map.haze = fitHaze(m_small, SMALL, map.shows.sun, m_samples);
     glGetBufferSubData(GL_PIXEL_PACK_BUFFER, sizeof m_small, sizeof m_small, m_small.data());
     map.ambient = sumUp(m_small, SMALL);
     glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);

@@ -6,6 +6,7 @@
 #include "render/scene/HazeColor.h"
 
 #include <array>
+#include <vector>
 
 namespace ig {
 
@@ -86,8 +87,9 @@ private:
     Map m_fading;      ///< from the map before to the one that is shown
     gl::Buffer m_back; ///< what the processor wants of the map in the making
     Small m_small;     ///< the same, when it has come
-    int m_shown =
-        0; ///< of the first three; the next one is in the making, the one after was before
+    std::vector<HazeColor::Sample> m_samples; ///< of the haze
+    /// Of the first three; the next one is in the making, the one after was before.
+    int m_shown = 0;
     bool m_elsewhere = false; ///< the eye that is drawn for sees `ELSEWHERE`
     int m_since = 0;          ///< steps since the map that is shown was finished
     Making m_making;

@@ -132,6 +132,7 @@ TEST_F(CountedFrames, ASteadyFrameAllocatesNothing) {
     world.getNodeByName("rain")->setEnabled(true);
     for (Node* node : helicopter->getNodes())
         node->setEnabled(true);
+    frame.wind = {100, 50}; // the sky is made over and over
     UIRoot ui;
     auto* label = new UILabel(&ui, "");
     ui.addChild(label);
