@@ -346,8 +346,7 @@ void RendererGL::Impl::planShadows() {
     if (block.light_direction.w > 0 && isMain()) {
         shadow_casters.plan(list.casters, *shadow_place);
         const TerrainGrid* ground = list.terrain ? &list.terrain->getGrid() : nullptr;
-        if (hills.update(ground, shadow_place->getLight(), shadow_place->isNew()))
-            hill_map.upload(hills);
+        if (hills.update(ground, shadow_place->getLight())) hill_map.upload(hills);
     } else {
         shadow_casters.rest();
     }

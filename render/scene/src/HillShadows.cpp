@@ -32,11 +32,12 @@ float heightAt(const TerrainGrid& grid, double column, double row) {
 
 } // namespace
 
-bool HillShadows::update(const TerrainGrid* grid, const dvec3& light, bool is_new) {
+bool HillShadows::update(const TerrainGrid* grid, const dvec3& light) {
     const TerrainGrid made_of = grid ? *grid : TerrainGrid();
     const bool is_other = made_of != m_made_of;
-    if (!is_other && !is_new) return false;
+    if (!is_other && length(light - m_light) <= 0) return false;
     m_made_of = made_of;
+    m_light = light;
     if (is_other && !made_of.empty()) layOut(made_of);
     const bool were_any = m_any;
     m_any = false;

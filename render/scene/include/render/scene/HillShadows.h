@@ -25,8 +25,9 @@ public:
     static constexpr int SIZE = 512;      ///< texels along an edge
     static constexpr float NONE = -10000; ///< m: no shadow
 
-    /// Sweeps anew if `is_new`, or for another terrain; null: none. True when the map has changed.
-    bool update(const TerrainGrid* grid, const dvec3& light, bool is_new);
+    /// Sweeps anew for another light (world; one that holds still from frame to frame while it
+    /// turns invisibly) or another terrain; null: none. True when the map has changed.
+    bool update(const TerrainGrid* grid, const dvec3& light);
     /// Whether there is any shadow.
     bool isAny() const { return m_any; }
     /// The map, rows from the south; m.
@@ -44,6 +45,7 @@ private:
     void note(std::size_t place, float shadow);
 
     TerrainGrid m_made_of; ///< only to be compared: the terrain may have gone
+    dvec3 m_light;         ///< that it was swept for
     dmat4 m_frame;         ///< of the map's middle, world
     mat4 m_to_map;         ///< from the view's frame, as in the frame block
     double m_half = 1;     ///< half the edge, m
