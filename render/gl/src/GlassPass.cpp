@@ -36,7 +36,8 @@ void GlassPass::update(const SceneList& list, const FrameView& view, const Frame
 bool GlassPass::isSnowy(const FrameInfo& frame) const { return frame.snow > 0 || m_film.hasSnow(); }
 
 void GlassPass::draw(MeshPass& meshes, const SceneList& list, const FrameView& view,
-                     const Targets& canvas) {
+                     const Targets& canvas, bool is_main) {
+    m_is_main = is_main;
     const auto covered = [](const MeshItem& pane) { return pane.cover != PaneCover::nothing; };
     if (std::any_of(list.panes.begin(), list.panes.end(), covered)) {
         shrink(view, canvas);
@@ -75,7 +76,9 @@ void GlassPass::bind(gl::Program& program) const {
     program.set("uSectors", gl::UNIT_FIRST_OWN + 2);
     program.set("uFlow", m_film.getFlow());
     program.set("uStream", m_film.getAir());
-    program.set("uBlades", m_film.getPlaces().data(), static_cast<int>(m_film.getPlaces().size()));
+    static constexpr std::remove_cvref_t<decltype(m_film.getPlaces())> NO_BLADES{};
+    const auto& blades = m_is_main ? m_film.getPlaces() : NO_BLADES;
+    program.set("uBlades", blades.data(), static_cast<int>(blades.size()));
 }
 
 } // namespace ig

@@ -19,9 +19,10 @@ public:
     void update(const SceneList& list, const FrameView& view, const FrameInfo& frame);
     /// Whether panes show snow in that frame.
     bool isSnowy(const FrameInfo& frame) const;
-    /// The list's panes, over all else that the canvas shows; not without one.
-    void draw(MeshPass& meshes, const SceneList& list, const FrameView& view,
-              const Targets& canvas);
+    /// The list's panes, over all else that the canvas shows; not without one. `is_main`: for the
+    /// eye of `update`, in whose frame the wiped sectors lie; others see panes that nothing wipes.
+    void draw(MeshPass& meshes, const SceneList& list, const FrameView& view, const Targets& canvas,
+              bool is_main);
     /// The next frame is again the first.
     void forget() { m_film.forget(); }
 
@@ -35,6 +36,7 @@ private:
 
     GlassFilm m_film;
     bool m_changed = true; ///< since the device got it
+    bool m_is_main = true; ///< of the eye that is drawn for
     gl::Program m_shrink;
     gl::Texture m_drops, m_sectors, m_behind;
     gl::Framebuffer m_behind_target;

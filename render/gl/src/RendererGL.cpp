@@ -427,7 +427,7 @@ void RendererGL::Impl::drawScene(const World& world) {
     clock.mark("transparent");
     sprites.draw(view, sprite_list.sprites, canvas->depth, !lights.lights.empty());
     clock.mark("sprites");
-    if (!list.panes.empty()) glass.draw(meshes, list, view, *canvas);
+    if (!list.panes.empty()) glass.draw(meshes, list, view, *canvas, canvas == &targets);
     clock.mark("glass");
 }
 
