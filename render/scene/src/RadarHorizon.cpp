@@ -13,7 +13,7 @@ namespace ig {
 
 namespace {
 
-constexpr double STILL = 25, STILL_UP = 5; // m that the radar may go before all is looked at anew
+constexpr double STILL = 100, STILL_UP = 15; // m that the radar may go before all is looked at anew
 constexpr double CURVATURE = 0.5 / (4.0 / 3 * EllipsoidModel::MEAN_RADIUS);
 constexpr double STEP = double{RadarHorizon::REACH} / RadarHorizon::RANGES;
 

@@ -44,7 +44,7 @@ TEST(RadarHorizon, AWallHidesWhatIsBelowTheLineOverIt) {
     EXPECT_LT(horizon.getLowest({9000, 2000}), 10);
 
     EXPECT_FALSE(horizon.update(&wall.grid, site + dvec3(5 / degree, 0, 1)));
-    EXPECT_TRUE(horizon.update(&wall.grid, site + dvec3(50 / degree, 0, 0)));
+    EXPECT_TRUE(horizon.update(&wall.grid, site + dvec3(150 / degree, 0, 0)));
     EXPECT_TRUE(horizon.update(nullptr, site));
     EXPECT_LT(horizon.getLowest({0, 7500}), 5);
 }
