@@ -84,3 +84,19 @@ TEST_F(GrassOf, NoneGrowsThroughASlab) {
     EXPECT_EQ(countDifferent(bare, now()), 0);
     EXPECT_GT(countDifferent(calm, bare), 300);
 }
+
+/// What grows hides about a third of the ground here: either of the two would stay dark.
+TEST_F(GrassOf, LampsLightTurfAndBlades) {
+    setMidnight();
+    const Picture dark = settled();
+    auto* lamp = new ObjectLight();
+    lamp->setIntensity(60000, 100);
+    lamp->setWgsPosition({PLACE.x, PLACE.y - 6 / 110700.0, m_ground + 12});
+    m_world.addNode(lamp);
+    const Picture lit = now();
+    int brighter = 0, all = 0;
+    for (int y = HEIGHT * 6 / 10; y < HEIGHT; y++)
+        for (int x = 0; x < WIDTH; x++, all++)
+            brighter += lit.at(x, y)[1] > dark.at(x, y)[1] + 25;
+    EXPECT_GT(brighter, 0.95 * all);
+}

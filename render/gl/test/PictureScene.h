@@ -43,6 +43,11 @@ public:
         return ig::frustum(-RIGHT, RIGHT, -TOP, TOP, NEAR, FAR, shear_x, shear_y);
     }
 
+    /// Neither sun nor moon.
+    void setMidnight() {
+        m_frame.sun_direction = ig::computeSky(0, LONGITUDE, 80).sun_direction;
+        m_frame.moon_direction = m_frame.sun_direction;
+    }
     /// Pitch: down is positive.
     void look(double altitude, double heading, double pitch, double north = 0) {
         m_camera.setWgsPosition({LONGITUDE, LATITUDE + north / 110700, altitude});

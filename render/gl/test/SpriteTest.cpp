@@ -71,3 +71,15 @@ TEST_F(SpriteOf, WhatStandsBeforeThemHidesParticles) {
     EXPECT_TRUE(isGreen(0.5, 0.5));
     EXPECT_TRUE(isRed(0.3, 0.5));
 }
+
+TEST_F(SpriteOf, LampsLightParticles) {
+    setMidnight();
+    look(40, 0, 0);
+    addPuffs(30);
+    const int dark = brightnessInTheMiddle();
+    auto* lamp = new ObjectLight();
+    lamp->setIntensity(20000, 100);
+    lamp->setTransform(m_camera.getWorldTransform() * translate(dvec3(0, 15, -20)));
+    m_world.addNode(lamp);
+    EXPECT_GT(brightnessInTheMiddle(), dark + 60);
+}
