@@ -26,12 +26,15 @@ vec3 hazeColor(vec2 direction) {
     return max(uHazeMean.rgb + x * (uHazeSlope.rgb + x * uHazeBend.rgb) + glow * uHazeGlow.rgb, 0.0) * uSky.x;
 }
 
-// Share of light that crosses the air between the eye and p. The haze thins out with height.
-float clearness(vec3 p) {
-    float k = p.z * uAir.x;
+// How much the air dims light on the way between the eye and so far above it, 1/m. The haze thins
+// out with height.
+float dimming(float above) {
+    float k = above * uAir.x;
     float mean = abs(k) > 1e-3 ? (1.0 - exp(-k)) / k : 1.0;
-    return exp(-uAmbient.w * uAir.y * mean * length(p));
+    return uAmbient.w * uAir.y * mean;
 }
+// Share of light that crosses the air between the eye and p.
+float clearness(vec3 p) { return exp(-dimming(p.z) * length(p)); }
 
 float hash(vec2 p) {
     p = fract(p * vec2(123.34, 456.21));

@@ -8,10 +8,11 @@
 in vec3 vPosition;
 in vec3 vNormal;
 in vec2 vPlace;
-in vec3 vHaze;
-in float vSun;
+flat in vec3 vHaze;
+flat in float vSun;
 in vec3 vOwn;
 in float vHillTop;
+in float vDim;
 uniform vec4 uColor;      // w: opacity
 uniform vec4 uSurface;    // roughness, metalness, emission, width over which paint frays, m
 uniform vec4 uCover;      // wetness, ice, rain on glass
@@ -137,8 +138,8 @@ void main() {
 #endif
 #endif
     // What shines by itself looks nearly the same to an eye used to the dark and to one that isn't.
-    vec3 glow = uColor.rgb * (uSurface.z * pow(0.3 / uLight.w, 0.92));
-    float clear = clearness(vPosition);
+    vec3 glow = uColor.rgb * (uSurface.z * uTime.w);
+    float clear = exp(-vDim * range);
 #ifdef MATTE
     vec3 specular = vec3(0.0);
 #else

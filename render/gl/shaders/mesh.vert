@@ -12,10 +12,11 @@ layout(location = 7) in float aSun; // share of the key light that clouds let th
 out vec3 vPosition;
 out vec3 vNormal;
 out vec2 vPlace;
-out vec3 vHaze;
-out float vSun;
+flat out vec3 vHaze;
+flat out float vSun;
 out vec3 vOwn; // in the mesh's own frame
 out float vHillTop;
+out float vDim; // by what haze takes light on the way to the eye, 1/m
 #ifdef TEXTURED
 out vec3 vOwnNormal;
 #endif
@@ -28,6 +29,7 @@ void main() {
     vHaze = aHaze.rgb;
     vSun = aSun;
     vOwn = aPosition;
+    vDim = dimming(vPosition.z);
 #if defined(PAVED) || defined(SOAKED) || defined(PAINTED) || defined(DECAL) // wide ones
     vHillTop = vPosition.z + hillsAbove(vPosition);
 #else

@@ -300,6 +300,7 @@ void RendererGL::Impl::prepare(const World& world, const Camera& camera, const F
                           : view.pixel_angle;
     block.time = {static_cast<float>(std::fmod(frame.time, 4096)), pixel_angle, 0, 0};
     sky.update(view, frame, canvas == &targets, block);
+    block.time.w = std::pow(0.3f / block.light.w, 0.92f);
     const bool casts = placeShadows(frame);
     list.time = frame.time;
     list.left_out = camera.getType() == NODE_CAMERA_RADAR ? frame.focus : nullptr;

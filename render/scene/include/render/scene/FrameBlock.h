@@ -48,7 +48,8 @@ struct FrameBlock {
                       ///< light that clouds take away; w: altitude of their bases, m
     vec4 cloud_air;   ///< x: extinction of the air on the way to them, 1/m
     vec4 weather;     ///< x: rain, y: snow, z: cloud cover, w: overcast, or in the clouds
-    vec4 time;        ///< x: scene time, s; y: angle of a pixel, rad; z: lightning, 0 to 1
+    vec4 time;        ///< x: scene time, s; y: angle of a pixel, rad; z: lightning, 0 to 1;
+                      ///< w: gain of what shines by itself
     vec4 bolt;        ///< towards the bolt's foot (unit, level); z: its shape, 0 to 1;
                       ///< w: brightness
 };
