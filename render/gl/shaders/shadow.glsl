@@ -27,8 +27,14 @@ vec3 shadowPlace(vec3 p) {
 float lightReaching(vec3 p) {
     vec3 q = shadowPlace(p);
     vec2 texel = 1.0 / vec2(textureSize(uShadowMap, 0));
+#ifdef PAVED // wide, and shades nothing itself
     float lit = 0.5 * (textureLod(uShadowMap, vec3(q.xy + texel * vec2(-0.45, -0.3), q.z), 0.0) +
                        textureLod(uShadowMap, vec3(q.xy + texel * vec2(0.45, 0.3), q.z), 0.0));
+#else
+    float lit = (textureLod(uShadowMap, vec3(q.xy + texel * vec2(-0.5, -0.3), q.z), 0.0) +
+                 textureLod(uShadowMap, vec3(q.xy + texel * vec2(0.5, -0.3), q.z), 0.0) +
+                 textureLod(uShadowMap, vec3(q.xy + texel * vec2(0.0, 0.55), q.z), 0.0)) / 3.0;
+#endif
 #ifdef HILLS
     lit *= 1.0 - hillShade(hillsAbove(p));
 #endif

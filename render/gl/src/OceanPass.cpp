@@ -38,12 +38,6 @@ struct Growth {
 };
 constexpr Growth GALE{{14, 19}, {3.6f, 5.5f}}, HURRICANE{{23, 33}, {8, 13}};
 
-/// Between levels of detail the sea's lace and streaks are as good as within one; clouds aren't.
-void filterNoise(GLint filter) {
-    glActiveTexture(GL_TEXTURE0 + gl::UNIT_NOISE);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, filter);
-}
-
 constexpr GLuint MARK = 1; ///< in the stencil, where the sea is what one sees
 constexpr int BLOCK = 31;  ///< cells of the grid along a row whose vertices stay in the cache
 constexpr int BAND = 15;   ///< rows of cells that are drawn, or left out, together
@@ -53,7 +47,6 @@ constexpr double FLATTEN_FROM = 500, FLATTEN_TO = 950;
 } // namespace
 
 void OceanPass::init(bool quick) {
-    m_quick = quick;
     m_columns = quick ? 96 : 320;
     m_rows = quick ? 90 : 240;
     for (const auto& [fan, word] : {std::pair{&m_fan, ""}, std::pair{&m_raised_fan, "RAISED"}})
@@ -398,7 +391,6 @@ void OceanPass::shadeAll(const Drawing& drawing) {
         gl::bindTexture(UNIT_SLOPE + i, m_tiles.getSlope(i));
     glBindVertexArray(m_empty.getId());
     glEnable(GL_SCISSOR_TEST);
-    filterNoise(m_quick ? GL_LINEAR_MIPMAP_NEAREST : GL_LINEAR_MIPMAP_LINEAR);
     const PictureRect downwash = findDownwash(drawing.view, drawing.frame, drawing.downdraughts);
     const bool all = drawing.view.everything, storm = findStorm(drawing.frame).x > 0;
     shade(LIT, findLit(drawing), drawing);
@@ -414,7 +406,6 @@ void OceanPass::shadeAll(const Drawing& drawing) {
     const bool still = drawing.wakes.getNear().empty && drawing.wakes.getFar().empty;
     if ((!storm && !still) || all) shade(WITH_WAKES, PictureRect::whole(), drawing);
     if ((!storm && still) || all) shade(OPEN, PictureRect::whole(), drawing);
-    filterNoise(GL_LINEAR_MIPMAP_LINEAR);
     glDisable(GL_SCISSOR_TEST);
 }
 

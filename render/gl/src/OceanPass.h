@@ -71,7 +71,6 @@ private:
     void shade(Shade which, PictureRect rect, const Drawing& drawing);
     void shadeAll(const Drawing& drawing);
 
-    bool m_quick = false;
     int m_columns = 0, m_rows = 0;
     std::vector<int> m_bands; ///< first index of each band of rows, near ones first, and the end
     PictureRect m_sea;        ///< outside it the frame's fan leaves no mark

@@ -95,6 +95,7 @@ struct RendererGL::Impl {
     void uploadBlock();
     void gatherLights(const FrameInfo& frame);
     void drawShadows();
+    void filterNoise(bool finely) const;
     void drawScene(const World& world);
     void finishPicture();
     void drawPicture(const World& world, const Camera& camera, const FrameInfo& frame, Targets& to);
@@ -402,6 +403,15 @@ void RendererGL::Impl::drawShadows() {
     hill_map.bind();
 }
 
+/// Between levels of detail, paving, ground and the sea's lace and streaks are as good as within one,
+/// where a processor pays for each look; clouds aren't.
+void RendererGL::Impl::filterNoise(bool finely) const {
+    if (!software) return;
+    gl::bindTexture(gl::UNIT_NOISE, noise);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER,
+                    finely ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR_MIPMAP_NEAREST);
+}
+
 /// Opaque first and near first, so that hidden pixels cost nothing; then the sky where nothing is;
 /// then what lets light through.
 void RendererGL::Impl::drawScene(const World& world) {
@@ -409,6 +419,7 @@ void RendererGL::Impl::drawScene(const World& world) {
     glViewport(0, 0, canvas->getSceneWidth(), canvas->getSceneHeight());
     glEnable(GL_DEPTH_TEST);
     glClear(GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+    filterNoise(false);
     meshes.drawOpaque();
     clock.mark("meshes");
     if (list.terrain) terrain.draw(view, *list.terrain, lights, castHills());
@@ -419,10 +430,13 @@ void RendererGL::Impl::drawScene(const World& world) {
         ocean.draw({view, list.ocean->getFrame(), list.downdraughts, findShadowsOnSea(), lights,
                     glints, wakes, *canvas, findLand()});
     clock.mark("ocean");
+    filterNoise(true);
     sky.drawBackground(view);
     sky.drawClouds(view, *canvas);
     clock.mark("sky");
+    filterNoise(false);
     meshes.drawTransparent();
+    filterNoise(true);
     glBindFramebuffer(GL_FRAMEBUFFER, canvas->light_target.getId()); // what follows reads the depth
     beams.draw(view, lights, canvas->depth);
     clock.mark("transparent");
