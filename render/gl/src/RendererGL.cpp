@@ -97,8 +97,12 @@ struct RendererGL::Impl {
     void drawShadows();
     void filterNoise(bool finely) const;
     void drawScene(const World& world);
-    void finishPicture();
-    void drawPicture(const World& world, const Camera& camera, const FrameInfo& frame, Targets& to);
+    void finishPicture(GLuint goal);
+    void drawEnd(const Targets& from, GLuint goal) const;
+    void drawOver(const gl::Program& program, const gl::Texture& from, GLuint to) const;
+    void drawPicture(const World& world, const Camera& camera, const FrameInfo& frame, Targets& to,
+                     GLuint goal);
+    bool fitsWindow() const;
     void present();
 
     void rehearse(Rehearsal& r);
@@ -115,6 +119,7 @@ struct RendererGL::Impl {
     HeadlessContext context; // before all that lives in it and goes before it
     Targets targets;
     Targets* canvas = &targets; ///< what the passes draw into
+    bool in_window = false;     ///< the last picture's end, and not in the finished one
     gl::Buffer block_buffer;
     gl::VertexArray empty;
     gl::Program tonemap, fxaa, fxaa_small, upscale;
@@ -260,20 +265,23 @@ void RendererGL::Impl::renderScene(const World& world, const Camera& camera,
     clock.begin();
     viewports.update(frame, noise, [this, &frame](const World& w, const Camera& c, Targets& to) {
         clock.paused = true;
-        drawPicture(w, c, frame, to);
+        drawPicture(w, c, frame, to, to.finished_target.getId());
         clock.paused = false;
     });
     clock.mark("viewports");
-    drawPicture(world, camera, frame, targets);
-    if (frame.ui) ui.draw(*frame.ui, viewports, targets.getWidth(), targets.getHeight());
+    in_window = fitsWindow();
+    drawPicture(world, camera, frame, targets, in_window ? 0 : targets.finished_target.getId());
+    ui.gather(frame.ui, viewports);
+    ui.draw(targets.getWidth(), targets.getHeight());
     clock.mark("ui");
     present();
     clock.mark("present");
 }
 
-/// The scene as that camera sees it, without user interface.
+/// The scene as that camera sees it, without user interface. `goal`: the framebuffer of the full
+/// size that it ends in, which stays bound.
 void RendererGL::Impl::drawPicture(const World& world, const Camera& camera, const FrameInfo& frame,
-                                   Targets& to) {
+                                   Targets& to, GLuint goal) {
     canvas = &to;
     prepare(world, camera, frame);
     clock.mark("prepare");
@@ -282,7 +290,7 @@ void RendererGL::Impl::drawPicture(const World& world, const Camera& camera, con
     if (list.ocean) wakes.draw(view, wake_list, list.ocean->getFrame());
     clock.mark("wakes");
     drawScene(world);
-    finishPicture();
+    finishPicture(goal);
     clock.mark("picture");
 }
 
@@ -448,32 +456,42 @@ void RendererGL::Impl::drawScene(const World& world) {
 
 /// Light to picture: tone curve, edge filter, and where the scene is smaller than its picture, the
 /// enlargement.
-void RendererGL::Impl::finishPicture() {
+void RendererGL::Impl::finishPicture(GLuint goal) {
     glDisable(GL_DEPTH_TEST);
-    glBindVertexArray(empty.getId());
-    const auto step = [](const gl::Program& program, const gl::Texture& from,
-                         const gl::Framebuffer& to) {
-        glBindFramebuffer(GL_FRAMEBUFFER, to.getId());
-        program.use();
-        gl::bindTexture(gl::UNIT_FIRST_OWN, from);
-        glDrawArrays(GL_TRIANGLES, 0, 3);
-    };
-    step(tonemap, canvas->light, canvas->toned_target);
-    if (!canvas->isEnlarged()) {
-        step(fxaa, canvas->toned, canvas->finished_target);
-        return;
-    }
-    step(fxaa_small, canvas->toned, canvas->filtered_target);
-    glViewport(0, 0, canvas->getWidth(), canvas->getHeight());
-    step(upscale, canvas->filtered, canvas->finished_target);
+    drawOver(tonemap, canvas->light, canvas->toned_target.getId());
+    if (canvas->isEnlarged()) drawOver(fxaa_small, canvas->toned, canvas->filtered_target.getId());
+    drawEnd(*canvas, goal);
 }
 
-/// Live the sizes are equal, and pixels go over as they are; a replay's picture has the log's.
+/// The last step, which may be taken again: what it reads lasts until the next picture.
+void RendererGL::Impl::drawEnd(const Targets& from, GLuint goal) const {
+    glViewport(0, 0, from.getWidth(), from.getHeight());
+    if (from.isEnlarged())
+        drawOver(upscale, from.filtered, goal);
+    else
+        drawOver(fxaa, from.toned, goal);
+}
+
+void RendererGL::Impl::drawOver(const gl::Program& program, const gl::Texture& from,
+                                GLuint to) const {
+    glBindFramebuffer(GL_FRAMEBUFFER, to);
+    glBindVertexArray(empty.getId());
+    program.use();
+    gl::bindTexture(gl::UNIT_FIRST_OWN, from);
+    glDrawArrays(GL_TRIANGLES, 0, 3);
+}
+
+/// Then its last steps are drawn there at once, which saves a copy of all pixels.
+bool RendererGL::Impl::fitsWindow() const {
+    const auto fits = [](int window, int picture) { return window <= 0 || window == picture; };
+    return surface == Surface::window && fits(window_width, targets.getWidth()) &&
+           fits(window_height, targets.getHeight());
+}
+
+/// A replay's picture has the log's size, and is fitted into the window.
 void RendererGL::Impl::present() {
-    if (surface == Surface::none) {
-        glFinish(); // nobody else waits for the device
-        return;
-    }
+    if (surface == Surface::none) glFinish(); // nobody else waits for the device
+    if (surface == Surface::none || in_window) return;
     const int width = targets.getWidth(), height = targets.getHeight();
     const int window_w = window_width > 0 ? window_width : width;
     const int window_h = window_height > 0 ? window_height : height;
@@ -550,16 +568,23 @@ void RendererGL::Impl::rehearse(Rehearsal& r) {
         const bool scaled = v.sun < 0;
         const int odd = scaled ? 1 : 0;
         if (r.stopped || !small.make(width | odd, height | odd, scaled ? 0.5f : 1)) break;
-        drawPicture(r.wanted.world, eye, frame, small);
+        drawPicture(r.wanted.world, eye, frame, small, small.finished_target.getId());
+        if (surface == Surface::window) drawEnd(small, 0);
     }
     if (!r.stopped && frame.ui) {
         viewports.rehearse(
             frame, noise,
-            [&](const World& w, const Camera& c, Targets& to) { drawPicture(w, c, frame, to); },
+            [&](const World& w, const Camera& c, Targets& to) {
+                drawPicture(w, c, frame, to, to.finished_target.getId());
+            },
             r.sea);
-        glBindFramebuffer(GL_FRAMEBUFFER, small.finished_target.getId());
+        ui.gather(frame.ui, viewports);
         glViewport(0, 0, width, height);
-        ui.draw(*frame.ui, viewports, width, height);
+        for (const GLuint goal : {small.finished_target.getId(), GLuint{0}}) {
+            if (goal == 0 && surface == Surface::none) break;
+            glBindFramebuffer(GL_FRAMEBUFFER, goal);
+            ui.draw(width, height);
+        }
         step(r);
     }
     glFinish();
@@ -617,6 +642,11 @@ void RendererGL::Impl::forget() {
 bool RendererGL::readPicture(Picture& picture) {
     Impl& r = *m_impl;
     if (!r.ready) return false;
+    if (r.in_window) { // whose pixels may be gone
+        r.drawEnd(r.targets, r.targets.finished_target.getId());
+        r.ui.draw(r.targets.getWidth(), r.targets.getHeight());
+        r.in_window = false;
+    }
     picture.width = r.targets.getWidth();
     picture.height = r.targets.getHeight();
     const std::size_t row = 3 * static_cast<std::size_t>(picture.width);

@@ -85,20 +85,21 @@ void UiPass::bindAtlas() {
                     GL_UNSIGNED_BYTE, m_atlas.getRow(first));
 }
 
-void UiPass::draw(const UiDrawList& list, const ViewportPass& viewports, int width, int height) {
+void UiPass::gather(const UiDrawList* list, const ViewportPass& viewports) {
     m_vertices.clear();
     m_runs.clear();
-    for (const UiDrawList::Command& c : list.getCommands()) {
+    if (!list) return;
+    for (const UiDrawList::Command& c : list->getCommands()) {
         const vec2 low{c.x, c.y}, high{c.x + c.w, c.y + c.h}, solid = m_atlas.getSolid();
         switch (c.kind) {
         case UiDrawList::Kind::rect:
             addQuad(nullptr, low, high, solid, solid, c.rgba);
             break;
         case UiDrawList::Kind::text:
-            addText(c.x, c.y, c.h, c.rgba, list.text(c));
+            addText(c.x, c.y, c.h, c.rgba, list->text(c));
             break;
         case UiDrawList::Kind::image:
-            addQuad(&findImage(list.text(c)), low, high, {0, 0}, {1, 1}, c.rgba);
+            addQuad(&findImage(list->text(c)), low, high, {0, 0}, {1, 1}, c.rgba);
             break;
         case UiDrawList::Kind::viewport: // a rendered picture's rows come from the bottom
             if (const gl::Texture* picture = viewports.find(c.viewport))
@@ -108,6 +109,9 @@ void UiPass::draw(const UiDrawList& list, const ViewportPass& viewports, int wid
             break;
         }
     }
+}
+
+void UiPass::draw(int width, int height) {
     if (m_vertices.empty()) return;
     m_program.use();
     m_program.set("uSize", vec2{static_cast<float>(width), static_cast<float>(height)});

@@ -17,8 +17,10 @@ class ViewportPass;
 class UiPass {
 public:
     void init();
-    /// Onto the bound framebuffer of that size.
-    void draw(const UiDrawList& list, const ViewportPass& viewports, int width, int height);
+    /// Takes what to draw; null: nothing.
+    void gather(const UiDrawList* list, const ViewportPass& viewports);
+    /// Onto the bound framebuffer of that size, what was gathered last.
+    void draw(int width, int height);
 
 private:
     struct Vertex {

@@ -11,9 +11,9 @@ namespace ig {
 /// Draws the scene with OpenGL 3.3 core.
 ///
 /// Everything is drawn into framebuffers of its own, at the render scale, in linear light; then
-/// toned, filtered, scaled to the size of the picture, and covered with the user interface. With a
-/// window the picture is copied to it, fitted into it where their sizes differ; without, it is
-/// there to be read back.
+/// toned, filtered, scaled to the size of the picture, and covered with the user interface. The
+/// last two happen in the window where there is one of that size; into another one the picture is
+/// fitted. With or without, it is there to be read back.
 ///
 /// One renderer at a time in a process, used from one thread.
 class RendererGL : public Renderer {
