@@ -14,6 +14,8 @@
 #include "ig/physics/BodyRope.h"
 #include "ig/scene/ObjectPrefab.h"
 #include "ig/ui/UISpriteViewport.h"
+#include "ig/ui/UiDrawList.h"
+#include "render/factory/RendererKind.h"
 #include "testkit/ChannelFolder.h"
 #include "testkit/LogCapture.h"
 #include "testkit/LogicScene.h"
@@ -586,6 +588,46 @@ TEST_F(ReplayWindowTest, ThePictureFillsAWindowOfAnySizeAndKeepsItsProportions) 
     EXPECT_LT(apart, static_cast<int>(live.size() / 50));
     for (const int bar : {3, 96, 904, 996})
         EXPECT_EQ(screen->readPixel(bar, 300), 0u) << bar;
+}
+
+TEST(Window, ThePictureThatIsReadBackIsTheOneThatIsShown) {
+    if (!VirtualScreen::isInstalled()) GTEST_SKIP() << "there is no Xvfb or no openbox";
+    VirtualScreen screen;
+    EventQueue events;
+    Window window(events);
+    ASSERT_TRUE(window.open(200, 100));
+    ASSERT_TRUE(screen.watch("Visual channel"));
+    const auto renderer = findRendererKind("gl")->make(true);
+    ASSERT_TRUE(renderer->init(200, 100));
+    const World world;
+    Camera camera;
+    camera.setPerspective(50, 2, 0.1f, 1e7f);
+    camera.setWgsPosition({-155, 19.7, 3000});
+    camera.setWgsHPR({0, 5, 0});
+    UiDrawList list;
+    list.addRect(20, 10, 60, 30, {1, 0, 0, 0.5f});
+    FrameInfo frame;
+    frame.sun_direction = normalize(camera.getWorldPosition());
+    frame.ui = &list;
+    for (const float scale : {1.0f, 0.5f}) {
+        renderer->setScale(scale);
+        Picture before, after; // the window's own pixels need not outlast the swap
+        renderer->render(world, camera, frame);
+        ASSERT_TRUE(renderer->readPicture(before));
+        renderer->render(world, camera, frame);
+        window.swap();
+        ASSERT_TRUE(renderer->readPicture(after));
+        EXPECT_EQ(before.rgb, after.rgb);
+        int different = 0;
+        for (int y = 2; y < 100; y += 7)
+            for (int x = 3; x < 200; x += 7) {
+                const std::uint8_t* p = after.at(x, y);
+                different += screen.readPixel(x, y) != unsigned(p[0] << 16 | p[1] << 8 | p[2]);
+            }
+        EXPECT_EQ(different, 0) << scale;
+        EXPECT_GT(after.at(50, 20)[0], after.at(50, 20)[2] + 40); // the interface
+    }
+    renderer->release();
 }
 
 TEST(Window, PicturesWaitForTheDisplayUnlessNobodySeesThemOrNoneShallWait) {
