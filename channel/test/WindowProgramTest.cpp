@@ -15,7 +15,7 @@ namespace {
 
 struct ProgramInAWindowTest : testing::Test {
     static constexpr const char* OPTIONS =
-        "--window --size 320x240 --scale 0.25 --eye 0 0 3000 0 80 --seconds 20 "
+        "--window --size 320x240 --scale 0.5 --eye 0 0 3000 0 80 --seconds 20 "
         "--warm-up off ";
     void SetUp() override {
         if (!VirtualScreen::isInstalled()) GTEST_SKIP() << "there is no Xvfb or no openbox";
