@@ -207,12 +207,12 @@ TEST_F(OperatorInterfaceTest, SwitchesOfTheScenesFileStepTheirTracksAndTellIt) {
 - {key: n, track: b.anim, steps: [{tells: x}, {tells: y}]}
 - {key: l, track: a.anim, steps: [{tells: x}, {tells: y}]}
 - {key: h, track: a.anim, steps: [{tells: x}, {tells: y}]}
-- {key: o, track: a.anim, steps: [{tells: x}, {tels: y}]}
+- {key: o, track: a.anim, steps: [{tells: x}, {tells: ""}]}
 )");
     OperatorInterface other(nullptr, owner, &control);
     other.resize(1280, 720);
     other.open(&logic, "a.yaml");
-    EXPECT_EQ(log.lines.size(), 3u);
+    EXPECT_EQ(log.lines.size(), 6u);
     const Material* lamp = MaterialManager::get("lamp.mat");
     EXPECT_EQ(readSlider(lamp, "override", 9), 0.5f);
     for (const auto& [told, value] :
