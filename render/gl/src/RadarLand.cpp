@@ -3,6 +3,7 @@
 
 #include "ig/math/EllipsoidModel.h"
 #include "plugins/terrain/ObjectTerrain.h"
+#include "render/scene/shares.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,10 +15,6 @@ namespace {
 constexpr int LARGEST = 1024;           ///< texels; finer detail is lost at a radar's resolution
 constexpr float SEA_BED = -20;          ///< m; also where there is no data
 constexpr float WET = 0.2f, DRY = 1.5f; ///< m: no land below, nothing but land above
-
-std::uint8_t toByte(float value) { // 0 to 1
-    return static_cast<std::uint8_t>(std::lround(std::clamp(value, 0.0f, 1.0f) * 255));
-}
 
 } // namespace
 

@@ -3,6 +3,7 @@
 #include "render/scene/ShaderConstants.h"
 
 #include "ValueNoise.h"
+#include "render/scene/shares.h"
 
 #include <algorithm>
 #include <array>
@@ -80,9 +81,6 @@ Pattern makeCloudPattern() {
     spreadEvenly(field);
     spreadEvenly(heaps);
     const auto at = [&field](int x, int y) { return field[wrap(y, SIZE) * SIZE + wrap(x, SIZE)]; };
-    const auto toByte = [](float value) {
-        return static_cast<std::uint8_t>(std::clamp(value, 0.0f, 1.0f) * 255 + 0.5f);
-    };
     std::vector<std::uint8_t> bytes;
     bytes.reserve(static_cast<std::size_t>(SIZE) * SIZE * 4);
     for (int y = 0; y < SIZE; y++)

@@ -2,6 +2,7 @@
 #include "render/scene/Patterns.h"
 
 #include "ValueNoise.h"
+#include "render/scene/shares.h"
 
 #include <algorithm>
 #include <cmath>
@@ -53,10 +54,6 @@ std::vector<Drop> scatter() {
             if (std::none_of(drops.begin(), drops.end(), meets)) drops.push_back(drop);
         }
     return drops;
-}
-
-std::uint8_t toByte(float share) {
-    return static_cast<std::uint8_t>(std::clamp(share * 255 + 0.5f, 0.0f, 255.0f));
 }
 
 void paint(const Drop& drop, std::vector<std::uint8_t>& texels) {

@@ -2,6 +2,7 @@
 #include "render/scene/GlassFilm.h"
 
 #include "ig/app/Renderer.h"
+#include "render/scene/shares.h"
 
 #include <algorithm>
 #include <cmath>
@@ -22,15 +23,6 @@ constexpr float DOWN_SPEED = 0.07f;   ///< m/s of a drop that runs down
 constexpr float DRIVEN_SPEED = 0.2f;  ///< m/s of one that the air just drives
 constexpr float DRIVEN_GAIN = 0.03f;  ///< m/s more for each m/s of air
 constexpr double TRAVEL_PERIOD = 256; ///< m after which drops begin anew: floats stay exact
-
-float smoothStep(float low, float high, float x) {
-    const float t = std::clamp((x - low) / (high - low), 0.0f, 1.0f);
-    return t * t * (3 - 2 * t);
-}
-
-std::uint8_t toByte(float share) {
-    return static_cast<std::uint8_t>(std::clamp(share * 255 + 0.5f, 0.0f, 255.0f));
-}
 
 /// Share that is back after so many seconds.
 float refilled(float seconds, float rain) { return 1 - std::exp(-seconds * rain / REFILL); }

@@ -4,6 +4,7 @@
 #include "ig/math/EllipsoidModel.h"
 #include "plugins/terrain/ObjectTerrain.h"
 #include "render/scene/ShaderConstants.h"
+#include "render/scene/shares.h"
 
 #include <algorithm>
 #include <cmath>
@@ -40,9 +41,7 @@ PictureRect findPath(const FrameView& view, const Glint& glint) {
 }
 
 /// What is seen of it at the eye, by brightness.
-float weight(const Glint& glint) {
-    return std::max({glint.color.x, glint.color.y, glint.color.z}) / length2(glint.place);
-}
+float weight(const Glint& glint) { return strongest(glint.color) / length2(glint.place); }
 
 } // namespace
 
@@ -54,7 +53,7 @@ void GlintList::gather(const FrameView& view, const SceneList& list, float groun
     for (const LampItem& lamp : list.lamps) {
         if (length(lamp.position) > SceneList::MIRRORED) continue;
         const vec3 color = lamp.color * (lamp.power * LAMP_CANDELA * LUX);
-        const float share = std::max({color.x, color.y, color.z});
+        const float share = strongest(color);
         if (sum > 0 && length(lamp.position - first) < TOGETHER) {
             Glint& last = glints.back();
             last.place += (lamp.position - last.place) * (share / (sum + share));

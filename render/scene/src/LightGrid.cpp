@@ -2,6 +2,7 @@
 #include "render/scene/LightGrid.h"
 
 #include "render/scene/LightList.h"
+#include "render/scene/shares.h"
 
 #include <algorithm>
 #include <cmath>
@@ -58,8 +59,6 @@ private:
         return static_cast<int>(std::clamp(cell, -1.0f, static_cast<float>(cells)));
     }
 };
-
-float strongest(const vec3& color) { return std::max({color.x, color.y, color.z}); }
 
 } // namespace
 

@@ -4,6 +4,7 @@
 #include "ig/app/Renderer.h"
 #include "ig/scene/ParticleSystem.h"
 #include "render/scene/ShaderConstants.h"
+#include "render/scene/shares.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,8 +16,6 @@ namespace {
 constexpr float NOTICED = 0.02f;    ///< share of the ground's own light that is seen to be added
 constexpr float NIGHT = 0.06f;      ///< ground below which lamps have all of their light
 constexpr float LEAST_REACH = 0.5f; ///< m; what reaches less far isn't worth a light
-
-float strongest(const vec3& color) { return std::max({color.x, color.y, color.z}); }
 
 /// A fire's unrest: no two alike, by scene time, about 1.
 float unrest(const LightItem& light, double time) {

@@ -3,6 +3,7 @@
 
 #include "ValueNoise.h"
 #include "render/scene/ShaderConstants.h"
+#include "render/scene/shares.h"
 
 #include <algorithm>
 #include <cmath>
@@ -66,9 +67,6 @@ Pattern makeNoisePattern() {
     spreadEvenly(clouds);
     const auto cloudAt = [&clouds](int x, int y) {
         return clouds[wrap(y, SIZE) * SIZE + wrap(x, SIZE)];
-    };
-    const auto toByte = [](float value) {
-        return static_cast<std::uint8_t>(std::clamp(value, 0.0f, 1.0f) * 255);
     };
     std::vector<std::uint8_t> bytes;
     for (int y = 0; y < SIZE; y++)

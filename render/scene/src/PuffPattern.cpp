@@ -2,6 +2,7 @@
 #include "render/scene/Patterns.h"
 
 #include "ValueNoise.h"
+#include "render/scene/shares.h"
 
 #include <algorithm>
 #include <vector>
@@ -12,11 +13,6 @@ namespace {
 
 constexpr int CELL = 64, CELLS = 4; ///< texels; shapes along an edge
 constexpr int NO_PERIOD = 4096;     ///< cells of noise after which it repeats
-
-float smoothStep(float low, float high, float x) {
-    const float t = std::clamp((x - low) / (high - low), 0.0f, 1.0f);
-    return t * t * (3 - 2 * t);
-}
 
 float fbm(float x, float y) {
     float sum = 0, amplitude = 0.5f;
@@ -66,9 +62,6 @@ float density(int cell, float x, float y) {
 
 Pattern makePuffPattern() {
     std::vector<std::uint8_t> bytes;
-    const auto byte = [](float v) {
-        return static_cast<std::uint8_t>(std::clamp(v * 255 + 0.5f, 0.0f, 255.0f));
-    };
     for (int j = 0; j < CELLS * CELL; j++)
         for (int i = 0; i < CELLS * CELL; i++) {
             const int cell = j / CELL * CELLS + i / CELL;
@@ -76,8 +69,8 @@ Pattern makePuffPattern() {
             const float y = (static_cast<float>(j % CELL) + 0.5f) / (CELL / 2) - 1;
             const float here = density(cell, x, y),
                         towards_light = density(cell, x - 0.1f, y + 0.2f);
-            bytes.push_back(byte(here));
-            bytes.push_back(byte(0.5f + 0.9f * (here - towards_light)));
+            bytes.push_back(toByte(here));
+            bytes.push_back(toByte(0.5f + 0.9f * (here - towards_light)));
         }
     return {CELLS * CELL, std::move(bytes)};
 }

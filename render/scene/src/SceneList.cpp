@@ -9,6 +9,7 @@
 #include "plugins/ocean/ObjectOcean.h"
 #include "plugins/terrain/ObjectTerrain.h"
 #include "render/scene/ShaderConstants.h"
+#include "render/scene/shares.h"
 
 #include <algorithm>
 #include <cmath>
@@ -248,7 +249,7 @@ void SceneList::addLamp(const ObjectLight& light) {
         const dvec3 to_eye = inverse(pose.getMat3()) * (m_view->eye - pose.getTranslate());
         const vec3 shown = mixSectors(light.getSectors(), to_eye, color);
         const float towards = power * seenShare(position, axis, cone);
-        if (std::max({shown.x, shown.y, shown.z}) > 0)
+        if (strongest(shown) > 0)
             lamps.push_back({position, shown, towards, seen ? towards * glow.share : 0, glow.size});
     }
     if (light.getIntensity() > 0 && m_view->sees(position, light.getReach()))

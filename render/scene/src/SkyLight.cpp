@@ -31,11 +31,6 @@ vec3 transmittance(float sine) {
 
 } // namespace
 
-float smoothStep(float low, float high, float x) {
-    const float t = std::clamp((x - low) / (high - low), 0.0f, 1.0f);
-    return t * t * (3 - 2 * t);
-}
-
 float luminance(const vec3& color) { return 0.3f * color.x + 0.6f * color.y + 0.1f * color.z; }
 
 /// None a degree below the horizon.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ig/math/vec.h"
+#include "render/scene/shares.h"
 
 namespace ig {
 
@@ -16,7 +17,5 @@ vec3 nightGlow(const vec3& moon);
 float boltBrightness(const vec3& sun);
 
 float luminance(const vec3& color);
-/// Cubic, from 0 at `low` to 1 at `high`.
-float smoothStep(float low, float high, float x);
 
 } // namespace ig
