@@ -2,6 +2,7 @@
 // Lamps and fires on the sea, for programs with the word LIGHTS: what they light, as on land, and the
 // paths of glitter that lead from lamps over the water to the eye, also far beyond what they light.
 #ifdef LIGHTS
+uniform int uGlints;
 uniform vec4 uGlintPlaces[MOST_GLINTS]; // in the eye's frame
 uniform vec4 uGlintColors[MOST_GLINTS]; // irradiance at 1 m
 
@@ -14,7 +15,7 @@ vec3 lampGlitter(Water w, Sea sea, float c) {
         sum += light * glitterOf(way, w, sea, c);
     }
     vec2 ahead = w.position.xy * inversesqrt(dot(w.position.xy, w.position.xy) + 1e-3);
-    for (int i = 0; i < MOST_GLINTS; i++) {
+    for (int i = 0; i < uGlints; i++) {
         vec3 to = uGlintPlaces[i].xyz - w.position;
         float d2 = dot(to, to) + 1.0;
         // Paths end softly before the part of the picture does that is drawn with them.

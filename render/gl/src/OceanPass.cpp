@@ -24,11 +24,12 @@ enum { UNIT_DISPLACEMENT = gl::UNIT_FIRST_OWN, UNIT_RAISED = UNIT_DISPLACEMENT +
 enum { UNIT_WATER = gl::UNIT_FIRST_OWN, UNIT_SLOPE, UNIT_EFFECTS = UNIT_SLOPE + 4 };
 
 /// Of the programs that shade, by `OceanPass::Shade`.
-constexpr const char* SHADE_WORDS[] = {"WAKES DOWNWASH SHADOWS STORM LIGHTS",
+constexpr const char* SHADE_WORDS[] = {"WAKES DOWNWASH SHADOWS LIGHTS",
                                        "WAKES DOWNWASH SHADOWS",
                                        "WAKES DOWNWASH",
                                        "WAKES",
                                        "",
+                                       "WAKES DOWNWASH SHADOWS STORM LIGHTS",
                                        "WAKES DOWNWASH SHADOWS STORM",
                                        "WAKES STORM"};
 /// Where something begins to show and has grown, by wind over the sea, m/s, or by the significant
@@ -319,27 +320,17 @@ PictureRect OceanPass::findDownwash(const FrameView& view, const OceanFrame& fra
     for (std::size_t i = 0; i < std::min(downdraughts.size(), std::size_t{MOST_DOWNDRAUGHTS});
          i++) {
         const vec4& wind = downdraughts[i];
-        const float level = -static_cast<float>(view.geodetic.z) -
-                            HALF_CURVATURE * (wind.x * wind.x + wind.y * wind.y);
-        rect.include(PictureRect::of(view, {wind.x, wind.y, level},
-                                     DOWNWASH_REACH * std::max(wind.z, 0.1f) + 2 * height));
+        const float reach = DOWNWASH_REACH * std::max(wind.z, 0.1f) + height;
+        const float level = view.getSeaLevel({wind.x, wind.y, 0});
+        rect.include(PictureRect::ofBox(view, {wind.x, wind.y, level}, {reach, reach, height}));
     }
     return rect;
 }
 
-/// Where lamps or fires light the water, or it mirrors them.
-PictureRect OceanPass::findLit(const Drawing& drawing) {
-    const FrameView& view = drawing.view;
-    PictureRect rect = drawing.glints.getPaths(view);
-    for (const LightItem& light : drawing.lights.lights) {
-        const vec3& at = light.position;
-        const float level =
-            -static_cast<float>(view.geodetic.z) - HALF_CURVATURE * (at.x * at.x + at.y * at.y);
-        const auto crest = static_cast<float>(drawing.frame.highest_crest);
-        if (at.z - light.reach < level + crest)
-            rect.include(PictureRect::of(view, at, light.reach));
-    }
-    return rect;
+void OceanPass::findLit(const Drawing& drawing) {
+    m_lit.clear();
+    drawing.glints.addPaths(drawing.view, m_lit);
+    drawing.lights.addOnSea(drawing.view, static_cast<float>(drawing.frame.highest_crest), m_lit);
 }
 
 void OceanPass::setGlints(gl::Program& program, const GlintList& list) {
@@ -348,6 +339,7 @@ void OceanPass::setGlints(gl::Program& program, const GlintList& list) {
         places[i] = {list.glints[i].place, 0};
         colors[i] = {list.glints[i].color, 0};
     }
+    program.set("uGlints", static_cast<int>(list.glints.size()));
     program.set("uGlintPlaces", places, MOST_GLINTS);
     program.set("uGlintColors", colors, MOST_GLINTS);
 }
@@ -374,7 +366,7 @@ void OceanPass::shade(Shade which, PictureRect rect, const Drawing& drawing) {
     setPlane(program, view, drawing.frame);
     setSurface(program, view, drawing.frame);
     setEffects(program, drawing.downdraughts, drawing.wakes);
-    if (which == LIT) setGlints(program, drawing.glints);
+    if (which == LIT || which == STORM_LIT) setGlints(program, drawing.glints);
     const auto& p = view.projection.columns;
     const vec2 off = view.orthographic ? vec2{-p[3].x, -p[3].y} : vec2{p[2].x, p[2].y};
     program.set("uRay", vec4(1 / p[0].x, 1 / p[1].y, off.x / p[0].x, off.y / p[1].y));
@@ -393,7 +385,11 @@ void OceanPass::shadeAll(const Drawing& drawing) {
     glEnable(GL_SCISSOR_TEST);
     const PictureRect downwash = findDownwash(drawing.view, drawing.frame, drawing.downdraughts);
     const bool all = drawing.view.everything, storm = findStorm(drawing.frame).x > 0;
-    shade(LIT, findLit(drawing), drawing);
+    findLit(drawing);
+    for (const PictureRect& rect : m_lit.getRects()) {
+        if (storm || all) shade(STORM_LIT, rect, drawing);
+        if (!storm || all) shade(LIT, rect, drawing);
+    }
     if (storm || all) {
         shade(STORM_SHADOWED, drawing.shadows, drawing);
         shade(STORM_SHADOWED, downwash, drawing);

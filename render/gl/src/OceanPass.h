@@ -44,7 +44,17 @@ public:
 
 private:
     /// Programs that shade; what a word leaves out costs nothing.
-    enum Shade { LIT, SHADOWED, BLOWN, WITH_WAKES, OPEN, STORM_SHADOWED, STORM, NUM_SHADES };
+    enum Shade {
+        LIT,
+        SHADOWED,
+        BLOWN,
+        WITH_WAKES,
+        OPEN,
+        STORM_LIT,
+        STORM_SHADOWED,
+        STORM,
+        NUM_SHADES
+    };
     struct Fan { ///< part of the sea around the eye that the view can see
         float azimuth, azimuth_range, steepest, flattest, row_height;
         int first_band;                   ///< that shows; nearer ones lie below land
@@ -66,7 +76,7 @@ private:
                            const WakePass& wakes);
     static PictureRect findDownwash(const FrameView& view, const OceanFrame& frame,
                                     const std::vector<vec4>& downdraughts);
-    static PictureRect findLit(const Drawing& drawing);
+    void findLit(const Drawing& drawing);
     static void setGlints(gl::Program& program, const GlintList& list);
     void shade(Shade which, PictureRect rect, const Drawing& drawing);
     void shadeAll(const Drawing& drawing);
@@ -78,6 +88,7 @@ private:
     gl::VertexArray m_vertex_array, m_empty;
     gl::Buffer m_vertices, m_indices;
     OceanTiles m_tiles;
+    PictureParts m_lit; ///< where lamps or fires light the water, or it mirrors them
 };
 
 } // namespace ig

@@ -90,7 +90,7 @@ struct RendererGL::Impl {
     /// Its picture is the one that the shadow maps follow.
     bool isMain() const { return canvas == &targets || rehearsal; }
     bool castHills() const { return block.light_direction.w > 0 && hills.isAny(); }
-    PictureRect findShadowsOnSea() const;
+    PictureRect findShadowsOnSea() const; ///< where there is a sea
     float findLand();
     void uploadBlock();
     void gatherLights(const FrameInfo& frame);
@@ -367,8 +367,10 @@ void RendererGL::Impl::planShadows() {
 PictureRect RendererGL::Impl::findShadowsOnSea() const {
     if (view.everything) return PictureRect::whole();
     if (block.light_direction.w <= 0) return {};
-    PictureRect rect = findOnSea(list.casters, view, block.light_direction.xyz());
-    rect.include(hills.findOnSea(view));
+    const auto crest = static_cast<float>(list.ocean->getFrame().highest_crest);
+    PictureRect rect =
+        findOnSea(list.casters, view, *shadow_place, block.light_direction.xyz(), crest);
+    rect.include(hills.findOnSea(view, crest));
     return rect;
 }
 

@@ -3,6 +3,7 @@
 
 #include "ig/math/EllipsoidModel.h"
 #include "ig/scene/Camera.h"
+#include "render/scene/ShaderConstants.h"
 
 #include <cmath>
 #include <limits>
@@ -89,6 +90,11 @@ bool FrameView::sees(const vec3& center, float radius) const {
     for (int i = 0; i < 4; i++)
         if (dot(side_normals[i], center) + side_offsets[i] < -radius) return false;
     return true;
+}
+
+float FrameView::getSeaLevel(const vec3& place) const {
+    return -static_cast<float>(geodetic.z) -
+           HALF_CURVATURE * (place.x * place.x + place.y * place.y);
 }
 
 double FrameView::toDistance(double depth) const {

@@ -75,11 +75,9 @@ void GlintList::gather(const FrameView& view, const SceneList& list, float groun
     if (glints.size() > MOST_GLINTS) glints.erase(glints.begin() + MOST_GLINTS, glints.end());
 }
 
-PictureRect GlintList::getPaths(const FrameView& view) const {
-    PictureRect rect;
+void GlintList::addPaths(const FrameView& view, PictureParts& parts) const {
     for (const Glint& glint : glints)
-        rect.include(findPath(view, glint));
-    return rect;
+        parts.add(findPath(view, glint));
 }
 
 } // namespace ig

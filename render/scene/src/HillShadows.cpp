@@ -101,6 +101,7 @@ void HillShadows::sweep(const dvec3& light) {
     const double across = (by_columns ? to_light.y : to_light.x) / std::abs(along);
     const double texel = 2 * m_half / SIZE;
     const auto fall = static_cast<float>(to_light.z / std::abs(along) * texel);
+    m_fall = fall;
     m_softness = LEAST_SOFTNESS + fall;
     const int step = by_columns ? 1 : SIZE, next = by_columns ? SIZE : 1; // between lines, within
     const int towards = along > 0 ? step : -step;
@@ -138,11 +139,17 @@ void HillShadows::note(std::size_t place, float shadow) {
     m_sea_high = {std::max(m_sea_high.x, p.x), std::max(m_sea_high.y, p.y), 0};
 }
 
-PictureRect HillShadows::findOnSea(const FrameView& view) const {
+/// Two texels more, and what a shadow is longer in the troughs.
+PictureRect HillShadows::findOnSea(const FrameView& view, float crest) const {
     if (!m_any || m_sea_low.x > m_sea_high.x) return {};
     const vec3 middle = (m_sea_low + m_sea_high) * 0.5f;
-    const float radius = length(m_sea_high - m_sea_low) / 2 + static_cast<float>(m_half / SIZE);
-    return PictureRect::of(view, vec3(view.toFrame(m_frame * dvec3(middle))), radius);
+    const auto texel = static_cast<float>(2 * m_half / SIZE);
+    const float radius = length(m_sea_high - m_sea_low) / 2 + texel * (2 + crest / m_fall);
+    const vec3 at(view.toFrame(m_frame * dvec3(middle)));
+    const vec3 far(std::hypot(at.x, at.y) + radius, 0, 0);
+    const float level = view.getSeaLevel(at);
+    return PictureRect::ofBox(view, {at.x, at.y, level},
+                              {radius, radius, crest + level - view.getSeaLevel(far)});
 }
 
 void HillShadows::fill(const FrameView& view, FrameBlock& block) {

@@ -88,4 +88,37 @@ bool LightList::reaches(const LightItem& light, const vec3& center, float radius
     return cosine * across - along * sine <= radius && along >= -radius;
 }
 
+namespace {
+
+/// What a sphere (E) holds of the sea's waves.
+PictureRect findOnSea(const FrameView& view, float crest, const vec3& center, float radius) {
+    const vec3 level(center.x, center.y, view.getSeaLevel(center));
+    const float off = std::max(std::abs(center.z - level.z) - crest, 0.0f);
+    if (off >= radius) return {};
+    const float wide = std::sqrt(radius * radius - off * off);
+    return PictureRect::ofBox(view, level, {wide, wide, crest});
+}
+
+} // namespace
+
+void LightList::addOnSea(const FrameView& view, float crest, PictureParts& parts) const {
+    constexpr float NARROW = 0.7f, FIRST = 4, STEP = 1.5f; // cosine; m; of lengths along a cone
+    for (const LightItem& light : lights) {
+        const float cosine = light.cone.y;
+        if (cosine < NARROW) {
+            parts.add(findOnSea(view, crest, light.position, light.reach));
+            continue;
+        }
+        // Slice by slice, so that what is in the air between lamp and water doesn't count.
+        const float tangent = std::sqrt(1 - cosine * cosine) / cosine;
+        PictureRect rect;
+        for (float from = 0, to = FIRST; from < light.reach; from = to, to *= STEP) {
+            const float end = std::min(to, light.reach), half = (end - from) / 2;
+            rect.include(findOnSea(view, crest, light.position + light.axis * (from + half),
+                                   std::hypot(half, end * tangent)));
+        }
+        parts.add(rect);
+    }
+}
+
 } // namespace ig

@@ -27,14 +27,37 @@ double getMove(const dmat4& from, const dmat4& to, const CasterItem& item) {
 
 } // namespace
 
+namespace {
+
+/// How much larger than the thing its shadow may be in the maps around the eye, m.
+float findBlur(const ShadowPlace& place, float distance) {
+    constexpr double TEXELS = 2;
+    int map = 1;
+    while (map < NUM_SHADOW_MAPS - 1 && SHADOW_RADII[map] < static_cast<double>(distance))
+        map++;
+    return static_cast<float>(TEXELS * place.getTexel(map));
+}
+
+} // namespace
+
+/// The shadow goes along the light through the sphere: over level water as long as the light is
+/// low, and over a crest or a trough it ends so much sooner or later.
 PictureRect findOnSea(const std::vector<CasterItem>& casters, const FrameView& view,
-                      const vec3& light) {
+                      const ShadowPlace& place, const vec3& light, float crest) {
+    const float level = std::max(std::hypot(light.x, light.y), 1e-6f);
+    const vec2 way{light.x / level, light.y / level};
     PictureRect rect;
     for (const CasterItem& item : casters) {
         const vec3 center(view.toFrame(item.center));
-        const auto altitude = center.z + static_cast<float>(view.geodetic.z);
-        const vec3 foot = center - light * (altitude / light.z);
-        rect.include(PictureRect::of(view, foot, static_cast<float>(item.radius) / light.z));
+        const vec3 foot = center - light * ((center.z - view.getSeaLevel(center)) / light.z);
+        const auto radius = static_cast<float>(item.radius);
+        const float farthest = length(foot) + (radius + crest) / light.z;
+        const float across = radius + findBlur(place, farthest);
+        // Along the light longer than across it: a box about that ellipse.
+        const float along = across / light.z + crest * level / light.z;
+        const vec3 half(std::hypot(along * way.x, across * way.y),
+                        std::hypot(along * way.y, across * way.x), crest);
+        rect.include(PictureRect::ofBox(view, {foot.x, foot.y, view.getSeaLevel(foot)}, half));
     }
     return rect;
 }

@@ -235,11 +235,41 @@ TEST_F(LightsIn, LampsThatStandTogetherAreOnePathOfGlitterByNight) {
     EXPECT_NEAR(glints.glints[0].place.x, 4.5, 1e-3);
     EXPECT_NEAR(glints.glints[0].color.y, 10 * 60 * LUX, 1e-3);
     EXPECT_NEAR(glints.glints[1].place.y, 400, 1) << "the nearest of equals";
-    const PictureRect rect = glints.getPaths(view);
+    PictureParts paths;
+    glints.addPaths(view, paths);
+    ASSERT_EQ(paths.getRects().size(), 1U);
+    const PictureRect& rect = paths.getRects()[0];
     EXPECT_LT(rect.low.y, -0.5f) << "down to the eye";
     EXPECT_GT(rect.low.x, -0.5f);
     EXPECT_LT(rect.high.x, 0.5f);
     glints.gather(view, scene, DAY);
     EXPECT_TRUE(glints.glints.empty());
-    EXPECT_TRUE(glints.getPaths(view).isEmpty());
+    paths.clear();
+    glints.addPaths(view, paths);
+    EXPECT_TRUE(paths.getRects().empty());
+}
+
+/// What a lamp in a cockpit lights of the sea is the pool ahead, not all that the eye sees.
+TEST_F(LightsIn, APoolOfLightOnTheSeaIsAPartOfThePicture) {
+    camera.setWgsPosition({-155, 20, 25});
+    view = FrameView(camera, 720, true);
+    LightItem lamp = light({0, 4, -2}, 600000, 600);
+    lamp.axis = normalize(vec3(-0.3f, 1, -0.3f));
+    lamp.cone = {0.995f, 0.99f};
+    list.lights = {lamp};
+    PictureParts parts;
+    list.addOnSea(view, 2, parts);
+    ASSERT_EQ(parts.getRects().size(), 1U);
+    const PictureRect& rect = parts.getRects()[0];
+    const vec3 pool = lamp.position + lamp.axis * (23 / -lamp.axis.z); // its middle, on the water
+    const vec3 at = view.view * pool;
+    const auto& p = view.projection.columns;
+    const vec2 middle{p[0].x * at.x / -at.z, p[1].y * at.y / -at.z};
+    EXPECT_TRUE(rect.low.x < middle.x && middle.x < rect.high.x);
+    EXPECT_TRUE(rect.low.y < middle.y && middle.y < rect.high.y);
+    EXPECT_LT((rect.high.x - rect.low.x) * (rect.high.y - rect.low.y), 1) << "of 4";
+    list.lights[0].axis = {0, 1, 0.3f}; // into the air
+    parts.clear();
+    list.addOnSea(view, 2, parts);
+    EXPECT_TRUE(parts.getRects().empty());
 }

@@ -64,6 +64,45 @@ TEST(PictureRect, HoldsWhatIsSeenOfASphere) {
     expectSpheresCovered(camera);
 }
 
+TEST(PictureRect, HoldsWhatIsSeenOfAFlatBoxThatReachesBelowTheEye) {
+    Camera camera;
+    camera.setWgsPosition({-155, 19.7, 30});
+    camera.setWgsHPR({0, 10, 0}); // north, a little down
+    camera.setPerspective(50, 16.0f / 9, 0.1, 1e6);
+    const FrameView view(camera, 720, true);
+    const vec3 center(20, 30, -30), half(15, 60, 1);
+    const PictureRect rect = PictureRect::ofBox(view, center, half);
+    PictureRect seen;
+    for (int i = 0; i <= 100; i++)
+        for (int j = 0; j <= 4000; j++) {
+            const vec3 off(half.x * (static_cast<float>(i) / 50 - 1),
+                           half.y * (static_cast<float>(j) / 2000 - 1), j % 2 ? half.z : -half.z);
+            const vec4 at = project(view, center + off);
+            if (at.w <= 0 || std::abs(at.x) > 1 || std::abs(at.y) > 1) continue;
+            seen.include({{at.x, at.y}, {at.x + 1e-5f, at.y + 1e-5f}});
+        }
+    EXPECT_NEAR(rect.high.y, seen.high.y, 0.01f);
+    EXPECT_LE(rect.low.x, seen.low.x + 1e-4f);
+    EXPECT_LT(rect.high.y, 0.5f);
+    EXPECT_GT(rect.low.x, -0.5f) << "nothing of it is on the left";
+    EXPECT_EQ(rect.low.y, -1);
+    EXPECT_EQ(rect.high.x, 1);
+    EXPECT_TRUE(PictureRect::ofBox(view, {0, -99, -30}, half).isEmpty());
+}
+
+TEST(PictureRect, PartsThatLieApartStayApart) {
+    PictureParts parts;
+    parts.add({{-1, -1}, {-0.5f, 1}});
+    parts.add({{0.5f, -1}, {1, 1}});
+    EXPECT_EQ(parts.getRects().size(), 2U);
+    parts.add({{-0.9f, -0.9f}, {-0.5f, 0}});
+    EXPECT_EQ(parts.getRects().size(), 2U);
+    parts.add({{-0.6f, -1}, {0.6f, 1}}); // joins them
+    ASSERT_EQ(parts.getRects().size(), 1U);
+    EXPECT_EQ(parts.getRects()[0].low.x, -1);
+    EXPECT_EQ(parts.getRects()[0].high.x, 1);
+}
+
 TEST(PictureRect, IsAllOfItAroundTheEyeAndNothingBehind) {
     Camera camera;
     camera.setWgsPosition({-155, 19.7, 30});

@@ -36,6 +36,8 @@ struct FrameView {
     mat4 toFrame(const dmat4& world) const;
     /// Whether a sphere (E) is at least partly within the sides of the view, or counts as if.
     bool sees(const vec3& center, float radius) const;
+    /// Of still water above or below a place (E): its z.
+    float getSeaLevel(const vec3& place) const;
     /// Distance along the view axis for a value read from the depth buffer; infinite for 0.
     double toDistance(double depth) const;
 };

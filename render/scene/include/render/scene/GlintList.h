@@ -23,8 +23,8 @@ class GlintList {
 public:
     /// `ground`: radiance of a white ground under key light and sky.
     void gather(const FrameView& view, const SceneList& list, float ground);
-    /// Where the paths lie in the picture.
-    PictureRect getPaths(const FrameView& view) const;
+    /// Adds where the paths lie in the picture.
+    void addPaths(const FrameView& view, PictureParts& parts) const;
 
     std::vector<Glint> glints; ///< at most MOST_GLINTS
 };

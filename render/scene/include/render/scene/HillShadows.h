@@ -36,8 +36,8 @@ public:
     void fill(const FrameView& view, FrameBlock& block);
     /// How far the shadow reaches above a place of that frame, m; negative: the place is above it.
     float getAbove(const vec3& place) const;
-    /// The part of the picture where it may be seen to lie on the sea.
-    PictureRect findOnSea(const FrameView& view) const;
+    /// The part of the picture where it may be seen to lie on the sea, whose waves are so high, m.
+    PictureRect findOnSea(const FrameView& view, float crest) const;
 
 private:
     void layOut(const TerrainGrid& grid);
@@ -51,6 +51,7 @@ private:
     double m_half = 1;     ///< half the edge, m
     vec3 m_sea_low,
         m_sea_high;       ///< what lies in shadow of the sea, m in the map; low above high: none
+    float m_fall = 1;     ///< m that a shadow falls from texel to texel
     float m_softness = 1; ///< m: height over which light comes back
     bool m_any = false;
     std::vector<float> m_ground, m_shadow; ///< m above the plane; `NONE` without land

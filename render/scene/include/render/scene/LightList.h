@@ -2,6 +2,7 @@
 #pragma once
 
 #include "render/scene/FrameView.h"
+#include "render/scene/PictureRect.h"
 #include "render/scene/SceneList.h"
 
 #include <vector>
@@ -23,6 +24,9 @@ public:
     bool reach(const vec3& center, float radius) const;
     /// Whether that light may reach into a sphere (E): by distance, and by its cone.
     static bool reaches(const LightItem& light, const vec3& center, float radius);
+    /// Adds the parts of the picture where they may be seen to light the sea, whose waves are so
+    /// high, m.
+    void addOnSea(const FrameView& view, float crest, PictureParts& parts) const;
 
     std::vector<LightItem> lights; ///< at most MOST_LIGHTS, the most important first
 };

@@ -3,6 +3,8 @@
 
 #include "render/scene/FrameView.h"
 
+#include <vector>
+
 namespace ig {
 
 /// A part of the picture, −1 to 1 along both axes; empty at first.
@@ -12,12 +14,26 @@ struct PictureRect {
     static PictureRect whole() { return {{-1, -1}, {1, 1}}; }
     /// The least that holds what is seen of a sphere (E), or a little more.
     static PictureRect of(const FrameView& view, const vec3& center, float radius);
+    /// The least that holds what is seen of a box along the axes of E. `half`: of its edges.
+    static PictureRect ofBox(const FrameView& view, const vec3& center, const vec3& half);
 
     bool isEmpty() const { return low.x >= high.x || low.y >= high.y; }
     /// Grows to hold another one too.
     void include(const PictureRect& other);
     /// Shrinks to what another one holds too.
     void cut(const PictureRect& other);
+};
+
+/// Several parts of the picture: those that a single one holds nearly as well become one. It keeps
+/// its memory.
+class PictureParts {
+public:
+    void clear() { m_rects.clear(); }
+    void add(PictureRect rect);
+    const std::vector<PictureRect>& getRects() const { return m_rects; }
+
+private:
+    std::vector<PictureRect> m_rects;
 };
 
 } // namespace ig

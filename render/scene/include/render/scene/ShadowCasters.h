@@ -23,9 +23,9 @@ struct CasterItem {
 };
 
 /// The part of the picture where the shadows of such things may be seen to lie on the sea. `light`:
-/// towards it, E.
+/// towards it, E; `crest`: height of the waves, m.
 PictureRect findOnSea(const std::vector<CasterItem>& casters, const FrameView& view,
-                      const vec3& light);
+                      const ShadowPlace& place, const vec3& light, float crest);
 
 /// Decides in each frame which shadow maps are drawn, and with what: as little as gives the same
 /// picture. What a map shows is kept until something in it has moved by a part of a texel, the
