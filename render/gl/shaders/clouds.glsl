@@ -17,11 +17,12 @@ float cloudRange(vec3 d, float h) {
 }
 vec2 cloudPlace(vec3 d, float t) { return uCloudPlace.xy + d.xy * (t * uCloudPlace.z); }
 // 0.5 in the mean.
-float cloudHeaps(vec2 place) { return texture(uCloudField, place * CLOUD_HEAPS).g; }
+float cloudHeaps(vec2 place, float bias) { return texture(uCloudField, place * CLOUD_HEAPS, bias).g; }
 // Share that is cloud. Far away a pixel sees much of the field, and the mean of it. A cloud is so much
 // brighter than the sky that little of it counts as covered: that much is there at the threshold.
 float cloudEdge(float rise, float t) {
-    return max(smoothstep(0.0, 1.0, rise * 0.5 / (uCloudLayer.w + t * 1.2e-5) + 0.18), uCloudLight.w);
+    float x = clamp(rise * 0.30 / (uCloudLayer.w + t * 0.8e-5) + 0.14, 0.0, 1.0);
+    return max(x * x * (3.0 - 2.0 * x), uCloudLight.w);
 }
 // What sheet `i` covers of a column as high as `top` at the height `f`, both shares of the thickness.
 float sheetCover(int i, float edge, float top, float f) {
@@ -35,9 +36,9 @@ float sheetCover(int i, float edge, float top, float f) {
 
 // Colour, premultiplied, and opacity of the clouds above the eye along a ray (unit, E) that doesn't
 // point down. `haze`: what they go over to far away.
-vec4 cloudsAbove(vec3 d, vec3 haze) {
+vec4 cloudsAbove(vec3 d, vec3 haze, float bias) {
     float above = max(uCloudLayer.x + uCloudLayer.y, 1.0), farthest = cloudRange(d, above), each = farthest / above;
-    float frayed = (cloudHeaps(cloudPlace(d, max(uCloudLayer.x, 0.0) * each)) - 0.5) * CLOUD_FRAY - uCloudLayer.z;
+    float frayed = (cloudHeaps(cloudPlace(d, max(uCloudLayer.x, 0.0) * each), bias) - 0.5) * CLOUD_FRAY - uCloudLayer.z;
     float growth = 1.0 / (CLOUD_THICKEST - uCloudLayer.z);
     float forward = 0.2 * min(glowAt(dot(d, uLightDirection.xyz)), 1.2);
     float side = 0.14 - 0.035 * dot(d.xy, uLightDirection.xy), shade = 2.5 / (0.4 + 0.6 * max(uLightDirection.z, 0.0));
@@ -47,7 +48,7 @@ vec4 cloudsAbove(vec3 d, vec3 haze) {
     for (int i = 0; i < SHEETS; i++) {
         float f = (float(i) + 0.1) / float(SHEETS), h = uCloudLayer.x + uCloudLayer.y * f;
         float t = max(h, 0.0) * each;
-        vec4 field = texture(uCloudField, cloudPlace(d, t));
+        vec4 field = texture(uCloudField, cloudPlace(d, t), bias);
         float rise = field.r + frayed, edge = cloudEdge(rise, farthest);
         float thin = 1.0 - clamp(rise * growth, 0.0, 1.0), top = 1.0 - thin * thin;
         float cover = sheetCover(i, edge, top, f) * smoothstep(10.0, 250.0, t) * through;
@@ -74,7 +75,7 @@ vec4 cloudsBelow(vec3 d, float limit, vec3 haze) {
         float t = cloudRange(d, h);
         vec2 place = cloudPlace(d, t);
         vec4 field = texture(uCloudField, place);
-        float heaps = cloudHeaps(place), rise = field.r + (heaps - 0.5) * CLOUD_FRAY - uCloudLayer.z;
+        float heaps = cloudHeaps(place, 0.0), rise = field.r + (heaps - 0.5) * CLOUD_FRAY - uCloudLayer.z;
         float edge = cloudEdge(rise, t);
         float thin = 1.0 - clamp(rise * growth, 0.0, 1.0), top = 1.0 - thin * thin;
         float cover = sheetCover(i, edge, top, f) * smoothstep(10.0, 250.0, t) * smoothstep(0.0, 150.0, limit - t) * through;

@@ -30,6 +30,6 @@ void main() {
     c += (0.6 * uCloudSky.rgb) * smoothstep(0.5, 0.9, cirrus) * 0.35 * exp(-0.09 / (d.z + 0.03)) * uCirrus;
     oClear = vec4(c, 1.0);
     vec3 horizon = clearSky(vec3(level, 0.012), level * (0.496 * 0.94) + 0.5);
-    vec4 clouds = cloudsAbove(d, mix(horizon, uCloudHaze.rgb, uCloudHaze.w));
+    vec4 clouds = cloudsAbove(d, mix(horizon, uCloudHaze.rgb, uCloudHaze.w), 0.0);
     oColor = vec4(c * (1.0 - clouds.a) + clouds.rgb, 1.0);
 }

@@ -425,6 +425,8 @@ void RendererGL::Impl::filterNoise(bool finely) const {
 /// Opaque first and near first, so that hidden pixels cost nothing; then the sky where nothing is;
 /// then what lets light through.
 void RendererGL::Impl::drawScene(const World& world) {
+    sky.paint(view, *canvas);
+    clock.mark("clouds");
     glBindFramebuffer(GL_FRAMEBUFFER, canvas->scene_target.getId());
     glViewport(0, 0, canvas->getSceneWidth(), canvas->getSceneHeight());
     glEnable(GL_DEPTH_TEST);
@@ -441,7 +443,7 @@ void RendererGL::Impl::drawScene(const World& world) {
                     glints, wakes, *canvas, findLand()});
     clock.mark("ocean");
     filterNoise(true);
-    sky.drawBackground(view);
+    sky.drawBackground(view, *canvas);
     sky.drawClouds(view, *canvas);
     clock.mark("sky");
     filterNoise(false);
@@ -541,7 +543,7 @@ int shrink(int size) {
 /// By day in the rain, by night, from above the clouds, and then what the user interface shows.
 void RendererGL::Impl::rehearse(Rehearsal& r) {
     constexpr double LOW = 20, HIGH = 1000; // m, above the sea, above the clouds
-    constexpr int VIEWS = 3, PASSES = 12;
+    constexpr int VIEWS = 3, PASSES = 13;
     rehearsal = &r;
     r.steps = VIEWS * PASSES + 2;
     clock.at_mark = [this, &r] { step(r); };

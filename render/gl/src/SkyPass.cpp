@@ -4,13 +4,13 @@
 #include "Targets.h"
 #include "ig/math/EllipsoidModel.h"
 #include "ig/math/quat.h"
+#include "render/scene/PictureRect.h"
 #include "render/scene/ShaderConstants.h"
 #include "render/scene/SkyLight.h"
 #include "render/scene/remainders.h"
 
 #include <algorithm>
 #include <cmath>
-#include <string>
 
 namespace ig {
 
@@ -31,15 +31,23 @@ constexpr float FULL_DARKNESS = 0.85f;      ///< of clouds, a thunderstorm's
 constexpr float CLEAR_SIGHT = 1 / 25000.0f; ///< 1/m: how fast clouds go over to the sky far away
 constexpr float SUN_GLARE = 0.45f, MOON_GLARE = 0.14f; ///< sine of how far about them
 /// Of the programs that draw the background. Each word costs all pixels, whatever shows.
-constexpr const char* BACKGROUND_WORDS[] = {"", "DISC", "DISC HAZE STARS", "DISC HAZE STARS BOLT"};
+constexpr const char* BACKGROUND_WORDS[] = {"", "DISC", "DISC STARS", "DISC STARS BOLT"};
+
+/// Half width and height of the picture at unit distance, and its offset.
+vec4 rayOf(const FrameView& view) {
+    const auto& p = view.projection.columns;
+    return {1 / p[0].x, 1 / p[1].y, p[2].x / p[0].x, p[2].y / p[1].y};
+}
 
 } // namespace
 
 void SkyPass::init(bool volume) {
     m_maps.init();
-    const std::string words = volume ? " VOLUME" : "";
+    const char* words = volume ? "VOLUME" : "";
+    m_soft.start("screen.vert", "clouds.glsl bank.glsl sky.frag", words);
     for (int i = 0; i < BACKGROUNDS; i++)
-        m_backgrounds[i].start("screen.vert", "clouds.glsl sky.frag", BACKGROUND_WORDS[i] + words);
+        m_backgrounds[i].start("screen.vert", "bank.glsl background.frag", BACKGROUND_WORDS[i],
+                               {{"uSoft", gl::UNIT_FIRST_OWN}});
     m_deck.start("screen.vert", "clouds.glsl clouds.frag", words, {{"uDepth", gl::UNIT_FIRST_OWN}});
     m_empty.create();
     gl::TextureFormat format{GL_RGBA8, GL_RGBA, GL_UNSIGNED_BYTE, GL_REPEAT};
@@ -80,7 +88,6 @@ void SkyPass::update(const FrameView& view, const FrameInfo& frame, bool is_main
     // Lightning lights the clouds from within, and they light all else. The exposure is too slow.
     m_gain = block.sky.x = 1 + FLASH_GAIN * frame.flash;
     fillExposure(block);
-    m_hazy = block.sky.w > 0;
 }
 
 SkyPass::Clouds SkyPass::lookAtClouds(const FrameView& view, const FrameInfo& frame) const {
@@ -169,6 +176,7 @@ void SkyPass::fillClouds(const FrameInfo& frame, FrameBlock& block) {
                          static_cast<float>(frame.cloud_base)};
     m_shade = block.cloud_shade;
     m_altitude = block.air.z;
+    m_dip = block.air.w;
 }
 
 /// As cloudshade.glsl has it.
@@ -201,43 +209,71 @@ void SkyPass::fillExposure(FrameBlock& block) const {
 int SkyPass::chooseBackground(const FrameView& view) const {
     constexpr float FAR_OFF = 1e6f; // m
     if (m_flashes) return 3;
-    if (m_hazy || m_starry) return 2;
+    if (m_starry) return 2;
     const bool disc = view.orthographic || view.sees(m_sun * FAR_OFF, SUN_GLARE * FAR_OFF) ||
                       view.sees(m_moon * FAR_OFF, MOON_GLARE * FAR_OFF);
     return disc ? 1 : 0;
 }
 
-void SkyPass::drawBackground(const FrameView& view) {
-    const auto& p = view.projection.columns;
+/// Only above the horizon; what is below takes its colour. A view of none of it has a bit of it.
+void SkyPass::paint(const FrameView& view, const Targets& targets) {
+    constexpr float MARGIN = 0.02f; // rad: what the enlargement reads beside a pixel
+    PictureRect rect = PictureRect::above(view, m_dip + MARGIN);
+    if (rect.isEmpty()) rect = {{-0.1f, -0.1f}, {0.1f, 0.1f}};
+    const auto w = static_cast<float>(targets.getSkyWidth());
+    const auto h = static_cast<float>(targets.getSkyHeight());
+    const auto left = static_cast<GLint>((rect.low.x * 0.5f + 0.5f) * w);
+    const auto bottom = static_cast<GLint>((rect.low.y * 0.5f + 0.5f) * h);
+    const auto right = static_cast<GLint>(std::ceil((rect.high.x * 0.5f + 0.5f) * w));
+    const auto top = static_cast<GLint>(std::ceil((rect.high.y * 0.5f + 0.5f) * h));
+    const auto middle = [](GLint texel, float size) {
+        return (static_cast<float>(texel) + 0.5f) / size;
+    };
+    m_painted = {middle(left, w), middle(bottom, h), middle(right - 1, w), middle(top - 1, h)};
+    glBindFramebuffer(GL_FRAMEBUFFER, targets.sky_target.getId());
+    glViewport(0, 0, targets.getSkyWidth(), targets.getSkyHeight());
+    glDisable(GL_DEPTH_TEST);
+    glEnable(GL_SCISSOR_TEST);
+    glScissor(left, bottom, right - left, top - bottom);
+    glBindVertexArray(m_empty.getId());
+    m_soft.use();
+    m_soft.set("uRay", rayOf(view));
+    glDrawArrays(GL_TRIANGLES, 0, 3);
+    glDisable(GL_SCISSOR_TEST);
+    glEnable(GL_DEPTH_TEST);
+}
+
+void SkyPass::drawBackground(const FrameView& view, const Targets& targets) {
     glDepthMask(GL_FALSE);
+    gl::bindTexture(gl::UNIT_FIRST_OWN, targets.sky);
     glBindVertexArray(m_empty.getId());
     const int chosen = chooseBackground(view);
     for (int i = view.everything ? 0 : chosen; i <= chosen; i++) {
         gl::Program& program = m_backgrounds[i];
         program.use();
-        program.set("uRay", vec4(1 / p[0].x, 1 / p[1].y, p[2].x / p[0].x, p[2].y / p[1].y));
+        program.set("uRay", rayOf(view));
+        program.set("uSoftRect", m_painted);
         glDrawArrays(GL_TRIANGLES, 0, 3);
     }
     glDepthMask(GL_TRUE);
 }
 
-void SkyPass::drawClouds(const FrameView& view, const Targets& to) {
+void SkyPass::drawClouds(const FrameView& view, const Targets& targets) {
     const bool readable = gl::hasClipControl() && !view.orthographic;
     if (m_clouds.base >= 0 || m_clouds.cover <= 0 || !readable) return;
-    const auto& p = view.projection.columns;
-    glBindFramebuffer(GL_FRAMEBUFFER, to.light_target.getId()); // it reads the depth
+    glBindFramebuffer(GL_FRAMEBUFFER, targets.light_target.getId()); // it reads the depth
     glDisable(GL_DEPTH_TEST);
     glEnable(GL_BLEND);
     glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     m_deck.use();
-    gl::bindTexture(gl::UNIT_FIRST_OWN, to.depth);
-    m_deck.set("uRay", vec4(1 / p[0].x, 1 / p[1].y, p[2].x / p[0].x, p[2].y / p[1].y));
+    gl::bindTexture(gl::UNIT_FIRST_OWN, targets.depth);
+    m_deck.set("uRay", rayOf(view));
     m_deck.set("uNearFar", vec4(static_cast<float>(view.near), static_cast<float>(view.far), 0, 0));
     glBindVertexArray(m_empty.getId());
     glDrawArrays(GL_TRIANGLES, 0, 3);
     glDisable(GL_BLEND);
     glEnable(GL_DEPTH_TEST);
-    glBindFramebuffer(GL_FRAMEBUFFER, to.scene_target.getId());
+    glBindFramebuffer(GL_FRAMEBUFFER, targets.scene_target.getId());
 }
 
 } // namespace ig

@@ -26,11 +26,14 @@ public:
     void update(const FrameView& view, const FrameInfo& frame, bool is_main, FrameBlock& block);
     /// The next frame is again the first.
     void forget();
+    /// Paints what of the background is soft, at half the size; before the scene's passes. Leaves
+    /// another framebuffer and viewport bound.
+    void paint(const FrameView& view, const Targets& targets);
     /// Fills the picture where nothing is; last of the opaque passes.
-    void drawBackground(const FrameView& view);
+    void drawBackground(const FrameView& view, const Targets& targets);
     /// Clouds at the eye's height and below, over the scene, whose target is bound afterwards;
     /// nothing from below all clouds.
-    void drawClouds(const FrameView& view, const Targets& to);
+    void drawClouds(const FrameView& view, const Targets& targets);
 
     /// Colour of what is far away in a direction of E (any length).
     vec3 getHaze(vec2 direction) const { return m_haze.get(direction) * m_gain; }
@@ -60,6 +63,7 @@ private:
 
     SkyMaps m_maps;
     CloudLayer m_layer;
+    gl::Program m_soft;
     gl::Program m_deck;
     gl::Program m_backgrounds[BACKGROUNDS]; ///< each draws what those before it do, and more
     gl::VertexArray m_empty;
@@ -70,9 +74,11 @@ private:
     HazeColor m_haze;
     vec4 m_shade;         ///< as in the frame block
     float m_altitude = 0; ///< of the eye, m
+    float m_dip = 0;      ///< of its horizon, rad
     float m_gain = 1;     ///< lightning
     vec3 m_sun, m_moon;   ///< towards them, E
-    bool m_starry = false, m_hazy = false, m_flashes = false;
+    bool m_starry = false, m_flashes = false;
+    vec4 m_painted; ///< part of the sky's picture: low and high corner, 0 to 1
 };
 
 } // namespace ig

@@ -24,6 +24,7 @@ bool Targets::make(int width, int height, float scale) {
     gl::makeTexture(light, m_scene_width, m_scene_height, light_format);
     gl::makeTexture(depth, m_scene_width, m_scene_height, depth_format);
     gl::makeTexture(water, m_scene_width, m_scene_height, water_format);
+    gl::makeTexture(sky, getSkyWidth(), getSkyHeight(), light_format);
     gl::makeTexture(toned, m_scene_width, m_scene_height, {});
     if (isEnlarged())
         gl::makeTexture(filtered, m_scene_width, m_scene_height, {});
@@ -43,6 +44,7 @@ bool Targets::make(int width, int height, float scale) {
     attach(scene_target, light, &depth);
     attach(light_target, light, nullptr);
     attach(water_target, water, &depth);
+    attach(sky_target, sky, nullptr);
     attach(toned_target, toned, nullptr);
     attach(filtered_target, filtered, nullptr);
     attach(finished_target, finished, nullptr);

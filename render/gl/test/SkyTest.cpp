@@ -43,14 +43,15 @@ public:
     /// Share of the picture's middle that is more cloud than blue.
     static double getCovered(const Picture& picture) {
         int covered = 0, all = 0;
-        for (int y = SMALL_HEIGHT / 3; y < SMALL_HEIGHT * 2 / 3; y++)
-            for (int x = SMALL_WIDTH / 3; x < SMALL_WIDTH * 2 / 3; x++, all++)
+        for (int y = picture.height / 3; y < picture.height * 2 / 3; y++)
+            for (int x = picture.width / 3; x < picture.width * 2 / 3; x++, all++)
                 covered += picture.at(x, y)[2] < 1.35 * picture.at(x, y)[0];
         return covered / static_cast<double>(all);
     }
 };
 
 TEST_F(SkyOf, TheCoverSeenOverheadIsTheCoverTold) {
+    s_renderer->resize(2 * SMALL_WIDTH, 2 * SMALL_HEIGHT); // clouds are painted at half the size
     look(0, 0, -90);
     m_frame.cloud_base = 7000; // so that a picture shows many
     m_frame.wind = {24576 / 7.37f, 24576 / 8.13f};

@@ -23,6 +23,7 @@ struct Octave {
 /// Groups of clouds 6 km wide, clouds of 2 km, and what makes them ragged.
 constexpr Octave FIELD[] = {{5, 0.25f}, {14, 0.40f}, {28, 0.35f}, {56, 0.20f}, {112, 0.10f}};
 constexpr Octave HEAPS[] = {{9, 0.55f}, {19, 0.30f}, {41, 0.15f}};
+constexpr Octave WISPS[] = {{26, 0.45f}, {57, 0.40f}, {113, 0.28f}}; ///< between 80 and 18 m
 
 /// Distance to the nearest of points scattered one to a cell, at most 1.
 float toNearest(float x, float y, int cells) {
@@ -74,6 +75,10 @@ Pattern makeCloudPattern() {
             for (const Octave& o : HEAPS) {
                 const auto n = static_cast<float>(o.cells);
                 heap += o.amplitude * (1 - toNearest(u * n, v * n, o.cells));
+            }
+            for (const Octave& o : WISPS) {
+                const auto n = static_cast<float>(o.cells);
+                heap += o.amplitude * (valueNoise(wu * n, wv * n, o.cells) - 0.5f);
             }
             field.push_back(cloud / 1.3f);
             heaps.push_back(heap);

@@ -2,6 +2,7 @@
 #include "render/scene/PictureRect.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace ig {
 
@@ -66,6 +67,34 @@ PictureRect PictureRect::ofBox(const FrameView& view, const vec3& center, const 
         }
     }
     rect.cut(whole());
+    return rect;
+}
+
+PictureRect PictureRect::above(const FrameView& view, float dip) {
+    if (view.everything || view.orthographic) return whole();
+    const auto& p = view.projection.columns;
+    const vec3 up = view.view.columns[2].xyz(); // in the eye's axes
+    constexpr vec2 CORNERS[] = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}};
+    float rises[4], longest = 0; // of lines of sight to unit depth
+    for (int i = 0; i < 4; i++) {
+        const vec3 ray{(CORNERS[i].x + p[2].x) / p[0].x, (CORNERS[i].y + p[2].y) / p[1].y, -1};
+        longest = std::max(longest, length(ray));
+        rises[i] = dot(ray, up);
+    }
+    PictureRect rect;
+    const auto add = [&rect](const vec2& place) {
+        rect.low = {std::min(rect.low.x, place.x), std::min(rect.low.y, place.y)};
+        rect.high = {std::max(rect.high.x, place.x), std::max(rect.high.y, place.y)};
+    };
+    for (int i = 0; i < 4; i++) {
+        const int next = (i + 1) % 4;
+        const float here = rises[i] + dip * longest, there = rises[next] + dip * longest;
+        if (here >= 0) add(CORNERS[i]);
+        if ((here >= 0) == (there >= 0)) continue;
+        const float share = here / (here - there);
+        add({std::lerp(CORNERS[i].x, CORNERS[next].x, share),
+             std::lerp(CORNERS[i].y, CORNERS[next].y, share)});
+    }
     return rect;
 }
 

@@ -117,3 +117,31 @@ TEST(PictureRect, IsAllOfItAroundTheEyeAndNothingBehind) {
     sum.include(PictureRect::of(view, {0, -9, 0}, 3));
     EXPECT_TRUE(sum.isEmpty());
 }
+
+// All that isn't below the horizon, and where that is level, hardly more.
+TEST(PictureRect, HoldsTheSky) {
+    constexpr float DIP = 0.05f;
+    const auto areaAbove = [](double pitch, double roll) {
+        Camera camera;
+        camera.setWgsPosition({-155, 19.7, 30});
+        camera.setWgsHPR({30, pitch, roll});
+        camera.setPerspective(50, 16.0f / 9, 0.1, 1e6);
+        const FrameView view(camera, 720, true);
+        const PictureRect rect = PictureRect::above(view, DIP);
+        const auto& p = view.projection.columns;
+        for (int i = 0; i < 41 * 41; i++) {
+            const vec2 at{static_cast<float>(i % 41) / 20 - 1, static_cast<float>(i / 41) / 20 - 1};
+            const vec3 ray = normalize(vec3(at.x / p[0].x, at.y / p[1].y, -1));
+            if (dot(ray, view.view.columns[2].xyz()) < -DIP) continue;
+            EXPECT_TRUE(at.x >= rect.low.x && at.x <= rect.high.x);
+            EXPECT_TRUE(at.y >= rect.low.y && at.y <= rect.high.y);
+        }
+        return rect.isEmpty() ? 0 : (rect.high.x - rect.low.x) * (rect.high.y - rect.low.y);
+    };
+    EXPECT_NEAR(areaAbove(0, 0), 2 * (1 + DIP / std::tan(0.436f)), 0.1f);
+    for (const double roll : {-170.0, -60.0, 20.0, 90.0})
+        for (const double pitch : {-40.0, 5.0, 24.0})
+            EXPECT_GT(areaAbove(pitch, roll), 0);
+    EXPECT_EQ(areaAbove(-90, 0), 4);
+    EXPECT_EQ(areaAbove(60, 0), 0);
+}

@@ -16,6 +16,8 @@ struct PictureRect {
     static PictureRect of(const FrameView& view, const vec3& center, float radius);
     /// The least that holds what is seen of a box along the axes of E. `half`: of its edges.
     static PictureRect ofBox(const FrameView& view, const vec3& center, const vec3& half);
+    /// Likewise of all directions that point down by no more than that (rad, below 0.5).
+    static PictureRect above(const FrameView& view, float dip);
 
     bool isEmpty() const { return low.x >= high.x || low.y >= high.y; }
     /// Grows to hold another one too.
