@@ -2,7 +2,6 @@
 #include "render/scene/LandAround.h"
 
 #include "ig/math/EllipsoidModel.h"
-#include "plugins/terrain/TerrainGrid.h"
 
 #include <algorithm>
 #include <cmath>
@@ -37,9 +36,9 @@ float LandAround::find(const TerrainGrid& grid, const dvec3& place, float crest)
     const dvec2 at{(place.x - grid.west) / grid.spacing_longitude,
                    (grid.north - place.y) / grid.spacing_latitude};
     const double off = std::max(std::abs(at.x - m_place.x), std::abs(at.y - m_place.y));
-    if (grid.heights != m_heights || crest + SPARE > m_level || crest + 2 * LOOKED_FOR < m_level ||
+    if (grid != m_made_of || crest + SPARE > m_level || crest + 2 * LOOKED_FOR < m_level ||
         off > 1) {
-        m_heights = grid.heights;
+        m_made_of = grid;
         m_level = crest + LOOKED_FOR;
         m_place = {std::round(at.x), std::round(at.y)};
         m_rings = 0;

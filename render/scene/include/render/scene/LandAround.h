@@ -2,10 +2,9 @@
 #pragma once
 
 #include "ig/math/vec.h"
+#include "plugins/terrain/TerrainGrid.h"
 
 namespace ig {
-
-struct TerrainGrid;
 
 /// How far it is to the nearest water, so that none is drawn where land hides it all.
 class LandAround {
@@ -16,10 +15,10 @@ public:
     float find(const TerrainGrid& grid, const dvec3& place, float crest);
 
 private:
-    const float* m_heights = nullptr; ///< what was looked at
-    dvec2 m_place;                    ///< about where, samples to the east and to the south
-    float m_level = 0;                ///< above which altitude
-    int m_rings = 0;                  ///< whole samples around it that stand above
+    TerrainGrid m_made_of; ///< what was looked at
+    dvec2 m_place;         ///< about where, samples to the east and to the south
+    float m_level = 0;     ///< above which altitude
+    int m_rings = 0;       ///< whole samples around it that stand above
 };
 
 } // namespace ig
