@@ -85,8 +85,8 @@ TEST_F(GrassOf, NoneGrowsThroughASlab) {
     EXPECT_GT(countDifferent(calm, bare), 300);
 }
 
-/// What grows hides about a third of the ground here: either of the two would stay dark.
-TEST_F(GrassOf, LampsLightTurfAndBlades) {
+/// Of the ground between the blades, which cover little of it.
+TEST_F(GrassOf, LampsLightTheGround) {
     setMidnight();
     const Picture dark = settled();
     auto* lamp = new ObjectLight();
