@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 // The background: what sky.frag has painted of it and, where these words are defined, DISC: sun and
-// moon; STARS; BOLT.
+// moon; STARS; BOLT; VOLUME: clouds, of which there is a picture of their own.
 in vec2 vPlace;
 uniform sampler2D uSoft;
 uniform vec4 uSoftRect; // the part of it that is painted: low and high corner
 uniform vec4 uRay;      // half width and height of the picture at unit distance, and its offset
+#ifdef VOLUME
+uniform float uShown; // 0: no clouds
+#endif
 out vec4 oColor;
 
 #ifdef STARS
@@ -55,11 +58,19 @@ float bolt(vec3 d) {
 void main() {
     vec4 soft = textureLod(uSoft, clamp(vPlace, uSoftRect.xy, uSoftRect.zw), 0.0);
     vec3 c = soft.rgb;
-#ifdef DISC
+#if defined(DISC) || defined(VOLUME)
     vec2 n = vPlace * 2.0 - 1.0;
     vec3 d = normalize(transpose(mat3(uView)) * vec3(n * uRay.xy + uRay.zw, -1.0));
     vec3 lifted = d;
     lifted.z = d.z + uAir.w;
+#endif
+#ifdef VOLUME
+    vec4 clouds = cloudsSeen(gl_FragCoord.xy, cloudSpan(d).y) * uShown;
+    float clear = bankClearness(lifted.z);
+    c = c * (1.0 - clouds.a) + clouds.rgb * clear + hazeColor(d.xy) * (clouds.a * (1.0 - clear));
+    soft.a *= 1.0 - clouds.a;
+#endif
+#ifdef DISC
     float beyond = step(0.0, lifted.z) * soft.a;
     float mu = max(dot(d, uSunDirection.xyz), 0.0);
     float disc = smoothstep(0.99998, 0.999992, mu);

@@ -1,13 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The layer of clouds along a ray, for whoever looks: a column stands on each place of the field that
 // is thick enough, as high as the place is thick. A few sheets cut the columns at heights of their own,
-// and what shifts between them gives clouds their bodies. VOLUME: so many that none shows.
+// and what shifts between them gives clouds their bodies.
 uniform sampler2D uCloudField;
-#ifdef VOLUME
-const int SHEETS = 24;
-#else
 const int SHEETS = 2;
-#endif
 const float GROWS_OVER = 0.35; // part of the layer's thickness over which a column ends
 
 // How far away a ray (unit, E) meets a height `h` above the eye. Below 0: nowhere.
@@ -27,11 +23,7 @@ float cloudEdge(float rise, float t) {
 // What sheet `i` covers of a column as high as `top` at the height `f`, both shares of the thickness.
 float sheetCover(int i, float edge, float top, float f) {
     if (i == 0) return edge;
-    float cover = edge * smoothstep(f - GROWS_OVER, f + GROWS_OVER, top);
-#ifdef VOLUME
-    cover = 1.0 - pow(1.0 - min(cover, 0.999), 2.0 / float(SHEETS));
-#endif
-    return cover;
+    return edge * smoothstep(f - GROWS_OVER, f + GROWS_OVER, top);
 }
 
 // Colour, premultiplied, and opacity of the clouds above the eye along a ray (unit, E) that doesn't

@@ -34,8 +34,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <optional>
+#include <string_view>
 
 namespace ig {
 
@@ -181,6 +183,21 @@ bool RendererGL::init(int width, int height) {
     return false;
 }
 
+/// Whether clouds are drawn as a volume: where that is no processor's work, or as somebody wants to
+/// see them.
+static bool wantsVolume(bool software) {
+    const char* asked = std::getenv("VISUAL_CHANNEL_CLOUDS");
+    const std::string_view wanted = asked ? asked : "";
+    if (!gl::hasClipControl()) return false; // its depth can't be read as distance
+    if (wanted == "volume") return true;
+    if (wanted == "layers") return false;
+    if (asked)
+        jLog::warning("RendererGL: VISUAL_CHANNEL_CLOUDS is \"%s\": \"volume\" and \"layers\" are "
+                      "known; the device decides",
+                      asked);
+    return !software;
+}
+
 bool RendererGL::Impl::initPasses() {
     light_table.init();
     block_buffer.create(); // after it: this one stays bound
@@ -203,7 +220,7 @@ bool RendererGL::Impl::initPasses() {
     fxaa.start("screen.vert", "fxaa.frag", {}, {{"uPicture", gl::UNIT_FIRST_OWN}});
     fxaa_small.start("screen.vert", "fxaa.frag", "SMALL", {{"uPicture", gl::UNIT_FIRST_OWN}});
     upscale.start("screen.vert", "upscale.frag", {}, {{"uPicture", gl::UNIT_FIRST_OWN}});
-    sky.init(!software);
+    sky.init(wantsVolume(software));
     meshes.init();
     terrain.init();
     grass.init();

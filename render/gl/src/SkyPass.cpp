@@ -33,6 +33,9 @@ constexpr float SUN_GLARE = 0.45f, MOON_GLARE = 0.14f; ///< sine of how far abou
 /// Of the programs that draw the background. Each word costs all pixels, whatever shows.
 constexpr const char* BACKGROUND_WORDS[] = {"", "DISC", "DISC STARS", "DISC STARS BOLT"};
 
+/// What `paint` has painted, beside the clouds' own units.
+constexpr int UNIT_SOFT = gl::UNIT_FIRST_OWN + 4;
+
 /// Half width and height of the picture at unit distance, and its offset.
 vec4 rayOf(const FrameView& view) {
     const auto& p = view.projection.columns;
@@ -43,12 +46,22 @@ vec4 rayOf(const FrameView& view) {
 
 void SkyPass::init(bool volume) {
     m_maps.init();
-    const char* words = volume ? "VOLUME" : "";
-    m_soft.start("screen.vert", "clouds.glsl bank.glsl sky.frag", words);
+    m_soft.start("screen.vert", "clouds.glsl bank.glsl sky.frag", volume ? "VOLUME" : "");
+    std::vector<gl::Sampler> samplers{{"uSoft", UNIT_SOFT}};
+    if (volume) {
+        m_volume.emplace().init();
+        for (const gl::Sampler& sampler : CloudVolume::getSamplers())
+            samplers.push_back(sampler);
+    } else {
+        m_deck.start("screen.vert", "clouds.glsl clouds.frag", {},
+                     {{"uDepth", gl::UNIT_FIRST_OWN}});
+    }
+    const std::string files =
+        volume ? "bank.glsl cloudspan.glsl background.frag" : "bank.glsl background.frag";
     for (int i = 0; i < BACKGROUNDS; i++)
-        m_backgrounds[i].start("screen.vert", "bank.glsl background.frag", BACKGROUND_WORDS[i],
-                               {{"uSoft", gl::UNIT_FIRST_OWN}});
-    m_deck.start("screen.vert", "clouds.glsl clouds.frag", words, {{"uDepth", gl::UNIT_FIRST_OWN}});
+        m_backgrounds[i].start("screen.vert", files,
+                               BACKGROUND_WORDS[i] + std::string(volume ? " VOLUME" : ""),
+                               samplers);
     m_empty.create();
     gl::TextureFormat format{GL_RGBA8, GL_RGBA, GL_UNSIGNED_BYTE, GL_REPEAT};
     format.filter = volume ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR_MIPMAP_NEAREST;
@@ -60,6 +73,7 @@ void SkyPass::init(bool volume) {
 void SkyPass::forget() {
     m_maps.forget();
     m_layer.forget();
+    if (m_volume) m_volume->forget();
 }
 
 // ------------------------------------------------------------------ a frame
@@ -68,6 +82,7 @@ void SkyPass::update(const FrameView& view, const FrameInfo& frame, bool is_main
                      FrameBlock& block) {
     m_layer.drift(frame);
     if (is_main) m_layer.follow(view.geodetic);
+    m_is_main = is_main;
     m_clouds = lookAtClouds(view, frame);
     fillLight(view, frame, block);
     fillAir(view, frame, block);
@@ -244,8 +259,12 @@ void SkyPass::paint(const FrameView& view, const Targets& targets) {
 }
 
 void SkyPass::drawBackground(const FrameView& view, const Targets& targets) {
+    if (m_volume)
+        m_volume->march(
+            view, targets,
+            {m_clouds.place, m_altitude, m_is_main, m_clouds.cover > 0 && !view.orthographic});
     glDepthMask(GL_FALSE);
-    gl::bindTexture(gl::UNIT_FIRST_OWN, targets.sky);
+    gl::bindTexture(UNIT_SOFT, targets.sky);
     glBindVertexArray(m_empty.getId());
     const int chosen = chooseBackground(view);
     for (int i = view.everything ? 0 : chosen; i <= chosen; i++) {
@@ -253,12 +272,20 @@ void SkyPass::drawBackground(const FrameView& view, const Targets& targets) {
         program.use();
         program.set("uRay", rayOf(view));
         program.set("uSoftRect", m_painted);
+        if (m_volume) m_volume->bind(program);
         glDrawArrays(GL_TRIANGLES, 0, 3);
     }
     glDepthMask(GL_TRUE);
 }
 
 void SkyPass::drawClouds(const FrameView& view, const Targets& targets) {
+    if (m_volume)
+        m_volume->blend(view, targets);
+    else
+        drawDeck(view, targets);
+}
+
+void SkyPass::drawDeck(const FrameView& view, const Targets& targets) {
     const bool readable = gl::hasClipControl() && !view.orthographic;
     if (m_clouds.base >= 0 || m_clouds.cover <= 0 || !readable) return;
     glBindFramebuffer(GL_FRAMEBUFFER, targets.light_target.getId()); // it reads the depth

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "CloudVolume.h"
 #include "SkyMaps.h"
 #include "ig/app/Renderer.h"
 #include "render/scene/CloudLayer.h"
 #include "render/scene/FrameView.h"
 
-namespace ig {
+#include <optional>
 
-class Targets;
+namespace ig {
 
 /// The sky, the clouds, and the light that comes from both.
 ///
@@ -18,7 +19,7 @@ class Targets;
 /// jumps where an eye climbs through.
 class SkyPass {
 public:
-    /// `volume`: clouds in so many sheets that none shows; for devices that can.
+    /// `volume`: clouds are one (`CloudVolume`), for devices that can; else sheets.
     void init(bool volume);
 
     /// Bakes what this frame has to, binds the maps, and fills in the frame block what is light and
@@ -31,8 +32,8 @@ public:
     void paint(const FrameView& view, const Targets& targets);
     /// Fills the picture where nothing is; last of the opaque passes.
     void drawBackground(const FrameView& view, const Targets& targets);
-    /// Clouds at the eye's height and below, over the scene, whose target is bound afterwards;
-    /// nothing from below all clouds.
+    /// Clouds at the eye's height and below, over the scene, whose target is bound afterwards.
+    /// Sheets: nothing from below all clouds.
     void drawClouds(const FrameView& view, const Targets& targets);
 
     /// Colour of what is far away in a direction of E (any length).
@@ -60,9 +61,11 @@ private:
     void fillClouds(const FrameInfo& frame, FrameBlock& block);
     void fillExposure(FrameBlock& block) const;
     int chooseBackground(const FrameView& view) const;
+    void drawDeck(const FrameView& view, const Targets& to);
 
     SkyMaps m_maps;
     CloudLayer m_layer;
+    std::optional<CloudVolume> m_volume; ///< in the deck's place
     gl::Program m_soft;
     gl::Program m_deck;
     gl::Program m_backgrounds[BACKGROUNDS]; ///< each draws what those before it do, and more
@@ -77,6 +80,7 @@ private:
     float m_dip = 0;      ///< of its horizon, rad
     float m_gain = 1;     ///< lightning
     vec3 m_sun, m_moon;   ///< towards them, E
+    bool m_is_main = false;
     bool m_starry = false, m_flashes = false;
     vec4 m_painted; ///< part of the sky's picture: low and high corner, 0 to 1
 };

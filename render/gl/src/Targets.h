@@ -25,7 +25,8 @@ public:
     bool isEnlarged() const { return m_scene_width < m_width || m_scene_height < m_height; }
 
     gl::Texture light, depth, water, sky, toned, filtered, finished;
-    gl::Framebuffer scene_target, light_target, water_target, sky_target, toned_target, filtered_target, finished_target;
+    gl::Framebuffer scene_target, light_target, water_target, sky_target, toned_target,
+        filtered_target, finished_target;
 
 private:
     int m_width = 0, m_height = 0, m_scene_width = 0, m_scene_height = 0;
