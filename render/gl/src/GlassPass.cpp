@@ -7,6 +7,7 @@
 #include "render/scene/Patterns.h"
 
 #include <algorithm>
+#include <type_traits>
 
 namespace ig {
 
