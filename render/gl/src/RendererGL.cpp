@@ -430,8 +430,8 @@ void RendererGL::Impl::drawShadows() {
     hill_map.bind();
 }
 
-/// Between levels of detail, paving, ground and the sea's lace and streaks are as good as within one,
-/// where a processor pays for each look; clouds aren't.
+/// Between levels of detail, paving, ground and the sea's lace and streaks are as good as within
+/// one, where a processor pays for each look; clouds aren't.
 void RendererGL::Impl::filterNoise(bool finely) const {
     if (!software) return;
     gl::bindTexture(gl::UNIT_NOISE, noise);
