@@ -19,11 +19,6 @@ constexpr int OTHER_EDGE = 8;     ///< pixels, until a viewport asks for more
 constexpr int UNIT_DEPTH = gl::UNIT_FIRST_OWN, UNIT_PICTURE = gl::UNIT_FIRST_OWN + 1,
               UNIT_REACH = gl::UNIT_FIRST_OWN + 2, UNIT_BEFORE = gl::UNIT_FIRST_OWN + 3;
 
-vec4 rayOf(const FrameView& view) {
-    const auto& p = view.projection.columns;
-    return {1 / p[0].x, 1 / p[1].y, p[2].x / p[0].x, p[2].y / p[1].y};
-}
-
 } // namespace
 
 void CloudVolume::init() {
@@ -84,7 +79,7 @@ void CloudVolume::march(const FrameView& view, const Targets& canvas, const Sigh
     glBindFramebuffer(GL_FRAMEBUFFER, layers.march_target.getId());
     m_march.use();
     gl::bindTexture(UNIT_DEPTH, canvas.depth);
-    m_march.set("uRay", rayOf(view));
+    m_march.set("uRay", view.getRay());
     m_march.set("uNearFar", vec2(static_cast<float>(view.near), static_cast<float>(view.far)));
     const float turn = sight.is_main ? static_cast<float>(m_before.pictures % TURNS) : 0;
     m_march.set("uSteps", vec2(sight.is_main ? STEPS : STEPS_ALONE, turn));
@@ -106,7 +101,7 @@ void CloudVolume::mend(const FrameView& view, const Sight& sight) {
     gl::bindTexture(UNIT_PICTURE, layers.marched);
     gl::bindTexture(UNIT_REACH, layers.reach);
     gl::bindTexture(UNIT_BEFORE, before);
-    m_mend.set("uRay", rayOf(view));
+    m_mend.set("uRay", view.getRay());
     m_mend.set("uThen", m_before.to_clip, 3);
     m_mend.set("uMotion", sight.is_main ? findMotion(sight) : vec4());
     glDrawArrays(GL_TRIANGLES, 0, 3);
@@ -151,7 +146,7 @@ void CloudVolume::blend(const FrameView& view, const Targets& canvas) {
     m_blend.use();
     bind(m_blend);
     gl::bindTexture(UNIT_DEPTH, canvas.depth);
-    m_blend.set("uRay", rayOf(view));
+    m_blend.set("uRay", view.getRay());
     m_blend.set("uNearFar", vec2(static_cast<float>(view.near), static_cast<float>(view.far)));
     glBindVertexArray(m_empty.getId());
     glDrawArrays(GL_TRIANGLES, 0, 3);

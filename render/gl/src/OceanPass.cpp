@@ -367,9 +367,7 @@ void OceanPass::shade(Shade which, PictureRect rect, const Drawing& drawing) {
     setSurface(program, view, drawing.frame);
     setEffects(program, drawing.downdraughts, drawing.wakes);
     if (which == LIT || which == STORM_LIT) setGlints(program, drawing.glints);
-    const auto& p = view.projection.columns;
-    const vec2 off = view.orthographic ? vec2{-p[3].x, -p[3].y} : vec2{p[2].x, p[2].y};
-    program.set("uRay", vec4(1 / p[0].x, 1 / p[1].y, off.x / p[0].x, off.y / p[1].y));
+    program.set("uRay", view.getRay());
     const auto& c = view.view.columns; // E to eye: its rows are the eye's axes
     program.set("uAhead", vec4(-c[0].z, -c[1].z, -c[2].z, view.orthographic ? 0.0f : 1.0f));
     glDrawArrays(GL_TRIANGLES, 0, 3);

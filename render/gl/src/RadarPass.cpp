@@ -207,10 +207,7 @@ void RadarPass::setCells(const FrameInfo& frame) {
 void RadarPass::drawGround(const FrameView& view, const FrameInfo& frame, const gl::Texture& noise,
                            float gain) {
     m_ground.use();
-    // Place in the picture, −1 to 1, to the eye's axes: a direction, or an origin of parallel rays.
-    const auto& p = view.projection.columns;
-    const vec2 shift = view.orthographic ? vec2{-p[3].x, -p[3].y} : vec2{p[2].x, p[2].y};
-    m_ground.set("uRay", vec4(1 / p[0].x, 1 / p[1].y, shift.x / p[0].x, shift.y / p[1].y));
+    m_ground.set("uRay", view.getRay());
     const auto& c = view.view.columns; // its rows are the eye's axes in E
     m_ground.set("uRight", vec3(c[0].x, c[1].x, c[2].x));
     m_ground.set("uUp", vec3(c[0].y, c[1].y, c[2].y));

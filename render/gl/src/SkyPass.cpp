@@ -36,12 +36,6 @@ constexpr const char* BACKGROUND_WORDS[] = {"", "DISC", "DISC STARS", "DISC STAR
 /// What `paint` has painted, beside the clouds' own units.
 constexpr int UNIT_SOFT = gl::UNIT_FIRST_OWN + 4;
 
-/// Half width and height of the picture at unit distance, and its offset.
-vec4 rayOf(const FrameView& view) {
-    const auto& p = view.projection.columns;
-    return {1 / p[0].x, 1 / p[1].y, p[2].x / p[0].x, p[2].y / p[1].y};
-}
-
 } // namespace
 
 void SkyPass::init(bool volume) {
@@ -252,7 +246,7 @@ void SkyPass::paint(const FrameView& view, const Targets& targets) {
     glScissor(left, bottom, right - left, top - bottom);
     glBindVertexArray(m_empty.getId());
     m_soft.use();
-    m_soft.set("uRay", rayOf(view));
+    m_soft.set("uRay", view.getRay());
     glDrawArrays(GL_TRIANGLES, 0, 3);
     glDisable(GL_SCISSOR_TEST);
     glEnable(GL_DEPTH_TEST);
@@ -270,7 +264,7 @@ void SkyPass::drawBackground(const FrameView& view, const Targets& targets) {
     for (int i = view.everything ? 0 : chosen; i <= chosen; i++) {
         gl::Program& program = m_backgrounds[i];
         program.use();
-        program.set("uRay", rayOf(view));
+        program.set("uRay", view.getRay());
         program.set("uSoftRect", m_painted);
         if (m_volume) m_volume->bind(program);
         glDrawArrays(GL_TRIANGLES, 0, 3);
@@ -294,7 +288,7 @@ void SkyPass::drawDeck(const FrameView& view, const Targets& targets) {
     glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     m_deck.use();
     gl::bindTexture(gl::UNIT_FIRST_OWN, targets.depth);
-    m_deck.set("uRay", rayOf(view));
+    m_deck.set("uRay", view.getRay());
     m_deck.set("uNearFar", vec4(static_cast<float>(view.near), static_cast<float>(view.far), 0, 0));
     glBindVertexArray(m_empty.getId());
     glDrawArrays(GL_TRIANGLES, 0, 3);

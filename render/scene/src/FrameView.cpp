@@ -97,6 +97,12 @@ float FrameView::getSeaLevel(const vec3& place) const {
            HALF_CURVATURE * (place.x * place.x + place.y * place.y);
 }
 
+vec4 FrameView::getRay() const {
+    const auto& p = projection.columns;
+    const vec2 offset = orthographic ? vec2{-p[3].x, -p[3].y} : vec2{p[2].x, p[2].y};
+    return {1 / p[0].x, 1 / p[1].y, offset.x / p[0].x, offset.y / p[1].y};
+}
+
 double FrameView::toDistance(double depth) const {
     if (orthographic) return far - depth * (far - near);
     if (depth <= 0) return std::numeric_limits<double>::infinity();

@@ -38,6 +38,9 @@ struct FrameView {
     bool sees(const vec3& center, float radius) const;
     /// Of still water above or below a place (E): its z.
     float getSeaLevel(const vec3& place) const;
+    /// From a place in the picture, −1 to 1, to the eye's axes: scale and offset of a direction at
+    /// unit distance; of parallel rays of where they begin, m.
+    vec4 getRay() const;
     /// Distance along the view axis for a value read from the depth buffer; infinite for 0.
     double toDistance(double depth) const;
 };
