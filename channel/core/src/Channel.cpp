@@ -345,8 +345,7 @@ void Channel::run() {
     m_status.printSummary(m_listener, m_link, m_pace);
     std::fputs(m_warm_up.getSummary(*m_renderer).c_str(), stdout);
     if (m_replay) std::fputs(m_replay->getSummary().c_str(), stdout);
-    for (const PassTime& pass : m_renderer->getPassTimes())
-        std::printf("  %-12s %7.2f ms\n", pass.name, pass.milliseconds);
+    std::fputs(m_profile.getSummary().c_str(), stdout);
 }
 
 bool Channel::runFrame() {
@@ -366,6 +365,7 @@ bool Channel::runFrame() {
     tellPictures();
     m_renderer->setScale(scale);
     const double work = steadyNow() - begin;
+    m_profile.addFrame(m_renderer->getPassTimes());
     const Shown shown = show();
     if (m_options.scale <= 0)
         m_renderer->setScale(m_governor.update(shown.finished - begin, m_renderer->getScale()));

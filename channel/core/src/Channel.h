@@ -7,6 +7,7 @@
 #include "Library.h"
 #include "LogicListener.h"
 #include "Options.h"
+#include "PassProfile.h"
 #include "PictureTime.h"
 #include "Precipitation.h"
 #include "ReplayedInputs.h"
@@ -128,6 +129,7 @@ private:
     LogicListener m_listener;
     LinkMonitor m_link; ///< looks at the logic's sockets
     PaceMonitor m_pace;
+    PassProfile m_profile;
     Status m_status;
     Environment m_environment;
     Precipitation m_precipitation;
