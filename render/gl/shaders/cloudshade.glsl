@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // How much of the key light clouds let through to a place of E. They are hundreds of metres wide:
-// vertices and instances are enough to ask for.
+// vertices are enough to ask for.
 uniform sampler2D uCloudField;
 float cloudShade(vec3 p) {
     float below = uCloudShade.w - (p.z + uAir.z);

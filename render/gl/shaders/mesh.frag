@@ -9,7 +9,7 @@ in vec3 vPosition;
 in vec3 vNormal;
 in vec2 vPlace;
 flat in vec3 vHaze;
-flat in float vSun;
+in float vSun;
 in vec3 vOwn;
 in float vHillTop;
 in float vDim;

@@ -8,12 +8,14 @@ layout(location = 3) in vec4 aRow0;
 layout(location = 4) in vec4 aRow1;
 layout(location = 5) in vec4 aRow2;
 layout(location = 6) in vec4 aHaze;
-layout(location = 7) in float aSun; // share of the key light that clouds let through
+// Share of the key light that clouds let through: at the eye, and by how much it grows a metre to the
+// east and north.
+layout(location = 7) in vec3 aSun;
 out vec3 vPosition;
 out vec3 vNormal;
 out vec2 vPlace;
 flat out vec3 vHaze;
-flat out float vSun;
+out float vSun;
 out vec3 vOwn; // in the mesh's own frame
 out float vHillTop;
 out float vDim; // by what haze takes light on the way to the eye, 1/m
@@ -27,13 +29,14 @@ void main() {
                    dot(aRow2.xyz, aNormal.xyz));
     vPlace = aPlace;
     vHaze = aHaze.rgb;
-    vSun = aSun;
     vOwn = aPosition;
     vDim = dimming(vPosition.z);
 #if defined(PAVED) || defined(SOAKED) || defined(PAINTED) || defined(DECAL) // wide ones
     vHillTop = vPosition.z + hillsAbove(vPosition);
+    vSun = cloudShade(vPosition);
 #else
     vHillTop = aHaze.w;
+    vSun = clamp(aSun.x + dot(aSun.yz, vPosition.xy), 0.0, 1.0);
 #endif
 #ifdef TEXTURED
     vOwnNormal = aNormal.xyz;

@@ -36,9 +36,11 @@ void MeshPass::init() {
                                     "PAINTED", "DECAL",    "GLASS", "ROTOR"};
     static_assert(std::size(variants) == NUM_SHADINGS);
     for (int i = 0; i < NUM_SHADINGS; i++)
-        m_programs[i].start("shadow.glsl mesh.vert", "shadow.glsl mesh.frag", variants[i]);
+        m_programs[i].start("cloudshade.glsl shadow.glsl mesh.vert", "shadow.glsl mesh.frag",
+                            variants[i]);
     for (int i = 0; i < NUM_LIT; i++)
-        m_lit_programs[i].start("shadow.glsl mesh.vert", "shadow.glsl lights.glsl mesh.frag",
+        m_lit_programs[i].start("cloudshade.glsl shadow.glsl mesh.vert",
+                                "shadow.glsl lights.glsl mesh.frag",
                                 std::string(variants[i]) + " LIGHTS");
     const char* const covers[] = {"", "RAINY", "SNOWY"}; // as PaneCover counts
     static_assert(std::size(covers) == NUM_COVERS);
@@ -96,7 +98,7 @@ void MeshPass::pointToInstances(int first) const {
             3 + i, 4, GL_FLOAT, GL_FALSE, sizeof(Instance),
             reinterpret_cast<const void*>(first * sizeof(Instance) + i * sizeof(vec4)));
     glVertexAttribPointer(
-        7, 1, GL_FLOAT, GL_FALSE, sizeof(Instance),
+        7, 3, GL_FLOAT, GL_FALSE, sizeof(Instance),
         reinterpret_cast<const void*>(first * sizeof(Instance) + offsetof(Instance, sun)));
 }
 
@@ -129,13 +131,28 @@ bool MeshPass::isLit(const MeshItem& item, const LightList& lights) {
     return choose(item.look) < NUM_LIT && lights.reach(item.bounds.xyz(), item.bounds.w);
 }
 
-MeshPass::Instance MeshPass::toInstance(const mat4& transform, const vec4& haze, float sun) {
+MeshPass::Instance MeshPass::toInstance(const mat4& transform, const vec4& haze, const vec3& sun) {
     const auto& c = transform.columns;
     return {{{c[0].x, c[1].x, c[2].x, c[3].x},
              {c[0].y, c[1].y, c[2].y, c[3].y},
              {c[0].z, c[1].z, c[2].z, c[3].z}},
             haze,
             sun};
+}
+
+/// Share of the key light that clouds let through to an instance: at the eye, and how much it grows
+/// a metre to the east and north. Where the instance is large, one end may lie in a shadow and the
+/// other in the sun.
+vec3 MeshPass::shadeAcross(const vec4& bounds, const SkyPass& sky) {
+    constexpr float LARGE = 60; // radius, m
+    const vec3 middle = bounds.xyz();
+    const float shade = sky.getCloudShade(middle), reach = bounds.w / 2;
+    if (bounds.w < LARGE) return {shade, 0, 0};
+    const auto slope = [&](const vec3& step) {
+        return (sky.getCloudShade(middle + step) - sky.getCloudShade(middle - step)) / (2 * reach);
+    };
+    const float east = slope({reach, 0, 0}), north = slope({0, reach, 0});
+    return {shade - east * middle.x - north * middle.y, east, north};
 }
 
 void MeshPass::addBatches(const std::vector<MeshItem>& items, std::vector<Batch>& batches,
@@ -157,7 +174,7 @@ void MeshPass::addBatches(const std::vector<MeshItem>& items, std::vector<Batch>
         m_instances.push_back(toInstance(
             item.transform,
             {light.sky.getHaze({place.x, place.y}), middle.z + light.hills.getAbove(middle)},
-            light.sky.getCloudShade(middle)));
+            shadeAcross(item.bounds, light.sky)));
     }
 }
 
@@ -180,7 +197,7 @@ void MeshPass::addCasters(const ShadowCasters& casters) {
                                      static_cast<int>(m_instances.size()), 1});
             }
             last = &item;
-            m_instances.push_back(toInstance(item.transform, {}, 1));
+            m_instances.push_back(toInstance(item.transform, {}, {}));
         }
     }
 }

@@ -69,9 +69,10 @@ private:
     struct Instance {
         vec4 rows[3];
         vec4 haze;
-        float sun;
+        vec3 sun;
     };
-    static Instance toInstance(const mat4& transform, const vec4& haze, float sun);
+    static Instance toInstance(const mat4& transform, const vec4& haze, const vec3& sun);
+    static vec3 shadeAcross(const vec4& bounds, const SkyPass& sky);
 
     /// Ways to shade, one program each: what a surface doesn't need, no pixel of it pays for.
     /// Lamps and fires light the first ones, by further programs.

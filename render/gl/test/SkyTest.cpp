@@ -4,6 +4,7 @@
 
 #include "PictureScene.h"
 #include "plugins/ocean/ObjectOcean.h"
+#include "plugins/terrain/ObjectTerrain.h"
 
 #include <algorithm>
 #include <cmath>
@@ -188,4 +189,45 @@ TEST_F(SkyOf, ShadowsOfCloudsWanderOverTheSea) {
         EXPECT_GT(half.lit, 4);
         EXPECT_GT(half.shaded, 4);
     }
+}
+
+// From straight above: ground, a paved slab and a house side by side, each with one end in the sun
+// and the other in a shadow at some time.
+TEST_F(SkyOf, EdgesOfCloudsShadowsLieAcrossAllThatIsLarge) {
+    auto* terrain = new ObjectTerrain();
+    ASSERT_TRUE(terrain->load("data/PELMAR_PROJECT/terrain/coast.tif"));
+    m_world.addNode(terrain);
+    constexpr double EAST = -155.0625, NORTH = 19.71;
+    Material* const paved = material({0.4f, 0.4f, 0.4f, 1}, 0);
+    paved->addValue("paving", {5, 5, 0.01f, 0.1f});
+    ObjectMesh* const slab = addFloor(0, 250);
+    slab->setSurfaceMaterial(0, paved);
+    slab->setWgsPosition({EAST, NORTH, 40});
+    addFloor(0, 250)->setWgsPosition({EAST + 300 / 104800.0, NORTH, 40});
+    m_camera.setWgsPosition({EAST, NORTH, 600});
+    m_camera.setWgsHPR({0, 90, 0});
+    m_frame.cloud_cover = 0;
+    const Picture sunny = shoot();
+    const auto brightness = [](const Picture& picture, int x0) { // of a strip across 60 m
+        double sum = 0;
+        for (int y = SMALL_HEIGHT / 3; y < SMALL_HEIGHT * 2 / 3; y++)
+            for (int x = x0; x < x0 + 5; x++)
+                sum += picture.at(x, y)[1];
+        return sum;
+    };
+    m_frame.cloud_cover = 0.5f;
+    m_frame.wind = {1000, 400};
+    constexpr int WEST_ENDS[] = {8, 32, 54}, ACROSS = 13; // pixels
+    double most[] = {0, 0, 0};
+    for (int i = 0; i < 40; i++) {
+        m_frame.time += 1;
+        const Picture now = shoot();
+        for (int k = 0; k < 3; k++) {
+            const auto share = [&](int x) { return brightness(now, x) / brightness(sunny, x); };
+            const double between = share(WEST_ENDS[k]) - share(WEST_ENDS[k] + ACROSS);
+            most[k] = std::max(most[k], std::abs(between));
+        }
+    }
+    for (const double between : most)
+        EXPECT_GT(between, 0.1);
 }
