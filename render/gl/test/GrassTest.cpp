@@ -4,6 +4,7 @@
 #include "plugins/terrain/ObjectTerrain.h"
 
 #include <cstdlib>
+#include <numeric>
 
 using namespace ig;
 
@@ -85,8 +86,7 @@ TEST_F(GrassOf, NoneGrowsThroughASlab) {
     EXPECT_GT(countDifferent(calm, bare), 300);
 }
 
-/// Of the ground between the blades, which cover little of it.
-TEST_F(GrassOf, LampsLightTheGround) {
+TEST_F(GrassOf, LampsLightGroundAndBlades) {
     setMidnight();
     const Picture dark = settled();
     auto* lamp = new ObjectLight();
@@ -98,5 +98,27 @@ TEST_F(GrassOf, LampsLightTheGround) {
     for (int y = HEIGHT * 6 / 10; y < HEIGHT; y++)
         for (int x = 0; x < WIDTH; x++, all++)
             brighter += lit.at(x, y)[1] > dark.at(x, y)[1] + 25;
-    EXPECT_GT(brighter, 0.95 * all);
+    EXPECT_GT(brighter, 0.99 * all); // blades cover 4 % of it
+}
+
+TEST_F(GrassOf, CloudsShadeTheBlades) {
+    constexpr double SWAY = 4096; // s: after which blades stand as they did
+    m_frame.cloud_cover = 0.5f;
+    m_frame.wind = {1.3f, 0.5f};
+    settled();
+    const auto lightOf = [](const Picture& picture) {
+        return std::accumulate(picture.rgb.end() - WIDTH * HEIGHT, picture.rgb.end(), 0);
+    };
+    Picture sunny = now(), shaded = sunny;
+    for (int i = 0; i < 12; i++) {
+        m_frame.time += SWAY;
+        const Picture picture = now();
+        if (lightOf(picture) > lightOf(sunny)) sunny = picture;
+        if (lightOf(picture) < lightOf(shaded)) shaded = picture;
+    }
+    int darker = 0, all = 0;
+    for (int y = HEIGHT * 6 / 10; y < HEIGHT; y++)
+        for (int x = 0; x < WIDTH; x++, all++)
+            darker += shaded.at(x, y)[1] < 0.9 * sunny.at(x, y)[1];
+    EXPECT_GT(darker, 0.99 * all);
 }

@@ -554,6 +554,27 @@ TEST_F(PlainViewOf, ItsEyeLeavesTheMainOnesSkyAsItGoes) {
     EXPECT_EQ(cloudOver(&far_off), alone);
 }
 
+// Each move of theirs draws all that casts: a view beyond them has none.
+TEST_F(PlainViewOf, FindsTheShadowMapsWhereTheMainEyeHasThem) {
+    m_viewport->setWorld(&m_world);
+    place(300, 90);
+    addFloor(10, 1000);
+    addFloor(60, 60);
+    const auto darkest = [this](double main_eye) { // so many degrees east; share of the brightest
+        m_camera.setWgsPosition({LONGITUDE + main_eye, LATITUDE, 400});
+        for (int i = 0; i < 5; i++) // of three maps one moves in a frame
+            drawAnew();
+        int low = 255, high = 0;
+        forEachPixel([&](int x, int y) {
+            low = std::min(low, echo(x, y));
+            high = std::max(high, echo(x, y));
+        });
+        return low / static_cast<double>(high);
+    };
+    EXPECT_LT(darkest(0), 0.6);
+    EXPECT_GT(darkest(0.2), 0.9);
+}
+
 TEST_F(PlainViewOf, WhatStandsCloseInTheMainViewHidesNeitherItsCloudsNorItsParticles) {
     s_renderer->setScale(1); // so that every pixel of it has one of the main view's
     place(3000, 60);
