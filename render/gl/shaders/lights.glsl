@@ -36,9 +36,12 @@ vec3 lampAt(int number, vec3 p, out vec3 way) {
     return color.rgb * (window * window * spot * spot / (d2 + SIZE * SIZE));
 }
 
-// Towards LAMP_SHOULDER over the exposure, its colour kept.
+// Towards LAMP_SHOULDER over the exposure, its colour kept. A hyperbola with so low a bound would dim
+// faint light, too: this one begins as x - DIMMED x², and bends the more the larger BEND is.
 vec3 bearable(vec3 light) {
-    return light / (1.0 + dot(light, vec3(0.3, 0.6, 0.1)) * uLight.w / LAMP_SHOULDER);
+    const float DIMMED = 0.91, BEND = 0.5;
+    float x = dot(light, vec3(0.3, 0.6, 0.1)) * uLight.w;
+    return light * (1.0 + BEND * x) / (1.0 + (DIMMED + BEND) * x + BEND / LAMP_SHOULDER * x * x);
 }
 
 // Light from all sides, for what is small and has none.

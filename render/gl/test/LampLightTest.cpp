@@ -80,6 +80,17 @@ TEST_F(LampLight, EverySurfaceIsLit) {
     }
 }
 
+TEST_F(LampLight, BleachesNothing) {
+    lamp->setIntensity(8e6f, 100);
+    const auto shine = [&](float tone) {
+        wall->setSurfaceMaterial(0, material({tone, tone, tone, 1}, 0));
+        return drawWall().first;
+    };
+    const int grey = shine(0.4f), pale = shine(0.5f);
+    EXPECT_LT(pale, 3 * 200);
+    EXPECT_GT(pale, grey + 32);
+}
+
 TEST_F(LampLight, DrownsByDay) {
     const Sky sky = computeSky(12, LONGITUDE, 80);
     m_frame.sun_direction = sky.sun_direction;

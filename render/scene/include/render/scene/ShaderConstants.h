@@ -34,7 +34,7 @@ constexpr float SUN_IRRADIANCE = 20;   ///< above the air
 /// 0.2 a lux. Daylight has DAY_LUX, and so have lamps by day.
 constexpr float LUX = 0.01f, DAY_LUX = 1.6e-4f;
 /// What lamps add to the picture nears this, times PI over the exposure: the eye gets used to it.
-constexpr float LAMP_SHOULDER = 1.1f;
+constexpr float LAMP_SHOULDER = 0.65f;
 constexpr int MOST_LIGHTS = 64;      ///< that light what is around them in a frame, see LightGrid
 constexpr int LIGHTS_A_CELL = 8;     ///< of its cells
 constexpr int MOST_GLINTS = 12;      ///< lamps that the sea mirrors as paths of glitter
