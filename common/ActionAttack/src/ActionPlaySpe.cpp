@@ -26,7 +26,7 @@ ActionPlaySpe* ActionPlaySpe::Create(World* world, const jString& path, float du
 bool ActionPlaySpe::initWithDuration(World* world, const jString& path, float duration,
                                      const dvec3& position) {
     m_duration = duration;
-    const Package* file = PackageManager::get(path, nullptr);
+    const Package* file = PackageManager::get(path, "ActionPlaySpe::initWithDuration");
     const Package* description = file ? file->getPackage("node") : nullptr;
     Node* node = World::LoadNode(description);
     if (!node) return false;

@@ -6,6 +6,7 @@
 #include "ig/package/PackageManager.h"
 #include "ig/scene/SceneObjects.h"
 #include "ig/scene/World.h"
+#include "testkit/LogCapture.h"
 #include "testkit/TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -24,8 +25,11 @@ TEST(PlaySpe, ShowsWhatIsAnEffectUprightAtItsPlaceForItsDuration) {
     Engine::get()->setWorld(&world);
     const dvec3 place = EllipsoidModel().toWorld({-155, 20, 7});
     const std::size_t memory = memCount();
-    for (const char* path : {"none.prefab", "node.prefab"})
+    LogCapture log;
+    for (const char* path : {"none.prefab", "none.prefab", "node.prefab"})
         EXPECT_EQ(ActionPlaySpe::Create(&world, path, 3, place), nullptr);
+    EXPECT_EQ(log.lines, std::vector<std::string>{"ActionPlaySpe::initWithDuration: cannot open "
+                                                  "\"none.prefab\""});
     EXPECT_TRUE(world.getNodes().empty());
     EXPECT_EQ(memCount(), memory);
 

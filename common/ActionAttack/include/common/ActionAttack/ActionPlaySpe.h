@@ -15,8 +15,8 @@ class World;
 /// or is removed.
 class ActionPlaySpe : public ig::ActionInterval {
 public:
-    /// `path` of the effect's file, `duration` in seconds, `position` earth-centred. Null, without
-    /// a message, when the file is missing or is no particle effect, or when memory ran out.
+    /// `path` of the effect's file, `duration` in seconds, `position` earth-centred. Null when the
+    /// file is missing, which is told once, or is no particle effect, or when memory ran out.
     static ActionPlaySpe* Create(ig::World* world, const ig::jString& path, float duration,
                                  const ig::dvec3& position);
 
