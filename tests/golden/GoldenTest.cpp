@@ -386,6 +386,16 @@ const View VIEWS[] = {
      }},
     {"evening_ship", // far from the focus
      [](Stage& s) { s.look(s.byFrigate(40, 170, 60), 200, -16); }},
+    {"snowed_in", // what looks up is white: ground, paving, roofs
+     [](Stage& s) {
+         s.setHour(12);
+         s.picture.overcast = 1;
+         s.picture.snow = 1;
+         s.picture.visibility = 5000;
+         s.logic->setSnow(1);
+         s.run(0.2);
+         s.look({-155.0626, 19.7130, 35}, 260, -12);
+     }},
 };
 
 std::vector<double> blockMeans(const std::uint8_t* pixels, int channels) {
