@@ -48,42 +48,39 @@ TEST(TerrainRaster, HeightsStandAtPixelMiddlesInEveryFormat) {
     }
 }
 
-TEST(TerrainRaster, APlaneIsReproducedWithItsNormal) {
+TEST(TerrainRaster, APlaneIsReproducedWithItsNormalAlsoAcrossTheDateLineAndInSouthernOrder) {
     const RasterFolder folder;
     const auto plane = [](double u, double v) { return 100 + 0.5 * u - 0.25 * v; };
-    ObjectTerrain terrain;
-    ASSERT_TRUE(
-        terrain.load(folder.writeRaster(RasterFile::degrees(41, 31, 10, 60, 0.001, plane))));
-    for (int n = 0; n < 500; n++) {
-        const double u = std::fmod(n * 7.77, 40), v = std::fmod(n * 3.33, 30);
-        double altitude;
-        dvec3 normal;
-        ASSERT_TRUE(
-            terrain.getAltitudeByLonLat(10 + u * 0.001, 60 - v * 0.001, &altitude, &normal));
-        EXPECT_NEAR(altitude, plane(u, v), 1e-8);
-        // Across two small steps along the plane, in the world.
-        const auto world = [&](double x, double y) {
-            return EARTH.toWorld({10 + x * 0.001, 60 - y * 0.001, plane(x, y)});
-        };
-        const dvec3 expected = normalize(cross(world(u, v + 0.01) - world(u, v - 0.01),
-                                               world(u + 0.01, v) - world(u - 0.01, v)));
-        EXPECT_LT(length(normal - expected), 1e-7);
+    // The middles of both lie beside the date line, on either side.
+    RasterFile southern = RasterFile::degrees(41, 31, 179.979, 59.97, 0.001,
+                                              [&](int i, int j) { return plane(i, 30 - j); });
+    southern.transform[3] = 59.9695;
+    southern.transform[5] = 0.001;
+    for (const RasterFile& file :
+         {RasterFile::degrees(41, 31, 179.981, 60, 0.001, plane), southern}) {
+        const double west = file.transform[0] + 0.0005;
+        const auto longitude = [&](double u) { return std::remainder(west + u * 0.001, 360); };
+        ObjectTerrain terrain;
+        ASSERT_TRUE(terrain.load(folder.writeRaster(file)));
+        for (int n = 0; n < 500; n++) {
+            const double u = std::fmod(n * 7.77, 40), v = std::fmod(n * 3.33, 30);
+            double altitude;
+            dvec3 normal;
+            ASSERT_TRUE(
+                terrain.getAltitudeByLonLat(longitude(u), 60 - v * 0.001, &altitude, &normal));
+            EXPECT_NEAR(altitude, plane(u, v), 1e-8);
+            // Across two small steps along the plane, in the world.
+            const auto world = [&](double x, double y) {
+                return EARTH.toWorld({west + x * 0.001, 60 - y * 0.001, plane(x, y)});
+            };
+            const dvec3 expected = normalize(cross(world(u, v + 0.01) - world(u, v - 0.01),
+                                                   world(u + 0.01, v) - world(u - 0.01, v)));
+            EXPECT_LT(length(normal - expected), 1e-7);
+        }
+        EXPECT_FALSE(getAltitude(terrain, longitude(-0.01), 59.99) ||
+                     getAltitude(terrain, longitude(10), 60.00001) ||
+                     getAltitude(terrain, NAN, 59.99));
     }
-    EXPECT_FALSE(getAltitude(terrain, 9.99999, 59.99) || getAltitude(terrain, 10.01, 60.00001) ||
-                 getAltitude(terrain, NAN, 59.99));
-}
-
-TEST(TerrainRaster, TheDateLineAndSouthernOrderAreNoObstacle) {
-    const RasterFolder folder;
-    const auto slope = [](int i, int j) { return 10 * i + j; };
-    ObjectTerrain terrain;
-    ASSERT_TRUE(
-        terrain.load(folder.writeRaster(RasterFile::degrees(21, 11, 179, -10, 0.1, slope))));
-    EXPECT_NEAR(getAltitude(terrain, 179.5, -10.2).value(), 52, 1e-6);
-    EXPECT_NEAR(getAltitude(terrain, -179.5, -10.2).value(), 152, 1e-6);
-    ASSERT_TRUE(
-        terrain.load(folder.writeRaster({21, 11, {179, 0.1, 0, -10, 0, 0.1}, slope}, "up.tif")));
-    EXPECT_NEAR(getAltitude(terrain, 179.55, -9.75).value(), 52, 1e-6);
 }
 
 TEST(TerrainRaster, ScaleAndHolesAreHeededAndVerticalDatumsAreNot) {
