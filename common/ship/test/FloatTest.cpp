@@ -56,12 +56,9 @@ TEST_F(CubeTest, WaterLiftsWithTheSquareOfTheImmersionAndBrakesAndKeysPushTurnHe
         dvec3 torque; ///< likewise: trim, heel, turn
     };
     for (const auto& [r, roll, v, key, ahead, torque] :
-         {Case{-0.5, 0, {}, KEY_UP, 1e6, {2000, 0, 0}},
-          {0.3, 0, {}, KEY_RIGHT, 0, {0, 3000, -5400}},
-          {0.5, 0, {}, KEY_LEFT, 0, {0, -3000, 5400}},
+         {Case{0.3, 0, {}, KEY_RIGHT, 0, {0, 3000, -5400}},
           {0.5, 0, {2, 3, -1}, KEY_DOWN, -2e6, {-2000, 0, 0}},
-          {0.7, 0, {}, KEY_UP, 1e6, {2000, 0, 0}},
-          {1, 0, {2, 3, -1}, KEY_UP, 1e6, {2000, 0, 0}},
+          {0.7, 0, {}, KEY_LEFT, 0, {0, -3000, 5400}},
           {3, 20, {}, KEY_UP, 1e6, {2000, 0, 0}}}) {
         const double s = std::clamp(r, 0.0, 1.0), weight = 9.80665 * MASS;
         const dvec3 fall = dquat(0, -roll, 0) * dvec3(0, 0, -weight);
@@ -70,7 +67,7 @@ TEST_F(CubeTest, WaterLiftsWithTheSquareOfTheImmersionAndBrakesAndKeysPushTurnHe
         const dvec3 hull = dvec3(v.x, v.y, 0) * (-length(v) * s * 4000); // horizontally
         const auto [force, twist] = push(r, roll, v, 0);
         EXPECT_LT(length(force - fall - lift - points - hull), 300 + 300 * length(v)) << r;
-        // Strongest half immersed, nothing in the air or under water.
+        // Strongest half immersed, nothing under water.
         const double share = std::pow(0.5 - std::abs(0.5 - s), 2);
         const auto [steered_force, steered_twist] = push(r, roll, v, key);
         EXPECT_LT(length(steered_force - force - dvec3(0, ahead * share, 0)), 300) << r;
