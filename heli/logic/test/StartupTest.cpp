@@ -53,23 +53,6 @@ TEST(Startup, OutOfMemoryOnItsWayIsToldAndEverythingCanBeReleased) {
     EXPECT_GE(told, 1);
 }
 
-TEST(Startup, PlacesTheHelicopterAndLooksAtIt) {
-    LogicScene scene;
-    scene.addToWorld("name: rain, type: particles, enabled: true");
-    scene.addToWorld("name: ocean, type: ocean");
-    ASSERT_TRUE(scene.start());
-    const Logic_Nerith_Heli_Final& logic = *scene.logic;
-    const dmat4 marker = scene.world->getNodeByName("start_heli")->getWorldTransform();
-    EXPECT_EQ(logic.m_heli->get_world_transform(), marker);
-    EXPECT_FALSE(scene.helicopterNode("front_proj")->isEnabled());
-    // The camera stands 25 m behind, at the height of the helicopter, and looks at it.
-    const dvec3 to_camera = logic.m_third_cam_pos - logic.m_heli->get_world_position();
-    EXPECT_NEAR(length(to_camera), 25, 1e-8);
-    EXPECT_NEAR(dot(normalize(to_camera), scene.camera.getTransform().getZ()), 1, 1e-12);
-    EXPECT_TRUE(logic.m_raining);
-    EXPECT_FALSE(logic.m_ocean->getUseGlobalWind()); // but the host's
-}
-
 TEST(Startup, AnnouncesInOrderAlsoWhatIsPreloadedAndMissing) {
     LogicScene scene;
     scene.folder.write("data/PELMAR_PROJECT/ANIM/light.anim",

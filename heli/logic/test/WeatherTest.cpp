@@ -79,6 +79,7 @@ TEST_F(WeatherTest, SeaBlockDrivesTheOceanAndSurvivesNonsense) {
     scene.addToWorld("name: ocean, type: ocean");
     start();
     const ObjectOcean& ocean = *scene.logic->m_ocean;
+    EXPECT_FALSE(ocean.getUseGlobalWind()); // but the host's
     for (const auto& [speed, angle, expected] :
          {std::tuple(500.0f, 30.0f, 5), {0, 30, 0}, {HUGE_VALF, std::nanf(""), 0}}) {
         UdpRecvData record = LogicScene::record();
