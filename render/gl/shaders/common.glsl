@@ -9,9 +9,10 @@ vec2 skyMapPlace(vec3 d) {
     float r = sqrt(max(1.0 - sqrt(z), 0.0));
     return d.xy * inversesqrt(max(dot(d.xy, d.xy), 1e-9)) * (r * 0.496) + 0.5;
 }
-// `lod`: 0 sharpest, each 1 twice as blurred, as surfaces ask for it; the map's own levels begin at 1.
+// `lod`: 0 sharpest, each 1 twice as blurred, as surfaces ask for it; the maps' own levels begin at 1,
+// or one later where they are small.
 vec3 skyAt(vec3 d, float lod) {
-    return textureLod(uSkyMap, skyMapPlace(d), max(lod - 1.0, 0.0)).rgb * uSky.x;
+    return textureLod(uSkyMap, skyMapPlace(d), max(lod - 1.0 - uCloudAir.y, 0.0)).rgb * uSky.x;
 }
 // The glow about the sun in hazy air, by the cosine of the angle from it: Cornette and Shanks (1992).
 float glowAt(float cosine) {

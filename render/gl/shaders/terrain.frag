@@ -2,6 +2,7 @@
 // What covers the ground goes by height, slope and noise of eight sizes: lush and dry grass, scrub,
 // bare soil, scree, rock, beach. Each size fades out where the pixel is coarser than it, so that
 // neither tiles nor borders show, and the wide ones keep the far hills from one plain colour.
+// FAR: no pixel is near enough for grain, and one look tells its shadow.
 in vec3 vPosition;
 in vec3 vNormal;
 in vec3 vPlace;
@@ -22,8 +23,12 @@ void main() {
     vec2 warped = p.yx + vec2(vast, -wide) * 45.0;
     float patches = texture(uNoise, warped / 57.6).y, tufts = texture(uNoise, warped / 7.2).y;
     float near = smoothstep(0.5, 0.02, footprint);
+#ifdef FAR
+    vec2 grain = vec2(0.5);
+#else
     vec2 grain = mix(vec2(0.5), vec2(texture(uNoise, p.yx / 1.8).y, texture(uNoise, p / 0.45).y),
                      smoothstep(0.06, 0.004, footprint));
+#endif
     float rough = (fine.y - 0.5) * 0.5 + (grain.x - 0.5) * 0.35 + (grain.y - 0.5) * 0.25;
 
     vec2 tilt = (fine.zw - 0.5) * (1.6 * near) + (middle.zw - 0.5);
@@ -54,7 +59,12 @@ void main() {
     float frost = uGround.w * smoothstep(0.15, 0.55, normal.z - 0.35 * vSlope + (fine.y - 0.5) * 0.3);
     albedo = mix(albedo * (1.0 - wet), vec3(0.62, 0.68, 0.74) * (0.85 + 0.15 * grain.x), frost * 0.85);
 
-    vec3 light = uLight.rgb * vSun * lightReaching(vPosition + normal * 0.05);
+#ifdef FAR
+    float reaching = lightReachingOnce(vPosition + normal * 0.05);
+#else
+    float reaching = lightReaching(vPosition + normal * 0.05);
+#endif
+    vec3 light = uLight.rgb * vSun * reaching;
     vec3 ambient = uAmbient.rgb * mix(vec3(0.35), vec3(1.0), normal.z * 0.5 + 0.5);
     vec3 color = albedo * (ambient + light * max(dot(normal, uLightDirection.xyz), 0.0) / PI);
 #ifdef LIGHTS

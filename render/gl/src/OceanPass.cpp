@@ -26,6 +26,7 @@ enum { UNIT_WATER = gl::UNIT_FIRST_OWN, UNIT_SLOPE, UNIT_EFFECTS = UNIT_SLOPE + 
 /// Of the programs that shade, by `OceanPass::Shade`.
 constexpr const char* SHADE_WORDS[] = {"WAKES DOWNWASH SHADOWS LIGHTS",
                                        "WAKES DOWNWASH SHADOWS",
+                                       "WAKES SHADOWS",
                                        "WAKES DOWNWASH",
                                        "WAKES",
                                        "",
@@ -394,7 +395,10 @@ void OceanPass::shadeAll(const Drawing& drawing) {
         shade(STORM, PictureRect::whole(), drawing);
     }
     if (!storm || all) {
-        shade(SHADOWED, drawing.shadows, drawing);
+        PictureRect both = downwash;
+        both.cut(drawing.shadows);
+        shade(SHADOWED, all ? downwash : both, drawing);
+        shade(SHADED, drawing.shadows, drawing);
         shade(BLOWN, downwash, drawing);
     }
     const bool still = drawing.wakes.getNear().empty && drawing.wakes.getFar().empty;

@@ -47,6 +47,7 @@ private:
     enum Shade {
         LIT,
         SHADOWED,
+        SHADED, // where no downwash is
         BLOWN,
         WITH_WAKES,
         OPEN,

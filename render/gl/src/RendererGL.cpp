@@ -220,7 +220,7 @@ bool RendererGL::Impl::initPasses() {
     fxaa.start("screen.vert", "fxaa.frag", {}, {{"uPicture", gl::UNIT_FIRST_OWN}});
     fxaa_small.start("screen.vert", "fxaa.frag", "SMALL", {{"uPicture", gl::UNIT_FIRST_OWN}});
     upscale.start("screen.vert", "upscale.frag", {}, {{"uPicture", gl::UNIT_FIRST_OWN}});
-    sky.init(wantsVolume(software));
+    sky.init(wantsVolume(software), software);
     meshes.init();
     terrain.init();
     grass.init();

@@ -14,7 +14,6 @@ namespace ig {
 namespace {
 
 constexpr int SCATTER_SIZE = 128; ///< texels; scattering without its phase functions is smooth
-constexpr int SIZE = 256;         ///< likewise the sky, and what mirrors its clouds is never smooth
 /// A bake's steps: stripes of scattering and of the maps, one for the maps' levels, and one for
 /// what the processor wants of them.
 constexpr int SCATTER_STRIPES = 4, MAP_STRIPES = 4, LEVELS_STEP = SCATTER_STRIPES + MAP_STRIPES,
@@ -104,7 +103,8 @@ HazeColor fitHaze(std::span<const vec4> texels, int edge, const vec3& sun,
 
 } // namespace
 
-void SkyMaps::init() {
+void SkyMaps::init(bool software) {
+    m_size = software ? FULL_SIZE / 2 : FULL_SIZE;
     m_scatter.start("screen.vert", "scatter.frag");
     m_compose.start("screen.vert", "clouds.glsl skymap.frag", "",
                     {{"uRayleigh", gl::UNIT_FIRST_OWN},
@@ -131,12 +131,12 @@ void SkyMaps::init() {
 }
 
 /// Half floats: eight bits draw bands across a sky that changes so slowly.
-void SkyMaps::makeMap(Map& map) {
+void SkyMaps::makeMap(Map& map) const {
     gl::TextureFormat format{GL_RGBA16F, GL_RGBA, GL_FLOAT};
-    gl::makeTexture(map.clear, SIZE, SIZE, format);
+    gl::makeTexture(map.clear, m_size, m_size, format);
     glGenerateMipmap(GL_TEXTURE_2D);
     format.filter = GL_LINEAR_MIPMAP_LINEAR;
-    gl::makeTexture(map.sky, SIZE, SIZE, format);
+    gl::makeTexture(map.sky, m_size, m_size, format);
     glGenerateMipmap(GL_TEXTURE_2D);
     attachAll(map.target, {&map.clear, &map.sky});
 }
@@ -241,7 +241,7 @@ void SkyMaps::compose(int stripe) {
     gl::bindTexture(gl::UNIT_FIRST_OWN + 2, m_multiple);
     m_compose.set("uNight", nightGlow(map.shows.moon));
     m_compose.set("uCirrus", map.shows.cirrus);
-    drawStripe(SIZE, stripe, MAP_STRIPES);
+    drawStripe(m_size, stripe, MAP_STRIPES);
 }
 
 void SkyMaps::makeLevels() {
@@ -254,9 +254,9 @@ void SkyMaps::makeLevels() {
 }
 
 /// Has small levels of the maps copied to where the processor can read them, and doesn't wait.
-void SkyMaps::askBack(const Map& map) {
+void SkyMaps::askBack(const Map& map) const {
     int level = 0;
-    while (SIZE >> level > SMALL)
+    while (m_size >> level > SMALL)
         level++;
     glBindBuffer(GL_PIXEL_PACK_BUFFER, m_back.getId());
     std::size_t place = 0; // within the buffer
@@ -300,7 +300,7 @@ void SkyMaps::fade() {
     const gl::Texture* textures[] = {&before().clear, &shown().clear, &before().sky, &shown().sky};
     for (int i = 0; i < 4; i++)
         gl::bindTexture(gl::UNIT_FIRST_OWN + i, *textures[i]);
-    drawStripe(SIZE, 0, 1);
+    drawStripe(m_size, 0, 1);
     gl::bindTexture(gl::UNIT_SKY, m_fading.sky);
     glGenerateMipmap(GL_TEXTURE_2D);
 }

@@ -35,7 +35,10 @@ public:
         float base = 0, thickness = 0; ///< of the clouds, above the eye, m
     };
 
-    void init();
+    /// `software`: the processor bakes, at half the edge.
+    void init(bool software);
+    /// The level of a map of the full size that these begin at.
+    float getFirstLevel() const { return m_size < FULL_SIZE ? 1.0f : 0.0f; }
     /// Bakes what this frame has to, in a block that has all but what comes of the maps.
     void update(const Sight& wanted, bool is_main, bool everything, const FrameBlock& block);
     void bind() const;
@@ -46,6 +49,8 @@ public:
     void forget();
 
 private:
+    /// Edge, texels. What rough surfaces mirror of clouds is never sharp.
+    static constexpr int FULL_SIZE = 256;
     static constexpr int SMALL = 32; ///< edge of the copies for the processor, texels
     using Small = std::array<vec4, SMALL * SMALL>;
     struct Map {
@@ -62,7 +67,7 @@ private:
     };
     static constexpr int ELSEWHERE = 3; ///< the map of eyes that see another sky than the main one
 
-    static void makeMap(Map& map);
+    void makeMap(Map& map) const;
     const Map& shown() const { return m_maps[m_elsewhere ? ELSEWHERE : m_shown]; }
     const Map& before() const { return m_maps[(m_shown + 2) % 3]; }
     float getShareBefore() const;
@@ -75,7 +80,7 @@ private:
     void scatter(int stripe);
     void compose(int stripe);
     void makeLevels();
-    void askBack(const Map& map);
+    void askBack(const Map& map) const;
     void finish();
     void fade();
 
@@ -89,6 +94,7 @@ private:
     Small m_small;     ///< the same, when it has come
     std::vector<HazeColor::Sample> m_samples; ///< of the haze
     /// Of the first three; the next one is in the making, the one after was before.
+    int m_size = FULL_SIZE;
     int m_shown = 0;
     bool m_elsewhere = false; ///< the eye that is drawn for sees `ELSEWHERE`
     int m_since = 0;          ///< steps since the map that is shown was finished

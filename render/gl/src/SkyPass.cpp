@@ -38,8 +38,8 @@ constexpr int UNIT_SOFT = gl::UNIT_FIRST_OWN + 4;
 
 } // namespace
 
-void SkyPass::init(bool volume) {
-    m_maps.init();
+void SkyPass::init(bool volume, bool software) {
+    m_maps.init(software);
     m_soft.start("screen.vert", "clouds.glsl bank.glsl sky.frag", volume ? "VOLUME" : "");
     std::vector<gl::Sampler> samplers{{"uSoft", UNIT_SOFT}};
     if (volume) {
@@ -164,7 +164,8 @@ void SkyPass::fillClouds(const FrameInfo& frame, FrameBlock& block) {
     // already.
     const float rise = (c.base + c.thickness / 2) * block.air.x;
     const float mean = std::abs(rise) > 1e-3f ? (1 - std::exp(-rise)) / rise : 1;
-    block.cloud_air = {block.ambient.w * block.air.y * mean + CLEAR_SIGHT, 0, 0, 0};
+    block.cloud_air = {block.ambient.w * block.air.y * mean + CLEAR_SIGHT, m_maps.getFirstLevel(),
+                       0, 0};
     // What the sky lights, and a closed layer from below at the horizon.
     const float dusk = smoothStep(-0.1f, 0.4f, m_sun.z);
     const vec3 night = nightGlow(m_moon), light = block.cloud_light.xyz();

@@ -20,7 +20,7 @@ namespace ig {
 class SkyPass {
 public:
     /// `volume`: clouds are one (`CloudVolume`), for devices that can; else sheets.
-    void init(bool volume);
+    void init(bool volume, bool software);
 
     /// Bakes what this frame has to, binds the maps, and fills in the frame block what is light and
     /// air. Once a frame for the main eye, any number of times before that for others.

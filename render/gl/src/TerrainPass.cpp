@@ -15,9 +15,10 @@ namespace ig {
 
 namespace {
 
-constexpr int KEPT = 600;         ///< frames that a chunk outlives its last use
-constexpr float CELL_PIXELS = 10; ///< a cell larger than this in the picture is split
-constexpr float SEA_BED = -15;    ///< altitude below which the sea hides everything
+constexpr int KEPT = 600;            ///< frames that a chunk outlives its last use
+constexpr float CELL_PIXELS = 10;    ///< a cell larger than this in the picture is split
+constexpr float GRAIN_PIXEL = 0.06f; ///< m: no grain shows where a pixel covers more (terrain.frag)
+constexpr float SEA_BED = -15;       ///< altitude below which the sea hides everything
 
 struct Vertex {
     vec3 position;
@@ -64,6 +65,7 @@ void TerrainPass::init() {
     m_lit_program.start("cloudshade.glsl terrain.vert", "shadow.glsl lights.glsl terrain.frag",
                         "LIGHTS HILLS");
     m_hilly_program.start("cloudshade.glsl terrain.vert", "shadow.glsl terrain.frag", "HILLS");
+    m_far_program.start("cloudshade.glsl terrain.vert", "shadow.glsl terrain.frag", "FAR");
 }
 
 std::uint64_t TerrainPass::key(const Square& square) {
@@ -184,10 +186,12 @@ void TerrainPass::visit(const FrameView& view, const TerrainGrid& grid, const Sq
         return;
     }
     if (view.everything)
-        for (gl::Program* program : {&m_program, &m_hilly_program})
+        for (gl::Program* program : {&m_program, &m_hilly_program, &m_far_program})
             drawChunk(view, grid, square, *program);
+    const bool is_far = !view.orthographic && distance * view.pixel_angle > GRAIN_PIXEL;
     drawChunk(view, grid, square,
               m_lights->reach(center, radius) ? m_lit_program
+              : is_far                        ? m_far_program
               : m_hills                       ? m_hilly_program
                                               : m_program);
 }

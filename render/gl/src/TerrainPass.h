@@ -56,8 +56,9 @@ private:
     void purge();
     static std::uint64_t key(const Square& square);
 
-    /// The second is for chunks that lamps or fires light, the third for hills that cast shadows.
-    gl::Program m_program, m_lit_program, m_hilly_program;
+    /// The second is for chunks that lamps or fires light, the third for hills that cast shadows,
+    /// the last for those of which no pixel shows a grain.
+    gl::Program m_program, m_lit_program, m_hilly_program, m_far_program;
     bool m_hills = false;
     gl::Program* m_used = nullptr;
     std::unordered_map<std::uint64_t, Chunk> m_chunks;

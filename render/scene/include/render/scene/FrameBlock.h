@@ -46,7 +46,8 @@ struct FrameBlock {
     vec4 cloud_haze;  ///< their mean colour from below; w: share of it in the haze
     vec4 cloud_shade; ///< x, y: how far a shadow falls to the side on 1 m; z: share of the key
                       ///< light that clouds take away; w: altitude of their bases, m
-    vec4 cloud_air;   ///< x: extinction of the air on the way to them, 1/m
+    vec4 cloud_air;   ///< x: extinction of the air on the way to them, 1/m; y: levels of the sky
+                      ///< map that it lacks, the sharpest
     vec4 weather;     ///< x: rain, y: snow, z: cloud cover, w: overcast, or in the clouds
     vec4 time;        ///< x: scene time, s; y: angle of a pixel, rad; z: lightning, 0 to 1;
                       ///< w: gain of what shines by itself
