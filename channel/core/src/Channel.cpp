@@ -358,8 +358,8 @@ bool Channel::runFrame() {
     if (m_interface.isEndRequested()) m_screenshots.finish(); // the logic ends the process
     const float scale = m_renderer->getScale();
     const bool still = !m_script.getPictureName().empty();
-    // A still is looked at longer than a frame.
-    if (still && m_options.scale <= 0) m_renderer->setScale(1);
+    // A still is looked at longer than a frame; in a window such a frame would be seen to stop.
+    if (still && m_options.scale <= 0 && !m_window.isOpen()) m_renderer->setScale(1);
     const FrameCosts costs = frame(dt);
     takeStill();
     tellPictures();

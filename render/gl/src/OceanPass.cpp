@@ -407,8 +407,7 @@ void OceanPass::shadeAll(const Drawing& drawing) {
     glDisable(GL_SCISSOR_TEST);
 }
 
-/// The fan leaves a mark wherever it is what one sees; there, and nowhere else, the sea is shaded.
-void OceanPass::draw(const Drawing& drawing) {
+void OceanPass::cover(const Drawing& drawing) {
     glBindFramebuffer(GL_FRAMEBUFFER, drawing.targets.water_target.getId());
     glEnable(GL_STENCIL_TEST);
     glStencilFunc(GL_ALWAYS, MARK, MARK);
@@ -419,9 +418,13 @@ void OceanPass::draw(const Drawing& drawing) {
     drawFan(fan, drawing);
 
     glBindFramebuffer(GL_FRAMEBUFFER, drawing.targets.scene_target.getId());
+    glStencilOp(GL_KEEP, GL_KEEP, GL_ZERO);
+}
+
+/// Each pixel loses its mark with its first light.
+void OceanPass::shade(const Drawing& drawing) {
     glDisable(GL_DEPTH_TEST);
     glStencilFunc(GL_EQUAL, MARK, MARK);
-    glStencilOp(GL_KEEP, GL_KEEP, GL_ZERO);
     shadeAll(drawing);
     glDisable(GL_STENCIL_TEST);
     glEnable(GL_DEPTH_TEST);

@@ -39,8 +39,12 @@ public:
         const Targets& targets;
         float land; ///< m around the eye where it hides all water
     };
-    /// Leaves the targets' scene bound.
-    void draw(const Drawing& drawing);
+    /// Finds the water that one sees and marks its pixels. What is drawn opaque from now on until
+    /// `shade` takes the mark away where it lies before water: so that of what water hides, the bed
+    /// of all shallow sea, no pixel is shaded.
+    void cover(const Drawing& drawing);
+    /// Shades where the mark has remained. Both leave the targets' scene bound.
+    void shade(const Drawing& drawing);
 
 private:
     /// Programs that shade; what a word leaves out costs nothing.

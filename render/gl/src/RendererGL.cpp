@@ -227,7 +227,7 @@ bool RendererGL::Impl::initPasses() {
     beams.init();
     sprites.init();
     glass.init();
-    wakes.init(software ? 384 : 512);
+    wakes.init(software);
     ui.init();
     viewports.init();
     ocean.init(software);
@@ -451,13 +451,19 @@ void RendererGL::Impl::drawScene(const World& world) {
     filterNoise(false);
     meshes.drawOpaque();
     clock.mark("meshes");
+    std::optional<OceanPass::Drawing> sea;
+    if (list.ocean) {
+        sea.emplace(OceanPass::Drawing{view, list.ocean->getFrame(), list.downdraughts,
+                                       findShadowsOnSea(), lights, glints, wakes, *canvas,
+                                       findLand()});
+        ocean.cover(*sea);
+    }
+    clock.mark("fan");
     if (list.terrain) terrain.draw(view, *list.terrain, lights, castHills());
     clock.mark("terrain");
     if (list.terrain) grass.draw(view, world, *list.terrain, list.fields, lights);
     clock.mark("grass");
-    if (list.ocean)
-        ocean.draw({view, list.ocean->getFrame(), list.downdraughts, findShadowsOnSea(), lights,
-                    glints, wakes, *canvas, findLand()});
+    if (sea) ocean.shade(*sea);
     clock.mark("ocean");
     filterNoise(true);
     sky.drawBackground(view, *canvas);
@@ -560,7 +566,7 @@ int shrink(int size) {
 /// By day in the rain, by night, from above the clouds, and then what the user interface shows.
 void RendererGL::Impl::rehearse(Rehearsal& r) {
     constexpr double LOW = 20, HIGH = 1000; // m, above the sea, above the clouds
-    constexpr int VIEWS = 3, PASSES = 13;
+    constexpr int VIEWS = 3, PASSES = 14;
     rehearsal = &r;
     r.steps = VIEWS * PASSES + 2;
     clock.at_mark = [this, &r] { step(r); };

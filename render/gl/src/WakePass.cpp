@@ -18,12 +18,12 @@ constexpr int KELVIN_WIDTH = 160, KELVIN_LENGTH = 512; ///< texels
 constexpr vec2 KELVIN_EXTENT{7.5f, 20};                ///< to the side and behind, wave lengths
 constexpr float REACH = 110;                           ///< m that a wake is long per m/s
 
-constexpr double NEAR_EVERY = 0.08, FAR_EVERY = 0.5; ///< s between paintings
+constexpr double NEAR_EVERY = 0.08, NEAR_SELDOM = 0.12, FAR_EVERY = 0.5; ///< s between paintings
 
 } // namespace
 
-void WakePass::init(int map_size) {
-    m_size = map_size;
+void WakePass::init(bool quick) {
+    m_size = quick ? 384 : 512;
     m_kelvin.start("screen.vert", "kelvin.frag");
     m_wake.start("wake.vert", "hullwave.glsl wake.frag");
     m_hull.start("wake.vert", "hullwave.glsl wake.frag", "HULL");
@@ -36,7 +36,7 @@ void WakePass::init(int map_size) {
     glEnableVertexAttribArray(0);
     glVertexAttribPointer(0, 4, GL_FLOAT, GL_FALSE, sizeof(FoamPatch), nullptr);
     glVertexAttribDivisor(0, 1);
-    makeMap(m_near, m_size, NEAR_EVERY, true);
+    makeMap(m_near, m_size, quick ? NEAR_SELDOM : NEAR_EVERY, true);
     makeMap(m_far, m_size, FAR_EVERY, false);
 }
 

@@ -28,8 +28,8 @@ public:
         vec2 drift; ///< how far the nearest hull has gone since, and its raised water with it, m
     };
 
-    /// `map_size` in texels: 384 or more looks right.
-    void init(int map_size);
+    /// `quick`: smaller maps, painted less often, for a renderer without a graphics processor.
+    void init(bool quick);
     /// Brings both maps up to date, each at its own rate; the caller sets target and viewport back.
     void draw(const FrameView& view, const WakeList& list, const OceanFrame& ocean);
     /// The next painting is again the first.
