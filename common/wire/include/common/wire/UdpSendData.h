@@ -15,9 +15,9 @@ static_assert(std::endian::native == std::endian::little,
 /// airframe included: from the local east-north-up frame heading first, then pitch, then roll. All
 /// 0 when the model has no node of that name.
 struct UdpWheelAttitude {
-    float h;               ///< heading, degrees clockwise from true north, in [0, 360)
-    float p;               ///< pitch, degrees, nose up positive, −90 to 90
-    float r;               ///< roll, degrees, right side down positive, −180 to 180
+    float h;
+    float p;
+    float r;
     std::int32_t reserved; ///< 0
 };
 
@@ -29,11 +29,14 @@ struct UdpWheelAttitude {
 /// The ground is the nearest visible surface of the scene, be it land, sea, deck or roof, straight
 /// below the helicopter's reference point, the origin of its model. When there is none within
 /// 100 km its three fields are 0.
+///
+/// Units, ranges and signs says the table of `feedbackFields` (WireField.h), against which this is
+/// held.
 struct UdpSendData {
-    std::int32_t frame;        ///< the engine's frame number, 1 at first, one more with each frame
-    double ground_latitude;    ///< geodetic (WGS84), degrees, north positive
-    double ground_longitude;   ///< degrees, east positive
-    float height_above_ground; ///< of the reference point above the ground, metres
+    std::int32_t frame;
+    double ground_latitude;
+    double ground_longitude;
+    float height_above_ground;
     UdpWheelAttitude wheel_front; ///< of the node "wheel_front"; the others likewise
     UdpWheelAttitude wheel_left;
     UdpWheelAttitude wheel_right;
@@ -43,6 +46,3 @@ struct UdpSendData {
 #pragma pack(pop)
 
 static_assert(sizeof(UdpSendData) == 108 && std::is_trivially_copyable_v<UdpSendData>);
-static_assert(offsetof(UdpSendData, ground_latitude) == 4 &&
-              offsetof(UdpSendData, height_above_ground) == 20 &&
-              offsetof(UdpSendData, wheel_left) == 40 && offsetof(UdpSendData, reserved72) == 72);
