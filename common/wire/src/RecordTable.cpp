@@ -30,7 +30,7 @@ constexpr WireField ROWS[] = {
                    "record is applied: send it once; others do nothing",
         .codes = COMMANDS),
     ROW(system_cmd, .offset = 8, .type = U32, .use = ANNOUNCED, .is_code = true, .range = {0, 4},
-        .zero = "the last command goes on; the scene runs when there was none",
+        .unused = 1, .zero = "the last command goes on; the scene runs when there was none",
         .meaning =
             "1 run, 2 freeze, 3 stop (until run or a reset), 4 exit (obeyed by a channel that "
             "was started with --obey-exit); others do nothing",
@@ -38,7 +38,7 @@ constexpr WireField ROWS[] = {
 
     // --- Weather. The picture follows a change within seconds, the wind at once.
     ROW(weather_type, .offset = 12, .type = U16, .use = ANNOUNCED, .is_code = true, .range = {1, 4},
-        .zero = "the last look stays; clear at the start",
+        .unused = 1, .zero = "the last look stays; clear at the start",
         .meaning =
             "Look of the sky: 1 clear, 2 overcast, 3 storm, 4 fog; others: the last one stays",
         .codes = LOOKS),
@@ -86,7 +86,7 @@ constexpr WireField ROWS[] = {
 
     // --- Sea. The waves follow a change within 10 s.
     ROW(sea_code, .offset = 90, .type = I16, .use = ANNOUNCED, .unit = "Beaufort", .range = {0, 12},
-        .zero = "still water",
+        .unused = 2, .zero = "still water",
         .meaning = "Height and length of the waves; what is beyond is clamped"),
     ROW(sea_speed, .offset = 92, .type = F32, .use = SHOWN, .unit = "cm/s", .range = {0, 7500},
         .plausible = SANE, .zero = "as the Beaufort number has it",
@@ -100,38 +100,39 @@ constexpr WireField ROWS[] = {
     // --- The own helicopter, shown where its reference point is told to be. All 0 is a place, in
     // the Gulf of Guinea.
     ROW(latitude, .offset = 124, .type = F64, .use = SHOWN, .unit = "deg", .range = {-90, 90},
-        .plausible = {-90, 90}, .sense = "north positive", .zero = "the equator",
+        .plausible = {-90, 90}, .unused = {}, .sense = "north positive", .zero = "the equator",
         .meaning =
             "Geodetic latitude (WGS84) of the reference point, the origin of the helicopter's "
             "model"),
     ROW(longitude, .offset = 132, .type = F64, .use = SHOWN, .unit = "deg", .range = {-180, 180},
-        .plausible = TURN, .sense = "east positive", .zero = "the prime meridian",
+        .plausible = TURN, .unused = {}, .sense = "east positive", .zero = "the prime meridian",
         .meaning = "Its longitude (WGS84)"),
     ROW(altitude, .offset = 140, .type = F32, .use = SHOWN, .unit = "m", .range = {-500, 20000},
-        .plausible = {-500, 20000}, .sense = "above mean sea level", .zero = "at sea level",
-        .meaning = "Its height; the sea's mean level is 0 everywhere"),
+        .plausible = {-500, 20000}, .unused = {}, .sense = "above mean sea level",
+        .zero = "at sea level", .meaning = "Its height; the sea's mean level is 0 everywhere"),
     ROW(pitch, .offset = 144, .type = F32, .use = SHOWN, .unit = "deg", .range = {-90, 90},
-        .plausible = TURN, .sense = "nose up positive", .zero = "level",
+        .plausible = TURN, .unused = {}, .sense = "nose up positive", .zero = "level",
         .meaning = "Second turn of the attitude, about the axis to the right"),
     ROW(roll, .offset = 148, .type = F32, .use = SHOWN, .unit = "deg", .range = {-180, 180},
-        .plausible = TURN, .sense = "right side down positive", .zero = "level",
+        .plausible = TURN, .unused = {}, .sense = "right side down positive", .zero = "level",
         .meaning = "Third turn, about the axis ahead"),
     ROW(heading, .offset = 152, .type = F32, .use = SHOWN, .unit = "deg", .range = {0, 360},
-        .plausible = TURN, .sense = "clockwise from true north", .zero = "north",
+        .plausible = TURN, .unused = {}, .sense = "clockwise from true north", .zero = "north",
         .meaning = "First turn, about the vertical"),
     ROW(rotor_speed, .offset = 156, .type = F32, .use = SHOWN, .unit = "60 deg/s",
-        .range = {0, 270}, .plausible = {-1000, 1000}, .zero = "the rotors stand",
+        .range = {0, 270}, .plausible = {-1000, 1000}, .unused = 270, .zero = "the rotors stand",
         .meaning = "Both rotors turn by 60 times this in degrees per second; 270 counts as full "
                    "collective, which the downwash goes by"),
     ROW(reserved160, .offset = 160),
 
     // --- Weather radar, when the operator looks at it.
     ROW(radar_value, .offset = 420, .type = F32, .use = SHOWN, .range = {0, MANY},
-        .plausible = SANE, .zero = "no echo",
+        .plausible = SANE, .unused = 1, .zero = "no echo",
         .meaning = "Gain: every echo times this, 1 as it is; below 0: no echo"),
     ROW(radar_sector_width, .offset = 424, .type = F32, .use = SHOWN, .unit = "deg",
-        .range = {0, 180}, .plausible = TURNS, .sense = "half to each side of the sector's middle",
-        .zero = "a line", .meaning = "Width of the sector that the radar's picture shows"),
+        .range = {0, 180}, .plausible = TURNS, .unused = 90,
+        .sense = "half to each side of the sector's middle", .zero = "a line",
+        .meaning = "Width of the sector that the radar's picture shows"),
     ROW(radar_sector_offset, .offset = 428, .type = F32, .use = SHOWN, .unit = "deg",
         .range = {-90, 90}, .plausible = TURNS, .sense = "right of ahead positive",
         .zero = "straight ahead", .meaning = "Where the sector's middle points"),
@@ -139,9 +140,10 @@ constexpr WireField ROWS[] = {
 
     // --- Rescue winch.
     ROW(hang_mass, .offset = 1428, .type = I16, .use = SHOWN, .unit = "kg", .range = {1, 32767},
-        .zero = "counts as 1 kg", .meaning = "Mass of the load on the hook; below 1 counts as 1"),
+        .unused = 80, .zero = "counts as 1 kg",
+        .meaning = "Mass of the load on the hook; below 1 counts as 1"),
     ROW(hang_length, .offset = 1430, .type = F32, .use = SHOWN, .unit = "m", .range = {0, 10000},
-        .plausible = {0, 10000}, .zero = "as short as the cable gets",
+        .plausible = {0, 10000}, .unused = 2, .zero = "as short as the cable gets",
         .meaning = "Cable between winch and load"),
     ROW(hang_enable, .offset = 1434, .type = U16, .use = SHOWN, .is_code = true, .range = {0, 1},
         .zero = "the load is stowed, also when it was the operator who put it out",

@@ -54,6 +54,8 @@ struct WireField {
     /// A whole record with a value beyond this, or with one that is not finite, is warned of;
     /// bounded where that is looked at.
     WireRange plausible = {};
+    /// What a host puts in that has nothing to say of it; nothing where it has to say something.
+    std::optional<double> unused = 0;
     std::string_view sense = {};          ///< which way is positive, where from
     std::string_view zero = {};           ///< what 0 does
     std::string_view meaning = {};        ///< in a sentence without its full stop

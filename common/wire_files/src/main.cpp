@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+#include "Writers.h"
+
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <sstream>
+
+namespace {
+
+const char* const USAGE = R"(Writes the files that are made from the tables of the two datagrams.
+
+  wire_files FOLDER           writes them below the root of a checkout
+  wire_files --check FOLDER   names those that are not as they would be written; then exits 1
+)";
+
+struct File {
+    const char* path;
+    std::string (*make)();
+};
+const File FILES[] = {
+    {"examples/visual_channel_wire.h", cHeader},
+};
+
+/// The whole file; empty when it can't be read.
+std::string contentOf(const std::filesystem::path& path) {
+    std::ostringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
+}
+
+/// False, with a line on standard error, when the file is not, or could not be made, as it should.
+bool settle(const std::filesystem::path& path, const std::string& text, bool check) {
+    if (contentOf(path) == text) return true;
+    if (check) {
+        std::cerr << path.string()
+                  << " is not as the tables in common/wire have it: run wire_files\n";
+        return false;
+    }
+    std::ofstream file(path, std::ios::binary);
+    file << text;
+    if (file.flush()) return true;
+    std::cerr << path.string() << ": " << std::strerror(errno) << '\n';
+    return false;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const bool check = argc == 3 && std::strcmp(argv[1], "--check") == 0;
+    if (argc != 2 && !check) {
+        std::cerr << USAGE;
+        return 2;
+    }
+    const std::filesystem::path folder = argv[argc - 1];
+    bool good = true;
+    for (const File& file : FILES)
+        good = settle(folder / file.path, file.make(), check) && good;
+    return good ? 0 : 1;
+}
