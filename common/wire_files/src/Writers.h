@@ -6,5 +6,10 @@
 /// What is made from the tables of the two datagrams. Each returns a whole text, the same every
 /// time, so that a file that differs from it has drifted.
 
+/// Where the datagrams go unless the configuration says otherwise.
+inline constexpr int RECORD_PORT = 10004, FEEDBACK_PORT = 10005;
+
 /// `visual_channel_wire.h` for C99 and C++11: offsets, codes, both datagrams as plain structs.
 std::string cHeader();
+/// `visual_channel.lua`, the dissector of both datagrams for Wireshark and tshark.
+std::string dissector();

@@ -22,6 +22,7 @@ struct File {
 };
 const File FILES[] = {
     {"examples/visual_channel_wire.h", cHeader},
+    {"examples/visual_channel.lua", dissector},
 };
 
 /// The whole file; empty when it can't be read.
