@@ -1,7 +1,7 @@
 /* SPDX-License-Identifier: MIT
  *
  * The two datagrams between a flight simulation and the visual channel, for C99 and C++11. Made by
- * wire_files from the tables in common/wire: don't edit it, edit them.
+ * wire_files from the tables in common/wire: don't edit it, edit them. docs/connect.md tells more.
  *
  *   vc_record record;
  *   uint8_t bytes[VC_RECORD_SIZE];
@@ -166,7 +166,7 @@ typedef struct vc_record {
     float radar_sector_offset;
     /* kg, 1 to 32767; 0: counts as 1 kg. Mass of the load on the hook; below 1 counts as 1. */
     int16_t hang_mass;
-    /* m, 0 to 10000; 0: as short as the cable gets. Cable between winch and load. */
+    /* m, 0 to 10000; 0: the load hangs at the winch. Cable between winch and load. */
     float hang_length;
     /* 0: the load is stowed, also when it was the operator who put it out. Other than 0: the
      * load is out, with the two above. */

@@ -143,7 +143,7 @@ constexpr WireField ROWS[] = {
         .unused = 80, .zero = "counts as 1 kg",
         .meaning = "Mass of the load on the hook; below 1 counts as 1"),
     ROW(hang_length, .offset = 1430, .type = F32, .use = SHOWN, .unit = "m", .range = {0, 10000},
-        .plausible = {0, 10000}, .unused = 2, .zero = "as short as the cable gets",
+        .plausible = {0, 10000}, .unused = 2, .zero = "the load hangs at the winch",
         .meaning = "Cable between winch and load"),
     ROW(hang_enable, .offset = 1434, .type = U16, .use = SHOWN, .is_code = true, .range = {0, 1},
         .zero = "the load is stowed, also when it was the operator who put it out",

@@ -10,7 +10,7 @@ using Use = WireField::Use;
 const char* const HEAD = R"(/* SPDX-License-Identifier: MIT
  *
  * The two datagrams between a flight simulation and the visual channel, for C99 and C++11. Made by
- * wire_files from the tables in common/wire: don't edit it, edit them.
+ * wire_files from the tables in common/wire: don't edit it, edit them. docs/connect.md tells more.
  *
  *   vc_record record;
  *   uint8_t bytes[VC_RECORD_SIZE];

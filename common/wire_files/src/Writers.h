@@ -3,8 +3,8 @@
 
 #include <string>
 
-/// What is made from the tables of the two datagrams. Each returns a whole text, the same every
-/// time, so that a file that differs from it has drifted.
+/// What is made from the tables of the two datagrams: the same text every time, so that a file that
+/// differs from it has drifted.
 
 /// Where the datagrams go unless the configuration says otherwise.
 inline constexpr int RECORD_PORT = 10004, FEEDBACK_PORT = 10005;
@@ -13,3 +13,8 @@ inline constexpr int RECORD_PORT = 10004, FEEDBACK_PORT = 10005;
 std::string cHeader();
 /// `visual_channel.lua`, the dissector of both datagrams for Wireshark and tshark.
 std::string dissector();
+/// `visual_channel.xml`, both ends of the link as a generic protocol of FlightGear.
+std::string protocolFile();
+/// A page with the tables of fields, limits and feedback in it anew, between the comments that mark
+/// where they stand.
+std::string withFieldTables(std::string page);

@@ -18,11 +18,13 @@ const char* const USAGE = R"(Writes the files that are made from the tables of t
 
 struct File {
     const char* path;
-    std::string (*make)();
+    std::string (*make)(const std::string& present); ///< given what is there
 };
 const File FILES[] = {
-    {"examples/visual_channel_wire.h", cHeader},
-    {"examples/visual_channel.lua", dissector},
+    {"examples/visual_channel_wire.h", [](const std::string&) { return cHeader(); }},
+    {"examples/visual_channel.lua", [](const std::string&) { return dissector(); }},
+    {"examples/visual_channel.xml", [](const std::string&) { return protocolFile(); }},
+    {"docs/connect.md", [](const std::string& page) { return withFieldTables(page); }},
 };
 
 /// The whole file; empty when it can't be read.
@@ -33,15 +35,17 @@ std::string contentOf(const std::filesystem::path& path) {
 }
 
 /// False, with a line on standard error, when the file is not, or could not be made, as it should.
-bool settle(const std::filesystem::path& path, const std::string& text, bool check) {
-    if (contentOf(path) == text) return true;
+bool settle(const std::filesystem::path& folder, const File& what, bool check) {
+    const std::filesystem::path path = folder / what.path;
+    const std::string present = contentOf(path), wanted = what.make(present);
+    if (present == wanted) return true;
     if (check) {
         std::cerr << path.string()
                   << " is not as the tables in common/wire have it: run wire_files\n";
         return false;
     }
     std::ofstream file(path, std::ios::binary);
-    file << text;
+    file << wanted;
     if (file.flush()) return true;
     std::cerr << path.string() << ": " << std::strerror(errno) << '\n';
     return false;
@@ -58,6 +62,6 @@ int main(int argc, char** argv) {
     const std::filesystem::path folder = argv[argc - 1];
     bool good = true;
     for (const File& file : FILES)
-        good = settle(folder / file.path, file.make(), check) && good;
+        good = settle(folder, file, check) && good;
     return good ? 0 : 1;
 }

@@ -55,7 +55,23 @@ def shown(datagrams):
             for packet in xml.fromstring(result.stdout).findall("packet")]
 
 
-class Dissector(unittest.TestCase):
+def laid_out(output, tree):
+    """The datagram that FlightGear writes with this part of a generic protocol file: no padding,
+    integers cut off, a text behind its length."""
+    data = b""
+    for chunk in output.iter("chunk"):
+        kind, text = chunk.findtext("type"), chunk.findtext("const")
+        if kind == "string":
+            data += struct.pack("<I", len(text)) + text.encode()
+            continue
+        value = float(text) if text else tree.get(chunk.findtext("node"), 0)
+        value = value * float(chunk.findtext("factor", "1")) + float(chunk.findtext("offset", "0"))
+        letter = {"int": "i", "word": "h", "float": "f", "double": "d"}[kind]
+        data += struct.pack("<" + letter, int(value) if kind in ("int", "word") else value)
+    return data
+
+
+class Readers(unittest.TestCase):
     def assert_whole(self, fields, size):
         """Fields follow each other up to the datagram's end, and none is of no known field."""
         end = 0
@@ -94,6 +110,33 @@ class Dissector(unittest.TestCase):
         self.assertEqual(packets[3], [])
         self.assertEqual(packets[4][-1][:3], ("vc_record.rest", 1436, 53))
         self.assertEqual(packets[5][-1][:3], ("vc_feedback.rest", 108, 2))
+
+    def test_flightgear_sends_the_record_and_reads_the_feedback(self):
+        tree = {"/sim/freeze/master": 1, "/environment/rain-norm": 0.9,
+                "/environment/clouds/layer[0]/coverage-type": 2,
+                "/environment/clouds/layer[0]/elevation-ft": 1000,
+                "/environment/visibility-m": 16093.4, "/position/latitude-deg": 19.725,
+                "/environment/config/boundary/entry[0]/wind-speed-kt": 20,
+                "/position/altitude-ft": -10, "/orientation/roll-deg": -3.5, "/rotors/main/rpm": 442,
+                "/visual-channel/hang_enable": 1}
+        root = xml.parse(EXAMPLES / "visual_channel.xml").getroot()
+        record = laid_out(root.find("generic/output"), tree)
+        values = {name: value for name, _, _, value in shown([(10004, record)])[0]}
+        self.assertEqual(len(record), RECORD_SIZE)
+        for name, expected in {
+                "system_cmd": 2, "rain_level": 3, "cloud_percent": 60, "cloud_base": 304.8,
+                "cloud_top": 904.8, "weather_value_b": 16093, "latitude": 19.725, "altitude": -3.048,
+                "sea_code": 5, "sea_speed": 1028.89, "roll": -3.5, "rotor_speed": 269.62,
+                "radar_value": 1, "hang_mass": 80, "hang_enable": 1}.items():
+            self.assertAlmostEqual(float(values["vc_record." + name]), expected, 2, name)
+
+        feedback = root.find("generic/input")
+        self.assertEqual(int(feedback.findtext("record_length")), FEEDBACK_SIZE)
+        read = [(chunk.findtext("name"), chunk.findtext("type")) for chunk in feedback.iter("chunk")]
+        fields = shown([(10005, bytes(FEEDBACK_SIZE))])[0]
+        sizes = {"int": 4, "float": 4, "double": 8}
+        self.assertEqual([("vc_feedback." + name, sizes[kind]) for name, kind in read],
+                         [(name, size) for name, _, size, _ in fields[:-1]])
 
 
 if __name__ == "__main__":

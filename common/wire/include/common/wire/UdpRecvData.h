@@ -23,7 +23,7 @@ static_assert(std::endian::native == std::endian::little,
 /// as 0, what it has too much is ignored.
 ///
 /// What each field means, its unit, range and sign, whether it is shown, and what 0 does in it says
-/// the table of `recordFields` (WireField.h), against which this is held.
+/// the table of `recordFields` (WireField.h), against which this is held; docs/connect.md shows it.
 /// A value that no helicopter, weather or winch has is named in the channel's log; a pose that is
 /// not finite leaves the last one. Frames: geodetic ones are WGS84, the sea's mean level is
 /// altitude 0 of the ellipsoid; attitudes are turns from the local east-north-up frame, heading

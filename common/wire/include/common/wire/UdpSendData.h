@@ -31,7 +31,7 @@ struct UdpWheelAttitude {
 /// 100 km its three fields are 0.
 ///
 /// Units, ranges and signs says the table of `feedbackFields` (WireField.h), against which this is
-/// held.
+/// held; docs/connect.md shows it.
 struct UdpSendData {
     std::int32_t frame;
     double ground_latitude;

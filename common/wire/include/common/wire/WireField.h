@@ -11,8 +11,9 @@
 
 /// The table of the two datagrams: what lies where, and what it means. The tables of `recordFields`
 /// and `feedbackFields` are the only place that says so of a field. The packed structs are held
-/// against them when they are compiled, and whoever reads or writes a field by its name does it
-/// through them. Both live as long as the program.
+/// against them when they are compiled, whoever reads or writes a field by its name does it through
+/// them, and what tells others of the datagrams is made from them (common/wire_files). Both live as
+/// long as the program.
 
 /// A value that has a name of its own, as 6 is a reset.
 struct WireCode {
