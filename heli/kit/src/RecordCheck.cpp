@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "heli/kit/RecordCheck.h"
 
+#include "common/wire/WireField.h"
+
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
 using namespace ig;
 
@@ -13,79 +14,63 @@ constexpr const char* SWAPPED = "plausible with its bytes swapped: does the host
 constexpr const char* EXCHANGED = "exchanged with the longitude?";
 constexpr const char* ZEROS = "latitude, longitude and altitude are 0: does the host fill them?";
 
-/// Values that a field can have, generously: a flight at the edge of one is not told off.
-struct Range {
-    const char* field;
-    std::size_t offset;
-    double low, high;
-};
-constexpr Range PLACE[] = {{"latitude", offsetof(UdpRecvData, latitude), -90, 90},
-                           {"longitude", offsetof(UdpRecvData, longitude), -360, 360}};
-constexpr double ANY = 1e6; ///< what counts is that the value is finite and no swapped one
-constexpr Range ALWAYS[] = {
-    {"altitude", offsetof(UdpRecvData, altitude), -500, 20000},
-    {"pitch", offsetof(UdpRecvData, pitch), -360, 360},
-    {"roll", offsetof(UdpRecvData, roll), -360, 360},
-    {"heading", offsetof(UdpRecvData, heading), -360, 360},
-    {"rotor_speed", offsetof(UdpRecvData, rotor_speed), -1000, 1000},
-    {"weather_angle", offsetof(UdpRecvData, weather_angle), -720, 720},
-    {"weather_value_a", offsetof(UdpRecvData, weather_value_a), -ANY, ANY},
-    {"sea_speed", offsetof(UdpRecvData, sea_speed), -ANY, ANY},
-    {"sea_angle", offsetof(UdpRecvData, sea_angle), -720, 720},
-    {"radar_value", offsetof(UdpRecvData, radar_value), -ANY, ANY},
-    {"radar_sector_width", offsetof(UdpRecvData, radar_sector_width), -720, 720},
-    {"radar_sector_offset", offsetof(UdpRecvData, radar_sector_offset), -720, 720}};
-constexpr Range CLOUDS[] = {{"cloud_top", offsetof(UdpRecvData, cloud_top), -ANY, ANY},
-                            {"cloud_base", offsetof(UdpRecvData, cloud_base), -ANY, ANY}};
-constexpr Range WINCH[] = {{"hang_length", offsetof(UdpRecvData, hang_length), 0, 10000}};
-
 constexpr std::uint32_t SWAPPED_RESET = 0x06000000;
 
 // Beside a plain record's 1, rounded up from the processor time that `heli_logic_test` measures:
 // 0.8 and 3.7, the mean of putting a load out and stowing it.
 constexpr int RESET_WORK = 1, WINCH_WORK = 4;
 
-/// The field as it is in the record, and as it is with its bytes in the other order.
-template <class T>
-void readBoth(const UdpRecvData& record, std::size_t offset, double (&values)[2]) {
-    unsigned char bytes[sizeof(T)];
-    std::memcpy(bytes, reinterpret_cast<const unsigned char*>(&record) + offset, sizeof bytes);
-    for (double& value : values) {
-        T number;
-        std::memcpy(&number, bytes, sizeof bytes);
-        value = number;
-        std::reverse(std::begin(bytes), std::end(bytes));
-    }
+std::span<const std::uint8_t> bytesOf(const UdpRecvData& record) {
+    return {reinterpret_cast<const std::uint8_t*>(&record), sizeof record};
 }
 
-bool isWithin(const Range& range, double value) {
-    return value >= range.low && value <= range.high; // no NaN
+/// The field's value with its bytes in the other order.
+double readSwapped(const WireField& field, const UdpRecvData& record) {
+    UdpRecvData other = record;
+    auto* bytes = reinterpret_cast<std::uint8_t*>(&other) + field.offset;
+    std::reverse(bytes, bytes + field.size);
+    return *field.read(bytesOf(other));
 }
 
 /// Degrees are not that small by chance, but whole ones with their bytes swapped are.
 bool isTiny(double value) { return value != 0 && std::abs(value) < 1e-30; }
 
-template <class T, std::size_t N>
-SocketComplaint checkRanges(const UdpRecvData& record, const Range (&ranges)[N]) {
-    for (const Range& range : ranges) {
-        double values[2];
-        readBoth<T>(record, range.offset, values);
-        const bool swapped = isWithin(range, values[1]) && !isTiny(values[1]);
-        // Attitudes that die away get as small as that; a position does not.
-        const bool tiny = sizeof(T) == sizeof(double) && swapped && isTiny(values[0]);
-        if (!isWithin(range, values[0]) || tiny)
-            return {range.field, values[0], swapped ? SWAPPED : "", {}};
+SocketComplaint checkField(const WireField& field, const UdpRecvData& record) {
+    const double value = *field.read(bytesOf(record));
+    // Attitudes that die away get as small as that; a position does not.
+    const bool tiny = field.type == WireField::Type::F64 && isTiny(value);
+    if (field.plausible.has(value) && !tiny) return {};
+    const double other = readSwapped(field, record);
+    const bool swapped = field.plausible.has(other) && !isTiny(other);
+    if (field.plausible.has(value) && !swapped) return {};
+    return {field.name.data(), value, swapped ? SWAPPED : "", {}}; // a literal, which ends with 0
+}
+
+/// Whether the field says anything in this record: what describes a switch counts while it is on.
+bool isMeant(const WireField& field, const UdpRecvData& record) {
+    if (field.name.starts_with("cloud_")) return record.cloud_enable != 0;
+    return !field.name.starts_with("hang_") || record.hang_enable != 0;
+}
+
+/// The first field out of range, among those that a host has to tell, the pose, or among the
+/// others.
+SocketComplaint checkFields(const UdpRecvData& record, bool pose) {
+    for (const WireField& field : recordFields()) {
+        if (!field.plausible.isBounded() || pose != !field.unused || !isMeant(field, record))
+            continue;
+        const SocketComplaint complaint = checkField(field, record);
+        if (complaint.field) return complaint;
     }
     return {};
 }
 
-SocketComplaint checkPlace(const UdpRecvData& record) {
-    SocketComplaint complaint = checkRanges<double>(record, PLACE);
-    const bool exchanged =
-        std::abs(record.latitude) <= 180 && std::abs(record.longitude) <= PLACE[0].high;
-    if (complaint.field == PLACE[0].field && exchanged && !isTiny(record.latitude))
-        complaint.hint = EXCHANGED;
-    if (!complaint.field && record.latitude == 0 && record.longitude == 0 && record.altitude == 0)
+SocketComplaint checkPose(const UdpRecvData& record) {
+    SocketComplaint complaint = checkFields(record, true);
+    const std::string_view field = complaint.field ? complaint.field : "";
+    const bool exchanged = std::abs(record.latitude) <= 180 && std::abs(record.longitude) <= 90;
+    if (field == "latitude" && exchanged && !isTiny(record.latitude)) complaint.hint = EXCHANGED;
+    if (field != "latitude" && field != "longitude" && record.latitude == 0 &&
+        record.longitude == 0 && record.altitude == 0)
         return {"position", 0, ZEROS, {}};
     return complaint;
 }
@@ -93,10 +78,8 @@ SocketComplaint checkPlace(const UdpRecvData& record) {
 } // namespace
 
 SocketComplaint checkRecord(const UdpRecvData& record) {
-    SocketComplaint complaint = checkPlace(record);
-    if (!complaint.field) complaint = checkRanges<float>(record, ALWAYS);
-    if (!complaint.field && record.cloud_enable) complaint = checkRanges<float>(record, CLOUDS);
-    if (!complaint.field && record.hang_enable) complaint = checkRanges<float>(record, WINCH);
+    SocketComplaint complaint = checkPose(record);
+    if (!complaint.field) complaint = checkFields(record, false);
     if (!complaint.field && record.command == SWAPPED_RESET)
         complaint = {"command", static_cast<double>(record.command), SWAPPED, {}};
     return complaint;
