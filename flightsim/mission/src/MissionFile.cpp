@@ -118,21 +118,26 @@ Key later(const char* name, YAML::Node& to) {
 
 // Weather and the other fields of the record
 
+/// The pose, which a host has to tell, and the rotor's speed.
+bool isFlown(const WireField& field) { return !field.unused || field.name == "rotor_speed"; }
+
 Change readChange(const YAML::Node& node) {
     Change change;
     Keys keys = {number("after", change.after, 0, MOST_SECONDS),
                  number("over", change.over, 0, MOST_SECONDS)};
-    for (const char* flown :
-         {"latitude", "longitude", "altitude", "pitch", "roll", "heading", "rotor_speed"}) {
-        keys.push_back({flown, [flown](const YAML::Node& value) {
-                            fail(value.Mark(), std::string(flown) + " is flown, it can't be set");
-                        }});
-    }
-    for (const RecordField& field : recordFields()) {
+    for (const WireField& field : recordFields()) {
+        if (field.use == WireField::Use::RESERVED) continue;
         const std::string name(field.name);
+        if (isFlown(field)) {
+            keys.push_back({name, [name](const YAML::Node& value) {
+                                fail(value.Mark(), name + " is flown, it can't be set");
+                            }});
+            continue;
+        }
         keys.push_back({name, [&change, &field, name](const YAML::Node& value) {
                             change.values.emplace_back(
-                                &field, readNumber(value, name, field.least(), field.greatest()));
+                                &field,
+                                readNumber(value, name, field.getLeast(), field.getGreatest()));
                         }});
     }
     readMap(node, "set", keys);

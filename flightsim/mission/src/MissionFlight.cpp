@@ -29,7 +29,7 @@ Enu windOf(const UdpRecvData& record) {
 
 Change resetChange() {
     Change change;
-    change.values.emplace_back(findRecordField("command"), 6);
+    change.values.emplace_back(findField(recordFields(), "command"), 6);
     return change;
 }
 

@@ -2,44 +2,24 @@
 #pragma once
 
 #include "common/wire/UdpRecvData.h"
+#include "common/wire/WireField.h"
 
 #include <cstddef>
-#include <span>
-#include <string_view>
 #include <utility>
 #include <vector>
 
 namespace flightsim {
 
-/// A field of the host data record that a mission may set: everything but the helicopter's pose.
-struct RecordField {
-    enum class Type { u16, i16, u32, i32, f32 };
-
-    std::string_view name;
-    Type type;
-    std::size_t offset;
-    bool ramps; ///< a quantity; the others are codes and switches, with nothing in between
-
-    double least() const;    ///< of the values that the type holds
-    double greatest() const; ///< likewise
-    double read(const UdpRecvData& record) const;
-    /// Integers are rounded. The value must be within the type's range.
-    void write(UdpRecvData& record, double value) const;
-};
-
-std::span<const RecordField> recordFields();
-/// Null when there is none of that name.
-const RecordField* findRecordField(std::string_view name);
-
 /// The record before any mission has said anything: running, clear, good visibility, a light sea,
 /// the radar's sector ahead and the winch stowed.
 UdpRecvData fairWeatherRecord();
 
-/// Fields that change together.
+/// Fields that change together. Codes and switches, with nothing in between, change at once; what
+/// is between two integers is rounded.
 struct Change {
     double after = 0; ///< seconds from the beginning of the flight or leg
     double over = 0;  ///< seconds that quantities take to reach their value, linearly
-    std::vector<std::pair<const RecordField*, double>> values;
+    std::vector<std::pair<const WireField*, double>> values;
 };
 
 /// Applies changes to the record when their time comes. A flight owns one, adds the changes of each
@@ -54,7 +34,7 @@ public:
 
 private:
     struct Ramp {
-        const RecordField* field;
+        const WireField* field;
         double begin;
         double end;
         double from; ///< the record's value when the ramp began
