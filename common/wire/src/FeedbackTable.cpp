@@ -14,19 +14,19 @@ constexpr double MANY = std::numeric_limits<double>::infinity();
     WIRE_ROW(UdpSendData, wheel_##SIDE.PART, "wheel_" #SIDE "_" #PART, __VA_ARGS__)
 /// The four rows of one wheel, the first at the given offset.
 #define WHEEL(SIDE, OFFSET)                                                                        \
-    WHEEL_ROW(SIDE, h, .offset = OFFSET, .type = F32, .use = TOLD, .unit = "deg",                  \
+    WHEEL_ROW(SIDE, h, .offset = (OFFSET), .type = F32, .use = TOLD, .unit = "deg",                \
               .range = {0, 360}, .sense = "clockwise from true north",                             \
               .zero = "north; also when the model has no node \"wheel_" #SIDE "\"",                \
               .meaning =                                                                           \
                   "Heading of the " #SIDE " wheel as the scene has it, its own turn against "      \
                   "the airframe included"),                                                        \
-        WHEEL_ROW(SIDE, p, .offset = OFFSET + 4, .type = F32, .use = TOLD, .unit = "deg",          \
+        WHEEL_ROW(SIDE, p, .offset = (OFFSET) + 4, .type = F32, .use = TOLD, .unit = "deg",        \
                   .range = {-90, 90}, .sense = "nose up positive",                                 \
                   .zero = "level, or no such node", .meaning = "Its pitch"),                       \
-        WHEEL_ROW(SIDE, r, .offset = OFFSET + 8, .type = F32, .use = TOLD, .unit = "deg",          \
+        WHEEL_ROW(SIDE, r, .offset = (OFFSET) + 8, .type = F32, .use = TOLD, .unit = "deg",        \
                   .range = {-180, 180}, .sense = "right side down positive",                       \
                   .zero = "level, or no such node", .meaning = "Its roll"),                        \
-        WHEEL_ROW(SIDE, reserved, .offset = OFFSET + 12, .type = I32, .range = {0, 0},             \
+        WHEEL_ROW(SIDE, reserved, .offset = (OFFSET) + 12, .type = I32, .range = {0, 0},           \
                   .zero = "always", .meaning = "Holds nothing")
 
 constexpr WireField ROWS[] = {

@@ -96,7 +96,7 @@ bool WireField::holds(double value) const {
 std::optional<double> WireField::parse(std::string_view text) const {
     const auto named = std::ranges::find(codes, text, &WireCode::name);
     if (named != codes.end()) return static_cast<double>(named->value);
-    if (text.starts_with('+')) text.remove_prefix(1);
+    if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
     double value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (error != std::errc() || end != text.data() + text.size() || !holds(value)) return {};

@@ -74,7 +74,7 @@ TEST(WireField, ReadsTextsAsItWritesThem) {
     EXPECT_EQ(field("weather_type").parse("storm"), 3);
     EXPECT_EQ(field("weather_type").getCodeName(3), "storm");
     EXPECT_EQ(field("weather_type").parse("+2"), 2);
-    for (const char* wrong : {"", "rainy", "2x", "2.5", "65536", "nan"})
+    for (const char* wrong : {"", "rainy", "2x", "+-2", "2.5", "65536", "nan"})
         EXPECT_FALSE(field("weather_type").parse(wrong)) << wrong;
 }
 
