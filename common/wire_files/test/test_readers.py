@@ -1,7 +1,9 @@
 # SPDX-License-Identifier: MIT
-"""What other programs make of the datagrams with the files that are made for them."""
+"""What other programs make of the datagrams with the files that are made for them, and what the page
+for integrators tells."""
 
 import pathlib
+import re
 import struct
 import subprocess
 import tempfile
@@ -137,6 +139,15 @@ class Readers(unittest.TestCase):
         sizes = {"int": 4, "float": 4, "double": 8}
         self.assertEqual([("vc_feedback." + name, sizes[kind]) for name, kind in read],
                          [(name, size) for name, _, size, _ in fields[:-1]])
+
+    def test_the_page_tells_every_warning_of_the_link(self):
+        source = pathlib.Path("channel/interface/src/LinkMonitor.cpp").read_text()
+        page = pathlib.Path("docs/connect.md").read_text()
+        warnings = re.findall(r'{"link\.\w+", "((?:[^"\\]|\\.)*)"', source)
+        self.assertGreater(len(warnings), 9)
+        for warning in warnings:
+            for part in re.split(r"{\d}", warning.replace('\\"', '"')):
+                self.assertIn(part.strip(), page, warning)
 
 
 if __name__ == "__main__":
