@@ -237,44 +237,47 @@ typedef struct vc_feedback {
 typedef char vc_check_float_is_32_bits[sizeof(float) == 4 ? 1 : -1];
 typedef char vc_check_double_is_64_bits[sizeof(double) == 8 ? 1 : -1];
 
-static inline void vc_put(uint8_t *to, uint64_t bits, int size) {
+static inline void vc_put(uint8_t* to, uint64_t bits, int size) {
     int i;
-    for (i = 0; i < size; i++) to[i] = (uint8_t)(bits >> (8 * i));
+    for (i = 0; i < size; i++)
+        to[i] = (uint8_t)(bits >> (8 * i));
 }
 
-static inline uint64_t vc_get(const uint8_t *from, int size) {
+static inline uint64_t vc_get(const uint8_t* from, int size) {
     uint64_t bits = 0;
     int i;
-    for (i = 0; i < size; i++) bits |= (uint64_t)from[i] << (8 * i);
+    for (i = 0; i < size; i++)
+        bits |= (uint64_t)from[i] << (8 * i);
     return bits;
 }
 
 /* Bytes of one object as those of another of the same size: no aliasing, no memcpy. */
-static inline void vc_copy(void *to, const void *from, int size) {
+static inline void vc_copy(void* to, const void* from, int size) {
     int i;
-    for (i = 0; i < size; i++) ((unsigned char *)to)[i] = ((const unsigned char *)from)[i];
+    for (i = 0; i < size; i++)
+        ((unsigned char*)to)[i] = ((const unsigned char*)from)[i];
 }
 
-static inline void vc_put_float(uint8_t *to, float value) {
+static inline void vc_put_float(uint8_t* to, float value) {
     uint32_t bits;
     vc_copy(&bits, &value, 4);
     vc_put(to, bits, 4);
 }
 
-static inline void vc_put_double(uint8_t *to, double value) {
+static inline void vc_put_double(uint8_t* to, double value) {
     uint64_t bits;
     vc_copy(&bits, &value, 8);
     vc_put(to, bits, 8);
 }
 
-static inline float vc_get_float(const uint8_t *from) {
+static inline float vc_get_float(const uint8_t* from) {
     uint32_t bits = (uint32_t)vc_get(from, 4);
     float value;
     vc_copy(&value, &bits, 4);
     return value;
 }
 
-static inline double vc_get_double(const uint8_t *from) {
+static inline double vc_get_double(const uint8_t* from) {
     uint64_t bits = vc_get(from, 8);
     double value;
     vc_copy(&value, &bits, 8);
@@ -283,7 +286,7 @@ static inline double vc_get_double(const uint8_t *from) {
 
 /* Fills a record with what a simulation sends that has nothing to say: calm, clear weather, a
  * light sea, rotors turning. The position is left for the caller, at 0. */
-static inline void vc_record_init(vc_record *record) {
+static inline void vc_record_init(vc_record* record) {
     record->command = 0;
     record->system_cmd = 1;
     record->weather_type = 1;
@@ -318,9 +321,10 @@ static inline void vc_record_init(vc_record *record) {
 }
 
 /* Writes the record's bytes, the reserved ones as 0. */
-static inline void vc_record_encode(const vc_record *record, uint8_t bytes[VC_RECORD_SIZE]) {
+static inline void vc_record_encode(const vc_record* record, uint8_t bytes[VC_RECORD_SIZE]) {
     int i;
-    for (i = 0; i < VC_RECORD_SIZE; i++) bytes[i] = 0;
+    for (i = 0; i < VC_RECORD_SIZE; i++)
+        bytes[i] = 0;
     vc_put(bytes + VC_RECORD_AT_COMMAND, (uint64_t)record->command, 4);
     vc_put(bytes + VC_RECORD_AT_SYSTEM_CMD, (uint64_t)record->system_cmd, 4);
     vc_put(bytes + VC_RECORD_AT_WEATHER_TYPE, (uint64_t)record->weather_type, 2);
@@ -356,7 +360,7 @@ static inline void vc_record_encode(const vc_record *record, uint8_t bytes[VC_RE
 
 /* Reads a datagram of `size` bytes. 0, with nothing written, when it is no feedback by its
  * size; else 1. */
-static inline int vc_feedback_decode(vc_feedback *feedback, const uint8_t *bytes, long size) {
+static inline int vc_feedback_decode(vc_feedback* feedback, const uint8_t* bytes, long size) {
     if (size != VC_FEEDBACK_SIZE) return 0;
     feedback->frame = (int32_t)vc_get(bytes + VC_FEEDBACK_AT_FRAME, 4);
     feedback->ground_latitude = vc_get_double(bytes + VC_FEEDBACK_AT_GROUND_LATITUDE);

@@ -39,44 +39,47 @@ const char* const HELPERS =
 typedef char vc_check_float_is_32_bits[sizeof(float) == 4 ? 1 : -1];
 typedef char vc_check_double_is_64_bits[sizeof(double) == 8 ? 1 : -1];
 
-static inline void vc_put(uint8_t *to, uint64_t bits, int size) {
+static inline void vc_put(uint8_t* to, uint64_t bits, int size) {
     int i;
-    for (i = 0; i < size; i++) to[i] = (uint8_t)(bits >> (8 * i));
+    for (i = 0; i < size; i++)
+        to[i] = (uint8_t)(bits >> (8 * i));
 }
 
-static inline uint64_t vc_get(const uint8_t *from, int size) {
+static inline uint64_t vc_get(const uint8_t* from, int size) {
     uint64_t bits = 0;
     int i;
-    for (i = 0; i < size; i++) bits |= (uint64_t)from[i] << (8 * i);
+    for (i = 0; i < size; i++)
+        bits |= (uint64_t)from[i] << (8 * i);
     return bits;
 }
 
 /* Bytes of one object as those of another of the same size: no aliasing, no memcpy. */
-static inline void vc_copy(void *to, const void *from, int size) {
+static inline void vc_copy(void* to, const void* from, int size) {
     int i;
-    for (i = 0; i < size; i++) ((unsigned char *)to)[i] = ((const unsigned char *)from)[i];
+    for (i = 0; i < size; i++)
+        ((unsigned char*)to)[i] = ((const unsigned char*)from)[i];
 }
 
-static inline void vc_put_float(uint8_t *to, float value) {
+static inline void vc_put_float(uint8_t* to, float value) {
     uint32_t bits;
     vc_copy(&bits, &value, 4);
     vc_put(to, bits, 4);
 }
 
-static inline void vc_put_double(uint8_t *to, double value) {
+static inline void vc_put_double(uint8_t* to, double value) {
     uint64_t bits;
     vc_copy(&bits, &value, 8);
     vc_put(to, bits, 8);
 }
 
-static inline float vc_get_float(const uint8_t *from) {
+static inline float vc_get_float(const uint8_t* from) {
     uint32_t bits = (uint32_t)vc_get(from, 4);
     float value;
     vc_copy(&value, &bits, 4);
     return value;
 }
 
-static inline double vc_get_double(const uint8_t *from) {
+static inline double vc_get_double(const uint8_t* from) {
     uint64_t bits = vc_get(from, 8);
     double value;
     vc_copy(&value, &bits, 8);
@@ -132,7 +135,7 @@ std::string initialiser(std::span<const WireField> fields) {
     std::string text =
         "/* Fills a record with what a simulation sends that has nothing to say: calm, "
         "clear weather, a\n * light sea, rotors turning. The position is left for the "
-        "caller, at 0. */\nstatic inline void vc_record_init(vc_record *record) {\n";
+        "caller, at 0. */\nstatic inline void vc_record_init(vc_record* record) {\n";
     for (const WireField& field : fields)
         if (field.use != Use::RESERVED)
             text += "    record->" + std::string(field.name) + " = " +
@@ -142,9 +145,9 @@ std::string initialiser(std::span<const WireField> fields) {
 
 std::string encoder(std::span<const WireField> fields) {
     std::string text = "/* Writes the record's bytes, the reserved ones as 0. */\n"
-                       "static inline void vc_record_encode(const vc_record *record, "
+                       "static inline void vc_record_encode(const vc_record* record, "
                        "uint8_t bytes[VC_RECORD_SIZE]) {\n    int i;\n"
-                       "    for (i = 0; i < VC_RECORD_SIZE; i++) bytes[i] = 0;\n";
+                       "    for (i = 0; i < VC_RECORD_SIZE; i++)\n        bytes[i] = 0;\n";
     for (const WireField& field : fields) {
         if (field.use == Use::RESERVED) continue;
         const std::string at = "(bytes + " + offsetName("VC_RECORD", field) + ", ";
@@ -163,7 +166,7 @@ std::string decoder(std::span<const WireField> fields) {
         "/* Reads a datagram of `size` bytes. 0, with nothing written, when it is no feedback by "
         "its\n"
         " * size; else 1. */\n"
-        "static inline int vc_feedback_decode(vc_feedback *feedback, const uint8_t *bytes, "
+        "static inline int vc_feedback_decode(vc_feedback* feedback, const uint8_t* bytes, "
         "long size) {\n    if (size != VC_FEEDBACK_SIZE) return 0;\n";
     for (const WireField& field : fields) {
         if (field.use == Use::RESERVED) continue;
