@@ -21,6 +21,7 @@ int main(int argc, char** argv) {
     flightsim::addRecord(app, command);
     flightsim::addInfo(app, command);
     flightsim::addCut(app, command);
+    flightsim::addConvert(app, command);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

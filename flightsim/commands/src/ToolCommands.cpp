@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "CommandHelp.h"
+#include "flightsim/capture/Convert.h"
 #include "flightsim/commands/Commands.h"
 #include "flightsim/recording/RecordingTools.h"
 #include "program/Process.h"
@@ -38,6 +39,17 @@ int runCut(const CutCommandOptions& options) {
     printWarning("cut", result.warning);
     std::printf("%lld records, %lld bytes\n", static_cast<long long>(result.records),
                 static_cast<long long>(result.bytes));
+    return 0;
+}
+
+int runConvert(const ConvertOptions& options) {
+    ConvertResult result;
+    std::string message;
+    const bool good = convert(options, result, message);
+    printWarning("convert", result.warning);
+    if (!good) return printFailure("convert", message);
+    std::printf("%lld datagrams, %lld bytes, a %s\n", static_cast<long long>(result.datagrams),
+                static_cast<long long>(result.bytes), result.to_capture ? "capture" : "recording");
     return 0;
 }
 
@@ -80,6 +92,40 @@ void addCut(CLI::App& app, Command& command) {
     sub->add_flag("--compact", options->compact,
                   "Store differences between datagrams: a tenth of the size, nothing lost");
     sub->callback([options, &command] { command = [options] { return runCut(*options); }; });
+}
+
+void addConvert(CLI::App& app, Command& command) {
+    const auto options = std::make_shared<ConvertOptions>();
+    const auto compact = std::make_shared<bool>(false);
+    CLI::App* sub = app.add_subcommand("convert", "Make a packet capture of a recording, or back");
+    sub->footer(
+        "A recording or a frame log becomes a capture (pcap, nanoseconds), which any packet tool\n"
+        "reads; a capture (pcap or pcapng, from tcpdump, Wireshark and the like) becomes a\n"
+        "recording of the datagrams to one port. Fragments are put together. A recording knows no\n"
+        "addresses: in its capture both ends are 127.0.0.1, records go to --port and datagrams\n"
+        "of the feedback's size to --feedback-port.\n"
+        "\n"
+        "Examples:\n"
+        "  flight_sim convert flight.hrec flight.pcap\n"
+        "  flight_sim convert captured.pcapng flight.hrec --port 10004\n"
+        "  flight_sim convert captured.pcapng feedback.hrec --port 10005");
+    sub->add_option("IN", options->in, "The recording, frame log or capture")->required();
+    sub->add_option("OUT", options->out, "The file to write; an existing one is replaced")
+        ->required();
+    sub->add_option("--port", options->port,
+                    "Port of the records; of a capture, the one whose datagrams are taken")
+        ->type_name("PORT")
+        ->capture_default_str()
+        ->check(numberBetween(1, 65535));
+    sub->add_option("--feedback-port", options->feedback_port, "Port of the feedback")
+        ->type_name("PORT")
+        ->capture_default_str()
+        ->check(numberBetween(1, 65535));
+    sub->add_flag("--compact", *compact, "Write a compact recording");
+    sub->callback([options, compact, &command] {
+        if (*compact) options->format = RecordingFormat::compact;
+        command = [options] { return runConvert(*options); };
+    });
 }
 
 } // namespace flightsim

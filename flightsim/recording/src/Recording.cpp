@@ -119,7 +119,7 @@ ReadStatus RecordingReader::next(Record& record) {
                     "length " + std::to_string(length) + " is beyond the 65507 of a datagram");
     if (readBody(length) != ReadStatus::record) return m_status;
     m_last_time_ns = time_ns;
-    record = {m_number++, time_ns, m_datagram};
+    record = {m_number++, time_ns, m_datagram, 0, 0};
     return ReadStatus::record;
 }
 
@@ -139,7 +139,8 @@ ReadStatus RecordingReader::nextLogged(Record& record) {
     // What had come before the run began counts as come then. Several sockets may be out of order.
     const double time_ns = std::clamp(datagram.arrival * 1e9, 0.0, double(MAX_RECORD_TIME_NS));
     m_last_time_ns = std::max(m_last_time_ns, static_cast<std::int64_t>(std::llround(time_ns)));
-    record = {m_number++, m_last_time_ns, datagram.bytes};
+    record = {m_number++, m_last_time_ns, datagram.bytes, datagram.address,
+              static_cast<std::uint16_t>(datagram.port)};
     return ReadStatus::record;
 }
 
@@ -201,6 +202,7 @@ bool RecordingWriter::open(const std::string& path, RecordingFormat format,
     const std::string why = program::OutputFile::whyNot(path, program::OutputFile::Kind::growing);
     if (!why.empty()) {
         m_message = "cannot write \"" + path + "\": " + why;
+        m_path.clear(); // what stands there is not this writer's to discard
         return false;
     }
     m_file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);

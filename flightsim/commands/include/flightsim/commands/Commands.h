@@ -20,5 +20,6 @@ void addReplay(CLI::App& app, Command& command);
 void addRecord(CLI::App& app, Command& command);
 void addInfo(CLI::App& app, Command& command);
 void addCut(CLI::App& app, Command& command);
+void addConvert(CLI::App& app, Command& command);
 
 } // namespace flightsim

@@ -57,6 +57,8 @@ struct Record {
     std::int64_t number = -1;
     std::int64_t time_ns = 0;               ///< since the recording's start
     std::span<const std::uint8_t> datagram; ///< valid until the reader moves on
+    std::uint32_t from_address = 0;         ///< of the sender, network byte order; 0: not known
+    std::uint16_t from_port = 0;            ///< likewise; only frame logs tell
 };
 
 enum class ReadStatus {
