@@ -42,8 +42,7 @@ bool Fly::run(const StopFlag& stop, std::string& message) {
         if (m_options.seconds >= 0 && double(n) * interval >= m_options.seconds) break;
         if (flight->isFinished() && m_options.loop)
             flight = std::make_unique<MissionFlight>(m_mission, m_plan.legs);
-        // Whole numbers of records, so that a long flight doesn't drift from the clock.
-        const auto time_ns = std::llround(double(n) * double(NS_PER_SECOND) / m_options.rate);
+        const std::int64_t time_ns = recordTime_ns(n, m_options.rate);
         const UdpRecvData& now = flight->getRecord();
         if (!m_link.sendAt(time_ns, {reinterpret_cast<const std::uint8_t*>(&now), sizeof now},
                            stop))

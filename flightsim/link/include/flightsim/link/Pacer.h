@@ -19,6 +19,12 @@ struct PacingStats {
     double max_us() const { return double(max_ns) * 1e-3; }
 };
 
+/// Flight time of record `n` at `rate` records a second. Worked out from the number, so that a long
+/// flight doesn't drift from the clock.
+inline std::int64_t recordTime_ns(std::int64_t n, double rate) {
+    return std::llround(double(n) * 1e9 / rate);
+}
+
 /// Lays the times of a flight onto the steady clock. It only reckons: the sender asks for the
 /// deadline, waits, and tells when it sent.
 ///
@@ -34,6 +40,7 @@ public:
     std::int64_t due(std::int64_t time_ns, std::int64_t now_ns);
     /// The datagram asked about last leaves now.
     void sent(std::int64_t now_ns);
+    std::int64_t getLastSent_ns() const { return m_sent_ns; }
     const PacingStats& getStats() const { return m_stats; }
 
 private:
