@@ -22,6 +22,7 @@ int main(int argc, char** argv) {
     flightsim::addInfo(app, command);
     flightsim::addCut(app, command);
     flightsim::addConvert(app, command);
+    flightsim::addProbe(app, command);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

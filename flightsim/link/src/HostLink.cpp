@@ -91,8 +91,10 @@ bool HostLink::receiveOne() {
     if (!arrival) return false;
     // A datagram beyond the buffer is of the wrong size, and so is the part of it that is at hand.
     const auto datagram = std::span(buffer).first(std::min(arrival->size, buffer.size()));
-    if (const auto feedback = m_monitor.take(datagram, arrival->steady_ns))
-        m_csv.write(sinceStart_s(arrival->steady_ns), m_sent, *feedback);
+    const auto feedback = m_monitor.take(datagram, arrival->steady_ns);
+    if (!feedback) return true;
+    m_csv.write(sinceStart_s(arrival->steady_ns), m_sent, *feedback);
+    if (m_feedback_listener) m_feedback_listener(*feedback, arrival->steady_ns);
     return true;
 }
 

@@ -21,5 +21,6 @@ void addRecord(CLI::App& app, Command& command);
 void addInfo(CLI::App& app, Command& command);
 void addCut(CLI::App& app, Command& command);
 void addConvert(CLI::App& app, Command& command);
+void addProbe(CLI::App& app, Command& command);
 
 } // namespace flightsim

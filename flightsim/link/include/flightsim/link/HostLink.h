@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -35,6 +36,13 @@ public:
     int getListenPort() const { return m_listener.getPort(); } ///< 0 without feedback
     std::string getDestination() const { return m_to.text(); }
 
+    /// Told of every feedback datagram with its time of arrival on the steady clock, while the link
+    /// waits.
+    using FeedbackListener = std::function<void(const UdpSendData&, std::int64_t steady_ns)>;
+    void setFeedbackListener(FeedbackListener listener) {
+        m_feedback_listener = std::move(listener);
+    }
+
     /// Waits for the channel's first feedback, `seconds` at most; what is sent counts from then.
     void awaitFeedback(double seconds, const StopFlag& stop);
     /// Waits until flight time `time_ns` and sends a record. Flight times are those of the `Pacer`:
@@ -46,6 +54,7 @@ public:
     bool finish(std::string& message);
 
     std::int64_t getSent() const { return m_sent; }
+    std::int64_t getLastSent_ns() const { return m_pacer.getLastSent_ns(); } ///< steady clock
     const PacingStats& getPacing() const { return m_pacer.getStats(); }
     const FeedbackStats& getFeedback() const { return m_monitor.getStats(); }
     const std::optional<UdpSendData>& getLastFeedback() const { return m_monitor.getLast(); }
@@ -63,6 +72,7 @@ private:
     UdpSocket m_listener;
     Pacer m_pacer;
     FeedbackMonitor m_monitor;
+    FeedbackListener m_feedback_listener; ///< may be empty
     FeedbackTable m_table;
     FeedbackCsv m_csv;
     std::int64_t m_start_ns = 0;    ///< steady clock at `open`: times shown count from here
