@@ -8,7 +8,7 @@
 namespace flightsim {
 
 std::int64_t Pacer::due(std::int64_t time_ns, std::int64_t now_ns) {
-    constexpr std::int64_t GIVE_UP_NS = program::NS_PER_SECOND / 2;
+    constexpr std::int64_t GIVE_UP_NS = 2 * program::NS_PER_SECOND;
     const std::int64_t step_ns = time_ns - m_time_ns;
     m_time_ns = time_ns;
     if (!m_started) {

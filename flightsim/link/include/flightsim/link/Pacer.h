@@ -31,8 +31,8 @@ inline std::int64_t recordTime_ns(std::int64_t n, double rate) {
 /// The flight's first datagram is due at once and fixes the schedule; every other deadline counts
 /// from there, so that errors of single waits don't add up. A sender that falls behind catches up
 /// without bunching: two datagrams are never closer than half the time between them on the
-/// schedule. One that falls behind by more than half a second, as a suspended process does, doesn't
-/// catch up: the schedule moves.
+/// schedule. One that falls behind by more than two seconds, as a suspended process does, doesn't
+/// catch up: the schedule moves. A busy machine doesn't hold it up for so long.
 class Pacer {
 public:
     /// The steady-clock time at which the datagram of flight time `time_ns` is due. Flight times
