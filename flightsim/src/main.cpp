@@ -18,9 +18,11 @@ int main(int argc, char** argv) {
     flightsim::Command command;
     flightsim::addFly(app, command);
     flightsim::addReplay(app, command);
+    flightsim::addSend(app, command);
     flightsim::addRecord(app, command);
     flightsim::addInfo(app, command);
     flightsim::addCut(app, command);
+    flightsim::addDump(app, command);
     flightsim::addConvert(app, command);
     flightsim::addProbe(app, command);
     try {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Place.h"
 #include "StepMeter.h"
 #include "common/wire/UdpRecvData.h"
 #include "flightsim/link/HostLink.h"
@@ -13,12 +14,12 @@ namespace flightsim {
 struct ProbeOptions {
     LinkOptions link;
     std::int64_t steps = 200;
-    double step = 50;             ///< m, by which the altitude changes
-    double rate = 100;            ///< records a second between the steps
-    double wait = 10;             ///< s at most for the channel and its ground
-    double limit_ms = 100;        ///< that p99 may be
-    double latitude = 19.7124631; ///< of the place: over the pad of the demo world
-    double longitude = -155.0625125;
+    double step = 50;               ///< m, by which the altitude changes
+    double rate = 100;              ///< records a second between the steps
+    double wait = 10;               ///< s at most for the channel and its ground
+    double limit_ms = 100;          ///< that p99 may be
+    double latitude = PAD_LATITUDE; ///< of the place
+    double longitude = PAD_LONGITUDE;
     double altitude = 200;
     std::string plot; ///< file for the drawing; empty: none
 };

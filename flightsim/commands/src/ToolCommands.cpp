@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "CommandHelp.h"
+#include "Send.h"
 #include "flightsim/capture/Convert.h"
 #include "flightsim/commands/Commands.h"
+#include "flightsim/recording/FieldTools.h"
 #include "flightsim/recording/RecordingTools.h"
 #include "program/Process.h"
 
@@ -11,27 +13,50 @@ namespace flightsim {
 
 namespace {
 
-int runInfo(const std::string& path) {
+int runInfo(const std::string& path, bool fields) {
     std::string warning, message;
-    const bool good = printInfo(path, stdout, warning, message) && program::endOutput(message);
+    const bool good = printInfo(path, stdout, warning, message) &&
+                      (!fields || printFieldSummary(path, stdout, message)) &&
+                      program::endOutput(message);
     printWarning("info", warning);
     return good ? 0 : printFailure("info", message);
 }
 
-struct CutCommandOptions {
-    CutOptions cut;
+/// The options that name a part of a recording.
+struct PartOptions {
     double from = 0;
     double seconds = -1;
     std::int64_t record = 0;
     std::int64_t count = -1;
+
+    Selection getSelection() const {
+        Selection selection = Selection::ofSeconds(from, seconds);
+        selection.from_number = record;
+        if (count >= 0) selection.until_number = record + count;
+        return selection;
+    }
+};
+
+void addPartOptions(CLI::App& sub, PartOptions& part) {
+    addSeconds(sub, "--from", part.from, "Second of the recording to begin with");
+    addSeconds(sub, "--seconds", part.seconds, "Seconds of it (default: to the end)");
+    sub.add_option("--record", part.record, "Number of the first record, counted from 0")
+        ->type_name("N")
+        ->check(numberBetween(0, 1e15));
+    sub.add_option("--count", part.count, "Number of records (default: to the end)")
+        ->type_name("N")
+        ->check(numberBetween(1, 1e15));
+}
+
+struct CutCommandOptions {
+    CutOptions cut;
+    PartOptions part;
     bool compact = false;
 };
 
 int runCut(const CutCommandOptions& options) {
     CutOptions cut = options.cut;
-    cut.selection = Selection::ofSeconds(options.from, options.seconds);
-    cut.selection.from_number = options.record;
-    if (options.count >= 0) cut.selection.until_number = options.record + options.count;
+    cut.selection = options.part.getSelection();
     cut.format = options.compact ? RecordingFormat::compact : RecordingFormat::whole;
     CutResult result;
     std::string message;
@@ -40,6 +65,25 @@ int runCut(const CutCommandOptions& options) {
     std::printf("%lld records, %lld bytes\n", static_cast<long long>(result.records),
                 static_cast<long long>(result.bytes));
     return 0;
+}
+
+struct DumpCommandOptions {
+    DumpOptions dump;
+    PartOptions part;
+    std::vector<std::string> fields;
+};
+
+int runDump(const DumpCommandOptions& options) {
+    DumpOptions dump = options.dump;
+    dump.selection = options.part.getSelection();
+    std::string warning, message;
+    for (const std::string& name : options.fields) {
+        dump.fields.push_back(findFieldOrNearest(dump.feedback, name, message));
+        if (!dump.fields.back()) return printFailure("dump", message);
+    }
+    const bool good = dumpRecording(dump, stdout, warning, message) && program::endOutput(message);
+    printWarning("dump", warning);
+    return good ? 0 : printFailure("dump", message);
 }
 
 int runConvert(const ConvertOptions& options) {
@@ -57,6 +101,7 @@ int runConvert(const ConvertOptions& options) {
 
 void addInfo(CLI::App& app, Command& command) {
     const auto path = std::make_shared<std::string>();
+    const auto fields = std::make_shared<bool>(false);
     CLI::App* sub = app.add_subcommand("info", "Tell what a recording holds");
     sub->footer(
         "Prints span, rate, intervals between datagrams, sizes, positions, commands other than 0,\n"
@@ -64,7 +109,10 @@ void addInfo(CLI::App& app, Command& command) {
         "channel\n"
         "it tells the program, its options and the number of frames too.");
     sub->add_option("FILE", *path, "The recording, or a frame log")->required();
-    sub->callback([path, &command] { command = [path] { return runInfo(*path); }; });
+    sub->add_flag("--fields", *fields,
+                  "Then a row for each field: first and last value, range, changes");
+    sub->callback(
+        [path, fields, &command] { command = [path, fields] { return runInfo(*path, *fields); }; });
 }
 
 void addCut(CLI::App& app, Command& command) {
@@ -81,17 +129,36 @@ void addCut(CLI::App& app, Command& command) {
         ->required();
     sub->add_option("OUT", options->cut.out, "The recording to write; an existing file is replaced")
         ->required();
-    addSeconds(*sub, "--from", options->from, "Second of the recording to begin with");
-    addSeconds(*sub, "--seconds", options->seconds, "Seconds to write (default: to the end)");
-    sub->add_option("--record", options->record, "Number of the first record, counted from 0")
-        ->type_name("N")
-        ->check(numberBetween(0, 1e15));
-    sub->add_option("--count", options->count, "Number of records to write (default: to the end)")
-        ->type_name("N")
-        ->check(numberBetween(1, 1e15));
+    addPartOptions(*sub, options->part);
     sub->add_flag("--compact", options->compact,
                   "Store differences between datagrams: a tenth of the size, nothing lost");
     sub->callback([options, &command] { command = [options] { return runCut(*options); }; });
+}
+
+void addDump(CLI::App& app, Command& command) {
+    const auto options = std::make_shared<DumpCommandOptions>();
+    CLI::App* sub = app.add_subcommand("dump", "Print a recording field by field");
+    sub->footer("The part is named by time, by record number, or by both: what lies in both.\n"
+                "docs/connect.md tells what the fields mean.\n"
+                "\n"
+                "Examples:\n"
+                "  flight_sim dump flight.hrec --record 311 --count 1\n"
+                "  flight_sim dump flight.hrec --changes --fields command,weather_type,sea_code\n"
+                "  flight_sim dump flight.hrec --csv > flight.csv");
+    sub->add_option("FILE", options->dump.in, "The recording, or a frame log")->required();
+    addPartOptions(*sub, options->part);
+    sub->add_option("--fields", options->fields,
+                    "Only these; reserved ones are shown when they are named")
+        ->type_name("FIELD,...")
+        ->delimiter(',');
+    sub->add_flag("--feedback", options->dump.feedback,
+                  "Feedback datagrams, told by their size, in place of the records");
+    auto* csv = sub->add_flag("--csv", options->dump.csv,
+                              "A line for each, all digits of every value, for spreadsheets");
+    sub->add_flag("--changes", options->dump.changes,
+                  "Behind the first only what differs from the one before")
+        ->excludes(csv);
+    sub->callback([options, &command] { command = [options] { return runDump(*options); }; });
 }
 
 void addConvert(CLI::App& app, Command& command) {

@@ -2,6 +2,7 @@
 #include "flightsim/mission/MissionFile.h"
 
 #include "flightsim/helicopter/Helicopter.h"
+#include "flightsim/mission/Nearest.h"
 #include "program/InputFile.h"
 
 #include <algorithm>
@@ -40,30 +41,6 @@ constexpr double ANY_NUMBER = std::numeric_limits<float>::max();
 constexpr double MOST_SECONDS = 86'400;
 constexpr double MOST_ALTITUDE = 6'000;
 constexpr double MOST_DISTANCE = 500'000;
-
-/// What it takes to make `b` of `a`: a letter to insert counts 1, one to delete or change 2, so
-/// that an abbreviation lies near to its word.
-std::size_t editDistance(const std::string& a, const std::string& b) {
-    std::vector<std::size_t> row; // distances of the beginnings of b from that of a so far
-    for (std::size_t j = 0; j <= b.size(); j++)
-        row.push_back(j);
-    for (std::size_t i = 0; i < a.size(); i++) {
-        std::vector<std::size_t> next = {2 * (i + 1)};
-        for (std::size_t j = 0; j < b.size(); j++)
-            next.push_back(
-                std::min({row[j] + (a[i] == b[j] ? 0 : 2), row[j + 1] + 2, next.back() + 1}));
-        row.swap(next);
-    }
-    return row.back();
-}
-
-/// For a message: the known name that a wrong one is most like.
-std::string nearest(const std::string& wrong, const std::vector<std::string>& known) {
-    if (known.empty()) return {};
-    const auto best = std::ranges::min_element(
-        known, {}, [&](const std::string& name) { return editDistance(wrong, name); });
-    return "; nearest is \"" + *best + "\"";
-}
 
 void readMap(const YAML::Node& node, const std::string& what, const Keys& keys) {
     if (!node.IsMap()) fail(node.Mark(), what + " must be a map of keys and values");

@@ -17,9 +17,11 @@ using Command = std::function<int()>;
 /// `command`, which must outlive the parsing.
 void addFly(CLI::App& app, Command& command);
 void addReplay(CLI::App& app, Command& command);
+void addSend(CLI::App& app, Command& command);
 void addRecord(CLI::App& app, Command& command);
 void addInfo(CLI::App& app, Command& command);
 void addCut(CLI::App& app, Command& command);
+void addDump(CLI::App& app, Command& command);
 void addConvert(CLI::App& app, Command& command);
 void addProbe(CLI::App& app, Command& command);
 
