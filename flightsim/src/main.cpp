@@ -19,6 +19,7 @@ int main(int argc, char** argv) {
     flightsim::addFly(app, command);
     flightsim::addReplay(app, command);
     flightsim::addSend(app, command);
+    flightsim::addMonitor(app, command);
     flightsim::addRecord(app, command);
     flightsim::addInfo(app, command);
     flightsim::addCut(app, command);

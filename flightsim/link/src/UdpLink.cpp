@@ -125,22 +125,30 @@ bool UdpSocket::send(const UdpAddress& to, std::span<const std::uint8_t> datagra
 std::optional<Arrival> UdpSocket::receive(std::span<std::uint8_t> buffer) {
     iovec block{buffer.data(), buffer.size()};
     alignas(cmsghdr) char control[CMSG_SPACE(sizeof(timespec))];
+    UdpAddress from;
     msghdr message{};
+    message.msg_name = &from.address;
+    message.msg_namelen = sizeof from.address;
     message.msg_iov = &block;
     message.msg_iovlen = 1;
     message.msg_control = control;
     message.msg_controllen = sizeof control;
     const ssize_t size = recvmsg(m_socket, &message, MSG_TRUNC);
     if (size < 0) return std::nullopt;
-    return Arrival{static_cast<std::size_t>(size), arrivalTime(message)};
+    return Arrival{static_cast<std::size_t>(size), arrivalTime(message), from};
 }
 
 bool UdpSocket::waitReadable(std::int64_t until_ns) const {
+    return waitReadable(*this, UdpSocket(), until_ns);
+}
+
+bool UdpSocket::waitReadable(const UdpSocket& one, const UdpSocket& other, std::int64_t until_ns) {
     const std::int64_t left_ns = std::max<std::int64_t>(0, until_ns - steadyNow_ns());
     const timespec timeout{left_ns / NS_PER_SECOND, left_ns % NS_PER_SECOND};
-    pollfd entry{m_socket, POLLIN, 0}; // a negative descriptor is skipped by the system
+    // A negative descriptor is skipped by the system.
+    pollfd entries[2] = {{one.m_socket, POLLIN, 0}, {other.m_socket, POLLIN, 0}};
     // An error pending on the socket counts too: `receive` takes it off.
-    return ppoll(&entry, 1, &timeout, nullptr) > 0;
+    return ppoll(entries, 2, &timeout, nullptr) > 0;
 }
 
 } // namespace flightsim

@@ -18,6 +18,7 @@ using Command = std::function<int()>;
 void addFly(CLI::App& app, Command& command);
 void addReplay(CLI::App& app, Command& command);
 void addSend(CLI::App& app, Command& command);
+void addMonitor(CLI::App& app, Command& command);
 void addRecord(CLI::App& app, Command& command);
 void addInfo(CLI::App& app, Command& command);
 void addCut(CLI::App& app, Command& command);

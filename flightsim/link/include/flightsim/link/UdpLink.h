@@ -26,6 +26,7 @@ struct UdpAddress {
 struct Arrival {
     std::size_t size = 0;       ///< of the datagram; beyond the buffer's, the rest is lost
     std::int64_t steady_ns = 0; ///< when it came in, not when it was picked up
+    UdpAddress from = {};       ///< who sent it
 };
 
 /// A UDP socket that never blocks. It stays unconnected, so that a channel which isn't running yet
@@ -52,6 +53,8 @@ public:
     /// Sleeps until a datagram waits, a signal comes, or the steady clock shows `until_ns`. True
     /// when one waits. A socket that isn't open only sleeps.
     bool waitReadable(std::int64_t until_ns) const;
+    /// The same for two.
+    static bool waitReadable(const UdpSocket& one, const UdpSocket& other, std::int64_t until_ns);
 
 private:
     int m_socket = -1;
