@@ -35,6 +35,9 @@ TEST(Program, AnswersWrongUseAndBadFilesWithOneMessage) {
     expectRun("", 2, "subcommand");
     expectRun("replay x --speed nan", 2, "--speed");
     expectRun("replay x --hold 1 --loop", 2, "--hold");
+    expectRun("send heading=1 --seconds 1", 2, "--rate");
+    expectRun("monitor --no-records --port 5", 2, "--port");
+    expectRun("dump " + RECORDED_FLIGHT + " --fields see_code", 1, "nearest is \"sea_code\"");
     expectRun("replay absent.hrec", 1, "cannot open \"absent.hrec\"");
     expectRun("info CMakeLists.txt", 1, "\"CMakeLists.txt\": byte 0: not a recording");
     expectRun("fly .", 1, "cannot read \".\": a folder");
@@ -55,8 +58,8 @@ TEST(Program, AFileThatCannotBeWrittenIsNamedOnceAndNothingOfItStays) {
     const std::string fly = "fly " + data + "/missions/demo.yaml " + link;
     fs::create_directory(folder);
     for (const std::string& command :
-         {std::string("record --port 0 "), "cut " + recording, fly + "--record ",
-          fly + "--feedback ", "replay " + recording + link + "--feedback "})
+         {std::string("record --port 0 "), "cut " + recording, "convert " + recording,
+          fly + "--record ", fly + "--feedback ", "replay " + recording + link + "--feedback "})
         for (const std::string file : {"full.out", "/dev/full", "none/x.out", "."}) {
             // No file may grow: a full disk.
             Program run("/bin/sh", "-c 'ulimit -f 0; cd " + folder + "; exec " PROGRAM_PATH " " +
@@ -89,6 +92,9 @@ TEST(Program, DescribesTheRecordedFlight) {
          {"2976 over 62.00 s, 47.99 Hz", "mean 20.84, sd 7.48, p50 20.00, p99 55.34, max 311.67",
           "2976 of 1490 bytes", "6 in record 311"})
         EXPECT_NE(output.find(text), std::string::npos) << text << "\n" << output;
+    expectRun("info " + RECORDED_FLIGHT + " --fields", 0, "1 (clear)         2 (overcast)");
+    expectRun("dump " + RECORDED_FLIGHT + " --csv --record 311 --count 1 --fields command", 0,
+              "\n311,8.668550553,1490,6\n");
 }
 
 TEST(Program, NamesAPortInUseAndCanDoWithoutIt) {
