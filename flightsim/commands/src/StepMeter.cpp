@@ -130,7 +130,8 @@ std::string DelayReport::plot() const {
         if (!std::isfinite(ms)) continue;
         svg += format("<circle cx=\"%.1f\" cy=\"%.1f\" r=\"4\" fill=\"#1f6fb2\"/><text x=\"%.1f\" "
                       "y=\"%.1f\" fill=\"#1f6fb2\">p%g %.1f ms</text>\n",
-                      x(ms), y(part), x(longest) + 14, line, part * 100, ms);
+                      x(ms), y(part), std::min(x(longest) + 14, LEFT + WIDTH - 90), line,
+                      part * 100, ms);
         line += 20;
     }
     return svg + "</svg>\n";
