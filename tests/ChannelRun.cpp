@@ -20,7 +20,12 @@ bool ChannelRun::start(const std::string& options) {
         CHANNEL, "--directory '" + folder.path().string() + "' --trace trace.csv " +
                      (asks("--headless") ? "" : "--null ") +
                      (asks("--warm-up") ? "" : "--warm-up off ") + options);
-    if (program->waitFor("飞仿IP").empty()) return false;
+    std::string line;
+    do {
+        line = program->line();
+        beginning += line;
+    } while (!line.empty() && line.find("飞仿IP") == std::string::npos);
+    if (line.empty()) return false;
     waitForHandlers();
     return true;
 }

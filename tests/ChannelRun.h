@@ -39,6 +39,7 @@ public:
     UdpPeer peer;
     int receive_port = UdpPeer::freePort();
     std::unique_ptr<Program> program;
+    std::string beginning; ///< what it printed until it listened
     std::string output;
 
 private:

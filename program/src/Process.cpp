@@ -58,6 +58,14 @@ void onStopSignal(void (*stop)()) {
         sigaction(number, &action, nullptr);
 }
 
+WithoutSignals::WithoutSignals() {
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &m_before);
+}
+
+WithoutSignals::~WithoutSignals() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+
 bool takesOutput(int descriptor) {
     pollfd output{descriptor, POLLOUT, 0};
     return poll(&output, 1, 0) != 0; // what fails is seen in printing

@@ -92,7 +92,8 @@ bool Channel::printSchema() {
 }
 
 bool Channel::open() {
-    if (!enterFolder() || !loadScript() || !checkOutputs() || !makeRenderer() || !openLogs())
+    if (!enterFolder() || !loadScript() || !checkOutputs() || !makeRenderer() || !openLogs() ||
+        !openMetrics())
         return false;
     Engine::get()->setApp(this);
     Engine::get()->setWorld(&m_world);
@@ -163,6 +164,12 @@ bool Channel::openLogs() {
     return false;
 }
 
+bool Channel::openMetrics() {
+    if (m_options.metrics < 0) return true;
+    m_metrics = std::make_shared<FrameMetrics>(m_renderer_name);
+    return m_metrics_server.open(m_options.metrics, m_metrics);
+}
+
 bool Channel::wantsPictures() const {
     const RendererKind* kind = findRendererKind(m_options.renderer);
     return (kind && kind->draws) || m_options.window || !m_options.screenshot.empty() ||
@@ -190,6 +197,7 @@ bool Channel::makeRenderer() {
         if (m_options.scale <= 0 && m_renderer->isSoftware())
             m_renderer->setScale(
                 ScaleGovernor::getSoftwareStart(m_options.width, m_options.height));
+        m_renderer_name = kind.name;
         return true;
     }
     return refuse();
@@ -406,6 +414,9 @@ void Channel::tellPace(double began, double begin, const Shown& shown) {
                              .late = m_clock.isLate()};
     m_pace.addFrame(timing, m_link);
     m_trace.write(run_start, timing, m_pace.getAge(), m_listener);
+    if (!m_metrics) return;
+    m_metrics->addFrame(timing, m_pace, m_link, m_listener);
+    m_metrics->addScene(began, m_world, m_particles);
 }
 
 /// All that the next frame takes in. False when there is none.

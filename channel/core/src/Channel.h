@@ -4,8 +4,10 @@
 #include "Environment.h"
 #include "EventQueue.h"
 #include "FrameClock.h"
+#include "FrameMetrics.h"
 #include "Library.h"
 #include "LogicListener.h"
+#include "MetricsServer.h"
 #include "Options.h"
 #include "PassProfile.h"
 #include "PictureTime.h"
@@ -93,6 +95,7 @@ private:
     void askToQuit();
     bool loadScript();
     bool openLogs();
+    bool openMetrics();
     bool take(frames::FrameInput& input);
     void deliver(frames::FrameInput& input);
     bool endsByForce();
@@ -116,6 +119,7 @@ private:
     EventQueue m_queue;            ///< hears what happens in the window
     Window m_window;
     std::unique_ptr<ig::Renderer> m_renderer; ///< before the window goes
+    const char* m_renderer_name = "";         ///< of its kind
     WarmUp m_warm_up;
     ScaleGovernor m_governor;
     ScriptPlayer m_script;
@@ -148,6 +152,8 @@ private:
     std::unique_ptr<FrameInputs> m_inputs;
     ReplayedInputs* m_replay = nullptr; ///< `m_inputs`, when they are; else null
     frames::LogWriter m_record;
+    std::shared_ptr<FrameMetrics> m_metrics; ///< null: nobody asks for them
+    MetricsServer m_metrics_server;
     bool m_recorded_scene = true;               ///< as the last frame of the log left it
     std::deque<frames::OperatorEvent> m_events; ///< taken in, and not yet told to the interface
     std::string m_clipboard;                    ///< as read or written last

@@ -226,6 +226,11 @@ void addOptions(CLI::App& app, Options& options) {
     app.add_flag("--obey-exit", options.obey_exit,
                  "End in order when the flight simulation commands it (system_cmd 4)");
     app.add_option("--trace", options.trace, "Write a CSV line per frame to this file");
+    app.add_option("--metrics", options.metrics,
+                   "Tell monitoring on this machine how the run goes, at this port of 127.0.0.1; "
+                   "0: a free one (docs/operator.md)")
+        ->check(whole(0, 65535))
+        ->default_str("");
     app.add_flag("--quiet", options.quiet, "No status line every second");
 }
 

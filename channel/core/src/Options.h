@@ -36,14 +36,15 @@ struct Options {
     int day_of_year = 172;       ///< 1 to 366
     double time_scale = 1;       ///< seconds by which the hour advances in a second of the scene
     Weather weather;             ///< what is asked for here, whatever the flight simulation says
-    std::vector<double> eye;   ///< longitude, latitude, altitude, heading, pitch of a fixed camera
-    bool warm_up = true;       ///< get ready before the first frame what later ones need
-    bool profile = false;      ///< milliseconds per pass in the summary
-    std::string script;        ///< file of timed operator commands; empty: none
-    std::string allow_sender;  ///< whose records are taken; empty: anybody's
-    std::string trace;         ///< CSV file with a line per frame; empty: none
-    bool quiet = false;        ///< no status line
-    bool obey_exit = false;    ///< the flight simulation may end the channel
+    std::vector<double> eye;  ///< longitude, latitude, altitude, heading, pitch of a fixed camera
+    bool warm_up = true;      ///< get ready before the first frame what later ones need
+    bool profile = false;     ///< milliseconds per pass in the summary
+    std::string script;       ///< file of timed operator commands; empty: none
+    std::string allow_sender; ///< whose records are taken; empty: anybody's
+    std::string trace;        ///< CSV file with a line per frame; empty: none
+    int metrics = -1;       ///< port that tells them to whoever asks; 0: a free one; negative: none
+    bool quiet = false;     ///< no status line
+    bool obey_exit = false; ///< the flight simulation may end the channel
     bool no_interface = false; ///< pictures without panels and texts
     std::string record;        ///< log to write of what the frames take in; empty: none
     std::string replay;        ///< log that they take in; empty: they are live

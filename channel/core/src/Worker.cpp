@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Worker.h"
 
-#include <csignal>
+#include "program/Process.h"
+
 #include <system_error>
 
 void Worker::post(Job job) {
@@ -20,14 +21,11 @@ void Worker::finish() {
 /// With all signals blocked, so that they interrupt the sleep of the thread that waits for them.
 bool Worker::start() {
     if (m_thread.joinable()) return true;
-    sigset_t all, before;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &before);
+    const program::WithoutSignals without;
     try {
         m_thread = std::jthread([this](const std::stop_token& stop) { run(stop); });
     } catch (const std::system_error&) {
     }
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
     return m_thread.joinable();
 }
 

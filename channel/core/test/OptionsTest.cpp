@@ -46,6 +46,7 @@ TEST_F(OptionsTest, MistakesAreNamedWithWhatIsAllowed) {
         {"--weather sunny", "--weather: must be one of clear, overcast, storm, fog, not \"sunny\""},
         {"--vsync later", "must be one of on, off, late, not \"later\"; nearest is \"late\""},
         {"--scale 3", "must be a number, 0.5 to 1 or auto, not \"3\""},
+        {"--metrics 65536", "--metrics: must be a whole number, 0 to 65535"},
         {"--seconds inf", "must be a number, 0 or more, not \"inf\""},
         {"--rain 1.5", "must be a whole number, 0 to 3"},
         {"--eye 1 2", "--eye: needs 5 values"},
@@ -141,12 +142,14 @@ TEST_F(OptionsTest, MistakesInTheFileAreNamedWithTheirLine) {
 
 TEST_F(OptionsTest, AReplayHasTheScenesOptionsOfItsLogAndTheDisplaysOfItsOwn) {
     ASSERT_TRUE(parse("--rain 2 --obey-exit --size 64x32 --fps 20 --scale 0.5 --script a "
-                      "--record b.flog",
+                      "--record b.flog --metrics 9464",
                       "wind: [270, 12]\nquiet: true\n"));
     frames::LogWriter written;
     ASSERT_TRUE(written.open("b.flog", describeRun(options, 1.5f)));
     ASSERT_TRUE(written.close());
-    ASSERT_TRUE(parse("--replay b.flog --statistics full", "rain: 1\n")) << log.lines[0];
+    ASSERT_TRUE(parse("--replay b.flog --statistics full --metrics 0", "rain: 1\n"))
+        << log.lines[0];
+    EXPECT_EQ(options.metrics, 0);
     EXPECT_EQ(options.weather.rain, 2);
     EXPECT_EQ(options.weather.wind_speed, 12);
     EXPECT_TRUE(options.obey_exit && !options.quiet && options.script.empty());

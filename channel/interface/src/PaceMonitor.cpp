@@ -22,11 +22,12 @@ std::string milliseconds(double seconds, int places = 1) {
 } // namespace
 
 void PaceMonitor::addFrame(const FrameTiming& timing, const LinkMonitor& link) {
-    const double interval = timing.begin - m_last_begin;
-    if (m_begun && interval >= 0) { // else frames of a box ran inside it
-        m_intervals.add(interval);
+    m_interval = m_begun ? timing.begin - m_last_begin : -1;
+    if (m_interval >= 0) { // else frames of a box ran inside it
+        m_intervals.add(m_interval);
         if (timing.period > 0)
-            m_shares[std::lower_bound(CLASS_ENDS, std::end(CLASS_ENDS), interval / timing.period) -
+            m_shares[std::lower_bound(CLASS_ENDS, std::end(CLASS_ENDS),
+                                      m_interval / timing.period) -
                      CLASS_ENDS]++;
     }
     m_last_begin = std::max(m_last_begin, timing.begin);

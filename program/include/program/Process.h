@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <csignal>
 #include <string>
 
 /// What a program arranges with the system, in the order of use.
@@ -19,6 +20,19 @@ void letWritesFail();
 /// once; within half a second of the first it doesn't count, because a supervisor, or a terminal
 /// and a shell, often send the same request twice. Until this is called signals end the program.
 void onStopSignal(void (*stop)());
+
+/// While it lives, threads that are begun get no signals: those go to the others, and to whoever
+/// waits for them.
+class WithoutSignals {
+public:
+    WithoutSignals();
+    WithoutSignals(const WithoutSignals&) = delete;
+    WithoutSignals& operator=(const WithoutSignals&) = delete;
+    ~WithoutSignals();
+
+private:
+    sigset_t m_before;
+};
 
 /// Whether a line that is printed there now gets on its way at once: not while a terminal is
 /// stopped or a pipe is full. For what is not worth waiting for.

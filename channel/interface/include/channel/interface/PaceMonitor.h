@@ -33,6 +33,11 @@ public:
     /// After every frame, and the link's update in it.
     void addFrame(const FrameTiming& timing, const LinkMonitor& link);
 
+    /// From the beginning of the frame before to that of the last one, s; negative where there is
+    /// none, and where frames of a box ran between them.
+    double getInterval() const { return m_interval; }
+    /// Frames so far.
+    std::uint64_t getLate() const { return m_late; }
     /// Seconds from the arrival of the newest record to the last hand-over; negative before the
     /// first record.
     double getAge() const { return m_age; }
@@ -54,7 +59,8 @@ private:
 
     FrameTiming m_last;
     double m_last_begin = 0; ///< s; the latest so far
-    bool m_begun = false;    ///< there was a frame
+    double m_interval = -1;
+    bool m_begun = false; ///< there was a frame
     double m_told_rate = 0;
     int m_told_divisor = 0;
     std::uint64_t m_late = 0;
