@@ -6,8 +6,10 @@
 
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
+#include <regex>
 #include <sys/socket.h>
 #include <unistd.h>
+#include <yaml-cpp/yaml.h>
 
 namespace {
 
@@ -29,6 +31,26 @@ std::string get(int port, const std::string& path) {
             answer.append(part, static_cast<std::size_t>(size));
     close(descriptor);
     return answer;
+}
+
+/// All matches of the pattern's group in the text.
+std::vector<std::string> findAll(const std::string& text, const std::string& pattern) {
+    const std::regex regex(pattern);
+    return {std::sregex_token_iterator(text.begin(), text.end(), regex, 1), {}};
+}
+
+/// The shipped dashboard asks for nothing that the scrape lacks, and leaves nothing of it out.
+void expectDashboardShows(const std::string& scrape) {
+    std::string asked;
+    for (const YAML::Node& panel : YAML::LoadFile("docs/dashboard.json")["panels"])
+        for (const YAML::Node& target : panel["targets"])
+            asked += target["expr"].as<std::string>() + '\n';
+    for (const std::string& name : findAll(asked, "\\b(visual_channel_\\w+)"))
+        EXPECT_TRUE(std::regex_search(scrape, std::regex("\n" + name + "[ {]"))) << name;
+    const std::vector<std::string> families = findAll(scrape, "# TYPE (visual_channel_\\w+)");
+    EXPECT_FALSE(families.empty());
+    for (const std::string& family : families)
+        EXPECT_NE(asked.find(family), std::string::npos) << family;
 }
 
 /// A channel that tells metrics at a free port.
@@ -59,7 +81,7 @@ struct Metrics : testing::Test {
     std::string text;
 };
 
-TEST_F(Metrics, TellWhatComesGoesOutAndIsThere) {
+TEST_F(Metrics, TellWhatComesGoesOutAndIsThereAsTheDashboardShowsIt) {
     start();
     UdpRecvData record{};
     record.longitude = -155;
@@ -79,6 +101,7 @@ TEST_F(Metrics, TellWhatComesGoesOutAndIsThere) {
     EXPECT_GT(number("particles"), 0);
     const double frames = number("frame_work_seconds_count");
     EXPECT_NEAR(number("feedback_sent_total"), frames, 1); // one scraped before the other
+    expectDashboardShows(text);
     ASSERT_EQ(run.stop(), 0) << run.output;
     EXPECT_NE(run.output.find("23 received"), std::string::npos) << run.output;
 }

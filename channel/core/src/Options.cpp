@@ -471,8 +471,9 @@ bool parseOptions(int argc, char** argv, Options& options, int& exit_status) {
                        "on the command line wins");
     addOptions(app, options);
     app.footer("Stop with Ctrl-C. Exit status: 0 after an orderly end, 1 when the logic, the world "
-               "or its start marker is missing, a script could not be done, a file could not be "
-               "written, a replay differs from its log or the log is damaged, 2 for a wrong "
+               "or its start marker is missing, the port of the metrics can't be had, a script "
+               "could not be done, a file could not be written, a replay differs from its log or "
+               "the log is damaged, 2 for a wrong "
                "command line or settings file.");
     app.allow_extras(); // named below, with what is meant
     exit_status = 2;

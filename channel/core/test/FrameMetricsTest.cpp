@@ -42,6 +42,7 @@ struct FrameMetricsTest : testing::Test {
 };
 
 TEST_F(FrameMetricsTest, EveryCountStandsUnderItsNameAndNoneFalls) {
+    EXPECT_EQ(scrape().find("age"), std::string::npos) << "there is no frame yet";
     frame(100, 0.01);
     EXPECT_EQ(scrape().find("age"), std::string::npos) << "there is no record yet";
     sample.in.datagrams_received = 1001;
