@@ -40,6 +40,12 @@ static void fly(double seconds, vc_record* record) {
     record->roll = (float)(atan2(SPEED * SPEED, 9.81 * RADIUS) * 180 / PI);
 }
 
+static void fail(const char* what, int port) {
+    fprintf(stderr, "host: %s port %d: ", what, port);
+    perror(NULL);
+    exit(1);
+}
+
 /* A socket that feedback comes to and records go out from; ends the program when it can't be. */
 static int open_socket(int feedback_port) {
     int descriptor = socket(AF_INET, SOCK_DGRAM, 0);
@@ -47,11 +53,8 @@ static int open_socket(int feedback_port) {
     own.sin_family = AF_INET;
     own.sin_port = htons((uint16_t)feedback_port);
     own.sin_addr.s_addr = htonl(INADDR_ANY);
-    if (descriptor < 0 || bind(descriptor, (struct sockaddr*)&own, sizeof own) != 0) {
-        fprintf(stderr, "host: port %d of the feedback: ", feedback_port);
-        perror(NULL);
-        exit(1);
-    }
+    if (descriptor < 0 || bind(descriptor, (struct sockaddr*)&own, sizeof own) != 0)
+        fail("feedback at", feedback_port);
     return descriptor;
 }
 
@@ -81,7 +84,7 @@ int main(int argc, char** argv) {
     int port = argc > 1 ? atoi(argv[1]) : 10004;
     int feedback_port = argc > 2 ? atoi(argv[2]) : 10005;
     long last = argc > 3 ? RATE * atol(argv[3]) : 0; /* 0: none is */
-    int descriptor = open_socket(feedback_port);
+    int descriptor;
     struct sockaddr_in channel = {0};
     struct timespec start;
     vc_record record;
@@ -89,6 +92,11 @@ int main(int argc, char** argv) {
     uint8_t bytes[VC_RECORD_SIZE];
     long sent, received = 0;
 
+    if (port < 1 || port > 65535 || feedback_port < 1 || feedback_port > 65535 || last < 0) {
+        fprintf(stderr, "usage: host [PORT [FEEDBACK_PORT [SECONDS]]]\n");
+        return 2;
+    }
+    descriptor = open_socket(feedback_port);
     channel.sin_family = AF_INET;
     channel.sin_port = htons((uint16_t)port);
     channel.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
@@ -100,7 +108,7 @@ int main(int argc, char** argv) {
         vc_record_encode(&record, bytes);
         if (sendto(descriptor, bytes, sizeof bytes, 0, (struct sockaddr*)&channel, sizeof channel) <
             0)
-            perror("host: record not sent");
+            fail("records to", port);
         wait_for_turn(&start, ++sent);
         received += receive(descriptor, &feedback);
         if (sent % RATE != 0) continue;

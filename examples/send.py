@@ -56,6 +56,8 @@ def main():
     parser.add_argument("--rate", type=int, default=100, help="records per second")
     parser.add_argument("--seconds", type=int, default=0, help="until the end; 0: until Ctrl-C")
     options = parser.parse_args()
+    if not 0 < options.port < 65536 or not 0 < options.feedback_port < 65536 or options.rate < 1:
+        parser.error("ports are 1 to 65535, and the rate is 1 or more")
     link = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
     try:
         link.bind(("", options.feedback_port))
@@ -80,12 +82,11 @@ def main():
                     below = struct.unpack_from(FEEDBACK, data)
         except BlockingIOError:
             pass  # that was all
-        if sent % options.rate == 0 and below:
+        if sent % options.rate == 0:
             print(f"{sent // options.rate} s, altitude {now['altitude']:.2f} m, {received} feedbacks:"
                   f" {below[3]:.2f} m above the ground at latitude {below[1]:.6f}"
-                  f" longitude {below[2]:.6f}", flush=True)
-        elif sent % options.rate == 0:
-            print(f"no feedback on port {options.feedback_port} yet: does visual_channel run?",
+                  f" longitude {below[2]:.6f}" if below else
+                  f"no feedback on port {options.feedback_port} yet: does visual_channel run?",
                   flush=True)
     return 0 if received else 1
 
@@ -95,3 +96,5 @@ if __name__ == "__main__":
         sys.exit(main())
     except KeyboardInterrupt:
         pass
+    except OSError as error:
+        sys.exit(f"send.py: {error.strerror}")

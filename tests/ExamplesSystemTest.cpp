@@ -54,14 +54,14 @@ struct Examples : testing::Test {
 TEST_F(Examples, OneInPythonRisesAboveThePadAndHearsHowHigh) {
     double height = 0;
     fly("examples/send.py",
-        "--rate 50 --seconds 4 --feedback-port " + port + " --port " +
+        "--rate 50 --seconds 3 --feedback-port " + port + " --port " +
             std::to_string(run.receive_port),
-        "200", [&height](double now, double latitude, double longitude) {
+        "150", [&height](double now, double latitude, double longitude) {
             EXPECT_LT(std::hypot(east(longitude), north(latitude)), 0.2);
             height = now;
         });
     EXPECT_GT(height, 1.22 + 0.5); // of what it sent some time before
-    EXPECT_LT(height, 1.22 + 8);
+    EXPECT_LT(height, 1.22 + 6);
     // It states its own table.
     std::ifstream file("examples/send.py");
     const std::regex row("\"(\\w+)\": (\\(\\d+, \"\\w\"\\))");
@@ -83,7 +83,7 @@ TEST_F(Examples, OneInCIsBuiltFromTwoFilesAndFliesItsCircleNoseAheadAndBanked) {
     Program compiler("/usr/bin/cc", "-std=c99 -pedantic -Wall -Wextra -Wconversion -Werror -o " +
                                         host + ' ' + host + ".c -lm");
     ASSERT_EQ(compiler.finish(), 0);
-    fly(host, std::to_string(run.receive_port) + ' ' + port + " 3", "300",
+    fly(host, std::to_string(run.receive_port) + ' ' + port + " 2", "200",
         [](double height, double latitude, double longitude) {
             EXPECT_NEAR(std::hypot(east(longitude), north(latitude)), 300, 0.5);
             EXPECT_NEAR(height, 100 - PAD, 10); // the land there is nearly level
