@@ -86,6 +86,7 @@ int main(int argc, char** argv) {
     long last = argc > 3 ? RATE * atol(argv[3]) : 0; /* 0: none is */
     int descriptor;
     struct sockaddr_in channel = {0};
+    const struct sockaddr* address = (const struct sockaddr*)&channel;
     struct timespec start;
     vc_record record;
     vc_feedback feedback = {0};
@@ -106,8 +107,7 @@ int main(int argc, char** argv) {
         fly((double)sent / RATE, &record);
         record.command = sent == 0 ? VC_COMMAND_RESET : 0; /* once: each one resets the scene */
         vc_record_encode(&record, bytes);
-        if (sendto(descriptor, bytes, sizeof bytes, 0, (struct sockaddr*)&channel, sizeof channel) <
-            0)
+        if (sendto(descriptor, bytes, sizeof bytes, 0, address, sizeof channel) < 0)
             fail("records to", port);
         wait_for_turn(&start, ++sent);
         received += receive(descriptor, &feedback);
@@ -115,10 +115,10 @@ int main(int argc, char** argv) {
         if (received == 0)
             printf("no feedback on port %d yet: does visual_channel run?\n", feedback_port);
         else
-            printf(
-                "%ld s, %ld feedbacks: %.2f m above the ground at latitude %.6f longitude %.6f\n",
-                sent / RATE, received, feedback.height_above_ground, feedback.ground_latitude,
-                feedback.ground_longitude);
+            printf("%ld s, %ld feedbacks: %.2f m above the ground at latitude %.6f "
+                   "longitude %.6f\n",
+                   sent / RATE, received, feedback.height_above_ground, feedback.ground_latitude,
+                   feedback.ground_longitude);
         fflush(stdout);
     }
     return received > 0 ? 0 : 1;

@@ -20,12 +20,11 @@ FIELDS = {  # where each begins, and its type: H h of 16 bits, I i of 32, f d fl
     "sea_code": (90, "h"), "sea_speed": (92, "f"), "sea_angle": (96, "f"),
     "latitude": (124, "d"), "longitude": (132, "d"), "altitude": (140, "f"),
     "pitch": (144, "f"), "roll": (148, "f"), "heading": (152, "f"), "rotor_speed": (156, "f"),
-    "radar_value": (420, "f"), "radar_sector_width": (424, "f"),
-    "radar_sector_offset": (428, "f"),
+    "radar_value": (420, "f"), "radar_sector_width": (424, "f"), "radar_sector_offset": (428, "f"),
     "hang_mass": (1428, "h"), "hang_length": (1430, "f"), "hang_enable": (1434, "H"),
 }
 FEEDBACK_SIZE = 108
-FEEDBACK = "<iddf"  # frame, latitude and longitude of the ground below, height above it; then wheels
+FEEDBACK = "<iddf"  # frame, latitude and longitude of the ground, height above it; then wheels
 
 PAD = {"latitude": 19.7124631, "longitude": -155.0625125}
 PAD_ALTITUDE, TOP = 12.45, 60  # m above sea level
@@ -83,9 +82,9 @@ def main():
         except BlockingIOError:
             pass  # that was all
         if sent % options.rate == 0:
-            print(f"{sent // options.rate} s, altitude {now['altitude']:.2f} m, {received} feedbacks:"
-                  f" {below[3]:.2f} m above the ground at latitude {below[1]:.6f}"
-                  f" longitude {below[2]:.6f}" if below else
+            print(f"{sent // options.rate} s, altitude {now['altitude']:.2f} m,"
+                  f" {received} feedbacks: {below[3]:.2f} m above the ground at"
+                  f" latitude {below[1]:.6f} longitude {below[2]:.6f}" if below else
                   f"no feedback on port {options.feedback_port} yet: does visual_channel run?",
                   flush=True)
     return 0 if received else 1

@@ -18,19 +18,19 @@ struct FrameMetricsTest : testing::Test {
     FrameMetricsTest() { Texts::load("en"); }
     void frame(double begin, double work, bool late = false) {
         link.update(sample, begin);
-        const FrameTiming timing{
-            .begin = begin, .handed_over = begin + 0.004, .work = work, .late = late};
+        const FrameTiming timing{.begin = begin, .handed_over = begin, .work = work, .late = late};
         pace.addFrame(timing, link);
         metrics->addFrame(timing, pace, link, listener);
     }
     std::string scrape() const {
-        return prometheus::TextSerializer().prometheus::Serializer::Serialize(metrics->Collect());
+        return '\n' +
+               prometheus::TextSerializer().prometheus::Serializer::Serialize(metrics->Collect());
     }
-    /// A line of the scrape, by its name with labels and its number.
-    void expect(const std::string& line) {
-        EXPECT_NE(scrape().find("\nvisual_channel_" + line + '\n'), std::string::npos)
-            << line << '\n'
-            << scrape();
+    /// Lines of the scrape, each a name with labels and a number.
+    void expect(std::initializer_list<std::string> lines) {
+        for (const std::string& line : lines)
+            EXPECT_NE(scrape().find("\nvisual_channel_" + line + '\n'), std::string::npos)
+                << line << scrape();
     }
 
     LogCapture log;
@@ -59,17 +59,15 @@ TEST_F(FrameMetricsTest, EveryCountStandsUnderItsNameAndNoneFalls) {
     listener.m_applied = 1010;
     frame(101, 0.01, true);
     sample.out.datagrams_sent = 1007; // the system turned out to refuse one
-    sample.in.last_received = 101.75;
-    frame(102, 0.01, true);
-    for (const char* line :
-         {"records_received_total 1001", "records_lost_total 1002",
-          "records_wrong_total{kind=\"short\"} 1003", "records_wrong_total{kind=\"long\"} 1004",
-          "records_wrong_total{kind=\"implausible\"} 1005",
-          "records_wrong_total{kind=\"from_others\"} 1006",
-          "records_wrong_total{kind=\"empty\"} 1007", "feedback_sent_total 1008",
-          "feedback_failed_total 1009", "records_applied_total 1010", "frames_late_total 2"})
-        expect(line);
-    EXPECT_NE(scrape().find("age_seconds 0.25"), std::string::npos) << scrape();
+    sample.in.last_received = 102.25;
+    frame(102.5, 0.01, true);
+    expect({"records_received_total 1001", "records_lost_total 1002",
+            "records_wrong_total{kind=\"short\"} 1003", "records_wrong_total{kind=\"long\"} 1004",
+            "records_wrong_total{kind=\"implausible\"} 1005",
+            "records_wrong_total{kind=\"from_others\"} 1006",
+            "records_wrong_total{kind=\"empty\"} 1007", "feedback_sent_total 1008",
+            "feedback_failed_total 1009", "records_applied_total 1010", "frames_late_total 2",
+            "record_age_seconds 0.25"});
 }
 
 TEST_F(FrameMetricsTest, FrameTimesAreCountedBySize) {
@@ -78,27 +76,21 @@ TEST_F(FrameMetricsTest, FrameTimesAreCountedBySize) {
     frame(100.033, 2.5);
     frame(99, 0.001); // one in which a message box ran others
     frame(103, 0.001);
-    for (const char* line :
-         {"frame_interval_seconds_count 3", "frame_interval_seconds_bucket{le=\"0.016\"} 0",
-          "frame_interval_seconds_bucket{le=\"0.017\"} 2",
-          "frame_interval_seconds_bucket{le=\"1\"} 2",
-          "frame_interval_seconds_bucket{le=\"+Inf\"} 3", "frame_work_seconds_count 5",
-          "frame_work_seconds_bucket{le=\"0.001\"} 2", "frame_work_seconds_bucket{le=\"0.002\"} 3",
-          "frame_work_seconds_bucket{le=\"0.004\"} 4", "frame_work_seconds_bucket{le=\"1\"} 4"})
-        expect(line);
-    EXPECT_NE(scrape().find("frame_work_seconds_sum 2.5061"), std::string::npos) << scrape();
+    const std::string interval = "frame_interval_seconds_", work = "frame_work_seconds_";
+    expect({interval + "bucket{le=\"0.016\"} 0", interval + "bucket{le=\"0.017\"} 2",
+            interval + "bucket{le=\"1\"} 2", interval + "count 3", work + "bucket{le=\"0.001\"} 2",
+            work + "bucket{le=\"0.002\"} 3", work + "bucket{le=\"1\"} 4", work + "count 5"});
+    EXPECT_NE(scrape().find(work + "sum 2.5061"), std::string::npos);
 }
 
 TEST_F(FrameMetricsTest, APortThatIsTakenIsRefusedWithTheCause) {
     MetricsServer first, second;
     ASSERT_TRUE(first.open(0, metrics));
-    const std::string told = log.lines.at(0), address = "127.0.0.1:";
-    const std::string port = std::to_string(std::stoi(told.substr(told.find(address) + 10)));
-    EXPECT_FALSE(second.open(std::stoi(port), metrics));
-    EXPECT_NE(log.lines.at(1).find("cannot listen on " + address + port +
-                                   ": Address already in use: free the port"),
-              std::string::npos)
-        << log.lines[1];
+    const std::string address = "127.0.0.1:", told = log.lines.at(0);
+    const int port = std::stoi(told.substr(told.find(address) + address.size()));
+    EXPECT_FALSE(second.open(port, metrics));
+    const std::string cause = address + std::to_string(port) + ": Address already in use: free";
+    EXPECT_NE(log.lines.at(1).find(cause), std::string::npos) << log.lines[1];
 }
 
 } // namespace
