@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 
-// How evenly the channel's frames begin without a window, against bare sleeps in turn with them.
+// How evenly the channel's frames begin without a window, against bare sleeps in turn with them,
+// and what they pay for being watched.
 
 #include "Channel.h"
+#include "channel/interface/Texts.h"
 #include "program/Clock.h"
 #include "ratio.h"
 #include "testkit/ChannelFolder.h"
+#include "testkit/LogicScene.h"
 
 #include <cmath>
 #include <fstream>
@@ -90,5 +93,35 @@ void interval(benchmark::State& state) {
     state.counters["floor_within_goal"] = sleeps.getShareWithin(200e-6);
 }
 BENCHMARK(interval)->Iterations(4)->Unit(benchmark::kMillisecond);
+
+/// What monitoring costs in a second of 60 frames, the demo world's count included, in the time
+/// that the thread takes of the processor.
+void metrics(benchmark::State& state) {
+    LogicScene scene;
+    scene.useProjectData();
+    if (!scene.start()) return state.SkipWithError("the scene does not start");
+    scene.frames(60);
+    ig::ParticleSystem particles;
+    particles.advance(*scene.world, 0.5f);
+    Texts::load("en");
+    FrameMetrics metrics("null");
+    LinkMonitor link;
+    PaceMonitor pace;
+    LogicListener listener;
+    FrameTiming timing;
+    CpuTimes times;
+    for (auto _ : state)
+        times.measure([&] {
+            for (int i = 0; i < 60; i++) {
+                timing.begin += PERIOD;
+                timing.work = 0.0005 * (i % 40);
+                metrics.addFrame(timing, pace, link, listener);
+                metrics.addScene(timing.begin, *scene.world, particles);
+            }
+        });
+    times.report(state, 60);
+    scene.stop();
+}
+BENCHMARK(metrics)->Iterations(1000)->Unit(benchmark::kMicrosecond);
 
 } // namespace

@@ -65,7 +65,7 @@ const char* const OF_DISPLAY[] = {
     "renderer",         "null",   "warm-up",   "headless", "window",     "vsync",  "full-screen",
     "monitor",          "scale",  "eye",       "no-ui",    "statistics", "video",  "contact-sheet",
     "screenshot-every", "trace",  "profile",   "quiet",    "seconds",    "record", "frames",
-    "screenshot",       "replay", "real-time", "smooth", "metrics"};
+    "screenshot",       "replay", "real-time", "smooth",   "metrics"};
 
 /// By whatever names; one that isn't there yet by its name without dots and links.
 bool isSameFile(const std::filesystem::path& folder, const std::string& a, const std::string& b) {
