@@ -27,9 +27,9 @@ FEEDBACK_SIZE = 108
 FEEDBACK = "<iddf"  # frame, latitude and longitude of the ground, height above it; then wheels
 
 PAD = {"latitude": 19.7124631, "longitude": -155.0625125}
-PAD_ALTITUDE, TOP = 12.45, 60  # m above sea level
-WHEELS = 1.22  # m that the helicopter's origin stands above the ground
-CALM = {"system_cmd": 1, "weather_type": 1, "sea_code": 2, "rotor_speed": 270}
+RESTING, TOP = 13.67, 60  # m above sea level: where its origin is on the pad, and at the end
+QUIET = {"system_cmd": 1, "weather_type": 1, "sea_code": 2, "rotor_speed": 270, "radar_value": 1,
+         "radar_sector_width": 90, "hang_mass": 80, "hang_length": 2}  # where 0 is not nothing
 
 
 def record(**values):
@@ -43,7 +43,7 @@ def record(**values):
 
 def pose(seconds):
     """Where the helicopter is: up by 2 m a second and round once in 20 s."""
-    return {**PAD, "altitude": min(PAD_ALTITUDE + WHEELS + 2 * seconds, TOP),
+    return {**PAD, "altitude": min(RESTING + 2 * seconds, TOP),
             "heading": 18 * seconds % 360}
 
 
@@ -70,7 +70,7 @@ def main():
     while options.seconds == 0 or sent < options.seconds * options.rate:
         now = pose(sent / options.rate)
         reset = 6 if sent == 0 else 0  # once: every record with it resets the scene
-        link.sendto(record(command=reset, **CALM, **now), (options.host, options.port))
+        link.sendto(record(command=reset, **QUIET, **now), (options.host, options.port))
         sent += 1
         time.sleep(max(0, start + sent / options.rate - time.monotonic()))
         try:
