@@ -67,12 +67,12 @@ private:
         prometheus::MetricFamily collect(const char* name, const char* help) const;
 
     private:
-        /// Upper ends, s: a millisecond apart around the times of 120, 100, 60 and 50 frames a
-        /// second, wider apart where a frame is late anyway.
-        static constexpr double ENDS[] = {0.001, 0.002, 0.004, 0.006, 0.008, 0.0085, 0.010,
-                                          0.011, 0.013, 0.015, 0.016, 0.017, 0.018,  0.020,
-                                          0.022, 0.025, 0.030, 0.034, 0.040, 0.050,  0.067,
-                                          0.100, 0.150, 0.250, 0.500, 1.0};
+        /// Upper ends, s: periods of 120, 100, 72, 60, 50, 30 and 20 frames a second lie amid a
+        /// class each, so that frames in time fall into one.
+        static constexpr double ENDS[] = {0.001,  0.002, 0.004,  0.006,  0.008, 0.0089, 0.0095,
+                                          0.0105, 0.012, 0.0135, 0.0145, 0.016, 0.0175, 0.019,
+                                          0.021,  0.025, 0.032,  0.035,  0.045, 0.055,  0.075,
+                                          0.1,    0.15,  0.25,   0.5,    1};
         std::array<std::atomic<std::uint64_t>, std::size(ENDS) + 1> m_counts{};
         std::atomic<double> m_sum = 0;
     };

@@ -77,7 +77,7 @@ TEST_F(FrameMetricsTest, FrameTimesAreCountedBySize) {
     frame(99, 0.001); // one in which a message box ran others
     frame(103, 0.001);
     const std::string interval = "frame_interval_seconds_", work = "frame_work_seconds_";
-    expect({interval + "bucket{le=\"0.016\"} 0", interval + "bucket{le=\"0.017\"} 2",
+    expect({interval + "bucket{le=\"0.016\"} 0", interval + "bucket{le=\"0.0175\"} 2",
             interval + "bucket{le=\"1\"} 2", interval + "count 3", work + "bucket{le=\"0.001\"} 2",
             work + "bucket{le=\"0.002\"} 3", work + "bucket{le=\"1\"} 4", work + "count 5"});
     EXPECT_NE(scrape().find(work + "sum 2.5061"), std::string::npos);
