@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <prometheus/collectable.h>
 #include <string>
+#include <utility>
+#include <vector>
 
 class LinkMonitor;
 class LogicListener;
