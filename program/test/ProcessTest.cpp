@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <thread>
 #include <unistd.h>
 
 TEST(Process, AFullPipeTakesNoOutputUntilSomebodyReads) {
@@ -18,4 +19,19 @@ TEST(Process, AFullPipeTakesNoOutputUntilSomebodyReads) {
     close(ends[0]);
     EXPECT_TRUE(program::takesOutput(ends[1])); // it fails, but at once
     close(ends[1]);
+}
+
+TEST(Process, ThreadsWithoutSignalsLeaveThemToTheOthers) {
+    const auto isBlocked = [] {
+        sigset_t blocked;
+        pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
+        return sigismember(&blocked, SIGTERM) == 1;
+    };
+    bool in_thread = false;
+    {
+        const program::WithoutSignals without;
+        std::thread([&] { in_thread = isBlocked(); }).join();
+    }
+    EXPECT_TRUE(in_thread);
+    EXPECT_FALSE(isBlocked());
 }
