@@ -41,7 +41,7 @@ TEST(Start, WhatIsMissingIsNamedAndTheExitStatusIsOne) {
     EXPECT_EQ(countOf(text, "error"), 1) << text;
     for (const std::string& part :
          {std::string("no \"data/PELMAR_PROJECT/PELMAR_PROJECT.world\" in \""),
-          empty.path().string(), ", but in \"" + std::filesystem::current_path().string(),
+          empty.path().string(), "perhaps in \"" + std::filesystem::current_path().string(),
           std::string("--directory")})
         EXPECT_NE(text.find(part), std::string::npos) << text;
     empty.write("data/PELMAR_PROJECT/PELMAR_PROJECT.world", "nodes:\n- {name: a\n");

@@ -16,6 +16,7 @@
 #include "ig/scene/ObjectPrefab.h"
 #include "plugins/ocean/ObjectOcean.h"
 #include "program/Clock.h"
+#include "program/DataFolder.h"
 #include "program/Process.h"
 #include "render/factory/RendererKind.h"
 
@@ -43,18 +44,6 @@ constexpr double JUMP = 10000;        ///< metres between two frames after which
 constexpr int FRAMES_PER_DIGEST = 60; ///< of the scene in a log
 constexpr int LEVEL_CAMERA = 654321;  ///< identifier of the UI message
 
-/// For a message: the folder above the program that holds `path`, as a build has it, or nothing.
-std::string findFolder(const std::string& path) {
-    std::error_code error;
-    std::filesystem::path folder = std::filesystem::read_symlink("/proc/self/exe", error);
-    while (folder.has_relative_path()) {
-        folder = folder.parent_path();
-        if (std::filesystem::exists(folder / path, error))
-            return ", but in \"" + folder.string() + '"';
-    }
-    return {};
-}
-
 void levelCamera() {
     UiMsg message{LEVEL_CAMERA};
     MsgMngr::get()->send(&message);
@@ -66,7 +55,8 @@ Channel::Channel(const Options& options)
     : m_options(options), m_interface(this, *this, &m_control), m_window(m_queue),
       m_script(m_queue, *m_interface.getRoot()), m_camera_control(nullptr),
       m_environment(m_options), m_scene_command(options.obey_exit),
-      m_screenshots(options.screenshot, options.screenshot_every, options.contact_sheet),
+      m_screenshots(options.screenshot, options.screenshot_every, options.contact_sheet,
+                    options.pictures),
       m_video(options.video), m_clock(options.frame_rate, options.step),
       m_inputs(std::make_unique<LiveInputs>(m_clock, m_window, m_script, m_queue,
                                             *m_interface.getRoot(), m_run_start)) {
@@ -236,10 +226,16 @@ bool Channel::loadWorld() {
     std::error_code error;
     if (path.empty() || std::filesystem::exists(path.c_str(), error))
         return path.empty() || m_world.load(path);
-    jLog::error("visual_channel: there is no \"%s\" in \"%s\"%s: start in the folder that holds "
-                "config/ and data/, or name it with --directory",
-                path.c_str(), std::filesystem::current_path(error).c_str(),
-                findFolder(path.c_str()).c_str());
+    std::string other;
+    if (!program::findDataFolder(other) && m_options.directory.empty())
+        jLog::error("visual_channel: no folder holds config/ and data/: looked at %s: name it with "
+                    "--directory",
+                    program::tellDataFolders().c_str());
+    else
+        jLog::error("visual_channel: there is no \"%s\" in \"%s\"%s: start in the folder that "
+                    "holds config/ and data/, or name it with --directory",
+                    path.c_str(), std::filesystem::current_path(error).c_str(),
+                    other.empty() ? "" : (", but perhaps in \"" + other + '"').c_str());
     return false;
 }
 

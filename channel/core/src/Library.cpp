@@ -2,17 +2,13 @@
 #include "Library.h"
 
 #include "ig/base/jLog.h"
+#include "program/DataFolder.h"
 
 #include <dlfcn.h>
 #include <filesystem>
 
 bool Library::load(const std::string& path) {
-    m_path = path;
-    if (path.find('/') == std::string::npos) {
-        std::error_code error;
-        const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
-        m_path = (program.parent_path() / ".." / "lib" / path).lexically_normal();
-    }
+    m_path = path.find('/') == std::string::npos ? program::findOwnLibrary(path) : path;
     m_handle = dlopen(m_path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!m_handle) ig::jLog::error("Library::load: %s", dlerror());
     return m_handle != nullptr;

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "Options.h"
 
+#include "OptionPaths.h"
 #include "OptionRules.h"
 #include "OptionValues.h"
 #include "Provenance.h"
 #include "Settings.h"
 #include "ig/base/jLog.h"
+#include "program/DataFolder.h"
 #include "render/factory/RendererKind.h"
 
 #include <algorithm>
@@ -348,7 +350,9 @@ Wishes wishesOf(const CLI::App& app) {
 
 /// The settings file below what the command line says. False after the errors that explain it.
 bool applySettings(CLI::App& app, const Options& options, const std::string& config, bool needed) {
-    const std::string path = (std::filesystem::path(options.directory) / config).string();
+    std::string folder = options.directory;
+    if (folder.empty() && !needed) program::findDataFolder(folder);
+    const std::string path = (std::filesystem::path(folder) / config).string();
     std::vector<Setting> settings;
     if (std::error_code error; needed || std::filesystem::exists(path, error))
         if (!readSettings(path, settings) || !checkKeys(app, settings)) return false;
@@ -463,7 +467,8 @@ bool parseOptions(int argc, char** argv, Options& options, int& exit_status) {
         "of --logic and --plugin too, and exit");
     app.add_option("--directory", options.directory,
                    "Folder that holds config/ and data/, to which all other paths are "
-                   "relative; default: the present one");
+                   "relative; default: the present one, or else, with paths relative to the "
+                   "present one, the installation's or the checkout's");
     std::string config = "config/visual_channel.cfg";
     const CLI::Option* config_option =
         app.add_option("--config", config,
@@ -487,8 +492,13 @@ bool parseOptions(int argc, char** argv, Options& options, int& exit_status) {
         return false;
     }
     if (!nameExtras(app)) return false;
-    if (!options.replay.empty()) return applyLog(app, options, config_option->count() > 0);
-    const bool applied = applySettings(app, options, config, config_option->count() > 0);
-    options.logged = wordsForLog(app);
-    return applied;
+    const bool has_config = config_option->count() > 0;
+    if (!options.replay.empty()) {
+        if (!applyLog(app, options, has_config)) return false;
+    } else {
+        if (!applySettings(app, options, config, has_config)) return false;
+        options.logged = wordsForLog(app);
+    }
+    settlePaths(options);
+    return true;
 }

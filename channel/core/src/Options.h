@@ -13,8 +13,10 @@ struct Options {
     std::string logic;                ///< library of the scene logic; empty: the one that we ship
     std::vector<std::string> plugins; ///< further engine plug-ins, loaded before the logic
     std::string directory;            ///< to work in; empty: the present one
-    bool print_schema = false;        ///< tell what nodes of scene files may say, and end
-    double frame_rate = 60;           ///< frames per second in real time; 0: as fast as possible
+    /// Folder, with its slash, of pictures that no option names; empty: the one to work in.
+    std::string pictures;
+    bool print_schema = false; ///< tell what nodes of scene files may say, and end
+    double frame_rate = 60;    ///< frames per second in real time; 0: as fast as possible
     double step = 0; ///< seconds that every frame advances the scene; 0: the time that has passed
     bool smooth = false;            ///< what the picture is about moves evenly between its records
     double seconds = 0;             ///< of scene time until the end; 0: until stopped

@@ -51,7 +51,7 @@ bool Screenshots::isUnderWay(const std::string& path) const {
 std::string Screenshots::nextPath() {
     char number[16];
     std::snprintf(number, sizeof number, "_%04d", ++m_number);
-    std::string path = m_path.empty() ? "picture.png" : m_path;
+    std::string path = m_path.empty() ? m_folder + "picture.png" : m_path;
     const std::size_t dot = path.rfind('.');
     path.insert(dot == std::string::npos ? path.size() : dot, number);
     return path;
@@ -62,7 +62,9 @@ void Screenshots::take(ig::Renderer& renderer, const std::string& name) {
 }
 
 std::string Screenshots::nameBeside(const std::string& name) const {
-    return m_path.substr(0, m_path.rfind('/') + 1) + name + ".png"; // without a slash: the whole
+    const std::string folder =
+        m_path.empty() ? m_folder : m_path.substr(0, m_path.rfind('/') + 1); // no slash: none
+    return folder + name + ".png";
 }
 
 /// Reads the last frame back; the file and its place on the sheet are made beside the next ones.

@@ -18,9 +18,11 @@
 class Screenshots {
 public:
     /// `path` empty: none; `interval` in seconds of scene time, 0: only the last frame; `sheet`
-    /// empty: none.
-    Screenshots(const std::string& path, double interval, const std::string& sheet)
-        : m_path(path), m_sheet_path(sheet), m_interval(interval) {}
+    /// empty: none; `folder`, with its slash, is that of pictures without `path`, empty: the
+    /// present one.
+    Screenshots(const std::string& path, double interval, const std::string& sheet,
+                const std::string& folder = {})
+        : m_path(path), m_sheet_path(sheet), m_folder(folder), m_interval(interval) {}
     /// Whether files can be written where they will be, as far as can be told before the first
     /// frame; with one log line if not. `named`: pictures under names of their own will come, too.
     bool check(bool named) const;
@@ -59,7 +61,7 @@ private:
     void fail(Kind kind, const std::string& message);
     void writeSheet();
 
-    std::string m_path, m_sheet_path;
+    std::string m_path, m_sheet_path, m_folder;
     double m_interval;
     double m_next = 0; ///< scene time of the next one, s
     int m_number = 0;

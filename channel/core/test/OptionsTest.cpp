@@ -12,6 +12,11 @@
 namespace {
 
 struct OptionsTest : testing::Test {
+    /// In a folder to work in, which needs no other.
+    OptionsTest() {
+        for (const char* name : {"config", "data"})
+            std::filesystem::create_directory(name);
+    }
     /// Whether the program would go on with these words on the command line.
     bool parse(const std::string& line) {
         std::istringstream stream("visual_channel " + line);
@@ -177,6 +182,22 @@ TEST_F(OptionsTest, AReplayHasTheScenesOptionsOfItsLogAndTheDisplaysOfItsOwn) {
     expectError("with --plugin b.so: no log loads libraries");
     EXPECT_TRUE(parse("--replay b.flog --logic mine.so --plugin b.so")) << log.lines[0];
     EXPECT_EQ(options.logic + ' ' + options.plugins.at(0), "mine.so b.so");
+}
+
+TEST_F(OptionsTest, WithoutAFolderOfItsOwnAUsersFilesStayWhereHeIs) {
+    std::filesystem::remove("config");
+    const std::string here = folder.path().string() + '/';
+    ASSERT_TRUE(parse("--trace t.csv --plugin a/b.so --plugin c.so --record /tmp/r.flog "
+                      "--script data/missions/demo.script.yaml"));
+    const std::string checkout = folder.before().string();
+    EXPECT_EQ(options.directory, checkout); // the tests were built in it
+    EXPECT_EQ(options.trace + ' ' + options.record, here + "t.csv /tmp/r.flog");
+    EXPECT_EQ(options.plugins, (std::vector<std::string>{here + "a/b.so", "c.so"}));
+    EXPECT_EQ(options.script, checkout + "/data/missions/demo.script.yaml");
+    EXPECT_EQ(options.pictures, here);
+    EXPECT_EQ(log.lines.size(), 1u);
+    ASSERT_TRUE(parse("--directory . --trace t.csv"));
+    EXPECT_EQ(options.trace + options.pictures, "t.csv");
 }
 
 TEST_F(OptionsTest, TheShippedFileOffersEveryOptionWithItsDefault) {

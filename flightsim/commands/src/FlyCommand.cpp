@@ -2,6 +2,7 @@
 #include "CommandHelp.h"
 #include "Fly.h"
 #include "flightsim/commands/Commands.h"
+#include "program/DataFolder.h"
 #include "program/Process.h"
 
 #include <memory>
@@ -76,6 +77,7 @@ void addFly(CLI::App& app, Command& command) {
         ->type_name("FILE");
     sub->add_flag("--dry-run", *dry_run, "Send nothing, print the flown profile");
     sub->callback([options, dry_run, &command] {
+        options->file = program::findShippedFile(options->file);
         command = [options, dry_run] { return runFly(*options, *dry_run); };
     });
 }

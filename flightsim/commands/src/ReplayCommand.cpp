@@ -2,6 +2,7 @@
 #include "CommandHelp.h"
 #include "Replay.h"
 #include "flightsim/commands/Commands.h"
+#include "program/DataFolder.h"
 
 #include <memory>
 
@@ -48,7 +49,10 @@ void addReplay(CLI::App& app, Command& command) {
         ->type_name("N")
         ->excludes(loop)
         ->excludes(from);
-    sub->callback([options, &command] { command = [options] { return runReplay(*options); }; });
+    sub->callback([options, &command] {
+        options->file = program::findShippedFile(options->file);
+        command = [options] { return runReplay(*options); };
+    });
 }
 
 } // namespace flightsim
