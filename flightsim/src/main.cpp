@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "flightsim/commands/Commands.h"
+#include "manual/Manual.h"
 #include "program/Process.h"
 
 #include <CLI/CLI.hpp>
@@ -14,6 +15,9 @@ int main(int argc, char** argv) {
     app.footer(
         "'flight_sim COMMAND --help' tells more. Exit status: 0 done, 1 failed, 2 wrong use.");
     app.set_version_flag("--version", "flight_sim " VERSION, "Tell the version and exit");
+    manual::addOptions(app, {.summary = "flight simulation's side of a visual channel's link",
+                             .version = "flight_sim " VERSION,
+                             .see = "visual_channel(1)"});
     app.require_subcommand(1);
     flightsim::Command command;
     flightsim::addFly(app, command);

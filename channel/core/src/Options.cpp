@@ -7,6 +7,7 @@
 #include "Provenance.h"
 #include "Settings.h"
 #include "ig/base/jLog.h"
+#include "manual/Manual.h"
 #include "program/DataFolder.h"
 #include "render/factory/RendererKind.h"
 
@@ -44,7 +45,8 @@ std::string needPng(const std::string& path) {
 
 void addInterfaceOptions(CLI::App& app, Options& options) {
     app.add_option("--script", options.script,
-                   "Do the timed operator commands in this file (docs/operator.md)");
+                   "Do the timed operator commands in this file (docs/operator.md)")
+        ->type_name("FILE");
     app.add_option("--language", options.language,
                    "Of boxes, key map and statistics: zh or en (config/texts.*.yaml)")
         ->check(word({"zh", "en"}));
@@ -105,6 +107,7 @@ void addPictureOptions(CLI::App& app, Options& options) {
         ->check(number({0.5, 1, false, "", "auto"}))
         ->default_str("1");
     app.add_option("--screenshot", options.screenshot, "Write the last frame to this PNG file")
+        ->type_name("FILE")
         ->check(needPng);
     app.add_option("--screenshot-every", options.screenshot_every,
                    "Write a picture each time so many seconds of scene time have passed, numbered "
@@ -112,10 +115,12 @@ void addPictureOptions(CLI::App& app, Options& options) {
         ->check(number({}));
     app.add_option("--contact-sheet", options.contact_sheet,
                    "Write small copies of the numbered pictures, side by side, to this PNG file")
+        ->type_name("FILE")
         ->check(needPng);
     app.add_option("--video", options.video,
                    "Write a video of the pictures to this file, with ffmpeg, which must be "
-                   "installed; the suffix says in which format");
+                   "installed; the suffix says in which format")
+        ->type_name("FILE");
     app.add_option("--eye", options.eye,
                    "Look from a fixed place: LONGITUDE LATITUDE ALTITUDE HEADING PITCH (down is "
                    "negative)")
@@ -192,18 +197,22 @@ void addSizeOptions(CLI::App& app, Options& options) {
 
 void addLogOptions(CLI::App& app, Options& options) {
     app.add_option("--record", options.record,
-                   "Write a log of all that the frames take in to this file, to be played again");
+                   "Write a log of all that the frames take in to this file, to be played again")
+        ->type_name("FILE");
     app.add_option("--replay", options.replay,
                    "Play such a log again, as fast as possible: no link, no operator, the options "
-                   "of the log; what is shown and written is asked for here");
+                   "of the log; what is shown and written is asked for here")
+        ->type_name("FILE");
     app.add_flag("--real-time", options.real_time,
                  "The replay takes the time that the flight took");
 }
 
 void addOptions(CLI::App& app, Options& options) {
     app.add_option("--logic", options.logic, "Library of the scene logic")
+        ->type_name("FILE")
         ->default_str("the one shipped with this program");
-    app.add_option("--plugin", options.plugins, "Further engine plug-in library; may be repeated");
+    app.add_option("--plugin", options.plugins, "Further engine plug-in library; may be repeated")
+        ->type_name("FILE");
     app.add_option("--fps", options.frame_rate,
                    "Frames per second in real time, in a window at most so many (--vsync); 0: as "
                    "fast as possible")
@@ -227,7 +236,8 @@ void addOptions(CLI::App& app, Options& options) {
                    "Take records from this IPv4 address only");
     app.add_flag("--obey-exit", options.obey_exit,
                  "End in order when the flight simulation commands it (system_cmd 4)");
-    app.add_option("--trace", options.trace, "Write a CSV line per frame to this file");
+    app.add_option("--trace", options.trace, "Write a CSV line per frame to this file")
+        ->type_name("FILE");
     app.add_option("--metrics", options.metrics,
                    "Tell monitoring on this machine how the run goes, at this port of 127.0.0.1; "
                    "0: a free one (docs/operator.md)")
@@ -239,7 +249,8 @@ void addOptions(CLI::App& app, Options& options) {
 // ------------------------------------------------------------------ command line, then file
 
 /// What comes before the settings file, or ends the program.
-const char* const BEFORE_SETTINGS[] = {"help", "version", "schema", "directory", "config"};
+const char* const BEFORE_SETTINGS[] = {"help",   "version",   "print-manual", "print-completion",
+                                       "schema", "directory", "config"};
 /// What else only the command line says.
 const char* const COMMAND_LINE_ONLY[] = {"null", "replay", "real-time"};
 
@@ -461,6 +472,9 @@ bool parseOptions(int argc, char** argv, Options& options, int& exit_status) {
                  "visual_channel"};
     app.option_defaults()->always_capture_default();
     app.set_version_flag("--version", "visual_channel " VERSION, "Tell the version and exit");
+    manual::addOptions(app, {.summary = "visual channel of a naval helicopter simulator",
+                             .version = "visual_channel " VERSION,
+                             .see = "flight_sim(1)"});
     app.add_flag(
         "--schema", options.print_schema,
         "Tell, as YAML, what nodes may say in world and prefab files (docs/worlds.md), those "
@@ -468,12 +482,14 @@ bool parseOptions(int argc, char** argv, Options& options, int& exit_status) {
     app.add_option("--directory", options.directory,
                    "Folder that holds config/ and data/, to which all other paths are "
                    "relative; default: the present one, or else, with paths relative to the "
-                   "present one, the installation's or the checkout's");
+                   "present one, the installation's or the checkout's")
+        ->type_name("FOLDER");
     std::string config = "config/visual_channel.cfg";
     const CLI::Option* config_option =
         app.add_option("--config", config,
                        "Settings file: every option that stands below, as `fps: 60`; what stands "
-                       "on the command line wins");
+                       "on the command line wins")
+            ->type_name("FILE");
     addOptions(app, options);
     app.footer("Stop with Ctrl-C. Exit status: 0 after an orderly end, 1 when the logic, the world "
                "or its start marker is missing, the port of the metrics can't be had, a script "
