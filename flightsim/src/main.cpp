@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "flightsim/commands/Commands.h"
 #include "manual/Manual.h"
+#include "manual/Version.h"
 #include "program/Process.h"
 
 #include <CLI/CLI.hpp>
@@ -14,7 +15,8 @@ int main(int argc, char** argv) {
         "flight_sim");
     app.footer(
         "'flight_sim COMMAND --help' tells more. Exit status: 0 done, 1 failed, 2 wrong use.");
-    app.set_version_flag("--version", "flight_sim " VERSION, "Tell the version and exit");
+    app.set_version_flag("--version", "flight_sim " + manual::getVersion(),
+                         "Tell the version and exit");
     manual::addOptions(app, {.summary = "flight simulation's side of a visual channel's link",
                              .version = "flight_sim " VERSION,
                              .see = "visual_channel(1)"});

@@ -14,6 +14,8 @@
 #include "ig/package/PackageManager.h"
 #include "ig/scene/NodeReader.h"
 #include "ig/scene/ObjectPrefab.h"
+#include "ig/ui/Font.h"
+#include "manual/Version.h"
 #include "plugins/ocean/ObjectOcean.h"
 #include "program/Clock.h"
 #include "program/DataFolder.h"
@@ -43,6 +45,14 @@ constexpr double Z_FAR = 1e7;         ///< metres
 constexpr double JUMP = 10000;        ///< metres between two frames after which we level the camera
 constexpr int FRAMES_PER_DIGEST = 60; ///< of the scene in a log
 constexpr int LEVEL_CAMERA = 654321;  ///< identifier of the UI message
+
+/// Of what is the result of the program. False, with one log line, when it didn't get out.
+bool endPrinting() {
+    std::string message;
+    if (program::endOutput(message)) return true;
+    jLog::error("visual_channel: %s", message.c_str());
+    return false;
+}
 
 void levelCamera() {
     UiMsg message{LEVEL_CAMERA};
@@ -75,10 +85,18 @@ void Channel::requestStop() { g_stop = 1; }
 bool Channel::printSchema() {
     if (!enterFolder() || !loadLibraries()) return false;
     std::fputs(NodeFactory::describe().c_str(), stdout);
-    std::string message;
-    if (program::endOutput(message)) return true;
-    jLog::error("visual_channel: %s", message.c_str());
-    return false;
+    return endPrinting();
+}
+
+bool Channel::printDevice() {
+    m_options.headless = true; // what draws into a window is the same on nearly all machines
+    const jString device = makeRenderer() ? m_renderer->getDevice() : jString();
+    std::printf("visual_channel %s\n", manual::getVersion().c_str());
+    std::printf("pictures %s\n", device.empty() ? "none" : device.c_str());
+    std::printf("font %s\n", Font::get().getPath().c_str());
+    for (const std::string& library : listLibraries())
+        std::printf("%s\n", library.c_str());
+    return endPrinting();
 }
 
 bool Channel::open() {

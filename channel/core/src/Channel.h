@@ -53,6 +53,9 @@ public:
     /// In place of `open`: tells what nodes of scene files may say, those of the libraries too.
     /// False, with a message, when one of these can't be loaded or the output not be written.
     bool printSchema();
+    /// In place of `open`: tells version, libraries, font and what draws the pictures. False, with
+    /// a message, when the output can't be written.
+    bool printDevice();
     /// Runs frames until the time or the number of frames is up, until `requestStop`, or until the
     /// operator closes the window and confirms it.
     void run();

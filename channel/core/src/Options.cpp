@@ -8,6 +8,7 @@
 #include "Settings.h"
 #include "ig/base/jLog.h"
 #include "manual/Manual.h"
+#include "manual/Version.h"
 #include "program/DataFolder.h"
 #include "render/factory/RendererKind.h"
 
@@ -249,8 +250,9 @@ void addOptions(CLI::App& app, Options& options) {
 // ------------------------------------------------------------------ command line, then file
 
 /// What comes before the settings file, or ends the program.
-const char* const BEFORE_SETTINGS[] = {"help",   "version",   "print-manual", "print-completion",
-                                       "schema", "directory", "config"};
+const char* const BEFORE_SETTINGS[] = {
+    "help",   "version",   "verbose", "print-manual", "print-completion",
+    "schema", "directory", "config"};
 /// What else only the command line says.
 const char* const COMMAND_LINE_ONLY[] = {"null", "replay", "real-time"};
 
@@ -471,7 +473,11 @@ bool parseOptions(int argc, char** argv, Options& options, int& exit_status) {
                  "helicopter. Ports and addresses stand in config/Logic_Nerith_Heli_Final.cfg.",
                  "visual_channel"};
     app.option_defaults()->always_capture_default();
-    app.set_version_flag("--version", "visual_channel " VERSION, "Tell the version and exit");
+    CLI::Option* const version =
+        app.add_flag("--version")->description("Tell the version and exit");
+    app.add_flag("--verbose", options.print_device,
+                 "With --version: also the libraries, the font, and what draws the pictures")
+        ->needs(version);
     manual::addOptions(app, {.summary = "visual channel of a naval helicopter simulator",
                              .version = "visual_channel " VERSION,
                              .see = "flight_sim(1)"});
@@ -508,6 +514,12 @@ bool parseOptions(int argc, char** argv, Options& options, int& exit_status) {
         return false;
     }
     if (!nameExtras(app)) return false;
+    if (options.print_device) return true;
+    if (version->count() > 0) {
+        std::printf("visual_channel %s\n", manual::getVersion().c_str());
+        exit_status = 0;
+        return false;
+    }
     const bool has_config = config_option->count() > 0;
     if (!options.replay.empty()) {
         if (!applyLog(app, options, has_config)) return false;

@@ -16,6 +16,7 @@ struct Options {
     /// Folder, with its slash, of pictures that no option names; empty: the one to work in.
     std::string pictures;
     bool print_schema = false; ///< tell what nodes of scene files may say, and end
+    bool print_device = false; ///< tell version, libraries and graphics device, and end
     double frame_rate = 60;    ///< frames per second in real time; 0: as fast as possible
     double step = 0; ///< seconds that every frame advances the scene; 0: the time that has passed
     bool smooth = false;            ///< what the picture is about moves evenly between its records

@@ -16,6 +16,7 @@ int runChannel(int argc, char** argv) {
     if (!parseOptions(argc, argv, options, exit_status)) return exit_status;
     try {
         Channel channel(options);
+        if (options.print_device) return channel.printDevice() ? 0 : 1;
         if (options.print_schema) return channel.printSchema() ? 0 : 1;
         if (!channel.open()) return 1;
         program::onStopSignal(Channel::requestStop); // so far a signal has ended it at once

@@ -141,6 +141,15 @@ void tellFont(const LogHead& log, const LogHead& now) {
 
 } // namespace
 
+std::vector<std::string> listLibraries() {
+    return {"compiler " __VERSION__,
+            std::string("libc ") + gnu_get_libc_version(),
+            "FreeType " FREETYPE,
+            "Bullet " BULLET,
+            "GDAL " GDAL,
+            "Assimp " ASSIMP};
+}
+
 LogHead describeRun(const Options& options, float density) {
     LogHead head;
     head.program = "visual_channel " VERSION;
@@ -154,12 +163,7 @@ LogHead describeRun(const Options& options, float density) {
     const std::string& font = ig::Font::get().getPath(); // texts are measured by it
     if (!font.empty()) head.files.push_back({font, digestFile(font)});
     std::ranges::sort(head.files, {}, &LoggedFile::path);
-    head.libraries = {"compiler " __VERSION__,
-                      std::string("libc ") + gnu_get_libc_version(),
-                      "FreeType " FREETYPE,
-                      "Bullet " BULLET,
-                      "GDAL " GDAL,
-                      "Assimp " ASSIMP};
+    head.libraries = listLibraries();
     return head;
 }
 

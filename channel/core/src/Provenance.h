@@ -13,6 +13,9 @@ struct Options;
 /// among the options.
 frames::LogHead describeRun(const Options& options, float density);
 
+/// The compiler, and the libraries that frames depend on, each with its version.
+std::vector<std::string> listLibraries();
+
 /// Logs where this run has another program or other files than the one that a log is of: a line for
 /// the program, the font and each of the two folders.
 void tellDifferences(const frames::LogHead& log, const frames::LogHead& now);

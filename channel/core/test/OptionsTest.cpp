@@ -72,6 +72,7 @@ TEST_F(OptionsTest, MistakesAreNamedWithWhatIsAllowed) {
         {"--trace b.png --screenshot c.png", "they name the same file"},
         {"--replay a", "--replay: cannot open \"a\": "},
         {"--real-time", "does nothing without --replay"},
+        {"--verbose", "--verbose requires --version"},
         {"--screenshot a.jpg", "pictures are written as PNG: name it \"a.png\""},
     };
     std::filesystem::create_hard_link(folder.write("b.png", "").c_str(), "c.png");
@@ -209,8 +210,8 @@ TEST_F(OptionsTest, TheShippedFileOffersEveryOptionWithItsDefault) {
     std::map<std::string, std::string> known, offered; // defaults by name
     for (std::string line; std::getline(help, line);)
         if (std::smatch found; std::regex_match(line, found, option)) known[found[1]] = found[2];
-    for (const char* name :
-         {"help", "version", "schema", "directory", "config", "null", "replay", "real-time"})
+    for (const char* name : {"help", "version", "verbose", "schema", "directory", "config", "null",
+                             "replay", "real-time"})
         EXPECT_EQ(known.erase(name), 1u); // these make no sense in the file
     known["logic"] = "";
 

@@ -170,7 +170,10 @@ bool RendererGL::init(int width, int height) {
                     epoxy_gl_version() / 10, epoxy_gl_version() % 10);
         return false;
     }
-    r.device = jString(reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
+    const auto tell = [](GLenum name) {
+        return jString(reinterpret_cast<const char*>(glGetString(name)));
+    };
+    r.device = tell(GL_RENDERER) + ", OpenGL " + tell(GL_VERSION);
     if (gl::hasClipControl())
         glClipControl(GL_LOWER_LEFT, GL_ZERO_TO_ONE);
     else
@@ -265,7 +268,7 @@ void RendererGL::setScale(float scale) {
 
 float RendererGL::getScale() const { return m_impl->scale; }
 bool RendererGL::isSoftware() const { return m_impl->software; }
-const jString& RendererGL::getDevice() const { return m_impl->device; }
+jString RendererGL::getDevice() const { return m_impl->device; }
 void RendererGL::setProfiling(bool on) { m_impl->clock.on = on; }
 std::span<const PassTime> RendererGL::getPassTimes() const { return m_impl->clock.times; }
 RenderResources RendererGL::getResources() const { return gl::resources(); }

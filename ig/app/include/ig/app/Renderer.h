@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ig/base/jString.h"
 #include "ig/math/mat.h"
 
 #include <cstdint>
@@ -105,6 +106,9 @@ public:
     virtual float getScale() const { return 1; }
     /// Whether the processor draws, for want of graphics hardware: pixels are dear. After `init`.
     virtual bool isSoftware() const { return false; }
+
+    /// What draws, in its driver's words; empty where nothing does. After `init`.
+    virtual jString getDevice() const { return {}; }
 
     /// The last frame's picture. False when there is none.
     virtual bool readPicture(Picture&) { return false; }

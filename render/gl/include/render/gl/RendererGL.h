@@ -35,6 +35,7 @@ public:
     void setScale(float scale) override;
     float getScale() const override;
     bool isSoftware() const override;
+    jString getDevice() const override;
     bool readPicture(Picture& picture) override;
     void setProfiling(bool on) override;
     std::span<const PassTime> getPassTimes() const override;
@@ -44,8 +45,6 @@ public:
     /// Distance from the eye, along the view axis, of what the last frame shows at a place of the
     /// picture, (0, 0) top left to (1, 1) bottom right; infinite for the sky.
     double readDistance(double x, double y);
-    /// Who draws, as the driver tells; empty before `init`.
-    const jString& getDevice() const;
 
 private:
     struct Impl;
