@@ -2,13 +2,17 @@
 #include "manual/Manual.h"
 
 #include <CLI/CLI.hpp>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
+#include <string>
 
 namespace manual {
 
 void addOptions(CLI::App& app, const Page& page) {
     const auto print = [](const std::string& text) {
-        std::fputs(text.c_str(), stdout);
+        if (std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0)
+            throw CLI::FileError(std::string("cannot print to the end: ") + std::strerror(errno));
         throw CLI::Success();
     };
     app.add_flag_callback(

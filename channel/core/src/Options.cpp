@@ -10,6 +10,7 @@
 #include "manual/Manual.h"
 #include "manual/Version.h"
 #include "program/DataFolder.h"
+#include "program/Process.h"
 #include "render/factory/RendererKind.h"
 
 #include <algorithm>
@@ -517,7 +518,9 @@ bool parseOptions(int argc, char** argv, Options& options, int& exit_status) {
     if (options.print_device) return true;
     if (version->count() > 0) {
         std::printf("visual_channel %s\n", manual::getVersion().c_str());
-        exit_status = 0;
+        std::string message;
+        exit_status = program::endOutput(message) ? 0 : 1;
+        if (exit_status != 0) jLog::error("visual_channel: %s", message.c_str());
         return false;
     }
     const bool has_config = config_option->count() > 0;
