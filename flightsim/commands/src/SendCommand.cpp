@@ -3,6 +3,7 @@
 #include "Send.h"
 #include "flightsim/commands/Commands.h"
 #include "flightsim/recording/FieldTools.h"
+#include "program/DataFolder.h"
 #include "program/Process.h"
 
 #include <memory>
@@ -73,6 +74,7 @@ void addSend(CLI::App& app, Command& command) {
     for (const char* name : {"--listen", "--no-feedback", "--feedback", "--quiet"})
         sub->get_option(name)->needs(rate);
     sub->callback([options, list, &command] {
+        if (!options->base.empty()) options->base = program::findShippedFile(options->base);
         command = [options, list] { return *list ? listFields() : runSend(*options); };
     });
 }

@@ -5,6 +5,7 @@
 #include "flightsim/commands/Commands.h"
 #include "flightsim/recording/FieldTools.h"
 #include "flightsim/recording/RecordingTools.h"
+#include "program/DataFolder.h"
 #include "program/Process.h"
 
 #include <memory>
@@ -111,8 +112,10 @@ void addInfo(CLI::App& app, Command& command) {
     sub->add_option("FILE", *path, "The recording, or a frame log")->required();
     sub->add_flag("--fields", *fields,
                   "Then a row for each field: first and last value, range, changes");
-    sub->callback(
-        [path, fields, &command] { command = [path, fields] { return runInfo(*path, *fields); }; });
+    sub->callback([path, fields, &command] {
+        *path = program::findShippedFile(*path);
+        command = [path, fields] { return runInfo(*path, *fields); };
+    });
 }
 
 void addCut(CLI::App& app, Command& command) {
@@ -132,7 +135,10 @@ void addCut(CLI::App& app, Command& command) {
     addPartOptions(*sub, options->part);
     sub->add_flag("--compact", options->compact,
                   "Store differences between datagrams: a tenth of the size, nothing lost");
-    sub->callback([options, &command] { command = [options] { return runCut(*options); }; });
+    sub->callback([options, &command] {
+        options->cut.in = program::findShippedFile(options->cut.in);
+        command = [options] { return runCut(*options); };
+    });
 }
 
 void addDump(CLI::App& app, Command& command) {
@@ -158,7 +164,10 @@ void addDump(CLI::App& app, Command& command) {
     sub->add_flag("--changes", options->dump.changes,
                   "Behind the first only what differs from the one before")
         ->excludes(csv);
-    sub->callback([options, &command] { command = [options] { return runDump(*options); }; });
+    sub->callback([options, &command] {
+        options->dump.in = program::findShippedFile(options->dump.in);
+        command = [options] { return runDump(*options); };
+    });
 }
 
 void addConvert(CLI::App& app, Command& command) {
@@ -190,6 +199,7 @@ void addConvert(CLI::App& app, Command& command) {
         ->check(numberBetween(1, 65535));
     sub->add_flag("--compact", *compact, "Write a compact recording");
     sub->callback([options, compact, &command] {
+        options->in = program::findShippedFile(options->in);
         if (*compact) options->format = RecordingFormat::compact;
         command = [options] { return runConvert(*options); };
     });

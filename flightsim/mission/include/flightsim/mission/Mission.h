@@ -43,7 +43,7 @@ struct Leg {
     int line = 0;                   ///< in the mission file, from 1
     int column = 0;                 ///< likewise
     std::optional<Point> point;     ///< where to; none: here
-    std::optional<double> altitude; ///< above the ellipsoid; excludes `height`
+    std::optional<double> altitude; ///< above mean sea level; excludes `height`
     std::optional<double> height;   ///< above the surface at the point
     std::optional<double> heading;  ///< to hold in the hover; none: as it comes
     double seconds = 0;             ///< duration, for the kinds that have one
