@@ -46,7 +46,8 @@ const Words WORDS[] = {
 
 std::string number(double value) {
     char text[32];
-    std::snprintf(text, sizeof text, "%g", value);
+    const bool whole = std::abs(value) < 1e15 && std::floor(value) == value;
+    std::snprintf(text, sizeof text, whole ? "%.0f" : "%g", value);
     return text;
 }
 
