@@ -93,8 +93,8 @@ private:
     gl::Buffer m_back; ///< what the processor wants of the map in the making
     Small m_small;     ///< the same, when it has come
     std::vector<HazeColor::Sample> m_samples; ///< of the haze
+    int m_size = FULL_SIZE;                   ///< edge of the maps, texels
     /// Of the first three; the next one is in the making, the one after was before.
-    int m_size = FULL_SIZE;
     int m_shown = 0;
     bool m_elsewhere = false; ///< the eye that is drawn for sees `ELSEWHERE`
     int m_since = 0;          ///< steps since the map that is shown was finished
