@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <cstring>
 
 namespace flightsim {
@@ -33,6 +34,25 @@ std::string whatItTakes(const WireField& field) {
         text += separator + std::string(code.name);
         separator = ", ";
     }
+    return text;
+}
+
+/// Whether something comes of a value, as of what the field holds when there is nothing to say.
+bool hasMeaning(const WireField& field, double value) {
+    if (value == field.unused) return true;
+    if (!field.is_code) return field.range.has(value);
+    const bool is_switch = field.range == WireRange{0, 1}; // all but 0 is on
+    return value == 0 || is_switch || !field.getCodeName(value).empty();
+}
+
+/// How a value without a meaning is wrong: " is not from 0 to 360", or of a code " means nothing".
+std::string whyNot(const WireField& field) {
+    const auto [low, high] = field.range;
+    char text[80] = " means nothing";
+    if (!field.is_code && std::isinf(high))
+        std::snprintf(text, sizeof text, " is not %g and more", low);
+    else if (!field.is_code)
+        std::snprintf(text, sizeof text, " is not from %g to %g", low, high);
     return text;
 }
 
@@ -107,12 +127,9 @@ bool Send::setField(const std::string& text, std::string& message) {
         return false;
     }
     m_given.push_back(field);
-    if (!field->range.has(*number)) {
-        char range[80];
-        std::snprintf(range, sizeof range, " is not from %g to %g: ", field->range.low,
-                      field->range.high);
-        m_warning += (m_warning.empty() ? "" : "; ") + text + range + std::string(field->meaning);
-    }
+    if (!hasMeaning(*field, *number))
+        m_warning += (m_warning.empty() ? "" : "; ") + text + whyNot(*field) + ": " +
+                     std::string(field->meaning);
     return true;
 }
 

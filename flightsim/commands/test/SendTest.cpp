@@ -30,17 +30,24 @@ TEST(Send, TakesNumbersAndNamesOfCodesAndSaysWhatIsWrongWithOthers) {
         EXPECT_FALSE(send.open(valued({value}), message));
         EXPECT_NE(message.find(text), std::string::npos) << message;
     }
-    Send twice, good;
+    Send twice, good, quiet;
     EXPECT_FALSE(twice.open(valued({"heading=1", "heading=2"}), message));
-    ASSERT_TRUE(good.open(
-        valued({"weather_type=storm", "heading=-3.5", "cloud_top=nan", "sea_code=40"}), message))
+    ASSERT_TRUE(good.open(valued({"weather_type=storm", "heading=-3.5", "cloud_top=nan",
+                                  "sea_code=40", "command=3", "weather_value_b=10"}),
+                          message))
         << message;
     EXPECT_EQ(+good.getRecord().weather_type, 3);
     EXPECT_EQ(good.getRecord().heading, -3.5F);
     EXPECT_TRUE(std::isnan(good.getRecord().cloud_top)) << "to see what the channel makes of it";
     EXPECT_EQ(+good.getRecord().system_cmd, 1U) << "running, unless told otherwise";
-    for (const char* part : {"heading=-3.5 is not from 0 to 360", "sea_code=40 is not from 0"})
+    for (const char* part :
+         {"heading=-3.5 is not from 0 to 360", "sea_code=40 is not from 0",
+          "command=3 means nothing: 6 resets", "weather_value_b=10 is not 20 and more: "})
         EXPECT_NE(good.getWarning().find(part), std::string::npos) << good.getWarning();
+    ASSERT_TRUE(quiet.open(
+        valued({"command=reset", "system_cmd=0", "weather_value_b=0", "hang_enable=2"}), message))
+        << message;
+    EXPECT_EQ(quiet.getWarning(), "");
 }
 
 TEST(Send, AStreamRepeatsARecordOfARecordingButNotItsCommand) {
