@@ -16,7 +16,6 @@ using program::OutputFile;
 
 bool Probe::open(const ProbeOptions& options, std::string& message) {
     m_options = options;
-    m_meter = StepMeter(options.step);
     m_record = fairWeatherRecord();
     m_record.latitude = options.latitude;
     m_record.longitude = options.longitude;
@@ -32,21 +31,7 @@ bool Probe::open(const ProbeOptions& options, std::string& message) {
 }
 
 bool Probe::run(const StopFlag& stop, std::string& message) {
-    bool good = findGround(stop, message);
-    if (good) {
-        m_link.setFeedbackListener(
-            [this](const UdpSendData& f, std::int64_t now_ns) { m_meter.take(f, now_ns); });
-        // So that the height before the first step is known.
-        const auto received = m_link.getFeedback().received;
-        while (m_link.getFeedback().received < received + 2 && sendOne(0, stop)) {
-        }
-        for (std::int64_t i = 0; i < m_options.steps && takeStep(i, stop); i++) {
-        }
-        if (!isThere()) {
-            message = "the channel shows another place now: does another host send too?";
-            good = false;
-        }
-    }
+    bool good = findGround(stop, message) && takeSteps(stop, message);
     std::string ignored; // there is no file of the feedback
     m_link.finish(ignored);
     if (!good || m_options.plot.empty()) return good;
@@ -90,9 +75,30 @@ bool Probe::isThere() const {
            std::abs(std::remainder(last->ground_longitude - m_options.longitude, 360)) < NEAR;
 }
 
+/// All steps, once the ground is found. False with `message` when they tell nothing.
+bool Probe::takeSteps(const StopFlag& stop, std::string& message) {
+    m_link.setFeedbackListener([this](const UdpSendData& f, std::int64_t now_ns) {
+        m_meter.take(f, now_ns);
+        m_was_elsewhere = m_was_elsewhere || !isThere(); // the last feedback is this one
+    });
+    // So that the height before the first step is known.
+    const std::int64_t end_ns = m_time_ns + std::llround(m_options.wait * 1e9);
+    const std::int64_t known = m_link.getFeedback().received + 2;
+    while (m_link.getFeedback().received < known && m_time_ns < end_ns && sendOne(0, stop)) {
+    }
+    bool goes_on = stop || m_link.getFeedback().received >= known;
+    for (std::int64_t i = 0; i < m_options.steps && goes_on && !stop; i++)
+        goes_on = takeStep(i, stop);
+    if (!goes_on)
+        message = "the feedback has stopped: does the channel still run?";
+    else if (m_was_elsewhere)
+        message = "the channel showed another place meanwhile: does another host send too?";
+    return goes_on && !m_was_elsewhere;
+}
+
 /// One step: after a pause, in which the channel's frame goes on by a part that differs from step
-/// to step, so that all parts of a frame are met evenly; then records until it is seen. False once
-/// stopped.
+/// to step, so that all parts of a frame are met evenly; then records until it is seen. False when
+/// no feedback at all came for as long as a step is waited for.
 bool Probe::takeStep(std::int64_t number, const StopFlag& stop) {
     constexpr double GOLDEN = 0.6180339887498949; // its multiples fill an interval most evenly
     constexpr std::int64_t LEAST_PAUSE_NS = 50 * NS_PER_MS, PAUSES_NS = 100 * NS_PER_MS;
@@ -102,15 +108,16 @@ bool Probe::takeStep(std::int64_t number, const StopFlag& stop) {
         m_time_ns + LEAST_PAUSE_NS + std::llround(part * double(PAUSES_NS));
     const std::int64_t period_ns = recordTime_ns(1, m_options.rate);
     while (m_time_ns + period_ns < step_ns)
-        if (!sendOne(0, stop)) return false;
-    const double up = number % 2 == 0 ? m_options.step : 0;
-    m_record.altitude = static_cast<float>(m_options.altitude + up);
-    if (!sendOne(step_ns - m_time_ns, stop)) return false;
-    m_meter.sent(m_link.getLastSent_ns());
+        if (!sendOne(0, stop)) return true;
+    const bool up = number % 2 == 0;
+    m_record.altitude = static_cast<float>(m_options.altitude + (up ? m_options.step : 0));
+    if (!sendOne(step_ns - m_time_ns, stop)) return true;
+    m_meter.sent(m_link.getLastSent_ns(), up ? m_options.step : -m_options.step);
+    const std::int64_t received = m_link.getFeedback().received;
     while (m_meter.isAwaiting() && m_time_ns < step_ns + PATIENCE_NS)
-        if (!sendOne(0, stop)) return false;
+        if (!sendOne(0, stop)) return true;
     m_meter.giveUp();
-    return true;
+    return m_link.getFeedback().received > received;
 }
 
 /// Sends the record so long after the one before; 0: at the probe's rate. False once stopped.

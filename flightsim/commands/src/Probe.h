@@ -33,21 +33,24 @@ public:
     bool open(const ProbeOptions& options, std::string& message);
     const HostLink& getLink() const { return m_link; }
     /// Steps until all steps are done or `stop` is set. False with `message` when the channel
-    /// doesn't answer, shows another place than was asked for, or the plot can't be written.
+    /// doesn't answer or ceases to, shows another place meanwhile than was asked for, or the plot
+    /// can't be written.
     bool run(const StopFlag& stop, std::string& message);
     DelayReport getReport() const;
 
 private:
     bool findGround(const StopFlag& stop, std::string& message);
+    bool takeSteps(const StopFlag& stop, std::string& message);
     bool takeStep(std::int64_t number, const StopFlag& stop);
     bool sendOne(std::int64_t after_ns, const StopFlag& stop);
     bool isThere() const;
 
     ProbeOptions m_options;
     HostLink m_link;
-    StepMeter m_meter{0};
+    StepMeter m_meter;
     UdpRecvData m_record{};
-    std::int64_t m_time_ns = 0; ///< flight time of the record sent last
+    std::int64_t m_time_ns = 0;   ///< flight time of the record sent last
+    bool m_was_elsewhere = false; ///< the channel showed another place between the steps
 };
 
 } // namespace flightsim

@@ -28,8 +28,9 @@ double inMs(std::int64_t ns) { return double(ns) / double(program::NS_PER_MS); }
 
 } // namespace
 
-void StepMeter::sent(std::int64_t steady_ns) {
+void StepMeter::sent(std::int64_t steady_ns, double step) {
     giveUp();
+    m_step = step;
     m_sent_ns = steady_ns;
 }
 
@@ -48,7 +49,7 @@ void StepMeter::take(const UdpSendData& feedback, std::int64_t steady_ns) {
     const auto height = double(feedback.height_above_ground);
     if (m_sent_ns) {
         // What came in before the step left can't be its answer.
-        if (steady_ns < *m_sent_ns || std::abs(height - m_height) < m_step / 2) return;
+        if (steady_ns < *m_sent_ns || (height - m_height) / m_step < 0.5) return;
         m_delays_ns.push_back(steady_ns - *m_sent_ns);
         m_sent_ns.reset();
     }

@@ -15,12 +15,10 @@ namespace flightsim {
 /// times are on the steady clock.
 class StepMeter {
 public:
-    /// `step`: metres by which the altitude changes each time. Half of it counts as seen, so that
-    /// neither a swell below nor a slope disturbs.
-    explicit StepMeter(double step) : m_step(step) {}
-
-    /// The record with a step has left. One that was still awaited counts as missed.
-    void sent(std::int64_t steady_ns);
+    /// The record with a step has left. One that was still awaited counts as missed. `step`: metres
+    /// by which the altitude changes, below 0 down, never 0. Half of it, the same way, counts as
+    /// seen, so that neither a swell below nor a slope disturbs.
+    void sent(std::int64_t steady_ns, double step);
     /// Feedback came in.
     void take(const UdpSendData& feedback, std::int64_t steady_ns);
     bool isAwaiting() const { return m_sent_ns.has_value(); }
@@ -33,7 +31,7 @@ public:
     double getFrame_ns() const;
 
 private:
-    double m_step;
+    double m_step = 0;                     ///< of the step sent last
     double m_height = 0;                   ///< reported last while nothing was awaited
     std::optional<std::int64_t> m_sent_ns; ///< of the step that is awaited
     std::vector<std::int64_t> m_delays_ns; ///< of the steps that were seen

@@ -20,19 +20,20 @@ UdpSendData reported(std::int32_t frame, float height) {
 }
 
 TEST(StepMeter, TimesWhatAnswersAStepAndCountsWhatNothingAnswers) {
-    StepMeter meter(50);
+    StepMeter meter;
     const auto take = [&](std::int64_t ms, float height) {
         meter.take(reported(static_cast<std::int32_t>(ms / 20), height), ms * NS_PER_MS);
     };
     take(20, 180);
-    meter.sent(30 * NS_PER_MS);
+    meter.sent(30 * NS_PER_MS, 50);
     take(20, 230); // had come before
     take(40, 181); // a swell
+    take(50, 120); // the other way: no answer
     take(60, 231);
     take(80, 229);
-    meter.sent(90 * NS_PER_MS);
+    meter.sent(90 * NS_PER_MS, -50);
     take(100, 179.5F);
-    meter.sent(110 * NS_PER_MS); // frozen
+    meter.sent(110 * NS_PER_MS, 50); // frozen
     take(2100, 180);
     meter.giveUp();
     meter.giveUp();
@@ -58,8 +59,10 @@ TEST(DelayReport, MissedStepsAreTheLongest) {
     EXPECT_FALSE(report.isKept());
 }
 
-/// Answers each record with the height of `lag` records before, above a ground of altitude 10.
-void answer(UdpSocket& socket, const UdpAddress& to, int lag, const StopFlag& stop) {
+/// Answers each record with the height of `lag` records before, above a ground of altitude 10. The
+/// one of number `elsewhere` as if another host had sent it, and none after `last`.
+void answer(UdpSocket& socket, const UdpAddress& to, int lag, const StopFlag& stop,
+            std::size_t elsewhere = SIZE_MAX, std::size_t last = SIZE_MAX) {
     std::vector<UdpRecvData> records;
     UdpSocket sender;
     std::string message;
@@ -72,7 +75,8 @@ void answer(UdpSocket& socket, const UdpAddress& to, int lag, const StopFlag& st
         const UdpRecvData& shown =
             records[records.size() - 1 - std::min<std::size_t>(lag, records.size() - 1)];
         auto feedback = reported(static_cast<std::int32_t>(records.size()), shown.altitude - 10.0F);
-        feedback.ground_latitude = shown.latitude;
+        if (records.size() > last) continue;
+        feedback.ground_latitude = shown.latitude + (records.size() == elsewhere ? 1 : 0);
         feedback.ground_longitude = shown.longitude;
         sender.send(to, {reinterpret_cast<const std::uint8_t*>(&feedback), sizeof feedback});
     }
@@ -108,6 +112,37 @@ TEST(Probe, MeasuresAChannelThatShowsEachRecordThreeRecordsLater) {
     const Bytes drawn = plot.read();
     const std::string svg(drawn.begin(), drawn.end());
     EXPECT_NE(svg.find("</svg>"), std::string::npos) << svg;
+}
+
+TEST(Probe, FailsWhenTheChannelDiesOrAnotherHostSendsMeanwhile) {
+    const std::tuple<std::size_t, std::size_t, const char*> cases[] = {
+        {SIZE_MAX, 1, "the feedback has stopped"}, // before the first step
+        {SIZE_MAX, 20, "the feedback has stopped"},
+        {20, SIZE_MAX, "another place meanwhile"}};
+    for (const auto& [elsewhere, last, text] : cases) {
+        UdpSocket channel;
+        Probe probe;
+        std::string message;
+        ASSERT_TRUE(channel.bind(0, message)) << message;
+        ProbeOptions options;
+        options.link.to = "127.0.0.1:" + std::to_string(channel.getPort());
+        options.link.listen = 0;
+        options.link.quiet = true;
+        options.link.out = std::fopen("/dev/null", "w");
+        options.steps = 4;
+        options.rate = 200;
+        options.wait = 3;
+        ASSERT_TRUE(probe.open(options, message)) << message;
+        const auto to = UdpAddress::parse(
+            "127.0.0.1:" + std::to_string(probe.getLink().getListenPort()), message);
+        StopFlag stop = false, never = false;
+        std::thread thread([&] { answer(channel, *to, 0, stop, elsewhere, last); });
+        EXPECT_FALSE(probe.run(never, message));
+        EXPECT_NE(message.find(text), std::string::npos) << message;
+        stop = true;
+        thread.join();
+        std::fclose(options.link.out);
+    }
 }
 
 } // namespace
