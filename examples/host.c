@@ -83,7 +83,8 @@ static void wait_for_turn(const struct timespec* start, long number) {
 int main(int argc, char** argv) {
     int port = argc > 1 ? atoi(argv[1]) : 10004;
     int feedback_port = argc > 2 ? atoi(argv[2]) : 10005;
-    long last = argc > 3 ? RATE * atol(argv[3]) : 0; /* 0: none is */
+    char* end = NULL; /* of the number that tells the seconds */
+    long last = argc > 3 ? RATE * strtol(argv[3], &end, 10) : 0; /* 0: none is */
     int descriptor;
     struct sockaddr_in channel = {0};
     const struct sockaddr* address = (const struct sockaddr*)&channel;
@@ -93,7 +94,8 @@ int main(int argc, char** argv) {
     uint8_t bytes[VC_RECORD_SIZE];
     long sent, received = 0;
 
-    if (port < 1 || port > 65535 || feedback_port < 1 || feedback_port > 65535 || last < 0) {
+    if (port < 1 || port > 65535 || feedback_port < 1 || feedback_port > 65535 || last < 0 ||
+        (end && (end == argv[3] || *end != '\0'))) {
         fprintf(stderr, "usage: host [PORT [FEEDBACK_PORT [SECONDS]]]\n");
         return 2;
     }

@@ -55,8 +55,9 @@ def main():
     parser.add_argument("--rate", type=int, default=100, help="records per second")
     parser.add_argument("--seconds", type=int, default=0, help="until the end; 0: until Ctrl-C")
     options = parser.parse_args()
-    if not 0 < options.port < 65536 or not 0 < options.feedback_port < 65536 or options.rate < 1:
-        parser.error("ports are 1 to 65535, and the rate is 1 or more")
+    if not 0 < options.port < 65536 or not 0 < options.feedback_port < 65536 or options.rate < 1 \
+            or options.seconds < 0:
+        parser.error("ports are 1 to 65535, the rate is 1 or more, and the seconds 0 or more")
     link = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
     try:
         link.bind(("", options.feedback_port))
