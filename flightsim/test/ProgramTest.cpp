@@ -37,6 +37,7 @@ TEST(Program, AnswersWrongUseAndBadFilesWithOneMessage) {
     expectRun("replay x --hold 1 --loop", 2, "--hold");
     expectRun("send heading=1 --seconds 1", 2, "--rate");
     expectRun("monitor --no-records --port 5", 2, "--port");
+    expectRun("monitor --seconds 0.1 --no-records --no-feedback", 2, "excludes --no-feedback");
     expectRun("dump " + RECORDED_FLIGHT + " --fields see_code", 1, "nearest is \"sea_code\"");
     expectRun("replay absent.hrec", 1, "cannot open \"absent.hrec\"");
     expectRun("info CMakeLists.txt", 1, "\"CMakeLists.txt\": byte 0: not a recording");

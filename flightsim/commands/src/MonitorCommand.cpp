@@ -48,11 +48,11 @@ void addMonitor(CLI::App& app, Command& command) {
     auto* forward = sub->add_option("--forward", options->records.forward,
                                     "Pass every record on to this address")
                         ->type_name("HOST:PORT");
-    sub->add_flag_callback(
-           "--no-records", [options] { options->records.enabled = false; },
-           "Leave the records alone")
-        ->excludes(port)
-        ->excludes(forward);
+    auto* no_records = sub->add_flag_callback(
+                              "--no-records", [options] { options->records.enabled = false; },
+                              "Leave the records alone")
+                           ->excludes(port)
+                           ->excludes(forward);
     auto* feedback_port =
         addPort(*sub, "--feedback-port", options->feedback.port, "Port of the feedback");
     auto* forward_feedback = sub->add_option("--forward-feedback", options->feedback.forward,
@@ -62,7 +62,8 @@ void addMonitor(CLI::App& app, Command& command) {
            "--no-feedback", [options] { options->feedback.enabled = false; },
            "Leave the feedback alone")
         ->excludes(feedback_port)
-        ->excludes(forward_feedback);
+        ->excludes(forward_feedback)
+        ->excludes(no_records); // nothing would be left to show
     sub->add_option("--interval", options->interval, "Between two tables")
         ->type_name("S")
         ->capture_default_str()
