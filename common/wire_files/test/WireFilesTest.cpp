@@ -40,6 +40,9 @@ TEST(WireFiles, AreAsTheTablesSay) {
             ASSERT_EQ(std::system((PROGRAM_PATH " " + copy.string()).c_str()), 0);
             EXPECT_TRUE(isAsTheTablesSay(copy)) << entry.path();
         }
+    fs::remove(copy / "docs/connect.md");
+    EXPECT_NE(std::system((PROGRAM_PATH " " + copy.string()).c_str()), 0);
+    EXPECT_FALSE(fs::exists(copy / "docs/connect.md")) << "a page of bare tables";
     fs::remove_all(copy);
 }
 
