@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "PacketDissector.h"
 
+#include "program/Clock.h"
+
 #include <algorithm>
 #include <cstring>
 #include <pcap/dlt.h>
@@ -90,16 +92,17 @@ bool PacketDissector::takeIp(std::span<const std::uint8_t> packet, bool cut,
     datagram.to.address = address(packet, 16);
     const auto content = packet.first(total).subspan(head);
     if ((number(packet, 6) & 0x3fff) == 0) return takeUdp(content, datagram);
-    return takeFragment(packet.first(head), content) && takeUdp(m_complete, datagram);
+    return takeFragment(packet.first(head), content, datagram.wall_ns) &&
+           takeUdp(m_complete, datagram);
 }
 
 /// True when a fragment completes its datagram, which is then in `m_complete`.
 bool PacketDissector::takeFragment(std::span<const std::uint8_t> head,
-                                   std::span<const std::uint8_t> part) {
+                                   std::span<const std::uint8_t> part, std::int64_t wall_ns) {
     const std::uint16_t place = number(head, 6); // three bits of flags, then the offset
     const std::size_t begin = std::size_t{8} * (place & 0x1fffU);
     const bool is_last = (place & 0x2000U) == 0;
-    Partial& partial = partialOf(head);
+    Partial& partial = partialOf(head, wall_ns);
     const std::size_t end = begin + part.size();
     if (end > partial.bytes.size()) {
         partial.bytes.resize(end);
@@ -114,11 +117,16 @@ bool PacketDissector::takeFragment(std::span<const std::uint8_t> head,
     return true;
 }
 
-/// The datagram that a fragment with this head belongs to.
-PacketDissector::Partial& PacketDissector::partialOf(std::span<const std::uint8_t> head) {
+/// The datagram that a fragment with this head, captured at that time, belongs to.
+PacketDissector::Partial& PacketDissector::partialOf(std::span<const std::uint8_t> head,
+                                                     std::int64_t wall_ns) {
+    // As long as receivers wait for the rest; numbers come again, in minutes on a busy link.
+    constexpr std::int64_t LONGEST_NS = 30 * program::NS_PER_SECOND;
     // As many as a busy network card may interleave; what is older will not be completed.
     constexpr std::size_t MOST = 64;
-    const Partial wanted{address(head, 12), address(head, 16), number(head, 4), {}, {}};
+    m_stats.incomplete += static_cast<std::int64_t>(std::erase_if(
+        m_partials, [&](const Partial& p) { return wall_ns - p.wall_ns > LONGEST_NS; }));
+    const Partial wanted{address(head, 12), address(head, 16), number(head, 4), wall_ns, {}, {}};
     const auto found = std::ranges::find_if(m_partials, [&](const Partial& partial) {
         return partial.id == wanted.id && partial.from == wanted.from && partial.to == wanted.to;
     });

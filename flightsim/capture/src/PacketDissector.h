@@ -29,14 +29,16 @@ private:
         std::uint32_t from;
         std::uint32_t to;
         std::uint16_t id;
+        std::int64_t wall_ns;            ///< when its first one came
         std::vector<std::uint8_t> bytes; ///< up to the farthest that is there
         std::vector<bool> there;         ///< of `bytes`
         bool end_known = false;          ///< the last fragment is there
     };
     std::size_t findIp(std::span<const std::uint8_t> packet) const;
     bool takeIp(std::span<const std::uint8_t> packet, bool cut, CapturedDatagram& datagram);
-    bool takeFragment(std::span<const std::uint8_t> head, std::span<const std::uint8_t> part);
-    Partial& partialOf(std::span<const std::uint8_t> head);
+    bool takeFragment(std::span<const std::uint8_t> head, std::span<const std::uint8_t> part,
+                      std::int64_t wall_ns);
+    Partial& partialOf(std::span<const std::uint8_t> head, std::int64_t wall_ns);
     bool takeUdp(std::span<const std::uint8_t> udp, CapturedDatagram& datagram);
 
     int m_link;

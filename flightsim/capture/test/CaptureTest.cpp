@@ -117,6 +117,8 @@ TEST(Capture, PutsFragmentsTogetherAndCountsWhatItLeavesOut) {
     b.packet(1, ip(udp(first), 1, 0, 1480)).packet(1, ip(udp(second), 2, 1480)); // out of order
     b.packet(2, ip(udp(second), 2, 0, 1480)).packet(2, ip(udp(first), 1, 1480));
     b.packet(3, ip(udp(third), 3, 0, 1480)).packet(3, ip(udp(third), 3, 2960)); // not the middle
+    b.packet(4, ip(udp(first), 5, 1480)); // its number comes again
+    b.packet(1204, ip(udp(second), 5, 0, 1480)).packet(1204, ip(udp(second), 5, 1480));
     Bytes cut = ip(udp(first)), tcp = ip(udp(first)), liar = ip(udp(first)), padded = ip(udp({}));
     cut.resize(96);
     tcp[9] = 6;
@@ -126,8 +128,8 @@ TEST(Capture, PutsFragmentsTogetherAndCountsWhatItLeavesOut) {
     TestFile file("fragments", b.bytes);
     CaptureReader reader;
     CaptureStatus status;
-    EXPECT_EQ(contents(file, reader, status), (std::vector<Bytes>{second, first, {}}));
-    EXPECT_EQ(reader.getStats().incomplete, 1);
+    EXPECT_EQ(contents(file, reader, status), (std::vector<Bytes>{second, first, second, {}}));
+    EXPECT_EQ(reader.getStats().incomplete, 2);
     EXPECT_EQ(reader.getStats().cut, 1);
     EXPECT_EQ(reader.getStats().other, 2);
     EXPECT_EQ(reader.getStats().malformed, 1);
