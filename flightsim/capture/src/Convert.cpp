@@ -88,13 +88,15 @@ std::string listPorts(const std::map<std::uint16_t, std::int64_t>& ports) {
                : text;
 }
 
+/// Tells what was left out. Other ports and a broken end are in the message when nothing is there.
 void warn(const CaptureReader& reader, const Found& found, std::string& warning) {
     const CaptureStats& stats = reader.getStats();
     const auto count = [&](std::int64_t n, const char* what) {
         if (n > 0) add(warning, std::to_string(n) + what);
     };
-    if (found.status == CaptureStatus::truncated) add(warning, reader.getMessage());
-    if (!found.other_ports.empty()) add(warning, "left out " + listPorts(found.other_ports));
+    const bool any = found.wanted > 0;
+    if (any && found.status == CaptureStatus::truncated) add(warning, reader.getMessage());
+    if (any && !found.other_ports.empty()) add(warning, "left out " + listPorts(found.other_ports));
     count(stats.other, " packets are no UDP over IPv4");
     count(stats.cut, " packets were captured only in part (capture with -s 0)");
     count(stats.malformed, " packets are malformed");
@@ -139,8 +141,9 @@ bool toRecording(const ConvertOptions& options, ConvertResult& result, std::stri
         message = reader.getMessage();
         return false;
     }
-    if (!surveyCapture(reader, options, found, message)) return false;
+    const bool usable = surveyCapture(reader, options, found, message);
     warn(reader, found, result.warning);
+    if (!usable) return false;
     RecordingWriter writer;
     CapturedDatagram datagram;
     bool good = reader.open(options.in) && writer.open(options.out, options.format, found.first_ns);

@@ -189,5 +189,19 @@ TEST(Convert, ARecordingThroughACaptureIsTheSame) {
     EXPECT_EQ(readRecording(back.path), expected) << "untouched";
 }
 
+TEST(Convert, WhenNoRecordIsLeftItTellsWhatWasLeftOut) {
+    Bytes cut = ip(udp(sawtooth(1490)));
+    cut.resize(96);
+    CaptureBuilder b(false, true, RAW);
+    b.packet(1, ip(udp(sawtooth(1490)), 1, 1480)).packet(2, cut, 1422).packet(3, ip(udp({}, 53)));
+    TestFile capture("filtered.pcap", b.bytes), recording("filtered.hrec");
+    ConvertResult result;
+    std::string message;
+    EXPECT_FALSE(convert({capture.path, recording.path}, result, message));
+    EXPECT_NE(message.find("no datagram to port 10004, but 1 to port 53"), std::string::npos);
+    EXPECT_EQ(result.warning, "1 packets were captured only in part (capture with -s 0); "
+                              "1 datagrams lack a fragment");
+}
+
 } // namespace
 } // namespace flightsim

@@ -22,7 +22,8 @@ struct ConvertResult {
     bool to_capture = false;
     std::int64_t datagrams = 0; ///< that were written
     std::int64_t bytes = 0;     ///< size of the file
-    /// What was left out, or is doubtful about what was read, for the user; may be empty.
+    /// What was left out, or is doubtful about what was read, for the user; may be empty. When
+    /// it failed too, as the reason may lie there.
     std::string warning;
 };
 
