@@ -21,6 +21,8 @@ constexpr std::size_t IP_HEAD = 20;
 constexpr std::size_t UDP_HEAD = 8;
 /// Of packets; beyond what a datagram and its heads may be, as others write it.
 constexpr std::uint32_t SNAP_LENGTH = 262144;
+/// Of Unix time, in 2106: what is told to be later is damaged.
+constexpr std::int64_t END_SECOND = std::int64_t{1} << 32;
 
 template <class T>
 void put(std::string& to, T value) {
@@ -128,8 +130,14 @@ CaptureStatus CaptureReader::next(CapturedDatagram& datagram) {
         const int result = pcap_next_ex(m_capture.get(), &head, &bytes);
         if (result != 1) return stop(result);
         m_packets++;
+        // A plain capture tells its seconds in 32 bits, which the library takes for signed.
+        const std::int64_t second = head->ts.tv_sec + (head->ts.tv_sec < 0 ? END_SECOND : 0);
+        if (second < 0 || second >= END_SECOND) {
+            m_stats.malformed++;
+            continue;
+        }
         const std::int64_t wall_ns = // asked for in nanoseconds
-            head->ts.tv_sec * program::NS_PER_SECOND + head->ts.tv_usec;
+            second * program::NS_PER_SECOND + head->ts.tv_usec;
         if (m_dissector->take({bytes, head->caplen}, head->len, wall_ns, datagram)) break;
     }
     return m_status;

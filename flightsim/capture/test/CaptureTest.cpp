@@ -149,6 +149,31 @@ TEST(Capture, BrokenOffItReadsUpToTheLastWholePacket) {
     }
 }
 
+TEST(Capture, LeavesOutPacketsWhoseTimeNoClockTells) {
+    const Bytes packet = ip(udp({1, 2, 3, 4}));
+    ByteBuilder b;
+    b.add(0x0a0d0d0aU).add(28U).add(0x1a2b3c4dU).add(1U).add(std::int64_t{-1}).add(28U);
+    b.add(1U).add(32U).add(static_cast<std::uint32_t>(RAW)).add(262144U);
+    b.add(0x00010009U).add(0U).add(0U).add(32U); // times in seconds
+    for (const std::uint64_t second :
+         {5ULL, (1ULL << 32) - 1, 1ULL << 32, 1ULL << 40, 1ULL << 63}) {
+        b.add(6U).add(64U).add(0U).add(static_cast<std::uint32_t>(second >> 32));
+        b.add(static_cast<std::uint32_t>(second)).add(32U).add(32U).add(packet).add(64U);
+    }
+    TestFile file("times.pcapng", b.bytes);
+    CaptureReader reader;
+    CaptureStatus status;
+    EXPECT_EQ(contents(file, reader, status).size(), 2u);
+    EXPECT_EQ(status, CaptureStatus::end) << reader.getMessage();
+    EXPECT_EQ(reader.getStats().malformed, 3);
+
+    TestFile late("late.pcap", CaptureBuilder(false, true, RAW).packet(0xf0000000, packet).bytes);
+    CapturedDatagram datagram;
+    ASSERT_TRUE(reader.open(late.path));
+    ASSERT_EQ(reader.next(datagram), CaptureStatus::datagram);
+    EXPECT_EQ(datagram.wall_ns, 0xf0000000LL * 1'000'000'000 + 7'000);
+}
+
 TEST(Convert, ARecordingThroughACaptureIsTheSame) {
     TestFile recording("there.hrec"), capture("there.pcap"), back("back.hrec");
     const std::vector<TimedBytes> records = {{1'000'000'001, sawtooth(1490)},

@@ -32,7 +32,7 @@ struct CapturedDatagram {
 struct CaptureStats {
     std::int64_t other = 0;      ///< packets that are no UDP over IPv4
     std::int64_t cut = 0;        ///< packets of which only the beginning was captured
-    std::int64_t malformed = 0;  ///< packets whose lengths contradict each other
+    std::int64_t malformed = 0;  ///< packets with lengths at odds, or a time beyond 1970 to 2106
     std::int64_t incomplete = 0; ///< datagrams some fragment of which is missing
 };
 
