@@ -3,6 +3,7 @@
 
 #include "flightsim/link/HostLink.h"
 #include "flightsim/link/StopFlag.h"
+#include "program/Process.h"
 
 #include <CLI/CLI.hpp>
 
@@ -82,7 +83,8 @@ int runUntilStopped(const char* command, const Options& options, const Announce&
     if (!task.open(options, message)) return printFailure(command, message);
     const StopFlag& stop = stopOnSignals(); // until here a signal ends it at once
     announce(task);
-    return task.run(stop, message) ? 0 : printFailure(command, message);
+    const bool good = task.run(stop, message) && program::endOutput(message);
+    return good ? 0 : printFailure(command, message);
 }
 
 } // namespace flightsim

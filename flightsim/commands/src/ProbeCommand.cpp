@@ -18,7 +18,7 @@ int runProbe(const ProbeOptions& options) {
     if (!probe.run(stop, message)) return printFailure("probe", message);
     const DelayReport report = probe.getReport();
     std::printf("%s", report.text().c_str());
-    std::fflush(stdout);
+    if (!program::endOutput(message)) return printFailure("probe", message);
     return report.isKept() ? 0 : printFailure("probe", "the delay's p99 is beyond the limit");
 }
 

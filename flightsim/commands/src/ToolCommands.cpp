@@ -65,7 +65,7 @@ int runCut(const CutCommandOptions& options) {
     printWarning("cut", result.warning);
     std::printf("%lld records, %lld bytes\n", static_cast<long long>(result.records),
                 static_cast<long long>(result.bytes));
-    return 0;
+    return program::endOutput(message) ? 0 : printFailure("cut", message);
 }
 
 struct DumpCommandOptions {
@@ -95,7 +95,7 @@ int runConvert(const ConvertOptions& options) {
     if (!good) return printFailure("convert", message);
     std::printf("%lld datagrams, %lld bytes, a %s\n", static_cast<long long>(result.datagrams),
                 static_cast<long long>(result.bytes), result.to_capture ? "capture" : "recording");
-    return 0;
+    return program::endOutput(message) ? 0 : printFailure("convert", message);
 }
 
 } // namespace
