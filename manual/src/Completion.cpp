@@ -89,7 +89,7 @@ void writeBashValues(const Table& table, const std::string& command, std::ostrea
 
 // ------------------------------------------------------------------ zsh
 
-/// In a specification brackets and colons have a meaning.
+/// In zsh's descriptions of options brackets and colons have a meaning.
 std::string quoteZsh(const std::string& text) {
     std::string escaped;
     for (const char c : text) {
