@@ -11,11 +11,6 @@
 
 namespace {
 
-template <class T>
-std::span<std::uint8_t> bytesOf(T& datagram) {
-    return {reinterpret_cast<std::uint8_t*>(&datagram), sizeof datagram};
-}
-
 const WireField& field(const char* name) { return *findField(recordFields(), name); }
 
 TEST(WireField, WritesItsOwnMemberAndNothingElse) {

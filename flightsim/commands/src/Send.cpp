@@ -15,10 +15,6 @@ namespace flightsim {
 
 namespace {
 
-std::span<std::uint8_t> bytesOf(UdpRecvData& record) {
-    return {reinterpret_cast<std::uint8_t*>(&record), sizeof record};
-}
-
 /// What a field takes, for the message about a value that it doesn't: "uint16 from 0 to 65535, or
 /// clear, overcast, storm, fog".
 std::string whatItTakes(const WireField& field) {

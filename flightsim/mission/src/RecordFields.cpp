@@ -8,10 +8,6 @@ namespace flightsim {
 
 namespace {
 
-std::span<std::uint8_t> bytesOf(UdpRecvData& record) {
-    return {reinterpret_cast<std::uint8_t*>(&record), sizeof record};
-}
-
 void put(UdpRecvData& record, const WireField& field, double value) {
     field.write(bytesOf(record), field.isInteger() ? std::round(value) : value);
 }

@@ -93,3 +93,9 @@ std::span<const WireField> recordFields();
 std::span<const WireField> feedbackFields();
 /// The field of that name; null when there is none.
 const WireField* findField(std::span<const WireField> fields, std::string_view name);
+
+/// The bytes of one of the two structs, for `WireField::read` and `write`; good while it lives.
+template <class T>
+std::span<std::uint8_t> bytesOf(T& datagram) {
+    return {reinterpret_cast<std::uint8_t*>(&datagram), sizeof datagram};
+}
