@@ -205,6 +205,8 @@ bool Channel::makeRenderer() {
         if (m_options.scale <= 0 && m_renderer->isSoftware())
             m_renderer->setScale(
                 ScaleGovernor::getSoftwareStart(m_options.width, m_options.height));
+        m_scale = m_renderer->getScale();
+        m_renderer->setBeforeDrawing([this] { showLast(); });
         m_renderer_name = kind.name;
         return true;
     }
@@ -357,6 +359,7 @@ void Channel::tellPictures() {
 void Channel::run() {
     while (runFrame())
         if (m_interface.isCloseRequested()) askToQuit();
+    showLast();
     if (m_frames > 0) m_screenshots.afterLast(*m_renderer);
     tellPictures();
     m_video.close();
@@ -378,20 +381,16 @@ bool Channel::runFrame() {
     deliver(input);
     if (m_replay && endsByForce()) return false;
     if (m_interface.isEndRequested()) m_screenshots.finish(); // the logic ends the process
-    const float scale = m_renderer->getScale();
     const bool still = !m_script.getPictureName().empty();
     // A still is looked at longer than a frame; in a window such a frame would be seen to stop.
-    if (still && m_options.scale <= 0 && !m_window.isOpen()) m_renderer->setScale(1);
+    const bool sharp = still && m_options.scale <= 0 && !m_window.isOpen();
+    m_renderer->setScale(sharp ? 1 : m_scale);
     const FrameCosts costs = frame(dt);
     takeStill();
     tellPictures();
-    m_renderer->setScale(scale);
     const double work = steadyNow() - begin;
     m_profile.addFrame(m_renderer->getPassTimes());
-    const Shown shown = show();
-    if (m_options.scale <= 0)
-        m_renderer->setScale(m_governor.update(shown.finished - begin, m_renderer->getScale()));
-    tellPace(input.begin, begin, shown);
+    endFrame(input.begin, begin);
     const std::uint64_t received = m_link.getReceived().datagrams_received;
     m_interface.getOverlays().addFrame(dt, costs, static_cast<int>(received - m_last_received));
     m_last_received = received;
@@ -408,29 +407,55 @@ bool Channel::runFrame() {
     return true;
 }
 
-/// Hands the picture over, and waits for the display where that sets the pace.
-Shown Channel::show() {
-    if (!m_window.isOpen()) return {steadyNow(), steadyNow()};
-    const Shown shown = m_window.swap();
-    m_clock.endShown(shown.finished, shown.back);
-    return shown;
+/// Of a frame that began at `began` on the inputs' clock, which is `begin` on the steady one. A
+/// processor that draws, and is behind its time, draws the end of the picture while the next
+/// frame's logic runs.
+void Channel::endFrame(double began, double begin) {
+    const SocketStatistics& in = m_link.getReceived();
+    m_unshown = {begin,
+                 {.begin = began,
+                  .period = m_replay ? 0 : m_clock.getPeriod(), // the log's
+                  .refresh_rate = m_clock.getRefreshRate(),
+                  .late = m_clock.isLate(),
+                  .records = in.datagrams_received,
+                  .last_record = in.last_received,
+                  .silent = m_link.isSilent()}};
+    m_trace.note(m_listener);
+    if (m_window.isOpen() && m_renderer->isSoftware() && m_clock.isBehind()) return;
+    const Shown shown = handOver();
+    if (m_window.isOpen()) m_clock.endShown(shown.finished, shown.back);
+    m_unshown->timing.late = m_clock.isLate();
+    tellShown(shown);
 }
 
-/// A frame that began at `began` on the inputs' clock, which is `begin` on the steady one.
-void Channel::tellPace(double began, double begin, const Shown& shown) {
+/// Hands the picture over, and waits for the display where that sets the pace.
+Shown Channel::handOver() {
+    if (m_window.isOpen()) return m_window.swap();
+    const double now = steadyNow();
+    return {now, now};
+}
+
+/// The last frame's picture, if it hasn't been.
+void Channel::showLast() {
+    if (m_unshown) tellShown(handOver());
+}
+
+void Channel::tellShown(const Shown& shown) {
+    const double begin = m_unshown->begin;
+    FrameTiming timing = m_unshown->timing;
+    m_unshown.reset();
+    // What it took while the picture before it was being finished counts for that one.
+    timing.work = shown.finished - std::max(begin, m_last_shown);
+    m_last_shown = shown.finished;
+    if (m_options.scale <= 0) m_scale = m_governor.update(timing.work, m_scale);
     // A replay's clock shows the log's time when a frame begins.
-    const double run_start = m_replay ? begin - began : m_run_start;
-    const FrameTiming timing{.begin = began,
-                             .handed_over = shown.back - run_start,
-                             .work = shown.finished - begin,
-                             .period = m_replay ? 0 : m_clock.getPeriod(), // the log's
-                             .refresh_rate = m_clock.getRefreshRate(),
-                             .late = m_clock.isLate()};
-    m_pace.addFrame(timing, m_link);
-    m_trace.write(run_start, timing, m_pace.getAge(), m_listener);
+    const double run_start = m_replay ? begin - timing.begin : m_run_start;
+    timing.handed_over = shown.back - run_start;
+    m_pace.addFrame(timing);
+    m_trace.write(run_start, timing, m_pace.getAge());
     if (!m_metrics) return;
     m_metrics->addFrame(timing, m_pace, m_link, m_listener);
-    m_metrics->addScene(began, m_world, m_particles);
+    m_metrics->addScene(timing.begin, m_world, m_particles);
 }
 
 /// All that the next frame takes in. False when there is none.

@@ -37,6 +37,7 @@
 
 #include <deque>
 #include <memory>
+#include <optional>
 
 class LogicBase;
 
@@ -102,8 +103,10 @@ private:
     bool take(frames::FrameInput& input);
     void deliver(frames::FrameInput& input);
     bool endsByForce();
-    Shown show();
-    void tellPace(double began, double begin, const Shown& shown);
+    void endFrame(double began, double begin);
+    Shown handOver();
+    void showLast();
+    void tellShown(const Shown& shown);
     void record(const frames::FrameInput& input);
     void recordScene();
     void compareScene();
@@ -125,6 +128,7 @@ private:
     const char* m_renderer_name = "";         ///< of its kind
     WarmUp m_warm_up;
     ScaleGovernor m_governor;
+    float m_scale = 1; ///< that frames are drawn at
     ScriptPlayer m_script;
     ig::World m_world;
     ig::Camera m_camera;       ///< the logic's
@@ -136,6 +140,12 @@ private:
     LogicListener m_listener;
     LinkMonitor m_link; ///< looks at the logic's sockets
     PaceMonitor m_pace;
+    struct Unshown {
+        double begin; ///< of the frame, on the steady clock
+        FrameTiming timing;
+    };
+    std::optional<Unshown> m_unshown; ///< the last frame, until its picture is handed over
+    double m_last_shown = 0;          ///< when one was finished, on the steady clock
     PassProfile m_profile;
     Status m_status;
     Environment m_environment;

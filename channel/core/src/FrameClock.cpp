@@ -48,6 +48,10 @@ void FrameClock::endShown(double finished, double shown) {
     if (m_period > 0 && by_display) m_late = m_display.hasMissed();
 }
 
+bool FrameClock::isBehind() const {
+    return !m_display.isPacing() && (m_period <= 0 || m_time.now() >= m_deadline + m_period);
+}
+
 double FrameClock::getPeriod() const {
     return isOnDisplay() ? m_display.getDivisor() * m_display.getPeriod() : m_period;
 }

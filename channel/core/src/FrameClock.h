@@ -37,6 +37,8 @@ public:
 
     /// The frame began more than half a period after its time, or its blank was missed.
     bool isLate() const { return m_late; }
+    /// The next frame is due, and no display sets the pace.
+    bool isBehind() const;
     double getBegin() const { return m_begin; } ///< of the frame, s
     /// What is asked for between the beginnings of two frames, s; 0: nothing is.
     double getPeriod() const;

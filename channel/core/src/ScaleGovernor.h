@@ -53,6 +53,7 @@ private:
     /// Of a frame's time at the least scale: what costs no more is left to the pixels. So little
     /// that a frame which would be in time at that scale still is.
     static constexpr double WORTH = 0.05;
+    static constexpr double SEEN = 1.2; ///< times the pixels: fewer more are nothing gained
     static constexpr float MOST_UP = 1.25f;
     static constexpr float LEAST_GAIN = 0.05f, LEAST_LOSS = 0.01f; ///< of the scale, else it stays
     static constexpr double NOISE = 0.03 * 0.03; ///< of what most frames took, squared
@@ -84,7 +85,8 @@ private:
         constexpr double LEAST_PIXELS = static_cast<double>(LEAST) * static_cast<double>(LEAST);
         const double aimed = (AIM - m_fixed) / m_per_picture;
         const double useful = LEAST_PIXELS + WORTH * (m_fixed / m_per_picture + LEAST_PIXELS);
-        return static_cast<float>(std::sqrt(std::max(aimed, useful)));
+        const double spent = useful > SEEN * LEAST_PIXELS ? useful : LEAST_PIXELS;
+        return static_cast<float>(std::sqrt(std::max(aimed, spent)));
     }
 
     static constexpr double LEAST_PER_PICTURE = 0.02;

@@ -28,20 +28,25 @@ bool Trace::open(const std::string& path) {
     return good;
 }
 
-void Trace::write(double start, const FrameTiming& timing, double age,
-                  const LogicListener& listener) {
+void Trace::note(const LogicListener& listener) {
+    m_shown.reset();
     if (!m_file.isOpen() || !listener.m_focus) return;
     const Engine* engine = Engine::get();
     const Node* focus = listener.m_focus;
-    const dvec3 g = engine->getEllipsoidModel()->toWGS(focus->getWorldPosition());
-    const dvec3 hpr = focus->getWgsHPR();
+    m_shown = {engine->getFrame(), listener.m_applied, engine->getRunningTime(),
+               engine->getEllipsoidModel()->toWGS(focus->getWorldPosition()), focus->getWgsHPR()};
+}
+
+void Trace::write(double start, const FrameTiming& timing, double age) {
+    if (!m_shown) return;
+    const dvec3 &g = m_shown->place, &hpr = m_shown->attitude;
     std::array<char, 24> age_text{};
     if (age >= 0) std::snprintf(age_text.data(), age_text.size(), "%.6f", age);
     std::array<char, 320> line;
-    std::snprintf(
-        line.data(), line.size(), "%d,%.6f,%.6f,%d,%.10f,%.10f,%.5f,%.5f,%.5f,%.5f,%.6f,%d,%s\n",
-        engine->getFrame(), engine->getRunningTime(), start + timing.begin, listener.m_applied, g.x,
-        g.y, g.z, hpr.x, hpr.y, hpr.z, start + timing.handed_over, timing.late, age_text.data());
+    std::snprintf(line.data(), line.size(),
+                  "%d,%.6f,%.6f,%d,%.10f,%.10f,%.5f,%.5f,%.5f,%.5f,%.6f,%d,%s\n", m_shown->frame,
+                  m_shown->time, start + timing.begin, m_shown->applied, g.x, g.y, g.z, hpr.x,
+                  hpr.y, hpr.z, start + timing.handed_over, timing.late, age_text.data());
     if (!m_file.write(line.data())) report();
 }
 

@@ -31,9 +31,11 @@ TEST_F(FrameClockTest, FramesKeepToTheRateAndAStallIsNotMadeUpFor) {
         EXPECT_NEAR(now, 1000 + i * 0.01, 1e-6) << "late frames would add up";
         EXPECT_FALSE(clock.isLate());
         now += 0.003; // work
+        EXPECT_FALSE(clock.isBehind());
     }
     EXPECT_EQ(waits, 99);
     now += 0.5;
+    EXPECT_TRUE(clock.isBehind());
     EXPECT_NEAR(clock.beginFrame(), 0.503, 1e-6);
     EXPECT_TRUE(clock.isLate());
     EXPECT_NEAR(clock.beginFrame(), 0.01, 1e-6);

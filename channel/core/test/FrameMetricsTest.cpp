@@ -18,8 +18,13 @@ struct FrameMetricsTest : testing::Test {
     FrameMetricsTest() { Texts::load("en"); }
     void frame(double begin, double work, bool late = false) {
         link.update(sample, begin);
-        const FrameTiming timing{.begin = begin, .handed_over = begin, .work = work, .late = late};
-        pace.addFrame(timing, link);
+        const FrameTiming timing{.begin = begin,
+                                 .handed_over = begin,
+                                 .work = work,
+                                 .late = late,
+                                 .records = sample.in.datagrams_received,
+                                 .last_record = sample.in.last_received};
+        pace.addFrame(timing);
         metrics->addFrame(timing, pace, link, listener);
     }
     std::string scrape() const {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "channel/interface/PaceMonitor.h"
 
-#include "channel/interface/LinkMonitor.h"
 #include "channel/interface/Texts.h"
 #include "ig/base/jLog.h"
 
@@ -21,7 +20,7 @@ std::string milliseconds(double seconds, int places = 1) {
 
 } // namespace
 
-void PaceMonitor::addFrame(const FrameTiming& timing, const LinkMonitor& link) {
+void PaceMonitor::addFrame(const FrameTiming& timing) {
     m_interval = m_begun ? timing.begin - m_last_begin : -1;
     if (m_interval >= 0) { // else frames of a box ran inside it
         m_intervals.add(m_interval);
@@ -35,7 +34,7 @@ void PaceMonitor::addFrame(const FrameTiming& timing, const LinkMonitor& link) {
     m_begun = true;
     watchPace();
     watchLateness();
-    addAge(link);
+    addAge();
 }
 
 // ------------------------------------------------------------------ what is going on
@@ -78,17 +77,16 @@ void PaceMonitor::watchLateness() {
     }
 }
 
-void PaceMonitor::addAge(const LinkMonitor& link) {
-    const SocketStatistics& in = link.getReceived();
-    if (in.datagrams_received != m_records) {
+void PaceMonitor::addAge() {
+    if (m_last.records != m_records) {
         for (const double age : m_waiting_ages)
             m_ages.add(age);
         m_waiting_ages.clear();
-        m_records = in.datagrams_received;
+        m_records = m_last.records;
     }
     if (m_records == 0) return;
-    m_age = std::max(m_last.handed_over - in.last_received, 0.0);
-    if (link.isSilent())
+    m_age = std::max(m_last.handed_over - m_last.last_record, 0.0);
+    if (m_last.silent)
         m_waiting_ages.clear();
     else
         m_waiting_ages.push_back(m_age);

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include "channel/interface/PaceMonitor.h"
-#include "channel/interface/LinkMonitor.h"
 #include "channel/interface/Texts.h"
 #include "testkit/LogCapture.h"
 
@@ -10,7 +9,7 @@ namespace {
 
 using namespace ig;
 
-/// Frames at 50 a second, and a link with a record every 40 ms, in made-up time.
+/// Frames at 50 a second, and records of a flight simulation, in made-up time.
 struct PaceMonitorTest : testing::Test {
     PaceMonitorTest() { Texts::load("en"); }
     /// `age`: of the newest record at the hand-over; negative: no further record comes.
@@ -19,11 +18,11 @@ struct PaceMonitorTest : testing::Test {
         timing.handed_over = timing.begin + 0.008;
         timing.late = late;
         if (age >= 0) {
-            sample.in.datagrams_received++;
-            sample.in.last_received = timing.handed_over - age;
+            timing.records++;
+            timing.last_record = timing.handed_over - age;
         }
-        link.update(sample, timing.begin);
-        pace.addFrame(timing, link);
+        timing.silent = timing.begin > timing.last_record + 1;
+        pace.addFrame(timing);
     }
     void frames(int count, bool late) {
         for (int i = 0; i < count; i++)
@@ -35,8 +34,6 @@ struct PaceMonitorTest : testing::Test {
     }
 
     LogCapture log;
-    LinkSample sample;
-    LinkMonitor link;
     PaceMonitor pace;
     FrameTiming timing{.begin = 100, .work = 0.03, .period = 0.02};
 };

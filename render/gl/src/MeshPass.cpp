@@ -110,18 +110,22 @@ void MeshPass::purge() {
 
 // ------------------------------------------------------------------ a frame
 
-void MeshPass::upload(const SceneList& list, const ShadowCasters& casters, const Light& light) {
+void MeshPass::upload(const SceneList& list, const Light& light) {
     purge();
     m_instances.clear();
     addBatches(list.opaque, m_opaque, light);
     addBatches(list.transparent, m_transparent, light);
     addBatches(list.panes, m_panes, light);
-    addCasters(casters);
     // Near ones first, so that what they hide is not shaded. Where surfaces touch, the first drawn
     // shows: among equals that of the scene.
     std::sort(m_opaque.begin(), m_opaque.end(), [](const Batch& a, const Batch& b) {
         return a.distance != b.distance ? a.distance < b.distance : a.item->order < b.item->order;
     });
+    uploadInstances();
+}
+
+/// Into new storage: what was drawn with the last isn't waited for.
+void MeshPass::uploadInstances() const {
     glBindBuffer(GL_ARRAY_BUFFER, m_instance_buffer.getId());
     glBufferData(GL_ARRAY_BUFFER, m_instances.size() * sizeof(Instance), m_instances.data(),
                  GL_STREAM_DRAW);
@@ -178,9 +182,9 @@ void MeshPass::addBatches(const std::vector<MeshItem>& items, std::vector<Batch>
     }
 }
 
-void MeshPass::addCasters(const ShadowCasters& casters) {
+void MeshPass::upload(const ShadowCasters& casters) {
     m_casters.clear();
-    m_first_caster = static_cast<int>(m_instances.size());
+    m_instances.clear();
     for (const ShadowCasters::Job& job : casters.getJobs()) {
         const auto items = casters.getItems().subspan(static_cast<std::size_t>(job.first),
                                                       static_cast<std::size_t>(job.count));
@@ -200,6 +204,7 @@ void MeshPass::addCasters(const ShadowCasters& casters) {
             m_instances.push_back(toInstance(item.transform, {}, {}));
         }
     }
+    uploadInstances();
 }
 
 /// A vertex array that is pointed elsewhere for each draw makes some drivers compile the vertex
@@ -303,9 +308,8 @@ void MeshPass::endTransparent() {
 /// The batches of a job are those whose first instance is among its items.
 void MeshPass::drawCasters(const ShadowCasters::Job& job) {
     m_depth_program.use();
-    const int first = m_first_caster + job.first, end = first + job.count;
     for (const CasterBatch& batch : m_casters)
-        if (batch.first >= first && batch.first < end)
+        if (batch.first >= job.first && batch.first < job.first + job.count)
             drawInstances(*batch.mesh, *batch.range, batch.first, batch.count);
 }
 

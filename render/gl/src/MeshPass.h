@@ -27,14 +27,17 @@ public:
 
     void init();
 
-    /// Brings the instances of this frame to the device; before the draws.
-    void upload(const SceneList& list, const ShadowCasters& casters, const Light& light);
+    /// Brings what the jobs need to the device; before `drawCasters`.
+    void upload(const ShadowCasters& casters);
+    /// Depth only: the items of one of the jobs.
+    void drawCasters(const ShadowCasters::Job& job);
+
+    /// Brings the instances of this frame to the device; after the casters, before the other draws.
+    void upload(const SceneList& list, const Light& light);
     void drawOpaque();
     void drawTransparent();
     /// Panes around the eye, last of all, with what lies on them.
     void drawPanes(const GlassPass& glass);
-    /// Depth only: the items of one of the jobs.
-    void drawCasters(const ShadowCasters::Job& job);
 
 private:
     struct DeviceMesh {
@@ -86,7 +89,7 @@ private:
     void pointToInstances(int first) const;
     void addBatches(const std::vector<MeshItem>& items, std::vector<Batch>& batches,
                     const Light& light);
-    void addCasters(const ShadowCasters& casters);
+    void uploadInstances() const;
     void drawInstances(const DeviceMesh& mesh, const DeviceMesh::Range& range, int first,
                        int count) const;
     void draw(const std::vector<Batch>& batches);
@@ -105,7 +108,6 @@ private:
     std::vector<Instance> m_instances;
     std::vector<Batch> m_opaque, m_transparent, m_panes;
     std::vector<CasterBatch> m_casters; ///< in the order of the items
-    int m_first_caster = 0;             ///< instance
     bool m_has_base_instance = false;   ///< a draw can tell its first instance
     int m_frames = 0;
 };

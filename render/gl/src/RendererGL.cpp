@@ -38,6 +38,7 @@
 #include <cstring>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 namespace ig {
 
@@ -53,6 +54,10 @@ public:
 
     void begin() {
         times.clear();
+        if (on) m_last = program::steadyNow();
+    }
+    /// What was since the last mark belongs to no pass.
+    void skip() {
         if (on) m_last = program::steadyNow();
     }
     /// Ends a pass: books the time since the last mark under `name`.
@@ -86,7 +91,9 @@ struct RendererGL::Impl {
 
     bool initPasses();
     void renderScene(const World& world, const Camera& camera, const FrameInfo& frame);
-    void prepare(const World& world, const Camera& camera, const FrameInfo& frame);
+    void gather(const World& world, const Camera& camera, const FrameInfo& frame);
+    void beginDrawing();
+    void prepare(const FrameInfo& frame);
     bool placeShadows(const FrameInfo& frame);
     void planShadows();
     /// Its picture is the one that the shadow maps follow.
@@ -122,6 +129,8 @@ struct RendererGL::Impl {
     Targets targets;
     Targets* canvas = &targets; ///< what the passes draw into
     bool in_window = false;     ///< the last picture's end, and not in the finished one
+    std::function<void()> before_drawing;
+    bool drawing = false; ///< it has been called in this frame
     gl::Buffer block_buffer;
     gl::VertexArray empty;
     gl::Program tonemap, fxaa, fxaa_small, upscale;
@@ -243,6 +252,7 @@ bool RendererGL::Impl::initPasses() {
 void RendererGL::release() {
     auto fresh = std::make_unique<Impl>(m_impl->surface);
     fresh->scale = m_impl->scale;
+    fresh->before_drawing = std::move(m_impl->before_drawing);
     fresh->clock.on = m_impl->clock.on;
     m_impl = std::move(fresh);
 }
@@ -251,6 +261,10 @@ void RendererGL::resize(int width, int height) {
     Impl& r = *m_impl;
     if (r.ready && (width != r.targets.getWidth() || height != r.targets.getHeight()))
         r.ready = r.targets.make(width, height, r.scale);
+}
+
+void RendererGL::setBeforeDrawing(std::function<void()> call) {
+    m_impl->before_drawing = std::move(call);
 }
 
 void RendererGL::setWindowSize(int width, int height) {
@@ -283,6 +297,7 @@ void RendererGL::render(const World& world, const Camera& camera, const FrameInf
 void RendererGL::Impl::renderScene(const World& world, const Camera& camera,
                                    const FrameInfo& frame) {
     clock.begin();
+    drawing = false;
     viewports.update(frame, noise, [this, &frame](const World& w, const Camera& c, Targets& to) {
         clock.paused = true;
         drawPicture(w, c, frame, to, to.finished_target.getId());
@@ -295,6 +310,7 @@ void RendererGL::Impl::renderScene(const World& world, const Camera& camera,
     ui.draw(targets.getWidth(), targets.getHeight());
     clock.mark("ui");
     present();
+    if (software) glFlush(); // the rest is drawn while the next frame's logic runs
     clock.mark("present");
 }
 
@@ -303,10 +319,13 @@ void RendererGL::Impl::renderScene(const World& world, const Camera& camera,
 void RendererGL::Impl::drawPicture(const World& world, const Camera& camera, const FrameInfo& frame,
                                    Targets& to, GLuint goal) {
     canvas = &to;
-    prepare(world, camera, frame);
-    clock.mark("prepare");
+    gather(world, camera, frame);
+    clock.mark("gather");
+    beginDrawing();
     drawShadows();
     clock.mark("shadows");
+    prepare(frame);
+    clock.mark("prepare");
     if (list.ocean) wakes.draw(view, wake_list, list.ocean->getFrame());
     clock.mark("wakes");
     drawScene(world);
@@ -314,8 +333,8 @@ void RendererGL::Impl::drawPicture(const World& world, const Camera& camera, con
     clock.mark("picture");
 }
 
-/// Everything that the passes read: the view, the light, what is seen.
-void RendererGL::Impl::prepare(const World& world, const Camera& camera, const FrameInfo& frame) {
+/// The view, the light, what is seen, and what casts shadows.
+void RendererGL::Impl::gather(const World& world, const Camera& camera, const FrameInfo& frame) {
     view = FrameView(camera, canvas->getSceneHeight(), gl::hasClipControl());
     view.everything = rehearsal != nullptr;
     block.projection = view.projection;
@@ -339,8 +358,18 @@ void RendererGL::Impl::prepare(const World& world, const Camera& camera, const F
     if (rehearsal) addToList(*rehearsal);
     decals.gather(world, view, list);
     list.sort();
-    if (canvas == &targets) glass.update(list, view, frame);
     planShadows();
+}
+
+void RendererGL::Impl::beginDrawing() {
+    if (std::exchange(drawing, true) || rehearsal || !before_drawing) return;
+    before_drawing();
+    clock.skip();
+}
+
+/// The rest of what the passes read. A software renderer draws the shadows meanwhile.
+void RendererGL::Impl::prepare(const FrameInfo& frame) {
+    if (canvas == &targets) glass.update(list, view, frame);
     gatherLights(frame);
     sprite_list.gather(view, frame, list.lamps, list.cables);
     wake_list.gather(view, frame.particles, list.decals);
@@ -350,7 +379,7 @@ void RendererGL::Impl::prepare(const World& world, const Camera& camera, const F
     }
     uploadBlock();
     light_table.upload(view, lights);
-    meshes.upload(list, shadow_casters, {lights, hills, sky});
+    meshes.upload(list, {lights, hills, sky});
     if (list.ocean) ocean.upload(list.ocean->getFrame());
     gl::bindTexture(gl::UNIT_NOISE, noise);
 }
@@ -424,11 +453,13 @@ void RendererGL::Impl::uploadBlock() {
 void RendererGL::Impl::drawShadows() {
     glEnable(GL_DEPTH_TEST);
     glDepthMask(GL_TRUE);
+    meshes.upload(shadow_casters);
     for (const ShadowCasters::Job& job : shadow_casters.getJobs()) {
         shadow.begin(job);
         meshes.drawCasters(job);
         ShadowMap::end();
     }
+    if (software) glFlush(); // else it begins with what comes next
     shadow.bind();
     hill_map.bind();
 }
@@ -453,6 +484,7 @@ void RendererGL::Impl::drawScene(const World& world) {
     glClear(GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
     filterNoise(false);
     meshes.drawOpaque();
+    if (software) glFlush();
     clock.mark("meshes");
     std::optional<OceanPass::Drawing> sea;
     if (list.ocean) {

@@ -9,8 +9,6 @@
 #include <string>
 #include <vector>
 
-class LinkMonitor;
-
 /// How a frame kept time. Seconds on the clock of the link.
 struct FrameTiming {
     double begin = 0;
@@ -19,6 +17,9 @@ struct FrameTiming {
     double period = 0;       ///< asked for from beginning to beginning; 0: as fast as possible
     double refresh_rate = 0; ///< of the display that sets the pace, 1/s; 0: none does
     bool late = false;       ///< it began, or was shown, too late
+    std::uint64_t records = 0; ///< received until then
+    double last_record = 0;    ///< when the newest of them came
+    bool silent = false;       ///< none comes any more
 };
 
 /// How well the frames keep time, and how old what they show of the flight simulation is when their
@@ -30,8 +31,8 @@ public:
     static constexpr int MANY = 12;
     static constexpr double HOLD = 10; ///< s without a late one until they are in time again
 
-    /// After every frame, and the link's update in it.
-    void addFrame(const FrameTiming& timing, const LinkMonitor& link);
+    /// After every frame, in order.
+    void addFrame(const FrameTiming& timing);
 
     /// From the beginning of the frame before to that of the last one, s; negative where there is
     /// none, and where frames of a box ran between them.
@@ -54,7 +55,7 @@ private:
 
     void watchPace();
     void watchLateness();
-    void addAge(const LinkMonitor& link);
+    void addAge();
     std::vector<std::string> listShares() const;
 
     FrameTiming m_last;

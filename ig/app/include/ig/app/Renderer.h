@@ -99,6 +99,11 @@ public:
     virtual void prepare(const Preparation&) {}
     virtual void render(const World& world, const Camera& camera, const FrameInfo& frame) = 0;
     virtual void release() = 0;
+    /// Called once within each `render`, when the scene has been looked up and before anything of
+    /// the new picture is begun. Until then the last one is as it was left: where the processor
+    /// draws, it is finished while the next frame's logic runs, and handed over as late as here.
+    /// May be empty. A renderer without pictures doesn't call it.
+    virtual void setBeforeDrawing(std::function<void()>) {}
 
     /// Pixels of the scene per pixel of the picture, along each edge, 0.5 to 1: trades sharpness
     /// for speed. The user interface is always drawn at full size.

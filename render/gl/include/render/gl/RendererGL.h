@@ -31,6 +31,7 @@ public:
     void prepare(const Preparation& wanted) override;
     void render(const World& world, const Camera& camera, const FrameInfo& frame) override;
     void release() override;
+    void setBeforeDrawing(std::function<void()> call) override;
 
     void setScale(float scale) override;
     float getScale() const override;
