@@ -19,8 +19,8 @@ namespace {
 const char* const READER = "World::LoadNode";
 
 void describeKeys(const NodeKeys& keys, std::ostream& out) {
-    constexpr const char* KINDS[] = {"text", "material", "flag",   "number", "whole",
-                                     "pair", "triple",   "map of", "list of"};
+    constexpr const char* KINDS[] = {"text", "texts",  "material", "flag",   "number", "whole",
+                                     "pair", "triple", "table",    "map of", "list of"};
     for (const std::string& name : keys.names) {
         out << "    " << name << ": " << KINDS[static_cast<int>(keys.kind)];
         if (keys.maps) out << ' ' << keys.maps->name;
@@ -79,6 +79,23 @@ const jString& NodeReader::getText(const char* key) const {
     return item ? item->getString() : NONE;
 }
 
+std::vector<jString> NodeReader::getTexts(const char* key) const {
+    std::vector<jString> found;
+    const Item* item = find(key, texts).item;
+    if (!item) return found;
+    const auto take = [&](const Item& each) {
+        if (!each.getString().empty())
+            found.push_back(each.getString());
+        else
+            jLog::error("%s: %s:%d: a text is needed in \"%s\"", READER, m_map.getPath().c_str(),
+                        each.getLine(), key);
+    };
+    if (item->getKind() != Item::Kind::list) take(*item);
+    for (int i = 0; i < item->getCount(); i++)
+        take(item->getElement(i));
+    return found;
+}
+
 bool NodeReader::getFlag(const char* key, bool otherwise) const {
     const Item* item = find(key, flag).item;
     return item ? item->getBool() : otherwise;
@@ -133,10 +150,22 @@ bool NodeReader::readTriple(const char* key, dvec3& out) const {
     return true;
 }
 
+const Package* NodeReader::getPackage(const char* key, const Item* item) const {
+    if (!item) return nullptr;
+    const bool is_absent = item->getKind() == Item::Kind::value && item->getString().empty();
+    if (!item->getPackage() && !is_absent) report("a map is needed in", key, key);
+    return item->getPackage();
+}
+
+const Package* NodeReader::getTable(const char* key) const {
+    return getPackage(key, find(key, table).item);
+}
+
 std::optional<NodeReader> NodeReader::getMap(const char* key) const {
     const auto [item, keys] = find(key, map);
-    if (!item || !item->getPackage()) return {};
-    return NodeReader(*item->getPackage(), *keys->maps);
+    const Package* package = getPackage(key, item);
+    if (!package) return {};
+    return NodeReader(*package, *keys->maps);
 }
 
 std::vector<NodeReader> NodeReader::getMaps(const char* key) const {

@@ -8,7 +8,6 @@
 #include "ig/base/jLog.h"
 #include "ig/math/EllipsoidModel.h"
 #include "ig/math/quat.h"
-#include "ig/scene/NodeReader.h"
 
 namespace ig {
 
@@ -16,29 +15,18 @@ namespace {
 
 const EllipsoidModel EARTH;
 
-Node* create(const NodeReader& r) {
-    auto* terrain = new ObjectTerrain();
-    const jString& raster = r.getText("raster");
-    if (raster.empty())
-        r.report("a terrain needs a", "raster");
-    else
-        terrain->load(raster); // a terrain without ground stands in for a missing one
-    terrain->setSurfaceMaterial(0, r.getMaterial());
-    return terrain;
-}
-const bool TYPE = NodeFactory::add(
-    "terrain", create,
-    {{NodeKeys::Kind::text, {"raster"}}, {NodeKeys::Kind::material, {"material"}}});
-
 } // namespace
 
 ObjectTerrain::ObjectTerrain() : Object(OBJECT_TERRAIN) { setNumSurfaces(1); }
 
 ObjectTerrain::~ObjectTerrain() = default;
 
-bool ObjectTerrain::load(const jString& path) {
+bool ObjectTerrain::load(const TerrainSources& sources) {
     m_field.reset();
+    m_sources = sources;
     invalidateBounds();
+    if (sources.rasters.empty()) return false;
+    const jString& path = sources.rasters.front();
     HeightRaster raster;
     std::string failure;
     if (!raster.read(path, failure)) {
@@ -54,6 +42,12 @@ bool ObjectTerrain::load(const jString& path) {
                       path.c_str(), raster.resampled_from.c_str());
     m_field = std::make_unique<HeightField>(raster.shape, std::move(raster.heights));
     return true;
+}
+
+bool ObjectTerrain::load(const jString& path) {
+    TerrainSources sources;
+    sources.rasters = {path};
+    return load(sources);
 }
 
 bool ObjectTerrain::getAltitudeByLonLat(double longitude, double latitude, double* altitude,

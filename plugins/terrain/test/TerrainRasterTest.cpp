@@ -210,6 +210,42 @@ TEST(TerrainRaster, OnlyFilesAndArchivesOfThisMachineAreRead) {
     }
 }
 
+TEST(TerrainRaster, ANodesSourcesAreTakenAndWhatIsWrongIsToldWithItsLine) {
+    const RasterFolder folder;
+    folder.write("a.world", "nodes:\n"
+                            "- {name: all, type: terrain, rasters: [a.tif, b.tif],\n"
+                            "   heights: ellipsoid, geoid: g.gtx, imagery: c.tif, built: d,\n"
+                            "   land_cover: {raster: l.tif, classes: {10: grass, 8x: rock}}}\n"
+                            "- {name: wrong, type: terrain, rasters: [[e.tif]],\n"
+                            "   raster: f.tif,\n"
+                            "   heights: egm96,\n"
+                            "   geoid: h.gtx, land_cover: i.tif}\n");
+    World world;
+    LogCapture log;
+    ASSERT_TRUE(world.load(folder.file("a.world")));
+    const auto* all = dynamic_cast<const ObjectTerrain*>(world.getNodeByName("all"));
+    const TerrainSources& sources = all->getSources();
+    EXPECT_EQ(sources.rasters, (std::vector<jString>{"a.tif", "b.tif"}));
+    EXPECT_EQ(sources.heights, TerrainSources::Heights::ellipsoid);
+    EXPECT_EQ(sources.geoid, jString("g.gtx"));
+    EXPECT_EQ(sources.imagery, std::vector<jString>{"c.tif"});
+    EXPECT_EQ(sources.built, jString("d"));
+    ASSERT_EQ(sources.land_cover.classes.size(), 1u);
+    EXPECT_EQ(sources.land_cover.classes[0].value, 10);
+    std::erase_if(log.lines, [](const std::string& line) {
+        return line.find("a.world:") == std::string::npos; // the rasters are missing
+    });
+    const std::vector<std::string> expected = {
+        "a.world:4: classes of a land cover are whole numbers, not \"8x\"",
+        "a.world:6: a terrain has either \"rasters\" or a \"raster\"",
+        "a.world:7: \"heights\" are above mean_sea_level or the ellipsoid, not \"egm96\"",
+        "a.world:8: a map is needed in \"land_cover\"",
+        "a.world:8: not used without \"heights: ellipsoid\": \"geoid\""};
+    ASSERT_EQ(log.lines.size(), expected.size());
+    for (std::size_t i = 0; i < expected.size(); i++)
+        EXPECT_NE(log.lines[i].find(expected[i]), std::string::npos) << log.lines[i];
+}
+
 TEST(TerrainRaster, ANodeOfAWorldIsFoundByItsBounds) {
     const RasterFolder folder;
     const auto height = [](int i, int j) { return 90.0 * i + j; };

@@ -21,8 +21,9 @@ struct NodeSchema;
 /// Keys of a map in a scene file under which the same kind of value stands.
 struct NodeKeys {
     /// A material is the path of one, a flag true or false; pair and triple are lists of two and
-    /// three numbers; the last is a list of maps.
-    enum class Kind { text, material, flag, number, whole, pair, triple, map, list };
+    /// three numbers; texts is a list of them; a table is a map whose keys are the file's own; the
+    /// last is a list of maps.
+    enum class Kind { text, texts, material, flag, number, whole, pair, triple, table, map, list };
     Kind kind;
     std::vector<std::string> names;
     const NodeSchema* maps = nullptr; ///< what a map, or each of a list, may say
@@ -63,6 +64,8 @@ public:
 
     bool has(const char* key) const;
     const jString& getText(const char* key) const; ///< empty without
+    /// Without what is empty or no text, which is reported; a lone text counts as a list of one.
+    std::vector<jString> getTexts(const char* key) const;
     bool getFlag(const char* key, bool otherwise = false) const;
     /// `otherwise` also for what is no number.
     float getNumber(const char* key, float otherwise = 0) const;
@@ -72,6 +75,8 @@ public:
     /// reported and `out` unchanged.
     bool readPair(const char* key, vec2& out) const;
     bool readTriple(const char* key, dvec3& out) const;
+    /// Nothing without, and for what is no map, which is reported.
+    const Package* getTable(const char* key) const;
     std::optional<NodeReader> getMap(const char* key) const;
     /// Without what is no map, which is reported.
     std::vector<NodeReader> getMaps(const char* key) const;
@@ -90,6 +95,7 @@ private:
     };
     const std::vector<NodeKeys>& getKeys() const;
     Entry find(const char* key, NodeKeys::Kind kind) const;
+    const Package* getPackage(const char* key, const Item* item) const;
     bool readNumbers(const char* key, NodeKeys::Kind kind, double* values, const char* what) const;
 
     const Package& m_map;

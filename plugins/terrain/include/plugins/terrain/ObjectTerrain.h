@@ -3,6 +3,7 @@
 
 #include "ig/scene/Object.h"
 #include "plugins/terrain/TerrainGrid.h"
+#include "plugins/terrain/TerrainSources.h"
 
 #include <memory>
 
@@ -24,7 +25,10 @@ public:
     /// ellipsoid. A raster that is not a north-up grid in WGS84 longitude and latitude is
     /// resampled to one. False, with one log line, when it cannot be read: the terrain is then
     /// empty.
-    bool load(const jString& path);
+    bool load(const TerrainSources& sources);
+    bool load(const jString& path); ///< of one raster
+    /// What `load` was asked for last.
+    const TerrainSources& getSources() const { return m_sources; }
 
     /// Altitude of the ground above the ellipsoid at a geodetic place (degrees), and the normal
     /// there in world axes; either pointer may be null. False, with both untouched, where the
@@ -47,6 +51,7 @@ protected:
     void onMoved() override;
 
 private:
+    TerrainSources m_sources;
     std::unique_ptr<const HeightField> m_field; ///< null without a raster
 };
 
