@@ -1,19 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "HeightRaster.h"
 
-#include "program/InputFile.h"
+#include "RasterFile.h"
 
-#include <cpl_conv.h>
-#include <cpl_error.h>
-#include <gdal.h>
 #include <gdal_utils.h>
 #include <ogr_srs_api.h>
 
 #include <array>
-#include <filesystem>
 #include <limits>
 #include <memory>
-#include <string_view>
 #include <vector>
 
 namespace ig {
@@ -22,54 +17,10 @@ namespace {
 
 constexpr std::int64_t LARGEST = std::int64_t{1} << 28; ///< samples: 1 GiB
 
-struct Close {
-    void operator()(GDALDatasetH dataset) const { GDALClose(dataset); }
-};
-using Dataset = std::unique_ptr<void, Close>;
-
 struct DestroySystem {
     void operator()(OGRSpatialReferenceH system) const { OSRDestroySpatialReference(system); }
 };
 using System = std::unique_ptr<std::remove_pointer_t<OGRSpatialReferenceH>, DestroySystem>;
-
-/// The formats that are read: each is one file of this machine, with what stands beside it. Others
-/// follow references, to servers too.
-constexpr const char* FORMATS[] = {"GTiff", "DTED",    "SRTMHGT", "AAIGrid", "EHdr",
-                                   "ENVI",  "USGSDEM", "RST",     "GSAG",    "GSBG",
-                                   "GS7BG", "XYZ",     "BT",      "PNG",     nullptr};
-
-/// Why a path isn't that of a file of this machine, or in an archive of it; "" when it is.
-std::string whyNotLocal(const std::string& path) {
-    constexpr std::string_view ARCHIVES[] = {"/vsizip/", "/vsitar/", "/vsigzip/"};
-    std::string_view rest = path;
-    for (const std::string_view archive : ARCHIVES)
-        if (rest.starts_with(archive)) rest.remove_prefix(archive.size());
-    if (rest.find("/vsi") != std::string_view::npos)
-        return "only files of this machine are read, and of virtual ones those in archives: "
-               "/vsizip/, /vsitar/, /vsigzip/";
-    if (rest.size() == path.size()) return program::whyUnreadable(path);
-    // The archive itself is somewhere on the way.
-    std::error_code error;
-    std::filesystem::path archive(rest);
-    while (archive.has_relative_path() && !std::filesystem::exists(archive, error))
-        archive = archive.parent_path();
-    return program::whyUnreadable(archive.string());
-}
-
-/// Keeps GDAL from printing: its last message becomes part of ours.
-struct QuietErrors {
-    QuietErrors() {
-        CPLErrorReset();
-        CPLPushErrorHandler(CPLQuietErrorHandler);
-    }
-    ~QuietErrors() { CPLPopErrorHandler(); }
-    QuietErrors(const QuietErrors&) = delete;
-};
-
-std::string getLastError(const char* fallback) {
-    const std::string text = CPLGetLastErrorMsg();
-    return text.empty() ? fallback : text;
-}
 
 /// The horizontal part of a raster's coordinate system; null when it names none.
 System getSystem(GDALDatasetH dataset) {
@@ -154,17 +105,13 @@ void flipRows(std::vector<float>& heights, int columns) {
 } // namespace
 
 bool HeightRaster::read(const jString& path, std::string& failure) {
-    GDALAllRegister();
     const QuietErrors quiet;
     const auto fail = [&](std::string reason) {
         failure = std::move(reason);
         return false;
     };
-    const std::string why = whyNotLocal(path.c_str());
-    if (!why.empty()) return fail(why);
-    const Dataset file(GDALOpenEx(path.c_str(), GDAL_OF_RASTER | GDAL_OF_VERBOSE_ERROR, FORMATS,
-                                  nullptr, nullptr));
-    if (!file) return fail(getLastError("not a raster"));
+    const Dataset file = openRaster(path, failure);
+    if (!file) return false;
     if (GDALGetRasterCount(file.get()) < 1) return fail("holds no band");
 
     std::array<double, 6> transform;
