@@ -23,7 +23,7 @@ struct Segment {
 struct Scene {
     Scene() {
         if (!terrain.load("data/PELMAR_PROJECT/terrain/coast.tif")) std::exit(1);
-        const TerrainGrid& grid = terrain.getGrid();
+        const TerrainGrid& grid = terrain.getGrids()[0];
         std::mt19937 engine(1);
         std::uniform_real_distribution<> unit(0, 1);
         const auto place = [&](double altitude) {
@@ -79,7 +79,7 @@ void queryDown(benchmark::State& state) {
             [&] {
                 forThousand([&](const Segment& segment) {
                     const dvec3 geodetic = EARTH.toWGS(segment.from);
-                    benchmark::DoNotOptimize(interpolate(scene.terrain.getGrid(), geodetic));
+                    benchmark::DoNotOptimize(interpolate(scene.terrain.getGrids()[0], geodetic));
                 });
             });
     }

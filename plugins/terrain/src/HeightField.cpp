@@ -45,19 +45,6 @@ HeightField::HeightField(const TerrainGrid& shape, std::vector<float> heights)
     buildLevels();
 }
 
-double HeightField::getColumn(double longitude) const {
-    double offset = longitude - m_middle_longitude;
-    if (offset > 180)
-        offset -= 360;
-    else if (offset < -180)
-        offset += 360;
-    return offset / m_grid.spacing_longitude + (m_grid.columns - 1) * 0.5;
-}
-
-double HeightField::getRow(double latitude) const {
-    return (m_grid.north - latitude) / m_grid.spacing_latitude;
-}
-
 HeightField::Facet HeightField::getFacetOfCell(int column, int row, double u, double v) const {
     const float* north =
         m_grid.heights + static_cast<std::ptrdiff_t>(row) * m_grid.columns + column;

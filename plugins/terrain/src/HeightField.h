@@ -19,11 +19,6 @@ public:
 
     const TerrainGrid& getGrid() const { return m_grid; }
 
-    /// Grid coordinates of a geodetic place. The longitude is taken modulo 360, nearest to the
-    /// grid's middle.
-    double getColumn(double longitude) const;
-    double getRow(double latitude) const;
-
     /// The plane of one triangle: its altitude at a place and its slopes in metres per sample.
     struct Facet {
         double altitude = std::numeric_limits<double>::quiet_NaN();

@@ -53,12 +53,12 @@ bool ObjectTerrain::load(const jString& path) {
 bool ObjectTerrain::getAltitudeByLonLat(double longitude, double latitude, double* altitude,
                                         dvec3* normal) const {
     if (!m_field) return false;
+    const TerrainGrid& grid = m_field->getGrid();
     const HeightField::Facet facet =
-        m_field->getFacet(m_field->getColumn(longitude), m_field->getRow(latitude));
+        m_field->getFacet(grid.getColumn(longitude), grid.getRow(latitude));
     if (!facet) return false;
     if (altitude) *altitude = facet.altitude;
     if (normal) {
-        const TerrainGrid& grid = m_field->getGrid();
         const dvec2 degree = EARTH.getDegreeLengths(latitude, facet.altitude);
         const double east = facet.slope_u / (grid.spacing_longitude * degree.x);
         const double north = -facet.slope_v / (grid.spacing_latitude * degree.y);
@@ -86,9 +86,8 @@ Ground ObjectTerrain::getGroundAt(int surface, const dvec3& place) const {
     return {sand.kind, readValue(material, "shore_lifted", sand.lifted)};
 }
 
-const TerrainGrid& ObjectTerrain::getGrid() const {
-    static const TerrainGrid NONE;
-    return m_field ? m_field->getGrid() : NONE;
+TerrainGrids ObjectTerrain::getGrids() const {
+    return m_field ? TerrainGrids(&m_field->getGrid(), 1) : TerrainGrids();
 }
 
 BoundSphere ObjectTerrain::getOwnBounds() const {

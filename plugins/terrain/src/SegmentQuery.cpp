@@ -112,7 +112,8 @@ double SegmentQuery::solveVertical(const Place& start, double direction) const {
 
 SegmentQuery::Place SegmentQuery::getPlace(double t) const {
     const dvec3 g = EARTH.toWGS(m_a + m_direction * t);
-    return {t, m_field.getColumn(g.x), m_field.getRow(g.y), g.z};
+    const TerrainGrid& grid = m_field.getGrid();
+    return {t, grid.getColumn(g.x), grid.getRow(g.y), g.z};
 }
 
 double SegmentQuery::solvePiece(const Place& from, const Place& to) {

@@ -44,7 +44,7 @@ TEST(TerrainRaster, HeightsStandAtPixelMiddlesInEveryFormat) {
                 getAltitude(terrain, -156 + n / 1200.0, 20 - n * 7 % 1201 / 1200.0).value_or(-1),
                 hills(n, n * 7 % 1201), 1e-5)
                 << name;
-        EXPECT_EQ(terrain.getGrid().highest, 799);
+        EXPECT_EQ(terrain.getGrids()[0].highest, 799);
     }
 }
 
@@ -99,8 +99,8 @@ TEST(TerrainRaster, ScaleAndHolesAreHeededAndVerticalDatumsAreNot) {
         EXPECT_TRUE(log.lines.empty()) << system;
         EXPECT_NEAR(getAltitude(terrain, 10.03, 49.95).value(), 104, 1e-6);
         EXPECT_FALSE(getAltitude(terrain, 10.08, 49.92));
-        EXPECT_EQ(terrain.getGrid().lowest, 100);
-        EXPECT_EQ(terrain.getGrid().highest, 107);
+        EXPECT_EQ(terrain.getGrids()[0].lowest, 100);
+        EXPECT_EQ(terrain.getGrids()[0].highest, 107);
     }
 }
 

@@ -40,7 +40,8 @@ struct Lattice {
                 EDGE / DEGREE};
     }
     dvec2 toCell(const TerrainGrid& grid, double longitude, double latitude) const {
-        return {(longitude - grid.west) / cell.x, (grid.north - latitude) / cell.y};
+        return {grid.getColumn(longitude) * grid.spacing_longitude / cell.x,
+                (grid.north - latitude) / cell.y};
     }
     dvec2 toDegrees(const TerrainGrid& grid, double column, double row) const {
         return {grid.west + column * cell.x, grid.north - row * cell.y};
@@ -68,8 +69,9 @@ void GrassPass::init() {
 // ------------------------------------------------------------------ where grass grows
 
 void GrassPass::adopt(const ObjectTerrain& terrain) {
-    if (terrain.getGrid() == m_made_of) return;
-    m_made_of = terrain.getGrid();
+    const TerrainGrids grids = terrain.getGrids();
+    if (std::ranges::equal(grids, m_made_of)) return;
+    m_made_of.assign(grids.begin(), grids.end());
     m_squares.clear();
 }
 
@@ -110,7 +112,7 @@ private:
 
 void GrassPass::plant(Square& square, const World& world, const ObjectTerrain& terrain,
                       std::int32_t column, std::int32_t row) const {
-    const TerrainGrid& grid = terrain.getGrid();
+    const TerrainGrid& grid = terrain.getGrids().front();
     const Lattice lattice(grid);
     const EllipsoidModel earth;
     const dvec2 at = lattice.toDegrees(grid, column + 0.5, row + 0.5);
@@ -173,14 +175,14 @@ void GrassPass::draw(const FrameView& view, const World& world, const ObjectTerr
 void GrassPass::gather(const FrameView& view, const World& world, const ObjectTerrain& terrain) {
     m_frame++;
     m_planted = 0;
-    const TerrainGrid& grid = terrain.getGrid();
     double ground = 0;
-    if (grid.empty() || view.orthographic ||
+    if (terrain.getGrids().empty() || view.orthographic ||
         !terrain.getAltitudeByLonLat(view.geodetic.x, view.geodetic.y, &ground, nullptr) ||
         view.geodetic.z - ground > HIGHEST_EYE)
         return;
     adopt(terrain);
     purge();
+    const TerrainGrid& grid = terrain.getGrids().front();
     const dvec2 here = Lattice(grid).toCell(grid, view.geodetic.x, view.geodetic.y);
     const auto column = static_cast<std::int32_t>(std::floor(here.x));
     const auto row = static_cast<std::int32_t>(std::floor(here.y));

@@ -64,7 +64,7 @@ private:
     gl::Buffer m_buffer;
     std::unordered_map<std::uint64_t, Square> m_squares;
     std::vector<Instance> m_instances;
-    TerrainGrid m_made_of; ///< whose squares these are; only to be compared
+    std::vector<TerrainGrid> m_made_of; ///< whose squares these are; only to be compared
     int m_frame = 0, m_planted = 0;
 };
 

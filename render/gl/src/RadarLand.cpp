@@ -21,7 +21,8 @@ constexpr float WET = 0.2f, DRY = 1.5f; ///< m: no land below, nothing but land 
 void RadarLand::adopt(const ObjectTerrain* terrain) {
     static const TerrainGrid NONE;
     m_terrain = terrain;
-    const TerrainGrid& grid = terrain ? terrain->getGrid() : NONE;
+    const TerrainGrids grids = terrain ? terrain->getGrids() : TerrainGrids();
+    const TerrainGrid& grid = grids.empty() ? NONE : grids.front();
     if (m_texture && grid == m_made_of) return;
     m_made_of = grid;
     fill(grid);
@@ -65,12 +66,13 @@ void RadarLand::fill(const TerrainGrid& grid) {
 /// convergence: 20 m off at most at 30 km.
 void RadarLand::bind(gl::Program& program, const FrameView& view, float texel) const {
     gl::bindTexture(gl::UNIT_FIRST_OWN, m_texture);
-    const TerrainGrid* grid = m_terrain ? &m_terrain->getGrid() : nullptr;
-    if (!grid || grid->empty()) {
+    const TerrainGrids grids = m_terrain ? m_terrain->getGrids() : TerrainGrids();
+    if (grids.empty()) {
         program.set("uRaster", vec4(-1, -1, 0, 0)); // outside, everywhere
         program.set("uDetail", 0.0f);
         return;
     }
+    const TerrainGrid* grid = &grids.front();
     program.set("uHighest", std::max(grid->highest, 1.0f));
     const double latitude = view.geodetic.y * DEG_TO_RAD<double>;
     const auto [meridian, prime] = EllipsoidModel().getRadii(view.geodetic.y);
@@ -79,14 +81,13 @@ void RadarLand::bind(gl::Program& program, const FrameView& view, float texel) c
                               static_cast<float>(tangent / (2 * prime))});
     const double column = 1 / (grid->spacing_longitude * m_step); // texels per degree
     const double row = 1 / (grid->spacing_latitude * m_step);
-    const double east = std::remainder(view.geodetic.x - grid->west, 360);
-    const double south = grid->north - view.geodetic.y;
     const double per_east = column / (prime * cosine * DEG_TO_RAD<double>);
     const double per_north = row / (meridian * DEG_TO_RAD<double>);
-    program.set("uRaster", vec4(static_cast<float>((east * column + 0.5) / m_columns),
-                                static_cast<float>((south * row + 0.5) / m_rows),
-                                static_cast<float>(per_east / m_columns),
-                                static_cast<float>(-per_north / m_rows)));
+    program.set(
+        "uRaster",
+        vec4(static_cast<float>((grid->getColumn(view.geodetic.x) / m_step + 0.5) / m_columns),
+             static_cast<float>((grid->getRow(view.geodetic.y) / m_step + 0.5) / m_rows),
+             static_cast<float>(per_east / m_columns), static_cast<float>(-per_north / m_rows)));
     const double level = std::log2(std::max(texel * per_north, 1.0));
     program.set("uDetail", static_cast<float>(std::floor(level)));
 }

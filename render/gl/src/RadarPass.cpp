@@ -91,7 +91,7 @@ void RadarPass::findGround(const Node& node) {
 }
 
 void RadarPass::updateHorizon(const FrameView& view) {
-    if (m_horizon.update(m_terrain ? &m_terrain->getGrid() : nullptr, view.geodetic))
+    if (m_horizon.update(m_terrain ? m_terrain->getGrids() : TerrainGrids(), view.geodetic))
         makeHorizonTexture(m_horizon_texture, m_horizon.getMap().data());
 }
 

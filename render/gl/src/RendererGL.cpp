@@ -404,7 +404,7 @@ bool RendererGL::Impl::placeShadows(const FrameInfo& frame) {
 void RendererGL::Impl::planShadows() {
     if (block.light_direction.w > 0 && isMain()) {
         shadow_casters.plan(list.casters, *shadow_place);
-        const TerrainGrid* ground = list.terrain ? &list.terrain->getGrid() : nullptr;
+        const TerrainGrids ground = list.terrain ? list.terrain->getGrids() : TerrainGrids();
         if (hills.update(ground, shadow_place->getLight())) hill_map.upload(hills);
     } else {
         shadow_casters.rest();
@@ -427,7 +427,7 @@ PictureRect RendererGL::Impl::findShadowsOnSea() const {
 float RendererGL::Impl::findLand() {
     if (!list.terrain) return 0;
     const auto crest = static_cast<float>(list.ocean->getFrame().highest_crest);
-    return land_around.find(list.terrain->getGrid(), view.geodetic, crest);
+    return land_around.find(list.terrain->getGrids(), view.geodetic, crest);
 }
 
 /// Of a rehearsal's views one is lit by lamps and the others by none, so that all programs are met.

@@ -82,8 +82,7 @@ void TerrainPass::adopt(const TerrainGrid& grid) {
 }
 
 dvec2 TerrainPass::placeInNoise(const TerrainGrid& grid, double longitude, double latitude) {
-    const double column = (longitude - grid.west) / grid.spacing_longitude;
-    const double row = (grid.north - latitude) / grid.spacing_latitude;
+    const double column = grid.getColumn(longitude), row = grid.getRow(latitude);
     const dvec2 metres = spacing(grid, row);
     return {std::fmod(column * metres.x, double{NOISE_PERIOD}),
             std::fmod((grid.rows - row) * metres.y, double{NOISE_PERIOD})};
@@ -102,9 +101,9 @@ void TerrainPass::purge() {
 
 void TerrainPass::draw(const FrameView& view, const ObjectTerrain& terrain, const LightList& lights,
                        bool hills) {
-    const TerrainGrid& grid = terrain.getGrid();
     m_frame++;
-    if (grid.empty()) return;
+    if (terrain.getGrids().empty()) return;
+    const TerrainGrid& grid = terrain.getGrids().front();
     adopt(grid);
     purge();
     m_material = terrain.getSurfaceMaterial(0);

@@ -32,8 +32,9 @@ float heightAt(const TerrainGrid& grid, double column, double row) {
 
 } // namespace
 
-bool HillShadows::update(const TerrainGrid* grid, const dvec3& light) {
-    const TerrainGrid made_of = grid ? *grid : TerrainGrid();
+/// Of the coarsest grid, whose samples are the finer ones' own where there are such.
+bool HillShadows::update(TerrainGrids grids, const dvec3& light) {
+    const TerrainGrid made_of = grids.empty() ? TerrainGrid() : grids.front();
     const bool is_other = made_of != m_made_of;
     if (!is_other && length(light - m_light) <= 0) return false;
     m_made_of = made_of;
@@ -66,8 +67,7 @@ void HillShadows::layOut(const TerrainGrid& grid) {
             const double x = (2.0 * i / (NODES - 1) - 1) * m_half;
             const double y = (2.0 * j / (NODES - 1) - 1) * m_half;
             const dvec3 place = earth.toWGS(m_frame * dvec3(x, y, 0));
-            nodes.push_back({std::remainder(place.x - grid.west, 360) / grid.spacing_longitude,
-                             (grid.north - place.y) / grid.spacing_latitude, place.z});
+            nodes.push_back({grid.getColumn(place.x), grid.getRow(place.y), place.z});
         }
     m_ground.assign(static_cast<std::size_t>(SIZE) * SIZE, NONE);
     m_shadow = m_ground;

@@ -29,31 +29,45 @@ bool isLand(const TerrainGrid& grid, int column, int row, int ring, float level)
     return true;
 }
 
+/// Whether the ring touches cells that a finer grid replaces, whose samples would have to be asked.
+bool meetsFiner(TerrainGrids grids, const TerrainGrid& grid, int column, int row, int ring) {
+    for (const TerrainGrid& finer : grids) {
+        if (finer.parent < 0 || &grids[static_cast<std::size_t>(finer.parent)] != &grid) continue;
+        const auto [west, north, columns, rows] = finer.within;
+        if (column + ring >= west && column - ring <= west + columns && row + ring >= north &&
+            row - ring <= north + rows)
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
-float LandAround::find(const TerrainGrid& grid, const dvec3& place, float crest) {
-    if (grid.empty()) return 0;
-    const dvec2 at{(place.x - grid.west) / grid.spacing_longitude,
-                   (grid.north - place.y) / grid.spacing_latitude};
-    const double off = std::max(std::abs(at.x - m_place.x), std::abs(at.y - m_place.y));
-    if (grid != m_made_of || crest + SPARE > m_level || crest + 2 * LOOKED_FOR < m_level ||
-        off > 1) {
-        m_made_of = grid;
-        m_level = crest + LOOKED_FOR;
-        m_place = {std::round(at.x), std::round(at.y)};
-        m_rings = 0;
-        const bool inside =
-            m_place.x >= 0 && m_place.x < grid.columns && m_place.y >= 0 && m_place.y < grid.rows;
-        while (inside && m_rings < MOST_RINGS &&
-               isLand(grid, static_cast<int>(m_place.x), static_cast<int>(m_place.y), m_rings,
-                      m_level))
-            m_rings++;
-        return find(grid, place, crest);
-    }
+float LandAround::find(TerrainGrids grids, const dvec3& place, float crest) {
+    const TerrainGrid* grid = findGrid(grids, place.x, place.y);
+    if (!grid) return 0;
+    const dvec2 at{grid->getColumn(place.x), grid->getRow(place.y)};
+    const auto off = [&] {
+        return std::max(std::abs(at.x - m_place.x), std::abs(at.y - m_place.y));
+    };
+    if (*grid != m_made_of || crest + SPARE > m_level || crest + 2 * LOOKED_FOR < m_level ||
+        off() > 1)
+        look(grids, *grid, at, crest + LOOKED_FOR);
     const double cosine = std::cos(place.y * DEG_TO_RAD<double>);
     const double sample =
-        EllipsoidModel::DEGREE * std::min(grid.spacing_longitude * cosine, grid.spacing_latitude);
-    return static_cast<float>(std::max(m_rings - 1 - off, 0.0) * sample * 0.99);
+        EllipsoidModel::DEGREE * std::min(grid->spacing_longitude * cosine, grid->spacing_latitude);
+    return static_cast<float>(std::max(m_rings - 1 - off(), 0.0) * sample * 0.99);
+}
+
+void LandAround::look(TerrainGrids grids, const TerrainGrid& grid, dvec2 at, float level) {
+    m_made_of = grid;
+    m_level = level;
+    m_place = {std::round(at.x), std::round(at.y)};
+    const int column = static_cast<int>(m_place.x), row = static_cast<int>(m_place.y);
+    m_rings = 0;
+    while (m_rings < MOST_RINGS && !meetsFiner(grids, grid, column, row, m_rings) &&
+           isLand(grid, column, row, m_rings, level))
+        m_rings++;
 }
 
 } // namespace ig

@@ -17,36 +17,33 @@ constexpr double STILL = 100, STILL_UP = 15; // m that the radar may go before a
 constexpr double CURVATURE = 0.5 / (4.0 / 3 * EllipsoidModel::MEAN_RADIUS);
 constexpr double STEP = double{RadarHorizon::REACH} / RadarHorizon::RANGES;
 
-double heightAt(const TerrainGrid& grid, double column, double row) {
-    if (grid.empty() ||
-        !(column >= 0 && row >= 0 && column <= grid.columns - 1 && row <= grid.rows - 1))
-        return 0;
-    const float height =
-        grid.getHeight(static_cast<int>(column + 0.5), static_cast<int>(row + 0.5));
+double heightAt(TerrainGrids grids, double longitude, double latitude) {
+    const TerrainGrid* grid = findGrid(grids, longitude, latitude);
+    if (!grid) return 0;
+    const float height = grid->getHeight(static_cast<int>(grid->getColumn(longitude) + 0.5),
+                                         static_cast<int>(grid->getRow(latitude) + 0.5));
     return height > 0 ? static_cast<double>(height) : 0; // holes are not a number
 }
 
 } // namespace
 
-bool RadarHorizon::update(const TerrainGrid* grid, const dvec3& site) {
-    static const TerrainGrid NO_GROUND;
-    if (!grid) grid = &NO_GROUND;
+bool RadarHorizon::update(TerrainGrids grids, const dvec3& site) {
     const dvec2 degree = EllipsoidModel().getDegreeLengths(site.y);
     const dvec3 moved = site - m_site;
-    if (!m_lowest.empty() && *grid == m_made_of && std::abs(moved.z) < STILL_UP &&
+    if (!m_lowest.empty() && std::ranges::equal(grids, m_made_of) && std::abs(moved.z) < STILL_UP &&
         std::hypot(moved.x * degree.x, moved.y * degree.y) < STILL)
         return false;
-    m_made_of = *grid;
+    m_made_of.assign(grids.begin(), grids.end());
     m_site = site;
     m_lowest.resize(static_cast<std::size_t>(BEARINGS) * RANGES);
     for (int bearing = 0; bearing < BEARINGS; bearing++)
-        look(*grid, bearing);
+        look(grids, bearing);
     return true;
 }
 
 /// Outwards along one bearing: what has risen highest so far hides what is below the line over it.
 /// Places as in `RadarLand`: linear, with second-order terms for the meridians' convergence.
-void RadarHorizon::look(const TerrainGrid& grid, int bearing) {
+void RadarHorizon::look(TerrainGrids grids, int bearing) {
     const EllipsoidModel earth;
     const auto [meridian, prime] = earth.getRadii(m_site.y);
     const double latitude = m_site.y * DEG_TO_RAD<double>;
@@ -63,9 +60,7 @@ void RadarHorizon::look(const TerrainGrid& grid, int bearing) {
             m_site.x + east / (prime * cosine) * (1 + north * tangent / prime) * RAD_TO_DEG<double>;
         const double place = m_site.y + (north - east * east * tangent / (2 * prime)) / meridian *
                                             RAD_TO_DEG<double>;
-        const double height =
-            heightAt(grid, std::remainder(longitude - grid.west, 360) / grid.spacing_longitude,
-                     (grid.north - place) / grid.spacing_latitude);
+        const double height = heightAt(grids, longitude, place);
         steepest = std::max(steepest, (height - drop - m_site.z) / range);
     }
 }

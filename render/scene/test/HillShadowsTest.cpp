@@ -38,8 +38,8 @@ public:
     bool shine(double bearing, double height) {
         const double b = bearing * DEG_TO_RAD<double>, h = height * DEG_TO_RAD<double>;
         const bool changed =
-            hills.update(&grid, view.frame * dvec3(std::cos(h) * std::sin(b),
-                                                   std::cos(h) * std::cos(b), std::sin(h)));
+            hills.update({&grid, 1}, view.frame * dvec3(std::cos(h) * std::sin(b),
+                                                        std::cos(h) * std::cos(b), std::sin(h)));
         FrameBlock block;
         hills.fill(view, block);
         return changed;
@@ -87,6 +87,6 @@ TEST_F(HillShadowsOf, AreNoneWhenTheLightIsHigh) {
     ASSERT_TRUE(shine(90, 6));
     EXPECT_FALSE(shine(90, 6)) << "nothing is new";
     EXPECT_TRUE(shine(90, 7));
-    EXPECT_TRUE(hills.update(nullptr, view.frame.getZ())); // another world, without land
+    EXPECT_TRUE(hills.update({}, view.frame.getZ())); // another world, without land
     EXPECT_FALSE(hills.isAny());
 }

@@ -26,7 +26,7 @@ struct Island {
     /// Samples' worth of land around a place so many samples east of the middle.
     double find(double east, float crest) {
         constexpr double SAMPLE = STEP * EllipsoidModel::DEGREE;
-        return land.find(grid, {0.02 + east * STEP, 0, 50}, crest) / SAMPLE;
+        return land.find({&grid, 1}, {0.02 + east * STEP, 0, 50}, crest) / SAMPLE;
     }
     std::vector<float> heights;
     TerrainGrid grid;

@@ -43,8 +43,8 @@ public:
     /// otherwise.
     Ground getGroundAt(int surface, const dvec3& place) const override;
 
-    /// The samples; empty without a raster.
-    const TerrainGrid& getGrid() const;
+    /// The samples, the same until the next `load`.
+    TerrainGrids getGrids() const;
 
 protected:
     BoundSphere getOwnBounds() const override;

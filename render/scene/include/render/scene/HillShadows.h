@@ -26,8 +26,8 @@ public:
     static constexpr float NONE = -10000; ///< m: no shadow
 
     /// Sweeps anew for another light (world; one that holds still from frame to frame while it
-    /// turns invisibly) or another terrain; null: none. True when the map has changed.
-    bool update(const TerrainGrid* grid, const dvec3& light);
+    /// turns invisibly) or another terrain; no grids: none. True when the map has changed.
+    bool update(TerrainGrids grids, const dvec3& light);
     /// Whether there is any shadow.
     bool isAny() const { return m_any; }
     /// The map, rows from the south; m.

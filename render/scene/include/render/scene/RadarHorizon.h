@@ -21,18 +21,18 @@ public:
     static constexpr float REACH = 30000; ///< m; beyond, the last range counts
     static constexpr float NONE = -10000; ///< m: all is met
 
-    /// `site`: longitude, latitude, altitude. Null: no ground, only the sea. True when it is
+    /// `site`: longitude, latitude, altitude. No grids: no ground, only the sea. True when it is
     /// another one.
-    bool update(const TerrainGrid* grid, const dvec3& site);
+    bool update(TerrainGrids grids, const dvec3& site);
     /// Bearings from north over east in a row, ranges from the nearest; m.
     std::span<const float> getMap() const { return m_lowest; }
     /// At a place so many metres east and north of the radar.
     float getLowest(vec2 place) const;
 
 private:
-    void look(const TerrainGrid& grid, int bearing);
+    void look(TerrainGrids grids, int bearing);
 
-    TerrainGrid m_made_of; ///< only to be compared: the terrain may have gone
+    std::vector<TerrainGrid> m_made_of; ///< only to be compared: the terrain may have gone
     dvec3 m_site;
     std::vector<float> m_lowest;
 };
