@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "plugins/terrain/ObjectTerrain.h"
 
-#include "HeightField.h"
-#include "HeightRaster.h"
+#include "HeightStack.h"
 #include "SegmentQuery.h"
+#include "makeGround.h"
 
 #include "ig/base/jLog.h"
 #include "ig/math/EllipsoidModel.h"
@@ -22,26 +22,17 @@ ObjectTerrain::ObjectTerrain() : Object(OBJECT_TERRAIN) { setNumSurfaces(1); }
 ObjectTerrain::~ObjectTerrain() = default;
 
 bool ObjectTerrain::load(const TerrainSources& sources) {
-    m_field.reset();
+    m_ground.reset();
     m_sources = sources;
     invalidateBounds();
-    if (sources.rasters.empty()) return false;
-    const jString& path = sources.rasters.front();
-    HeightRaster raster;
-    std::string failure;
-    if (!raster.read(path, failure)) {
-        const std::string named = std::string(path.c_str()) + ": "; // some reasons begin with it
-        if (failure.starts_with(named)) failure.erase(0, named.size());
-        jLog::error("ObjectTerrain::load: no ground from \"%s\": %s (the world names it as "
-                    "\"raster\")",
-                    path.c_str(), failure.c_str());
-        return false;
-    }
-    if (!raster.resampled_from.empty())
-        jLog::message("ObjectTerrain::load: \"%s\" is resampled to longitude and latitude from %s",
-                      path.c_str(), raster.resampled_from.c_str());
-    m_field = std::make_unique<HeightField>(raster.shape, std::move(raster.heights));
-    return true;
+    MadeGround ground = makeGround(sources);
+    for (const std::string& fault : ground.faults)
+        jLog::error("ObjectTerrain::load: %s", fault.c_str());
+    for (const std::string& note : ground.notes)
+        jLog::message("ObjectTerrain::load: %s", note.c_str());
+    if (ground.fields.empty()) return false;
+    m_ground = std::make_unique<HeightStack>(std::move(ground.fields));
+    return ground.faults.empty();
 }
 
 bool ObjectTerrain::load(const jString& path) {
@@ -52,10 +43,10 @@ bool ObjectTerrain::load(const jString& path) {
 
 bool ObjectTerrain::getAltitudeByLonLat(double longitude, double latitude, double* altitude,
                                         dvec3* normal) const {
-    if (!m_field) return false;
-    const TerrainGrid& grid = m_field->getGrid();
+    if (!m_ground) return false;
+    const TerrainGrid& grid = m_ground->getCoarsest().getGrid();
     const HeightField::Facet facet =
-        m_field->getFacet(grid.getColumn(longitude), grid.getRow(latitude));
+        m_ground->getFacet(grid.getColumn(longitude), grid.getRow(latitude));
     if (!facet) return false;
     if (altitude) *altitude = facet.altitude;
     if (normal) {
@@ -70,8 +61,8 @@ bool ObjectTerrain::getAltitudeByLonLat(double longitude, double latitude, doubl
 }
 
 bool ObjectTerrain::getIntersection(int surface, const dvec3& a, const dvec3& b, dvec3* out) const {
-    if (!m_field || !isIntersection(surface)) return false;
-    const double t = SegmentQuery(*m_field, toWorld(a), toWorld(b)).solve();
+    if (!m_ground || !isIntersection(surface)) return false;
+    const double t = SegmentQuery(*m_ground, toWorld(a), toWorld(b)).solve();
     if (t < 0) return false;
     if (out) *out = a + (b - a) * t;
     return true;
@@ -87,12 +78,12 @@ Ground ObjectTerrain::getGroundAt(int surface, const dvec3& place) const {
 }
 
 TerrainGrids ObjectTerrain::getGrids() const {
-    return m_field ? TerrainGrids(&m_field->getGrid(), 1) : TerrainGrids();
+    return m_ground ? m_ground->getGrids() : TerrainGrids();
 }
 
 BoundSphere ObjectTerrain::getOwnBounds() const {
-    if (!m_field) return {};
-    const BoundSphere world = m_field->getBounds();
+    if (!m_ground) return {};
+    const BoundSphere world = m_ground->getBounds();
     return {toLocal(world.center), world.radius};
 }
 

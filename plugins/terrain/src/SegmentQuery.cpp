@@ -67,20 +67,20 @@ double between(double a, double b, double s) { return a + (b - a) * s; }
 
 } // namespace
 
-SegmentQuery::SegmentQuery(const HeightField& field, const dvec3& a, const dvec3& b)
-    : m_field(field), m_a(a), m_direction(b - a), m_length(length(m_direction)) {}
+SegmentQuery::SegmentQuery(const HeightStack& ground, const dvec3& a, const dvec3& b)
+    : m_ground(ground), m_a(a), m_direction(b - a), m_length(length(m_direction)) {}
 
 double SegmentQuery::solve() {
     if (!isFinite(m_a) || !std::isfinite(m_length) || m_length == 0) return NONE;
     const Place start = getPlace(0);
     const double direction = getVerticalDirection(start.altitude);
     if (direction != 0) return solveVertical(start, direction);
-    const TerrainGrid& grid = m_field.getGrid();
+    const HeightField::Range range = m_ground.getRange();
     // The surface at constant altitude is not quite the ellipsoid with longer axes.
     const auto margin = [](double altitude) { return 1 + 1e-4 * std::abs(altitude); };
     EllipsoidModel::Stretch stretches[2];
-    const int count = EARTH.cutShell(m_a, m_a + m_direction, grid.lowest - margin(grid.lowest),
-                                     grid.highest + margin(grid.highest), stretches);
+    const int count = EARTH.cutShell(m_a, m_a + m_direction, range.lowest - margin(range.lowest),
+                                     range.highest + margin(range.highest), stretches);
     double t = NONE;
     for (int i = 0; i < count && t < 0; i++)
         t = solvePiece(getPlace(stretches[i].begin), getPlace(stretches[i].end));
@@ -103,7 +103,7 @@ double SegmentQuery::getVerticalDirection(double altitude) const {
 }
 
 double SegmentQuery::solveVertical(const Place& start, double direction) const {
-    const HeightField::Facet facet = m_field.getFacet(start.u, start.v);
+    const HeightField::Facet facet = m_ground.getFacet(start.u, start.v);
     if (!facet) return NONE;
     const double t = (facet.altitude - start.altitude) * direction / m_length;
     const double slack = ROUNDING / m_length;
@@ -112,13 +112,13 @@ double SegmentQuery::solveVertical(const Place& start, double direction) const {
 
 SegmentQuery::Place SegmentQuery::getPlace(double t) const {
     const dvec3 g = EARTH.toWGS(m_a + m_direction * t);
-    const TerrainGrid& grid = m_field.getGrid();
+    const TerrainGrid& grid = m_ground.getCoarsest().getGrid();
     return {t, grid.getColumn(g.x), grid.getRow(g.y), g.z};
 }
 
 double SegmentQuery::solvePiece(const Place& from, const Place& to) {
     const double piece_length = (to.t - from.t) * m_length;
-    const double half_earth = 180 / m_field.getGrid().spacing_longitude;
+    const double half_earth = 180 / m_ground.getCoarsest().getGrid().spacing_longitude;
     const bool wraps = std::abs(to.u - from.u) > half_earth; // passes behind the earth
     if (piece_length <= STRAIGHT) return wraps ? NONE : walk(from, to);
     if (piece_length <= LONGEST_PIECE && !wraps && passesClear(from, to, piece_length)) return NONE;
@@ -133,35 +133,84 @@ bool SegmentQuery::passesClear(const Place& from, const Place& to, double piece_
     // above it; sideways it strays by that times the tangent of the latitude (the bend of parallels
     // and the convergence of meridians) and by as much again through the change of altitude.
     const double sag = piece_length * piece_length / (8 * SMALLEST_RADIUS);
-    const double tangent = m_field.getSteepestTangent();
+    const double tangent = m_ground.getCoarsest().getSteepestTangent();
     const double stray = 2 * sag * (1 + tangent);
-    const TerrainGrid& grid = m_field.getGrid();
+    const TerrainGrid& grid = m_ground.getCoarsest().getGrid();
     const double stray_v = stray / (SMALLEST_RADIUS * grid.spacing_latitude * DEG_TO_RAD<double>);
     const double stray_u = stray * std::sqrt(1 + tangent * tangent) /
                            (SMALLEST_RADIUS * grid.spacing_longitude * DEG_TO_RAD<double>);
     const HeightField::Range ground =
-        m_field.getRange(std::min(from.u, to.u) - stray_u, std::max(from.u, to.u) + stray_u,
-                         std::min(from.v, to.v) - stray_v, std::max(from.v, to.v) + stray_v);
+        m_ground.getRange(std::min(from.u, to.u) - stray_u, std::max(from.u, to.u) + stray_u,
+                          std::min(from.v, to.v) - stray_v, std::max(from.v, to.v) + stray_v);
     return std::min(from.altitude, to.altitude) - sag > ground.highest ||
            std::max(from.altitude, to.altitude) + sag < ground.lowest;
 }
 
+/// Which field is the ground along the piece; false where the coarsest doesn't reach.
+bool SegmentQuery::divide(const Place& from, const Place& to) {
+    const auto cut = [&](const HeightStack::Layer& layer, double tolerance_u, double tolerance_v,
+                         double& begin, double& end) {
+        const TerrainGrid& grid = layer.field->getGrid();
+        return clip(layer.toU(from.u), layer.toU(to.u), -tolerance_u,
+                    grid.columns - 1 + tolerance_u, begin, end) &&
+               clip(layer.toV(from.v), layer.toV(to.v), -tolerance_v, grid.rows - 1 + tolerance_v,
+                    begin, end);
+    };
+    const std::vector<HeightStack::Layer>& layers = m_ground.getLayers();
+    const HeightField& coarsest = *layers.front().field;
+    m_stretches.assign(1, {0, 1, &layers.front()});
+    Stretch& all = m_stretches.front();
+    if (!cut(layers.front(), coarsest.getToleranceU(), coarsest.getToleranceV(), all.begin,
+             all.end))
+        return false;
+    for (std::size_t i = 1; i < layers.size(); i++) {
+        double begin = m_stretches.front().begin, end = m_stretches.back().end;
+        if (cut(layers[i], 0, 0, begin, end) && begin < end) assign(layers[i], begin, end);
+    }
+    return true;
+}
+
+/// Gives a field what was its parent's.
+void SegmentQuery::assign(const HeightStack::Layer& layer, double begin, double end) {
+    std::vector<Stretch> divided;
+    for (const Stretch& old : m_stretches) {
+        if (old.begin < begin) divided.push_back({old.begin, std::min(old.end, begin), old.layer});
+        const double from = std::max(old.begin, begin), to = std::min(old.end, end);
+        if (from < to) divided.push_back({from, to, &layer});
+        if (old.end > end) divided.push_back({std::max(old.begin, end), old.end, old.layer});
+    }
+    m_stretches = std::move(divided);
+}
+
 double SegmentQuery::walk(const Place& from, const Place& to) {
-    const TerrainGrid& grid = m_field.getGrid();
-    const double tolerance_u = m_field.getToleranceU(), tolerance_v = m_field.getToleranceV();
-    double s = 0, end = 1;
-    if (!clip(from.u, to.u, -tolerance_u, grid.columns - 1 + tolerance_u, s, end) ||
-        !clip(from.v, to.v, -tolerance_v, grid.rows - 1 + tolerance_v, s, end))
-        return NONE;
-    double height = s == 0 && from.t == m_end ? m_end_height : NO_DATA;
+    if (!divide(from, to)) return NONE;
+    const bool goes_on = m_stretches.front().begin == 0 && from.t == m_end;
+    double height = goes_on ? m_end_height : NO_DATA;
+    for (const Stretch& stretch : m_stretches) {
+        const HeightStack::Layer& layer = *stretch.layer;
+        const Place own_from{from.t, layer.toU(from.u), layer.toV(from.v), from.altitude};
+        const Place own_to{to.t, layer.toU(to.u), layer.toV(to.v), to.altitude};
+        const double t = walk(stretch, own_from, own_to, height);
+        if (t >= 0) return t;
+    }
+    m_end = m_stretches.back().end == 1 ? to.t : NONE;
+    m_end_height = height;
+    return NONE;
+}
+
+/// Places are in the field's own coordinates. `height`: above the ground where the stretch begins,
+/// not a number when it isn't known; then where it ends.
+double SegmentQuery::walk(const Stretch& stretch, const Place& from, const Place& to,
+                          double& height) const {
+    double s = stretch.begin;
     // The edges of the triangles are the lines of whole u, whole v and whole u + v.
     WholeValues columns(from.u, to.u, s), rows(from.v, to.v, s);
     WholeValues diagonals(from.u + from.v, to.u + to.v, s);
     while (true) {
-        const double next = std::min({end, columns.next(), rows.next(), diagonals.next()});
+        const double next = std::min({stretch.end, columns.next(), rows.next(), diagonals.next()});
         const double middle = (s + next) / 2;
         const double u = between(from.u, to.u, middle), v = between(from.v, to.v, middle);
-        const HeightField::Facet facet = m_field.getFacet(u, v);
+        const HeightField::Facet facet = stretch.layer->field->getFacet(u, v);
         const auto heightAt = [&](double at) {
             return between(from.altitude, to.altitude, at) - facet.altitude -
                    facet.slope_u * (between(from.u, to.u, at) - u) -
@@ -176,14 +225,11 @@ double SegmentQuery::walk(const Place& from, const Place& to) {
         }
         height = next_height;
         s = next;
-        if (s >= end) break;
+        if (s >= stretch.end) return NONE;
         columns.pass(s);
         rows.pass(s);
         diagonals.pass(s);
     }
-    m_end = end == 1 ? to.t : NONE;
-    m_end_height = height;
-    return NONE;
 }
 
 } // namespace ig

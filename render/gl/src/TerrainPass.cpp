@@ -40,8 +40,11 @@ dvec3 geodetic(const TerrainGrid& grid, double column, double row, double altitu
 }
 
 /// Triangles of a chunk of `edge`² vertices, as the terrain defines them: each cell is split from
-/// its north-east to its south-west corner; those with a corner without data are left out.
-std::vector<std::uint16_t> triangulate(const std::vector<char>& has_data, int edge) {
+/// its north-east to its south-west corner; those with a corner without data are left out, and
+/// cells that are `replaced`.
+template <class Replaced>
+std::vector<std::uint16_t> triangulate(const std::vector<char>& has_data, int edge,
+                                       const Replaced& replaced) {
     std::vector<std::uint16_t> indices;
     const auto addTriangle = [&](int a, int b, int c) {
         const auto good = [&has_data](int v) { return has_data[v] != 0; };
@@ -51,6 +54,7 @@ std::vector<std::uint16_t> triangulate(const std::vector<char>& has_data, int ed
     };
     for (int j = 0; j < edge - 1; j++)
         for (int i = 0; i < edge - 1; i++) {
+            if (replaced(i, j)) continue;
             const int nw = j * edge + i, ne = nw + 1, sw = nw + edge, se = sw + 1;
             addTriangle(nw, sw, ne);
             addTriangle(ne, sw, se);
@@ -73,12 +77,11 @@ std::uint64_t TerrainPass::key(const Square& square) {
            static_cast<std::uint64_t>(square.row) << 24 | square.column;
 }
 
-void TerrainPass::adopt(const TerrainGrid& grid) {
-    m_grid = &grid;
-    if (grid == m_made_of) return;
-    m_made_of = grid;
-    m_chunks.clear();
-    m_extents.clear();
+void TerrainPass::adopt(TerrainGrids grids) {
+    if (std::ranges::equal(grids, m_layers, {}, {}, &Layer::grid)) return;
+    m_layers.clear();
+    for (const TerrainGrid& grid : grids)
+        m_layers.emplace_back().grid = grid;
 }
 
 dvec2 TerrainPass::placeInNoise(const TerrainGrid& grid, double longitude, double latitude) {
@@ -94,28 +97,87 @@ vec3 TerrainPass::readTurf(const Material* material) {
 
 void TerrainPass::purge() {
     if (m_frame % KEPT) return;
-    for (auto entry = m_chunks.begin(); entry != m_chunks.end();)
-        entry =
-            entry->second.last_drawn < m_frame - KEPT ? m_chunks.erase(entry) : std::next(entry);
+    for (Layer& layer : m_layers)
+        std::erase_if(layer.chunks, [this](const auto& entry) {
+            return entry.second.last_drawn < m_frame - KEPT;
+        });
 }
 
 void TerrainPass::draw(const FrameView& view, const ObjectTerrain& terrain, const LightList& lights,
                        bool hills) {
     m_frame++;
     if (terrain.getGrids().empty()) return;
-    const TerrainGrid& grid = terrain.getGrids().front();
-    adopt(grid);
+    adopt(terrain.getGrids());
     purge();
     m_material = terrain.getSurfaceMaterial(0);
     m_lights = &lights;
     m_hills = hills;
     m_used = nullptr;
     glEnable(GL_CULL_FACE);
-    int step = 1;
-    while (CELLS * step < std::max(grid.columns, grid.rows) - 1)
-        step *= 2;
-    visit(view, grid, {0, 0, step});
+    for (Layer& layer : m_layers) // the coarser one tells whether a finer one is shown
+        layer.is_shown = isShown(view, layer);
+    for (Layer& layer : m_layers)
+        if (layer.is_shown) visit(view, layer, getRoot(layer.grid));
     glDisable(GL_CULL_FACE);
+}
+
+TerrainPass::Square TerrainPass::getRoot(const TerrainGrid& grid) {
+    Square root{0, 0, 1};
+    while (CELLS * root.step < std::max(grid.columns, grid.rows) - 1)
+        root.step *= 2;
+    return root;
+}
+
+/// A finer grid is shown when the parent's cells that it replaces would be too large.
+bool TerrainPass::isShown(const FrameView& view, Layer& layer) {
+    const TerrainGrid& grid = layer.grid;
+    if (grid.parent < 0) return true;
+    const Layer& parent = m_layers[static_cast<std::size_t>(grid.parent)];
+    if (!parent.is_shown) return false;
+    const Extent extent = measure(layer, getRoot(grid));
+    if (extent.highest < extent.lowest) return true; // nothing but holes
+    const double column = (grid.columns - 1) / 2.0, row = (grid.rows - 1) / 2.0;
+    const double middle = (double{extent.lowest} + double{extent.highest}) / 2;
+    const dvec3 center = EllipsoidModel().toWorld(geodetic(grid, column, row, middle));
+    const dvec2 metres = spacing(grid, row);
+    const double radius =
+        std::hypot(metres.x * column, metres.y * row, double{extent.highest} - middle);
+    const double distance =
+        view.orthographic ? 1 : std::max(length(dvec3(view.toFrame(center))) - radius, 1.0);
+    return spacing(parent.grid, 0).y > double{CELL_PIXELS * view.pixel_angle} * distance;
+}
+
+/// The bits that tell which grids are meant run out at 64, with which the last stands for more.
+TerrainPass::Cover TerrainPass::getCover(const Layer& layer, const Square& square) const {
+    Cover cover;
+    const int size = CELLS * square.step;
+    const int east = std::min(square.column + size, layer.grid.columns - 1);
+    const int south = std::min(square.row + size, layer.grid.rows - 1);
+    for (std::size_t i = 1; i < m_layers.size(); i++) {
+        const Layer& finer = m_layers[i];
+        if (!finer.is_shown || &m_layers[static_cast<std::size_t>(finer.grid.parent)] != &layer)
+            continue;
+        const auto [column, row, columns, rows] = finer.grid.within;
+        if (east <= column || column + columns <= square.column || south <= row ||
+            row + rows <= square.row)
+            continue;
+        cover.cut |= std::uint64_t{1} << std::min<std::size_t>(i, 63);
+        cover.is_whole = cover.is_whole || (square.column >= column && east <= column + columns &&
+                                            square.row >= row && south <= row + rows);
+    }
+    return cover;
+}
+
+/// Whether one of these finer grids is shown in place of a cell.
+bool TerrainPass::isReplaced(std::uint64_t cut, int column, int row) const {
+    for (std::size_t i = 1; i < m_layers.size() && cut; i++) {
+        if (!(cut >> std::min<std::size_t>(i, 63) & 1) || !m_layers[i].is_shown) continue;
+        const TerrainGrid::Cells& cells = m_layers[i].grid.within;
+        if (column >= cells.column && column < cells.column + cells.columns && row >= cells.row &&
+            row < cells.row + cells.rows)
+            return true;
+    }
+    return false;
 }
 
 void TerrainPass::use(gl::Program& program) {
@@ -131,10 +193,10 @@ void TerrainPass::use(gl::Program& program) {
 }
 
 /// Lowest and highest sample of a square; kept.
-TerrainPass::Extent TerrainPass::measure(const Square& square) {
-    const auto [entry, is_new] = m_extents.try_emplace(key(square), Extent{1, 0});
+TerrainPass::Extent TerrainPass::measure(Layer& layer, const Square& square) {
+    const auto [entry, is_new] = layer.extents.try_emplace(key(square), Extent{1, 0});
     if (!is_new) return entry->second;
-    const TerrainGrid& grid = *m_grid;
+    const TerrainGrid& grid = layer.grid;
     Extent extent{1e9f, -1e9f};
     const int size = CELLS * square.step;
     if (square.step > 1) { // from the four below
@@ -143,7 +205,7 @@ TerrainPass::Extent TerrainPass::measure(const Square& square) {
             for (const int dc : {0, half}) {
                 const Square child{square.column + dc, square.row + dr, square.step / 2};
                 if (child.column >= grid.columns - 1 || child.row >= grid.rows - 1) continue;
-                const Extent part = measure(child);
+                const Extent part = measure(layer, child);
                 extent = {std::min(extent.lowest, part.lowest),
                           std::max(extent.highest, part.highest)};
             }
@@ -156,12 +218,13 @@ TerrainPass::Extent TerrainPass::measure(const Square& square) {
                 extent = {std::min(extent.lowest, height), std::max(extent.highest, height)};
             }
     }
-    return m_extents[key(square)] = extent;
+    return layer.extents[key(square)] = extent;
 }
 
-void TerrainPass::visit(const FrameView& view, const TerrainGrid& grid, const Square& square) {
+void TerrainPass::visit(const FrameView& view, Layer& layer, const Square& square) {
+    const TerrainGrid& grid = layer.grid;
     if (square.column >= grid.columns - 1 || square.row >= grid.rows - 1) return;
-    const Extent extent = measure(square);
+    const Extent extent = measure(layer, square);
     if (extent.highest < SEA_BED) return;
     const double size = CELLS * square.step;
     const double columns = std::min(size, grid.columns - 1.0 - square.column);
@@ -175,31 +238,39 @@ void TerrainPass::visit(const FrameView& view, const TerrainGrid& grid, const Sq
         static_cast<float>(std::hypot(metres.x * columns, metres.y * rows) / 2 + (high - low) / 2 +
                            1 + metres.y * metres.y * size * size / 5e7); // the earth bends away
     if (!view.sees(center, radius)) return;
+    const Cover cover = getCover(layer, square);
+    if (cover.is_whole) return;
     const float distance = view.orthographic ? 1 : std::max(length(center) - radius, 1.0f);
     const auto cell = static_cast<float>(metres.y * square.step);
-    if (square.step > 1 && cell > CELL_PIXELS * view.pixel_angle * distance) {
+    if (square.step > 1 && (cover.cut || cell > CELL_PIXELS * view.pixel_angle * distance)) {
         const int half = CELLS * square.step / 2;
         for (const int dr : {0, half})
             for (const int dc : {0, half})
-                visit(view, grid, {square.column + dc, square.row + dr, square.step / 2});
+                visit(view, layer, {square.column + dc, square.row + dr, square.step / 2});
         return;
     }
     if (view.everything)
         for (gl::Program* program : {&m_program, &m_hilly_program, &m_far_program})
-            drawChunk(view, grid, square, *program);
+            drawChunk(view, layer, square, *program);
     const bool is_far = !view.orthographic && distance * view.pixel_angle > GRAIN_PIXEL;
-    drawChunk(view, grid, square,
+    drawChunk(view, layer, square,
               m_lights->reach(center, radius) ? m_lit_program
               : is_far                        ? m_far_program
               : m_hills                       ? m_hilly_program
                                               : m_program);
 }
 
-void TerrainPass::drawChunk(const FrameView& view, const TerrainGrid& grid, const Square& square,
+void TerrainPass::drawChunk(const FrameView& view, Layer& layer, const Square& square,
                             gl::Program& program) {
     if (&program != m_used) use(program);
-    Chunk& chunk = m_chunks[key(square)];
-    if (!chunk.vertex_array) fill(chunk, grid, square);
+    const std::uint64_t cut = getCover(layer, square).cut;
+    constexpr std::uint64_t CUT = std::uint64_t{1}
+                                  << 63; // whole and cut ones are kept side by side
+    Chunk& chunk = layer.chunks[key(square) | (cut ? CUT : 0)];
+    if (!chunk.vertex_array || chunk.cut != cut) {
+        chunk.cut = cut;
+        fill(chunk, layer.grid, square);
+    }
     chunk.last_drawn = m_frame;
     const mat4 transform = view.toFrame(chunk.frame);
     const auto& c = transform.columns;
@@ -223,7 +294,7 @@ void TerrainPass::fill(Chunk& chunk, const TerrainGrid& grid, const Square& squa
     chunk.frame = earth.getWGSTransform(
         earth.toWorld(geodetic(grid, square.column + half, square.row + half, 0)));
     const dvec3 middle = geodetic(grid, square.column + half, square.row + half, 0);
-    chunk.patch = placeInNoise(grid, middle.x, middle.y);
+    chunk.patch = placeInNoise(m_layers.front().grid, middle.x, middle.y);
     const dmat4 to_chunk = inverse(chunk.frame);
     const auto height = [&grid](int column, int row) {
         return grid.getHeight(std::clamp(column, 0, grid.columns - 1),
@@ -251,7 +322,11 @@ void TerrainPass::fill(Chunk& chunk, const TerrainGrid& grid, const Square& squa
             const dvec3 world = earth.toWorld(geodetic(grid, column, row, known - lowered));
             vertices.push_back({vec3(to_chunk * world), packNormal(normal), known});
         }
-    const std::vector<std::uint16_t> indices = triangulate(has_data, EDGE);
+    const std::vector<std::uint16_t> indices = triangulate(has_data, EDGE, [&](int i, int j) {
+        // A skirt hangs from the cell beside it.
+        const int ci = std::clamp(i - 1, 0, CELLS - 1), cj = std::clamp(j - 1, 0, CELLS - 1);
+        return isReplaced(chunk.cut, square.column + ci, square.row + cj);
+    });
     chunk.num_indices = static_cast<int>(indices.size());
     gl::makeVertexArray(chunk.vertex_array, chunk.vertices, std::as_bytes(std::span(vertices)),
                         chunk.indices, std::as_bytes(std::span(indices)));

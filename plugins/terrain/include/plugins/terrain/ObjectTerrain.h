@@ -9,7 +9,7 @@
 
 namespace ig {
 
-class HeightField;
+class HeightStack;
 
 /// The ground of a world: one surface that drawing, floating and queries agree on. The logic asks
 /// it for the ground's height below a place; segment queries meet it as an object with one
@@ -52,7 +52,7 @@ protected:
 
 private:
     TerrainSources m_sources;
-    std::unique_ptr<const HeightField> m_field; ///< null without a raster
+    std::unique_ptr<const HeightStack> m_ground; ///< null without a raster
 };
 
 } // namespace ig
