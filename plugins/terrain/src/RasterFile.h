@@ -27,7 +27,8 @@ struct QuietErrors {
 std::string getLastError(const char* fallback);
 
 /// A raster file of this machine, or in an archive of it, in a format that refers to no other
-/// place. Null with the reason in `failure`; call it with `QuietErrors`.
+/// place, or a mosaic (VRT) of such files. Null with the reason in `failure`; call it with
+/// `QuietErrors`.
 Dataset openRaster(const jString& path, std::string& failure);
 
 } // namespace ig

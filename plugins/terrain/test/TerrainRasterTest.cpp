@@ -195,14 +195,32 @@ TEST(TerrainRaster, OnlyFilesAndArchivesOfThisMachineAreRead) {
     const Door door;
     const jString pipe = folder.file("pipe.tif");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    const jString list = folder.write(
-        "far.vrt", "<VRTDataset rasterXSize=\"64\" rasterYSize=\"64\"><VRTRasterBand band=\"1\">"
-                   "<SimpleSource><SourceFilename>/vsicurl/" +
-                       door.url() +
-                       "</SourceFilename></SimpleSource></VRTRasterBand></VRTDataset>");
+    const auto writeMosaic = [&](const char* name, const std::string& source) {
+        return folder.write(name,
+                            "<VRTDataset rasterXSize=\"64\" rasterYSize=\"64\"><SRS>EPSG:4326</SRS>"
+                            "<GeoTransform>9.995, 0.01, 0, 50.005, 0, -0.01</GeoTransform>"
+                            "<VRTRasterBand dataType=\"Float32\" band=\"1\">" +
+                                source + "</VRTRasterBand></VRTDataset>");
+    };
+    const auto nameSource = [](const std::string& path, int relative) {
+        return "<SimpleSource><SourceFilename relativeToVRT=\"" + std::to_string(relative) + "\">" +
+               path +
+               "</SourceFilename><SourceBand>1</SourceBand><SrcRect xOff=\"0\" yOff=\"0\" "
+               "xSize=\"64\" ySize=\"64\"/><DstRect xOff=\"0\" yOff=\"0\" xSize=\"64\" "
+               "ySize=\"64\"/></SimpleSource>";
+    };
+    writeMosaic("near.vrt", nameSource("heights.tif", 1));
+    EXPECT_TRUE(terrain.load(writeMosaic("nested.vrt", nameSource("near.vrt", 1))));
+    EXPECT_EQ(terrain.getGrids()[0].highest, 5);
+    const jString list = writeMosaic("far.vrt", nameSource("/vsicurl/" + door.url(), 0));
+    const jString nested = writeMosaic("farther.vrt", nameSource("far.vrt", 1));
+    const jString round = writeMosaic("round.vrt", nameSource("round.vrt", 1));
+    const jString service = writeMosaic("service.vrt", nameSource("service.xml", 1));
+    folder.write("service.xml", "<GDAL_WMS><Service name=\"TMS\"><ServerUrl>" + door.url() +
+                                    "</ServerUrl></Service></GDAL_WMS>");
     for (const jString& path :
          {jString("/vsicurl/" + door.url()), jString("/vsizip//vsicurl/" + door.url()),
-          jString(door.url()), list, pipe}) {
+          jString(door.url()), list, nested, round, service, pipe}) {
         const LogCapture log;
         EXPECT_FALSE(terrain.load(path)) << path.c_str();
         EXPECT_EQ(log.lines.size(), 1u);
