@@ -22,6 +22,8 @@ HeightStack::HeightStack(std::vector<std::unique_ptr<const HeightField>> fields)
         layer.field = std::move(field);
         m_layers.push_back(std::move(layer));
     }
+    m_coarsest = m_layers.front().field.get();
+    m_is_layered = m_layers.size() > 1;
 }
 
 /// Within a field its holes are the ground's; on its border the parent's surface counts too.

@@ -28,13 +28,13 @@ public:
     };
     /// From coarse to fine: the last that holds a place is the ground there.
     const std::vector<Layer>& getLayers() const { return m_layers; }
-    const HeightField& getCoarsest() const { return *m_layers.front().field; }
+    const HeightField& getCoarsest() const { return *m_coarsest; }
     TerrainGrids getGrids() const { return m_grids; }
 
     /// As `HeightField::getFacet`, of the field that is the ground there; slopes in metres per
     /// sample of the coarsest.
     HeightField::Facet getFacet(double u, double v) const {
-        return m_layers.size() == 1 ? getCoarsest().getFacet(u, v) : getLayeredFacet(u, v);
+        return !m_is_layered ? getCoarsest().getFacet(u, v) : getLayeredFacet(u, v);
     }
     /// As `HeightField::getRange`; what is replaced counts too.
     HeightField::Range getRange(double u0, double u1, double v0, double v1) const;
@@ -45,6 +45,8 @@ private:
     HeightField::Facet getLayeredFacet(double u, double v) const;
 
     std::vector<Layer> m_layers;
+    const HeightField* m_coarsest = nullptr;
+    bool m_is_layered = false;
     std::vector<TerrainGrid> m_grids;
     HeightField::Range m_range;
 };

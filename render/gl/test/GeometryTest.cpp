@@ -2,8 +2,10 @@
 #include "PictureScene.h"
 #include "plugins/ocean/ObjectOcean.h"
 #include "plugins/terrain/ObjectTerrain.h"
+#include "testkit/TempFolder.h"
 
 #include <cmath>
+#include <sstream>
 
 using namespace ig;
 
@@ -99,6 +101,51 @@ TEST_F(Geometry, TheGroundStandsWhereQueriesMeetIt) {
         checked++;
     }
     EXPECT_GT(checked, 10);
+}
+
+/// Rough heights in degrees, as an ASCII grid.
+jString writeHeights(const TempFolder& folder, const char* name, int size, double west,
+                     double south, double step, double height) {
+    std::ostringstream text;
+    text.precision(12);
+    text << "ncols " << size << "\nnrows " << size << "\nxllcorner " << west << "\nyllcorner "
+         << south << "\ncellsize " << step << '\n';
+    for (int i = 0; i < size * size; i++)
+        text << height + 9 * std::sin(i * 1.7) << (i % size == size - 1 ? '\n' : ' ');
+    return folder.write(name, text.str());
+}
+
+TEST_F(Geometry, AFinerGridIsDrawnInPlaceOfTheCoarserOneAcrossTheDateLine) {
+    constexpr double STEP = 0.001;
+    const TempFolder folder;
+    TerrainSources sources;
+    sources.rasters = {writeHeights(folder, "coarse.asc", 40, 180 - 20 * STEP, 60, STEP, 20),
+                       writeHeights(folder, "fine.asc", 60, 180 - 3 * STEP, 60.017, STEP / 10, 60)};
+    auto* terrain = new ObjectTerrain();
+    ASSERT_TRUE(terrain->load(sources));
+    m_world.addNode(terrain);
+    // Through the finer one's middle from west to east, over both of its seams.
+    int checked = 0;
+    for (int i = 0; i < 60; i++) {
+        const double longitude = std::remainder(180 + (i - 30) * 0.00017, 360), latitude = 60.0201;
+        double altitude = 0;
+        ASSERT_TRUE(terrain->getAltitudeByLonLat(longitude, latitude, &altitude, nullptr));
+        m_camera.setWgsPosition({longitude, latitude, altitude + 55});
+        m_camera.setWgsHPR({0, 90, 0});
+        draw();
+        for (const double x : {0.1, 0.5, 0.9}) {
+            const int px = static_cast<int>(x * WIDTH), py = HEIGHT / 3;
+            const dvec2 pixel{(px + 0.5) / WIDTH, (py + 0.5) / HEIGHT};
+            const double distance = s_renderer->readDistance(pixel.x, pixel.y);
+            const dvec3 met = EllipsoidModel().toWGS(m_camera.getRayTo(pixel.x, pixel.y, distance));
+            ASSERT_TRUE(terrain->getAltitudeByLonLat(met.x, met.y, &altitude, nullptr));
+            EXPECT_NEAR(met.z, altitude, 0.05) << met.x << " " << met.y;
+            checked += terrain->getGrids()[1].contains(terrain->getGrids()[1].getColumn(met.x),
+                                                       terrain->getGrids()[1].getRow(met.y));
+        }
+    }
+    EXPECT_GT(checked, 40); // and as many beside it
+    EXPECT_LT(checked, 140);
 }
 
 /// What is seen of the sea lies where queries find the water: within the error that straight lines
