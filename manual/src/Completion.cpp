@@ -34,12 +34,22 @@ std::string commandsOf(const Table& table) {
     return joinWords(names);
 }
 
-/// The program itself, and its commands.
-std::vector<const Table*> listTables(const Table& table) {
-    std::vector<const Table*> tables = {&table};
-    for (const Table& command : table.commands)
-        tables.push_back(&command);
-    return tables;
+/// The program itself or one of its commands, with the words that lead there.
+struct Part {
+    const Table* table;
+    std::vector<std::string> path; ///< empty: the program itself
+};
+
+/// The program itself, its commands, and theirs.
+std::vector<Part> listParts(const Table& table, const std::vector<std::string>& path = {}) {
+    std::vector<Part> parts = {{&table, path}};
+    for (const Table& command : table.commands) {
+        std::vector<std::string> way = path;
+        way.push_back(command.name);
+        const std::vector<Part> below = listParts(command, way);
+        parts.insert(parts.end(), below.begin(), below.end());
+    }
+    return parts;
 }
 
 /// As one word of a shell, in single quotes; `quote` stands for one of those in the text.
@@ -133,7 +143,39 @@ void writeZshEntries(const Table& table, const char* indent, std::ostream& out) 
     }
 }
 
+/// What follows a command's name is a line of its own to zsh.
+void writeZsh(const Table& table, const std::string& indent, std::ostream& out) {
+    writeZshEntries(table, indent.c_str(), out);
+    if (table.commands.empty()) {
+        out << '\n';
+        return;
+    }
+    out << " \\\n"
+        << indent << "  '1:COMMAND:(" << commandsOf(table)
+        << ")' '*::argument:->arguments' && return\n"
+        << indent << "case $line[1] in\n";
+    for (const Table& command : table.commands) {
+        out << indent << command.name << ")\n";
+        writeZsh(command, indent + "  ", out);
+        out << indent << " ;;\n";
+    }
+    out << indent << "esac\n";
+}
+
 // ------------------------------------------------------------------ fish
+
+/// The condition under which what the part takes is offered: its words stand on the line, and none
+/// of its commands.
+std::string whenFish(const Part& part) {
+    std::string when;
+    for (const std::string& word : part.path)
+        when += (when.empty() ? "" : "; and ") + ("__fish_seen_subcommand_from " + word);
+    const std::string commands = commandsOf(*part.table);
+    if (!commands.empty())
+        when += std::string(when.empty() ? "" : "; and ") + "not __fish_seen_subcommand_from " +
+                commands;
+    return when.empty() ? when : " -n '" + when + '\'';
+}
 
 void writeFishEntry(const std::string& begin, const Entry& entry, std::ostream& out) {
     out << begin;
@@ -150,27 +192,35 @@ void writeFishEntry(const std::string& begin, const Entry& entry, std::ostream& 
 
 std::string makeBashCompletion(const CLI::App& app) {
     const Table table = readTable(app);
+    const std::vector<Part> parts = listParts(table);
     std::ostringstream out;
     out << "# bash completion of " << table.name << '\n'
         << '_' << table.name << "() {\n"
         << BASH_HEAD << "    COMPREPLY=()\n";
-    if (!table.commands.empty()) {
-        std::string pattern = commandsOf(table);
-        std::ranges::replace(pattern, ' ', '|');
+    if (parts.size() > 1) {
+        std::string pattern;
+        for (const Part& part : parts)
+            if (!part.path.empty())
+                pattern += (pattern.empty() ? "'" : " | '") +
+                           std::string(part.path.size() > 1 ? "" : " ") + joinWords(part.path) +
+                           '\'';
         out << "    for word in \"${COMP_WORDS[@]:1:COMP_CWORD-1}\"; do\n"
-            << "        case $word in " << pattern << ") command=$word; break ;; esac\n"
+            << "        case \"$command $word\" in " << pattern
+            << ") command=${command:+$command }$word ;; esac\n"
             << "    done\n";
     }
     out << "    case \"$command $before\" in\n";
-    for (const Table* part : listTables(table))
-        writeBashValues(*part, part == &table ? "" : part->name, out);
+    for (const Part& part : parts)
+        writeBashValues(*part.table, joinWords(part.path), out);
     out << "    esac\n    case \"$command $current\" in\n";
-    for (const Table* part : listTables(table))
-        out << "    '" << (part == &table ? "" : part->name) << " -'*) COMPREPLY=($(compgen -W '"
-            << namesOf(*part) << "' -- \"$current\")) ;;\n";
-    if (!table.commands.empty())
-        out << "    ' '*) COMPREPLY=($(compgen -W '" << commandsOf(table)
-            << "' -- \"$current\")); compopt +o default +o bashdefault ;;\n";
+    for (const Part& part : parts)
+        out << "    '" << joinWords(part.path) << " -'*) COMPREPLY=($(compgen -W '"
+            << namesOf(*part.table) << "' -- \"$current\")) ;;\n";
+    for (const Part& part : parts)
+        if (!part.table->commands.empty())
+            out << "    '" << joinWords(part.path) << " '*) COMPREPLY=($(compgen -W '"
+                << commandsOf(*part.table)
+                << "' -- \"$current\")); compopt +o default +o bashdefault ;;\n";
     out << "    esac\n}\ncomplete -o bashdefault -o default -F _" << table.name << ' ' << table.name
         << '\n';
     return out.str();
@@ -180,20 +230,9 @@ std::string makeZshCompletion(const CLI::App& app) {
     const Table table = readTable(app);
     std::ostringstream out;
     out << "#compdef " << table.name << '\n';
-    if (table.commands.empty()) {
-        writeZshEntries(table, "", out);
-        return out.str() + '\n';
-    }
-    out << "local context state state_descr line\ntypeset -A opt_args\n";
-    writeZshEntries(table, "", out);
-    out << " \\\n  '1:COMMAND:(" << commandsOf(table)
-        << ")' '*::argument:->arguments' && return\ncase $line[1] in\n";
-    for (const Table& command : table.commands) {
-        out << command.name << ")\n";
-        writeZshEntries(command, "  ", out);
-        out << " ;;\n";
-    }
-    out << "esac\n";
+    if (!table.commands.empty())
+        out << "local context state state_descr line\ntypeset -A opt_args\n";
+    writeZsh(table, "", out);
     return out.str();
 }
 
@@ -202,18 +241,12 @@ std::string makeFishCompletion(const CLI::App& app) {
     const std::string begin = "complete -c " + table.name;
     std::ostringstream out;
     out << "# fish completion of " << table.name << '\n' << begin << " -f\n";
-    const std::string commands = commandsOf(table);
-    for (const Table* part : listTables(table)) {
-        const bool command = part != &table;
-        std::string when;
-        if (command)
-            when = " -n '__fish_seen_subcommand_from " + part->name + '\'';
-        else if (!commands.empty())
-            when = " -n 'not __fish_seen_subcommand_from " + commands + '\'';
-        if (command)
-            out << begin << " -n 'not __fish_seen_subcommand_from " << commands << "' -a "
-                << part->name << " -d " << quoteWord(part->text, "\\'") << '\n';
-        for (const Entry& entry : part->entries)
+    for (const Part& part : listParts(table)) {
+        const std::string when = whenFish(part);
+        for (const Table& command : part.table->commands)
+            out << begin << when << " -a " << command.name << " -d "
+                << quoteWord(command.text, "\\'") << '\n';
+        for (const Entry& entry : part.table->entries)
             if (entry.positional)
                 out << begin << when << " -F\n";
             else

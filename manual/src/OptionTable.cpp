@@ -55,6 +55,7 @@ Table readTable(const CLI::App& app) {
     table.name = app.get_name();
     table.text = app.get_description();
     table.footer = app.get_footer();
+    table.needs_command = app.get_require_subcommand_min() > 0;
     for (const CLI::Option* option : app.get_options())
         if (!option->get_group().empty()) table.entries.push_back(readOption(*option));
     for (const CLI::App* command : app.get_subcommands({}))

@@ -33,6 +33,7 @@ struct Table {
     std::string text, footer;
     std::vector<Entry> entries; ///< in the order of help
     std::vector<Table> commands;
+    bool needs_command = false;
 };
 
 Table readTable(const CLI::App& app);

@@ -87,6 +87,20 @@ void writeUse(const Table& table, std::ostream& out) {
     out << '\n';
 }
 
+/// A command; of one that only holds others, these.
+void writeCommand(const Table& command, const std::string& before, std::ostream& out) {
+    const std::string name = before + ' ' + command.name;
+    for (const Table& part : command.commands)
+        writeCommand(part, name, out);
+    if (!command.commands.empty()) return;
+    out << ".SS " << bold(name) << ' ';
+    writeUse(command, out);
+    out << escape(command.text) << ".\n";
+    writeEntries(command, "", out);
+    out << ".PP\n";
+    writeFooter(command.footer, out);
+}
+
 } // namespace
 
 std::string makePage(const CLI::App& app, const Page& page) {
@@ -96,19 +110,14 @@ std::string makePage(const CLI::App& app, const Page& page) {
         << ".SH NAME\n"
         << escape(table.name) << " \\- " << escape(page.summary) << "\n.SH SYNOPSIS\n"
         << bold(table.name) << ' ';
-    if (!table.commands.empty()) out << italic("COMMAND") << ' ';
+    if (!table.commands.empty())
+        out << (table.needs_command ? italic("COMMAND") : '[' + italic("COMMAND") + ']') << ' ';
     writeUse(table, out);
     out << ".SH DESCRIPTION\n" << escape(table.text) << '\n';
     writeEntries(table, ".SH", out);
     if (!table.commands.empty()) out << ".SH COMMANDS\n";
-    for (const Table& command : table.commands) {
-        out << ".SS " << bold(table.name + ' ' + command.name) << ' ';
-        writeUse(command, out);
-        out << escape(command.text) << ".\n";
-        writeEntries(command, "", out);
-        out << ".PP\n";
-        writeFooter(command.footer, out);
-    }
+    for (const Table& command : table.commands)
+        writeCommand(command, table.name, out);
     out << ".SH NOTES\n";
     writeFooter(table.footer, out);
     if (!page.see.empty()) out << ".SH SEE ALSO\n" << escape(page.see) << '\n';

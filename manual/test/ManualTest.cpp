@@ -26,6 +26,9 @@ struct ManualTest : testing::Test {
         command->add_flag("--loop", quiet, "Again");
         command->footer("Plain.\n  thing fly a.yaml\n.dots too");
         app.add_subcommand("flop", "Nobody's")->group("");
+        CLI::App* world = app.add_subcommand("world", "Worlds");
+        world->add_subcommand("new", "Make one")->add_flag("--bare", quiet, "No more");
+        world->add_subcommand("fly", "Over it");
     }
     /// What a user who types these words and a tab is offered, in one line; the last word is what
     /// he has begun.
@@ -56,9 +59,10 @@ TEST_F(ManualTest, ThePageTellsAllThatTheProgramTakes) {
          {".TH THING 1 \"\" \"thing 2.5\"", "thing \\- summary of it", "\\fBday|night\\fR",
           "Records \\e a second (1 to 9). Default: 5.", ".SH LATER\n.TP\n\\fB\\-\\-quiet\\fR\n",
           ".SS \\fBthing fly\\fR [\\fIOPTION\\fR]... \\fIMISSION\\fR", "\\fB\\-\\-loop\\fR",
-          "Plain.\n.nf\n  thing fly a.yaml\n.fi\n\\&.dots", "other(1)"})
+          "Plain.\n.nf\n  thing fly a.yaml\n.fi\n\\&.dots", "other(1)",
+          ".SS \\fBthing world new\\fR [\\fIOPTION\\fR]...\nMake one.\n", "\\fB\\-\\-bare"})
         EXPECT_NE(page.find(part), std::string::npos) << part << " is missing in\n" << page;
-    for (const char* part : {"print", "flop"}) // hidden
+    for (const char* part : {"print", "flop", "Worlds."}) // hidden, or only holding others
         EXPECT_EQ(page.find(part), std::string::npos) << page;
 }
 
@@ -71,6 +75,9 @@ TEST_F(ManualTest, BashOffersWhatFitsThere) {
     EXPECT_EQ(offer("thing --rate f"), ""); // a number
     EXPECT_EQ(offer("thing --quiet fly --l"), "--loop");
     EXPECT_EQ(offer("thing fly \"\""), ""); // left to bash: files
+    EXPECT_EQ(offer("thing world \"\""), "new fly");
+    EXPECT_EQ(offer("thing world new --b"), "--bare");
+    EXPECT_EQ(offer("thing fly new --"), "--help --loop");
 }
 
 TEST_F(ManualTest, TheOtherShellsScriptsQuoteTexts) {
@@ -82,6 +89,10 @@ TEST_F(ManualTest, TheOtherShellsScriptsQuoteTexts) {
               std::string::npos)
         << fish;
     EXPECT_EQ((zsh + fish).find("flop"), std::string::npos);
+    EXPECT_NE(fish.find("-n '__fish_seen_subcommand_from world; and __fish_seen_subcommand_from "
+                        "new' -l bare"),
+              std::string::npos)
+        << fish;
 }
 
 } // namespace
