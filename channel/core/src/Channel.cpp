@@ -19,6 +19,7 @@
 #include "plugins/ocean/ObjectOcean.h"
 #include "program/Clock.h"
 #include "program/DataFolder.h"
+#include "program/InputFile.h"
 #include "program/Process.h"
 #include "render/factory/RendererKind.h"
 
@@ -116,7 +117,7 @@ bool Channel::open() {
         const jString start = m_logic->getStartNode();
         if (!start.empty() && !m_world.getNodeByName(start)) // else it has told why
             jLog::error("visual_channel: \"%s\" has no node \"%s\" for the scene to start at",
-                        m_logic->getWorldPath().c_str(), start.c_str());
+                        getWorldPath().c_str(), start.c_str());
         return false;
     }
     m_environment.attach(m_world);
@@ -241,11 +242,20 @@ bool Channel::createLogic() {
     return m_logic != nullptr;
 }
 
+jString Channel::getWorldPath() const {
+    return m_options.world.empty() ? m_logic->getWorldPath() : jString(m_options.world);
+}
+
 bool Channel::loadWorld() {
-    const jString path = m_logic->getWorldPath();
+    const jString path = getWorldPath();
     std::error_code error;
     if (path.empty() || std::filesystem::exists(path.c_str(), error))
         return path.empty() || m_world.load(path);
+    if (!m_options.world.empty()) {
+        jLog::error("visual_channel: --world: cannot open \"%s\": %s", path.c_str(),
+                    program::whyUnreadable(path.c_str()).c_str());
+        return false;
+    }
     std::string other;
     if (!program::findDataFolder(other) && m_options.directory.empty())
         jLog::error("visual_channel: no folder holds config/ and data/: looked at %s: name it with "

@@ -5,7 +5,6 @@
 #include "EventQueue.h"
 #include "FrameClock.h"
 #include "FrameMetrics.h"
-#include "Library.h"
 #include "LogicListener.h"
 #include "MetricsServer.h"
 #include "Options.h"
@@ -26,6 +25,7 @@
 #include "channel/interface/LinkMonitor.h"
 #include "channel/interface/OperatorInterface.h"
 #include "channel/interface/PaceMonitor.h"
+#include "channel/library/Library.h"
 #include "ig/app/ControlApp.h"
 #include "ig/app/IApp.h"
 #include "ig/app/Renderer.h"
@@ -92,6 +92,7 @@ private:
     bool enterFolder() const;
     bool loadLibraries();
     bool createLogic();
+    ig::jString getWorldPath() const;
     bool loadWorld();
     void warmUp();
     void placeCamera();

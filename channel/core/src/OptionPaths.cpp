@@ -17,8 +17,9 @@ void settlePaths(Options& options) {
     const auto stay = [&present](std::string& path) {
         if (!path.empty()) path = (present / path).string();
     };
-    for (std::string* path : {&options.script, &options.screenshot, &options.contact_sheet,
-                              &options.video, &options.trace, &options.record, &options.replay})
+    for (std::string* path :
+         {&options.world, &options.script, &options.screenshot, &options.contact_sheet,
+          &options.video, &options.trace, &options.record, &options.replay})
         stay(*path);
     const auto stay_library = [&stay](std::string& path) {
         if (path.find('/') != std::string::npos) stay(path); // else it is one of ours

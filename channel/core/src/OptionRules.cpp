@@ -58,8 +58,8 @@ const Conflict CONFLICTS[] = {
 };
 
 /// What files are written to, and those that are read; no two of them may be the same.
-const char* const FILES[] = {"screenshot", "contact-sheet", "video", "trace",
-                             "record",     "replay",        "script"};
+const char* const FILES[] = {"screenshot", "contact-sheet", "video",  "trace",
+                             "record",     "replay",        "script", "world"};
 
 const char* const OF_DISPLAY[] = {
     "renderer",         "null",   "warm-up",   "headless", "window",     "vsync",  "full-screen",

@@ -213,6 +213,9 @@ void addOptions(CLI::App& app, Options& options) {
     app.add_option("--logic", options.logic, "Library of the scene logic")
         ->type_name("FILE")
         ->default_str("the one shipped with this program");
+    app.add_option("--world", options.world,
+                   "File of the world to fly in (docs/worlds.md), in place of the logic's own")
+        ->type_name("FILE");
     app.add_option("--plugin", options.plugins, "Further engine plug-in library; may be repeated")
         ->type_name("FILE");
     app.add_option("--fps", options.frame_rate,
@@ -287,21 +290,37 @@ void addWish(const CLI::Option& option, const std::vector<std::string>& values,
     wishes[name] = {values[0], place};
 }
 
-/// False, with an error each, when the command line holds what is no option.
+/// The innermost command that the command line names; the program itself without.
+const CLI::App& commandOf(const CLI::App& app) {
+    const CLI::App* command = &app;
+    while (!command->get_subcommands().empty())
+        command = command->get_subcommands().front();
+    return *command;
+}
+
+/// False, with an error each, when the command line holds what is no option or command.
 bool nameExtras(const CLI::App& app) {
+    const CLI::App& command = commandOf(app);
     std::vector<std::string> names;
-    for (const CLI::Option* option : app.get_options())
+    for (const CLI::Option* option : command.get_options())
         for (const std::string& name : option->get_lnames())
             names.push_back("--" + name);
-    const std::vector<std::string> extras = app.remaining();
-    // The value of an option that there isn't says nothing further.
+    for (const CLI::App* part : command.get_subcommands({}))
+        names.push_back(part->get_name());
+    const std::vector<std::string> extras = app.remaining(true);
+    // What follows an option or a command that there isn't says nothing further.
     const bool only_values =
         std::ranges::none_of(extras, [](const std::string& text) { return text.starts_with('-'); });
     for (const std::string& text : extras)
-        if (only_values || text.starts_with('-'))
-            jLog::error("visual_channel: there is no option \"%s\"%s (--help tells all options)",
-                        text.c_str(), ig::nearest(text, names).c_str());
-    return extras.empty();
+        if (text.starts_with('-') || (only_values && &text == &extras.front()))
+            jLog::error("visual_channel: there is no %s \"%s\"%s (--help tells all options)",
+                        text.starts_with('-') ? "option" : "command", text.c_str(),
+                        ig::nearest(text, names).c_str());
+    if (!extras.empty() || &command == &app || command.get_subcommands({}).empty())
+        return extras.empty();
+    jLog::error("visual_channel: %s needs a command (%s --help tells all)",
+                command.get_name().c_str(), command.get_name().c_str());
+    return false;
 }
 
 /// What is wrong with an option's values, without its name.
@@ -315,7 +334,7 @@ std::string explain(const CLI::Option& option, const CLI::Error& error) {
 /// The error that `parse` threw for some option.
 void logMistake(const CLI::App& app, const CLI::ParseError& error) {
     std::string what = error.what();
-    for (const CLI::Option* option : app.get_options())
+    for (const CLI::Option* option : commandOf(app).get_options())
         if (what.starts_with(option->get_name() + ':'))
             what = option->get_name() + ": " + explain(*option, error);
     jLog::error("visual_channel: %s (--help tells all options)", what.c_str());
@@ -405,7 +424,10 @@ std::vector<std::string> wordsForLog(const CLI::App& app) {
     return words;
 }
 
-bool namesLibrary(const std::string& name) { return name == "logic" || name == "plugin"; }
+/// Of a library or world, which a flight and its replay read.
+bool namesScene(const std::string& name) {
+    return name == "logic" || name == "plugin" || name == "world";
+}
 
 /// What a log may not say: it can come from anybody, and says what the scene is, not which files
 /// are written. These are taken out, with one line for all.
@@ -425,19 +447,19 @@ void dropForeign(const CLI::App& app, std::vector<Setting>& settings) {
                       names.c_str());
 }
 
-/// A log loads no code: the libraries that it names have to be named by the command line too. They
-/// are taken out. False, with an error that tells which, when they are not.
-bool settleLibraries(const CLI::App& app, std::vector<Setting>& settings) {
+/// A log opens no files: libraries and world that it names have to be named by the command line
+/// too. They are taken out. False, with an error that tells which, when they are not.
+bool settleSceneFiles(const CLI::App& app, std::vector<Setting>& settings) {
     std::string missing;
     std::erase_if(settings, [&](const Setting& setting) {
-        if (!namesLibrary(setting.key)) return false;
+        if (!namesScene(setting.key)) return false;
         if (app.get_option("--" + setting.key)->count() == 0)
             missing += " --" + setting.key + ' ' + CLI::detail::join(setting.values, " ");
         return true;
     });
     if (missing.empty()) return true;
-    jLog::error("visual_channel: --replay: the log is of a flight with%s: no log loads libraries; "
-                "if you trust these, name them on the command line too",
+    jLog::error("visual_channel: --replay: the log is of a flight with%s: no log opens libraries "
+                "and worlds; if you trust these, name them on the command line too",
                 missing.c_str());
     return false;
 }
@@ -448,12 +470,12 @@ bool settleLibraries(const CLI::App& app, std::vector<Setting>& settings) {
 bool applyLog(CLI::App& app, Options& options, bool has_config) {
     Wishes wishes = wishesOf(app);
     if (has_config) wishes["config"] = {};
-    std::erase_if(wishes, [](const auto& wish) { return namesLibrary(wish.first); });
+    std::erase_if(wishes, [](const auto& wish) { return namesScene(wish.first); });
     if (!settleWishes(wishes, options.directory)) return false;
     std::vector<Setting> settings;
     if (!readLogOptions(options, settings)) return false;
     dropForeign(app, settings);
-    if (!settleLibraries(app, settings)) return false;
+    if (!settleSceneFiles(app, settings)) return false;
     for (const Setting& setting : settings) {
         CLI::Option* const option = app.get_option_no_throw("--" + setting.key);
         if (!option)
@@ -503,7 +525,8 @@ bool parseOptions(int argc, char** argv, Options& options, int& exit_status) {
                "could not be done, a file could not be written, a replay differs from its log or "
                "the log is damaged, 2 for a wrong "
                "command line or settings file.");
-    app.allow_extras(); // named below, with what is meant
+    app.allow_extras(); // named below, with what is meant; commands inherit it
+    world_commands::add(app, options.command);
     exit_status = 2;
     try {
         app.parse(argc, argv);

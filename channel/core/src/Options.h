@@ -4,13 +4,17 @@
 #include "Weather.h"
 #include "Window.h"
 #include "channel/interface/Overlays.h"
+#include "channel/world/WorldCommands.h"
 
 #include <string>
 #include <vector>
 
 /// What the command line asks for. The defaults are those of a user who gives nothing.
 struct Options {
+    /// Done in place of a flight; empty: a flight.
+    world_commands::Command command;
     std::string logic;                ///< library of the scene logic; empty: the one that we ship
+    std::string world;                ///< file of the world; empty: the logic's own
     std::vector<std::string> plugins; ///< further engine plug-ins, loaded before the logic
     std::string directory;            ///< to work in; empty: the present one
     /// Folder, with its slash, of pictures that no option names; empty: the one to work in.

@@ -15,6 +15,10 @@ int runChannel(int argc, char** argv) {
     int exit_status = 0;
     if (!parseOptions(argc, argv, options, exit_status)) return exit_status;
     try {
+        if (options.command)
+            return options.command({options.directory, options.pictures,
+                                    options.logic.empty() ? DEFAULT_LOGIC : options.logic,
+                                    options.plugins});
         Channel channel(options);
         if (options.print_device) return channel.printDevice() ? 0 : 1;
         if (options.print_schema) return channel.printSchema() ? 0 : 1;

@@ -73,6 +73,10 @@ TEST_F(OptionsTest, MistakesAreNamedWithWhatIsAllowed) {
         {"--replay a", "--replay: cannot open \"a\": "},
         {"--real-time", "does nothing without --replay"},
         {"--verbose", "--verbose requires --version"},
+        {"--world a --trace ./a", "they name the same file"},
+        {"world", "world needs a command"},
+        {"world chekc a", "there is no command \"chekc\"; nearest is \"check\""},
+        {"world check --hlep a", "there is no option \"--hlep\"; nearest is \"--help\""},
         {"--screenshot a.jpg", "pictures are written as PNG: name it \"a.png\""},
     };
     std::filesystem::create_hard_link(folder.write("b.png", "").c_str(), "c.png");
@@ -180,7 +184,7 @@ TEST_F(OptionsTest, AReplayHasTheScenesOptionsOfItsLogAndTheDisplaysOfItsOwn) {
     head.options = {"--logic", "a.so", "--plugin", "b.so"};
     ASSERT_TRUE(rewrite());
     EXPECT_FALSE(parse("--replay b.flog --logic mine.so"));
-    expectError("with --plugin b.so: no log loads libraries");
+    expectError("with --plugin b.so: no log opens libraries");
     EXPECT_TRUE(parse("--replay b.flog --logic mine.so --plugin b.so")) << log.lines[0];
     EXPECT_EQ(options.logic + ' ' + options.plugins.at(0), "mine.so b.so");
 }

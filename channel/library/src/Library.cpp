@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Library.h"
+#include "channel/library/Library.h"
 
 #include "ig/base/jLog.h"
 #include "program/DataFolder.h"

@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: MIT
+
+// visual_channel world check: what a flight would say of a world's files, and what it wouldn't.
+
+#include "Findings.h"
+#include "Subcommands.h"
+#include "TrialStart.h"
+#include "ig/base/jLog.h"
+#include "ig/package/PackageManager.h"
+#include "program/Process.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+
+using ig::jLog;
+
+namespace world_commands {
+
+namespace {
+
+/// A world's file: the path itself, or the one of a folder. Empty, with one log line, without.
+std::string findWorldFile(const std::string& path) {
+    std::error_code error;
+    if (!std::filesystem::is_directory(path, error)) return path;
+    std::string names, found;
+    for (const auto& entry : std::filesystem::directory_iterator(path, error)) {
+        if (entry.path().extension() != ".world") continue;
+        names += (names.empty() ? "" : ", ") + entry.path().filename().string();
+        found = found.empty() ? entry.path().string() : " ";
+    }
+    if (!found.empty() && found != " ") return found;
+    if (names.empty())
+        jLog::error("visual_channel: there is no world in \"%s\", no file NAME.world",
+                    path.c_str());
+    else
+        jLog::error("visual_channel: there are several worlds in \"%s\" (%s): name one of them",
+                    path.c_str(), names.c_str());
+    return {};
+}
+
+/// 0 when nothing is wrong.
+int tell(const std::string& world, const Findings& findings, int files) {
+    for (const std::string& text : findings.get())
+        std::printf("%s\n", text.c_str());
+    if (findings.get().empty())
+        std::printf("nothing is wrong with %s (%d files read)\n", world.c_str(), files);
+    else
+        std::printf("%zu found in %s (%d files read)\n", findings.get().size(), world.c_str(),
+                    files);
+    std::string message;
+    const bool out = program::endOutput(message);
+    if (!out) jLog::error("visual_channel: %s", message.c_str());
+    return out && findings.get().empty() ? 0 : 1;
+}
+
+int check(const Setup& setup, const std::string& path) {
+    if (!enterFolder(setup)) return 1;
+    const std::string world = findWorldFile(settlePath(setup, path));
+    if (world.empty()) return 1;
+    TrialStart trial;
+    if (!trial.loadLibraries(setup)) return 1;
+    Findings findings;
+    jLog::setSink([&findings](ig::LogLevel level, std::string_view line) {
+        if (level != ig::LogLevel::message) findings.addLine(line);
+    });
+    trial.begin(world);
+    jLog::setSink({});
+    return tell(world, findings, ig::PackageManager::getNumRead());
+}
+
+} // namespace
+
+void addCheck(CLI::App& world, Command& command) {
+    CLI::App* const app = world.add_subcommand(
+        "check", "Name everything in a world that is missing, misspelt, out of reach or too heavy");
+    const auto path = std::make_shared<std::string>();
+    app->add_option("WORLD", *path, "The world's file, or the folder that holds it")->required();
+    app->footer("Exit status: 0 when nothing is wrong, 1 when something is, or the check itself "
+                "failed.");
+    app->callback(
+        [&command, path] { command = [path](const Setup& setup) { return check(setup, *path); }; });
+}
+
+} // namespace world_commands

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace world_commands {
+
+/// What is wrong with a world, in the order in which it was found; each once.
+class Findings {
+public:
+    /// A line of the log, without the operation that says it.
+    void addLine(std::string_view line);
+    void add(std::string text);
+    /// Whether one of them holds the text.
+    bool mention(std::string_view text) const;
+    const std::vector<std::string>& get() const { return m_texts; }
+
+private:
+    std::vector<std::string> m_texts;
+};
+
+} // namespace world_commands

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+#include "channel/world/WorldCommands.h"
+
+#include "Subcommands.h"
+#include "ig/base/jLog.h"
+
+#include <CLI/CLI.hpp>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <unistd.h>
+
+namespace world_commands {
+
+void add(CLI::App& app, Command& command) {
+    CLI::App* const world = app.add_subcommand("world", "Make and check worlds of one's own");
+    world->footer("'visual_channel world COMMAND --help' tells more; docs/worlds.md begins with "
+                  "these commands.");
+    addCheck(*world, command);
+}
+
+bool enterFolder(const Setup& setup) {
+    const char* const folder = setup.directory.c_str();
+    if (*folder == 0 || chdir(folder) == 0) return true;
+    ig::jLog::error("visual_channel: \"%s\": %s", folder, std::strerror(errno));
+    return false;
+}
+
+std::string settlePath(const Setup& setup, const std::string& path) {
+    std::error_code error;
+    const std::filesystem::path whole =
+        std::filesystem::weakly_canonical(std::filesystem::path(setup.present) / path, error);
+    const std::filesystem::path here = std::filesystem::current_path(error);
+    const std::filesystem::path below = whole.lexically_relative(here);
+    const bool outside = below.empty() || *below.begin() == "..";
+    return (outside ? whole : below).string();
+}
+
+} // namespace world_commands
