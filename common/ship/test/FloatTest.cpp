@@ -4,6 +4,7 @@
 
 #include "ShipScene.h"
 #include "common/ship/Buoyancy.h"
+#include "common/ship/Flotation.h"
 #include "testkit/LogCapture.h"
 
 #include <algorithm>
@@ -81,6 +82,56 @@ TEST_F(CubeTest, WhatIsNoBoxIsInertAndSaysSo) {
     ball.addShape(Shape::createSphere(1));
     Buoyancy(&ball, sea).update();
     EXPECT_EQ(log.lines, std::vector<std::string>{"Buoyancy::Buoyancy:first shape must be box"});
+}
+
+struct FlotationTest : ShipScene {
+    /// A ship of that mass in a box of 100 x 14 x 4 m, heading north at a latitude; the box's
+    /// middle is its origin.
+    Object* makeShip(float mass, double latitude) {
+        auto* ship = new Object(NODE_DUMMY);
+        auto* body = new BodyRigid(mass, {});
+        body->addShape(Shape::createBox({14, 100, 4}));
+        ship->setBody(body);
+        ship->setName("barge");
+        place(ship, 0);
+        ship->setWgsPosition({LONGITUDE, latitude, 0});
+        return ship;
+    }
+    std::string tell(float mass, double latitude) {
+        LogCapture log;
+        tellFlotation(*makeShip(mass, latitude));
+        return log.lines.empty() ? "" : log.lines[0];
+    }
+};
+
+TEST_F(FlotationTest, TellsWhereABoxComesToRestAtAnyLatitude) {
+    for (const auto& [mass, latitude] :
+         {std::pair(60e3f, 19.7), {150e3f, -45.0}, {500e3f, 66.0}, {30e3f, -60.0}}) {
+        Ship ship(makeShip(mass, latitude), sea);
+        for (int i = 0; i < 60 * 60; i++) {
+            Engine::get()->beginFrame(static_cast<float>(SUBSTEP));
+            ship.update();
+            world.updatePhysics(static_cast<float>(SUBSTEP));
+        }
+        const Flotation told(dvec3(14, 100, 4), static_cast<double>(mass), latitude);
+        const double middle = EARTH.getAltitude(ship.getObject()->getWorldPosition());
+        EXPECT_NEAR(told.middle, middle, 0.01) << latitude;
+        EXPECT_NEAR(told.massFor(middle), static_cast<double>(mass), 0.01 * mass);
+    }
+}
+
+TEST_F(FlotationTest, NamesAShipThatSinksOrIsAwashWithWhatWouldFloat) {
+    // At 560 t it is all under water; (1 + sin 19.7°)²/4 of that leaves the deck at the water.
+    EXPECT_EQ(
+        tell(3000e3f, 19.7),
+        "Ship: \"barge\" sinks: its 3000 t are more than the 560 t that its box of 14 x 100 x "
+        "4 m can float: its deck is out of the water below 250.3 t, and its origin lies in "
+        "the water with 15.91 t");
+    EXPECT_NE(tell(500e3f, 19.7).find("deck 1.11 m under water: draught 5.11 m"),
+              std::string::npos);
+    EXPECT_NE(tell(60e3f, 19.7).find("origin 0.64 m below the water"), std::string::npos);
+    EXPECT_EQ(tell(16e3f, 19.7), ""); // as it is drawn
+    EXPECT_EQ(tell(0, 19.7), "");     // stays where it is
 }
 
 // ------------------------------------------------------------------ the project's ships

@@ -64,4 +64,22 @@ TEST(LogicShips, WhatIsMissingOrNoPrefabIsSkipped) {
     EXPECT_TRUE(scene.log.lines.empty());
 }
 
+TEST(LogicShips, WhatFallsThroughTheSeaIsNamedOnce) {
+    LogicScene scene;
+    const std::string body = "body: {mass: 9e6, shapes: [{type: box, size: [14, 100, 4]}]";
+    scene.folder.write("barge.prefab", "node: {name: hull, " + body + "}}\n");
+    scene.addToWorld("name: ocean, type: ocean, beaufort: 0");
+    scene.addToWorld("name: SM_055_CN_2023, type: prefab, path: barge.prefab");
+    scene.addToWorld("name: tug, type: prefab, path: barge.prefab");
+    scene.addToWorld("name: buoy, " + body + ", landing: true, floating: true}");
+    scene.addToWorld("name: rock, enabled: false, " + body + "}");
+    ASSERT_TRUE(scene.start());
+    std::string told;
+    for (const std::string& line : scene.log.lines)
+        for (const char* name : {"\"SM_055_CN_2023\" (barge.prefab) sinks", "\"hull\" falls",
+                                 "\"buoy\"", "\"rock\"", "\"helicopter\""})
+            if (line.find(name) != std::string::npos) told += name;
+    EXPECT_EQ(told, "\"SM_055_CN_2023\" (barge.prefab) sinks\"hull\" falls");
+}
+
 } // namespace

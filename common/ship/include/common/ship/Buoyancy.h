@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "common/ship/Flotation.h"
 #include "ig/base/jVector.h"
 #include "ig/math/vec.h"
 
@@ -16,7 +17,8 @@ class ObjectOcean;
 /// The immersion r of a point is the depth of its foot, taken as a part of the box's height and
 /// limited to [0, 1]; the foot lies half the height away along the earth's axis, so that it stands
 /// height/2 · sin(latitude) below the point. Fully under water the box is lifted as by a liquid of
-/// `density` kg/m³, so that a box of mass m floats where the mean of r² is m / (density · volume).
+/// `density` kg/m³, so that a box of mass m floats where the mean of r² is m / (density · volume):
+/// `Flotation` tells where that is.
 ///
 /// Owned by its ship, which calls `update` once per frame before it reads the immersion.
 class Buoyancy {
@@ -45,5 +47,5 @@ private:
     float m_damping = 0; ///< drag of a fully immersed point per unit of the body's mass, 1/s
     ig::jVector<ig::dvec3> m_points; ///< in the box's own frame
     float m_weight = 0;              ///< gravity times the box's volume, m⁴/s²
-    float m_density = 100.0f;
+    float m_density = static_cast<float>(Flotation::LIFT);
 };
