@@ -63,7 +63,10 @@ int check(const Setup& setup, const std::string& path) {
     if (!trial.loadLibraries(setup)) return 1;
     Findings findings;
     jLog::setSink([&findings](ig::LogLevel level, std::string_view line) {
-        if (level != ig::LogLevel::message) findings.addLine(line);
+        if (level == ig::LogLevel::message)
+            std::fprintf(stderr, "note: %.*s\n", static_cast<int>(line.size()), line.data());
+        else
+            findings.addLine(line);
     });
     trial.begin(world);
     jLog::setSink({});

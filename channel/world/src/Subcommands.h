@@ -6,6 +6,7 @@
 namespace world_commands {
 
 // Each adds a subcommand of "world" with its options and help.
+void addNew(CLI::App& world, Command& command);
 void addCheck(CLI::App& world, Command& command);
 
 /// Goes to the folder to work in. False, with one log line, when that can't be.

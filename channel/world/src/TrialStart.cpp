@@ -4,9 +4,11 @@
 #include "common/logic/LogicBase.h"
 #include "ig/app/Engine.h"
 #include "ig/base/jLog.h"
+#include "ig/net/SocketUDP.h"
 #include "ig/package/PackageManager.h"
 #include "ig/scene/Material.h"
 #include "ig/scene/Mesh.h"
+#include "program/MutedOutput.h"
 
 using namespace ig;
 
@@ -42,6 +44,8 @@ bool TrialStart::loadLibraries(const Setup& setup) {
 }
 
 bool TrialStart::begin(const std::string& world) {
+    const program::MutedOutput muted; // the logic prints of its link, which there is none of
+    SocketUDP::setOffline(); // ports belong to flights
     if (!m_world.load(world)) return false;
     if (m_logic->init()) return true;
     const jString start = m_logic->getStartNode();

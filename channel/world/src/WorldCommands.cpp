@@ -16,6 +16,7 @@ void add(CLI::App& app, Command& command) {
     CLI::App* const world = app.add_subcommand("world", "Make and check worlds of one's own");
     world->footer("'visual_channel world COMMAND --help' tells more; docs/worlds.md begins with "
                   "these commands.");
+    addNew(*world, command);
     addCheck(*world, command);
 }
 

@@ -77,12 +77,14 @@ void tellFlotation(const Object& ship) {
                       "can float: %s",
                       name.c_str(), mass.c_str(), describeMass(f.capacity).c_str(), size.x, size.y,
                       size.z, remedy.c_str());
+    else if (std::abs(f.middle - placed) <= WELL_DRAWN)
+        return;
     else if (f.freeboard < 0)
         jLog::warning("Ship: %s floats with its deck %.2f m under water: draught %.2f m with %s in "
                       "a box of %g x %g x %g m: %s",
                       name.c_str(), -f.freeboard, f.draught, mass.c_str(), size.x, size.y, size.z,
                       remedy.c_str());
-    else if (std::abs(f.middle - placed) > WELL_DRAWN)
+    else
         jLog::message("Ship: %s floats with its origin %.2f m %s the water (draught %.2f m, "
                       "freeboard %.2f m): with its box at a height of %.3f m instead of %.3f m it "
                       "would lie in the water",

@@ -30,9 +30,9 @@ private:
     double m_height, m_rise; ///< of the box; of its middle above the feet, m
 };
 
-/// Tells in the log how a ship floats that is to float by its body, where it stands: once, a
-/// warning when it sinks, when its deck is awash, or when nothing can float it, and a message when
-/// its origin, where hulls have their drawn waterline, doesn't come to lie in the water. Nothing
+/// Tells in the log how a ship floats that is to float by its body, where it stands: a warning when
+/// it sinks, or nothing can float it; and when its origin, where hulls have their drawn waterline,
+/// doesn't come to lie in the water, a warning when the box's top is awash, else a message. Nothing
 /// for a ship that floats as it is drawn, nor for one without a body or with a body of mass 0,
 /// which stays where it is.
 void tellFlotation(const ig::Object& ship);

@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+
+// Worlds are made and checked as by a user's command line, with the project's data and logic.
+
+#include "channel/world/WorldCommands.h"
+#include "testkit/LogCapture.h"
+#include "testkit/TempFolder.h"
+
+#include <CLI/CLI.hpp>
+#include <cmath>
+#include <gtest/gtest.h>
+#include <sstream>
+
+namespace {
+
+struct WorldCommandsTest : testing::Test {
+    /// A height raster of 0.2 x 0.2 degrees with a round island of 120 m height in its middle.
+    std::string makeIsland(double longitude, double latitude) const {
+        constexpr int SIZE = 200;
+        std::ostringstream grid;
+        grid.precision(12);
+        grid << "ncols " << SIZE << "\nnrows " << SIZE << "\nxllcorner " << longitude - 0.1
+             << "\nyllcorner " << latitude - 0.1 << "\ncellsize " << 0.2 / SIZE << '\n';
+        for (int i = 0; i < SIZE * SIZE; i++)
+            grid << 120 - 8 * std::hypot(i % SIZE - SIZE / 2, i / SIZE - SIZE / 2)
+                 << (i % SIZE == SIZE - 1 ? '\n' : ' ');
+        return folder.write("island.asc", grid.str()).c_str();
+    }
+    /// The exit status of `visual_channel world` with these words; `printed` is what it prints, and
+    /// the log's lines with it.
+    int run(const std::string& words) {
+        CLI::App app;
+        world_commands::Command command;
+        world_commands::add(app, command);
+        app.parse("world " + words);
+        LogCapture log;
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
+        const int status = command({"", "", "Logic_Nerith_Heli_Final.so", {}});
+        printed = testing::internal::GetCapturedStdout() + testing::internal::GetCapturedStderr();
+        for (const std::string& line : log.lines)
+            printed += line + '\n';
+        return status;
+    }
+    bool has(const std::string& part) const { return printed.find(part) != std::string::npos; }
+
+    TempFolder folder;
+    std::string printed;
+};
+
+TEST_F(WorldCommandsTest, ANewWorldIsCompleteAtAnyLatitudeAndFloatsItsShipsAsDrawn) {
+    for (const auto& [longitude, latitude] : {std::pair(12.3, 66.5), {171.0, -45.0}}) {
+        const std::string place = folder.file("bay" + std::to_string(latitude)).c_str();
+        const std::string words = "new " + place + " --name cove --lon " +
+                                  std::to_string(longitude) + " --lat " + std::to_string(latitude) +
+                                  " --raster " + makeIsland(longitude, latitude);
+        ASSERT_EQ(run(words), 0) << printed;
+        EXPECT_TRUE(has("two ships")) << printed;
+        EXPECT_EQ(run("check " + place), 0) << printed;
+        EXPECT_FALSE(has("origin")) << printed; // of ships, above or below the water
+        EXPECT_EQ(run(words), 1);
+        EXPECT_TRUE(has("already: nothing is written over")) << printed;
+    }
+}
+
+TEST_F(WorldCommandsTest, WhereNoPadCanStandTheNearestLandIsNamed) {
+    const std::string raster = " --raster " + makeIsland(171, -45);
+    EXPECT_EQ(
+        run("new " + std::string(folder.file("a").c_str()) + " --lon 171.03 --lat -45" + raster),
+        1);
+    EXPECT_TRUE(has("the nearest is at --lon 171.0")) << printed;
+    EXPECT_EQ(run("new " + std::string(folder.file("a").c_str()) + " --lon -45 --lat 71" + raster),
+              1);
+    EXPECT_TRUE(has("are longitude and latitude exchanged")) << printed;
+    EXPECT_EQ(folder.count(), 1); // the raster
+}
+
+} // namespace
