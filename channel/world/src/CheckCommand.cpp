@@ -3,8 +3,11 @@
 // visual_channel world check: what a flight would say of a world's files, and what it wouldn't.
 
 #include "Findings.h"
+#include "LogicWorld.h"
 #include "Subcommands.h"
 #include "TrialStart.h"
+#include "WorldCheck.h"
+#include "common/logic/LogicBase.h"
 #include "ig/base/jLog.h"
 #include "ig/package/PackageManager.h"
 #include "program/Process.h"
@@ -55,6 +58,18 @@ int tell(const std::string& world, const Findings& findings, int files) {
     return out && findings.get().empty() ? 0 : 1;
 }
 
+/// What the engine hasn't said already.
+void checkAll(const std::string& world, TrialStart& trial, Findings& findings) {
+    LogicWorld asked; // of a logic that tells nothing of its world it stays empty
+    std::error_code error;
+    if (std::filesystem::exists(LogicWorld::findFile(trial.getLogicName()), error))
+        asked.read(trial.getLogicName());
+    WorldCheck rest(world, trial.getWorld(), findings);
+    rest.checkNames(asked);
+    rest.checkFiles(asked);
+    rest.checkPlaces(trial.getLogic().getStartNode().c_str());
+}
+
 int check(const Setup& setup, const std::string& path) {
     if (!enterFolder(setup)) return 1;
     const std::string world = findWorldFile(settlePath(setup, path));
@@ -69,6 +84,7 @@ int check(const Setup& setup, const std::string& path) {
             findings.addLine(line);
     });
     trial.begin(world);
+    if (!listNodes(world).empty()) checkAll(world, trial, findings);
     jLog::setSink({});
     return tell(world, findings, ig::PackageManager::getNumRead());
 }

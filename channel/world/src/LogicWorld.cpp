@@ -33,8 +33,12 @@ std::vector<LogicWorld::Name> readNames(const Package& map, const jString& key) 
 
 } // namespace
 
+std::string LogicWorld::findFile(const std::string& logic_name) {
+    return "config/" + logic_name + ".world.yaml";
+}
+
 bool LogicWorld::read(const std::string& logic_name) {
-    path = "config/" + logic_name + ".world.yaml";
+    const std::string path = findFile(logic_name);
     Package file;
     if (!mjl::open(path, &file)) { // which says what is malformed, but not what is missing
         if (std::error_code error; !std::filesystem::exists(path, error))

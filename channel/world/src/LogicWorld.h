@@ -21,11 +21,11 @@ struct LogicWorld {
         std::vector<Name> names;
     };
 
-    std::string path;            ///< of the file
     std::string template_folder; ///< that places are made from
     std::vector<Name> names;     ///< in the world
     std::vector<Prefab> prefabs; ///< beside those
 
+    static std::string findFile(const std::string& logic_name);
     /// False, with one log line, when the file is missing or malformed.
     bool read(const std::string& logic_name);
 };

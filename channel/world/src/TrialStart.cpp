@@ -45,7 +45,7 @@ bool TrialStart::loadLibraries(const Setup& setup) {
 
 bool TrialStart::begin(const std::string& world) {
     const program::MutedOutput muted; // the logic prints of its link, which there is none of
-    SocketUDP::setOffline(); // ports belong to flights
+    SocketUDP::setOffline();          // ports belong to flights
     if (!m_world.load(world)) return false;
     if (m_logic->init()) return true;
     const jString start = m_logic->getStartNode();

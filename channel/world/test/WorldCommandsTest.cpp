@@ -8,6 +8,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cmath>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
 
@@ -61,6 +62,45 @@ TEST_F(WorldCommandsTest, ANewWorldIsCompleteAtAnyLatitudeAndFloatsItsShipsAsDra
         EXPECT_EQ(run(words), 1);
         EXPECT_TRUE(has("already: nothing is written over")) << printed;
     }
+}
+
+TEST_F(WorldCommandsTest, TheCheckNamesWhatAFlightWouldDoWithout) {
+    const std::string place = folder.file("bay").c_str(), world = place + "/bay.world";
+    ASSERT_EQ(run("new " + place + " --lon 12 --lat 60 --raster " + makeIsland(12, 60)), 0);
+    std::ifstream file(world);
+    std::string text, line;
+    int lines = 0;
+    const auto replace = [](std::string& in, const std::string& what, const std::string& by) {
+        const std::size_t at = in.find(what);
+        if (at != std::string::npos) in.replace(at, what.size(), by);
+    };
+    while (std::getline(file, line)) {
+        lines++;
+        replace(line, "name: cmder", "name: cmdr");
+        replace(line, "type: ocean, wgs: [12", "type: ocean, bofort: 3, wgs: [-112");
+        replace(line, "snow_flake.mat", "snow_flak.mat");
+        replace(line, "name: hail, type: particles", "name: hail, type: prefab, path: nix");
+        if (line.find("name: LNJ_2023") != std::string::npos) // where the pad stands
+            line.replace(line.find("wgs:"), std::string::npos, "wgs: [12.001, 60.001, 0]}");
+        text += line + '\n';
+    }
+    const std::string after = world + ':' + std::to_string(++lines) + ": ";
+    text +=
+        "  - {name: wreck, type: mesh, mesh: " + place +
+        "/pad.obj#pod, wgs: [12, 60.001, -3]}\n  - {name: tug, wgs: [12, 60.01, 0], body: {mass: "
+        "9e6, shapes: [{type: box, size: [14, 100, 4]}]}}\n";
+    folder.write("bay/bay.world", text);
+    EXPECT_EQ(run("check " + place), 1);
+    for (const std::string& part :
+         {std::string("no node \"cmder\"; nearest is \"cmdr\""),
+          std::string("unknown key \"bofort\"; nearest is \"beaufort\""),
+          std::string("No such file or directory; nearest is \"snow_flake.mat\""),
+          std::string("\"hail\" is of type \"prefab\" where the logic looks for \"particles\""),
+          std::string("\"ocean\" lies 56"), std::string("\"LNJ_2023\" would float where there is "),
+          after + "\"wreck\" lies 1", after + "no mesh from \"" + place + "/pad.obj#pod\"",
+          world + ':' + std::to_string(lines + 1) + ": \"tug\" falls"})
+        EXPECT_TRUE(has(part)) << part << " is missing in\n" << printed;
+    EXPECT_FALSE(has("\ncannot open")) << printed; // without a place
 }
 
 TEST_F(WorldCommandsTest, WhereNoPadCanStandTheNearestLandIsNamed) {
