@@ -41,6 +41,15 @@ bool checkName(const std::string& name) {
     return false;
 }
 
+/// As a word of a shell.
+std::string quote(const std::string& text) {
+    if (text.find_first_of(" \t'\"$&()*;<>?[]\\`|~!#") == std::string::npos) return text;
+    std::string quoted = "'";
+    for (const char c : text)
+        quoted += c == '\'' ? "'\\''" : std::string(1, c);
+    return quoted + '\'';
+}
+
 int tell(const Wish& wish, const PlaceFiles& files, const PlaceGround& ground,
          const std::string& name) {
     std::printf("%s: a pad at an altitude of %.2f m%s\n", wish.folder.c_str(), files.getPad(),
@@ -54,9 +63,10 @@ int tell(const Wish& wish, const PlaceFiles& files, const PlaceGround& ground,
     for (const std::string& file : files.getNames())
         std::printf("  %s\n", file.c_str());
     const std::filesystem::path folder(wish.folder);
-    std::printf("check it:  visual_channel world check %s\n", wish.folder.c_str());
+    std::printf("check it:  visual_channel world check %s\n", quote(wish.folder).c_str());
     std::printf("fly there: visual_channel --world %s & flight_sim fly %s\n",
-                (folder / (name + ".world")).c_str(), (folder / "flight.yaml").c_str());
+                quote((folder / (name + ".world")).string()).c_str(),
+                quote((folder / "flight.yaml").string()).c_str());
     std::string message;
     if (program::endOutput(message)) return 0;
     jLog::error("visual_channel: %s", message.c_str());
@@ -71,7 +81,8 @@ int make(const Setup& setup, const Wish& wish) {
     const std::string raster = settlePath(setup, wish.raster);
     LogicWorld asked;
     if (!checkName(name) || !asked.read(nameOf(setup.logic))) return 1;
-    if (const std::string why = program::whyUnreadable(raster); !why.empty()) {
+    const bool archived = raster.starts_with("/vsi");
+    if (const std::string why = archived ? "" : program::whyUnreadable(raster); !why.empty()) {
         jLog::error("visual_channel: --raster: cannot open \"%s\": %s", raster.c_str(),
                     why.c_str());
         return 1;

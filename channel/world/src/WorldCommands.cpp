@@ -28,6 +28,7 @@ bool enterFolder(const Setup& setup) {
 }
 
 std::string settlePath(const Setup& setup, const std::string& path) {
+    if (path.starts_with("/vsi")) return path; // a file in an archive, which only the terrain opens
     std::error_code error;
     const std::filesystem::path whole =
         std::filesystem::weakly_canonical(std::filesystem::path(setup.present) / path, error);
