@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "HeightField.h"
 
+#include "HeightFile.h"
 #include "ig/math/EllipsoidModel.h"
 #include "ig/math/quat.h"
 
 #include <algorithm>
+#include <bit>
 
 namespace ig {
 
@@ -12,9 +14,7 @@ namespace {
 
 const EllipsoidModel EARTH;
 
-/// Cells along a block of the finest level, as a power of two: 4. Its bounds cost an eighth of the
-/// samples' memory.
-constexpr int BLOCK_SHIFT = 2;
+constexpr int BLOCK_SHIFT = HeightLayout::BLOCK_SHIFT;
 /// A micrometre on the ground, in degrees. Converting a place to the world and back errs by a few
 /// nanometres.
 constexpr double TOLERANCE = 1e-11;
@@ -24,13 +24,6 @@ constexpr double TOLERANCE = 1e-11;
 HeightField::HeightField(const TerrainGrid& shape, std::vector<float> heights)
     : m_grid(shape), m_heights(std::move(heights)) {
     m_grid.heights = m_heights.data();
-    m_middle_longitude = m_grid.west + (m_grid.columns - 1) * 0.5 * m_grid.spacing_longitude;
-    m_middle_longitude = std::remainder(m_middle_longitude, 360);
-    const double south = m_grid.north - (m_grid.rows - 1) * m_grid.spacing_latitude;
-    const double farthest = std::max(std::abs(m_grid.north), std::abs(south));
-    m_steepest_tangent = std::tan(std::min(farthest + 0.5, 89.9) * DEG_TO_RAD<double>);
-    m_tolerance_u = TOLERANCE / m_grid.spacing_longitude;
-    m_tolerance_v = TOLERANCE / m_grid.spacing_latitude;
     Range all;
     for (const float height : m_heights) {
         if (TerrainGrid::isHole(height))
@@ -42,7 +35,29 @@ HeightField::HeightField(const TerrainGrid& shape, std::vector<float> heights)
         m_grid.lowest = all.lowest;
         m_grid.highest = all.highest;
     }
+    place();
     buildLevels();
+}
+
+HeightField::HeightField(std::unique_ptr<const HeightFile> file)
+    : m_grid(file->getShape()), m_file(std::move(file)) {
+    place();
+    for (const HeightLayout::Part& part : m_file->getLayout().blocks)
+        m_levels.push_back({part.columns, part.rows, m_file->getBlocks(part)});
+}
+
+HeightField::~HeightField() = default;
+
+/// What follows from the grid's place.
+void HeightField::place() {
+    m_grid.overview = this;
+    m_middle_longitude = m_grid.west + (m_grid.columns - 1) * 0.5 * m_grid.spacing_longitude;
+    m_middle_longitude = std::remainder(m_middle_longitude, 360);
+    const double south = m_grid.north - (m_grid.rows - 1) * m_grid.spacing_latitude;
+    const double farthest = std::max(std::abs(m_grid.north), std::abs(south));
+    m_steepest_tangent = std::tan(std::min(farthest + 0.5, 89.9) * DEG_TO_RAD<double>);
+    m_tolerance_u = TOLERANCE / m_grid.spacing_longitude;
+    m_tolerance_v = TOLERANCE / m_grid.spacing_latitude;
 }
 
 HeightField::Facet HeightField::getFacetOfCell(int column, int row, double u, double v) const {
@@ -92,20 +107,26 @@ HeightField::Range HeightField::getBlockRange(int block_column, int block_row) c
 }
 
 void HeightField::buildLevels() {
-    const auto blocks = [](int cells) { return ((cells - 1) >> BLOCK_SHIFT) + 1; };
-    Level finest{blocks(m_grid.columns - 1), blocks(m_grid.rows - 1), {}};
-    for (int j = 0; j < finest.rows; j++)
-        for (int i = 0; i < finest.columns; i++)
-            finest.blocks.push_back(getBlockRange(i, j));
-    m_levels.push_back(std::move(finest));
-    while (m_levels.back().columns > 1 || m_levels.back().rows > 1) {
-        const Level& fine = m_levels.back();
-        Level coarse{(fine.columns + 1) / 2, (fine.rows + 1) / 2, {}};
-        coarse.blocks.resize(coarse.index(0, coarse.rows));
-        for (int j = 0; j < fine.rows; j++)
-            for (int i = 0; i < fine.columns; i++)
-                coarse.at(i / 2, j / 2).expand(fine.at(i, j).lowest, fine.at(i, j).highest);
-        m_levels.push_back(std::move(coarse));
+    const auto add = [this](const HeightLayout::Part& part) -> std::vector<Range>& {
+        m_blocks.emplace_back(static_cast<std::size_t>(part.columns) *
+                              static_cast<std::size_t>(part.rows));
+        m_levels.push_back({part.columns, part.rows, m_blocks.back().data()});
+        return m_blocks.back();
+    };
+    const HeightLayout layout(m_grid.columns, m_grid.rows);
+    for (const HeightLayout::Part& part : layout.blocks) {
+        Range* block = add(part).data();
+        const Level* finer = m_levels.size() > 1 ? &m_levels.end()[-2] : nullptr;
+        for (int j = 0; j < part.rows; j++)
+            for (int i = 0; i < part.columns; i++, block++) {
+                if (!finer) {
+                    *block = getBlockRange(i, j);
+                    continue;
+                }
+                for (int v = 2 * j; v < std::min(2 * j + 2, finer->rows); v++)
+                    for (int u = 2 * i; u < std::min(2 * i + 2, finer->columns); u++)
+                        block->expand(finer->at(u, v).lowest, finer->at(u, v).highest);
+            }
     }
 }
 
@@ -129,6 +150,19 @@ HeightField::Range HeightField::getRange(double u0, double u1, double v0, double
         for (int i = i0; i <= i1; i++)
             range.expand(m_levels[level].at(i, j).lowest, m_levels[level].at(i, j).highest);
     return range;
+}
+
+HeightField::Range HeightField::getSquareRange(int column, int row, int edge) const {
+    const int shift = std::countr_zero(static_cast<unsigned>(edge));
+    const auto level = static_cast<std::size_t>(shift - BLOCK_SHIFT);
+    if (level >= m_levels.size()) return m_levels.back().at(0, 0); // more than all
+    return m_levels[level].at(column >> shift, row >> shift);
+}
+
+float HeightField::getHeight(int column, int row, int step) const {
+    if (m_file && step > 1 && ((column | row) & (step - 1)) == 0)
+        return m_file->getHeight(column, row, step);
+    return m_grid.getHeight(column, row);
 }
 
 BoundSphere HeightField::getBounds() const {

@@ -5,17 +5,24 @@
 #include "plugins/terrain/TerrainGrid.h"
 
 #include <limits>
+#include <memory>
 #include <vector>
 
 namespace ig {
 
+class HeightFile;
+
 /// The triangles of a terrain's grid, in grid coordinates: u counts columns from the west, v rows
-/// from the north, both with a fraction. Immutable.
-class HeightField {
+/// from the north, both with a fraction. Immutable. Samples and bounds lie in memory, or in the
+/// file of a built world, which is mapped and read where somebody looks.
+class HeightField final : public TerrainOverview {
 public:
     /// `shape` describes `heights` (its pointer and its range are filled in here); at least 2 × 2
     /// samples.
     HeightField(const TerrainGrid& shape, std::vector<float> heights);
+    explicit HeightField(std::unique_ptr<const HeightFile> file);
+    HeightField(const HeightField&) = delete;
+    ~HeightField();
 
     const TerrainGrid& getGrid() const { return m_grid; }
 
@@ -31,18 +38,11 @@ public:
     /// back.
     Facet getFacet(double u, double v) const;
 
-    struct Range {
-        float lowest = std::numeric_limits<float>::infinity();
-        float highest = -std::numeric_limits<float>::infinity(); ///< empty: below `lowest`
-
-        bool isEmpty() const { return highest < lowest; }
-        void expand(float low, float high) {
-            lowest = std::min(lowest, low);
-            highest = std::max(highest, high);
-        }
-    };
+    using Range = HeightRange;
     /// Bounds of all heights over the rectangle [u0, u1] × [v0, v1]; empty where no data is.
     Range getRange(double u0, double u1, double v0, double v1) const;
+    Range getSquareRange(int column, int row, int edge) const override;
+    float getHeight(int column, int row, int step) const override;
 
     /// Sphere around the surface, in the world.
     BoundSphere getBounds() const;
@@ -53,24 +53,30 @@ public:
     double getToleranceU() const { return m_tolerance_u; } ///< samples in a micrometre
     double getToleranceV() const { return m_tolerance_v; }
 
-private:
-    /// Heights' bounds of square blocks of cells; each level has blocks twice as wide as the last.
+    /// Bounds of square blocks of cells; each level has blocks twice as wide as the last, from 4
+    /// cells to all.
     struct Level {
         int columns, rows;
-        std::vector<Range> blocks;
-        Range& at(int i, int j) { return blocks[index(i, j)]; }
-        const Range& at(int i, int j) const { return blocks[index(i, j)]; }
-        std::size_t index(int i, int j) const {
-            return static_cast<std::size_t>(j) * static_cast<std::size_t>(columns) +
-                   static_cast<std::size_t>(i);
+        const Range* blocks;
+
+        const Range& at(int i, int j) const {
+            return blocks[static_cast<std::ptrdiff_t>(j) * columns + i];
         }
     };
+    const std::vector<Level>& getLevels() const { return m_levels; }
+    /// Null for one in memory.
+    const HeightFile* getFile() const { return m_file.get(); }
+
+private:
+    void place();
     void buildLevels();
     Range getBlockRange(int block_column, int block_row) const;
     Facet getFacetOfCell(int column, int row, double u, double v) const;
 
     TerrainGrid m_grid;
-    std::vector<float> m_heights;
+    std::unique_ptr<const HeightFile> m_file;
+    std::vector<float> m_heights;             ///< empty with a file
+    std::vector<std::vector<Range>> m_blocks; ///< of the levels; empty with a file
     std::vector<Level> m_levels;
     double m_middle_longitude = 0;
     double m_steepest_tangent = 0;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "plugins/terrain/ObjectTerrain.h"
 
+#include "BuiltGround.h"
 #include "HeightStack.h"
 #include "SegmentQuery.h"
 #include "makeGround.h"
@@ -25,6 +26,7 @@ bool ObjectTerrain::load(const TerrainSources& sources) {
     m_ground.reset();
     m_sources = sources;
     invalidateBounds();
+    if (!sources.built.empty()) return loadBuilt();
     MadeGround ground = makeGround(sources);
     for (const std::string& fault : ground.faults)
         jLog::error("ObjectTerrain::load: %s", fault.c_str());
@@ -33,6 +35,19 @@ bool ObjectTerrain::load(const TerrainSources& sources) {
     if (ground.fields.empty()) return false;
     m_ground = std::make_unique<HeightStack>(std::move(ground.fields));
     return ground.faults.empty();
+}
+
+bool ObjectTerrain::loadBuilt() {
+    std::string failure;
+    std::vector<std::unique_ptr<const HeightField>> fields = openBuiltGround(m_sources, failure);
+    if (fields.empty()) {
+        jLog::error("ObjectTerrain::load: no ground from \"%s\", %s (the world names it as "
+                    "\"built\"; \"visual_channel world build\" with the world file makes it)",
+                    m_sources.built.c_str(), failure.c_str());
+        return false;
+    }
+    m_ground = std::make_unique<const HeightStack>(std::move(fields));
+    return true;
 }
 
 bool ObjectTerrain::load(const jString& path) {

@@ -51,6 +51,8 @@ protected:
     void onMoved() override;
 
 private:
+    bool loadBuilt();
+
     TerrainSources m_sources;
     std::unique_ptr<const HeightStack> m_ground; ///< null without a raster
 };

@@ -1,11 +1,40 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <span>
 
 namespace ig {
+
+/// Bounds of heights, m.
+struct HeightRange {
+    float lowest = std::numeric_limits<float>::infinity();
+    float highest = -std::numeric_limits<float>::infinity(); ///< empty: below `lowest`
+
+    bool isEmpty() const { return highest < lowest; }
+    void expand(float low, float high) {
+        lowest = std::min(lowest, low);
+        highest = std::max(highest, high);
+    }
+};
+
+/// Answers coarse questions about a terrain's grid, so that nobody reads all its samples: those of
+/// a built world lie in a file.
+class TerrainOverview {
+public:
+    /// Bounds of the samples of a square of cells with its border, as far as the grid reaches. Its
+    /// edge is a power of two, at least 4, of which column and row are multiples.
+    virtual HeightRange getSquareRange(int column, int row, int edge) const = 0;
+    /// A sample, from the place where those whose column and row are multiples of `step`, a power
+    /// of two, lie close to each other, if there is one.
+    virtual float getHeight(int column, int row, int step) const = 0;
+
+protected:
+    ~TerrainOverview() = default;
+};
 
 /// What a terrain is made of, to be read by those who draw it or look into it: a grid of height
 /// samples in longitude and latitude. Sample (column, row) stands at longitude
@@ -24,8 +53,9 @@ struct TerrainGrid {
     /// `rows` times `columns` altitudes above the ellipsoid, row by row from the north; not a
     /// number where there is no data. Owned by the terrain, unchanged until its next `load`.
     const float* heights = nullptr;
-    float lowest = 0, highest = 0; ///< of the samples with data
-    bool has_holes = false;        ///< some samples have no data
+    float lowest = 0, highest = 0;             ///< of the samples with data
+    bool has_holes = false;                    ///< some samples have no data
+    const TerrainOverview* overview = nullptr; ///< the terrain's own; null: none
 
     struct Cells {
         int column = 0, row = 0, columns = 0, rows = 0;
@@ -50,6 +80,10 @@ struct TerrainGrid {
     double getRow(double latitude) const { return (north - latitude) / spacing_latitude; }
     bool contains(double column, double row) const {
         return column >= 0 && column <= columns - 1 && row >= 0 && row <= rows - 1;
+    }
+    /// A sample, by one who reads only every `step`th, a power of two, along columns and rows.
+    float getHeight(int column, int row, int step) const {
+        return overview ? overview->getHeight(column, row, step) : getHeight(column, row);
     }
     static bool isHole(float height) { return std::isnan(height); }
     /// The same samples in the same places, as far as can be told without reading them all.

@@ -1,0 +1,192 @@
+// SPDX-License-Identifier: MIT
+
+// Built worlds: the folder that a builder fills, and the ground that is read from it.
+
+#include "HeightField.h"
+#include "HeightFile.h"
+#include "RasterFiles.h"
+#include "ig/math/EllipsoidModel.h"
+#include "plugins/terrain/ObjectTerrain.h"
+#include "plugins/terrain/WorldBuilder.h"
+#include "testkit/LogCapture.h"
+
+#include <bit>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <sstream>
+
+using namespace ig;
+
+namespace {
+
+using Result = WorldBuilder::Result;
+constexpr int COLUMNS = 1500, ROWS = 1301;
+
+/// Hills, the sea, and a patch without data.
+RasterFile makeRaster() {
+    return RasterFile::degrees(COLUMNS, ROWS, 10, 44, 1e-4, [](int column, int row) {
+        const bool is_hole = std::abs(column - 700) < 9 && std::abs(row - 300) < 7;
+        return is_hole ? -32767.0 : 90 * std::sin(column * 0.013) * std::cos(row * 0.0171) + 30;
+    });
+}
+
+struct BuiltWorldTest : testing::Test {
+    RasterFolder folder;
+    TerrainSources sources;
+    std::string failure;
+
+    BuiltWorldTest() {
+        sources.rasters = {folder.writeRaster(makeRaster())};
+        sources.built = folder.file("built");
+    }
+    /// `most`: steps after which it is told to stop; −1: none.
+    Result build(int most = -1) {
+        failure.clear();
+        int made = -1; // the beginning is told too
+        return WorldBuilder(sources).build([&](const char*, int, int) { return ++made != most; },
+                                           failure);
+    }
+    /// What is said when the ground is loaded.
+    std::string tellLoad() const {
+        const LogCapture log;
+        ObjectTerrain().load(sources);
+        std::string said;
+        for (const std::string& line : log.lines)
+            said += line + '\n';
+        return said;
+    }
+    std::string read(const std::string& name) const {
+        std::ostringstream read;
+        read << std::ifstream(folder.path() / "built" / name, std::ios::binary).rdbuf();
+        return read.str();
+    }
+};
+
+} // namespace
+
+TEST_F(BuiltWorldTest, IsTheSameGround) {
+    ASSERT_EQ(build(), Result::built) << failure;
+    EXPECT_EQ(build(), Result::up_to_date);
+    ObjectTerrain built, loaded;
+    ASSERT_TRUE(built.load(sources));
+    ASSERT_TRUE(loaded.load(sources.rasters.front()));
+    const TerrainGrid &a = built.getGrids().front(), &b = loaded.getGrids().front();
+    ASSERT_EQ(a.columns, COLUMNS);
+    EXPECT_TRUE(a.has_holes);
+    for (int row = 0; row < ROWS; row++)
+        for (int column = 0; column < COLUMNS; column++)
+            ASSERT_EQ(std::bit_cast<std::uint32_t>(a.getHeight(column, row)),
+                      std::bit_cast<std::uint32_t>(b.getHeight(column, row)))
+                << column << ' ' << row;
+    for (int step = 2; step <= 1024; step *= 2)
+        for (int row = 0; row < ROWS; row += step)
+            for (int column = 0; column < COLUMNS; column += step)
+                ASSERT_EQ(std::bit_cast<std::uint32_t>(a.getHeight(column, row, step)),
+                          std::bit_cast<std::uint32_t>(b.getHeight(column, row)))
+                    << step << ' ' << column << ' ' << row;
+    std::mt19937 engine(3);
+    std::uniform_real_distribution<> longitude(9.99, 10.16), latitude(43.86, 44.01);
+    const EllipsoidModel earth;
+    int met = 0;
+    for (int i = 0; i < 3000; i++) {
+        const dvec3 from = earth.toWorld({longitude(engine), latitude(engine), 200});
+        const dvec3 to = earth.toWorld({longitude(engine), latitude(engine), -70});
+        dvec3 hit_a, hit_b;
+        const bool meets = built.getIntersection(0, from, to, &hit_a);
+        ASSERT_EQ(meets, loaded.getIntersection(0, from, to, &hit_b));
+        ASSERT_EQ(hit_a, hit_b);
+        met += meets;
+    }
+    EXPECT_GT(met, 1000);
+}
+
+/// Whatever a run had finished when it was ended, the next one makes the same files.
+TEST_F(BuiltWorldTest, IsTakenUpAgain) {
+    ASSERT_EQ(build(), Result::built) << failure;
+    const std::string whole = read("heights_0.f32");
+    ASSERT_GT(whole.size(), 4u * COLUMNS * ROWS);
+    const std::filesystem::path built = folder.path() / "built";
+    const auto part = built / "heights_0.part.f32", notes = built / "building.txt";
+    for (const bool loses_part : {false, true}) {
+        std::filesystem::remove_all(built);
+        ASSERT_EQ(build(3), Result::stopped);
+        EXPECT_NE(tellLoad().find("has not come to its end"), std::string::npos) << tellLoad();
+        // The end came in the middle of a step, and of its note.
+        std::filesystem::resize_file(part, (std::filesystem::file_size(part) + 4095) / 4096 * 4096);
+        std::ofstream(part, std::ios::app) << "half a step";
+        std::ofstream(notes, std::ios::app) << "heights 3";
+        if (loses_part) std::filesystem::remove(part);
+        int made = 0, of = 0;
+        const auto count = [&](const char*, int, int steps) {
+            of = steps;
+            return ++made > 0;
+        };
+        EXPECT_EQ(WorldBuilder(sources).build(count, failure), Result::built) << failure;
+        EXPECT_EQ(made - 1, loses_part ? of : of - 3);
+        EXPECT_TRUE(read("heights_0.f32") == whole);
+        EXPECT_FALSE(std::filesystem::exists(notes));
+    }
+}
+
+TEST_F(BuiltWorldTest, SaysWhenItsSourcesHaveChanged) {
+    ASSERT_EQ(build(), Result::built);
+    EXPECT_EQ(tellLoad(), "");
+    const TerrainSources before = sources;
+    sources.heights = TerrainSources::Heights::ellipsoid;
+    EXPECT_NE(tellLoad().find("names other sources"), std::string::npos) << tellLoad();
+    sources = before;
+    const std::string whole = read("heights_0.f32");
+    RasterFile other = makeRaster();
+    other.height = [](int column, int row) { return column + row; };
+    folder.writeRaster(other);
+    EXPECT_NE(tellLoad().find("heights.tif\" has changed"), std::string::npos) << tellLoad();
+    ASSERT_EQ(build(), Result::built) << failure;
+    EXPECT_EQ(tellLoad(), "");
+    EXPECT_FALSE(read("heights_0.f32") == whole);
+    std::filesystem::remove(folder.path() / "heights.tif"); // given away without it
+    EXPECT_EQ(tellLoad(), "");
+}
+
+TEST_F(BuiltWorldTest, WhatIsNoneIsRefused) {
+    EXPECT_NE(tellLoad().find("no built world"), std::string::npos) << tellLoad();
+    ASSERT_EQ(build(), Result::built);
+    const std::filesystem::path heights = folder.file("built/heights_0.f32").c_str();
+    const std::string whole = read("heights_0.f32");
+    const auto put = [&](std::string bytes) {
+        std::ofstream(heights, std::ios::binary) << bytes;
+        return tellLoad();
+    };
+    const auto changed = [&](std::size_t at) {
+        std::string bytes = whole;
+        bytes[at] = static_cast<char>(bytes[at] ^ 1);
+        return bytes;
+    };
+    const struct {
+        std::string bytes;
+        const char* said;
+    } cases[] = {{whole.substr(0, whole.size() - 4096), "in place of"},
+                 {whole.substr(0, 20), "no heights"},
+                 {changed(offsetof(HeightHeader, purpose)), "no heights"},
+                 {changed(offsetof(HeightHeader, version)), "another version"},
+                 {changed(offsetof(HeightHeader, byte_order)), "byte order"},
+                 {changed(offsetof(HeightHeader, rows)), "in place of"},
+                 {changed(offsetof(HeightHeader, columns) + 3), "damaged"}};
+    for (const auto& c : cases)
+        EXPECT_NE(put(c.bytes).find(c.said), std::string::npos) << c.said << ": " << tellLoad();
+    EXPECT_EQ(put(whole), "");
+    // A folder of other things is not built into, nor one that somebody builds into.
+    sources.built = folder.path().string();
+    EXPECT_EQ(build(), Result::failed);
+    EXPECT_NE(failure.find("other things"), std::string::npos) << failure;
+    sources.built = folder.file("other");
+    std::string second;
+    WorldBuilder(sources).build(
+        [&](const char*, int, int) {
+            EXPECT_EQ(WorldBuilder(sources).build([](auto...) { return true; }, second),
+                      Result::failed);
+            return false;
+        },
+        failure);
+    EXPECT_NE(second.find("another process"), std::string::npos) << second;
+}
