@@ -276,6 +276,7 @@ void Channel::warmUp() {
     m_frame_info.ui = m_options.no_interface ? nullptr : all;
     m_frame_info.ui_root = m_options.no_interface ? nullptr : m_interface.getRoot();
     m_frame_info.focus = m_listener.m_focus;
+    m_frame_info.hurried = m_window.isOpen() && !m_replay; // what nobody watches is the same always
     std::vector<jString> later = m_listener.m_preloaded;
     later.insert(later.end(), m_world.getLaterPrefabs().begin(), m_world.getLaterPrefabs().end());
     m_renderer->setWindowSize(m_window.getWidth(), m_window.getHeight());

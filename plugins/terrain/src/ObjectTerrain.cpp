@@ -96,6 +96,8 @@ TerrainGrids ObjectTerrain::getGrids() const {
     return m_ground ? m_ground->getGrids() : TerrainGrids();
 }
 
+std::shared_ptr<const void> ObjectTerrain::getOwner() const { return m_ground; }
+
 BoundSphere ObjectTerrain::getOwnBounds() const {
     if (!m_ground) return {};
     const BoundSphere world = m_ground->getBounds();

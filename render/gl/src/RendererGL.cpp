@@ -337,6 +337,7 @@ void RendererGL::Impl::drawPicture(const World& world, const Camera& camera, con
 void RendererGL::Impl::gather(const World& world, const Camera& camera, const FrameInfo& frame) {
     view = FrameView(camera, canvas->getSceneHeight(), gl::hasClipControl());
     view.everything = rehearsal != nullptr;
+    view.hurried = frame.hurried && !rehearsal;
     block.projection = view.projection;
     block.view = view.view;
     const auto w = static_cast<float>(canvas->getSceneWidth());

@@ -5,7 +5,6 @@
 #include "ig/math/quat.h"
 #include "render/scene/ShaderConstants.h"
 #include "render/scene/SurfaceLook.h"
-#include "render/scene/packNormal.h"
 
 #include <algorithm>
 #include <cmath>
@@ -20,47 +19,9 @@ constexpr float CELL_PIXELS = 10;    ///< a cell larger than this in the picture
 constexpr float GRAIN_PIXEL = 0.06f; ///< m: no grain shows where a pixel covers more (terrain.frag)
 constexpr float SEA_BED = -15;       ///< altitude below which the sea hides everything
 
-struct Vertex {
-    vec3 position;
-    std::uint32_t normal; ///< 10 bits an axis
-    float altitude;
-};
-
-/// Metres per sample to the east and to the north at a row.
-dvec2 spacing(const TerrainGrid& grid, double row) {
-    const double latitude = (grid.north - row * grid.spacing_latitude) * DEG_TO_RAD<double>;
-    constexpr double DEGREE = EllipsoidModel::DEGREE;
-    return {grid.spacing_longitude * DEGREE * std::max(std::cos(latitude), 0.01),
-            grid.spacing_latitude * DEGREE};
-}
-
-dvec3 geodetic(const TerrainGrid& grid, double column, double row, double altitude) {
-    return {grid.west + column * grid.spacing_longitude, grid.north - row * grid.spacing_latitude,
-            altitude};
-}
-
-/// Triangles of a chunk of `edge`² vertices, as the terrain defines them: each cell is split from
-/// its north-east to its south-west corner; those with a corner without data are left out, and
-/// cells that are `replaced`.
-template <class Replaced>
-std::vector<std::uint16_t> triangulate(const std::vector<char>& has_data, int edge,
-                                       const Replaced& replaced) {
-    std::vector<std::uint16_t> indices;
-    const auto addTriangle = [&](int a, int b, int c) {
-        const auto good = [&has_data](int v) { return has_data[v] != 0; };
-        if (!good(a) || !good(b) || !good(c)) return;
-        for (const int v : {a, b, c})
-            indices.push_back(static_cast<std::uint16_t>(v));
-    };
-    for (int j = 0; j < edge - 1; j++)
-        for (int i = 0; i < edge - 1; i++) {
-            if (replaced(i, j)) continue;
-            const int nw = j * edge + i, ne = nw + 1, sw = nw + edge, se = sw + 1;
-            addTriangle(nw, sw, ne);
-            addTriangle(ne, sw, se);
-        }
-    return indices;
-}
+constexpr double NEARER = 1.4;      ///< so much nearer than it is, an eye soon is
+constexpr std::size_t UPLOADED = 8; ///< meshes a view at most: 37 KiB each
+constexpr double BELOW = 60;        ///< m around the place below the eye
 
 } // namespace
 
@@ -72,21 +33,20 @@ void TerrainPass::init() {
     m_far_program.start("cloudshade.glsl terrain.vert", "shadow.glsl terrain.frag", "FAR");
 }
 
-std::uint64_t TerrainPass::key(const Square& square) {
-    return static_cast<std::uint64_t>(square.step) << 48 |
-           static_cast<std::uint64_t>(square.row) << 24 | square.column;
-}
-
-void TerrainPass::adopt(TerrainGrids grids) {
+void TerrainPass::adopt(const ObjectTerrain& terrain) {
+    const TerrainGrids grids = terrain.getGrids();
     if (std::ranges::equal(grids, m_layers, {}, {}, &Layer::grid)) return;
     m_layers.clear();
-    for (const TerrainGrid& grid : grids)
-        m_layers.emplace_back().grid = grid;
+    for (const TerrainGrid& grid : grids) {
+        m_layers.emplace_back();
+        m_layers.back().grid = grid;
+        m_layers.back().maker.adopt(grid, terrain.getOwner());
+    }
 }
 
 dvec2 TerrainPass::placeInNoise(const TerrainGrid& grid, double longitude, double latitude) {
     const double column = grid.getColumn(longitude), row = grid.getRow(latitude);
-    const dvec2 metres = spacing(grid, row);
+    const dvec2 metres = getSampleLengths(grid, row);
     return {std::fmod(column * metres.x, double{NOISE_PERIOD}),
             std::fmod((grid.rows - row) * metres.y, double{NOISE_PERIOD})};
 }
@@ -107,7 +67,7 @@ void TerrainPass::draw(const FrameView& view, const ObjectTerrain& terrain, cons
                        bool hills) {
     m_frame++;
     if (terrain.getGrids().empty()) return;
-    adopt(terrain.getGrids());
+    adopt(terrain);
     purge();
     m_material = terrain.getSurfaceMaterial(0);
     m_lights = &lights;
@@ -116,68 +76,76 @@ void TerrainPass::draw(const FrameView& view, const ObjectTerrain& terrain, cons
     glEnable(GL_CULL_FACE);
     for (Layer& layer : m_layers) // the coarser one tells whether a finer one is shown
         layer.is_shown = isShown(view, layer);
-    for (Layer& layer : m_layers)
-        if (layer.is_shown) visit(view, layer, getRoot(layer.grid));
+    for (Layer& layer : m_layers) {
+        if (!layer.is_shown) continue;
+        const TerrainSquare root = getRoot(layer.grid);
+        const Sight sight = look(view, layer, root);
+        if (view.hurried) {
+            take(layer);
+            wishFor(view, layer, root, sight);
+        }
+        if (sight.is_ground) visit(view, layer, root, sight);
+    }
     glDisable(GL_CULL_FACE);
 }
 
-TerrainPass::Square TerrainPass::getRoot(const TerrainGrid& grid) {
-    Square root{0, 0, 1};
-    while (CELLS * root.step < std::max(grid.columns, grid.rows) - 1)
+TerrainSquare TerrainPass::getRoot(const TerrainGrid& grid) {
+    TerrainSquare root{0, 0, 1};
+    while (root.getEdge() < std::max(grid.columns, grid.rows) - 1)
         root.step *= 2;
     return root;
 }
 
 /// A finer grid is shown when the parent's cells that it replaces would be too large.
-bool TerrainPass::isShown(const FrameView& view, Layer& layer) {
+bool TerrainPass::isShown(const FrameView& view, const Layer& layer) const {
     const TerrainGrid& grid = layer.grid;
     if (grid.parent < 0) return true;
-    const Layer& parent = m_layers[static_cast<std::size_t>(grid.parent)];
+    const Layer& parent = *std::next(m_layers.begin(), grid.parent);
     if (!parent.is_shown) return false;
-    const Extent extent = measure(layer, getRoot(grid));
-    if (extent.highest < extent.lowest) return true; // nothing but holes
     const double column = (grid.columns - 1) / 2.0, row = (grid.rows - 1) / 2.0;
-    const double middle = (double{extent.lowest} + double{extent.highest}) / 2;
-    const dvec3 center = EllipsoidModel().toWorld(geodetic(grid, column, row, middle));
-    const dvec2 metres = spacing(grid, row);
+    const double middle = (double{grid.lowest} + double{grid.highest}) / 2;
+    const dvec3 center =
+        EllipsoidModel().toWorld({grid.west + column * grid.spacing_longitude,
+                                  grid.north - row * grid.spacing_latitude, middle});
+    const dvec2 metres = getSampleLengths(grid, row);
     const double radius =
-        std::hypot(metres.x * column, metres.y * row, double{extent.highest} - middle);
+        std::hypot(metres.x * column, metres.y * row, double{grid.highest} - middle);
     const double distance =
         view.orthographic ? 1 : std::max(length(dvec3(view.toFrame(center))) - radius, 1.0);
-    return spacing(parent.grid, 0).y > double{CELL_PIXELS * view.pixel_angle} * distance;
+    return getSampleLengths(parent.grid, 0).y > double{CELL_PIXELS * view.pixel_angle} * distance;
 }
 
 /// The bits that tell which grids are meant run out at 64, with which the last stands for more.
-TerrainPass::Cover TerrainPass::getCover(const Layer& layer, const Square& square) const {
+TerrainPass::Cover TerrainPass::getCover(const Layer& layer, const TerrainSquare& square) const {
     Cover cover;
-    const int size = CELLS * square.step;
-    const int east = std::min(square.column + size, layer.grid.columns - 1);
-    const int south = std::min(square.row + size, layer.grid.rows - 1);
-    for (std::size_t i = 1; i < m_layers.size(); i++) {
-        const Layer& finer = m_layers[i];
-        if (!finer.is_shown || &m_layers[static_cast<std::size_t>(finer.grid.parent)] != &layer)
+    const int east = std::min(square.column + square.getEdge(), layer.grid.columns - 1);
+    const int south = std::min(square.row + square.getEdge(), layer.grid.rows - 1);
+    int bit = -1;
+    for (const Layer& finer : m_layers) {
+        bit = std::min(bit + 1, 63);
+        if (!finer.is_shown || finer.grid.parent < 0 ||
+            &*std::next(m_layers.begin(), finer.grid.parent) != &layer)
             continue;
         const auto [column, row, columns, rows] = finer.grid.within;
         if (east <= column || column + columns <= square.column || south <= row ||
             row + rows <= square.row)
             continue;
-        cover.cut |= std::uint64_t{1} << std::min<std::size_t>(i, 63);
+        cover.cut |= std::uint64_t{1} << bit;
         cover.is_whole = cover.is_whole || (square.column >= column && east <= column + columns &&
                                             square.row >= row && south <= row + rows);
     }
     return cover;
 }
 
-/// Whether one of these finer grids is shown in place of a cell.
-bool TerrainPass::isReplaced(std::uint64_t cut, int column, int row) const {
-    for (std::size_t i = 1; i < m_layers.size() && cut; i++) {
-        if (!(cut >> std::min<std::size_t>(i, 63) & 1) || !m_layers[i].is_shown) continue;
-        const TerrainGrid::Cells& cells = m_layers[i].grid.within;
-        if (column >= cells.column && column < cells.column + cells.columns && row >= cells.row &&
-            row < cells.row + cells.rows)
-            return true;
+/// The cells in whose place these finer grids are shown.
+std::vector<TerrainGrid::Cells> TerrainPass::getReplaced(std::uint64_t cut) const {
+    std::vector<TerrainGrid::Cells> replaced;
+    int bit = -1;
+    for (const Layer& finer : m_layers) {
+        bit = std::min(bit + 1, 63);
+        if (cut >> bit & 1 && finer.is_shown) replaced.push_back(finer.grid.within);
     }
-    return false;
+    return replaced;
 }
 
 void TerrainPass::use(gl::Program& program) {
@@ -192,84 +160,136 @@ void TerrainPass::use(gl::Program& program) {
                      readSlider(m_material, "wetness", 0), readSlider(m_material, "ice", 0)));
 }
 
-/// Lowest and highest sample of a square; kept.
-TerrainPass::Extent TerrainPass::measure(Layer& layer, const Square& square) {
-    const auto [entry, is_new] = layer.extents.try_emplace(key(square), Extent{1, 0});
-    if (!is_new) return entry->second;
+TerrainPass::Sight TerrainPass::look(const FrameView& view, const Layer& layer,
+                                     const TerrainSquare& square) const {
     const TerrainGrid& grid = layer.grid;
-    Extent extent{1e9f, -1e9f};
-    const int size = CELLS * square.step;
-    if (square.step > 1) { // from the four below
-        const int half = size / 2;
-        for (const int dr : {0, half})
-            for (const int dc : {0, half}) {
-                const Square child{square.column + dc, square.row + dr, square.step / 2};
-                if (child.column >= grid.columns - 1 || child.row >= grid.rows - 1) continue;
-                const Extent part = measure(layer, child);
-                extent = {std::min(extent.lowest, part.lowest),
-                          std::max(extent.highest, part.highest)};
-            }
-    } else {
-        for (int r = square.row; r <= std::min(square.row + size, grid.rows - 1); r++)
-            for (int c = square.column; c <= std::min(square.column + size, grid.columns - 1);
-                 c++) {
-                const float height = grid.getHeight(c, r);
-                if (TerrainGrid::isHole(height)) continue;
-                extent = {std::min(extent.lowest, height), std::max(extent.highest, height)};
-            }
-    }
-    return layer.extents[key(square)] = extent;
-}
-
-void TerrainPass::visit(const FrameView& view, Layer& layer, const Square& square) {
-    const TerrainGrid& grid = layer.grid;
-    if (square.column >= grid.columns - 1 || square.row >= grid.rows - 1) return;
-    const Extent extent = measure(layer, square);
-    if (extent.highest < SEA_BED) return;
-    const double size = CELLS * square.step;
+    Sight sight;
+    if (square.column >= grid.columns - 1 || square.row >= grid.rows - 1) return sight;
+    const HeightRange range =
+        grid.overview->getSquareRange(square.column, square.row, square.getEdge());
+    if (range.highest < SEA_BED) return sight; // no data: also
+    const Cover cover = getCover(layer, square);
+    if (cover.is_whole) return sight;
+    sight.is_ground = true;
+    sight.cut = cover.cut;
+    const double size = square.getEdge();
     const double columns = std::min(size, grid.columns - 1.0 - square.column);
     const double rows = std::min(size, grid.rows - 1.0 - square.row);
     const double column = square.column + columns / 2, row = square.row + rows / 2;
-    const double low = extent.lowest, high = extent.highest;
-    const dvec3 middle = EllipsoidModel().toWorld(geodetic(grid, column, row, (low + high) / 2));
-    const dvec2 metres = spacing(grid, row);
-    const vec3 center(view.toFrame(middle));
-    const auto radius =
+    const double low = range.lowest, high = range.highest;
+    const dvec3 middle =
+        EllipsoidModel().toWorld({grid.west + column * grid.spacing_longitude,
+                                  grid.north - row * grid.spacing_latitude, (low + high) / 2});
+    const dvec2 metres = getSampleLengths(grid, row);
+    sight.center = vec3(view.toFrame(middle));
+    sight.radius =
         static_cast<float>(std::hypot(metres.x * columns, metres.y * rows) / 2 + (high - low) / 2 +
                            1 + metres.y * metres.y * size * size / 5e7); // the earth bends away
-    if (!view.sees(center, radius)) return;
-    const Cover cover = getCover(layer, square);
-    if (cover.is_whole) return;
-    const float distance = view.orthographic ? 1 : std::max(length(center) - radius, 1.0f);
+    sight.is_seen = view.sees(sight.center, sight.radius);
+    sight.distance = view.orthographic ? 1 : std::max(length(sight.center) - sight.radius, 1.0f);
     const auto cell = static_cast<float>(metres.y * square.step);
-    if (square.step > 1 && (cover.cut || cell > CELL_PIXELS * view.pixel_angle * distance)) {
-        const int half = CELLS * square.step / 2;
-        for (const int dr : {0, half})
-            for (const int dc : {0, half})
-                visit(view, layer, {square.column + dc, square.row + dr, square.step / 2});
-        return;
-    }
-    if (view.everything)
-        for (gl::Program* program : {&m_program, &m_hilly_program, &m_far_program})
-            drawChunk(view, layer, square, *program);
-    const bool is_far = !view.orthographic && distance * view.pixel_angle > GRAIN_PIXEL;
-    drawChunk(view, layer, square,
-              m_lights->reach(center, radius) ? m_lit_program
-              : is_far                        ? m_far_program
-              : m_hills                       ? m_hilly_program
-                                              : m_program);
+    const float fine = CELL_PIXELS * view.pixel_angle * sight.distance;
+    sight.is_coarse = square.step > 1 && (cover.cut || cell > fine);
+    sight.is_soon = square.step > 1 && (cover.cut || cell * NEARER > fine);
+    return sight;
 }
 
-void TerrainPass::drawChunk(const FrameView& view, Layer& layer, const Square& square,
-                            gl::Program& program) {
+/// What the thread has made.
+void TerrainPass::take(Layer& layer) {
+    for (const TerrainMaker::Made& made : layer.maker.take(UPLOADED)) {
+        upload(layer.chunks[made.square.getKey()], layer.grid, made.square, made.mesh);
+        m_work.uploaded++;
+    }
+}
+
+/// Has the thread make what is not there of what this eye sees wherever it looks, and soon will:
+/// the coarse before the fine, which it stands in for. What a finer grid cuts is made when it is
+/// drawn.
+void TerrainPass::wishFor(const FrameView& view, Layer& layer, const TerrainSquare& square,
+                          const Sight& sight) {
+    if (!sight.is_ground) return;
+    const auto chunk = layer.chunks.find(square.getKey());
+    if (chunk != layer.chunks.end())
+        chunk->second.last_drawn = m_frame;
+    else if (!sight.cut)
+        layer.maker.wish(square, double{sight.distance} / square.step * (sight.is_seen ? 1 : 4),
+                         m_frame);
+    if (!sight.is_soon) return;
+    for (int i = 0; i < 4; i++) {
+        const TerrainSquare part = square.getPart(i);
+        wishFor(view, layer, part, look(view, layer, part));
+    }
+}
+
+/// Whether a square's parts can be drawn in its place. Those below the eye always are.
+bool TerrainPass::canSplit(const FrameView& view, Layer& layer, const TerrainSquare& square) {
+    const bool is_below = isBelow(view, layer.grid, square);
+    for (int i = 0; i < 4; i++) {
+        const TerrainSquare part = square.getPart(i);
+        if (canShow(view, layer, part)) continue;
+        if (!is_below) return false;
+        upload(layer.chunks[part.getKey()], layer.grid, part, TerrainMesh(layer.grid, part));
+        m_work.filled++;
+    }
+    return true;
+}
+
+/// Whether a square can be drawn without making anything for it, unless a finer grid cuts it.
+bool TerrainPass::canShow(const FrameView& view, const Layer& layer,
+                          const TerrainSquare& square) const {
+    if (layer.chunks.contains(square.getKey())) return true;
+    const Sight sight = look(view, layer, square);
+    if (!sight.is_ground || !sight.is_seen || sight.cut) return true;
+    if (!sight.is_coarse) return false;
+    for (int i = 0; i < 4; i++)
+        if (!canShow(view, layer, square.getPart(i))) return false;
+    return true;
+}
+
+bool TerrainPass::isBelow(const FrameView& view, const TerrainGrid& grid,
+                          const TerrainSquare& square) {
+    const double column = grid.getColumn(view.geodetic.x), row = grid.getRow(view.geodetic.y);
+    const dvec2 around = getSampleLengths(grid, row);
+    const double edge = square.getEdge();
+    return std::abs(column - square.column - edge / 2) < edge / 2 + BELOW / around.x &&
+           std::abs(row - square.row - edge / 2) < edge / 2 + BELOW / around.y;
+}
+
+void TerrainPass::visit(const FrameView& view, Layer& layer, const TerrainSquare& square,
+                        const Sight& sight) {
+    if (!sight.is_seen) return;
+    const bool is_split =
+        sight.is_coarse && (!view.hurried || sight.cut || canSplit(view, layer, square));
+    if (is_split) {
+        for (int i = 0; i < 4; i++) {
+            const TerrainSquare part = square.getPart(i);
+            const Sight part_sight = look(view, layer, part);
+            if (part_sight.is_ground) visit(view, layer, part, part_sight);
+        }
+        return;
+    }
+    m_work.stood_in += sight.is_coarse;
+    if (view.everything)
+        for (gl::Program* program : {&m_program, &m_hilly_program, &m_far_program})
+            drawChunk(view, layer, square, sight.cut, *program);
+    const bool is_far = !view.orthographic && sight.distance * view.pixel_angle > GRAIN_PIXEL;
+    drawChunk(view, layer, square, sight.cut,
+              m_lights->reach(sight.center, sight.radius) ? m_lit_program
+              : is_far                                    ? m_far_program
+              : m_hills                                   ? m_hilly_program
+                                                          : m_program);
+}
+
+void TerrainPass::drawChunk(const FrameView& view, Layer& layer, const TerrainSquare& square,
+                            std::uint64_t cut, gl::Program& program) {
     if (&program != m_used) use(program);
-    const std::uint64_t cut = getCover(layer, square).cut;
     constexpr std::uint64_t CUT = std::uint64_t{1}
                                   << 63; // whole and cut ones are kept side by side
-    Chunk& chunk = layer.chunks[key(square) | (cut ? CUT : 0)];
+    Chunk& chunk = layer.chunks[square.getKey() | (cut ? CUT : 0)];
     if (!chunk.vertex_array || chunk.cut != cut) {
         chunk.cut = cut;
-        fill(chunk, layer.grid, square);
+        upload(chunk, layer.grid, square, TerrainMesh(layer.grid, square, getReplaced(cut)));
+        m_work.filled += view.hurried;
     }
     chunk.last_drawn = m_frame;
     const mat4 transform = view.toFrame(chunk.frame);
@@ -283,53 +303,17 @@ void TerrainPass::drawChunk(const FrameView& view, Layer& layer, const Square& s
     glDrawElements(GL_TRIANGLES, chunk.num_indices, GL_UNSIGNED_SHORT, nullptr);
 }
 
-/// Vertices of (CELLS + 1)² samples and a ring around them, the skirt: the samples of the border
-/// once more, lowered.
-void TerrainPass::fill(Chunk& chunk, const TerrainGrid& grid, const Square& square) {
-    const EllipsoidModel earth;
-    constexpr int EDGE = CELLS + 3;
-    const int step = square.step;
-    const double half = CELLS * step / 2.0;
-    const dvec2 metres = spacing(grid, square.row + half);
-    chunk.frame = earth.getWGSTransform(
-        earth.toWorld(geodetic(grid, square.column + half, square.row + half, 0)));
-    const dvec3 middle = geodetic(grid, square.column + half, square.row + half, 0);
-    chunk.patch = placeInNoise(m_layers.front().grid, middle.x, middle.y);
-    const dmat4 to_chunk = inverse(chunk.frame);
-    const auto height = [&grid](int column, int row) {
-        return grid.getHeight(std::clamp(column, 0, grid.columns - 1),
-                              std::clamp(row, 0, grid.rows - 1));
-    };
-    std::vector<Vertex> vertices;
-    std::vector<char> has_data;
-    for (int j = 0; j < EDGE; j++)
-        for (int i = 0; i < EDGE; i++) {
-            const int ci = std::clamp(i - 1, 0, CELLS), cj = std::clamp(j - 1, 0, CELLS);
-            const int column = std::min(square.column + ci * step, grid.columns - 1);
-            const int row = std::min(square.row + cj * step, grid.rows - 1);
-            const float altitude = height(column, row);
-            has_data.push_back(!TerrainGrid::isHole(altitude));
-            const float known = has_data.back() ? altitude : 0;
-            const bool skirt = ci != i - 1 || cj != j - 1;
-            const double lowered = skirt ? metres.y * step * 0.5 : 0;
-            const auto slope = [&](float a, float b, double distance) {
-                return std::isfinite(a - b) ? (a - b) / static_cast<float>(2 * step * distance)
-                                            : 0.0f;
-            };
-            const vec3 normal = normalize(
-                vec3(slope(height(column - step, row), height(column + step, row), metres.x),
-                     slope(height(column, row + step), height(column, row - step), metres.y), 1));
-            const dvec3 world = earth.toWorld(geodetic(grid, column, row, known - lowered));
-            vertices.push_back({vec3(to_chunk * world), packNormal(normal), known});
-        }
-    const std::vector<std::uint16_t> indices = triangulate(has_data, EDGE, [&](int i, int j) {
-        // A skirt hangs from the cell beside it.
-        const int ci = std::clamp(i - 1, 0, CELLS - 1), cj = std::clamp(j - 1, 0, CELLS - 1);
-        return isReplaced(chunk.cut, square.column + ci, square.row + cj);
-    });
-    chunk.num_indices = static_cast<int>(indices.size());
-    gl::makeVertexArray(chunk.vertex_array, chunk.vertices, std::as_bytes(std::span(vertices)),
-                        chunk.indices, std::as_bytes(std::span(indices)));
+void TerrainPass::upload(Chunk& chunk, const TerrainGrid& grid, const TerrainSquare& square,
+                         const TerrainMesh& mesh) const {
+    const double half = square.getEdge() / 2.0;
+    chunk.frame = mesh.frame;
+    chunk.last_drawn = m_frame;
+    chunk.patch = placeInNoise(grid, grid.west + (square.column + half) * grid.spacing_longitude,
+                               grid.north - (square.row + half) * grid.spacing_latitude);
+    chunk.num_indices = static_cast<int>(mesh.indices.size());
+    gl::makeVertexArray(chunk.vertex_array, chunk.vertices, std::as_bytes(std::span(mesh.vertices)),
+                        chunk.indices, std::as_bytes(std::span(mesh.indices)));
+    using Vertex = TerrainMesh::Vertex;
     constexpr GLsizei STRIDE = sizeof(Vertex);
     glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, STRIDE, nullptr);
     glVertexAttribPointer(1, 4, GL_INT_2_10_10_10_REV, GL_TRUE, STRIDE,

@@ -5,21 +5,21 @@
 #include "plugins/terrain/ObjectTerrain.h"
 #include "render/scene/FrameView.h"
 #include "render/scene/LightList.h"
+#include "render/scene/TerrainMaker.h"
 
+#include <list>
 #include <unordered_map>
 #include <vector>
 
 namespace ig {
 
-/// Draws the ground. A quadtree over the samples of each of the terrain's grids: a node is a square
-/// of 32 × 32 cells, of every sample at the leaves, of every second, fourth, ... above. Near the
-/// eye nodes are split until their cells are small in the picture; there the drawn triangles are
-/// the very ones that queries meet. Skirts hide the gaps between neighbours of different detail.
-/// Where a coarser grid's own cells would be large in the picture, the finer one is drawn in their
-/// place; elsewhere the coarser one is what is seen of both.
+/// Draws the ground. A quadtree over the samples of the terrain, of which each node is a
+/// `TerrainSquare`. Near the eye nodes are split until their cells are small in the picture; there
+/// the drawn triangles are the very ones that queries meet.
 ///
-/// A chunk's vertices are floats in the frame of the chunk's own middle, so that they are exact
-/// wherever the chunk lies.
+/// In a view that is hurried, a thread makes the meshes, and a node stands in for parts that aren't
+/// there yet. Only what lies below the eye is never waited for: there, drawn ground is the ground
+/// that queries meet.
 class TerrainPass {
 public:
     void init();
@@ -31,8 +31,15 @@ public:
     static constexpr float SHORE_HEIGHT = 3.5f; ///< where the beach ends, unless the material tells
     static vec3 readTurf(const Material* material); ///< colour of the grass
 
+    /// What hurried views have made this pass do on the frame's own thread, so far.
+    struct Work {
+        int filled = 0;   ///< meshes made there
+        int uploaded = 0; ///< meshes given to the device
+        int stood_in = 0; ///< nodes drawn in place of parts that weren't there
+    };
+    const Work& getWork() const { return m_work; }
+
 private:
-    static constexpr int CELLS = 32;
     struct Chunk {
         gl::VertexArray vertex_array;
         gl::Buffer vertices, indices;
@@ -42,17 +49,10 @@ private:
         dvec2 patch;           ///< place of the middle in the noise, m
         int last_drawn = 0;
     };
-    struct Square { ///< of the quadtree
-        int column, row, step;
-    };
-    struct Extent {
-        float lowest, highest; ///< altitude; lowest above highest: no data
-    };
-
     struct Layer { ///< what is kept of a grid
         TerrainGrid grid;
         std::unordered_map<std::uint64_t, Chunk> chunks;
-        std::unordered_map<std::uint64_t, Extent> extents;
+        TerrainMaker maker;
         bool is_shown = false; ///< in the view being drawn
     };
     /// How much of a square finer grids show in this view.
@@ -60,26 +60,46 @@ private:
         bool is_whole = false;
         std::uint64_t cut = 0; ///< bits of those that show part of it
     };
+    /// How a square shows in a view.
+    struct Sight {
+        bool is_ground = false; ///< within the grid, above the sea's bed, of no finer grid
+        bool is_seen = false;
+        bool is_coarse = false; ///< its cells are too large in the picture, and can be split
+        bool is_soon = false;   ///< they will be when the eye comes somewhat nearer
+        std::uint64_t cut = 0;  ///< see `Cover`
+        vec3 center;            ///< E
+        float radius = 0, distance = 0;
+    };
 
-    void adopt(TerrainGrids grids);
-    bool isShown(const FrameView& view, Layer& layer);
-    static Square getRoot(const TerrainGrid& grid);
-    Cover getCover(const Layer& layer, const Square& square) const;
-    bool isReplaced(std::uint64_t cut, int column, int row) const;
-    static Extent measure(Layer& layer, const Square& square);
+    void adopt(const ObjectTerrain& terrain);
+    bool isShown(const FrameView& view, const Layer& layer) const;
+    static TerrainSquare getRoot(const TerrainGrid& grid);
+    Cover getCover(const Layer& layer, const TerrainSquare& square) const;
+    std::vector<TerrainGrid::Cells> getReplaced(std::uint64_t cut) const;
+    Sight look(const FrameView& view, const Layer& layer, const TerrainSquare& square) const;
     void use(gl::Program& program);
-    void visit(const FrameView& view, Layer& layer, const Square& square);
-    void drawChunk(const FrameView& view, Layer& layer, const Square& square, gl::Program& program);
-    void fill(Chunk& chunk, const TerrainGrid& grid, const Square& square);
+    void take(Layer& layer);
+    void wishFor(const FrameView& view, Layer& layer, const TerrainSquare& square,
+                 const Sight& sight);
+    void visit(const FrameView& view, Layer& layer, const TerrainSquare& square,
+               const Sight& sight);
+    bool canSplit(const FrameView& view, Layer& layer, const TerrainSquare& square);
+    bool canShow(const FrameView& view, const Layer& layer, const TerrainSquare& square) const;
+    static bool isBelow(const FrameView& view, const TerrainGrid& grid,
+                        const TerrainSquare& square);
+    void drawChunk(const FrameView& view, Layer& layer, const TerrainSquare& square,
+                   std::uint64_t cut, gl::Program& program);
+    void upload(Chunk& chunk, const TerrainGrid& grid, const TerrainSquare& square,
+                const TerrainMesh& mesh) const;
     void purge();
-    static std::uint64_t key(const Square& square);
 
     /// The second is for chunks that lamps or fires light, the third for hills that cast shadows,
     /// the last for those of which no pixel shows a grain.
     gl::Program m_program, m_lit_program, m_hilly_program, m_far_program;
     bool m_hills = false;
     gl::Program* m_used = nullptr;
-    std::vector<Layer> m_layers; ///< of the terrain's grids; samples are read while it is drawn
+    std::list<Layer> m_layers; ///< of the terrain's grids; samples are read while it is drawn
+    Work m_work;
     const Material* m_material = nullptr; ///< of the ground, may be null
     const LightList* m_lights = nullptr;  ///< of the frame
     int m_frame = 0;

@@ -84,6 +84,7 @@ TEST_F(Geometry, TheGroundStandsWhereQueriesMeetIt) {
     m_world.addNode(terrain);
     int checked = 0;
     for (int i = 0; i < 25; i++) {
+        m_frame.hurried = i % 2 == 1; // also at the first look at a place
         const double longitude = -155.09 + 0.0017 * i, latitude = 19.70 - 0.0013 * (i % 5);
         double altitude = 0;
         if (!terrain->getAltitudeByLonLat(longitude, latitude, &altitude, nullptr)) continue;
@@ -146,6 +147,57 @@ TEST_F(Geometry, AFinerGridIsDrawnInPlaceOfTheCoarserOneAcrossTheDateLine) {
     }
     EXPECT_GT(checked, 40); // and as many beside it
     EXPECT_LT(checked, 140);
+}
+
+/// What a frame that waits for nothing shows of a place that the eye has jumped to, and what it
+/// shows in the end.
+TEST_F(Geometry, GroundThatIsBeingMadeHasNoHoleAndEndsAsItWouldBe) {
+    constexpr double EDGE = 0.1 * HALF_HEIGHT / 5; // a long lens shows much far detail
+    m_camera.setProjection(
+        frustum(-EDGE * WIDTH / HEIGHT, EDGE * WIDTH / HEIGHT, -EDGE, EDGE, 0.1, 1e7, 0, 0));
+    const auto ray = [](int i) { return dvec2{(i % 20 + 0.5) / 20, (i / 20 + 0.5) / 10}; };
+    const auto lookAt = [&](int place) {
+        m_camera.setWgsPosition({-155.085 + 0.006 * place, 19.702, 500});
+        m_camera.setWgsHPR({90.0 * place, 14, 0});
+        draw();
+        std::vector<double> distances;
+        for (int i = 0; i < 200; i++)
+            distances.push_back(s_renderer->readDistance(ray(i).x, ray(i).y));
+        return distances;
+    };
+    const auto addTerrain = [&] {
+        m_world.clear();
+        auto* terrain = new ObjectTerrain();
+        EXPECT_TRUE(terrain->load("data/PELMAR_PROJECT/terrain/coast.tif"));
+        m_world.addNode(terrain);
+        return terrain;
+    };
+    addTerrain();
+    std::vector<std::vector<double>> whole;
+    for (int place = 0; place < 4; place++)
+        whole.push_back(lookAt(place));
+    const auto* terrain = addTerrain();
+    m_frame.hurried = true;
+    int coarser = 0, met = 0;
+    for (int place = 0; place < 4; place++) {
+        const std::vector<double> first = lookAt(place);
+        coarser += first != whole[place];
+        for (int i = 0; i < 200; i++) {
+            dvec3 hit;
+            if (!terrain->getIntersection(0, m_camera.getWorldPosition(),
+                                          m_camera.getRayTo(ray(i).x, ray(i).y, 9000), &hit) ||
+                EllipsoidModel().getAltitude(hit) < 5)
+                continue;
+            EXPECT_NEAR(first[i] / length(hit - m_camera.getWorldPosition()), 1, 0.5) << i;
+            met++;
+        }
+        int looks = 0;
+        while (looks < 2000 && lookAt(place) != whole[place])
+            looks++;
+        EXPECT_LT(looks, 2000);
+    }
+    EXPECT_GT(met, 100);
+    EXPECT_GT(coarser, 0);
 }
 
 /// What is seen of the sea lies where queries find the water: within the error that straight lines

@@ -42,6 +42,9 @@ struct FrameInfo {
     /// shadows are sharpest around the camera, and radar sees everything.
     const Node* focus = nullptr;
     const ParticleSystem* particles = nullptr;
+    /// No frame waits for ground that is still being made: coarser ground stands in for it, so that
+    /// pictures of the same scene may differ. Else they never do.
+    bool hurried = false;
     const UiDrawList* ui = nullptr; ///< drawn last; null: none
     /// Its viewports are drawn where `ui` shows them; null: none.
     const UIRoot* ui_root = nullptr;

@@ -45,6 +45,9 @@ public:
 
     /// The samples, the same until the next `load`.
     TerrainGrids getGrids() const;
+    /// Keeps the samples beyond the next `load` and the terrain's end, for whoever reads them on
+    /// another thread.
+    std::shared_ptr<const void> getOwner() const;
 
 protected:
     BoundSphere getOwnBounds() const override;
@@ -54,7 +57,7 @@ private:
     bool loadBuilt();
 
     TerrainSources m_sources;
-    std::unique_ptr<const HeightStack> m_ground; ///< null without a raster
+    std::shared_ptr<const HeightStack> m_ground; ///< null without a raster
 };
 
 } // namespace ig

@@ -24,6 +24,8 @@ struct FrameView {
     float side_offsets[4] = {};
     /// Nothing is out of sight, too small or disabled: for a rehearsal of all that may be drawn.
     bool everything = false;
+    /// Coarser things may stand in for what is still being made; else that is waited for.
+    bool hurried = false;
     float pixel_angle = 0; ///< rad at the middle of the picture; orthographic: metres
 
     FrameView() = default;
