@@ -2,6 +2,7 @@
 #include "plugins/terrain/ObjectTerrain.h"
 
 #include "BuiltGround.h"
+#include "GroundPager.h"
 #include "HeightStack.h"
 #include "SegmentQuery.h"
 #include "makeGround.h"
@@ -23,6 +24,7 @@ ObjectTerrain::ObjectTerrain() : Object(OBJECT_TERRAIN) { setNumSurfaces(1); }
 ObjectTerrain::~ObjectTerrain() = default;
 
 bool ObjectTerrain::load(const TerrainSources& sources) {
+    m_pager.reset();
     m_ground.reset();
     m_sources = sources;
     invalidateBounds();
@@ -46,7 +48,8 @@ bool ObjectTerrain::loadBuilt() {
                     m_sources.built.c_str(), failure.c_str());
         return false;
     }
-    m_ground = std::make_unique<const HeightStack>(std::move(fields));
+    m_ground = std::make_shared<const HeightStack>(std::move(fields));
+    m_pager = std::make_unique<GroundPager>(m_ground);
     return true;
 }
 
@@ -97,6 +100,10 @@ TerrainGrids ObjectTerrain::getGrids() const {
 }
 
 std::shared_ptr<const void> ObjectTerrain::getOwner() const { return m_ground; }
+
+void ObjectTerrain::lookFrom(double longitude, double latitude) const {
+    if (m_pager) m_pager->lookFrom(longitude, latitude);
+}
 
 BoundSphere ObjectTerrain::getOwnBounds() const {
     if (!m_ground) return {};

@@ -55,7 +55,9 @@ TerrainSources::LandCover readLandCover(const NodeReader& r) {
     return cover;
 }
 
-TerrainSources readSources(const NodeReader& r) {
+} // namespace
+
+TerrainSources readTerrainSources(const NodeReader& r) {
     TerrainSources sources;
     sources.rasters = readRasters(r);
     sources.heights = readHeights(r);
@@ -71,9 +73,11 @@ TerrainSources readSources(const NodeReader& r) {
     return sources;
 }
 
+namespace {
+
 Node* create(const NodeReader& r) {
     auto* terrain = new ObjectTerrain();
-    const TerrainSources sources = readSources(r);
+    const TerrainSources sources = readTerrainSources(r);
     if (sources.hasGround())
         terrain->load(sources); // a terrain without ground stands in for a missing one
     else

@@ -68,6 +68,7 @@ void TerrainPass::draw(const FrameView& view, const ObjectTerrain& terrain, cons
     m_frame++;
     if (terrain.getGrids().empty()) return;
     adopt(terrain);
+    terrain.lookFrom(view.geodetic.x, view.geodetic.y);
     purge();
     m_material = terrain.getSurfaceMaterial(0);
     m_lights = &lights;

@@ -9,6 +9,7 @@
 
 namespace ig {
 
+class GroundPager;
 class HeightStack;
 
 /// The ground of a world: one surface that drawing, floating and queries agree on. The logic asks
@@ -48,6 +49,9 @@ public:
     /// Keeps the samples beyond the next `load` and the terrain's end, for whoever reads them on
     /// another thread.
     std::shared_ptr<const void> getOwner() const;
+    /// Tells a built world where an eye is, whose surroundings are kept in memory. What the ground
+    /// answers doesn't depend on it.
+    void lookFrom(double longitude, double latitude) const;
 
 protected:
     BoundSphere getOwnBounds() const override;
@@ -58,6 +62,7 @@ private:
 
     TerrainSources m_sources;
     std::shared_ptr<const HeightStack> m_ground; ///< null without a raster
+    std::unique_ptr<GroundPager> m_pager;        ///< of a built world; else null
 };
 
 } // namespace ig

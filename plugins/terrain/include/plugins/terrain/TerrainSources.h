@@ -7,6 +7,8 @@
 
 namespace ig {
 
+class NodeReader;
+
 /// What the ground of a world is made from, as its terrain node tells it. Paths of files, as they
 /// stand in the world file; empty where it names none.
 struct TerrainSources {
@@ -36,5 +38,8 @@ struct TerrainSources {
 
     bool hasGround() const { return !rasters.empty() || !built.empty(); }
 };
+
+/// Those of a terrain node; what the file has wrong is reported.
+TerrainSources readTerrainSources(const NodeReader& reader);
 
 } // namespace ig
