@@ -14,7 +14,6 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
-#include <filesystem>
 #include <memory>
 
 using ig::jLog;
@@ -22,26 +21,6 @@ using ig::jLog;
 namespace world_commands {
 
 namespace {
-
-/// A world's file: the path itself, or the one of a folder. Empty, with one log line, without.
-std::string findWorldFile(const std::string& path) {
-    std::error_code error;
-    if (!std::filesystem::is_directory(path, error)) return path;
-    std::string names, found;
-    for (const auto& entry : std::filesystem::directory_iterator(path, error)) {
-        if (entry.path().extension() != ".world") continue;
-        names += (names.empty() ? "" : ", ") + entry.path().filename().string();
-        found = found.empty() ? entry.path().string() : " ";
-    }
-    if (!found.empty() && found != " ") return found;
-    if (names.empty())
-        jLog::error("visual_channel: there is no world in \"%s\", no file NAME.world",
-                    path.c_str());
-    else
-        jLog::error("visual_channel: there are several worlds in \"%s\" (%s): name one of them",
-                    path.c_str(), names.c_str());
-    return {};
-}
 
 /// 0 when nothing is wrong.
 int tell(const std::string& world, const Findings& findings, int files) {

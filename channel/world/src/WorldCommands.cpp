@@ -18,6 +18,7 @@ void add(CLI::App& app, Command& command) {
                   "these commands.");
     addNew(*world, command);
     addCheck(*world, command);
+    addBuild(*world, command);
 }
 
 bool enterFolder(const Setup& setup) {
@@ -36,6 +37,25 @@ std::string settlePath(const Setup& setup, const std::string& path) {
     const std::filesystem::path below = whole.lexically_relative(here);
     const bool outside = below.empty() || *below.begin() == "..";
     return (outside ? whole : below).string();
+}
+
+std::string findWorldFile(const std::string& path) {
+    std::error_code error;
+    if (!std::filesystem::is_directory(path, error)) return path;
+    std::string names, found;
+    for (const auto& entry : std::filesystem::directory_iterator(path, error)) {
+        if (entry.path().extension() != ".world") continue;
+        names += (names.empty() ? "" : ", ") + entry.path().filename().string();
+        found = found.empty() ? entry.path().string() : " ";
+    }
+    if (!found.empty() && found != " ") return found;
+    if (names.empty())
+        ig::jLog::error("visual_channel: there is no world in \"%s\", no file NAME.world",
+                        path.c_str());
+    else
+        ig::jLog::error("visual_channel: there are several worlds in \"%s\" (%s): name one of them",
+                        path.c_str(), names.c_str());
+    return {};
 }
 
 } // namespace world_commands
