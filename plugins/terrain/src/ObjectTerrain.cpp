@@ -4,6 +4,7 @@
 #include "BuiltGround.h"
 #include "GroundPager.h"
 #include "HeightStack.h"
+#include "LandRaster.h"
 #include "SegmentQuery.h"
 #include "makeGround.h"
 
@@ -17,6 +18,11 @@ namespace {
 
 const EllipsoidModel EARTH;
 
+LonLatBox getBox(const TerrainGrid& grid) {
+    return {grid.west, grid.west + (grid.columns - 1) * grid.spacing_longitude,
+            grid.north - (grid.rows - 1) * grid.spacing_latitude, grid.north};
+}
+
 } // namespace
 
 ObjectTerrain::ObjectTerrain() : Object(OBJECT_TERRAIN) { setNumSurfaces(1); }
@@ -26,6 +32,7 @@ ObjectTerrain::~ObjectTerrain() = default;
 bool ObjectTerrain::load(const TerrainSources& sources) {
     m_pager.reset();
     m_ground.reset();
+    m_land_cover.reset();
     m_sources = sources;
     invalidateBounds();
     if (!sources.built.empty()) return loadBuilt();
@@ -36,6 +43,7 @@ bool ObjectTerrain::load(const TerrainSources& sources) {
         jLog::message("ObjectTerrain::load: %s", note.c_str());
     if (ground.fields.empty()) return false;
     m_ground = std::make_unique<HeightStack>(std::move(ground.fields));
+    loadLooks();
     return ground.faults.empty();
 }
 
@@ -51,6 +59,12 @@ bool ObjectTerrain::loadBuilt() {
     m_ground = std::make_shared<const HeightStack>(std::move(fields));
     m_pager = std::make_unique<GroundPager>(m_ground);
     return true;
+}
+
+/// What lies on the ground, in memory.
+void ObjectTerrain::loadLooks() {
+    const LonLatBox box = getBox(getGrids().front());
+    if (!m_sources.land_cover.empty()) m_land_cover = loadLandCover(m_sources.land_cover, box);
 }
 
 bool ObjectTerrain::load(const jString& path) {
@@ -90,7 +104,13 @@ Ground ObjectTerrain::getGroundAt(int surface, const dvec3& place) const {
     const Ground ground = readGround(surface, Ground::Kind::grass);
     const Material* material = getSurfaceMaterial(surface);
     const auto shore = readSlider(material, "shore_height", -1e9f);
-    if (ground.kind == Ground::Kind::snow || EARTH.getAltitude(place) >= shore) return ground;
+    if (ground.kind == Ground::Kind::snow) return ground;
+    if (EARTH.getAltitude(place) >= shore) {
+        if (!m_land_cover) return ground;
+        const dvec3 at = EARTH.toWGS(place);
+        const Ground::Kind kind = LandCover::getTraits(m_land_cover->getClass(at.x, at.y)).ground;
+        return kind == Ground::Kind::any || kind == ground.kind ? ground : Ground::of(kind);
+    }
     const Ground sand = Ground::of(Ground::Kind::sand);
     return {sand.kind, readValue(material, "shore_lifted", sand.lifted)};
 }

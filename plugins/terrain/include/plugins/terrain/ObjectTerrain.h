@@ -11,6 +11,7 @@ namespace ig {
 
 class GroundPager;
 class HeightStack;
+class LandCover;
 
 /// The ground of a world: one surface that drawing, floating and queries agree on. The logic asks
 /// it for the ground's height below a place; segment queries meet it as an object with one
@@ -40,8 +41,8 @@ public:
     /// `getAltitudeByLonLat`; others lie within 0.02 mm of it.
     bool getIntersection(int surface, const dvec3& a, const dvec3& b, dvec3* out) const override;
 
-    /// Sand below the material's "shore_height", grass elsewhere unless the material says
-    /// otherwise.
+    /// Sand below the material's "shore_height"; elsewhere what the land cover knows there, or else
+    /// the material, or grass. All is snow where the material says so.
     Ground getGroundAt(int surface, const dvec3& place) const override;
 
     /// The samples, the same until the next `load`.
@@ -52,6 +53,8 @@ public:
     /// Tells a built world where an eye is, whose surroundings are kept in memory. What the ground
     /// answers doesn't depend on it.
     void lookFrom(double longitude, double latitude) const;
+    /// Null without one. It lasts until the next `load`.
+    const LandCover* getLandCover() const { return m_land_cover.get(); }
 
 protected:
     BoundSphere getOwnBounds() const override;
@@ -59,10 +62,12 @@ protected:
 
 private:
     bool loadBuilt();
+    void loadLooks();
 
     TerrainSources m_sources;
     std::shared_ptr<const HeightStack> m_ground; ///< null without a raster
     std::unique_ptr<GroundPager> m_pager;        ///< of a built world; else null
+    std::unique_ptr<const LandCover> m_land_cover;
 };
 
 } // namespace ig
