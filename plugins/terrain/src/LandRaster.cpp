@@ -50,7 +50,7 @@ bool LandRaster::readClasses(const TerrainSources::LandCover& source, std::strin
 bool LandRaster::open(const TerrainSources::LandCover& source, const LonLatBox& ground,
                       std::string& failure) {
     if (!readClasses(source, failure)) return false;
-    Dataset file = openRaster(source.raster, failure);
+    const Dataset file = openRaster(source.raster, failure);
     if (!file) return false;
     const GDALDataType type = GDALGetRasterCount(file.get()) < 1
                                   ? GDT_Unknown
@@ -59,7 +59,12 @@ bool LandRaster::open(const TerrainSources::LandCover& source, const LonLatBox& 
         failure = "its first band is not of whole numbers, each the value of a class";
         return false;
     }
-    if (!m_raster.open(std::move(file), (ground.west + ground.east) / 2, failure)) return false;
+    Dataset band = makeView(file.get(), {"-of", "VRT", "-b", "1"});
+    if (!band) {
+        failure = getLastError("cannot be read");
+        return false;
+    }
+    if (!m_raster.open(std::move(band), (ground.west + ground.east) / 2, failure)) return false;
     m_pixels = m_raster.getPixels(ground);
     if (m_pixels.columns < 1 || m_pixels.rows < 1) {
         failure = "lies nowhere on this ground";

@@ -14,6 +14,15 @@ namespace ig {
 
 namespace {
 
+/// GDAL doesn't write into them.
+std::vector<char*> toArguments(const std::vector<const char*>& words) {
+    std::vector<char*> arguments;
+    for (const char* word : words)
+        arguments.push_back(const_cast<char*>(word));
+    arguments.push_back(nullptr);
+    return arguments;
+}
+
 struct DestroyTransformer {
     void operator()(void* transformer) const { GDALDestroyGenImgProjTransformer(transformer); }
 };
@@ -139,14 +148,11 @@ LonLatPixels LonLatRaster::getPixels(const LonLatBox& box) const {
 bool LonLatRaster::drawOnto(GDALDatasetH picture, const LonLatPixels& pixels,
                             const char* method) const {
     // The approximation of the transformation errs by a twentieth of a pixel.
-    std::vector<const char*> arguments = {
+    std::vector<const char*> words = {
         "-r", method, "-et", "0.05", "-novshift", "-wo", "UNIFIED_SRC_NODATA=YES"};
-    if (!m_has_system) arguments.insert(arguments.end(), {"-s_srs", "EPSG:4326"});
-    arguments.push_back(nullptr);
-    std::vector<char*> words;
-    for (const char* argument : arguments)
-        words.push_back(const_cast<char*>(argument));
-    GDALWarpAppOptions* options = GDALWarpAppOptionsNew(words.data(), nullptr);
+    if (!m_has_system) words.insert(words.end(), {"-s_srs", "EPSG:4326"});
+    if (GDALGetRasterCount(getDataset()) == 4) words.push_back("-srcalpha");
+    GDALWarpAppOptions* options = GDALWarpAppOptionsNew(toArguments(words).data(), nullptr);
     bool good = options != nullptr;
     for (const double turn : m_turns) {
         double transform[6] = {
@@ -160,6 +166,14 @@ bool LonLatRaster::drawOnto(GDALDatasetH picture, const LonLatPixels& pixels,
     }
     GDALWarpAppOptionsFree(options);
     return good;
+}
+
+Dataset makeView(GDALDatasetH raster, const std::vector<const char*>& words) {
+    GDALTranslateOptions* options = GDALTranslateOptionsNew(toArguments(words).data(), nullptr);
+    if (!options) return nullptr;
+    Dataset view(GDALTranslate("", raster, options, nullptr));
+    GDALTranslateOptionsFree(options);
+    return view;
 }
 
 Dataset makePicture(const LonLatPixels& pixels, int bands, GDALDataType type) {

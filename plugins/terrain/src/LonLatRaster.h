@@ -47,8 +47,8 @@ public:
     LonLatPixels getPixels(const LonLatBox& box) const;
     double getSpacingLatitude() const { return m_spacing_latitude; } ///< of a pixel, degrees
 
-    /// Lays what it holds over a picture of the same number of bands with those pixels, of which a
-    /// last one may be declared as alpha; what it has no data for stays. `method` as gdalwarp
+    /// Lays what it holds over a picture of as many bands with those pixels; of four the last is
+    /// alpha, which the raster may lack. What it has no data for stays. `method` as gdalwarp
     /// names it. False when that fails.
     bool drawOnto(GDALDatasetH picture, const LonLatPixels& pixels, const char* method) const;
 
@@ -61,6 +61,9 @@ private:
     double m_spacing_longitude = 0, m_spacing_latitude = 0; ///< of a pixel in its middle, degrees
     std::vector<double> m_turns; ///< whole turns after which it lies in the box's longitudes
 };
+
+/// A virtual raster of some bands of another, which it keeps; `words` as gdal_translate takes them.
+Dataset makeView(GDALDatasetH raster, const std::vector<const char*>& words);
 
 /// A picture in memory with those pixels' size, all 0; one of four bands has alpha.
 Dataset makePicture(const LonLatPixels& pixels, int bands, GDALDataType type);

@@ -7,6 +7,7 @@
 #include "LandRaster.h"
 #include "SegmentQuery.h"
 #include "makeGround.h"
+#include "plugins/terrain/Imagery.h"
 
 #include "ig/base/jLog.h"
 #include "ig/math/EllipsoidModel.h"
@@ -33,6 +34,7 @@ bool ObjectTerrain::load(const TerrainSources& sources) {
     m_pager.reset();
     m_ground.reset();
     m_land_cover.reset();
+    m_imagery.reset();
     m_sources = sources;
     invalidateBounds();
     if (!sources.built.empty()) return loadBuilt();
@@ -58,13 +60,19 @@ bool ObjectTerrain::loadBuilt() {
     }
     m_ground = std::make_shared<const HeightStack>(std::move(fields));
     m_pager = std::make_unique<GroundPager>(m_ground);
+    loadLooks();
     return true;
 }
 
-/// What lies on the ground, in memory.
+/// What lies on the ground: without it the ground is as it was.
 void ObjectTerrain::loadLooks() {
     const LonLatBox box = getBox(getGrids().front());
     if (!m_sources.land_cover.empty()) m_land_cover = loadLandCover(m_sources.land_cover, box);
+    if (m_sources.imagery.empty()) return;
+    std::string failure;
+    m_imagery = m_sources.built.empty() ? Imagery::make(m_sources.imagery, box, failure)
+                                        : Imagery::open(m_sources.built.c_str(), failure);
+    if (!m_imagery) jLog::error("ObjectTerrain::load: no imagery: %s", failure.c_str());
 }
 
 bool ObjectTerrain::load(const jString& path) {

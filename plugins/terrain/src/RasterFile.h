@@ -10,8 +10,9 @@
 
 namespace ig {
 
+/// A virtual raster holds on to those that it is made of.
 struct CloseRaster {
-    void operator()(GDALDatasetH dataset) const { GDALClose(dataset); }
+    void operator()(GDALDatasetH dataset) const { GDALReleaseDataset(dataset); }
 };
 using Dataset = std::unique_ptr<void, CloseRaster>;
 

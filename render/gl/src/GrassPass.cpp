@@ -5,6 +5,7 @@
 #include "ig/math/EllipsoidModel.h"
 #include "ig/scene/SceneObjects.h"
 #include "ig/scene/World.h"
+#include "plugins/terrain/LandCover.h"
 #include "render/scene/LightList.h"
 #include "render/scene/SurfaceLook.h"
 
@@ -125,6 +126,7 @@ void GrassPass::plant(Square& square, const World& world, const ObjectTerrain& t
     square.middle = {0, 0, static_cast<float>(altitude)};
     const float shore =
         readSlider(terrain.getSurfaceMaterial(0), "shore_height", TerrainPass::SHORE_HEIGHT);
+    const LandCover* land = terrain.getLandCover();
     const auto seed = column * 73856093u ^ row * 19349663u;
     const dvec3 up = square.frame.getMat3().columns[2];
     const double least_up = 1 / std::hypot(1.0, STEEPEST);
@@ -134,6 +136,7 @@ void GrassPass::plant(Square& square, const World& world, const ObjectTerrain& t
         dvec3 normal;
         if (!terrain.getAltitudeByLonLat(place.x, place.y, &altitude, &normal)) continue;
         if (altitude < shore * 1.6 || dot(normal, up) < least_up) continue;
+        if (land && !LandCover::getTraits(land->getClass(place.x, place.y)).has_grass) continue;
         if (covered && cover.isCovered(terrain, column + u, row + v)) continue;
         const float chance = hash(seed + 3 * i + 2);
         square.tufts.push_back(

@@ -3,6 +3,7 @@
 
 #include "ig/math/EllipsoidModel.h"
 #include "ig/math/quat.h"
+#include "render/scene/LandShares.h"
 #include "render/scene/ShaderConstants.h"
 #include "render/scene/SurfaceLook.h"
 
@@ -25,17 +26,47 @@ constexpr double BELOW = 60;        ///< m around the place below the eye
 
 } // namespace
 
-void TerrainPass::init() {
-    m_program.start("cloudshade.glsl terrain.vert", "shadow.glsl terrain.frag");
-    m_lit_program.start("cloudshade.glsl terrain.vert", "shadow.glsl lights.glsl terrain.frag",
-                        "LIGHTS HILLS");
-    m_hilly_program.start("cloudshade.glsl terrain.vert", "shadow.glsl terrain.frag", "HILLS");
-    m_far_program.start("cloudshade.glsl terrain.vert", "shadow.glsl terrain.frag", "FAR");
+void TerrainPass::init() { m_bare.start(""); }
+
+void TerrainPass::Programs::start(const std::string& words) {
+    const auto begin = [&](gl::Program& program, const char* fragment_files, const char* own) {
+        program.start("cloudshade.glsl terrain.vert", fragment_files, words + own,
+                      {{"uImagery", GroundImages::UNIT}});
+    };
+    begin(plain, "shadow.glsl terrain.frag", "");
+    begin(lit, "shadow.glsl lights.glsl terrain.frag", "LIGHTS HILLS");
+    begin(hilly, "shadow.glsl terrain.frag", "HILLS");
+    begin(far, "shadow.glsl terrain.frag", "FAR");
+}
+
+bool TerrainPass::Programs::finish() {
+    bool good = true;
+    for (gl::Program* program : {&plain, &lit, &hilly, &far})
+        good &= program->finish();
+    return good;
+}
+
+/// Chooses the programs for what the terrain wears; new ones are made when it is first drawn, in a
+/// rehearsal mostly.
+void TerrainPass::dress() {
+    std::string words;
+    if (m_terrain->getLandCover()) words += "COVER ";
+    if (m_terrain->getImagery()) words += "IMAGERY ";
+    m_programs = &m_bare;
+    if (words.empty()) return;
+    if (words != m_words) {
+        m_words = words;
+        m_dressed.start(words);
+        m_is_dressed = m_dressed.finish();
+    }
+    if (m_is_dressed) m_programs = &m_dressed;
 }
 
 void TerrainPass::adopt(const ObjectTerrain& terrain) {
     const TerrainGrids grids = terrain.getGrids();
-    if (std::ranges::equal(grids, m_layers, {}, {}, &Layer::grid)) return;
+    const LandCover* cover = terrain.getLandCover();
+    if (cover == m_cover && std::ranges::equal(grids, m_layers, {}, {}, &Layer::grid)) return;
+    m_cover = cover;
     m_layers.clear();
     for (const TerrainGrid& grid : grids) {
         m_layers.emplace_back();
@@ -67,9 +98,12 @@ void TerrainPass::draw(const FrameView& view, const ObjectTerrain& terrain, cons
                        bool hills) {
     m_frame++;
     if (terrain.getGrids().empty()) return;
+    m_terrain = &terrain;
     adopt(terrain);
     terrain.lookFrom(view.geodetic.x, view.geodetic.y);
     purge();
+    dress();
+    if (terrain.getImagery()) m_images.prepare(view, terrain);
     m_material = terrain.getSurfaceMaterial(0);
     m_lights = &lights;
     m_hills = hills;
@@ -271,14 +305,14 @@ void TerrainPass::visit(const FrameView& view, Layer& layer, const TerrainSquare
     }
     m_work.stood_in += sight.is_coarse;
     if (view.everything)
-        for (gl::Program* program : {&m_program, &m_hilly_program, &m_far_program})
+        for (gl::Program* program : {&m_programs->plain, &m_programs->hilly, &m_programs->far})
             drawChunk(view, layer, square, sight.cut, *program);
     const bool is_far = !view.orthographic && sight.distance * view.pixel_angle > GRAIN_PIXEL;
     drawChunk(view, layer, square, sight.cut,
-              m_lights->reach(sight.center, sight.radius) ? m_lit_program
-              : is_far                                    ? m_far_program
-              : m_hills                                   ? m_hilly_program
-                                                          : m_program);
+              m_lights->reach(sight.center, sight.radius) ? m_programs->lit
+              : is_far                                    ? m_programs->far
+              : m_hills                                   ? m_programs->hilly
+                                                          : m_programs->plain);
 }
 
 void TerrainPass::drawChunk(const FrameView& view, Layer& layer, const TerrainSquare& square,
@@ -300,6 +334,8 @@ void TerrainPass::drawChunk(const FrameView& view, Layer& layer, const TerrainSq
     program.set("uRow2", vec4(c[0].z, c[1].z, c[2].z, c[3].z));
     program.set("uPatch",
                 vec2{static_cast<float>(chunk.patch.x), static_cast<float>(chunk.patch.y)});
+    if (m_terrain->getImagery())
+        m_images.set(program, layer.grid, square.column, square.row, square.step);
     glBindVertexArray(chunk.vertex_array.getId());
     glDrawElements(GL_TRIANGLES, chunk.num_indices, GL_UNSIGNED_SHORT, nullptr);
 }
@@ -323,6 +359,23 @@ void TerrainPass::upload(Chunk& chunk, const TerrainGrid& grid, const TerrainSqu
                           reinterpret_cast<const void*>(offsetof(Vertex, altitude)));
     for (GLuint i = 0; i < 3; i++)
         glEnableVertexAttribArray(i);
+    if (m_terrain->getLandCover()) addCover(chunk, grid, square);
+}
+
+/// To the vertex array that is bound.
+void TerrainPass::addCover(Chunk& chunk, const TerrainGrid& grid,
+                           const TerrainSquare& square) const {
+    const std::vector<LandShares> shares =
+        getLandShares(*m_terrain->getLandCover(), grid, square.column, square.row, square.step);
+    chunk.cover.create();
+    glBindBuffer(GL_ARRAY_BUFFER, chunk.cover.getId());
+    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(shares.size() * sizeof(LandShares)),
+                 shares.data(), GL_STATIC_DRAW);
+    for (const GLuint half : {0u, 1u}) {
+        glVertexAttribPointer(3 + half, 4, GL_UNSIGNED_BYTE, GL_TRUE, sizeof(LandShares),
+                              reinterpret_cast<const void*>(std::uintptr_t{4} * half));
+        glEnableVertexAttribArray(3 + half);
+    }
 }
 
 } // namespace ig

@@ -2,12 +2,14 @@
 #pragma once
 
 #include "GlObjects.h"
+#include "GroundImages.h"
 #include "plugins/terrain/ObjectTerrain.h"
 #include "render/scene/FrameView.h"
 #include "render/scene/LightList.h"
 #include "render/scene/TerrainMaker.h"
 
 #include <list>
+#include <string>
 #include <unordered_map>
 #include <vector>
 
@@ -42,7 +44,7 @@ public:
 private:
     struct Chunk {
         gl::VertexArray vertex_array;
-        gl::Buffer vertices, indices;
+        gl::Buffer vertices, indices, cover; ///< the last: LandShares, with a land cover
         int num_indices = 0;
         std::uint64_t cut = 0; ///< which finer grids' cells were left out
         dmat4 frame;           ///< of the chunk's middle, world
@@ -77,6 +79,7 @@ private:
     Cover getCover(const Layer& layer, const TerrainSquare& square) const;
     std::vector<TerrainGrid::Cells> getReplaced(std::uint64_t cut) const;
     Sight look(const FrameView& view, const Layer& layer, const TerrainSquare& square) const;
+    void dress();
     void use(gl::Program& program);
     void take(Layer& layer);
     void wishFor(const FrameView& view, Layer& layer, const TerrainSquare& square,
@@ -91,14 +94,27 @@ private:
                    std::uint64_t cut, gl::Program& program);
     void upload(Chunk& chunk, const TerrainGrid& grid, const TerrainSquare& square,
                 const TerrainMesh& mesh) const;
+    void addCover(Chunk& chunk, const TerrainGrid& grid, const TerrainSquare& square) const;
     void purge();
 
     /// The second is for chunks that lamps or fires light, the third for hills that cast shadows,
     /// the last for those of which no pixel shows a grain.
-    gl::Program m_program, m_lit_program, m_hilly_program, m_far_program;
+    struct Programs {
+        gl::Program plain, lit, hilly, far;
+
+        void start(const std::string& words);
+        bool finish();
+    };
+    Programs m_bare, m_dressed; ///< the other ones are for land cover and imagery
+    std::string m_words;        ///< of those, once there are any
+    bool m_is_dressed = false;  ///< they can be used
+    Programs* m_programs = &m_bare;
+    GroundImages m_images;
+    const ObjectTerrain* m_terrain = nullptr; ///< of the view
     bool m_hills = false;
     gl::Program* m_used = nullptr;
     std::list<Layer> m_layers; ///< of the terrain's grids; samples are read while it is drawn
+    const LandCover* m_cover = nullptr; ///< on their chunks; only to be compared
     Work m_work;
     const Material* m_material = nullptr; ///< of the ground, may be null
     const LightList* m_lights = nullptr;  ///< of the frame

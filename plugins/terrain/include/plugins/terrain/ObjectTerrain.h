@@ -11,6 +11,7 @@ namespace ig {
 
 class GroundPager;
 class HeightStack;
+class Imagery;
 class LandCover;
 
 /// The ground of a world: one surface that drawing, floating and queries agree on. The logic asks
@@ -55,6 +56,8 @@ public:
     void lookFrom(double longitude, double latitude) const;
     /// Null without one. It lasts until the next `load`.
     const LandCover* getLandCover() const { return m_land_cover.get(); }
+    /// Null without any. Threads that read it share it.
+    const std::shared_ptr<const Imagery>& getImagery() const { return m_imagery; }
 
 protected:
     BoundSphere getOwnBounds() const override;
@@ -68,6 +71,7 @@ private:
     std::shared_ptr<const HeightStack> m_ground; ///< null without a raster
     std::unique_ptr<GroundPager> m_pager;        ///< of a built world; else null
     std::unique_ptr<const LandCover> m_land_cover;
+    std::shared_ptr<const Imagery> m_imagery;
 };
 
 } // namespace ig

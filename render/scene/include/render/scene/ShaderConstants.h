@@ -40,6 +40,8 @@ constexpr int LIGHTS_A_CELL = 8;     ///< of its cells
 constexpr int MOST_GLINTS = 12;      ///< lamps that the sea mirrors as paths of glitter
 constexpr float GLINT_WIDTH = 0.15f; ///< rad to each side of its lamp, where a path ends
 constexpr int LIGHT_COLUMNS = 16, LIGHT_ROWS = 9, LIGHT_SLICES = 24;
+constexpr int CHUNK_CELLS = 32;  ///< along a chunk of ground, whose vertices have a ring of skirt
+constexpr int PATCH_CELLS = 100; ///< of tiles of imagery on a chunk, at most
 constexpr vec3 SUN_COLOR{1, 0.97f, 0.92f};
 
 } // namespace ig
