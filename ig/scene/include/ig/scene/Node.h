@@ -25,6 +25,7 @@ enum NodeType {
     OBJECT_TERRAIN = 22,
     OBJECT_LIGHT = 25, ///< a lamp that is seen itself, such as the tail light
     OBJECT_ROPE = 26,
+    OBJECT_SCENERY = 27, ///< trees and houses on a terrain
     NODE_CAMERA_RADAR = 44,
 };
 
