@@ -10,6 +10,7 @@
 #include "LightTable.h"
 #include "MeshPass.h"
 #include "OceanPass.h"
+#include "SceneryPass.h"
 #include "ShadowMap.h"
 #include "SkyPass.h"
 #include "SpritePass.h"
@@ -144,6 +145,7 @@ struct RendererGL::Impl {
     MeshPass meshes;
     OceanPass ocean;
     TerrainPass terrain;
+    SceneryPass scenery;
     GrassPass grass;
     DecalStore decals;
     BeamPass beams;
@@ -155,6 +157,7 @@ struct RendererGL::Impl {
     gl::Texture noise;
     LightTable light_table;
     SceneList list;
+    SceneryList scenery_list;
     LightList lights;
     GlintList glints;
     SpriteList sprite_list;
@@ -235,6 +238,7 @@ bool RendererGL::Impl::initPasses() {
     sky.init(wantsVolume(software), software);
     meshes.init();
     terrain.init();
+    scenery.init();
     grass.init();
     beams.init();
     sprites.init();
@@ -358,6 +362,7 @@ void RendererGL::Impl::gather(const World& world, const Camera& camera, const Fr
     list.gather(world, view, casts ? &*shadow_place : nullptr);
     if (rehearsal) addToList(*rehearsal);
     decals.gather(world, view, list);
+    scenery_list.gather(view, casts ? &*shadow_place : nullptr, list);
     list.sort();
     planShadows();
 }
@@ -487,6 +492,8 @@ void RendererGL::Impl::drawScene(const World& world) {
     meshes.drawOpaque();
     if (software) glFlush();
     clock.mark("meshes");
+    if (list.scenery) scenery.draw(*list.scenery, scenery_list.cards, !lights.lights.empty());
+    clock.mark("scenery");
     std::optional<OceanPass::Drawing> sea;
     if (list.ocean) {
         sea.emplace(OceanPass::Drawing{view, list.ocean->getFrame(), list.downdraughts,

@@ -7,6 +7,7 @@
 #include "ig/scene/SceneObjects.h"
 #include "ig/scene/World.h"
 #include "plugins/ocean/ObjectOcean.h"
+#include "plugins/terrain/ObjectScenery.h"
 #include "plugins/terrain/ObjectTerrain.h"
 #include "render/scene/ShaderConstants.h"
 #include "render/scene/shares.h"
@@ -32,6 +33,7 @@ void SceneList::gather(const World& world, const FrameView& view, const ShadowPl
     downdraughts.clear();
     ocean = nullptr;
     terrain = nullptr;
+    scenery = nullptr;
     m_view = &view;
     m_shadows = shadows;
     add(world);
@@ -71,6 +73,9 @@ void SceneList::visit(const Node& node) {
         break;
     case OBJECT_TERRAIN:
         terrain = static_cast<const ObjectTerrain*>(&node);
+        break;
+    case OBJECT_SCENERY:
+        scenery = static_cast<const ObjectScenery*>(&node);
         break;
     default:
         break;

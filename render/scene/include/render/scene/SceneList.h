@@ -20,6 +20,7 @@ class ObjectMesh;
 class ObjectOcean;
 class ObjectParticles;
 class ObjectRope;
+class ObjectScenery;
 class ObjectTerrain;
 class World;
 
@@ -115,6 +116,7 @@ public:
     std::vector<vec4> downdraughts; ///< x and y in E, radius, strength above 0; nearest first
     const ObjectOcean* ocean = nullptr;
     const ObjectTerrain* terrain = nullptr;
+    const ObjectScenery* scenery = nullptr;
 
 private:
     void visit(const Node& node);
