@@ -31,6 +31,10 @@ ObjectScenery::ObjectScenery(Plan plan) : Object(OBJECT_SCENERY), m_plan(std::mo
     }
     for (const Site& site : m_plan.sites)
         m_sites.emplace(SceneryLattice::getCell(site.place.x, site.place.y), &site);
+    for (const auto& site : m_sites)
+        m_site_cells.push_back(site.first);
+    std::ranges::sort(m_site_cells);
+    m_site_cells.erase(std::ranges::unique(m_site_cells).begin(), m_site_cells.end());
 }
 
 ObjectScenery::~ObjectScenery() = default;

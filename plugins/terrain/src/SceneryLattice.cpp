@@ -33,6 +33,16 @@ SceneryCellId SceneryLattice::getCell(double longitude, double latitude) {
     return {row, static_cast<std::int32_t>(getColumn(row, longitude)) % getNumColumns(row)};
 }
 
+bool SceneryLattice::isAround(SceneryCellId cell, double longitude, double latitude, double reach) {
+    const double rows = reach / EDGE * ROW_HEIGHT;
+    if (cell.row < getCell(0, latitude - rows).row || cell.row > getCell(0, latitude + rows).row)
+        return false;
+    const std::int32_t count = getNumColumns(cell.row);
+    const double width = reach * count / getRowLength(cell.row);
+    const double middle = cell.column + 0.5 - getColumn(cell.row, longitude);
+    return std::abs(std::remainder(middle, count)) <= width + 0.5;
+}
+
 dvec2 SceneryLattice::getPlace(SceneryCellId cell, double u, double v) {
     return {(cell.column + u) / getNumColumns(cell.row) * 360 - 180, (cell.row + v) * ROW_HEIGHT};
 }

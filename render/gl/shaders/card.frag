@@ -2,7 +2,7 @@
 in vec3 vPlace;
 in vec3 vAmbient, vLight;
 in vec3 vNormal;
-in vec4 vHaze;
+flat in vec4 vHaze;
 flat in vec4 vSurface;
 uniform sampler2DArray uPictures;
 out vec4 oColor;

@@ -492,7 +492,8 @@ void RendererGL::Impl::drawScene(const World& world) {
     meshes.drawOpaque();
     if (software) glFlush();
     clock.mark("meshes");
-    if (list.scenery) scenery.draw(*list.scenery, scenery_list.cards, !lights.lights.empty());
+    if (list.scenery)
+        scenery.draw(*list.scenery, scenery_list, block, sky, hills, !lights.lights.empty());
     clock.mark("scenery");
     std::optional<OceanPass::Drawing> sea;
     if (list.ocean) {

@@ -17,20 +17,28 @@ constexpr std::size_t PLANTED_AT_ONCE = 8000; ///< cells of a scenery that is ne
 constexpr float SMALLEST = 1.2f; ///< pixels of height in the picture; below there is nothing to see
 constexpr float DENSE = 350;     ///< m from the eye, from where on fewer trees stand for all
 constexpr float GROWTH = 0.7f;   ///< share of its distance from which on a card grows
-constexpr unsigned TREE_MAPS = 0b0011; ///< that trees cast into; farther shadows are the ground's
+constexpr unsigned HOUSE_MAPS = 0b0111; ///< that they cast into
+constexpr unsigned NEAR_TREES = 0b0001, SOME_TREES = 0b0011;
+constexpr float SOME = 0.4f;    ///< rank up to which trees cast into more than the nearest map
+constexpr float CASTING = 2.5f; ///< m: no shadow of lower things is missed
+
+/// From 1 to 0 where trees end.
+float endAt(float distance, float farthest) {
+    return std::clamp((farthest - distance) / (0.2f * farthest), 0.0f, 1.0f);
+}
 
 /// Share of the trees that is drawn at a distance: so falling, each ring of ground has as many as
 /// the next but for a root.
 float shareAt(float distance, float farthest) {
     const float near = DENSE / std::max(distance, DENSE);
-    const float end = std::clamp((farthest - distance) / (0.2f * farthest), 0.0f, 1.0f);
-    return near * std::sqrt(near) * end;
+    return near * std::sqrt(near) * endAt(distance, farthest);
 }
 
 } // namespace
 
 void SceneryList::gather(const FrameView& view, const ShadowPlace* shadows, SceneList& list) {
     cards.clear();
+    groups.clear();
     m_casters.clear();
     m_poses.clear();
     if (list.scenery != m_scenery) {
@@ -72,6 +80,7 @@ void SceneryList::rehearse(SceneList& list) {
     for (std::size_t kind = 0; kind < m_first_look.size(); kind++)
         addMesh({{}, 0, 1, static_cast<std::uint16_t>(kind), 0}, mat4(), vec4(0, 0, 0, 1), 1, list);
     cards.push_back({vec4(0, 5, 0, 1), 0, 1, 0, 0});
+    groups.push_back({vec3(0, 5, 0), 0, 1});
 }
 
 /// Keeps the cells around the eye.
@@ -82,15 +91,21 @@ void SceneryList::follow(const FrameView& view) {
         m_at = at;
         m_cells.clear();
         m_missing.clear();
+        const auto take = [this](SceneryCellId id) {
+            Cell cell = m_scenery->findCell(id);
+            if (!cell)
+                m_missing.push_back(id);
+            else if (!cell->things.empty())
+                m_cells.push_back(std::move(cell));
+        };
         SceneryLattice::visitAround(view.geodetic.x, view.geodetic.y, m_scenery->getDistance(),
-                                    [this](SceneryCellId id) {
-                                        if (Cell cell = m_scenery->findCell(id)) {
-                                            if (!cell->things.empty())
-                                                m_cells.push_back(std::move(cell));
-                                        } else {
-                                            m_missing.push_back(id);
-                                        }
-                                    });
+                                    take);
+        for (const SceneryCellId id : m_scenery->getSiteCells()) // houses are seen from farther
+            if (!SceneryLattice::isAround(id, view.geodetic.x, view.geodetic.y,
+                                          m_scenery->getDistance()) &&
+                SceneryLattice::isAround(id, view.geodetic.x, view.geodetic.y,
+                                         ObjectScenery::FARTHEST))
+                take(id);
         const auto getDistance = [at](SceneryCellId id) {
             return std::hypot(id.row - at.row, id.column - at.column); // nearly, and for the order
         };
@@ -110,16 +125,19 @@ void SceneryList::follow(const FrameView& view) {
 void SceneryList::addCell(const SceneryCell& cell, const FrameView& view,
                           const ShadowPlace* shadows, SceneList& list) {
     const dvec3 middle = cell.frame * dvec3(cell.middle);
-    if (shadows && shadows->findMaps(middle, cell.radius) & TREE_MAPS) addCasters(cell, *shadows);
+    if (shadows && shadows->findMaps(middle, cell.radius) & HOUSE_MAPS) addCasters(cell, *shadows);
     const vec3 in_eye(view.toFrame(middle));
     if (!view.sees(in_eye, cell.radius)) return;
     const float nearest = std::max(length(in_eye) - cell.radius, 0.0f);
     const float share = shareAt(nearest, m_scenery->getDistance());
     const mat4 to_eye = view.toFrame(cell.frame);
+    const std::size_t first = cards.size();
     for (const SceneryThing& thing : cell.things) {
         if (thing.rank > share) break;
         addThing(thing, to_eye, view, list);
     }
+    if (cards.size() > first)
+        groups.push_back({in_eye, static_cast<int>(first), static_cast<int>(cards.size() - first)});
 }
 
 void SceneryList::addThing(const SceneryThing& thing, const mat4& to_eye, const FrameView& view,
@@ -153,7 +171,8 @@ void SceneryList::addCard(const SceneryThing& thing, const vec4& bounds, float p
     const float to_go = CARD_PIXELS / pixels; // 1 where the model goes
     const float share = shareAt(distance, m_scenery->getDistance());
     const float thinned = std::min((share - thing.rank) / (0.25f * share + 1e-6f), 1.0f);
-    const float whole = std::min((to_go - GROWTH) / (1 - GROWTH), thinned);
+    const float whole = std::min(
+        {(to_go - GROWTH) / (1 - GROWTH), thinned, endAt(distance, m_scenery->getDistance())});
     if (whole <= 0) return;
     cards.push_back({bounds, static_cast<float>(thing.kind * CardPictures::TILES),
                      std::clamp(whole, 0.0f, 1.0f), thing.heading_rad / (2 * PI),
@@ -164,12 +183,16 @@ void SceneryList::addCard(const SceneryThing& thing, const vec4& bounds, float p
 void SceneryList::addCasters(const SceneryCell& cell, const ShadowPlace& shadows) {
     for (const SceneryThing& thing : cell.things) {
         const SceneryKind& kind = m_scenery->getKinds()[thing.kind];
+        if (kind.getModelHeight() * thing.scale < CASTING) continue;
         const BoundSphere& own = kind.mesh->getBounds();
         const dvec3 center =
             cell.frame *
             dvec3(thing.place + vec3(0, 0, static_cast<float>(own.center.z) * thing.scale));
         const double radius = own.radius * thing.scale;
-        const unsigned maps = shadows.findMaps(center, radius) & TREE_MAPS;
+        const unsigned wanted = !kind.is_tree       ? HOUSE_MAPS
+                                : thing.rank < SOME ? SOME_TREES
+                                                    : NEAR_TREES;
+        const unsigned maps = shadows.findMaps(center, radius) & wanted;
         if (!maps) continue;
         m_poses.push_back(cell.frame * dmat4(SceneryCell::getPose(thing)));
         m_casters.push_back({&kind.mesh, -1, nullptr, center, radius, maps});

@@ -27,7 +27,7 @@ class ObjectTerrain;
 class ObjectScenery : public Object {
 public:
     static constexpr float LEAST_MET = 2;   ///< m: lower things, bushes, are brushed aside
-    static constexpr float FARTHEST = 6000; ///< m: so far trees can be drawn at most
+    static constexpr float FARTHEST = 6000; ///< m: so far trees can be drawn at most, and houses
 
     /// Where one of the kinds grows.
     struct Stand {
@@ -66,6 +66,8 @@ public:
     /// The ground; null when its parent is none, and then nothing stands anywhere.
     const ObjectTerrain* getTerrain() const;
 
+    /// Cells with sites on them, in order.
+    const std::vector<SceneryCellId>& getSiteCells() const { return m_site_cells; }
     /// What stands on a cell; null when nobody has asked for it.
     std::shared_ptr<const SceneryCell> findCell(SceneryCellId id) const;
     /// The same, which is planted when nobody has asked for it.
@@ -96,6 +98,7 @@ private:
     Plan m_plan;
     float m_reach = 0, m_tallest = 0; ///< of the largest thing, m
     std::unordered_multimap<SceneryCellId, const Site*, CellHash> m_sites;
+    std::vector<SceneryCellId> m_site_cells;
     mutable std::unordered_map<SceneryCellId, std::shared_ptr<const SceneryCell>, CellHash> m_cells;
     mutable TerrainGrid m_planted_on; ///< only to be compared
 };

@@ -85,6 +85,9 @@ struct SceneryLattice {
         }
     }
 
+    /// Whether `visitAround` would visit it.
+    static bool isAround(SceneryCellId cell, double longitude, double latitude, double reach);
+
 private:
     static double getRowHeight();                 ///< degrees
     static double getRowLength(std::int32_t row); ///< around the earth, m

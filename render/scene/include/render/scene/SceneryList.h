@@ -20,6 +20,12 @@ struct CardItem {
     float ice;   ///< of the material, 0 to 1
 };
 
+/// Cards that stand together, so that one look tells haze and sun for all of them.
+struct CardGroup {
+    vec3 middle; ///< E
+    int first, count;
+};
+
 /// What of a world's trees and houses is to be drawn. Houses and the trees nearby join the meshes
 /// of the list; of a tree that is small in the picture there is a card, which grows over the model
 /// before that goes. Far off ever fewer trees stand for all.
@@ -35,6 +41,7 @@ public:
     void gather(const FrameView& view, const ShadowPlace* shadows, SceneList& list);
 
     std::vector<CardItem> cards;
+    std::vector<CardGroup> groups; ///< of all cards, in order
 
 private:
     using Cell = std::shared_ptr<const SceneryCell>;
