@@ -147,7 +147,9 @@ SceneryCell SceneryPlanting::take() {
     std::ranges::stable_sort(m_cell.things, {}, &SceneryThing::rank);
     BoundSphere bounds;
     for (const SceneryThing& thing : m_cell.things) {
-        const Mesh& mesh = *m_plan.kinds[thing.kind].mesh;
+        const SceneryKind& kind = m_plan.kinds[thing.kind];
+        const Mesh& mesh = *kind.mesh;
+        m_cell.tallest = std::max(m_cell.tallest, kind.getModelHeight() * thing.scale);
         bounds.expand(mesh.getBounds().transformed(dmat4(SceneryCell::getPose(thing))));
     }
     m_cell.middle = vec3(bounds.center);

@@ -14,9 +14,9 @@ namespace {
 
 constexpr std::size_t PLANTED_A_FRAME = 12; ///< cells; what bounds the cost when the eye moves fast
 constexpr std::size_t PLANTED_AT_ONCE = 8000; ///< cells of a scenery that is new
-constexpr float SMALLEST = 1.2f; ///< pixels of height in the picture; below there is nothing to see
-constexpr float DENSE = 350;     ///< m from the eye, from where on fewer trees stand for all
-constexpr float GROWTH = 0.7f;   ///< share of its distance from which on a card grows
+constexpr float SMALLEST = 2;  ///< pixels of height in the picture; below there is nothing to see
+constexpr float DENSE = 260;   ///< m from the eye, from where on fewer trees stand for all
+constexpr float GROWTH = 0.7f; ///< share of its distance from which on a card grows
 constexpr unsigned HOUSE_MAPS = 0b0111; ///< that they cast into
 constexpr unsigned NEAR_TREES = 0b0001, SOME_TREES = 0b0011;
 constexpr float SOME = 0.4f;    ///< rank up to which trees cast into more than the nearest map
@@ -129,6 +129,7 @@ void SceneryList::addCell(const SceneryCell& cell, const FrameView& view,
     const vec3 in_eye(view.toFrame(middle));
     if (!view.sees(in_eye, cell.radius)) return;
     const float nearest = std::max(length(in_eye) - cell.radius, 0.0f);
+    if (cell.tallest < SMALLEST * nearest * view.pixel_angle) return;
     const float share = shareAt(nearest, m_scenery->getDistance());
     const mat4 to_eye = view.toFrame(cell.frame);
     const std::size_t first = cards.size();
@@ -171,8 +172,9 @@ void SceneryList::addCard(const SceneryThing& thing, const vec4& bounds, float p
     const float to_go = CARD_PIXELS / pixels; // 1 where the model goes
     const float share = shareAt(distance, m_scenery->getDistance());
     const float thinned = std::min((share - thing.rank) / (0.25f * share + 1e-6f), 1.0f);
-    const float whole = std::min(
-        {(to_go - GROWTH) / (1 - GROWTH), thinned, endAt(distance, m_scenery->getDistance())});
+    const float whole =
+        std::min({(to_go - GROWTH) / (1 - GROWTH), thinned,
+                  endAt(distance, m_scenery->getDistance()), 2 * (pixels / SMALLEST - 1)});
     if (whole <= 0) return;
     cards.push_back({bounds, static_cast<float>(thing.kind * CardPictures::TILES),
                      std::clamp(whole, 0.0f, 1.0f), thing.heading_rad / (2 * PI),

@@ -74,7 +74,7 @@ TEST_F(SceneryPicture, ACardGrowsOverATreeBeforeItsModelGoes) {
     EXPECT_NEAR(list.opaque[0].transform.getTranslate().y, 20, 0.01);
     float whole = 0;
     bool has_model = true;
-    for (double distance = 30; distance < 400; distance *= 1.03) {
+    for (double distance = 30; distance < 500; distance *= 1.03) {
         look(distance);
         ASSERT_LE(scenery.cards.size(), 1u);
         ASSERT_EQ(scenery.groups.size(), scenery.cards.size());
@@ -90,16 +90,16 @@ TEST_F(SceneryPicture, ACardGrowsOverATreeBeforeItsModelGoes) {
     }
     EXPECT_EQ(whole, 1);
     EXPECT_FALSE(has_model);
-    look(2400);
+    look(1800); // 2.1 pixels
     ASSERT_EQ(scenery.cards.size(), 1u);
-    EXPECT_LT(scenery.cards[0].whole, 1) << "it goes as it came";
-    look(2600);
+    EXPECT_LT(scenery.cards[0].whole, 0.5f) << "it goes as it came";
+    look(2000);
     EXPECT_TRUE(scenery.cards.empty() && list.opaque.empty());
 }
 
 TEST_F(SceneryPicture, AHouseStaysAModelHoweverFar) {
     build(false);
-    look(2900);
+    look(1850);
     EXPECT_TRUE(scenery.cards.empty());
     EXPECT_EQ(list.opaque.size(), 2u);
 }

@@ -47,6 +47,7 @@ struct SceneryCell {
     dmat4 frame;                      ///< east, north, up at its middle on the ellipsoid, world
     vec3 middle;                      ///< of a sphere around all, in that frame
     float radius = 0;                 ///< m; 0 without things
+    float tallest = 0;                ///< of the things, m
     std::vector<SceneryThing> things; ///< by rank
 
     /// From the model to the cell's frame.

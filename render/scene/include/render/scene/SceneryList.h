@@ -35,7 +35,7 @@ struct CardGroup {
 /// device is needed.
 class SceneryList {
 public:
-    static constexpr float CARD_PIXELS = 36; ///< height in the picture below which trees are cards
+    static constexpr float CARD_PIXELS = 28; ///< height in the picture below which trees are cards
 
     /// Adds to a list that has been gathered; `shadows` as there.
     void gather(const FrameView& view, const ShadowPlace* shadows, SceneList& list);
