@@ -9,7 +9,7 @@ repository.
 
 import functools
 
-from modelkit import airfield, equipment, frigate, helicopter, landing_ship
+from modelkit import airfield, equipment, frigate, helicopter, landing_ship, scenery
 from modelkit.files import write
 from modelkit.glb import glb_bytes
 from modelkit.obj import obj_text
@@ -30,6 +30,7 @@ def models():
         f"{PREFABS}/sonar/sonar.glb": equipment.sonobuoy() + equipment.dipping_sonar(),
         f"{PREFABS}/rope_car/rope_car.glb": equipment.rescue_basket(),
         f"{PREFABS}/vfx/decoy/decoy.glb": equipment.decoy(),
+        f"{PREFABS}/scenery/scenery.glb": scenery.parts(),
     }
 
 
