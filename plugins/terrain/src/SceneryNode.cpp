@@ -8,6 +8,7 @@
 #include "ig/base/nearest.h"
 #include "ig/package/Package.h"
 #include "ig/package/PackageManager.h"
+#include "ig/scene/Material.h"
 #include "ig/scene/NodeReader.h"
 
 #include <algorithm>
@@ -20,24 +21,22 @@ using enum NodeKeys::Kind;
 
 namespace {
 
-const NodeSchema SURFACE{"scenery_surface", {{"scenery_surface", {{material, {"material"}}}}}};
-
-const NodeSchema KIND{"scenery_kind",
-                      {{"scenery_kind",
+const NodeSchema KIND{"kinds",
+                      {{"kinds",
                         {{text, {"name", "mesh"}},
-                         {list, {"surfaces"}, &SURFACE},
+                         {texts, {"materials"}},
                          {pair, {"height"}, nullptr, 0.01, 200},
                          {flag, {"tree", "intersect"}}}}}};
 
 const NodeSchema STAND{
-    "scenery_stand",
-    {{"scenery_stand",
+    "stands",
+    {{"stands",
       {{text, {"land", "kind"}}, {number, {"density", "steepest"}}, {pair, {"altitude"}}}}}};
 
-const NodeSchema CLEARING{"scenery_clearing",
-                          {{"scenery_clearing", {{triple, {"from", "to"}}, {number, {"width"}}}}}};
+const NodeSchema CLEARING{"clearings",
+                          {{"clearings", {{triple, {"from", "to"}}, {number, {"width"}}}}}};
 
-const NodeSchema SITE{"scenery_site", {{"scenery_site", {{text, {"kind"}}, {triple, {"at"}}}}}};
+const NodeSchema SITE{"sites", {{"sites", {{text, {"kind"}}, {triple, {"at"}}}}}};
 
 const NodeSchema FILE_SCHEMA{
     "scenery_file",
@@ -81,8 +80,8 @@ void addKind(const NodeReader& r, ObjectScenery::Plan& plan) {
     }
     kind.materials.resize(static_cast<std::size_t>(kind.mesh->getNumSurfaces()));
     std::size_t i = 0;
-    for (const NodeReader& surface : r.getMaps("surfaces"))
-        if (i < kind.materials.size()) kind.materials[i++] = surface.getMaterial();
+    for (const jString& path : r.getTexts("materials"))
+        if (i < kind.materials.size()) kind.materials[i++] = MaterialManager::get(path);
     r.readPair("height", kind.height);
     if (kind.height.x > kind.height.y) std::swap(kind.height.x, kind.height.y);
     kind.is_tree = r.getFlag("tree", true);
