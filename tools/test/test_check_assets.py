@@ -28,10 +28,12 @@ def schema_of(data):
     """What the nodes below a folder say, as a schema that knows their keys and nothing else."""
     schema = {"node": {"node": {}}, "body": {"rigid": {}, "rope": {}}, "surface": {"surface": {}},
               "shape": {"shape": {}}, "joint": {"joint": {}}, "drag": {"drag": {}},
-              "sector": {"sector": {}}}
+              "sector": {"sector": {}}, "kinds": {"kinds": {}}, "stands": {"stands": {}},
+              "land_cover": {"land_cover": {}}}
     maps = {"body": "map of body", "surfaces": "list of surface", "shapes": "list of shape",
             "joints": "list of joint", "drag": "list of drag", "children": "list of node",
-            "sector": "list of sector"}
+            "sector": "list of sector", "kinds": "list of kinds", "stands": "list of stands",
+            "land_cover": "map of land_cover"}
     triples = ["position", "wgs", "hpr", "rotation", "center", "size", "spread", "parameters",
                "color"]
     pairs = ["azimuth", "elevation"]  # that may be below 0
@@ -42,7 +44,8 @@ def schema_of(data):
         keys = types.setdefault(values.get("type", first) if family in ("node", "body") else first, {})
         for key, value in values.items():
             scalar = {bool: "flag", str: "text", list: "pair from 0"}.get(type(value), "number")
-            listed = "triple" if key in triples else "pair" if key in pairs else scalar
+            listed = ("texts" if key == "materials" else "triple" if key in triples else
+                      "pair" if key in pairs else scalar)
             keys[key] = maps.get(key, listed)
             if key in maps:
                 for each in value if isinstance(value, list) else [value]:
