@@ -3,7 +3,7 @@
 // Another logic than the helicopter's in the same program: its own world, key, button and key help.
 
 #include "ChannelRun.h"
-#include "render/image/Png.h"
+#include "render/image/ImageFile.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -33,7 +33,7 @@ struct SecondLogic : testing::Test {
     }
     ig::Image picture(const char* name) const {
         ig::Image image;
-        EXPECT_TRUE(ig::readPng((run.folder.path() / name).string(), image)) << run.output;
+        EXPECT_TRUE(ig::readImage((run.folder.path() / name).string(), image)) << run.output;
         return image;
     }
     static constexpr const char* HELP = "config/Logic_Second.interface.yaml";

@@ -14,6 +14,7 @@
 #include "ig/ui/UiDrawList.h"
 #include "plugins/ocean/ObjectOcean.h"
 #include "render/gl/RendererGL.h"
+#include "render/image/ImageFile.h"
 #include "render/image/Png.h"
 #include "testkit/LogicScene.h"
 
@@ -435,7 +436,7 @@ void compare(const char* name, const Picture& picture) {
         return;
     }
     Image kept;
-    ASSERT_TRUE(readPng(kept_path, kept)) << kept_path;
+    ASSERT_TRUE(readImage(kept_path, kept)) << kept_path;
     ASSERT_EQ(std::make_pair(kept.width, kept.height), std::make_pair(WIDTH, HEIGHT));
     const Difference found = differ(picture, kept);
     if (found.strays <= STRAY_BLOCKS && found.most <= FARTHEST) return;

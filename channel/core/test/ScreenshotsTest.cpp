@@ -2,7 +2,7 @@
 #include "Screenshots.h"
 
 #include "GreyRenderer.h"
-#include "render/image/Png.h"
+#include "render/image/ImageFile.h"
 #include "testkit/LogCapture.h"
 #include "testkit/TempFolder.h"
 
@@ -20,7 +20,7 @@ struct ScreenshotsTest : testing::Test {
     /// Which of the renderer's pictures a file shows; 0: none.
     int shown(const std::string& name) const {
         ig::Image image;
-        if (!std::filesystem::exists(path(name)) || !ig::readPng(path(name), image)) return 0;
+        if (!std::filesystem::exists(path(name)) || !ig::readImage(path(name), image)) return 0;
         return image.rgba[0];
     }
     /// Lines of the log that hold `part`.
@@ -64,7 +64,7 @@ TEST_F(ScreenshotsTest, FramesGoOnWhileAFileIsMadeAndAllAreThereAtTheEnd) {
     EXPECT_EQ(shown("a_0003.png"), 4);
     EXPECT_EQ(shown("a.png"), 5);
     ig::Image sheet;
-    ASSERT_TRUE(ig::readPng(path("sheet.png"), sheet));
+    ASSERT_TRUE(ig::readImage(path("sheet.png"), sheet));
     EXPECT_EQ(sheet.width, 3 * renderer.width); // without the last frame's
     EXPECT_EQ(sheet.rgba[4 * 16], 2);
     EXPECT_FALSE(shots.hasFailed());

@@ -1,13 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "render/image/Png.h"
 
-#include "ig/base/jLog.h"
-#include "program/InputFile.h"
 #include "program/OutputFile.h"
 
 #include <cstdint>
-#include <filesystem>
-#include <new>
 #include <png.h>
 
 namespace ig {
@@ -22,18 +18,6 @@ void giveUp(png_structp png, png_const_charp) { png_longjmp(png, 1); }
 void hand(png_structp png, png_bytep bytes, png_size_t size) {
     auto* file = static_cast<OutputFile*>(png_get_io_ptr(png));
     if (!file->write({reinterpret_cast<const char*>(bytes), size})) png_error(png, "");
-}
-
-/// False, with `why`, for sizes that memory is not to be spent on.
-bool isSane(std::uint64_t width, std::uint64_t height, std::uint64_t bytes, std::string& why) {
-    constexpr std::uint64_t MAX_PIXELS = std::uint64_t{1} << 26; // 256 MiB in memory
-    constexpr std::uint64_t MAX_RATIO = 8 * 1032; // pixels of one bit, deflated as far as can be
-    const std::string size = std::to_string(width) + " by " + std::to_string(height) + " pixels";
-    if (width * height > MAX_PIXELS)
-        why = size + " are more than a picture may have: 2^26";
-    else if (width * height > MAX_RATIO * bytes)
-        why = "damaged: " + size + " don't fit into its " + std::to_string(bytes) + " bytes";
-    return why.empty();
 }
 
 } // namespace
@@ -69,25 +53,23 @@ bool writePng(const std::string& path, const Picture& picture, std::string& mess
     return false;
 }
 
-bool readPng(const std::string& path, Image& image) {
+bool decodePng(std::span<const std::byte> bytes, Image& image, std::string& why) {
+    constexpr std::uint64_t RATIO = 8 * 1032; // pixels of one bit, deflated as far as can be
     png_image header{};
     header.version = PNG_IMAGE_VERSION;
-    std::error_code error;
-    std::string why = program::whyUnreadable(path);
-    if (why.empty() && png_image_begin_read_from_file(&header, path.c_str()) &&
-        isSane(header.width, header.height, std::filesystem::file_size(path, error), why)) {
-        header.format = PNG_FORMAT_RGBA;
-        image.width = header.width;
-        image.height = header.height;
-        try {
-            image.rgba.resize(PNG_IMAGE_SIZE(header));
-        } catch (const std::bad_alloc&) {
-            why = "out of memory";
-        }
-        if (why.empty() && png_image_finish_read(&header, nullptr, image.rgba.data(), 0, nullptr))
-            return true;
+    if (!png_image_begin_read_from_memory(&header, bytes.data(), bytes.size())) {
+        why = header.message;
+        return false;
     }
-    jLog::error("readPng: \"%s\": %s", path.c_str(), why.empty() ? header.message : why.c_str());
+    if (!image.make(header.width, header.height, RATIO, bytes.size(), why)) {
+        png_image_free(&header);
+        return false;
+    }
+    // Files of 16 bits count as those of 8 do, not as linear.
+    header.flags |= PNG_IMAGE_FLAG_16BIT_sRGB;
+    header.format = PNG_FORMAT_RGBA;
+    if (png_image_finish_read(&header, nullptr, image.rgba.data(), 0, nullptr)) return true;
+    why = header.message;
     png_image_free(&header);
     return false;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "render/image/Png.h"
 
+#include "render/image/ImageFile.h"
 #include "testkit/LogCapture.h"
 #include "testkit/TempFolder.h"
 
@@ -17,7 +18,7 @@ TEST(Png, APictureSurvivesItsFile) {
     std::string message;
     ASSERT_TRUE(writePng(path, picture, message)) << message;
     Image image;
-    ASSERT_TRUE(readPng(path, image));
+    ASSERT_TRUE(readImage(path, image));
     ASSERT_EQ(image.width, 23);
     ASSERT_EQ(image.height, 17);
     for (std::size_t i = 0; i < picture.rgb.size(); i++)

@@ -2,7 +2,10 @@
 #pragma once
 
 #include "ig/app/Renderer.h"
+#include "render/image/Image.h"
 
+#include <cstddef>
+#include <span>
 #include <string>
 
 namespace ig {
@@ -11,12 +14,8 @@ namespace ig {
 /// can't be written.
 bool writePng(const std::string& path, const Picture& picture, std::string& message);
 
-/// Pixels of an image file: four bytes (red, green, blue, opacity) each, rows from the top.
-struct Image {
-    int width = 0, height = 0;
-    std::vector<std::uint8_t> rgba;
-};
-/// Reads an image. False, with one log line, when it can't be read.
-bool readPng(const std::string& path, Image& image);
+/// Takes a picture from the bytes of a PNG file, on any thread; 16-bit values are halved. False,
+/// with the reason in `why`, when they are none that can be read.
+bool decodePng(std::span<const std::byte> bytes, Image& image, std::string& why);
 
 } // namespace ig
