@@ -2,6 +2,7 @@
 #include "TextureStore.h"
 
 #include "ig/scene/Mesh.h"
+#include "ig/scene/PackedPictures.h"
 #include "render/image/ImageFile.h"
 
 #include <algorithm>
@@ -49,9 +50,17 @@ const gl::Texture& TextureStore::get(const jString& path) {
     return texture;
 }
 
+namespace {
+bool read(const jString& path, Image& image) {
+    if (path == Mesh::MISSING_PICTURE) return false;
+    const std::span<const std::byte> packed = PackedPictures::find(path);
+    return packed.empty() ? readImage(path.c_str(), image) : readImage(path.c_str(), packed, image);
+}
+} // namespace
+
 void TextureStore::fill(gl::Texture& texture, const jString& path) {
     Image image;
-    const bool good = path != Mesh::MISSING_PICTURE && readImage(path.c_str(), image);
+    const bool good = read(path, image);
     if (!good) image = makePlaceholder();
     flip(image);
     gl::TextureFormat format{GL_SRGB8_ALPHA8, GL_RGBA, GL_UNSIGNED_BYTE, GL_REPEAT};

@@ -8,8 +8,8 @@
 
 namespace ig {
 
-/// The pictures that surfaces wear, read from their files when first asked for and kept until the
-/// end. A file that can't be read is named in the log once and shown as a magenta chequer.
+/// The pictures that surfaces wear, read from their files, or models, when first asked for and kept
+/// until the end. One that can't be read is named in the log once and shown as a magenta chequer.
 class TextureStore {
 public:
     /// Colours are taken as sRGB and become linear; with mip levels, repeated beyond the edges, the

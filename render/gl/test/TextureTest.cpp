@@ -1,64 +1,13 @@
 // SPDX-License-Identifier: MIT
-#include "PictureScene.h"
-#include "ig/scene/Mesh.h"
+#include "FieldsScene.h"
 #include "ig/scene/SceneObjects.h"
-#include "render/image/Png.h"
-#include "testkit/LogCapture.h"
-#include "testkit/TempFolder.h"
 
-#include <algorithm>
-#include <fstream>
 #include <set>
 #include <sys/stat.h>
 
 using namespace ig;
 
-class TextureOf : public PictureScene {
-public:
-    void TearDown() override {
-        PictureScene::TearDown();
-        Mesh::release();
-    }
-    /// Four fields: red and green above, blue and white below.
-    void writeFields(const char* path) {
-        Picture picture{8, 8, {}};
-        for (int y = 0; y < 8; y++)
-            for (int x = 0; x < 8; x++)
-                for (const int value : {x < 4 && y < 4, x >= 4 && y < 4, y >= 4})
-                    picture.rgb.push_back(value ? 255 : 0);
-        for (int y = 4; y < 8; y++)
-            for (int x = 4; x < 8; x++)
-                std::fill_n(picture.rgb.begin() + 3 * (8 * y + x), 3, std::uint8_t{255});
-        std::string message;
-        ASSERT_TRUE(writePng((m_folder.path() / path).string(), picture, message)) << message;
-    }
-    /// A square that fills the middle of the picture, facing the eye; its surface is the file's.
-    void show(const jString& model) {
-        look(100, 0, 0);
-        auto mesh = Mesh::get(model);
-        ASSERT_TRUE(mesh);
-        auto* object = new ObjectMesh(std::move(mesh));
-        object->setTransform(m_camera.getWorldTransform() * translate(dvec3(0, 0, -20)));
-        m_world.addNode(object);
-        draw();
-    }
-    char color(double x, double y) {
-        const std::uint8_t* p = pixel(x, y);
-        const auto [low, high] = std::minmax({p[0], p[1], p[2]});
-        if (high - low < 40) return high > 90 ? 'w' : 'k';
-        return p[0] == high ? (p[2] > high / 2 ? 'm' : 'r') : p[1] == high ? 'g' : 'b';
-    }
-    std::string quarters() {
-        return {color(0.46, 0.42), color(0.54, 0.42), color(0.46, 0.58), color(0.54, 0.58)};
-    }
-    bool logged(const char* part) const {
-        return std::count_if(m_log.lines.begin(), m_log.lines.end(), [part](const auto& line) {
-                   return line.find(part) != std::string::npos;
-               }) == 1;
-    }
-    WorkingFolder m_folder;
-    LogCapture m_log;
-};
+using TextureOf = FieldsScene;
 
 TEST_F(TextureOf, APictureStandsUprightOnWhatAFileGivesIt) {
     writeFields("fields.png");
@@ -68,39 +17,6 @@ TEST_F(TextureOf, APictureStandsUprightOnWhatAFileGivesIt) {
                                "f 1/1/1 2/2/1 3/3/1 4/4/1\n");
     m_folder.write("card.mtl", "newmtl skin\nmap_Kd fields.png\n");
     show("card.obj");
-    EXPECT_EQ(quarters(), "rgbw");
-}
-
-// The format's v runs down the picture, its Y up, and files stand beside the model.
-TEST_F(TextureOf, TheSameFromAGltfFile) {
-    std::filesystem::create_directory(m_folder.path() / "models");
-    writeFields("models/fields.png");
-    const float corners[] = {-3, 0, 3, 3, 0, 3, 3, 0, -3, -3, 0, -3, // lies flat: up is -Z
-                             0,  1, 0, 0, 1, 0, 0, 1, 0,  0,  1, 0,  // normals
-                             0,  1, 1, 1, 1, 0, 0, 0};
-    const std::uint16_t indices[] = {0, 1, 2, 0, 2, 3};
-    std::ofstream binary(m_folder.path() / "models/card.bin", std::ios::binary);
-    binary.write(reinterpret_cast<const char*>(corners), sizeof corners);
-    binary.write(reinterpret_cast<const char*>(indices), sizeof indices);
-    binary.close();
-    m_folder.write("models/card.gltf", R"({"asset": {"version": "2.0"}, "scene": 0,
-        "scenes": [{"nodes": [0]}], "nodes": [{"mesh": 0}],
-        "meshes": [{"primitives": [{"attributes": {"POSITION": 0, "NORMAL": 1, "TEXCOORD_0": 2},
-                                    "indices": 3, "material": 0}]}],
-        "materials": [{"name": "skin",
-                       "pbrMetallicRoughness": {"baseColorTexture": {"index": 0}}}],
-        "textures": [{"source": 0}], "images": [{"uri": "fields.png"}],
-        "buffers": [{"uri": "card.bin", "byteLength": 140}],
-        "bufferViews": [{"buffer": 0, "byteLength": 48},
-                        {"buffer": 0, "byteOffset": 48, "byteLength": 48},
-                        {"buffer": 0, "byteOffset": 96, "byteLength": 32},
-                        {"buffer": 0, "byteOffset": 128, "byteLength": 12}],
-        "accessors": [{"bufferView": 0, "componentType": 5126, "count": 4, "type": "VEC3",
-                       "min": [-3, 0, -3], "max": [3, 0, 3]},
-                      {"bufferView": 1, "componentType": 5126, "count": 4, "type": "VEC3"},
-                      {"bufferView": 2, "componentType": 5126, "count": 4, "type": "VEC2"},
-                      {"bufferView": 3, "componentType": 5123, "count": 6, "type": "SCALAR"}]})");
-    show("models/card.gltf");
     EXPECT_EQ(quarters(), "rgbw");
 }
 

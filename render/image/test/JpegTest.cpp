@@ -3,43 +3,21 @@
 
 #include "testkit/LogCapture.h"
 #include "testkit/TempFolder.h"
+#include "testkit/jpegBytes.h"
 
 #include <gtest/gtest.h>
-
-#include <cstdio>
-#include <jpeglib.h>
 
 using namespace ig;
 
 namespace {
 
-/// A JPEG file: red on the left, green on the right; with `components` 4 in colours for print.
-std::string makeJpeg(unsigned width, unsigned height, bool progressive, int components = 3) {
-    jpeg_compress_struct info{};
-    jpeg_error_mgr errors{};
-    info.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&info);
-    unsigned char* bytes = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&info, &bytes, &size);
-    info.image_width = width;
-    info.image_height = height;
-    info.input_components = components;
-    info.in_color_space = components == 4 ? JCS_CMYK : JCS_RGB;
-    jpeg_set_defaults(&info);
-    if (progressive) jpeg_simple_progression(&info);
-    jpeg_start_compress(&info, TRUE);
-    std::vector<unsigned char> row(std::size_t{1} * width * components);
-    for (unsigned x = 0; x < width; x++)
-        row[x * components + (x < width / 2 ? 0 : 1)] = 255;
-    JSAMPROW rows[] = {row.data()};
-    while (info.next_scanline < height)
-        jpeg_write_scanlines(&info, rows, 1);
-    jpeg_finish_compress(&info);
-    jpeg_destroy_compress(&info);
-    const std::string file(reinterpret_cast<char*>(bytes), size);
-    free(bytes);
-    return file;
+/// Red on the left, green on the right.
+std::string makeJpeg(unsigned width, unsigned height, bool progressive, unsigned components = 3) {
+    const auto color = [width](unsigned x, unsigned) {
+        return x < width / 2 ? std::array<unsigned char, 3>{255, 0, 0}
+                             : std::array<unsigned char, 3>{0, 255, 0};
+    };
+    return jpegBytes(width, height, color, progressive, components);
 }
 
 } // namespace

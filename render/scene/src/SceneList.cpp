@@ -109,9 +109,8 @@ void SceneList::addMesh(const Node& node) {
     MeshItem item{&object.getMesh(), 0, m_view->toFrame(world), distance, {}, {center, radius}};
     for (int i = 0; i < object.getNumSurfaces(); i++) {
         item.surface = i;
-        item.look = SurfaceLook::read(object.getSurfaceMaterial(i));
         const Mesh::Surface& surface = object.getMesh()->getSurface(i);
-        if (!item.look.texture && !surface.texture.empty()) item.look.texture = &surface.texture;
+        item.look = SurfaceLook::read(object.getSurfaceMaterial(i), surface.material.get());
         if (item.look.wipes > 0) addBlade(object, surface);
         if (!seen) continue;
         item.look.isOpaque() ? opaque.push_back(item) : addTransparent(item);
@@ -121,7 +120,8 @@ void SceneList::addMesh(const Node& node) {
 /// As a whole where no light passes through any of it, which is one draw.
 void SceneList::addCaster(const ObjectMesh& object, CasterItem item) {
     const auto isOpaque = [&object](int surface) {
-        return SurfaceLook::isOpaque(object.getSurfaceMaterial(surface));
+        return SurfaceLook::isOpaque(object.getSurfaceMaterial(surface),
+                                     object.getMesh()->getSurface(surface).material.get());
     };
     const int count = object.getNumSurfaces();
     int surface = 0;

@@ -5,37 +5,53 @@ namespace ig {
 
 namespace {
 
+/// A surface's own material, and behind it what the model brings.
+struct Materials {
+    const Material *own, *model;
+    float getSlider(const char* tag, float otherwise) const {
+        return readSlider(own, tag, readSlider(model, tag, otherwise));
+    }
+    vec4 getValue(const char* tag, const vec4& otherwise) const {
+        return readValue(own, tag, readValue(model, tag, otherwise));
+    }
+    const jString* getTexture(const jString& name) const {
+        const jString* path = own ? own->findTexture(name) : nullptr;
+        return path || !model ? path : model->findTexture(name);
+    }
+};
+
 /// What decides whether light passes through.
-void readCover(const Material* material, SurfaceLook& look) {
-    look.color = readValue(material, "diffuse_color", look.color);
-    look.rotor = readValue(material, "rotor", look.rotor);
-    look.paint = readSlider(material, "paint", look.paint);
+void readCover(const Materials& materials, SurfaceLook& look) {
+    look.color = materials.getValue("diffuse_color", look.color);
+    look.rotor = materials.getValue("rotor", look.rotor);
+    look.paint = materials.getSlider("paint", look.paint);
 }
 
 } // namespace
 
-bool SurfaceLook::isOpaque(const Material* material) {
+bool SurfaceLook::isOpaque(const Material* material, const Material* model) {
     SurfaceLook look;
-    readCover(material, look);
+    readCover({material, model}, look);
     return look.isOpaque();
 }
 
-SurfaceLook SurfaceLook::read(const Material* material) {
+SurfaceLook SurfaceLook::read(const Material* material, const Material* model) {
     SurfaceLook look;
-    if (!material) return look;
-    readCover(material, look);
-    look.roughness = readSlider(material, "roughness", look.roughness);
-    look.metalness = readSlider(material, "metalness", look.metalness);
-    look.emission = readSlider(material, "emission", 0);
-    look.wetness = readSlider(material, "wetness", 0);
-    look.ice = readSlider(material, "ice", 0);
-    look.rain = readSlider(material, "rain_power", look.rain);
-    look.wipes = readSlider(material, "wipes", 0);
-    look.two_sided = readSlider(material, "two_sided", 0) > 0.5f;
-    look.paving = readValue(material, "paving", look.paving);
-    look.tile = readSlider(material, "texture_size", 0);
-    static const jString BASE_COLOR = "base_color";
-    look.texture = material->findTexture(BASE_COLOR);
+    if (!material && !model) return look;
+    const Materials materials{material, model};
+    readCover(materials, look);
+    look.roughness = materials.getSlider("roughness", look.roughness);
+    look.metalness = materials.getSlider("metalness", look.metalness);
+    look.emission = materials.getSlider("emission", 0);
+    look.wetness = materials.getSlider("wetness", 0);
+    look.ice = materials.getSlider("ice", 0);
+    look.rain = materials.getSlider("rain_power", look.rain);
+    look.wipes = materials.getSlider("wipes", 0);
+    look.two_sided = materials.getSlider("two_sided", 0) > 0.5f;
+    look.paving = materials.getValue("paving", look.paving);
+    look.tile = materials.getSlider("texture_size", 0);
+    static const jString BASE_COLOR = Material::PICTURES[0];
+    look.texture = materials.getTexture(BASE_COLOR);
     return look;
 }
 

@@ -36,6 +36,10 @@ struct Ground {
 /// of its own is owned by the object that asked for it.
 class Material : public jObject {
 public:
+    /// The textures that surfaces know.
+    static constexpr const char* PICTURES[] = {"base_color", "normal", "metallic_roughness",
+                                               "emissive", "occlusion"};
+
     /// Reads the parameters, states and textures of a material file. False, with one log line, when
     /// something in it is not what the format asks for; what was read before that stays.
     bool load(const jString& path);

@@ -10,6 +10,8 @@
 
 namespace ig {
 
+class Material;
+
 /// Triangles of a model, cut into surfaces (one per material of the file), in the frame of the node
 /// that shows them: X right, Y forward, Z up, metres. Immutable and shared by all that show it.
 class Mesh {
@@ -19,9 +21,9 @@ public:
         std::vector<vec3> positions;
         std::vector<vec3> normals; ///< as many as positions
         std::vector<vec2> uvs;     ///< as many as positions, or none; v runs up the picture
-        /// Picture file of the base colour that the file's material names, its folder included; for
-        /// those whose object gives no material with a texture. Empty: none.
-        jString texture;
+        /// What the model's own material says, in the tags of material files; null: nothing. The
+        /// object's material goes before it, tag by tag.
+        std::shared_ptr<const Material> material;
         std::vector<std::uint32_t> indices;
     };
 
@@ -40,7 +42,8 @@ public:
 
     /// Models that have been read from their files so far, or tried.
     static int getNumRead();
-    /// Forgets all meshes and failures; a mesh that somebody holds lives on with its holder.
+    /// Forgets all meshes, the pictures packed into their models, and failures; a mesh that
+    /// somebody holds lives on with its holder.
     static void release();
 
     explicit Mesh(std::vector<Surface> surfaces);

@@ -20,10 +20,11 @@ struct SurfaceLook {
     /// Base colour's picture file, or null; the material's or the mesh's own.
     const jString* texture = nullptr;
 
-    /// Tags that the material lacks, or all without material, keep their defaults.
-    static SurfaceLook read(const Material* material);
-    /// Of that material, by the tags that matter alone.
-    static bool isOpaque(const Material* material);
+    /// Tags that the material lacks are the model's, if any, and those that both lack keep their
+    /// defaults; either may be null.
+    static SurfaceLook read(const Material* material, const Material* model = nullptr);
+    /// Of these materials, by the tags that matter alone.
+    static bool isOpaque(const Material* material, const Material* model);
     bool isOpaque() const { return color.w >= 0.999f && paint < 0 && rotor.x <= 0; }
     friend bool operator==(const SurfaceLook&, const SurfaceLook&) = default;
 };

@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: MIT
+#include "MeshReader.h"
+
+#include "ModelFile.h"
+#include "ModelMaterial.h"
+#include "ig/base/jLog.h"
+#include "ig/scene/Material.h"
+#include "ig/scene/Mesh.h"
+
+#include <assimp/scene.h>
+
+#include <cmath>
+#include <map>
+
+namespace ig {
+
+namespace {
+
+/// Larger ones than the earth are mistakes, and would overflow what is computed from them.
+constexpr float MAX_COORDINATE = 1e7f;
+// More are made to exhaust the memory: nodes may share their triangles, which then count anew.
+constexpr std::size_t MOST_VERTICES = std::size_t{1} << 24, MOST_INDICES = std::size_t{1} << 26,
+                      MOST_SURFACES = 10'000;
+
+bool isSane(const aiMesh& mesh) {
+    for (unsigned i = 0; i < mesh.mNumVertices; i++) {
+        const aiVector3D& v = mesh.mVertices[i];
+        for (float x : {v.x, v.y, v.z})
+            if (!(std::abs(x) < MAX_COORDINATE)) return false;
+    }
+    return true;
+}
+
+/// Gathers the surfaces of one mesh.
+class Reader {
+public:
+    explicit Reader(const ModelFile& file) : m_file(file) {}
+
+    void append(const aiNode& node, const aiMatrix4x4& transform);
+    /// Null, with one log line, when there are none, or too many.
+    std::shared_ptr<const Mesh> finish(const std::string& reference);
+
+private:
+    void append(const aiMesh& mesh, const aiMatrix4x4& transform);
+    void appendVertices(const aiMesh& mesh, const aiMatrix4x4& transform, const PicturePlace& place,
+                        Mesh::Surface& surface) const;
+    const ModelMaterial& findMaterial(unsigned index);
+    /// Axes of the file turned into ours.
+    vec3 turn(const aiVector3D& v) const {
+        return m_file.y_up ? vec3(v.x, -v.z, v.y) : vec3(v.x, v.y, v.z);
+    }
+
+    const ModelFile& m_file;
+    std::map<unsigned, ModelMaterial> m_materials; ///< by their numbers
+    std::vector<Mesh::Surface> m_surfaces;
+    std::size_t m_vertices = 0, m_indices = 0;
+    bool m_too_many = false;
+};
+
+void Reader::append(const aiNode& node, const aiMatrix4x4& transform) {
+    for (unsigned i = 0; i < node.mNumMeshes; i++)
+        append(*m_file.scene->mMeshes[node.mMeshes[i]], transform);
+    for (unsigned i = 0; i < node.mNumChildren; i++)
+        append(*node.mChildren[i], transform * node.mChildren[i]->mTransformation);
+}
+
+void Reader::append(const aiMesh& mesh, const aiMatrix4x4& transform) {
+    if (!(mesh.mPrimitiveTypes & aiPrimitiveType_TRIANGLE) || !mesh.HasNormals() || m_too_many)
+        return;
+    if (!isSane(mesh)) {
+        jLog::error("Mesh::get: \"%s\" has coordinates beyond 1e7 m and is left out",
+                    mesh.mName.C_Str());
+        return;
+    }
+    m_vertices += mesh.mNumVertices;
+    m_indices += std::size_t{3} * mesh.mNumFaces;
+    m_too_many = m_vertices > MOST_VERTICES || m_indices > MOST_INDICES ||
+                 m_surfaces.size() == MOST_SURFACES;
+    if (m_too_many) return;
+    const ModelMaterial& material = findMaterial(mesh.mMaterialIndex);
+    Mesh::Surface surface;
+    surface.name = m_file.scene->mMaterials[mesh.mMaterialIndex]->GetName().C_Str();
+    surface.material = material.material;
+    appendVertices(mesh, transform, material.places[0], surface);
+    const bool mirrored = transform.Determinant() < 0; // which turns triangles inside out
+    for (unsigned f = 0; f < mesh.mNumFaces; f++) {
+        const aiFace& face = mesh.mFaces[f];
+        if (face.mNumIndices != 3) continue; // points and lines
+        surface.indices.insert(surface.indices.end(), face.mIndices, face.mIndices + 3);
+        if (mirrored) std::swap(surface.indices.back(), *(surface.indices.end() - 2));
+    }
+    if (!surface.indices.empty()) m_surfaces.push_back(std::move(surface));
+}
+
+void Reader::appendVertices(const aiMesh& mesh, const aiMatrix4x4& transform,
+                            const PicturePlace& place, Mesh::Surface& surface) const {
+    aiMatrix3x3 turned(transform);
+    turned.Inverse().Transpose(); // normals need the inverse transpose
+    for (unsigned i = 0; i < mesh.mNumVertices; i++) {
+        surface.positions.push_back(turn(transform * mesh.mVertices[i]));
+        aiVector3D normal = turned * mesh.mNormals[i];
+        surface.normals.push_back(turn(normal.NormalizeSafe()));
+    }
+    const auto set = static_cast<unsigned>(place.set);
+    if (!mesh.HasTextureCoords(set)) return;
+    for (unsigned i = 0; i < mesh.mNumVertices; i++) {
+        const aiVector3D& uv = mesh.mTextureCoords[set][i];
+        const vec2 placed = place({uv.x, 1 - uv.y});
+        surface.uvs.push_back({placed.x, 1 - placed.y});
+    }
+}
+
+const ModelMaterial& Reader::findMaterial(unsigned index) {
+    const auto [entry, is_new] = m_materials.try_emplace(index);
+    if (is_new) entry->second = readMaterial(m_file, *m_file.scene->mMaterials[index]);
+    return entry->second;
+}
+
+std::shared_ptr<const Mesh> Reader::finish(const std::string& reference) {
+    if (m_too_many)
+        jLog::error("Mesh::get: \"%s\" has more than %zu vertices, %zu corners of triangles or %zu "
+                    "surfaces: export fewer, or in parts",
+                    reference.c_str(), MOST_VERTICES, MOST_INDICES, MOST_SURFACES);
+    else if (m_surfaces.empty())
+        jLog::error("Mesh::get: \"%s\" has no triangles", reference.c_str());
+    else
+        return std::make_shared<const Mesh>(std::move(m_surfaces));
+    return nullptr;
+}
+
+} // namespace
+
+std::shared_ptr<const Mesh> readMesh(const std::string& reference) {
+    const std::size_t hash = reference.find('#');
+    const ModelFile file = readModel(reference.substr(0, hash));
+    if (!file.scene) return nullptr;
+    const aiNode& root = *file.scene->mRootNode;
+    Reader reader(file);
+    if (hash == std::string::npos) {
+        reader.append(root, root.mTransformation);
+        return reader.finish(reference);
+    }
+    const std::string part = reference.substr(hash + 1);
+    const aiNode* node = root.FindNode(part.c_str());
+    if (!node) {
+        jLog::error("Mesh::get: \"%s\" has no part \"%s\"", file.path.c_str(), part.c_str());
+        return nullptr;
+    }
+    reader.append(*node, aiMatrix4x4());
+    return reader.finish(reference);
+}
+
+} // namespace ig

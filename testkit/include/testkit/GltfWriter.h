@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <vector>
+
+/// Puts a glTF file together as exporters do: data goes into one buffer, and the rest of the
+/// document is the test's own text.
+class GltfWriter {
+public:
+    /// Returns the number of the buffer view.
+    int addBytes(const std::string& bytes) {
+        m_binary.resize((m_binary.size() + 3) / 4 * 4);
+        add(m_views, R"({"buffer":0,"byteOffset":)" + std::to_string(m_binary.size()) +
+                         R"(,"byteLength":)" + std::to_string(bytes.size()) + "}");
+        m_binary += bytes;
+        return m_num_views++;
+    }
+    /// Vectors of 2 to 4 numbers, or single ones. Returns the number of the accessor.
+    template <class T>
+    int addNumbers(const std::vector<T>& values, unsigned components, const char* more = "") {
+        constexpr int TYPE = sizeof(T) == 1 ? 5121 : sizeof(T) == 2 ? 5123 : 5126;
+        constexpr const char* KINDS[] = {"", "SCALAR", "VEC2", "VEC3", "VEC4"};
+        std::string bytes(values.size() * sizeof(T), '\0');
+        std::memcpy(bytes.data(), values.data(), bytes.size());
+        add(m_accessors, R"({"bufferView":)" + std::to_string(addBytes(bytes)) +
+                             R"(,"componentType":)" + std::to_string(TYPE) + R"(,"count":)" +
+                             std::to_string(values.size() / components) + R"(,"type":")" +
+                             KINDS[components] + "\"" + more + "}");
+        return m_num_accessors++;
+    }
+    /// A square of 6 m that faces up, its picture's left to −X and top to −Z. Returns the primitive
+    /// without its material: `"attributes":{...},"indices":n`, with `more` attributes.
+    std::string addCard(const std::string& more = "") {
+        const auto n = [](int number) { return std::to_string(number); };
+        return R"("attributes":{"POSITION":)" +
+               n(addNumbers<float>({-3, 0, 3, 3, 0, 3, 3, 0, -3, -3, 0, -3}, 3,
+                                   R"(,"min":[-3,0,-3],"max":[3,0,3])")) +
+               R"(,"NORMAL":)" + n(addNumbers<float>({0, 1, 0, 0, 1, 0, 0, 1, 0, 0, 1, 0}, 3)) +
+               R"(,"TEXCOORD_0":)" + n(addNumbers<float>({0, 1, 1, 1, 1, 0, 0, 0}, 2)) + more +
+               R"(},"indices":)" + n(addNumbers<std::uint16_t>({0, 1, 2, 0, 2, 3}, 1));
+    }
+
+    const std::string& getBinary() const { return m_binary; }
+    /// `rest`: what else the document has, scenes and all. `uri`: of the buffer, empty in a binary
+    /// file.
+    std::string makeText(const std::string& rest, const std::string& uri) const {
+        return R"({"asset":{"version":"2.0"},"buffers":[{"byteLength":)" +
+               std::to_string(m_binary.size()) + (uri.empty() ? "" : R"(,"uri":")" + uri + "\"") +
+               R"(}],"bufferViews":[)" + m_views + R"(],"accessors":[)" + m_accessors + "]," +
+               rest + "}";
+    }
+    std::string makeBinary(const std::string& rest) const {
+        std::string text = makeText(rest, ""), binary = m_binary;
+        text.resize((text.size() + 3) / 4 * 4, ' ');
+        binary.resize((binary.size() + 3) / 4 * 4);
+        const auto size = static_cast<std::uint32_t>(28 + text.size() + binary.size());
+        return "glTF" + word(2) + word(size) + word(static_cast<std::uint32_t>(text.size())) +
+               "JSON" + text + word(static_cast<std::uint32_t>(binary.size())) +
+               std::string("BIN\0", 4) + binary;
+    }
+
+private:
+    static void add(std::string& list, const std::string& item) {
+        list += (list.empty() ? "" : ",") + item;
+    }
+    static std::string word(std::uint32_t value) {
+        std::string bytes(4, '\0');
+        std::memcpy(bytes.data(), &value, 4);
+        return bytes;
+    }
+
+    std::string m_binary, m_views, m_accessors;
+    int m_num_views = 0, m_num_accessors = 0;
+};
