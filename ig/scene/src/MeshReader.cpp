@@ -31,6 +31,54 @@ bool isSane(const aiMesh& mesh) {
     return true;
 }
 
+std::vector<vec2> readPlaces(const aiMesh& mesh, const PicturePlace& place) {
+    std::vector<vec2> uvs;
+    const auto set = static_cast<unsigned>(place.set);
+    if (!mesh.HasTextureCoords(set)) return uvs;
+    for (unsigned i = 0; i < mesh.mNumVertices; i++) {
+        const aiVector3D& uv = mesh.mTextureCoords[set][i];
+        const vec2 placed = place({uv.x, 1 - uv.y});
+        uvs.push_back({placed.x, 1 - placed.y});
+    }
+    return uvs;
+}
+
+/// Pictures that lie alike share their coordinates. There are two sets of these; what lies by a
+/// third is laid by the first.
+void appendPlaces(const aiMesh& mesh, const ModelMaterial& material, Mesh::Surface& surface) {
+    const PicturePlace *first = nullptr, *second = nullptr;
+    for (std::size_t i = 0; i < material.places.size(); i++) {
+        const PicturePlace& place = material.places[i];
+        if (!material.material || !material.material->findTexture(Material::PICTURES[i])) continue;
+        if (!first) first = &place;
+        if (place == *first) continue;
+        if (!second) second = &place;
+        if (place == *second)
+            surface.second |= 1U << i;
+        else
+            jLog::warning("Mesh::get: material \"%s\" lays its pictures in more than two ways: "
+                          "\"%s\" is laid like the first",
+                          surface.name.c_str(), Material::PICTURES[i]);
+    }
+    surface.uvs = readPlaces(mesh, first ? *first : PicturePlace());
+    if (second && !surface.uvs.empty()) surface.second_uvs = readPlaces(mesh, *second);
+    if (surface.second_uvs.empty()) surface.second = 0;
+}
+
+/// The importer gives colours without opacity one of 0.
+void appendColors(const aiMesh& mesh, Mesh::Surface& surface) {
+    if (!mesh.HasVertexColors(0)) return;
+    bool has_opacity = false;
+    for (unsigned i = 0; i < mesh.mNumVertices; i++) {
+        const aiColor4D& c = mesh.mColors[0][i];
+        has_opacity |= c.a > 0;
+        surface.colors.push_back({c.r, c.g, c.b, c.a});
+    }
+    if (has_opacity) return;
+    for (vec4& color : surface.colors)
+        color.w = 1;
+}
+
 /// Gathers the surfaces of one mesh.
 class Reader {
 public:
@@ -42,7 +90,7 @@ public:
 
 private:
     void append(const aiMesh& mesh, const aiMatrix4x4& transform);
-    void appendVertices(const aiMesh& mesh, const aiMatrix4x4& transform, const PicturePlace& place,
+    void appendVertices(const aiMesh& mesh, const aiMatrix4x4& transform,
                         Mesh::Surface& surface) const;
     const ModelMaterial& findMaterial(unsigned index);
     /// Axes of the file turned into ours.
@@ -81,7 +129,9 @@ void Reader::append(const aiMesh& mesh, const aiMatrix4x4& transform) {
     Mesh::Surface surface;
     surface.name = m_file.scene->mMaterials[mesh.mMaterialIndex]->GetName().C_Str();
     surface.material = material.material;
-    appendVertices(mesh, transform, material.places[0], surface);
+    appendVertices(mesh, transform, surface);
+    appendPlaces(mesh, material, surface);
+    appendColors(mesh, surface);
     const bool mirrored = transform.Determinant() < 0; // which turns triangles inside out
     for (unsigned f = 0; f < mesh.mNumFaces; f++) {
         const aiFace& face = mesh.mFaces[f];
@@ -93,20 +143,13 @@ void Reader::append(const aiMesh& mesh, const aiMatrix4x4& transform) {
 }
 
 void Reader::appendVertices(const aiMesh& mesh, const aiMatrix4x4& transform,
-                            const PicturePlace& place, Mesh::Surface& surface) const {
+                            Mesh::Surface& surface) const {
     aiMatrix3x3 turned(transform);
     turned.Inverse().Transpose(); // normals need the inverse transpose
     for (unsigned i = 0; i < mesh.mNumVertices; i++) {
         surface.positions.push_back(turn(transform * mesh.mVertices[i]));
         aiVector3D normal = turned * mesh.mNormals[i];
         surface.normals.push_back(turn(normal.NormalizeSafe()));
-    }
-    const auto set = static_cast<unsigned>(place.set);
-    if (!mesh.HasTextureCoords(set)) return;
-    for (unsigned i = 0; i < mesh.mNumVertices; i++) {
-        const aiVector3D& uv = mesh.mTextureCoords[set][i];
-        const vec2 placed = place({uv.x, 1 - uv.y});
-        surface.uvs.push_back({placed.x, 1 - placed.y});
     }
 }
 

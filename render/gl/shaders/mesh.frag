@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Surfaces of models. One of these words is defined: PLAIN; TEXTURED: with a picture; PAVED: dry slabs
 // of concrete or lanes of asphalt; SOAKED: the same when wet or icy; PAINTED: markings with soft edges;
-// DECAL: pictures that lie on what is below; GLASS: what lets light through; ROTOR: blades at speed.
+// DECAL: pictures that lie on what is below; GLASS: what lets light through; ROTOR: blades at speed;
+// MAPPED: with what further words say: BASE_MAP, NORMAL_MAP, METALLIC_ROUGHNESS_MAP, EMISSIVE_MAP,
+// OCCLUSION_MAP: these pictures; with _SECOND for _MAP, by the second texture coordinates; SHARED:
+// occlusion in the picture of the roughness; GLOWING; COLORED by its vertices; MASKED: with holes;
+// BLENDED: as opaque as its picture.
 #if defined(PAVED) || defined(PAINTED) || defined(DECAL) || defined(ROTOR)
 #define MATTE // mirrors nothing, which is half of the cost
 #endif
@@ -20,15 +24,63 @@ uniform vec4 uPaving;     // slab's edges along x and y, m; half a joint, m; spr
 uniform sampler2D uNoise;
 out vec4 oColor;
 
-#ifdef TEXTURED
+#if defined(TEXTURED) || defined(MAPPED)
 in vec3 vOwnNormal;
 uniform sampler2D uTexture;
 uniform float uTiles;     // pictures per metre; 0: by texture coordinates
-vec3 picture() {
+vec2 place() {
     vec3 side = abs(vOwnNormal);
     vec2 own = side.z > max(side.x, side.y) ? vOwn.xy : side.x > side.y ? vOwn.yz : vOwn.xz;
-    return texture(uTexture, uTiles > 0.0 ? own * uTiles : vPlace).rgb;
+    return uTiles > 0.0 ? own * uTiles : vPlace;
 }
+#endif
+
+#ifdef MAPPED
+#ifdef SECOND
+in vec2 vSecond;
+#endif
+#ifdef COLORED
+in vec4 vColor;
+#endif
+#ifdef NORMAL_SECOND
+#define NORMAL_PLACE vSecond
+#else
+#define NORMAL_PLACE p
+#endif
+#ifdef METALLIC_ROUGHNESS_SECOND
+#define METALLIC_ROUGHNESS_PLACE vSecond
+#else
+#define METALLIC_ROUGHNESS_PLACE p
+#endif
+#ifdef EMISSIVE_SECOND
+#define EMISSIVE_PLACE vSecond
+#else
+#define EMISSIVE_PLACE p
+#endif
+#ifdef OCCLUSION_SECOND
+#define OCCLUSION_PLACE vSecond
+#else
+#define OCCLUSION_PLACE p
+#endif
+uniform sampler2D uNormal, uMetallicRoughness, uEmissive, uOcclusion;
+uniform vec4 uFinish;     // strength of the bumps and of the occlusion; opacity below which nothing is there
+uniform vec3 uGlow;
+
+#ifdef NORMAL_MAP
+// The normal that a picture bends: right, up and out of it are red, green and blue. Where these lie on
+// the surface the pixels beside this one tell, so that meshes need no tangents (C. Schueler, "Normal
+// mapping without precomputed tangents").
+vec3 bend(vec3 normal, vec2 p) {
+    vec3 bump = texture(uNormal, p).xyz * 2.0 - 1.0;
+    vec3 dx = dFdx(vPosition), dy = dFdy(vPosition);
+    vec2 px = dFdx(p), py = dFdy(p);
+    vec3 a = cross(dy, normal), b = cross(normal, dx);
+    vec3 right = a * px.x + b * py.x, up = a * px.y + b * py.y;
+    float size = max(dot(right, right), dot(up, up));
+    if (size < 1e-30) return normal; // all of the mesh at one place of the picture
+    return normalize((right * bump.x + up * bump.y) * (uFinish.x * inversesqrt(size)) + normal * bump.z);
+}
+#endif
 #endif
 
 #ifdef DECAL
@@ -97,7 +149,43 @@ void main() {
     opacity = max(opacity, 0.25 * uCover.z); // what is wet scatters; glass.frag shows drops nearby
 #endif
 #ifdef TEXTURED
-    albedo *= picture();
+    albedo *= texture(uTexture, place()).rgb;
+#endif
+    // What shines by itself looks nearly the same to an eye used to the dark and to one that isn't.
+    vec3 glow = uColor.rgb * (uSurface.z * uTime.w);
+#ifdef MAPPED
+    vec2 p = place();
+    float seen = 1.0; // of the sky
+#ifdef COLORED
+    albedo *= vColor.rgb;
+    opacity *= vColor.a;
+#endif
+#ifdef BASE_MAP
+    vec4 base = texture(uTexture, p);
+    albedo *= base.rgb;
+    opacity *= base.a;
+#endif
+#ifdef NORMAL_MAP
+    normal = bend(normal, NORMAL_PLACE);
+#endif
+#ifdef METALLIC_ROUGHNESS_MAP
+    vec3 finish = texture(uMetallicRoughness, METALLIC_ROUGHNESS_PLACE).rgb;
+    rough *= finish.g;
+    metal *= finish.b;
+#endif
+#ifdef SHARED
+    seen = mix(1.0, finish.r, uFinish.y);
+#elif defined(OCCLUSION_MAP)
+    seen = mix(1.0, texture(uOcclusion, OCCLUSION_PLACE).r, uFinish.y);
+#endif
+#ifdef EMISSIVE_MAP
+    glow += uGlow * uTime.w * texture(uEmissive, EMISSIVE_PLACE).rgb;
+#elif defined(GLOWING)
+    glow += uGlow * uTime.w;
+#endif
+#ifdef MASKED
+    if (opacity < uFinish.z) discard;
+#endif
 #endif
 #if defined(PAVED) || defined(SOAKED)
     float puddle;
@@ -127,6 +215,9 @@ void main() {
     float facing = max(dot(normal, toLight), 0.0);
     // The sky lights what looks up, the ground's reflection what looks down.
     vec3 ambient = uAmbient.rgb * mix(vec3(0.30, 0.34, 0.36), vec3(1.0), normal.z * 0.5 + 0.5);
+#ifdef MAPPED
+    ambient *= seen;
+#endif
 
     vec3 diffuse = albedo * (1.0 - metal) * (ambient + light * facing / PI);
 #ifdef LIGHTS
@@ -137,8 +228,6 @@ void main() {
     diffuse += albedo * (1.0 - metal) * lampLight(vPosition, normal, toEye, max(rough * rough * rough * rough, 4e-4), shine);
 #endif
 #endif
-    // What shines by itself looks nearly the same to an eye used to the dark and to one that isn't.
-    vec3 glow = uColor.rgb * (uSurface.z * uTime.w);
     float clear = exp(-vDim * range);
 #ifdef MATTE
     vec3 specular = vec3(0.0);
@@ -154,6 +243,9 @@ void main() {
     float lobe = min(a2 / (PI * q * q), 60.0);
     vec3 mirrored = reflect(-toEye, normal);
     vec3 environment = skyAt(mirrored, mix(1.0, 5.5, rough)) * (mirrored.z < 0.0 ? 0.22 : 1.0);
+#ifdef MAPPED
+    environment *= seen;
+#endif
     vec3 specular = light * facing * lobe * fresnel * 0.25 + environment * fresnel * mix(1.0, 0.3, rough);
 #ifdef LIGHTS
     specular += shine * fresnel;
@@ -163,7 +255,7 @@ void main() {
     float a = clamp(opacity + fresnel.g * 0.8, 0.0, 1.0);
     vec3 color = diffuse * opacity + specular + glow * opacity;
     oColor = vec4(mix(vHaze * a, color, clear), a);
-#elif defined(PAINTED) || defined(DECAL) || defined(ROTOR)
+#elif defined(PAINTED) || defined(DECAL) || defined(ROTOR) || defined(BLENDED)
     oColor = vec4(mix(vHaze, diffuse + specular + glow, clear) * opacity, opacity);
 #else
     oColor = vec4(mix(vHaze, diffuse + specular + glow, clear), 1.0);

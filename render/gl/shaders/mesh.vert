@@ -19,8 +19,16 @@ out float vSun;
 out vec3 vOwn; // in the mesh's own frame
 out float vHillTop;
 out float vDim; // by what haze takes light on the way to the eye, 1/m
-#ifdef TEXTURED
+#if defined(TEXTURED) || defined(MAPPED)
 out vec3 vOwnNormal;
+#endif
+#ifdef SECOND
+layout(location = 8) in vec2 aSecond;
+out vec2 vSecond;
+#endif
+#ifdef COLORED
+layout(location = 9) in vec4 aColor;
+out vec4 vColor;
 #endif
 void main() {
     vec4 p = vec4(aPosition, 1.0);
@@ -38,8 +46,14 @@ void main() {
     vHillTop = aHaze.w;
     vSun = clamp(aSun.x + dot(aSun.yz, vPosition.xy), 0.0, 1.0);
 #endif
-#ifdef TEXTURED
+#if defined(TEXTURED) || defined(MAPPED)
     vOwnNormal = aNormal.xyz;
+#endif
+#ifdef SECOND
+    vSecond = aSecond;
+#endif
+#ifdef COLORED
+    vColor = aColor;
 #endif
     gl_Position = uProjection * vec4(mat3(uView) * vPosition, 1.0);
 }

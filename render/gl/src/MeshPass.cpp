@@ -23,8 +23,20 @@ struct Vertex {
     vec2 place;
 };
 
+/// What only some meshes have; the others keep no place for it.
+struct Extra {
+    vec2 second; ///< texture coordinates
+    std::uint16_t color[4];
+};
+
 constexpr float UNKNOWN_RIM = 0.2f; ///< m from the edge that all of a pane counts as
 constexpr int PURGE_INTERVAL = 120; ///< frames between two looks for meshes that nobody holds
+
+/// Pictures a metre on meshes without texture coordinates, where they are laid on from the nearest
+/// side; 0: by the coordinates.
+float getTiles(const SurfaceLook& look, bool has_places) {
+    return has_places ? 0.0f : 1 / std::max(look.tile, 0.01f);
+}
 
 } // namespace
 
@@ -70,11 +82,13 @@ void MeshPass::fill(DeviceMesh& device, const Mesh& mesh) const {
             vertices.push_back(
                 {s.positions[v], packNormal(s.normals[v]), s.uvs.empty() ? vec2{} : s.uvs[v]});
         device.surfaces.push_back({indices.size() * sizeof(std::uint32_t),
-                                   static_cast<int>(s.indices.size()), !s.uvs.empty()});
+                                   static_cast<int>(s.indices.size()),
+                                   !s.uvs.empty(),
+                                   {s.second, !s.colors.empty()}});
         for (const std::uint32_t index : s.indices)
             indices.push_back(base + index);
     }
-    device.whole = {0, static_cast<int>(indices.size()), false};
+    device.whole = {0, static_cast<int>(indices.size()), false, {}};
     gl::makeVertexArray(device.vertex_array, device.vertices, std::as_bytes(std::span(vertices)),
                         device.indices, std::as_bytes(std::span(indices)));
     constexpr GLsizei STRIDE = sizeof(Vertex);
@@ -87,7 +101,37 @@ void MeshPass::fill(DeviceMesh& device, const Mesh& mesh) const {
         glEnableVertexAttribArray(i);
     for (GLuint i = 3; i < 8; i++)
         glVertexAttribDivisor(i, 1);
+    fillExtras(device, mesh);
     pointToInstances(0);
+}
+
+/// Into the vertex array that is bound.
+void MeshPass::fillExtras(DeviceMesh& device, const Mesh& mesh) {
+    std::vector<Extra> extras;
+    bool needed = false;
+    for (int i = 0; i < mesh.getNumSurfaces(); i++) {
+        const Mesh::Surface& s = mesh.getSurface(i);
+        needed |= !s.second_uvs.empty() || !s.colors.empty();
+        for (std::size_t v = 0; v < s.positions.size(); v++) {
+            const vec4 color = s.colors.empty() ? vec4(1, 1, 1, 1) : s.colors[v];
+            Extra extra{s.second_uvs.empty() ? vec2{} : s.second_uvs[v], {}};
+            const float values[] = {color.x, color.y, color.z, color.w};
+            for (int k = 0; k < 4; k++)
+                extra.color[k] = static_cast<std::uint16_t>(
+                    std::lround(std::clamp(values[k], 0.0f, 1.0f) * 65535));
+            extras.push_back(extra);
+        }
+    }
+    if (!needed) return;
+    device.extras.create();
+    glBindBuffer(GL_ARRAY_BUFFER, device.extras.getId());
+    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(extras.size() * sizeof(Extra)),
+                 extras.data(), GL_STATIC_DRAW);
+    glVertexAttribPointer(8, 2, GL_FLOAT, GL_FALSE, sizeof(Extra), nullptr);
+    glVertexAttribPointer(9, 4, GL_UNSIGNED_SHORT, GL_TRUE, sizeof(Extra),
+                          reinterpret_cast<const void*>(offsetof(Extra, color)));
+    glEnableVertexAttribArray(8);
+    glEnableVertexAttribArray(9);
 }
 
 /// Of the vertex array that is bound: its instances are those of this frame from `first` on.
@@ -131,8 +175,10 @@ void MeshPass::uploadInstances() const {
                  GL_STREAM_DRAW);
 }
 
-bool MeshPass::isLit(const MeshItem& item, const LightList& lights) {
-    return choose(item.look) < NUM_LIT && lights.reach(item.bounds.xyz(), item.bounds.w);
+bool MeshPass::isLit(const MeshItem& item, const DeviceMesh& mesh, const LightList& lights) {
+    const auto& surface = mesh.surfaces[static_cast<std::size_t>(item.surface)].surface;
+    return (choose(item.look) < NUM_LIT || MappedPrograms::findFeatures(item.look, surface)) &&
+           lights.reach(item.bounds.xyz(), item.bounds.w);
 }
 
 MeshPass::Instance MeshPass::toInstance(const mat4& transform, const vec4& haze, const vec3& sun) {
@@ -168,10 +214,12 @@ void MeshPass::addBatches(const std::vector<MeshItem>& items, std::vector<Batch>
             last->look == item.look && last->cover == item.cover) {
             batches.back().count++;
             batches.back().distance = std::min(batches.back().distance, item.distance);
-            batches.back().lit = batches.back().lit || isLit(item, light.lights);
+            batches.back().lit =
+                batches.back().lit || isLit(item, *batches.back().mesh, light.lights);
         } else {
-            batches.push_back({&find(*item.mesh), &item, static_cast<int>(m_instances.size()), 1,
-                               item.distance, isLit(item, light.lights)});
+            const DeviceMesh& mesh = find(*item.mesh);
+            batches.push_back({&mesh, &item, static_cast<int>(m_instances.size()), 1, item.distance,
+                               isLit(item, mesh, light.lights)});
         }
         const vec3 place = item.transform.getTranslate();
         const vec3 middle = item.bounds.xyz();
@@ -232,6 +280,11 @@ MeshPass::Shading MeshPass::choose(const SurfaceLook& look) {
     return look.texture ? TEXTURED : PLAIN;
 }
 
+gl::Program& MeshPass::choose(const Batch& batch, unsigned features) {
+    if (features) return m_mapped_programs.get(features | (batch.lit ? MappedPrograms::LIT : 0U));
+    return (batch.lit ? m_lit_programs : m_programs)[choose(batch.item->look)];
+}
+
 void MeshPass::setLook(gl::Program& program, const SurfaceLook& look, bool has_places) {
     program.set("uColor", look.color);
     program.set("uSurface", vec4(look.roughness, look.metalness, look.emission, look.paint));
@@ -242,20 +295,47 @@ void MeshPass::setLook(gl::Program& program, const SurfaceLook& look, bool has_p
     if (shading != TEXTURED && shading != DECAL) return;
     gl::bindTexture(gl::UNIT_FIRST_OWN, m_textures.get(*look.texture));
     program.set("uTexture", gl::UNIT_FIRST_OWN);
-    // Without texture coordinates: so many pictures a metre, laid on from the nearest side.
-    program.set("uTiles", has_places ? 0.0f : 1 / std::max(look.tile, 0.01f));
+    program.set("uTiles", getTiles(look, has_places));
+}
+
+/// Beyond what `setLook` sets.
+void MeshPass::setMaps(gl::Program& program, const SurfaceLook& look, bool has_places) {
+    using enum TextureStore::Use;
+    const struct {
+        const char* name;
+        const jString* path;
+        TextureStore::Use use;
+    } maps[] = {{"uTexture", look.texture, color},
+                {"uNormal", look.normal, normal},
+                {"uMetallicRoughness", look.metallic_roughness, values},
+                {"uEmissive", look.emissive, color},
+                {"uOcclusion", look.occlusion, values}};
+    int unit = gl::UNIT_FIRST_OWN;
+    for (const auto& map : maps) {
+        if (map.path) {
+            gl::bindTexture(unit, m_textures.get(*map.path, map.use));
+            program.set(map.name, unit);
+        }
+        unit++;
+    }
+    program.set("uFinish", vec4(look.normal_scale, look.occlusion_strength, look.alpha_cutoff, 0));
+    program.set("uGlow", look.glow);
+    program.set("uTiles", getTiles(look, has_places));
 }
 
 void MeshPass::draw(const std::vector<Batch>& batches) {
     const gl::Program* used = nullptr;
     for (const Batch& batch : batches) {
         const SurfaceLook& look = batch.item->look;
-        gl::Program& program = (batch.lit ? m_lit_programs : m_programs)[choose(look)];
+        const DeviceMesh::Range& range = batch.getRange();
+        const unsigned features = MappedPrograms::findFeatures(look, range.surface);
+        gl::Program& program = choose(batch, features);
         if (&program != used) program.use();
         used = &program;
-        setLook(program, look, batch.getRange().has_places);
+        setLook(program, look, range.has_places);
+        if (features) setMaps(program, look, range.has_places);
         if (look.two_sided) glDisable(GL_CULL_FACE);
-        drawInstances(*batch.mesh, batch.getRange(), batch.first, batch.count);
+        drawInstances(*batch.mesh, range, batch.first, batch.count);
         if (look.two_sided) glEnable(GL_CULL_FACE);
     }
 }

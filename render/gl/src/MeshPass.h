@@ -2,6 +2,7 @@
 #pragma once
 
 #include "GlObjects.h"
+#include "MappedPrograms.h"
 #include "TextureStore.h"
 #include "render/scene/SceneList.h"
 
@@ -43,11 +44,12 @@ private:
     struct DeviceMesh {
         std::shared_ptr<const Mesh> mesh;
         gl::VertexArray vertex_array;
-        gl::Buffer vertices, indices;
+        gl::Buffer vertices, indices, extras;
         struct Range {
             std::size_t first; ///< byte of the first index
             int count;
             bool has_places; ///< texture coordinates
+            MappedPrograms::Surface surface;
         };
         std::vector<Range> surfaces;
         Range whole; ///< all of them
@@ -86,6 +88,7 @@ private:
 
     const DeviceMesh& find(const std::shared_ptr<const Mesh>& mesh);
     void fill(DeviceMesh& device, const Mesh& mesh) const;
+    static void fillExtras(DeviceMesh& device, const Mesh& mesh);
     void pointToInstances(int first) const;
     void addBatches(const std::vector<MeshItem>& items, std::vector<Batch>& batches,
                     const Light& light);
@@ -95,13 +98,16 @@ private:
     void draw(const std::vector<Batch>& batches);
     static void beginTransparent();
     static void endTransparent();
+    gl::Program& choose(const Batch& batch, unsigned features);
     void setLook(gl::Program& program, const SurfaceLook& look, bool has_places);
+    void setMaps(gl::Program& program, const SurfaceLook& look, bool has_places);
     void purge();
 
-    static bool isLit(const MeshItem& item, const LightList& lights);
+    static bool isLit(const MeshItem& item, const DeviceMesh& mesh, const LightList& lights);
 
     gl::Program m_programs[NUM_SHADINGS], m_lit_programs[NUM_LIT], m_depth_program;
     gl::Program m_pane_programs[NUM_COVERS];
+    MappedPrograms m_mapped_programs;
     TextureStore m_textures;
     gl::Buffer m_instance_buffer;
     std::unordered_map<const Mesh*, DeviceMesh> m_meshes;

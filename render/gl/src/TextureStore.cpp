@@ -23,8 +23,11 @@ bool hasAnisotropy() {
             epoxy_has_gl_extension("GL_EXT_texture_filter_anisotropic"));
 }
 
-/// What can't be overlooked: four by four fields of magenta and black.
-Image makePlaceholder() {
+/// What can't be overlooked: four by four fields of magenta and black; of others than colours what
+/// changes nothing.
+Image makePlaceholder(TextureStore::Use use) {
+    if (use == TextureStore::Use::normal) return {1, 1, {128, 128, 255, 255}};
+    if (use == TextureStore::Use::values) return {1, 1, {255, 255, 255, 255}};
     Image image{4, 4, {}};
     for (int i = 0; i < 16; i++) {
         const bool bright = (i + i / 4) % 2 == 0;
@@ -44,9 +47,9 @@ void flip(Image& image) {
 
 } // namespace
 
-const gl::Texture& TextureStore::get(const jString& path) {
-    gl::Texture& texture = m_textures[path];
-    if (!texture) fill(texture, path);
+const gl::Texture& TextureStore::get(const jString& path, Use use) {
+    gl::Texture& texture = m_textures[{path, use}];
+    if (!texture) fill(texture, path, use);
     return texture;
 }
 
@@ -58,12 +61,13 @@ bool read(const jString& path, Image& image) {
 }
 } // namespace
 
-void TextureStore::fill(gl::Texture& texture, const jString& path) {
+void TextureStore::fill(gl::Texture& texture, const jString& path, Use use) {
     Image image;
     const bool good = read(path, image);
-    if (!good) image = makePlaceholder();
+    if (!good) image = makePlaceholder(use);
     flip(image);
-    gl::TextureFormat format{GL_SRGB8_ALPHA8, GL_RGBA, GL_UNSIGNED_BYTE, GL_REPEAT};
+    gl::TextureFormat format{use == Use::color ? GL_SRGB8_ALPHA8 : GL_RGBA8, GL_RGBA,
+                             GL_UNSIGNED_BYTE, GL_REPEAT};
     format.filter = good ? GL_LINEAR_MIPMAP_LINEAR : GL_NEAREST;
     gl::makeTexture(texture, image.width, image.height, format, image.rgba.data());
     if (!good) return;

@@ -9,17 +9,19 @@
 namespace ig {
 
 /// The pictures that surfaces wear, read from their files, or models, when first asked for and kept
-/// until the end. One that can't be read is named in the log once and shown as a magenta chequer.
+/// until the end. One that can't be read is named in the log once and shown as a magenta chequer;
+/// one that isn't of colours counts as if it weren't there.
 class TextureStore {
 public:
-    /// Colours are taken as sRGB and become linear; with mip levels, repeated beyond the edges, the
-    /// first row of the file at the top (v = 1).
-    const gl::Texture& get(const jString& path);
+    /// What the pixels are: colours, which are sRGB and become linear, directions, or values.
+    enum class Use { color, normal, values };
+    /// With mip levels, repeated beyond the edges, the first row of the file at the top (v = 1).
+    const gl::Texture& get(const jString& path, Use use = Use::color);
 
 private:
-    static void fill(gl::Texture& texture, const jString& path);
+    static void fill(gl::Texture& texture, const jString& path, Use use);
 
-    std::map<jString, gl::Texture> m_textures;
+    std::map<std::pair<jString, Use>, gl::Texture> m_textures;
 };
 
 } // namespace ig

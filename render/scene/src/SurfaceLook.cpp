@@ -14,9 +14,15 @@ struct Materials {
     vec4 getValue(const char* tag, const vec4& otherwise) const {
         return readValue(own, tag, readValue(model, tag, otherwise));
     }
-    const jString* getTexture(const jString& name) const {
-        const jString* path = own ? own->findTexture(name) : nullptr;
-        return path || !model ? path : model->findTexture(name);
+    /// Index as in `Material::PICTURES`.
+    const jString* getTexture(int index) const {
+        static const jString NAMES[] = {Material::PICTURES[0], Material::PICTURES[1],
+                                        Material::PICTURES[2], Material::PICTURES[3],
+                                        Material::PICTURES[4]};
+        static const jString NONE = "none";
+        const jString* path = own ? own->findTexture(NAMES[index]) : nullptr;
+        if (path) return *path == NONE ? nullptr : path;
+        return model ? model->findTexture(NAMES[index]) : nullptr;
     }
 };
 
@@ -25,6 +31,8 @@ void readCover(const Materials& materials, SurfaceLook& look) {
     look.color = materials.getValue("diffuse_color", look.color);
     look.rotor = materials.getValue("rotor", look.rotor);
     look.paint = materials.getSlider("paint", look.paint);
+    look.texture = materials.getTexture(0);
+    look.blend = materials.getSlider("blend", 0) > 0.5f;
 }
 
 } // namespace
@@ -50,8 +58,14 @@ SurfaceLook SurfaceLook::read(const Material* material, const Material* model) {
     look.two_sided = materials.getSlider("two_sided", 0) > 0.5f;
     look.paving = materials.getValue("paving", look.paving);
     look.tile = materials.getSlider("texture_size", 0);
-    static const jString BASE_COLOR = Material::PICTURES[0];
-    look.texture = materials.getTexture(BASE_COLOR);
+    look.normal = materials.getTexture(1);
+    look.metallic_roughness = materials.getTexture(2);
+    look.emissive = materials.getTexture(3);
+    look.occlusion = materials.getTexture(4);
+    look.normal_scale = materials.getSlider("normal_scale", 1);
+    look.occlusion_strength = materials.getSlider("occlusion_strength", 1);
+    look.glow = materials.getValue("emissive_color", {}).xyz();
+    look.alpha_cutoff = materials.getSlider("alpha_cutoff", 0);
     return look;
 }
 

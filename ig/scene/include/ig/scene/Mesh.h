@@ -21,6 +21,10 @@ public:
         std::vector<vec3> positions;
         std::vector<vec3> normals; ///< as many as positions
         std::vector<vec2> uvs;     ///< as many as positions, or none; v runs up the picture
+        /// Where the pictures lie that don't lie by the first coordinates: as many, or none.
+        std::vector<vec2> second_uvs;
+        unsigned second = 0; ///< which these are: a bit each, in the order of `Material::PICTURES`
+        std::vector<vec4> colors; ///< as many as positions, or none; linear, times the base colour
         /// What the model's own material says, in the tags of material files; null: nothing. The
         /// object's material goes before it, tag by tag.
         std::shared_ptr<const Material> material;

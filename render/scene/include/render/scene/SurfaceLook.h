@@ -19,13 +19,23 @@ struct SurfaceLook {
     float tile = 0;   ///< m of one texture's edge on meshes without texture coordinates
     /// Base colour's picture file, or null; the material's or the mesh's own.
     const jString* texture = nullptr;
+    // The other pictures, likewise: the way that the surface faces, roughness (green) and metalness
+    // (blue), what it gives off, and how much of the sky it sees (red).
+    const jString *normal = nullptr, *metallic_roughness = nullptr, *emissive = nullptr,
+                  *occlusion = nullptr;
+    float normal_scale = 1, occlusion_strength = 1;
+    vec3 glow;              ///< that it gives off, whatever its colour
+    float alpha_cutoff = 0; ///< where the texture is less opaque than that there is nothing
+    bool blend = false;     ///< the texture's opacity counts
 
     /// Tags that the material lacks are the model's, if any, and those that both lack keep their
     /// defaults; either may be null.
     static SurfaceLook read(const Material* material, const Material* model = nullptr);
     /// Of these materials, by the tags that matter alone.
     static bool isOpaque(const Material* material, const Material* model);
-    bool isOpaque() const { return color.w >= 0.999f && paint < 0 && rotor.x <= 0; }
+    bool isOpaque() const { return color.w >= 0.999f && paint < 0 && rotor.x <= 0 && !isBlended(); }
+    /// As opaque as its texture is.
+    bool isBlended() const { return blend && texture; }
     friend bool operator==(const SurfaceLook&, const SurfaceLook&) = default;
 };
 
