@@ -59,8 +59,8 @@ void Mesh::release() {
     PackedPictures::release();
 }
 
-Mesh::Mesh(std::vector<Surface> surfaces)
-    : m_surfaces(std::move(surfaces)), m_trees(m_surfaces.size()) {
+Mesh::Mesh(std::vector<Surface> surfaces, std::vector<Coarser> coarser)
+    : m_surfaces(std::move(surfaces)), m_coarser(std::move(coarser)), m_trees(m_surfaces.size()) {
     vec3 min(1e30f, 1e30f, 1e30f), max = -min;
     for (const Surface& surface : m_surfaces)
         for (const vec3& p : surface.positions) {

@@ -2,6 +2,7 @@
 #include "MeshReader.h"
 
 #include "ModelFile.h"
+#include "ModelLevels.h"
 #include "ModelMaterial.h"
 #include "ig/base/jLog.h"
 #include "ig/scene/Material.h"
@@ -9,8 +10,11 @@
 
 #include <assimp/scene.h>
 
+#include <algorithm>
 #include <cmath>
+#include <functional>
 #include <map>
+#include <utility>
 
 namespace ig {
 
@@ -79,14 +83,18 @@ void appendColors(const aiMesh& mesh, Mesh::Surface& surface) {
         color.w = 1;
 }
 
-/// Gathers the surfaces of one mesh.
+/// Gathers the surfaces of one level of a mesh after the other.
 class Reader {
 public:
     explicit Reader(const ModelFile& file) : m_file(file) {}
 
-    void append(const aiNode& node, const aiMatrix4x4& transform);
-    /// Null, with one log line, when there are none, or too many.
-    std::shared_ptr<const Mesh> finish(const std::string& reference);
+    /// A node and all below it.
+    void append(const aiNode& node, const aiMatrix4x4& transform, int level);
+    /// The surfaces since the last call.
+    std::vector<Mesh::Surface> take() { return std::exchange(m_surfaces, {}); }
+    bool isTooMuch() const { return m_too_many; }
+    /// Changes with every mesh of the file that was appended since it was asked for last.
+    std::size_t takeTrace() { return std::exchange(m_trace, 0); }
 
 private:
     void append(const aiMesh& mesh, const aiMatrix4x4& transform);
@@ -102,14 +110,15 @@ private:
     std::map<unsigned, ModelMaterial> m_materials; ///< by their numbers
     std::vector<Mesh::Surface> m_surfaces;
     std::size_t m_vertices = 0, m_indices = 0;
+    std::size_t m_trace = 0;
     bool m_too_many = false;
 };
 
-void Reader::append(const aiNode& node, const aiMatrix4x4& transform) {
+void Reader::append(const aiNode& node, const aiMatrix4x4& transform, int level) {
     for (unsigned i = 0; i < node.mNumMeshes; i++)
         append(*m_file.scene->mMeshes[node.mMeshes[i]], transform);
-    for (unsigned i = 0; i < node.mNumChildren; i++)
-        append(*node.mChildren[i], transform * node.mChildren[i]->mTransformation);
+    for (const aiNode* child : chooseLevel(getChildren(node), level))
+        append(*child, transform * child->mTransformation, level);
 }
 
 void Reader::append(const aiMesh& mesh, const aiMatrix4x4& transform) {
@@ -120,6 +129,7 @@ void Reader::append(const aiMesh& mesh, const aiMatrix4x4& transform) {
                     mesh.mName.C_Str());
         return;
     }
+    m_trace = m_trace * 31 + std::hash<const void*>()(&mesh);
     m_vertices += mesh.mNumVertices;
     m_indices += std::size_t{3} * mesh.mNumFaces;
     m_too_many = m_vertices > MOST_VERTICES || m_indices > MOST_INDICES ||
@@ -159,38 +169,72 @@ const ModelMaterial& Reader::findMaterial(unsigned index) {
     return entry->second;
 }
 
-std::shared_ptr<const Mesh> Reader::finish(const std::string& reference) {
-    if (m_too_many)
-        jLog::error("Mesh::get: \"%s\" has more than %zu vertices, %zu corners of triangles or %zu "
-                    "surfaces: export fewer, or in parts",
-                    reference.c_str(), MOST_VERTICES, MOST_INDICES, MOST_SURFACES);
-    else if (m_surfaces.empty())
-        jLog::error("Mesh::get: \"%s\" has no triangles", reference.c_str());
-    else
-        return std::make_shared<const Mesh>(std::move(m_surfaces));
-    return nullptr;
+/// What a reference names: the whole file, a node, or the levels of a part, each in its own
+/// coordinates.
+struct Part {
+    std::vector<const aiNode*> nodes;
+    bool is_whole;
+};
+
+/// Without nodes, with one log line, when there is no such part.
+Part findPart(const ModelFile& file, const std::string& reference) {
+    const aiNode* root = file.scene->mRootNode;
+    const std::size_t hash = reference.find('#');
+    if (hash == std::string::npos) return {{root}, true};
+    const std::string name = reference.substr(hash + 1);
+    if (const aiNode* node = root->FindNode(name.c_str())) return {{node}, false};
+    Part part{findLevels(*root, name), false};
+    if (part.nodes.empty())
+        jLog::error("Mesh::get: \"%s\" has no part \"%s\"", file.path.c_str(), name.c_str());
+    return part;
+}
+
+/// The surfaces of a level take the places of the finest level's that have the same material.
+void assignSurfaces(std::vector<Mesh::Surface>& surfaces,
+                    const std::vector<Mesh::Surface>& finest) {
+    for (Mesh::Surface& surface : surfaces) {
+        const auto alike = std::ranges::find(finest, surface.name, &Mesh::Surface::name);
+        if (alike != finest.end()) surface.stands_for = static_cast<int>(alike - finest.begin());
+    }
 }
 
 } // namespace
 
 std::shared_ptr<const Mesh> readMesh(const std::string& reference) {
-    const std::size_t hash = reference.find('#');
-    const ModelFile file = readModel(reference.substr(0, hash));
+    const ModelFile file = readModel(reference.substr(0, reference.find('#')));
     if (!file.scene) return nullptr;
-    const aiNode& root = *file.scene->mRootNode;
+    const Part part = findPart(file, reference);
+    if (part.nodes.empty()) return nullptr;
     Reader reader(file);
-    if (hash == std::string::npos) {
-        reader.append(root, root.mTransformation);
-        return reader.finish(reference);
+    const auto readLevel = [&](int level) {
+        for (const aiNode* node : chooseLevel(part.nodes, level))
+            reader.append(*node, part.is_whole ? node->mTransformation : aiMatrix4x4(), level);
+        return reader.take();
+    };
+    std::vector<Mesh::Surface> finest = readLevel(0);
+    std::vector<Mesh::Coarser> coarser;
+    std::size_t before = reader.takeTrace();
+    // A node that is itself asked for by its name is no level of anything.
+    const bool is_level = part.nodes.size() == 1 && !readLevelName(*part.nodes[0]).stem.empty();
+    const int coarsest =
+        is_level ? findCoarsestLevel(getChildren(*part.nodes[0])) : findCoarsestLevel(part.nodes);
+    for (int level = 1; level <= coarsest; level++) {
+        std::vector<Mesh::Surface> surfaces = readLevel(level);
+        const std::size_t trace = reader.takeTrace();
+        if (surfaces.empty() || trace == before) continue; // none of that number
+        before = trace;
+        assignSurfaces(surfaces, finest);
+        coarser.push_back({level, std::make_shared<const Mesh>(std::move(surfaces))});
     }
-    const std::string part = reference.substr(hash + 1);
-    const aiNode* node = root.FindNode(part.c_str());
-    if (!node) {
-        jLog::error("Mesh::get: \"%s\" has no part \"%s\"", file.path.c_str(), part.c_str());
-        return nullptr;
-    }
-    reader.append(*node, aiMatrix4x4());
-    return reader.finish(reference);
+    if (reader.isTooMuch())
+        jLog::error("Mesh::get: \"%s\" has more than %zu vertices, %zu corners of triangles or %zu "
+                    "surfaces: export fewer, or in parts",
+                    reference.c_str(), MOST_VERTICES, MOST_INDICES, MOST_SURFACES);
+    else if (finest.empty())
+        jLog::error("Mesh::get: \"%s\" has no triangles", reference.c_str());
+    else
+        return std::make_shared<const Mesh>(std::move(finest), std::move(coarser));
+    return nullptr;
 }
 
 } // namespace ig

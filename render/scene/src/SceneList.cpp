@@ -36,6 +36,7 @@ void SceneList::gather(const World& world, const FrameView& view, const ShadowPl
     scenery = nullptr;
     m_view = &view;
     m_shadows = shadows;
+    m_levels.beginFrame();
     add(world);
 }
 
@@ -102,15 +103,38 @@ void SceneList::addMesh(const Node& node) {
                                                        radius > distance * m_view->pixel_angle / 6);
     unsigned maps = m_shadows ? m_shadows->findMaps(bounds.center, bounds.radius) : 0;
     if (m_in_focus) maps &= 1;
-    if (maps)
-        addCaster(object, {&object.getMesh(), -1, &world, bounds.center, bounds.radius, maps});
+    const float away = m_view->orthographic ? 1 : std::max(distance, 1e-3f);
+    const float pixels = 2 * radius / (away * m_view->pixel_angle);
+    const auto& mesh = m_view->everything ? object.getMesh()
+                                          : m_levels.choose(object.getMesh(), node.getID(), pixels);
+    if (maps) addCaster(object, {&mesh, -1, &world, bounds.center, bounds.radius, maps});
     constexpr float BESIDE = 4; // m: what a wiper has wiped may be seen where it isn't
     if (!seen && distance > BESIDE) return;
-    MeshItem item{&object.getMesh(), 0, m_view->toFrame(world), distance, {}, {center, radius}};
-    for (int i = 0; i < object.getNumSurfaces(); i++) {
+    MeshItem item{&mesh, 0, m_view->toFrame(world), distance, {}, {center, radius}};
+    addSurfaces(object, item, seen);
+    if (!m_view->everything) return;
+    for (const Mesh::Coarser& coarser : object.getMesh()->getCoarser()) {
+        item.mesh = &coarser.mesh;
+        addSurfaces(object, item, seen);
+    }
+}
+
+namespace {
+
+/// The material that the object gives a surface of one of its mesh's levels.
+const Material* findMaterial(const ObjectMesh& object, const Mesh& mesh, int surface) {
+    const bool finest = &mesh == object.getMesh().get();
+    return object.getSurfaceMaterial(finest ? surface : mesh.getSurface(surface).stands_for);
+}
+
+} // namespace
+
+void SceneList::addSurfaces(const ObjectMesh& object, MeshItem item, bool seen) {
+    const Mesh& mesh = **item.mesh;
+    for (int i = 0; i < mesh.getNumSurfaces(); i++) {
         item.surface = i;
-        const Mesh::Surface& surface = object.getMesh()->getSurface(i);
-        item.look = SurfaceLook::read(object.getSurfaceMaterial(i), surface.material.get());
+        const Mesh::Surface& surface = mesh.getSurface(i);
+        item.look = SurfaceLook::read(findMaterial(object, mesh, i), surface.material.get());
         if (item.look.wipes > 0) addBlade(object, surface);
         if (!seen) continue;
         item.look.isOpaque() ? opaque.push_back(item) : addTransparent(item);
@@ -119,11 +143,12 @@ void SceneList::addMesh(const Node& node) {
 
 /// As a whole where no light passes through any of it, which is one draw.
 void SceneList::addCaster(const ObjectMesh& object, CasterItem item) {
-    const auto isOpaque = [&object](int surface) {
-        return SurfaceLook::isOpaque(object.getSurfaceMaterial(surface),
-                                     object.getMesh()->getSurface(surface).material.get());
+    const Mesh& mesh = **item.mesh;
+    const auto isOpaque = [&](int surface) {
+        return SurfaceLook::isOpaque(findMaterial(object, mesh, surface),
+                                     mesh.getSurface(surface).material.get());
     };
-    const int count = object.getNumSurfaces();
+    const int count = mesh.getNumSurfaces();
     int surface = 0;
     while (surface < count && isOpaque(surface))
         surface++;

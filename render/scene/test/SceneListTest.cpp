@@ -114,6 +114,34 @@ TEST_F(SceneListOf, HoldsWhatIsSeenAndWhatCastsAShadow) {
     EXPECT_EQ(list.casters.at(3).maps, 1U);
 }
 
+TEST_F(SceneListOf, ShowsTheLevelOfDetailThatItsSizeAsksForWithoutFlicker) {
+    Mesh::Surface coarse = square()->getSurface(0), fine = coarse;
+    coarse.stands_for = 0;
+    const auto far = std::make_shared<const Mesh>(std::vector{coarse});
+    const auto model =
+        std::make_shared<const Mesh>(std::vector{fine}, std::vector<Mesh::Coarser>{{2, far}});
+    auto* card = place(new ObjectMesh(model), 10);
+    card->setSurfaceMaterial(0, material(1));
+    const float radius = static_cast<float>(model->getBounds().radius);
+    const auto shown = [&](float pixels) { // across
+        const double away = 2 * radius / (pixels * view.pixel_angle);
+        card->setTransform(camera.getWorldTransform() * translate(dvec3(0, 0, -away)));
+        gather();
+        EXPECT_TRUE(list.casters.empty() ||
+                    list.casters[0].mesh->get() == list.opaque[0].mesh->get());
+        EXPECT_EQ(list.opaque[0].look.color.x, 0.5f) << "the object's material";
+        return list.opaque[0].mesh->get();
+    };
+    gather();
+    EXPECT_EQ(shown(400), model.get());
+    EXPECT_EQ(shown(160), model.get()) << "there is no level 1";
+    EXPECT_EQ(shown(149), far.get());
+    EXPECT_EQ(shown(160), far.get()) << "within the margin";
+    EXPECT_EQ(shown(176), model.get());
+    EXPECT_EQ(shown(160), model.get());
+    EXPECT_EQ(shown(20), far.get()) << "there is no coarser one";
+}
+
 TEST_F(SceneListOf, LampWithAnIntensityLightsAlsoFromOutsideThePicture) {
     Material* const dim = material(1);
     dim->addSlider("density", 0.5f);

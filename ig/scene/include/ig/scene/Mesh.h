@@ -14,6 +14,9 @@ class Material;
 
 /// Triangles of a model, cut into surfaces (one per material of the file), in the frame of the node
 /// that shows them: X right, Y forward, Z up, metres. Immutable and shared by all that show it.
+///
+/// A model may bring levels of detail. All that is asked of the mesh, and every query, is the
+/// finest level's; the others are there to be drawn.
 class Mesh {
 public:
     struct Surface {
@@ -29,6 +32,14 @@ public:
         /// object's material goes before it, tag by tag.
         std::shared_ptr<const Material> material;
         std::vector<std::uint32_t> indices;
+        /// Of a coarser level: the finest level's surface of the same material, whose place in the
+        /// object it takes; −1: there is none. Of the finest: not used.
+        int stands_for = -1;
+    };
+    /// A mesh for where the whole looks smaller.
+    struct Coarser {
+        int level; ///< from 1
+        std::shared_ptr<const Mesh> mesh;
     };
 
     /// The mesh of "file" or "file#part", read once and kept until `release`, so that what comes
@@ -50,8 +61,10 @@ public:
     /// somebody holds lives on with its holder.
     static void release();
 
-    explicit Mesh(std::vector<Surface> surfaces);
+    /// `coarser`: in rising order of the level.
+    explicit Mesh(std::vector<Surface> surfaces, std::vector<Coarser> coarser = {});
 
+    const std::vector<Coarser>& getCoarser() const { return m_coarser; }
     int getNumSurfaces() const { return static_cast<int>(m_surfaces.size()); }
     const Surface& getSurface(int i) const { return m_surfaces[static_cast<std::size_t>(i)]; }
     const BoundSphere& getBounds() const { return m_bounds; }
@@ -65,6 +78,7 @@ public:
 
 private:
     std::vector<Surface> m_surfaces;
+    std::vector<Coarser> m_coarser;
     BoundSphere m_bounds;
     vec3 m_lowest, m_highest;
     mutable std::vector<Bvh> m_trees; ///< one a surface

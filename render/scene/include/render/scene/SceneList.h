@@ -3,6 +3,7 @@
 
 #include "ig/scene/Mesh.h"
 #include "render/scene/FrameView.h"
+#include "render/scene/LevelChoice.h"
 #include "render/scene/ShadowCasters.h"
 #include "render/scene/SurfaceLook.h"
 
@@ -123,6 +124,7 @@ private:
     void addDecal(const DecalOrtho& decal);
     void addCable(const ObjectRope& rope);
     void addMesh(const Node& node);
+    void addSurfaces(const ObjectMesh& object, MeshItem item, bool seen);
     void addTransparent(MeshItem item);
     void addBlade(const ObjectMesh& object, const Mesh::Surface& surface);
     void addCaster(const ObjectMesh& object, CasterItem item);
@@ -131,6 +133,7 @@ private:
 
     const FrameView* m_view = nullptr;
     const ShadowPlace* m_shadows = nullptr;
+    LevelChoice m_levels;
     bool m_in_focus = false; ///< the node is carried by the focus
 };
 
