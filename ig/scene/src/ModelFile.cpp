@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ModelFile.h"
 
-#include "GltfTree.h"
+#include "GltfCheck.h"
 #include "ig/base/jLog.h"
 #include "program/InputFile.h"
 

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "TextureStore.h"
 
+#include "ig/base/jLog.h"
 #include "ig/scene/Mesh.h"
 #include "ig/scene/PackedPictures.h"
 #include "render/image/ImageFile.h"
 
 #include <algorithm>
 #include <cstring>
+#include <string>
 
 namespace ig {
 
@@ -63,7 +65,12 @@ bool read(const jString& path, Image& image) {
 
 void TextureStore::fill(gl::Texture& texture, const jString& path, Use use) {
     Image image;
-    const bool good = read(path, image);
+    bool good = read(path, image);
+    const std::string why = good ? whyTooLarge(image, m_bytes) : std::string();
+    if (!why.empty()) {
+        jLog::error("TextureStore::get: \"%s\": %s", path.c_str(), why.c_str());
+        good = false;
+    }
     if (!good) image = makePlaceholder(use);
     flip(image);
     gl::TextureFormat format{use == Use::color ? GL_SRGB8_ALPHA8 : GL_RGBA8, GL_RGBA,
@@ -71,6 +78,7 @@ void TextureStore::fill(gl::Texture& texture, const jString& path, Use use) {
     format.filter = good ? GL_LINEAR_MIPMAP_LINEAR : GL_NEAREST;
     gl::makeTexture(texture, image.width, image.height, format, image.rgba.data());
     if (!good) return;
+    m_bytes += image.rgba.size() / 3 * 4;
     glGenerateMipmap(GL_TEXTURE_2D);
     if (hasAnisotropy()) glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_MAX_ANISOTROPY_EXT, ANISOTROPY);
 }

@@ -19,9 +19,10 @@ public:
     const gl::Texture& get(const jString& path, Use use = Use::color);
 
 private:
-    static void fill(gl::Texture& texture, const jString& path, Use use);
+    void fill(gl::Texture& texture, const jString& path, Use use);
 
     std::map<std::pair<jString, Use>, gl::Texture> m_textures;
+    std::uint64_t m_bytes = 0; ///< on the device, mip levels too
 };
 
 } // namespace ig

@@ -3,6 +3,8 @@
 #include "testkit/GltfWriter.h"
 #include "testkit/jpegBytes.h"
 
+#include <epoxy/gl.h>
+
 #include <fstream>
 #include <sstream>
 
@@ -236,6 +238,16 @@ TEST_F(FinishedModel, AMaskLeavesHolesAndABlendShowsWhatIsBehind) {
     seen(R"(,"alphaMode":"BLEND")");
     const int opaque = pixel(0.46, 0.5)[2], thin = pixel(0.54, 0.5)[2];
     EXPECT_GT(thin, opaque + 40) << "the sky's blue";
+}
+
+TEST_F(FinishedModel, APictureThatTheDeviceCantTakeIsNamedAndShowsMagenta) {
+    GLint longest = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &longest);
+    wear(R"("pbrMetallicRoughness":{"metallicFactor":0,"baseColorTexture":{"index":0}})",
+         {rowOf(std::vector<Texel>(static_cast<std::size_t>(longest) + 1, {0, 255, 0, 255}))});
+    EXPECT_TRUE(logged("along an edge that the graphics device takes"));
+    const std::string seen = quarters();
+    EXPECT_NE(seen.find('m'), std::string::npos) << seen;
 }
 
 // Tag by tag; "none" takes a picture away.

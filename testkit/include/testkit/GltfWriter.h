@@ -34,13 +34,15 @@ public:
     /// A square of 6 m that faces up, its picture's left to −X and top to −Z. Returns the primitive
     /// without its material: `"attributes":{...},"indices":n`, with `more` attributes.
     std::string addCard(const std::string& more = "") {
-        const auto n = [](int number) { return std::to_string(number); };
-        return R"("attributes":{"POSITION":)" +
-               n(addNumbers<float>({-3, 0, 3, 3, 0, 3, 3, 0, -3, -3, 0, -3}, 3,
-                                   R"(,"min":[-3,0,-3],"max":[3,0,3])")) +
-               R"(,"NORMAL":)" + n(addNumbers<float>({0, 1, 0, 0, 1, 0, 0, 1, 0, 0, 1, 0}, 3)) +
-               R"(,"TEXCOORD_0":)" + n(addNumbers<float>({0, 1, 1, 1, 1, 0, 0, 0}, 2)) + more +
-               R"(},"indices":)" + n(addNumbers<std::uint16_t>({0, 1, 2, 0, 2, 3}, 1));
+        const auto number = [](const char* name, int accessor) {
+            return std::string(name) + std::to_string(accessor);
+        };
+        std::string card = number(R"("attributes":{"POSITION":)",
+                                  addNumbers<float>({-3, 0, 3, 3, 0, 3, 3, 0, -3, -3, 0, -3}, 3,
+                                                    R"(,"min":[-3,0,-3],"max":[3,0,3])"));
+        card += number(R"(,"NORMAL":)", addNumbers<float>({0, 1, 0, 0, 1, 0, 0, 1, 0, 0, 1, 0}, 3));
+        card += number(R"(,"TEXCOORD_0":)", addNumbers<float>({0, 1, 1, 1, 1, 0, 0, 0}, 2)) + more;
+        return card + number(R"(},"indices":)", addNumbers<std::uint16_t>({0, 1, 2, 0, 2, 3}, 1));
     }
 
     const std::string& getBinary() const { return m_binary; }
