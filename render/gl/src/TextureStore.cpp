@@ -61,6 +61,20 @@ bool read(const jString& path, Image& image) {
     const std::span<const std::byte> packed = PackedPictures::find(path);
     return packed.empty() ? readImage(path.c_str(), image) : readImage(path.c_str(), packed, image);
 }
+
+/// "" when the device can take it beside the `held` bytes that it has.
+std::string whyTooLarge(const Image& image, std::uint64_t held) {
+    constexpr std::uint64_t MOST = std::uint64_t{2} << 30; // bytes, of all pictures together
+    GLint longest = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &longest);
+    if (std::max(image.width, image.height) > longest)
+        return std::to_string(image.width) + " by " + std::to_string(image.height) +
+               " pixels are more than the " + std::to_string(longest) +
+               " along an edge that the graphics device takes";
+    if (held + image.rgba.size() > MOST)
+        return "with it all pictures would take more than 2 GiB: make them smaller";
+    return {};
+}
 } // namespace
 
 void TextureStore::fill(gl::Texture& texture, const jString& path, Use use) {
