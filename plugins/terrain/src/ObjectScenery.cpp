@@ -21,6 +21,13 @@ constexpr std::size_t MOST_CELLS = 32768;
 /// Pieces in which a segment is followed, m: as long as cells are wide, hardly any is met twice.
 constexpr double PIECE = SceneryLattice::EDGE;
 
+HeightRange getHeights(const ObjectTerrain& terrain) {
+    HeightRange range;
+    for (const TerrainGrid& grid : terrain.getGrids())
+        range.expand(grid.lowest, grid.highest);
+    return range;
+}
+
 } // namespace
 
 ObjectScenery::ObjectScenery(Plan plan) : Object(OBJECT_SCENERY), m_plan(std::move(plan)) {
@@ -54,8 +61,8 @@ std::shared_ptr<const SceneryCell> ObjectScenery::findCell(SceneryCellId id) con
 
 std::shared_ptr<const SceneryCell> ObjectScenery::getCell(SceneryCellId id) const {
     const ObjectTerrain* terrain = getTerrain();
-    if (terrain && terrain->getGrid() != m_planted_on) {
-        m_planted_on = terrain->getGrid();
+    if (const auto ground = terrain ? terrain->getOwner() : nullptr; ground != m_ground.lock()) {
+        m_ground = ground;
         m_cells.clear();
     }
     if (auto known = findCell(id)) return known;
@@ -86,14 +93,14 @@ std::shared_ptr<const SceneryCell> ObjectScenery::plant(SceneryCellId id) const 
 
 bool ObjectScenery::getIntersection(int surface, const dvec3& a, const dvec3& b, dvec3* out) const {
     const ObjectTerrain* terrain = getTerrain();
-    if (!isIntersection(surface) || !terrain || terrain->getGrid().empty()) return false;
+    if (!isIntersection(surface) || !terrain || terrain->getGrids().empty()) return false;
     const dvec3 from = toWorld(a), to = toWorld(b);
-    const TerrainGrid& grid = terrain->getGrid();
+    const HeightRange heights = getHeights(*terrain);
     const auto margin = [](double altitude) { return 1 + 0.01 * std::abs(altitude); };
     EllipsoidModel::Stretch stretches[2];
-    const double top = grid.highest + m_tallest;
+    const double bottom = heights.lowest, top = heights.highest + m_tallest;
     const int count =
-        EARTH.cutShell(from, to, grid.lowest - margin(grid.lowest), top + margin(top), stretches);
+        EARTH.cutShell(from, to, bottom - margin(bottom), top + margin(top), stretches);
     double t = NONE;
     for (int i = 0; i < count && t < 0; i++)
         t = meetAround(from, to, stretches[i].begin, stretches[i].end);
@@ -183,14 +190,15 @@ Ground ObjectScenery::getGroundAt(int, const dvec3& place) const {
 BoundSphere ObjectScenery::getOwnBounds() const {
     constexpr double WIDEST = 20; // degrees: beyond, all of the earth
     const ObjectTerrain* terrain = getTerrain();
-    if (!terrain || terrain->getGrid().empty()) return {};
-    const TerrainGrid& grid = terrain->getGrid();
+    if (!terrain || terrain->getGrids().empty()) return {};
+    const TerrainGrid& grid = terrain->getGrids().front(); // the others lie within
+    const HeightRange heights = getHeights(*terrain);
     const double width = (grid.columns - 1) * grid.spacing_longitude;
     const double height = (grid.rows - 1) * grid.spacing_latitude;
     if (std::max(width, height) > WIDEST) return BoundSphere::unbounded();
     BoundSphere bounds;
     for (int i = 0; i < 9; i++)
-        for (const float altitude : {grid.lowest, grid.highest + m_tallest})
+        for (const float altitude : {heights.lowest, heights.highest + m_tallest})
             bounds.expand({EARTH.toWorld({grid.west + width * (i % 3) / 2.0,
                                           grid.north - height * (i / 3) / 2.0, altitude}),
                            m_reach + 0.0});

@@ -55,9 +55,8 @@ void SceneryList::gather(const FrameView& view, const ShadowPlace* shadows, Scen
         m_first_look.push_back(m_looks.size());
         m_ices.push_back(0);
         for (int i = 0; i < kind.mesh->getNumSurfaces(); i++) {
-            SurfaceLook look = SurfaceLook::read(kind.materials[static_cast<std::size_t>(i)]);
-            const Mesh::Surface& surface = kind.mesh->getSurface(i);
-            if (!look.texture && !surface.texture.empty()) look.texture = &surface.texture;
+            const SurfaceLook look = SurfaceLook::read(kind.materials[static_cast<std::size_t>(i)],
+                                                       kind.mesh->getSurface(i).material.get());
             m_ices.back() = std::max(m_ices.back(), look.ice);
             m_looks.push_back(look);
         }

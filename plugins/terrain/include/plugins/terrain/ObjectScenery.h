@@ -100,7 +100,7 @@ private:
     std::unordered_multimap<SceneryCellId, const Site*, CellHash> m_sites;
     std::vector<SceneryCellId> m_site_cells;
     mutable std::unordered_map<SceneryCellId, std::shared_ptr<const SceneryCell>, CellHash> m_cells;
-    mutable TerrainGrid m_planted_on; ///< only to be compared
+    mutable std::weak_ptr<const void> m_ground; ///< that they are planted on
 };
 
 } // namespace ig
