@@ -65,7 +65,9 @@ CountingDriver::CountingDriver() {
                                                                                  by);
     };
     set(glGetString, tellString);
-    set(glGetIntegerv, [](GLenum, GLint* value) { *value = 0; }); // no extension either
+    set(glGetIntegerv, [](GLenum name, GLint* value) {
+        *value = name == GL_MAX_TEXTURE_SIZE ? 16384 : 0; // no extension either
+    });
     for (auto* entry : {&glGenBuffers, &glGenTextures, &glGenVertexArrays, &glGenFramebuffers})
         set(*entry, makeNames);
     for (auto* entry : {&glGetShaderiv, &glGetProgramiv})

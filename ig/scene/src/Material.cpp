@@ -161,9 +161,12 @@ const jString* Material::findTexture(const jString& name) const {
 }
 
 namespace {
-// Short tags stay within jString's own storage: asking costs no allocation.
-int find(const Material* material, const char* tag) {
-    return material ? material->findParameterIDByTag(tag) : -1;
+/// The parameter's id, without a jString being made of the tag.
+int find(const Material* material, std::string_view tag) {
+    if (!material) return -1;
+    for (int i = 0; i < material->getNumParameters(); i++)
+        if (material->getParameterTag(i).view() == tag) return i;
+    return -1;
 }
 } // namespace
 

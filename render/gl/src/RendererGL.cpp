@@ -237,7 +237,6 @@ bool RendererGL::Impl::initPasses() {
     upscale.start("screen.vert", "upscale.frag", {}, {{"uPicture", gl::UNIT_FIRST_OWN}});
     sky.init(wantsVolume(software), software);
     meshes.init();
-    terrain.init();
     scenery.init();
     grass.init();
     beams.init();

@@ -26,8 +26,6 @@ constexpr double BELOW = 60;        ///< m around the place below the eye
 
 } // namespace
 
-void TerrainPass::init() { m_bare.start(""); }
-
 void TerrainPass::Programs::start(const std::string& words) {
     const auto begin = [&](gl::Program& program, const char* fragment_files, const char* own) {
         program.start("cloudshade.glsl terrain.vert", fragment_files, words + own,
@@ -46,20 +44,17 @@ bool TerrainPass::Programs::finish() {
     return good;
 }
 
-/// Chooses the programs for what the terrain wears; new ones are made when it is first drawn, in a
-/// rehearsal mostly.
+/// The programs for what the terrain wears are made when it is first drawn, in a rehearsal mostly.
 void TerrainPass::dress() {
     std::string words;
     if (m_terrain->getLandCover()) words += "COVER ";
     if (m_terrain->getImagery()) words += "IMAGERY ";
-    m_programs = &m_bare;
-    if (words.empty()) return;
-    if (words != m_words) {
-        m_words = words;
-        m_dressed.start(words);
-        m_is_dressed = m_dressed.finish();
-    }
-    if (m_is_dressed) m_programs = &m_dressed;
+    if (words == m_words) return;
+    m_words = words;
+    m_programs.start(words);
+    if (m_programs.finish() || words.empty()) return;
+    m_programs.start("");
+    m_programs.finish();
 }
 
 void TerrainPass::adopt(const ObjectTerrain& terrain) {
@@ -305,14 +300,14 @@ void TerrainPass::visit(const FrameView& view, Layer& layer, const TerrainSquare
     }
     m_work.stood_in += sight.is_coarse;
     if (view.everything)
-        for (gl::Program* program : {&m_programs->plain, &m_programs->hilly, &m_programs->far})
+        for (gl::Program* program : {&m_programs.plain, &m_programs.hilly, &m_programs.far})
             drawChunk(view, layer, square, sight.cut, *program);
     const bool is_far = !view.orthographic && sight.distance * view.pixel_angle > GRAIN_PIXEL;
     drawChunk(view, layer, square, sight.cut,
-              m_lights->reach(sight.center, sight.radius) ? m_programs->lit
-              : is_far                                    ? m_programs->far
-              : m_hills                                   ? m_programs->hilly
-                                                          : m_programs->plain);
+              m_lights->reach(sight.center, sight.radius) ? m_programs.lit
+              : is_far                                    ? m_programs.far
+              : m_hills                                   ? m_programs.hilly
+                                                          : m_programs.plain);
 }
 
 void TerrainPass::drawChunk(const FrameView& view, Layer& layer, const TerrainSquare& square,

@@ -9,6 +9,7 @@
 #include "render/scene/TerrainMaker.h"
 
 #include <list>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -24,7 +25,6 @@ namespace ig {
 /// that queries meet.
 class TerrainPass {
 public:
-    void init();
     /// `hills`: these cast shadows.
     void draw(const FrameView& view, const ObjectTerrain& terrain, const LightList& lights,
               bool hills);
@@ -105,10 +105,8 @@ private:
         void start(const std::string& words);
         bool finish();
     };
-    Programs m_bare, m_dressed; ///< the other ones are for land cover and imagery
-    std::string m_words;        ///< of those, once there are any
-    bool m_is_dressed = false;  ///< they can be used
-    Programs* m_programs = &m_bare;
+    Programs m_programs;
+    std::optional<std::string> m_words; ///< of the land cover and imagery that they are for
     GroundImages m_images;
     const ObjectTerrain* m_terrain = nullptr; ///< of the view
     bool m_hills = false;

@@ -62,8 +62,8 @@ SurfaceLook SurfaceLook::read(const Material* material, const Material* model) {
     look.metallic_roughness = materials.getTexture(2);
     look.emissive = materials.getTexture(3);
     look.occlusion = materials.getTexture(4);
-    look.normal_scale = materials.getSlider("normal_scale", 1);
-    look.occlusion_strength = materials.getSlider("occlusion_strength", 1);
+    if (look.normal) look.normal_scale = materials.getSlider("normal_scale", 1);
+    if (look.occlusion) look.occlusion_strength = materials.getSlider("occlusion_strength", 1);
     look.glow = materials.getValue("emissive_color", {}).xyz();
     look.alpha_cutoff = materials.getSlider("alpha_cutoff", 0);
     return look;
