@@ -50,7 +50,7 @@ void flip(Image& image) {
 } // namespace
 
 const gl::Texture& TextureStore::get(const jString& path, Use use) {
-    gl::Texture& texture = m_textures[{path, use}];
+    gl::Texture& texture = m_textures[static_cast<std::size_t>(use)][path];
     if (!texture) fill(texture, path, use);
     return texture;
 }

@@ -21,7 +21,7 @@ public:
 private:
     void fill(gl::Texture& texture, const jString& path, Use use);
 
-    std::map<std::pair<jString, Use>, gl::Texture> m_textures;
+    std::map<jString, gl::Texture> m_textures[3]; ///< by use
     std::uint64_t m_bytes = 0; ///< on the device, mip levels too
 };
 
