@@ -18,7 +18,7 @@ constexpr double UP_THE_LIGHT = 1500, DOWN_THE_LIGHT = 400; // m: what casts int
 
 // The sun turns by this in 10 s; the end of a shadow of 50 m moves by 3 cm across the light.
 constexpr double TURN = 0.04 * DEG_TO_RAD<double>, JUMP = 1 * DEG_TO_RAD<double>;
-constexpr int LEAST_AGE = 12; // frames: a quick sun doesn't have all maps drawn in every frame
+constexpr int LEAST_AGE = 8; // frames: a quick sun doesn't have all maps drawn in every frame
 
 /// Stays where it is until it is a step off.
 double snap(double held, double wanted, double step) {
