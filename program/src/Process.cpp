@@ -11,7 +11,9 @@
 #include <cstring>
 #include <fcntl.h>
 #include <poll.h>
+#include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace program {
 
@@ -65,6 +67,16 @@ WithoutSignals::WithoutSignals() {
 }
 
 WithoutSignals::~WithoutSignals() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+
+bool beginThread(std::jthread& thread, std::function<void(const std::stop_token&)> run) {
+    if (thread.joinable()) return true;
+    const WithoutSignals without;
+    try {
+        thread = std::jthread(std::move(run));
+    } catch (const std::system_error&) {
+    }
+    return thread.joinable();
+}
 
 bool takesOutput(int descriptor) {
     pollfd output{descriptor, POLLOUT, 0};

@@ -3,8 +3,6 @@
 
 #include "program/Process.h"
 
-#include <system_error>
-
 void Worker::post(Job job) {
     if (!start()) return job(); // a system without threads to spare makes the caller wait
     std::unique_lock lock(m_mutex);
@@ -18,15 +16,8 @@ void Worker::finish() {
     m_changed.wait(lock, [this] { return m_jobs.empty(); });
 }
 
-/// With all signals blocked, so that they interrupt the sleep of the thread that waits for them.
 bool Worker::start() {
-    if (m_thread.joinable()) return true;
-    const program::WithoutSignals without;
-    try {
-        m_thread = std::jthread([this](const std::stop_token& stop) { run(stop); });
-    } catch (const std::system_error&) {
-    }
-    return m_thread.joinable();
+    return program::beginThread(m_thread, [this](const std::stop_token& stop) { run(stop); });
 }
 
 void Worker::run(const std::stop_token& stop) {

@@ -4,7 +4,6 @@
 #include "program/Process.h"
 
 #include <chrono>
-#include <system_error>
 
 namespace ig {
 
@@ -25,12 +24,8 @@ GroundPager::GroundPager(std::shared_ptr<const HeightStack> ground) : m_ground(s
 void GroundPager::lookFrom(double longitude, double latitude) {
     const std::lock_guard lock(m_mutex);
     m_place = {longitude, latitude};
-    if (m_thread.joinable()) return;
-    const program::WithoutSignals without;
-    try {
-        m_thread = std::jthread([this](const std::stop_token& stop) { run(stop); });
-    } catch (const std::system_error&) { // no thread to spare: the kernel takes back what it needs
-    }
+    // Without a thread to spare the kernel takes back what it needs.
+    program::beginThread(m_thread, [this](const std::stop_token& stop) { run(stop); });
 }
 
 HeightFile::Window GroundPager::around(const TerrainGrid& grid, const Place& place, int reach) {

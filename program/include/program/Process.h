@@ -2,7 +2,9 @@
 #pragma once
 
 #include <csignal>
+#include <functional>
 #include <string>
+#include <thread>
 
 /// What a program arranges with the system, in the order of use.
 namespace program {
@@ -33,6 +35,10 @@ public:
 private:
     sigset_t m_before;
 };
+
+/// Begins a thread that gets no signals, unless it has begun. False when the system has none to
+/// spare: its work is then the caller's.
+bool beginThread(std::jthread& thread, std::function<void(const std::stop_token&)> run);
 
 /// Whether a line that is printed there now gets on its way at once: not while a terminal is
 /// stopped or a pipe is full. For what is not worth waiting for.

@@ -9,8 +9,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <system_error>
-
 namespace ig {
 
 namespace {
@@ -193,13 +191,7 @@ void ImageryPager::order() {
 }
 
 bool ImageryPager::start() {
-    if (m_thread.joinable()) return true;
-    const program::WithoutSignals without;
-    try {
-        m_thread = std::jthread([this](const std::stop_token& stop) { run(stop); });
-    } catch (const std::system_error&) {
-    }
-    return m_thread.joinable();
+    return program::beginThread(m_thread, [this](const std::stop_token& stop) { run(stop); });
 }
 
 void ImageryPager::run(const std::stop_token& stop) {

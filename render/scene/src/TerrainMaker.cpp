@@ -3,8 +3,6 @@
 
 #include "program/Process.h"
 
-#include <system_error>
-
 namespace ig {
 
 void TerrainMaker::adopt(const TerrainGrid& grid, std::shared_ptr<const void> owner) {
@@ -42,13 +40,7 @@ std::vector<TerrainMaker::Made> TerrainMaker::take(std::size_t most) {
 }
 
 bool TerrainMaker::start() {
-    if (m_thread.joinable()) return true;
-    const program::WithoutSignals without;
-    try {
-        m_thread = std::jthread([this](const std::stop_token& stop) { run(stop); });
-    } catch (const std::system_error&) {
-    }
-    return m_thread.joinable();
+    return program::beginThread(m_thread, [this](const std::stop_token& stop) { run(stop); });
 }
 
 /// The wish of the lowest rank; null when there is none. Those that nobody has any more go.
