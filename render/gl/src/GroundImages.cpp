@@ -26,7 +26,7 @@ void GroundImages::upload(const ImageryPager::Ready& tile) const {
     for (int level = 0; level < ImageryPager::LEVELS; level++)
         glTexSubImage3D(GL_TEXTURE_2D_ARRAY, level, 0, 0, tile.layer, Imagery::EDGE >> level,
                         Imagery::EDGE >> level, 1, GL_RGBA, GL_UNSIGNED_BYTE,
-                        tile.levels[level].data());
+                        tile.levels[static_cast<std::size_t>(level)].data());
 }
 
 void GroundImages::prepare(const FrameView& view, const ObjectTerrain& terrain) {

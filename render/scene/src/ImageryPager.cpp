@@ -8,7 +8,9 @@
 #include "program/Process.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+
 namespace ig {
 
 namespace {
@@ -32,6 +34,20 @@ std::vector<std::uint8_t> shrink(const std::vector<std::uint8_t>& from, std::siz
     return to;
 }
 
+/// Of a place on the ground, m, near enough for whoever looks at `height` degrees around it: of a
+/// built world only the coarse copies are read.
+double getAltitudeAbout(const TerrainGrid& grid, double longitude, double latitude, double height) {
+    const auto cells =
+        static_cast<unsigned>(std::clamp(height / 2 / grid.spacing_latitude, 1.0, 1e6));
+    const int step = static_cast<int>(std::bit_floor(cells));
+    const auto find = [step](double at, int count) {
+        return static_cast<int>(std::clamp(at / step, 0.0, double((count - 1) / step))) * step;
+    };
+    const float altitude = grid.getHeight(find(grid.getColumn(longitude), grid.columns),
+                                          find(grid.getRow(latitude), grid.rows), step);
+    return TerrainGrid::isHole(altitude) ? 0 : static_cast<double>(altitude);
+}
+
 ImageTile getPart(const ImageTile& tile, int i) {
     return {tile.level + 1, 2 * tile.column + (i & 1), 2 * tile.row + (i >> 1)};
 }
@@ -45,6 +61,7 @@ void ImageryPager::adopt(const std::shared_ptr<const Imagery>& imagery) {
     m_imagery = imagery;
     m_layers.assign(LAYERS, {});
     m_places.clear();
+    m_told.clear();
     const std::lock_guard lock(m_mutex);
     m_read_from = imagery;
     m_wishes.clear();
@@ -80,12 +97,12 @@ void ImageryPager::choose(const FrameView& view, const ObjectTerrain& terrain,
     const double scale = 1 << tile.level;
     const double longitude = layout.west + (tile.column + 0.5) * layout.tile_width / scale;
     const double latitude = layout.north - (tile.row + 0.5) * layout.tile_height / scale;
-    double altitude = 0;
-    terrain.getAltitudeByLonLat(longitude, latitude, &altitude, nullptr);
     const EllipsoidModel earth;
     const dvec2 degree = earth.getDegreeLengths(latitude);
     const double width = layout.tile_width / scale * degree.x;
     const double height = layout.tile_height / scale * degree.y;
+    const double altitude =
+        getAltitudeAbout(terrain.getGrids().front(), longitude, latitude, height / degree.y);
     const vec3 center(view.toFrame(earth.toWorld({longitude, latitude, altitude})));
     // Ground rises by at most one in two on that scale; the earth bends away.
     const double half = std::hypot(width, height) / 2;
@@ -124,35 +141,36 @@ int ImageryPager::makeRoom() {
     return static_cast<int>(oldest - m_layers.begin());
 }
 
-std::vector<std::uint8_t> ImageryPager::read(const Imagery& imagery, const ImageTile& tile) const {
-    std::vector<std::uint8_t> samples;
-    if (imagery.read(tile, samples)) return samples;
-    jLog::error("ImageryPager::read: tile %d of row %d of level %d of the terrain's imagery is "
-                "damaged or missing: the ground is bare there until it is built anew",
-                tile.column, tile.row, tile.level);
-    samples.assign(4 * EDGE * EDGE, 0);
-    return samples;
+/// On either thread.
+ImageryPager::Made ImageryPager::read(const std::shared_ptr<const Imagery>& imagery,
+                                      const ImageTile& tile) {
+    Made made{imagery, tile, {}, false};
+    made.is_bare = !imagery->read(tile, made.levels[0]);
+    if (made.is_bare) made.levels[0].assign(4 * EDGE * EDGE, 0);
+    std::size_t edge = EDGE;
+    for (std::size_t level = 1; level < LEVELS; level++, edge /= 2)
+        made.levels[level] = shrink(made.levels[level - 1], edge);
+    return made;
 }
 
-std::optional<ImageryPager::Ready> ImageryPager::lay(const ImageTile& tile,
-                                                     std::vector<std::uint8_t> samples) {
+std::optional<ImageryPager::Ready> ImageryPager::lay(Made made) {
+    const ImageTile& tile = made.tile;
+    if (made.is_bare && m_told.insert(tile).second)
+        jLog::error("ImageryPager::lay: tile %d of row %d of level %d of the terrain's imagery is "
+                    "damaged or missing: the ground is bare there until it is built anew",
+                    tile.column, tile.row, tile.level);
     const int layer = makeRoom();
     if (layer < 0) return {};
     m_layers[static_cast<std::size_t>(layer)] = {tile,
                                                  m_wanted.contains(tile) ? m_view : m_view - 1};
     m_places[tile] = layer;
-    Ready ready{layer, {}};
-    ready.levels[0] = std::move(samples);
-    std::size_t edge = EDGE;
-    for (int level = 1; level < LEVELS; level++, edge /= 2)
-        ready.levels[level] = shrink(ready.levels[level - 1], edge);
-    return ready;
+    return Ready{layer, std::move(made.levels)};
 }
 
 std::optional<ImageryPager::Ready> ImageryPager::take() {
     if (!m_hurried) {
         for (const auto& [tile, distance] : m_wanted)
-            if (!m_places.contains(tile)) return lay(tile, read(*m_imagery, tile));
+            if (!m_places.contains(tile)) return lay(read(m_imagery, tile));
         return {};
     }
     Made made;
@@ -164,7 +182,7 @@ std::optional<ImageryPager::Ready> ImageryPager::take() {
     }
     m_changed.notify_all();
     if (made.imagery != m_imagery || m_places.contains(made.tile)) return {};
-    return lay(made.tile, std::move(made.samples));
+    return lay(std::move(made));
 }
 
 /// Has the thread read what this view wants and isn't there: the coarse first, then the near.
@@ -203,9 +221,9 @@ void ImageryPager::run(const std::stop_token& stop) {
         const std::shared_ptr<const Imagery> imagery = m_read_from;
         m_wishes.pop_back();
         lock.unlock();
-        std::vector<std::uint8_t> samples = read(*imagery, tile);
+        Made made = read(imagery, tile);
         lock.lock();
-        if (imagery == m_read_from) m_made.push_back({imagery, tile, std::move(samples)});
+        if (imagery == m_read_from) m_made.push_back(std::move(made));
     }
 }
 

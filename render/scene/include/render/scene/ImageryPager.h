@@ -5,6 +5,7 @@
 #include "render/scene/FrameView.h"
 #include "render/scene/ShaderConstants.h"
 
+#include <array>
 #include <condition_variable>
 #include <map>
 #include <mutex>
@@ -34,9 +35,11 @@ public:
     /// the finest level that patches can show.
     void want(const FrameView& view, const ObjectTerrain& terrain, int finest);
 
+    /// A tile's samples and their mipmaps: four bytes a texel, colours times coverage.
+    using Levels = std::array<std::vector<std::uint8_t>, LEVELS>;
     struct Ready {
         int layer;
-        std::vector<std::uint8_t> levels[LEVELS]; ///< four bytes a texel, colours times coverage
+        Levels levels;
     };
     /// A tile that is to be laid into a layer now. Hurried: one that has been read meanwhile, if
     /// any; else the next of those that the view lacks, until all are there.
@@ -70,7 +73,8 @@ private:
     struct Made {
         std::shared_ptr<const Imagery> imagery;
         ImageTile tile;
-        std::vector<std::uint8_t> samples;
+        Levels levels;
+        bool is_bare; ///< it could not be read
     };
 
     void adopt(const std::shared_ptr<const Imagery>& imagery);
@@ -79,8 +83,8 @@ private:
     bool isRefinable(const ImageTile& tile) const;
     vec4 findLayer(const ImageTile& cell) const;
     int makeRoom();
-    std::optional<Ready> lay(const ImageTile& tile, std::vector<std::uint8_t> samples);
-    std::vector<std::uint8_t> read(const Imagery& imagery, const ImageTile& tile) const;
+    std::optional<Ready> lay(Made made);
+    static Made read(const std::shared_ptr<const Imagery>& imagery, const ImageTile& tile);
     void order();
     bool start();
     void run(const std::stop_token& stop);
@@ -90,6 +94,7 @@ private:
     std::set<ImageTile> m_refined;       ///< those whose parts are wanted in their place
     std::map<ImageTile, float> m_wanted; ///< and how far they are, m
     std::map<ImageTile, int> m_places;   ///< layer of each tile that has one
+    std::set<ImageTile> m_told;          ///< that they can't be read
     bool m_hurried = false;
     int m_view = 0; ///< counts views
 
