@@ -1,15 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "HeightFile.h"
 
-#include "program/InputFile.h"
-
 #include <bit>
-#include <cerrno>
 #include <cstring>
-#include <fcntl.h>
 #include <sys/mman.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace ig {
 
@@ -17,14 +11,6 @@ namespace {
 
 constexpr std::uint64_t PAGE = 4096;
 constexpr int COARSEST = 32; ///< cells along the longer edge of the last copy, at most
-
-/// Closes a file that was opened, whatever happens.
-struct Descriptor {
-    int number;
-    ~Descriptor() {
-        if (number >= 0) close(number);
-    }
-};
 
 /// Why a header is none that this program can go by; "" when it is.
 std::string findFault(const HeightHeader& header, std::uint64_t size) {
@@ -91,31 +77,17 @@ HeightHeader HeightHeader::of(const TerrainGrid& grid) {
 }
 
 std::unique_ptr<const HeightFile> HeightFile::open(const std::string& path, std::string& failure) {
-    failure = program::whyUnreadable(path);
-    if (!failure.empty()) return nullptr;
-    const Descriptor file{::open(path.c_str(), O_RDONLY | O_CLOEXEC)};
-    struct stat status {};
+    auto file = MappedFile::open(path, failure);
+    if (!file) return nullptr;
     HeightHeader header;
-    if (file.number < 0 || fstat(file.number, &status) != 0 ||
-        pread(file.number, &header, sizeof header, 0) < 0) {
-        failure = std::strerror(errno);
-        return nullptr;
-    }
-    failure = findFault(header, static_cast<std::uint64_t>(status.st_size));
+    std::memcpy(&header, file->getBytes(), std::min<std::uint64_t>(sizeof header, file->getSize()));
+    failure = findFault(header, file->getSize());
     if (!failure.empty()) return nullptr;
-    void* bytes = mmap(nullptr, header.size, PROT_READ, MAP_SHARED, file.number, 0);
-    if (bytes == MAP_FAILED) {
-        failure = std::string("cannot be mapped: ") + std::strerror(errno);
-        return nullptr;
-    }
-    // Looks go from place to place: reading ahead along rows would fetch what nobody wants.
-    madvise(bytes, header.size, MADV_RANDOM);
-    return std::unique_ptr<const HeightFile>(
-        new HeightFile(static_cast<const unsigned char*>(bytes), header));
+    return std::unique_ptr<const HeightFile>(new HeightFile(std::move(file), header));
 }
 
-HeightFile::HeightFile(const unsigned char* bytes, const HeightHeader& header)
-    : m_bytes(bytes), m_layout(header.columns, header.rows) {
+HeightFile::HeightFile(std::unique_ptr<const MappedFile> file, const HeightHeader& header)
+    : m_file(std::move(file)), m_layout(header.columns, header.rows) {
     m_shape.columns = header.columns;
     m_shape.rows = header.rows;
     m_shape.west = header.west;
@@ -127,10 +99,8 @@ HeightFile::HeightFile(const unsigned char* bytes, const HeightHeader& header)
     m_shape.has_holes = header.has_holes != 0;
     m_shape.parent = header.parent;
     m_shape.within = {header.within[0], header.within[1], header.within[2], header.within[3]};
-    m_shape.heights = reinterpret_cast<const float*>(bytes + m_layout.samples.begin);
+    m_shape.heights = reinterpret_cast<const float*>(m_file->getBytes() + m_layout.samples.begin);
 }
-
-HeightFile::~HeightFile() { munmap(const_cast<unsigned char*>(m_bytes), m_layout.size); }
 
 float HeightFile::getHeight(int column, int row, int step) const {
     int shift = std::countr_zero(static_cast<unsigned>(step));
@@ -138,7 +108,7 @@ float HeightFile::getHeight(int column, int row, int step) const {
     if (shift == 0) return m_shape.getHeight(column, row);
     const HeightLayout::Part& part = m_layout.copies[static_cast<std::size_t>(shift - 1)];
     return reinterpret_cast<const float*>(
-        m_bytes +
+        m_file->getBytes() +
         part.begin)[static_cast<std::ptrdiff_t>(row >> shift) * part.columns + (column >> shift)];
 }
 
@@ -151,13 +121,13 @@ void HeightFile::fetch(const Window& window) const {
     // All rows are on their way before the first is waited for.
     for (int row = window.row; row < window.end_row; row++) {
         const std::uint64_t begin = at(window.column, row) / PAGE * PAGE;
-        madvise(const_cast<unsigned char*>(m_bytes) + begin, at(window.end_column, row) - begin,
-                MADV_WILLNEED);
+        advise(begin, at(window.end_column, row), MADV_WILLNEED);
     }
     for (int row = window.row; row < window.end_row; row++)
         for (std::uint64_t byte = at(window.column, row); byte < at(window.end_column, row);
              byte += PAGE)
-            static_cast<void>(*const_cast<const volatile unsigned char*>(m_bytes + byte));
+            static_cast<void>(
+                *const_cast<const volatile unsigned char*>(m_file->getBytes() + byte));
 }
 
 void HeightFile::release(const std::vector<Window>& keep) const {
@@ -185,8 +155,11 @@ void HeightFile::release(const std::vector<Window>& keep) const {
 void HeightFile::releaseBytes(std::uint64_t begin, std::uint64_t end) const {
     begin = (begin + PAGE - 1) / PAGE * PAGE;
     end = end / PAGE * PAGE;
-    if (begin < end)
-        madvise(const_cast<unsigned char*>(m_bytes) + begin, end - begin, MADV_DONTNEED);
+    if (begin < end) advise(begin, end, MADV_DONTNEED);
+}
+
+void HeightFile::advise(std::uint64_t begin, std::uint64_t end, int advice) const {
+    madvise(const_cast<unsigned char*>(m_file->getBytes()) + begin, end - begin, advice);
 }
 
 } // namespace ig

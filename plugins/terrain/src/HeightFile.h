@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "MappedFile.h"
 #include "plugins/terrain/TerrainGrid.h"
 
 #include <cstdint>
@@ -45,21 +46,17 @@ struct HeightHeader {
     static HeightHeader of(const TerrainGrid& grid);
 };
 
-/// A height field's file, mapped: nothing is read before somebody looks, and what has been read
-/// goes when `release` says so. The file must not be shortened meanwhile; one that is put in its
-/// place does no harm. Any thread may read.
+/// A height field's file, mapped: what has been read goes when `release` says so. Any thread may
+/// read.
 class HeightFile {
 public:
     /// Null with the reason in `failure` when it is none, damaged, or of another version or kind of
     /// machine.
     static std::unique_ptr<const HeightFile> open(const std::string& path, std::string& failure);
-    HeightFile(const HeightFile&) = delete;
-    ~HeightFile();
-
     const TerrainGrid& getShape() const { return m_shape; } ///< with its samples, no overview
     const HeightLayout& getLayout() const { return m_layout; }
     const HeightRange* getBlocks(const HeightLayout::Part& part) const {
-        return reinterpret_cast<const HeightRange*>(m_bytes + part.begin);
+        return reinterpret_cast<const HeightRange*>(m_file->getBytes() + part.begin);
     }
     /// A sample whose column and row are multiples of `step`, a power of two from 2.
     float getHeight(int column, int row, int step) const;
@@ -75,10 +72,11 @@ public:
     void release(const std::vector<Window>& keep) const;
 
 private:
-    HeightFile(const unsigned char* bytes, const HeightHeader& header);
+    HeightFile(std::unique_ptr<const MappedFile> file, const HeightHeader& header);
+    void advise(std::uint64_t begin, std::uint64_t end, int advice) const;
     void releaseBytes(std::uint64_t begin, std::uint64_t end) const;
 
-    const unsigned char* m_bytes;
+    std::unique_ptr<const MappedFile> m_file;
     HeightLayout m_layout;
     TerrainGrid m_shape;
 };

@@ -1,57 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "HeightStage.h"
 
+#include "PlacedFile.h"
 #include "makeGround.h"
-#include "program/OutputFile.h"
-
-#include <cerrno>
-#include <cstring>
-#include <fcntl.h>
-#include <filesystem>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace ig {
 
 namespace {
 
 constexpr std::uint64_t STEP_BYTES = 4 << 20; ///< written in one step
-
-/// A file that is written here and there, and not lost when the machine stops.
-class PlacedFile {
-public:
-    explicit PlacedFile(const std::string& path)
-        : m_path(path), m_number(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)) {}
-    PlacedFile(const PlacedFile&) = delete;
-    ~PlacedFile() {
-        if (m_number >= 0) ::close(m_number);
-    }
-    bool write(const void* data, std::uint64_t size, std::uint64_t begin, std::string& failure) {
-        const auto* bytes = static_cast<const char*>(data);
-        while (m_number >= 0 && size > 0) {
-            const ssize_t written = pwrite(m_number, bytes, size, static_cast<off_t>(begin));
-            if (written < 0) return tell(failure);
-            bytes += written;
-            begin += static_cast<std::uint64_t>(written);
-            size -= static_cast<std::uint64_t>(written);
-        }
-        return m_number >= 0 || tell(failure);
-    }
-    /// The file ends there, and all of it is on the disk.
-    bool finish(std::uint64_t size, std::string& failure) {
-        return (ftruncate(m_number, static_cast<off_t>(size)) == 0 && sync(failure)) ||
-               tell(failure);
-    }
-    bool sync(std::string& failure) { return fdatasync(m_number) == 0 || tell(failure); }
-
-private:
-    bool tell(std::string& failure) const {
-        failure = "cannot write \"" + m_path + "\": " + std::strerror(errno);
-        return false;
-    }
-    std::string m_path;
-    int m_number;
-};
 
 } // namespace
 
@@ -104,20 +61,17 @@ std::uint64_t HeightStage::getEnd(const Step& step) const {
 
 bool HeightStage::isThere(int step) const {
     const Step& done = m_steps[static_cast<std::size_t>(step)];
-    std::error_code error;
-    const std::uintmax_t size = std::filesystem::file_size(
-        program::OutputFile::partPath(getPath(m_folder, done.grid)), error);
-    return !error && size >= getEnd(done);
+    return PlacedFile::getSize(getPath(m_folder, done.grid)) >= getEnd(done);
 }
 
 bool HeightStage::make(int step, std::string& failure) {
     const Step& s = m_steps[static_cast<std::size_t>(step)];
     const HeightField& field = *m_fields[s.grid];
     const auto width = static_cast<std::size_t>(s.part.columns);
-    PlacedFile file(program::OutputFile::partPath(getPath(m_folder, s.grid)));
+    PlacedFile file(getPath(m_folder, s.grid));
     const auto put = [&](const void* data, std::size_t size) {
         const std::uint64_t bytes = size * width * static_cast<std::size_t>(s.rows);
-        return file.write(data, bytes, getEnd(s) - bytes, failure) && file.sync(failure);
+        return file.write(data, bytes, getEnd(s) - bytes, failure);
     };
     const auto first = static_cast<std::size_t>(s.row) * width;
     if (s.level >= 0)
@@ -134,23 +88,17 @@ bool HeightStage::make(int step, std::string& failure) {
 bool HeightStage::close(std::string& failure) {
     for (std::size_t grid = 0; grid < m_fields.size(); grid++) {
         const HeightHeader header = HeightHeader::of(m_fields[grid]->getGrid());
-        const std::string path = getPath(m_folder, grid);
-        const std::string part = program::OutputFile::partPath(path);
-        PlacedFile file(part);
+        PlacedFile file(getPath(m_folder, grid));
         if (!file.write(&header, sizeof header, 0, failure) || !file.finish(header.size, failure))
             return false;
-        std::error_code error;
-        std::filesystem::rename(part, path, error);
-        if (error) {
-            failure = "cannot write \"" + path + "\": " + error.message();
-            return false;
-        }
     }
+    m_num_grids = m_fields.size();
+    m_fields.clear(); // the next stages want the memory
     return true;
 }
 
 std::vector<std::string> HeightStage::describe() const {
-    return {"grids: " + std::to_string(m_fields.size())};
+    return {"grids: " + std::to_string(m_num_grids)};
 }
 
 } // namespace ig

@@ -42,6 +42,7 @@ private:
     std::string m_folder;
     std::vector<std::unique_ptr<const HeightField>> m_fields;
     std::vector<Step> m_steps;
+    std::size_t m_num_grids = 0; ///< once they are whole
 };
 
 } // namespace ig

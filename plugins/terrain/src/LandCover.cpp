@@ -2,7 +2,6 @@
 #include "plugins/terrain/LandCover.h"
 
 #include <array>
-#include <cassert>
 #include <cmath>
 
 namespace ig {
@@ -29,12 +28,9 @@ static_assert(TRAITS.size() == static_cast<std::size_t>(LandClass::water) + 1);
 
 } // namespace
 
-LandCover::LandCover(const Grid& grid, std::vector<LandClass> classes)
+LandCover::LandCover(const Grid& grid, std::shared_ptr<const LandClass[]> classes)
     : m_grid(grid), m_middle_longitude(grid.west + grid.columns * grid.spacing_longitude / 2),
-      m_classes(std::move(classes)) {
-    assert(m_classes.size() ==
-           static_cast<std::size_t>(grid.columns) * static_cast<std::size_t>(grid.rows));
-}
+      m_classes(std::move(classes)) {}
 
 LandClass LandCover::getClass(double longitude, double latitude) const {
     const double offset = std::remainder(longitude - m_middle_longitude, 360);
@@ -42,8 +38,10 @@ LandClass LandCover::getClass(double longitude, double latitude) const {
     const double row = std::floor((m_grid.north - latitude) / m_grid.spacing_latitude);
     if (!(column >= 0 && column < m_grid.columns && row >= 0 && row < m_grid.rows))
         return LandClass::none;
-    return m_classes[static_cast<std::size_t>(row) * static_cast<std::size_t>(m_grid.columns) +
-                     static_cast<std::size_t>(column)];
+    const LandClass land =
+        m_classes[static_cast<std::size_t>(row) * static_cast<std::size_t>(m_grid.columns) +
+                  static_cast<std::size_t>(column)];
+    return land <= LandClass::water ? land : LandClass::none; // a file may hold anything
 }
 
 const LandTraits& LandCover::getTraits(LandClass land) {

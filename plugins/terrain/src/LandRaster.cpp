@@ -101,14 +101,20 @@ bool LandRaster::read(int first, std::span<LandClass> classes) {
     return true;
 }
 
-std::string LandRaster::describeUnknown() const {
+void LandRaster::tellUnknown(const jString& path) const {
+    if (m_unknown.empty()) return;
     std::string text;
     int count = 0;
     for (const std::int32_t value : m_unknown) {
-        if (count++ == 10) return text + " ...";
+        if (count++ == 10) {
+            text += " ...";
+            break;
+        }
         text += (text.empty() ? "" : ", ") + std::to_string(value);
     }
-    return text;
+    jLog::warning("ObjectTerrain::load: \"%s\" has values of no class: %s (the ground looks there "
+                  "as without a land cover; \"classes\" may name them)",
+                  path.c_str(), text.c_str());
 }
 
 std::unique_ptr<const LandCover> loadLandCover(const TerrainSources::LandCover& source,
@@ -129,20 +135,17 @@ std::unique_ptr<const LandCover> loadLandCover(const TerrainSources::LandCover& 
                     " million pixels on this ground, and 64 fit into memory: let `visual_channel "
                     "world build` make the ground once");
     const auto width = static_cast<std::size_t>(pixels.columns);
-    std::vector<LandClass> classes(static_cast<std::size_t>(count));
+    const auto classes = std::make_shared<LandClass[]>(static_cast<std::size_t>(count));
     for (int row = 0; row < pixels.rows; row += STRIP) {
         const auto rows = static_cast<std::size_t>(std::min(STRIP, pixels.rows - row));
-        const std::span strip(classes.data() + static_cast<std::size_t>(row) * width, rows * width);
+        const std::span strip(classes.get() + static_cast<std::size_t>(row) * width, rows * width);
         if (!raster.read(row, strip)) return fail(getLastError("cannot be read"));
     }
-    if (const std::string unknown = raster.describeUnknown(); !unknown.empty())
-        jLog::warning("ObjectTerrain::load: \"%s\" has values of no class: %s (the ground looks "
-                      "there as without a land cover; \"classes\" may name them)",
-                      source.raster.c_str(), unknown.c_str());
+    raster.tellUnknown(source.raster);
     return std::make_unique<LandCover>(LandCover::Grid{pixels.columns, pixels.rows, pixels.west,
                                                        pixels.north, pixels.spacing_longitude,
                                                        pixels.spacing_latitude},
-                                       std::move(classes));
+                                       classes);
 }
 
 } // namespace ig

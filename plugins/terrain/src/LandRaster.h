@@ -25,8 +25,8 @@ public:
     const LonLatPixels& getPixels() const { return m_pixels; }
     /// Whole rows from `first` on, as many as `classes` holds. False when the file is damaged.
     bool read(int first, std::span<LandClass> classes);
-    /// Values met so far that are of no class, "3, 17"; at most ten of them.
-    std::string describeUnknown() const;
+    /// Names the values met so far that are of no class, if any, in one log line: at most ten.
+    void tellUnknown(const jString& path) const;
 
 private:
     bool readClasses(const TerrainSources::LandCover& source, std::string& failure);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "RasterFile.h"
+#include "plugins/terrain/TerrainGrid.h"
 
 #include <utility>
 #include <vector>
@@ -12,6 +13,11 @@ namespace ig {
 struct LonLatBox {
     double west = 0, east = 0, south = 0, north = 0;
 
+    /// That a grid's samples reach over.
+    static LonLatBox of(const TerrainGrid& grid) {
+        return {grid.west, grid.west + (grid.columns - 1) * grid.spacing_longitude,
+                grid.north - (grid.rows - 1) * grid.spacing_latitude, grid.north};
+    }
     bool isEmpty() const { return !(west < east && south < north); }
     LonLatBox cut(const LonLatBox& other) const {
         return {std::max(west, other.west), std::min(east, other.east),

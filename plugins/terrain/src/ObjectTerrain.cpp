@@ -4,6 +4,7 @@
 #include "BuiltGround.h"
 #include "GroundPager.h"
 #include "HeightStack.h"
+#include "LandFile.h"
 #include "LandRaster.h"
 #include "SegmentQuery.h"
 #include "makeGround.h"
@@ -18,11 +19,6 @@ namespace ig {
 namespace {
 
 const EllipsoidModel EARTH;
-
-LonLatBox getBox(const TerrainGrid& grid) {
-    return {grid.west, grid.west + (grid.columns - 1) * grid.spacing_longitude,
-            grid.north - (grid.rows - 1) * grid.spacing_latitude, grid.north};
-}
 
 } // namespace
 
@@ -66,12 +62,18 @@ bool ObjectTerrain::loadBuilt() {
 
 /// What lies on the ground: without it the ground is as it was.
 void ObjectTerrain::loadLooks() {
-    const LonLatBox box = getBox(getGrids().front());
-    if (!m_sources.land_cover.empty()) m_land_cover = loadLandCover(m_sources.land_cover, box);
-    if (m_sources.imagery.empty()) return;
+    const LonLatBox box = LonLatBox::of(getGrids().front());
+    const std::string built = m_sources.built.c_str();
     std::string failure;
-    m_imagery = m_sources.built.empty() ? Imagery::make(m_sources.imagery, box, failure)
-                                        : Imagery::open(m_sources.built.c_str(), failure);
+    if (!m_sources.land_cover.empty() && built.empty()) {
+        m_land_cover = loadLandCover(m_sources.land_cover, box);
+    } else if (!m_sources.land_cover.empty()) {
+        m_land_cover = openLandCover(built, failure);
+        if (!m_land_cover) jLog::error("ObjectTerrain::load: no land cover: %s", failure.c_str());
+    }
+    if (m_sources.imagery.empty()) return;
+    m_imagery = built.empty() ? Imagery::make(m_sources.imagery, box, failure)
+                              : Imagery::open(built, failure);
     if (!m_imagery) jLog::error("ObjectTerrain::load: no imagery: %s", failure.c_str());
 }
 

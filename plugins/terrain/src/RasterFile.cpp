@@ -15,10 +15,9 @@ namespace {
 
 /// The formats that are read: each is one file of this machine, with what stands beside it. Others
 /// follow references, to servers too; those of a mosaic are looked at first.
-constexpr const char* FORMATS[] = {"GTiff",   "DTED", "SRTMHGT", "AAIGrid",     "EHdr",  "ENVI",
-                                   "USGSDEM", "RST",  "GSAG",    "GSBG",        "GS7BG", "XYZ",
-                                   "BT",      "PNG",  "JPEG",    "JP2OpenJPEG", "GTX",   "VRT",
-                                   nullptr};
+constexpr const char* FORMATS[] = {
+    "GTiff", "DTED", "SRTMHGT", "AAIGrid", "EHdr", "ENVI",        "USGSDEM", "RST", "GSAG", "GSBG",
+    "GS7BG", "XYZ",  "BT",      "PNG",     "JPEG", "JP2OpenJPEG", "GTX",     "VRT", nullptr};
 
 /// Why a path isn't that of a file of this machine, or in an archive of it; "" when it is.
 std::string whyNotLocal(const std::string& path) {

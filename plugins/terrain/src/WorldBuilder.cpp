@@ -3,6 +3,7 @@
 
 #include "Fingerprint.h"
 #include "HeightStage.h"
+#include "LookStages.h"
 #include "ig/package/Package.h"
 #include "ig/package/mjl.h"
 #include "program/OutputFile.h"
@@ -94,7 +95,10 @@ WorldBuilder::WorldBuilder(const TerrainSources& sources)
     : m_sources(sources), m_folder(sources.built.c_str()) {
     while (m_folder.size() > 1 && m_folder.ends_with('/'))
         m_folder.pop_back();
-    if (!sources.rasters.empty()) add(std::make_unique<HeightStage>(sources));
+    if (sources.rasters.empty()) return;
+    add(std::make_unique<HeightStage>(sources));
+    if (!sources.land_cover.empty()) add(std::make_unique<LandStage>(sources.land_cover));
+    if (!sources.imagery.empty()) add(std::make_unique<ImageryStage>(sources.imagery));
 }
 
 WorldBuilder::Result WorldBuilder::build(const Tell& tell, std::string& failure) {

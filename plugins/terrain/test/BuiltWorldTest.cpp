@@ -6,6 +6,8 @@
 #include "HeightFile.h"
 #include "RasterFiles.h"
 #include "ig/math/EllipsoidModel.h"
+#include "plugins/terrain/Imagery.h"
+#include "plugins/terrain/LandCover.h"
 #include "plugins/terrain/ObjectTerrain.h"
 #include "plugins/terrain/WorldBuilder.h"
 #include "testkit/LogCapture.h"
@@ -13,6 +15,7 @@
 #include <bit>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <random>
 #include <sstream>
 
@@ -55,6 +58,33 @@ struct BuiltWorldTest : testing::Test {
         for (const std::string& line : log.lines)
             said += line + '\n';
         return said;
+    }
+    /// A picture and a land cover in a projection, over a part of the ground.
+    void addLooks() {
+        const auto write = [&](const char* name, int edge, double pixel, auto value) {
+            RasterFile file{edge, edge, {581000, pixel, 0, 4871000, 0, -pixel}, value};
+            file.system = "EPSG:32632";
+            file.type = GDT_Byte;
+            file.no_data = 0;
+            return folder.writeRaster(file, name);
+        };
+        sources.imagery = {write("picture.tif", 800, 10, [](int i, int j) {
+            return 120 + 100 * std::sin(i * 0.1) * std::cos(j * 0.07);
+        })};
+        sources.land_cover.raster =
+            write("cover.tif", 300, 30, [](int i, int j) { return (i / 10 + j / 7) % 3 + 1; });
+        sources.land_cover.classes = {{1, "forest"}, {2, "built_up"}, {3, "water"}};
+    }
+    /// All files of the built world by their paths.
+    std::map<std::string, std::string> readAll() const {
+        std::map<std::string, std::string> all;
+        const std::filesystem::path built = folder.path() / "built";
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(built))
+            if (entry.is_regular_file()) {
+                const std::string name = entry.path().lexically_relative(built).string();
+                all[name] = read(name);
+            }
+        return all;
     }
     std::string read(const std::string& name) const {
         std::ostringstream read;
@@ -127,6 +157,59 @@ TEST_F(BuiltWorldTest, IsTakenUpAgain) {
         EXPECT_TRUE(read("heights_0.f32") == whole);
         EXPECT_FALSE(std::filesystem::exists(notes));
     }
+}
+
+/// Also when each run does but a little, and ends in the middle of something.
+TEST_F(BuiltWorldTest, LooksAreTakenUpAgainAndAreThoseOfTheSources) {
+    addLooks();
+    ASSERT_EQ(build(), Result::built) << failure;
+    const auto whole = readAll();
+    ASSERT_GT(whole.size(), 12u); // tiles
+    ObjectTerrain built, loaded;
+    ASSERT_TRUE(built.load(sources));
+    TerrainSources unbuilt = sources;
+    unbuilt.built = {};
+    ASSERT_TRUE(loaded.load(unbuilt));
+    ASSERT_TRUE(built.getLandCover() && built.getImagery());
+    std::mt19937 engine(3);
+    std::uniform_real_distribution<> longitude(9.99, 10.16), latitude(43.86, 44.01);
+    int classes[3] = {};
+    for (int i = 0; i < 3000; i++) {
+        const double x = longitude(engine), y = latitude(engine);
+        const LandClass land = loaded.getLandCover()->getClass(x, y);
+        ASSERT_EQ(built.getLandCover()->getClass(x, y), land) << x << ' ' << y;
+        classes[land == LandClass::forest ? 0 : land == LandClass::water ? 1 : 2]++;
+    }
+    EXPECT_GT(std::min({classes[0], classes[1], classes[2]}), 100);
+    std::vector<std::uint8_t> a, b;
+    int tiles = 0;
+    for (int level = 0; level < 5; level++)
+        for (int n = 0; n < 1 << 2 * level; n++) {
+            const ImageTile tile{level, n >> level, n % (1 << level)};
+            ASSERT_EQ(built.getImagery()->has(tile), loaded.getImagery()->has(tile));
+            if (!built.getImagery()->has(tile)) continue;
+            ASSERT_TRUE(built.getImagery()->read(tile, a) && loaded.getImagery()->read(tile, b));
+            ASSERT_TRUE(a == b) << level << ' ' << n;
+            tiles++;
+        }
+    EXPECT_GT(tiles, 8);
+
+    std::filesystem::remove_all(folder.path() / "built");
+    Result result = Result::stopped;
+    for (int run = 0; run < 100 && result == Result::stopped; run++) {
+        result = build(run + 1);
+        const auto part = folder.path() / "built/land_cover.part.u8";
+        if (std::filesystem::exists(part)) std::ofstream(part, std::ios::app) << "half a step";
+    }
+    ASSERT_EQ(result, Result::built) << failure;
+    EXPECT_TRUE(readAll() == whole);
+    for (const char* source : {"picture.tif", "cover.tif"}) // given away without them
+        std::filesystem::remove(folder.path() / source);
+    EXPECT_EQ(tellLoad(), "");
+    std::filesystem::resize_file(folder.path() / "built/land_cover.u8", 5000);
+    std::filesystem::remove(folder.path() / "built/imagery/index");
+    EXPECT_NE(tellLoad().find("no land cover: "), std::string::npos) << tellLoad();
+    EXPECT_NE(tellLoad().find("no imagery: "), std::string::npos) << tellLoad();
 }
 
 TEST_F(BuiltWorldTest, SaysWhenItsSourcesHaveChanged) {

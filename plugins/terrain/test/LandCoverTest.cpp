@@ -28,7 +28,9 @@ jString writeClasses(const RasterFolder& folder, RasterFile file) {
 
 TEST(LandCover, PiecesReachFromEdgeToEdgeAlsoAcrossTheDateLine) {
     using enum LandClass;
-    const LandCover cover({3, 2, 179.99, -10, 0.01, 0.02}, {grass, sand, rock, snow, water, crop});
+    const LandCover cover(
+        {3, 2, 179.99, -10, 0.01, 0.02},
+        std::shared_ptr<const LandClass[]>(new LandClass[]{grass, sand, rock, snow, water, crop}));
     constexpr double HAIR = 1e-9;
     EXPECT_EQ(cover.getClass(179.99 + HAIR, -10 - HAIR), grass);
     EXPECT_EQ(cover.getClass(180 - HAIR, -10.02 + HAIR), grass);

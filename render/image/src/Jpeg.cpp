@@ -56,29 +56,34 @@ void readRows(Decoder& decoder, Image& image) {
     jpeg_finish_decompress(&decoder);
 }
 
+/// False with the reason in the decoder. Nothing with a destructor may be made here: the library
+/// comes back to the beginning when it fails.
+bool decode(Decoder& decoder, std::span<const std::byte> bytes, Image& image) {
+    constexpr std::uint64_t RATIO = 1024; // a block of 8 by 8 pixels may be a bit, or end early
+    if (setjmp(decoder.back) != 0) return false;
+    jpeg_create_decompress(&decoder);
+    decoder.progress.progress_monitor = countScans;
+    decoder.jpeg_decompress_struct::progress = &decoder.progress;
+    jpeg_mem_src(&decoder, reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
+    jpeg_read_header(&decoder, TRUE);
+    if (decoder.num_components == 4) {
+        decoder.why = "colours for print (CMYK): save it as RGB";
+        return false;
+    }
+    if (!image.make(decoder.image_width, decoder.image_height, RATIO, bytes.size(), decoder.why))
+        return false;
+    readRows(decoder, image);
+    return true;
+}
+
 } // namespace
 
 bool decodeJpeg(std::span<const std::byte> bytes, Image& image, std::string& why) {
-    constexpr std::uint64_t RATIO = 1024; // a block of 8 by 8 pixels may be a bit, or end early
     Decoder decoder{};
     decoder.err = jpeg_std_error(&decoder.errors);
     decoder.errors.error_exit = giveUp;
     decoder.errors.emit_message = mention;
-    bool good = false;
-    if (setjmp(decoder.back) == 0) { // the library comes back here when it fails
-        jpeg_create_decompress(&decoder);
-        decoder.progress.progress_monitor = countScans;
-        decoder.jpeg_decompress_struct::progress = &decoder.progress;
-        jpeg_mem_src(&decoder, reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
-        jpeg_read_header(&decoder, TRUE);
-        if (decoder.num_components == 4)
-            decoder.why = "colours for print (CMYK): save it as RGB";
-        else if (image.make(decoder.image_width, decoder.image_height, RATIO, bytes.size(),
-                            decoder.why)) {
-            readRows(decoder, image);
-            good = true;
-        }
-    }
+    const bool good = decode(decoder, bytes, image);
     why = decoder.why;
     jpeg_destroy_decompress(&decoder);
     return good;

@@ -4,9 +4,9 @@
 #include "ig/scene/Material.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string_view>
-#include <vector>
 
 namespace ig {
 
@@ -47,7 +47,7 @@ public:
         double spacing_longitude = 0, spacing_latitude = 0; ///< degrees, positive
     };
     /// `classes`: `rows` times `columns`, row by row from the north.
-    LandCover(const Grid& grid, std::vector<LandClass> classes);
+    LandCover(const Grid& grid, std::shared_ptr<const LandClass[]> classes);
 
     /// The class at a geodetic place (degrees; the longitude modulo 360); `none` beyond the grid.
     LandClass getClass(double longitude, double latitude) const;
@@ -60,7 +60,7 @@ public:
 private:
     Grid m_grid;
     double m_middle_longitude;
-    std::vector<LandClass> m_classes;
+    std::shared_ptr<const LandClass[]> m_classes;
 };
 
 } // namespace ig
