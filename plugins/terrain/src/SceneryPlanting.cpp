@@ -107,7 +107,7 @@ const ObjectScenery::Stand* SceneryPlanting::choose(LandClass land, double share
 }
 
 void SceneryPlanting::addTree(const dvec2& place, Chance& chance) {
-    const LandCover* cover = m_terrain.getLandCover();
+    const LandCover* cover = m_terrain.getLandCover().get();
     const LandClass land = cover ? cover->getClass(place.x, place.y) : LandClass::none;
     const ObjectScenery::Stand* stand = choose(land, chance.next());
     if (!stand || isCleared(toMetres(place))) return;

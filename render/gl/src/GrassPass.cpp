@@ -126,7 +126,7 @@ void GrassPass::plant(Square& square, const World& world, const ObjectTerrain& t
     square.middle = {0, 0, static_cast<float>(altitude)};
     const float shore =
         readSlider(terrain.getSurfaceMaterial(0), "shore_height", TerrainPass::SHORE_HEIGHT);
-    const LandCover* land = terrain.getLandCover();
+    const LandCover* land = terrain.getLandCover().get();
     const auto seed = column * 73856093u ^ row * 19349663u;
     const dvec3 up = square.frame.getMat3().columns[2];
     const double least_up = 1 / std::hypot(1.0, STEEPEST);

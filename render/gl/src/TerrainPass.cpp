@@ -22,6 +22,7 @@ constexpr float SEA_BED = -15;       ///< altitude below which the sea hides eve
 
 constexpr double NEARER = 1.4;      ///< so much nearer than it is, an eye soon is
 constexpr std::size_t UPLOADED = 8; ///< meshes a view at most: 37 KiB each
+constexpr int FILLED = 1;           ///< meshes made by a view that is hurried, at most
 constexpr double BELOW = 60;        ///< m around the place below the eye
 
 } // namespace
@@ -59,14 +60,14 @@ void TerrainPass::dress() {
 
 void TerrainPass::adopt(const ObjectTerrain& terrain) {
     const TerrainGrids grids = terrain.getGrids();
-    const LandCover* cover = terrain.getLandCover();
+    const std::shared_ptr<const LandCover>& cover = terrain.getLandCover();
     if (cover == m_cover && std::ranges::equal(grids, m_layers, {}, {}, &Layer::grid)) return;
     m_cover = cover;
     m_layers.clear();
     for (const TerrainGrid& grid : grids) {
         m_layers.emplace_back();
         m_layers.back().grid = grid;
-        m_layers.back().maker.adopt(grid, terrain.getOwner());
+        m_layers.back().maker.adopt(grid, terrain.getOwner(), cover);
     }
 }
 
@@ -92,6 +93,7 @@ void TerrainPass::purge() {
 void TerrainPass::draw(const FrameView& view, const ObjectTerrain& terrain, const LightList& lights,
                        bool hills) {
     m_frame++;
+    m_filled = 0;
     if (terrain.getGrids().empty()) return;
     m_terrain = &terrain;
     adopt(terrain);
@@ -226,10 +228,8 @@ TerrainPass::Sight TerrainPass::look(const FrameView& view, const Layer& layer,
 
 /// What the thread has made.
 void TerrainPass::take(Layer& layer) {
-    for (const TerrainMaker::Made& made : layer.maker.take(UPLOADED)) {
-        upload(layer.chunks[made.square.getKey()], layer.grid, made.square, made.mesh);
-        m_work.uploaded++;
-    }
+    for (const TerrainMaker::Made& made : layer.maker.take(UPLOADED))
+        upload(layer.chunks[made.square.getKey()], layer.grid, made);
 }
 
 /// Has the thread make what is not there of what this eye sees wherever it looks, and soon will:
@@ -251,15 +251,17 @@ void TerrainPass::wishFor(const FrameView& view, Layer& layer, const TerrainSqua
     }
 }
 
-/// Whether a square's parts can be drawn in its place. Those below the eye always are.
+/// Whether a square's parts can be drawn in its place. Those below the eye don't wait for the
+/// thread; after a jump it brings most of them, so that no frame makes many.
 bool TerrainPass::canSplit(const FrameView& view, Layer& layer, const TerrainSquare& square) {
     const bool is_below = isBelow(view, layer.grid, square);
     for (int i = 0; i < 4; i++) {
         const TerrainSquare part = square.getPart(i);
         if (canShow(view, layer, part)) continue;
-        if (!is_below) return false;
-        upload(layer.chunks[part.getKey()], layer.grid, part, TerrainMesh(layer.grid, part));
-        m_work.filled++;
+        if (!is_below || m_filled == FILLED) return false;
+        upload(layer.chunks[part.getKey()], layer.grid,
+               TerrainMaker::make(layer.grid, m_cover.get(), part));
+        m_filled++;
     }
     return true;
 }
@@ -298,7 +300,6 @@ void TerrainPass::visit(const FrameView& view, Layer& layer, const TerrainSquare
         }
         return;
     }
-    m_work.stood_in += sight.is_coarse;
     if (view.everything)
         for (gl::Program* program : {&m_programs.plain, &m_programs.hilly, &m_programs.far})
             drawChunk(view, layer, square, sight.cut, *program);
@@ -318,8 +319,8 @@ void TerrainPass::drawChunk(const FrameView& view, Layer& layer, const TerrainSq
     Chunk& chunk = layer.chunks[square.getKey() | (cut ? CUT : 0)];
     if (!chunk.vertex_array || chunk.cut != cut) {
         chunk.cut = cut;
-        upload(chunk, layer.grid, square, TerrainMesh(layer.grid, square, getReplaced(cut)));
-        m_work.filled += view.hurried;
+        upload(chunk, layer.grid,
+               TerrainMaker::make(layer.grid, m_cover.get(), square, getReplaced(cut)));
     }
     chunk.last_drawn = m_frame;
     const mat4 transform = view.toFrame(chunk.frame);
@@ -335,8 +336,9 @@ void TerrainPass::drawChunk(const FrameView& view, Layer& layer, const TerrainSq
     glDrawElements(GL_TRIANGLES, chunk.num_indices, GL_UNSIGNED_SHORT, nullptr);
 }
 
-void TerrainPass::upload(Chunk& chunk, const TerrainGrid& grid, const TerrainSquare& square,
-                         const TerrainMesh& mesh) const {
+void TerrainPass::upload(Chunk& chunk, const TerrainGrid& grid,
+                         const TerrainMaker::Made& made) const {
+    const auto& [square, mesh, shares] = made;
     const double half = square.getEdge() / 2.0;
     chunk.frame = mesh.frame;
     chunk.last_drawn = m_frame;
@@ -354,14 +356,11 @@ void TerrainPass::upload(Chunk& chunk, const TerrainGrid& grid, const TerrainSqu
                           reinterpret_cast<const void*>(offsetof(Vertex, altitude)));
     for (GLuint i = 0; i < 3; i++)
         glEnableVertexAttribArray(i);
-    if (m_terrain->getLandCover()) addCover(chunk, grid, square);
+    if (!shares.empty()) addCover(chunk, shares);
 }
 
 /// To the vertex array that is bound.
-void TerrainPass::addCover(Chunk& chunk, const TerrainGrid& grid,
-                           const TerrainSquare& square) const {
-    const std::vector<LandShares> shares =
-        getLandShares(*m_terrain->getLandCover(), grid, square.column, square.row, square.step);
+void TerrainPass::addCover(Chunk& chunk, const std::vector<LandShares>& shares) {
     chunk.cover.create();
     glBindBuffer(GL_ARRAY_BUFFER, chunk.cover.getId());
     glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(shares.size() * sizeof(LandShares)),

@@ -33,14 +33,6 @@ public:
     static constexpr float SHORE_HEIGHT = 3.5f; ///< where the beach ends, unless the material tells
     static vec3 readTurf(const Material* material); ///< colour of the grass
 
-    /// What hurried views have made this pass do on the frame's own thread, so far.
-    struct Work {
-        int filled = 0;   ///< meshes made there
-        int uploaded = 0; ///< meshes given to the device
-        int stood_in = 0; ///< nodes drawn in place of parts that weren't there
-    };
-    const Work& getWork() const { return m_work; }
-
 private:
     struct Chunk {
         gl::VertexArray vertex_array;
@@ -92,9 +84,8 @@ private:
                         const TerrainSquare& square);
     void drawChunk(const FrameView& view, Layer& layer, const TerrainSquare& square,
                    std::uint64_t cut, gl::Program& program);
-    void upload(Chunk& chunk, const TerrainGrid& grid, const TerrainSquare& square,
-                const TerrainMesh& mesh) const;
-    void addCover(Chunk& chunk, const TerrainGrid& grid, const TerrainSquare& square) const;
+    void upload(Chunk& chunk, const TerrainGrid& grid, const TerrainMaker::Made& made) const;
+    static void addCover(Chunk& chunk, const std::vector<LandShares>& shares);
     void purge();
 
     /// The second is for chunks that lamps or fires light, the third for hills that cast shadows,
@@ -112,8 +103,8 @@ private:
     bool m_hills = false;
     gl::Program* m_used = nullptr;
     std::list<Layer> m_layers; ///< of the terrain's grids; samples are read while it is drawn
-    const LandCover* m_cover = nullptr; ///< on their chunks; only to be compared
-    Work m_work;
+    std::shared_ptr<const LandCover> m_cover; ///< on their chunks
+    int m_filled = 0;                     ///< meshes that this view has made, since it is hurried
     const Material* m_material = nullptr; ///< of the ground, may be null
     const LightList* m_lights = nullptr;  ///< of the frame
     int m_frame = 0;

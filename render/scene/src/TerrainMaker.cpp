@@ -5,10 +5,12 @@
 
 namespace ig {
 
-void TerrainMaker::adopt(const TerrainGrid& grid, std::shared_ptr<const void> owner) {
+void TerrainMaker::adopt(const TerrainGrid& grid, std::shared_ptr<const void> owner,
+                         std::shared_ptr<const LandCover> cover) {
     const std::lock_guard lock(m_mutex);
     m_grid = grid;
     m_owner = std::move(owner);
+    m_cover = std::move(cover);
     m_grid_count++;
     m_wishes.clear();
     m_made.clear();
@@ -24,7 +26,7 @@ void TerrainMaker::wish(const TerrainSquare& square, double rank, int frame) {
     if (start())
         m_changed.notify_all();
     else { // a system without threads to spare makes the caller wait
-        m_made.push_back({square, TerrainMesh(m_grid, square)});
+        m_made.push_back(make(m_grid, m_cover.get(), square));
         entry->second.is_taken = true;
     }
 }
@@ -37,6 +39,14 @@ std::vector<TerrainMaker::Made> TerrainMaker::take(std::size_t most) {
     for (const Made& made : taken)
         m_wishes.erase(made.square.getKey());
     return taken;
+}
+
+TerrainMaker::Made TerrainMaker::make(const TerrainGrid& grid, const LandCover* cover,
+                                      const TerrainSquare& square,
+                                      const std::vector<TerrainGrid::Cells>& replaced) {
+    Made made{square, TerrainMesh(grid, square, replaced), {}};
+    if (cover) made.shares = getLandShares(*cover, grid, square.column, square.row, square.step);
+    return made;
 }
 
 bool TerrainMaker::start() {
@@ -64,11 +74,12 @@ void TerrainMaker::run(const std::stop_token& stop) {
         const TerrainSquare square = wish->square;
         const TerrainGrid grid = m_grid;
         const std::shared_ptr<const void> owner = m_owner;
+        const std::shared_ptr<const LandCover> cover = m_cover;
         const int grid_count = m_grid_count;
         lock.unlock();
-        TerrainMesh mesh(grid, square);
+        Made made = make(grid, cover.get(), square);
         lock.lock();
-        if (grid_count == m_grid_count) m_made.push_back({square, std::move(mesh)});
+        if (grid_count == m_grid_count) m_made.push_back(std::move(made));
     }
 }
 

@@ -54,9 +54,9 @@ public:
     /// Tells a built world where an eye is, whose surroundings are kept in memory. What the ground
     /// answers doesn't depend on it.
     void lookFrom(double longitude, double latitude) const;
-    /// Null without one. It lasts until the next `load`.
-    const LandCover* getLandCover() const { return m_land_cover.get(); }
-    /// Null without any. Threads that read it share it.
+    /// Null without one. Threads that read it share it, and the imagery.
+    const std::shared_ptr<const LandCover>& getLandCover() const { return m_land_cover; }
+    /// Null without any.
     const std::shared_ptr<const Imagery>& getImagery() const { return m_imagery; }
 
 protected:
@@ -70,7 +70,7 @@ private:
     TerrainSources m_sources;
     std::shared_ptr<const HeightStack> m_ground; ///< null without a raster
     std::unique_ptr<GroundPager> m_pager;        ///< of a built world; else null
-    std::unique_ptr<const LandCover> m_land_cover;
+    std::shared_ptr<const LandCover> m_land_cover;
     std::shared_ptr<const Imagery> m_imagery;
 };
 
