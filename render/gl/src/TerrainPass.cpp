@@ -22,7 +22,6 @@ constexpr float SEA_BED = -15;       ///< altitude below which the sea hides eve
 
 constexpr double NEARER = 1.4;      ///< so much nearer than it is, an eye soon is
 constexpr std::size_t UPLOADED = 8; ///< meshes a view at most: 37 KiB each
-constexpr int FILLED = 1;           ///< meshes made by a view that is hurried, at most
 constexpr double BELOW = 60;        ///< m around the place below the eye
 
 } // namespace
@@ -93,7 +92,6 @@ void TerrainPass::purge() {
 void TerrainPass::draw(const FrameView& view, const ObjectTerrain& terrain, const LightList& lights,
                        bool hills) {
     m_frame++;
-    m_filled = 0;
     if (terrain.getGrids().empty()) return;
     m_terrain = &terrain;
     adopt(terrain);
@@ -251,17 +249,16 @@ void TerrainPass::wishFor(const FrameView& view, Layer& layer, const TerrainSqua
     }
 }
 
-/// Whether a square's parts can be drawn in its place. Those below the eye don't wait for the
-/// thread; after a jump it brings most of them, so that no frame makes many.
+/// Whether a square's parts can be drawn in its place. Those below the eye always are: after a jump
+/// one frame makes them all.
 bool TerrainPass::canSplit(const FrameView& view, Layer& layer, const TerrainSquare& square) {
     const bool is_below = isBelow(view, layer.grid, square);
     for (int i = 0; i < 4; i++) {
         const TerrainSquare part = square.getPart(i);
         if (canShow(view, layer, part)) continue;
-        if (!is_below || m_filled == FILLED) return false;
+        if (!is_below) return false;
         upload(layer.chunks[part.getKey()], layer.grid,
                TerrainMaker::make(layer.grid, m_cover.get(), part));
-        m_filled++;
     }
     return true;
 }

@@ -104,9 +104,8 @@ private:
     gl::Program* m_used = nullptr;
     std::list<Layer> m_layers; ///< of the terrain's grids; samples are read while it is drawn
     std::shared_ptr<const LandCover> m_cover; ///< on their chunks
-    int m_filled = 0;                     ///< meshes that this view has made, since it is hurried
-    const Material* m_material = nullptr; ///< of the ground, may be null
-    const LightList* m_lights = nullptr;  ///< of the frame
+    const Material* m_material = nullptr;     ///< of the ground, may be null
+    const LightList* m_lights = nullptr;      ///< of the frame
     int m_frame = 0;
 };
 
