@@ -14,12 +14,13 @@ namespace ig {
 
 namespace {
 
-constexpr std::size_t DEEPEST = 500;     ///< brackets, nodes below nodes
-constexpr double MOST_NODES = 1'000'000; ///< copies included
+constexpr std::size_t DEEPEST = 500;   ///< brackets, nodes below nodes
+constexpr double MOST_NODES = 100'000; ///< copies included; the importer takes 2 kB for each
 // As much as a mesh may have; the importer copies what primitives share.
 constexpr std::uint64_t MOST_VERTICES = std::uint64_t{1} << 24,
                         MOST_INDICES = std::uint64_t{1} << 26,
-                        MOST_BYTES = std::uint64_t{1} << 30; ///< of the file, buffers, pictures
+                        MOST_BYTES = std::uint64_t{1} << 30, ///< of the file, buffers, pictures
+    MOST_TEXT = std::uint64_t{1} << 28;                      ///< with what is packed into it
 
 constexpr std::uint64_t FLOAT = 5126;
 
@@ -51,6 +52,10 @@ std::string readText(const std::string& path, std::string& why) {
             return {};
         }
         size = length;
+    }
+    if (size > MOST_TEXT) {
+        why = "a text of more than 256 MiB is not read: export it as .glb";
+        return {};
     }
     std::string text(size, '\0');
     file.seekg(static_cast<std::streamoff>(begin));
@@ -94,7 +99,9 @@ std::string whyUnfitTree(const GltfDocument& document) {
     double all = 0;
     for (const std::uint64_t root : document.roots)
         if (root < total.size()) all += total[root];
-    return all > MOST_NODES ? "nodes that share their children make more than a million" : "";
+    return all > MOST_NODES ? "it has more than 100000 nodes, those that are shared counted each "
+                              "time: export fewer, or in parts"
+                            : "";
 }
 
 // ------------------------------------------------------------------ what is needed to read it
@@ -218,12 +225,11 @@ std::string whyUnfitTriangles(const GltfDocument& document) {
 
 } // namespace
 
-std::string whyUnfit(const std::string& path) {
+std::string whyUnfitGltf(const std::string& path) {
     std::string why;
     const std::string text = readText(path, why);
     GltfDocument document;
-    if (why.empty() && !readGltf(text, DEEPEST, document))
-        why = "brackets are nested more than " + std::to_string(DEEPEST) + " deep";
+    if (why.empty()) why = readGltf(text, DEEPEST, document);
     for (const auto check : {whyUnfitTree, whyUnfitExtensions, whyUnfitRanges, whyUnfitTriangles})
         if (why.empty()) why = check(document);
     return why;

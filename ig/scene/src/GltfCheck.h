@@ -10,6 +10,6 @@ namespace ig {
 /// the file only claims to hold, trusts some of the file's ranges, and passes over compression and
 /// kinds of numbers that it doesn't know. "" for a good file, and for a damaged one, about which
 /// the importer has more to say.
-std::string whyUnfit(const std::string& path);
+std::string whyUnfitGltf(const std::string& path);
 
 } // namespace ig

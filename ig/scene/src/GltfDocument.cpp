@@ -10,20 +10,29 @@ namespace ig {
 
 namespace {
 
+// The importer takes some 2 kB for the smallest thing in braces, and 16 bytes for any value.
+constexpr std::size_t MOST_THINGS = std::size_t{1} << 18, MOST_VALUES = std::size_t{1} << 23;
+
 /// Walks over the text and hands on what it meets by the keys that lead there. No recursion, and no
 /// tree of its own: the text may be hostile.
 class Walk {
 public:
     Walk(std::string_view text, GltfDocument& document) : m_text(text), m_document(document) {}
 
-    /// False when brackets are nested too deep.
-    bool run(std::size_t deepest) {
+    std::string run(std::size_t deepest) {
+        std::size_t things = 0, values = 0;
         for (; m_at < m_text.size(); m_at++) {
             const char c = m_text[m_at];
+            things += c == '{';
+            values += c == ',' || c == '[';
+            if (things > MOST_THINGS || values > MOST_VALUES)
+                return "it lists more than " + std::to_string(MOST_THINGS) + " things or " +
+                       std::to_string(MOST_VALUES) + " values: export fewer, or in parts";
             if (c == '"') {
                 takeText(readString());
             } else if (c == '{' || c == '[') {
-                if (m_path.size() >= deepest) return false;
+                if (m_path.size() >= deepest)
+                    return "brackets are nested more than " + std::to_string(deepest) + " deep";
                 open(c == '[');
             } else if (c == '}' || c == ']') {
                 if (!m_path.empty()) m_path.pop_back();
@@ -34,7 +43,7 @@ public:
                 takeNumber(readNumber());
             }
         }
-        return true;
+        return {};
     }
 
 private:
@@ -149,7 +158,7 @@ private:
 
 } // namespace
 
-bool readGltf(std::string_view text, std::size_t deepest, GltfDocument& document) {
+std::string readGltf(std::string_view text, std::size_t deepest, GltfDocument& document) {
     return Walk(text, document).run(deepest);
 }
 

@@ -39,8 +39,9 @@ struct GltfDocument {
     std::vector<std::uint64_t> roots;                 ///< of all scenes
 };
 
-/// Reads a document. False when brackets are nested deeper than that. Whether the text is well
-/// formed else is the importer's business.
-bool readGltf(std::string_view text, std::size_t deepest, GltfDocument& document);
+/// Reads a document. Why it can't be, when brackets are nested deeper than that, or there are more
+/// values than any model has; else "". Whether the text is well formed else is the importer's
+/// business.
+std::string readGltf(std::string_view text, std::size_t deepest, GltfDocument& document);
 
 } // namespace ig

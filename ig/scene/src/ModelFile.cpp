@@ -2,6 +2,7 @@
 #include "ModelFile.h"
 
 #include "GltfCheck.h"
+#include "ObjCheck.h"
 #include "ig/base/jLog.h"
 #include "program/InputFile.h"
 
@@ -10,6 +11,9 @@
 #include <assimp/postprocess.h>
 #include <assimp/scene.h>
 
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
 #include <memory>
 #include <set>
 
@@ -17,7 +21,26 @@ namespace ig {
 
 namespace {
 
-bool isGltf(const std::string& path) { return path.ends_with(".gltf") || path.ends_with(".glb"); }
+/// In small letters: some systems' programs write large ones.
+std::string getSuffix(const std::string& path) {
+    std::string suffix = std::filesystem::path(path).extension();
+    std::ranges::transform(suffix, suffix.begin(),
+                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return suffix;
+}
+
+bool isGltf(const std::string& path) {
+    const std::string suffix = getSuffix(path);
+    return suffix == ".gltf" || suffix == ".glb";
+}
+
+/// Why the importer must not see it: other formats have other axes and units, and ways to make it
+/// take all memory.
+std::string whyUnfit(const std::string& path) {
+    if (isGltf(path)) return whyUnfitGltf(path);
+    if (getSuffix(path) == ".obj") return whyUnfitObj(path);
+    return "neither a glTF (.glb, .gltf) nor an OBJ file: export it as .glb";
+}
 
 /// What the importer may open: a model, and what it names, are regular files. Opening a pipe would
 /// wait for its writer.
@@ -51,7 +74,7 @@ const aiScene* import(const std::string& path) {
     if (g_failed.contains(path)) return nullptr;
     g_read++;
     std::string why = program::whyUnreadable(path);
-    if (why.empty() && isGltf(path)) why = whyUnfit(path);
+    if (why.empty()) why = whyUnfit(path);
     if (!why.empty()) return fail(path, why);
     g_last = std::make_unique<Import>();
     g_last->path = path;

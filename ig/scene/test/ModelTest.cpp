@@ -7,6 +7,7 @@
 #include "testkit/TempFolder.h"
 
 #include <cmath>
+#include <filesystem>
 #include <gtest/gtest.h>
 
 using namespace ig;
@@ -158,6 +159,64 @@ TEST_F(Models, LoadAsExportersWriteThem) {
     }
 }
 
+// The same square of 6 m, facing up, as other writers lay it down.
+TEST_F(Models, TheSameSquareComesOutOfEveryLayout) {
+    const auto number = [](const char* text, int accessor) {
+        return text + std::to_string(accessor);
+    };
+    const std::string card = R"("nodes":[{"mesh":0}])";
+    GltfWriter w;
+    const std::string places =
+        number(R"("attributes":{"POSITION":)",
+               w.addNumbers<float>({-3, 0, 3, 3, 0, 3, 3, 0, -3, -3, 0, -3}, 3));
+    const std::string loose = number(
+        R"("attributes":{"POSITION":)",
+        w.addNumbers<float>({-3, 0, 3, 3, 0, 3, 3, 0, -3, -3, 0, 3, 3, 0, -3, -3, 0, -3}, 3));
+    const std::string standing =
+        number(R"("attributes":{"POSITION":)", // in the file's XY plane, twice as small
+               w.addNumbers<float>({-1.5, -1.5, 0, 1.5, -1.5, 0, 1.5, 1.5, 0, -1.5, 1.5, 0}, 3));
+    const std::string list =
+        number("},\"indices\":", w.addNumbers<std::uint32_t>({0, 1, 2, 0, 2, 3}, 1));
+    const std::string bytes =
+        number("},\"indices\":", w.addNumbers<std::uint8_t>({0, 1, 2, 0, 2, 3}, 1));
+    const std::string strip =
+        number("},\"mode\":5,\"indices\":", w.addNumbers<std::uint16_t>({0, 1, 3, 2}, 1));
+    const std::string fan =
+        number("},\"mode\":6,\"indices\":", w.addNumbers<std::uint16_t>({0, 1, 2, 3}, 1));
+    const std::string woven = w.addWoven(
+        {{-3, 0, 3, 0, 1, 0}, {3, 0, 3, 0, 1, 0}, {3, 0, -3, 0, 1, 0}, {-3, 0, -3, 0, 1, 0}});
+    const std::string turned =
+        R"("nodes":[{"children":[1],"scale":[2,2,2]},)"
+        R"({"mesh":0,"rotation":[-0.70710678,0,0,0.70710678],"translation":[0,7,0]}])";
+    const struct {
+        const char* file;
+        std::string primitive, nodes;
+        double altitude = 0;
+    } models[] = {{"loose.glb", loose + "}", card},    {"LONG.GLB", places + list, card},
+                  {"short.glb", places + bytes, card}, {"strip.glb", places + strip, card},
+                  {"fan.glb", places + fan, card},     {"woven.glb", woven + list, card},
+                  {"快艇 1.glb", places + list, card}, {"turned.glb", standing + list, turned, 14}};
+    for (const auto& model : models) {
+        folder.write(
+            model.file,
+            w.makeBinary(R"("scene":0,"scenes":[{"nodes":[0]}],"meshes":[{"primitives":[{)" +
+                         model.primitive + "}]}]," + model.nodes));
+        const Mesh::Surface* square = load(model.file);
+        ASSERT_TRUE(square) << model.file;
+        double area = 0; // as seen from above, what faces down taken off
+        for (std::size_t i = 0; i < square->indices.size(); i += 3) {
+            const auto corner = [&](std::size_t k) {
+                return square->positions[square->indices[i + k]];
+            };
+            area += cross(corner(1) - corner(0), corner(2) - corner(0)).z / 2;
+            EXPECT_NEAR(corner(0).z, model.altitude, 1e-5) << model.file;
+        }
+        EXPECT_NEAR(area, 36, 1e-4) << model.file;
+        for (const vec3& normal : square->normals)
+            EXPECT_GT(normal.z, 0.999) << model.file;
+    }
+}
+
 TEST_F(Models, WhatCantBeReadIsRefusedInOneMessageWithTheRemedy) {
     GltfWriter writer;
     const std::string card = writer.addCard();
@@ -203,6 +262,51 @@ TEST_F(Models, WhatCantBeReadIsRefusedInOneMessageWithTheRemedy) {
         EXPECT_TRUE(log.lines[0].find(why) != std::string::npos &&
                     log.lines[0].find(name) != std::string::npos)
             << why << ": " << log.lines[0];
+    }
+}
+
+TEST_F(Models, FilesMadeToExhaustTheMachineAreRefusedBeforeTheyAreRead) {
+    GltfWriter writer;
+    const std::string card = writer.addCard();
+    const auto repeat = [](const std::string& text, int times) {
+        std::string all;
+        for (int i = 0; i < times; i++)
+            all += text;
+        return all;
+    };
+    const auto within = [&](const std::string& nodes, const std::string& more = "") {
+        return writer.makeBinary(
+            R"("scene":0,"scenes":[{"nodes":[0]}],"meshes":[{"primitives":[{)" + card +
+            R"(}]}],"nodes":[{"mesh":0)" + nodes + "]" + more);
+    };
+    const std::string corners = "v 0 0 0\nv 1 0 0\nv 0 1 0\n";
+    const struct {
+        const char *file, *why;
+        std::string bytes;
+        std::uintmax_t size = 0; ///< of a file that goes on with nothing
+    } bombs[] = {
+        {"head.glb", "is cut off",
+         "glTF\2" + std::string(3, '\0') + std::string(8, '\xFF') + "JSON{}  "},
+        {"circle.glb", "is below itself", within(R"(,"children":[1]},{"children":[0]})")},
+        {"tree.glb", "more than 100000 nodes",
+         within(R"(,"children":[1]},{"children":[)" + repeat("2,", 100'000) + "2]},{}")},
+        {"nodes.glb", "things", within("}" + repeat(",{}", 1'000'000))},
+        {"moves.glb", "things", within("}", R"(,"animations":[{})" + repeat(",{}", 300'000) + "]")},
+        {"values.glb", "values", within("}", R"(,"extras":[0)" + repeat(",0", 9'000'000) + "]")},
+        {"deep.gltf", "nested more than 500", repeat(R"({"a":)", 100'000)},
+        {"text.gltf", "export it as .glb", "{", 300 << 20},
+        {"large.glb", "more than 1 GiB", "glTF", std::uintmax_t{2} << 30},
+        {"faces.obj", "faces is not read", corners + repeat("f 1 2 3\n", 4'200'000)},
+        {"corners.obj", "corners is not read", corners + "f" + repeat(" 1 2 \\\n3", 400) + "\n"},
+        {"large.OBJ", "as .glb", corners, 300 << 20},
+        {"model.fbx", "neither a glTF", "; "}};
+    for (const auto& bomb : bombs) {
+        folder.write(bomb.file, bomb.bytes);
+        if (bomb.size > 0) std::filesystem::resize_file(folder.path() / bomb.file, bomb.size);
+        log.lines.clear();
+        EXPECT_EQ(Mesh::get(bomb.file), nullptr) << bomb.file;
+        ASSERT_EQ(log.lines.size(), 1U) << bomb.file;
+        EXPECT_NE(log.lines[0].find(bomb.why), std::string::npos) << log.lines[0];
     }
 }
 

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 /// Puts a glTF file together as exporters do: data goes into one buffer, and the rest of the
@@ -21,7 +23,8 @@ public:
     /// Vectors of 2 to 4 numbers, or single ones. Returns the number of the accessor.
     template <class T>
     int addNumbers(const std::vector<T>& values, unsigned components, const char* more = "") {
-        constexpr int TYPE = sizeof(T) == 1 ? 5121 : sizeof(T) == 2 ? 5123 : 5126;
+        constexpr bool whole = std::is_integral_v<T>;
+        constexpr int TYPE = sizeof(T) == 1 ? 5121 : sizeof(T) == 2 ? 5123 : whole ? 5125 : 5126;
         constexpr const char* KINDS[] = {"", "SCALAR", "VEC2", "VEC3", "VEC4"};
         std::string bytes(values.size() * sizeof(T), '\0');
         std::memcpy(bytes.data(), values.data(), bytes.size());
@@ -43,6 +46,22 @@ public:
         card += number(R"(,"NORMAL":)", addNumbers<float>({0, 1, 0, 0, 1, 0, 0, 1, 0, 0, 1, 0}, 3));
         card += number(R"(,"TEXCOORD_0":)", addNumbers<float>({0, 1, 1, 1, 1, 0, 0, 0}, 2)) + more;
         return card + number(R"(},"indices":)", addNumbers<std::uint16_t>({0, 1, 2, 0, 2, 3}, 1));
+    }
+
+    /// Places and normals that lie in turns, six numbers for a corner: `"attributes":{...`, to be
+    /// closed.
+    std::string addWoven(const std::vector<std::array<float, 6>>& corners) {
+        std::string bytes(corners.size() * sizeof corners[0], '\0');
+        std::memcpy(bytes.data(), corners.data(), bytes.size());
+        const std::string view = std::to_string(addBytes(bytes));
+        m_views.insert(m_views.size() - 1, R"(,"byteStride":24)");
+        for (const char* begin : {"0", "12"})
+            add(m_accessors, R"({"bufferView":)" + view + R"(,"byteOffset":)" + begin +
+                                 R"(,"componentType":5126,"type":"VEC3","count":)" +
+                                 std::to_string(corners.size()) + "}");
+        m_num_accessors += 2;
+        return R"("attributes":{"POSITION":)" + std::to_string(m_num_accessors - 2) +
+               R"(,"NORMAL":)" + std::to_string(m_num_accessors - 1);
     }
 
     const std::string& getBinary() const { return m_binary; }
