@@ -88,7 +88,9 @@ bool HeightStage::make(int step, std::string& failure) {
 bool HeightStage::close(std::string& failure) {
     for (std::size_t grid = 0; grid < m_fields.size(); grid++) {
         const HeightHeader header = HeightHeader::of(m_fields[grid]->getGrid());
-        PlacedFile file(getPath(m_folder, grid));
+        const std::string path = getPath(m_folder, grid);
+        if (PlacedFile::isFinished(path)) continue; // by an earlier run
+        PlacedFile file(path);
         if (!file.write(&header, sizeof header, 0, failure) || !file.finish(header.size, failure))
             return false;
     }

@@ -112,7 +112,7 @@ void LandRaster::tellUnknown(const jString& path) const {
         }
         text += (text.empty() ? "" : ", ") + std::to_string(value);
     }
-    jLog::warning("ObjectTerrain::load: \"%s\" has values of no class: %s (the ground looks there "
+    jLog::warning("LandRaster::read: \"%s\" has values of no class: %s (the ground looks there "
                   "as without a land cover; \"classes\" may name them)",
                   path.c_str(), text.c_str());
 }

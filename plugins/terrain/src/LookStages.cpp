@@ -100,6 +100,7 @@ bool LandStage::make(int step, std::string& failure) {
 
 bool LandStage::close(std::string& failure) {
     m_raster.tellUnknown(m_source.raster);
+    if (PlacedFile::isFinished(m_path)) return true; // by an earlier run
     PlacedFile file(m_path);
     return file.write(&m_header, sizeof m_header, 0, failure) &&
            file.finish(m_header.getSize(), failure);

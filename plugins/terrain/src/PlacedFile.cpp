@@ -43,9 +43,15 @@ bool PlacedFile::finish(std::uint64_t size, std::string& failure) {
 
 std::uint64_t PlacedFile::getSize(const std::string& path) {
     std::error_code error;
-    const std::uintmax_t size =
-        std::filesystem::file_size(program::OutputFile::partPath(path), error);
+    const std::uintmax_t size = std::filesystem::file_size(
+        isFinished(path) ? path : program::OutputFile::partPath(path), error);
     return error ? 0 : size;
+}
+
+bool PlacedFile::isFinished(const std::string& path) {
+    std::error_code error;
+    return std::filesystem::exists(path, error) &&
+           !std::filesystem::exists(program::OutputFile::partPath(path), error);
 }
 
 bool PlacedFile::tell(std::string& failure) const {

@@ -21,8 +21,10 @@ public:
     /// The file ends there, and is put in its place.
     bool finish(std::uint64_t size, std::string& failure);
 
-    /// Of the part at that path, bytes; 0 when there is none.
+    /// Of what has been written for that path, whole or not, bytes; 0 when nothing has.
     static std::uint64_t getSize(const std::string& path);
+    /// It is in its place.
+    static bool isFinished(const std::string& path);
 
 private:
     bool tell(std::string& failure) const;

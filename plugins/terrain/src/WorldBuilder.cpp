@@ -53,8 +53,10 @@ public:
         read << std::ifstream(m_path).rdbuf();
         const std::string text = read.str();
         const std::string head = fingerprint + "steps:\n";
-        if (!text.starts_with(head)) // of other sources: all begins anew
+        if (!text.starts_with(head)) { // of other sources
+            m_begins_anew = true;
             return ftruncate(m_number, 0) == 0 ? append(head, failure) : tell(failure);
+        }
         std::size_t begin = head.size();
         for (std::size_t end; (end = text.find('\n', begin)) != text.npos; begin = end + 1)
             m_done.insert(text.substr(begin, end - begin));
@@ -62,6 +64,8 @@ public:
         // The last line is half a one.
         return ftruncate(m_number, static_cast<off_t>(begin)) == 0 || tell(failure);
     }
+    /// There are none of an earlier run with the same sources.
+    bool beginsAnew() const { return m_begins_anew; }
     bool isDone(const BuildStage& stage, int step) const {
         return m_done.contains(getLine(stage, step));
     }
@@ -88,6 +92,7 @@ private:
 
     std::string m_path;
     int m_number = -1;
+    bool m_begins_anew = false;
     std::set<std::string> m_done;
 };
 
@@ -120,6 +125,7 @@ WorldBuilder::Result WorldBuilder::build(const Tell& tell, std::string& failure)
         return Result::up_to_date;
     Notes notes(m_folder + NOTES);
     if (!notes.open(fingerprint.toYaml(), failure)) return Result::failed;
+    if (notes.beginsAnew()) clear();
     m_notes = &notes;
     Result result = Result::built;
     for (std::size_t i = 0; i < m_stages.size() && result == Result::built; i++) {
@@ -150,6 +156,21 @@ bool WorldBuilder::prepareFolder(std::string& failure) const {
         return false;
     }
     return true;
+}
+
+/// What was made of other sources goes, its description first: until the new one is whole there is
+/// no built world.
+void WorldBuilder::clear() const {
+    std::error_code ignored;
+    std::filesystem::remove(m_folder + DESCRIPTION, ignored);
+    std::vector<std::filesystem::path> made;
+    for (const auto& entry : std::filesystem::directory_iterator(m_folder, ignored)) {
+        const std::string name = entry.path().filename().string();
+        if (name == "imagery" || name.starts_with("heights_") || name.starts_with("land_cover."))
+            made.push_back(entry.path());
+    }
+    for (const std::filesystem::path& path : made)
+        std::filesystem::remove_all(path, ignored);
 }
 
 WorldBuilder::Result WorldBuilder::runStage(BuildStage& stage, const Tell& tell,

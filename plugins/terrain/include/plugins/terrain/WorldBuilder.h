@@ -12,8 +12,8 @@ namespace ig {
 /// Makes a built world: a folder that holds a terrain's sources in the form in which flying reads
 /// them, a piece at a time. A run that was stopped, or killed, is taken up again by the next one
 /// with the same sources: what it has finished stands in `building.txt` in the folder. The last
-/// file is `terrain.yaml`, which says what the world was made of; a world that is in use goes on
-/// with the files that it has opened.
+/// file is `terrain.yaml`, which says what the world was made of. A world that is flown over must
+/// not be built: its tiles are read when they are wanted.
 class WorldBuilder {
 public:
     enum class Result {
@@ -35,6 +35,7 @@ public:
 
 private:
     bool prepareFolder(std::string& failure) const;
+    void clear() const;
     Result runStage(BuildStage& stage, const Tell& tell, std::string& failure);
     bool describe(const std::string& fingerprint, std::string& failure) const;
 
