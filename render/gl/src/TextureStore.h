@@ -22,7 +22,7 @@ private:
     void fill(gl::Texture& texture, const jString& path, Use use);
 
     std::map<jString, gl::Texture> m_textures[3]; ///< by use
-    std::uint64_t m_bytes = 0; ///< on the device, mip levels too
+    std::uint64_t m_bytes = 0;                    ///< on the device, mip levels too
 };
 
 } // namespace ig

@@ -12,11 +12,11 @@
 /// How a frame kept time. Seconds on the clock of the link.
 struct FrameTiming {
     double begin = 0;
-    double handed_over = 0;  ///< its picture, to display or file; without pictures: its end
-    double work = 0;         ///< that it took
-    double period = 0;       ///< asked for from beginning to beginning; 0: as fast as possible
-    double refresh_rate = 0; ///< of the display that sets the pace, 1/s; 0: none does
-    bool late = false;       ///< it began, or was shown, too late
+    double handed_over = 0;    ///< its picture, to display or file; without pictures: its end
+    double work = 0;           ///< that it took
+    double period = 0;         ///< asked for from beginning to beginning; 0: as fast as possible
+    double refresh_rate = 0;   ///< of the display that sets the pace, 1/s; 0: none does
+    bool late = false;         ///< it began, or was shown, too late
     std::uint64_t records = 0; ///< received until then
     double last_record = 0;    ///< when the newest of them came
     bool silent = false;       ///< none comes any more
