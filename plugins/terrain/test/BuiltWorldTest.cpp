@@ -2,6 +2,8 @@
 
 // Built worlds: the folder that a builder fills, and the ground that is read from it.
 
+#include "BuiltGround.h"
+#include "GroundEyes.h"
 #include "HeightField.h"
 #include "HeightFile.h"
 #include "RasterFiles.h"
@@ -210,6 +212,64 @@ TEST_F(BuiltWorldTest, LooksAreTakenUpAgainAndAreThoseOfTheSources) {
     std::filesystem::remove(folder.path() / "built/imagery/index");
     EXPECT_NE(tellLoad().find("no land cover: "), std::string::npos) << tellLoad();
     EXPECT_NE(tellLoad().find("no imagery: "), std::string::npos) << tellLoad();
+}
+
+/// A page a row. What is asked is 512 rows from other ends: as much may be mapped at once.
+TEST_F(BuiltWorldTest, StaysInMemoryNearEyesAlone) {
+    constexpr int WIDTH = 1024, ALL_ROWS = 8000;
+    sources.rasters = {folder.writeRaster(
+        RasterFile::degrees(WIDTH, ALL_ROWS, 10, 44, 1e-4, [](int i, int j) { return i + j; }))};
+    ASSERT_EQ(build(), Result::built) << failure;
+    const HeightStack ground(openBuiltGround(sources, failure));
+    const TerrainGrid& grid = ground.getGrids().front();
+    const auto read = [&] { return std::vector(grid.heights, grid.heights + WIDTH * ALL_ROWS); };
+    const auto is_there = [&](int row) { // mapped: what isn't may still be known to the system
+        std::ifstream pages;
+        pages.rdbuf()->pubsetbuf(nullptr, 0); // whole entries alone can be read
+        pages.open("/proc/self/pagemap", std::ios::binary);
+        std::uint64_t entry = 0;
+        pages.seekg(static_cast<std::streamoff>(
+            reinterpret_cast<std::uintptr_t>(grid.heights + WIDTH * row) / 4096 * sizeof entry));
+        pages.read(reinterpret_cast<char*>(&entry), sizeof entry);
+        return (entry >> 63) != 0;
+    };
+    const auto look = [](GroundEyes& eyes, int row) { eyes.lookFrom(10.05, 44 - row * 1e-4); };
+    const std::vector<float> before = read();
+    GroundEyes eyes; // of two views in turn: both stay
+    for (const int row : {6000, 1500, 6002, 1500})
+        look(eyes, row);
+    eyes.release(ground);
+    for (const int row : {1100, 1500, 1900, 5600, 6000, 6400})
+        EXPECT_TRUE(is_there(row)) << row;
+    for (const int row : {3750, 7900})
+        EXPECT_FALSE(is_there(row)) << row;
+    EXPECT_TRUE(read() == before);
+    for (int period = 0; period < 8; period++) { // one of them ends
+        look(eyes, 1500);
+        eyes.endPeriod();
+    }
+    look(eyes, 1500);
+    eyes.release(ground);
+    EXPECT_TRUE(is_there(1500));
+    EXPECT_FALSE(is_there(6000));
+
+    GroundEyes flying; // north, to 2,000 rows from here in ten seconds
+    for (int row = 4000; row >= 3950; row -= 2)
+        look(flying, row);
+    GroundEyes().release(ground);
+    flying.fetch(ground);
+    for (const int row : {1650, 1950, 2250, 3800, 3950, 4100})
+        EXPECT_TRUE(is_there(row)) << row;
+    EXPECT_FALSE(is_there(2950));
+    GroundEyes jumping; // leads nowhere
+    look(jumping, 6000);
+    jumping.endPeriod();
+    look(jumping, 5940);
+    GroundEyes().release(ground);
+    jumping.fetch(ground);
+    EXPECT_TRUE(is_there(5940));
+    EXPECT_FALSE(is_there(3540));
+    EXPECT_TRUE(read() == before);
 }
 
 TEST_F(BuiltWorldTest, SaysWhenItsSourcesHaveChanged) {
