@@ -35,9 +35,9 @@ void RadarLand::fill(const TerrainGrid& grid) {
     m_columns = std::max((grid.columns + m_step - 1) / m_step, 1);
     m_rows = std::max((grid.rows + m_step - 1) / m_step, 1);
     std::vector<std::uint8_t> bytes(4 * static_cast<std::size_t>(m_columns) * m_rows);
-    const auto height = [&grid](int column, int row) {
+    const auto height = [&grid, this](int column, int row) {
         const float h = grid.getHeight(std::clamp(column, 0, grid.columns - 1),
-                                       std::clamp(row, 0, grid.rows - 1));
+                                       std::clamp(row, 0, grid.rows - 1), m_step);
         return TerrainGrid::isHole(h) ? SEA_BED : std::max(h, SEA_BED);
     };
     std::uint8_t* out = bytes.data();

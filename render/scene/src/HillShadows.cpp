@@ -17,16 +17,21 @@ constexpr double STEEPEST = 0.8;    // sine of a light's height above which hill
 constexpr float LEAST_SOFTNESS = 3; // m
 constexpr float LEAST_SHADOW = 2;   // m above the ground; less is the ground's own roughness
 
-/// Altitude of the ground, bilinear; `NONE` beyond the grid, in holes, and below the sea.
-float heightAt(const TerrainGrid& grid, double column, double row) {
+/// Altitude of the ground, bilinear between every `step`th sample; `NONE` beyond the grid, in
+/// holes, and below the sea.
+float heightAt(const TerrainGrid& grid, double column, double row, int step) {
     if (!(column >= 0 && row >= 0 && column <= grid.columns - 1 && row <= grid.rows - 1))
         return HillShadows::NONE;
-    const int c = std::min(static_cast<int>(column), grid.columns - 2);
-    const int r = std::min(static_cast<int>(row), grid.rows - 2);
-    const auto u = static_cast<float>(column - c), v = static_cast<float>(row - r);
-    const float north = std::lerp(grid.getHeight(c, r), grid.getHeight(c + 1, r), u);
-    const float south = std::lerp(grid.getHeight(c, r + 1), grid.getHeight(c + 1, r + 1), u);
-    const float height = std::lerp(north, south, v);
+    const int c = std::min(static_cast<int>(column), grid.columns - 2) / step * step;
+    const int r = std::min(static_cast<int>(row), grid.rows - 2) / step * step;
+    const int east = std::min(c + step, grid.columns - 1);
+    const int south = std::min(r + step, grid.rows - 1);
+    const auto u = static_cast<float>((column - c) / (east - c));
+    const auto v = static_cast<float>((row - r) / (south - r));
+    const float at_north = std::lerp(grid.getHeight(c, r, step), grid.getHeight(east, r, step), u);
+    const float at_south =
+        std::lerp(grid.getHeight(c, south, step), grid.getHeight(east, south, step), u);
+    const float height = std::lerp(at_north, at_south, v);
     return height > 0 ? height : HillShadows::NONE; // holes are not a number
 }
 
@@ -58,6 +63,12 @@ void HillShadows::layOut(const TerrainGrid& grid) {
     m_half = MARGIN / 2 *
              std::max((grid.columns - 1) * grid.spacing_longitude * degree.x,
                       (grid.rows - 1) * grid.spacing_latitude * degree.y);
+    // Samples closer than texels tell nothing, and of a large ground lie far apart.
+    const double sample =
+        std::max(grid.spacing_longitude * degree.x, grid.spacing_latitude * degree.y);
+    int step = 1;
+    while (2 * step * sample <= 2 * m_half / SIZE)
+        step *= 2;
     struct Node {
         double column, row, drop; ///< of the earth below the plane, m
     };
@@ -81,7 +92,7 @@ void HillShadows::layOut(const TerrainGrid& grid) {
                 return std::lerp(std::lerp(n[0].*value, n[1].*value, a),
                                  std::lerp(n[NODES].*value, n[NODES + 1].*value, a), b);
             };
-            const float height = heightAt(grid, mean(&Node::column), mean(&Node::row));
+            const float height = heightAt(grid, mean(&Node::column), mean(&Node::row), step);
             if (height > 0)
                 m_ground[static_cast<std::size_t>(j * SIZE + i)] =
                     height - static_cast<float>(mean(&Node::drop));

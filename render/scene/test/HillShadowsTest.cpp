@@ -77,6 +77,27 @@ TEST_F(HillShadowsOf, ReachAsFarAsTheLightIsLow) {
         HEIGHT - 1820 / std::sin(60 * DEG_TO_RAD<double>) * std::tan(6 * DEG_TO_RAD<double>), 15);
 }
 
+// Of a large ground, which lies in a file, the samples that lie close to each other are read: here
+// only those have the ridge.
+TEST_F(HillShadowsOf, ReadNoMoreOfALargeGroundThanTheyShow) {
+    struct Ridge final : TerrainOverview {
+        HeightRange getSquareRange(int, int, int) const override { return {2, HEIGHT}; }
+        float getHeight(int column, int, int step) const override {
+            return step > 1 && column >= 196 * 4 && column <= 203 * 4 ? HEIGHT : 2;
+        }
+    };
+    makeRidge(true);
+    const Ridge ridge;
+    const std::vector<float> flat(std::size_t{EDGE} * EDGE * 16, 2);
+    grid = {4 * EDGE, 4 * EDGE, -155, 20, 0.00012, 0.0001125};
+    grid.heights = flat.data();
+    grid.overview = &ridge;
+    ASSERT_TRUE(shine(90, 6));
+    for (const double range : {600.0, 2000.0, 3500.0})
+        EXPECT_NEAR(above(-range, 0), HEIGHT - (range - 180) * std::tan(6 * DEG_TO_RAD<double>),
+                    12);
+}
+
 TEST_F(HillShadowsOf, AreNoneWhenTheLightIsHigh) {
     makeRidge(true);
     ASSERT_TRUE(shine(90, 6));
