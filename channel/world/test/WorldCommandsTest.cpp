@@ -8,9 +8,15 @@
 
 #include <CLI/CLI.hpp>
 #include <cmath>
+#include <csignal>
+#include <fcntl.h>
+#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -27,17 +33,42 @@ struct WorldCommandsTest : testing::Test {
                  << (i % SIZE == SIZE - 1 ? '\n' : ' ');
         return folder.write("island.asc", grid.str()).c_str();
     }
-    /// The exit status of `visual_channel world` with these words; `printed` is what it prints, and
-    /// the log's lines with it.
-    int run(const std::string& words) {
+    static int call(const std::string& words) {
         CLI::App app;
         world_commands::Command command;
         world_commands::add(app, command);
         app.parse("world " + words);
+        return command({"", "", "Logic_Nerith_Heli_Final.so", {}});
+    }
+    /// The signal that ends these words' process when it writes more than this into a file; 0:
+    /// none.
+    static int runWithin(rlim_t bytes, const std::string& words) {
+        const pid_t child = fork();
+        if (child == 0) {
+            const rlimit size{bytes, bytes}, none{0, 0};
+            setrlimit(RLIMIT_CORE, &none);
+            setrlimit(RLIMIT_FSIZE, &size);
+            const LogCapture log;
+            const int nowhere = open("/dev/null", O_WRONLY);
+            dup2(nowhere, STDOUT_FILENO);
+            _exit(call(words));
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        return WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+    }
+    std::string read(const std::string& path) const {
+        std::ostringstream text;
+        text << std::ifstream(folder.path() / path, std::ios::binary).rdbuf();
+        return text.str();
+    }
+    /// The exit status of `visual_channel world` with these words; `printed` is what it prints, and
+    /// the log's lines with it.
+    int run(const std::string& words) {
         LogCapture log;
         testing::internal::CaptureStdout();
         testing::internal::CaptureStderr();
-        const int status = command({"", "", "Logic_Nerith_Heli_Final.so", {}});
+        const int status = call(words);
         printed = testing::internal::GetCapturedStdout() + testing::internal::GetCapturedStderr();
         for (const std::string& line : log.lines)
             printed += line + '\n';
@@ -101,6 +132,31 @@ TEST_F(WorldCommandsTest, TheCheckNamesWhatAFlightWouldDoWithout) {
           world + ':' + std::to_string(lines + 1) + ": \"tug\" falls"})
         EXPECT_TRUE(has(part)) << part << " is missing in\n" << printed;
     EXPECT_FALSE(has("\ncannot open")) << printed; // without a place
+}
+
+TEST_F(WorldCommandsTest, ABuildThatWasKilledGoesOnAndSpoilsNoOtherFolder) {
+    const std::string place = folder.file("bay").c_str(), to = "build " + place + " --into ";
+    ASSERT_EQ(run("new " + place + " --lon 12 --lat 60 --raster " + makeIsland(12, 60)), 0);
+    EXPECT_EQ(run("build " + place), 1);
+    EXPECT_TRUE(has("names no folder to build into")) << printed;
+    const std::string whole = folder.file("whole").c_str(), ended = folder.file("ended").c_str();
+    ASSERT_EQ(run(to + whole), 0) << printed;
+    EXPECT_TRUE(has("heights: 100 %") && has("built into")) << printed;
+    const std::size_t size = read("whole/heights_0.f32").size();
+    ASSERT_EQ(runWithin(size / 2, to + ended), SIGXFSZ);
+    EXPECT_FALSE(std::filesystem::exists(ended + "/heights_0.f32"));
+    EXPECT_GT(read("ended/heights_0.part.f32").size(), 4096u);
+    ASSERT_EQ(run(to + ended), 0) << printed;
+    EXPECT_TRUE(read("ended/heights_0.f32") == read("whole/heights_0.f32"));
+    EXPECT_EQ(run(to + ended), 0);
+    EXPECT_TRUE(has("up to date")) << printed;
+    const auto count = [&] { // of what lies in the world's own folder
+        return std::distance(std::filesystem::directory_iterator(place), {});
+    };
+    const auto before = count();
+    EXPECT_EQ(run(to + place), 1);
+    EXPECT_TRUE(has("holds other things than a built world")) << printed;
+    EXPECT_EQ(count(), before);
 }
 
 TEST_F(WorldCommandsTest, WhereNoPadCanStandTheNearestLandIsNamed) {
