@@ -6,6 +6,7 @@
 #include "ig/scene/Camera.h"
 #include "plugins/terrain/TerrainGrid.h"
 
+#include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <vector>
@@ -77,21 +78,24 @@ TEST_F(HillShadowsOf, ReachAsFarAsTheLightIsLow) {
         HEIGHT - 1820 / std::sin(60 * DEG_TO_RAD<double>) * std::tan(6 * DEG_TO_RAD<double>), 15);
 }
 
-// Of a large ground, which lies in a file, the samples that lie close to each other are read: here
-// only those have the ridge.
+// Of a large ground, which lies in a file, samples that lie close to each other are read: here only
+// those, of every eighth, have the ridge.
 TEST_F(HillShadowsOf, ReadNoMoreOfALargeGroundThanTheyShow) {
     struct Ridge final : TerrainOverview {
         HeightRange getSquareRange(int, int, int) const override { return {2, HEIGHT}; }
         float getHeight(int column, int, int step) const override {
-            return step > 1 && column >= 196 * 4 && column <= 203 * 4 ? HEIGHT : 2;
+            const int beyond = std::max({196 * 16 - column, column - 203 * 16, 0});
+            return step == 8 ? std::max(HEIGHT - 12 * static_cast<float>(beyond), 2.0f) : 2;
         }
     };
-    makeRidge(true);
     const Ridge ridge;
-    const std::vector<float> flat(std::size_t{EDGE} * EDGE * 16, 2);
-    grid = {4 * EDGE, 4 * EDGE, -155, 20, 0.00012, 0.0001125};
-    grid.heights = flat.data();
+    heights.assign(std::size_t{EDGE} * 16 * 64, 2);
+    grid = {EDGE * 16, 64, -155, 20, 0.00048 / 16, 0.00045 / 16};
+    grid.heights = heights.data();
     grid.overview = &ridge;
+    Camera camera;
+    camera.setWgsPosition({-155 + 199.5 * 0.00048, 20 - 2 * 0.00045, 0});
+    view = FrameView(camera, 360, true);
     ASSERT_TRUE(shine(90, 6));
     for (const double range : {600.0, 2000.0, 3500.0})
         EXPECT_NEAR(above(-range, 0), HEIGHT - (range - 180) * std::tan(6 * DEG_TO_RAD<double>),
