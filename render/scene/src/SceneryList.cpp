@@ -124,7 +124,7 @@ void SceneryList::follow(const FrameView& view) {
 void SceneryList::addCell(const SceneryCell& cell, const FrameView& view,
                           const ShadowPlace* shadows, SceneList& list) {
     const dvec3 middle = cell.frame * dvec3(cell.middle);
-    if (shadows && shadows->findMaps(middle, cell.radius) & HOUSE_MAPS) addCasters(cell, *shadows);
+    if (shadows) addCasters(cell, *shadows, shadows->findMaps(middle, cell.radius));
     const vec3 in_eye(view.toFrame(middle));
     if (!view.sees(in_eye, cell.radius)) return;
     const float nearest = std::max(length(in_eye) - cell.radius, 0.0f);
@@ -180,19 +180,22 @@ void SceneryList::addCard(const SceneryThing& thing, const vec4& bounds, float p
                      m_ices[thing.kind]});
 }
 
-/// All that may cast, whether in view or not: what the maps show goes by places alone.
-void SceneryList::addCasters(const SceneryCell& cell, const ShadowPlace& shadows) {
+/// All that may cast, whether in view or not: what the maps show goes by places alone. `reached`:
+/// the maps that the cell as a whole comes into.
+void SceneryList::addCasters(const SceneryCell& cell, const ShadowPlace& shadows,
+                             unsigned reached) {
+    if (!(reached & HOUSE_MAPS)) return;
     for (const SceneryThing& thing : cell.things) {
         const SceneryKind& kind = m_scenery->getKinds()[thing.kind];
-        if (kind.getModelHeight() * thing.scale < CASTING) continue;
+        const unsigned wanted = reached & (!kind.is_tree       ? HOUSE_MAPS
+                                           : thing.rank < SOME ? SOME_TREES
+                                                               : NEAR_TREES);
+        if (!wanted || kind.getModelHeight() * thing.scale < CASTING) continue;
         const BoundSphere& own = kind.mesh->getBounds();
         const dvec3 center =
             cell.frame *
             dvec3(thing.place + vec3(0, 0, static_cast<float>(own.center.z) * thing.scale));
         const double radius = own.radius * thing.scale;
-        const unsigned wanted = !kind.is_tree       ? HOUSE_MAPS
-                                : thing.rank < SOME ? SOME_TREES
-                                                    : NEAR_TREES;
         const unsigned maps = shadows.findMaps(center, radius) & wanted;
         if (!maps) continue;
         m_poses.push_back(cell.frame * dmat4(SceneryCell::getPose(thing)));

@@ -55,7 +55,7 @@ private:
     void addMesh(const SceneryThing& thing, const mat4& pose, const vec4& bounds, float distance,
                  SceneList& list);
     void addCard(const SceneryThing& thing, const vec4& bounds, float pixels, float distance);
-    void addCasters(const SceneryCell& cell, const ShadowPlace& shadows);
+    void addCasters(const SceneryCell& cell, const ShadowPlace& shadows, unsigned reached);
 
     const ObjectScenery* m_scenery = nullptr; ///< only to be compared between frames
     SceneryCellId m_at;                       ///< where the eye is
