@@ -14,6 +14,8 @@
 #include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <string>
+#include <vector>
 
 using ig::jLog;
 
@@ -24,7 +26,8 @@ namespace {
 constexpr double STEEP = 6; ///< m of height below the pad that are worth a word
 
 struct Wish {
-    std::string folder, raster, name;
+    std::string folder, name;
+    std::vector<std::string> rasters;
     double longitude = 0, latitude = 0;
 };
 
@@ -78,18 +81,22 @@ int make(const Setup& setup, const Wish& wish) {
     const std::string folder = settlePath(setup, wish.folder);
     const std::string name =
         wish.name.empty() ? std::filesystem::path(folder).filename().string() : wish.name;
-    const std::string raster = settlePath(setup, wish.raster);
+    std::vector<std::string> rasters;
+    for (const std::string& raster : wish.rasters)
+        rasters.push_back(settlePath(setup, raster));
     LogicWorld asked;
     if (!checkName(name) || !asked.read(nameOf(setup.logic))) return 1;
-    const bool archived = raster.starts_with("/vsi");
-    if (const std::string why = archived ? "" : program::whyUnreadable(raster); !why.empty()) {
+    for (const std::string& raster : rasters) {
+        const bool archived = raster.starts_with("/vsi");
+        const std::string why = archived ? "" : program::whyUnreadable(raster);
+        if (why.empty()) continue;
         jLog::error("visual_channel: --raster: cannot open \"%s\": %s", raster.c_str(),
                     why.c_str());
         return 1;
     }
     PlaceGround ground;
-    if (!ground.read(raster, {wish.longitude, wish.latitude})) return 1;
-    PlaceFiles files(ground, name, folder, raster);
+    if (!ground.read(rasters, {wish.longitude, wish.latitude})) return 1;
+    PlaceFiles files(ground, name, folder, rasters);
     if (!files.make(asked.template_folder) || !files.write()) return 1;
     return tell(wish, files, ground, name);
 }
@@ -109,10 +116,12 @@ void addNew(CLI::App& world, Command& command) {
     app->add_option("--lat,--latitude", wish->latitude, "Of the pad's middle, degrees north")
         ->required()
         ->check(CLI::Range(-89.0, 89.0));
-    app->add_option("--raster", wish->raster,
+    app->add_option("--raster", wish->rasters,
                     "Heights of the ground: GeoTIFF, DTED, SRTM or another raster "
-                    "(docs/worlds.md, terrain), which stays where it is")
+                    "(docs/worlds.md, terrain), which stays where it is; may be repeated, from "
+                    "coarse to fine")
         ->required()
+        ->allow_extra_args(false)
         ->type_name("FILE");
     app->add_option("--name", wish->name, "Of the world's file, NAME.world; default: the folder's")
         ->type_name("NAME");

@@ -52,6 +52,14 @@ std::string quote(const std::string& text) {
     return quoted + '"';
 }
 
+/// As a YAML list of texts.
+std::string list(const std::vector<std::string>& texts) {
+    std::string listed;
+    for (const std::string& text : texts)
+        listed += (listed.empty() ? "[" : ", ") + quote(text);
+    return listed + ']';
+}
+
 double number(const std::vector<std::string>& words, std::size_t i) {
     return i < words.size() ? std::strtod(words[i].c_str(), nullptr) : 0;
 }
@@ -59,9 +67,9 @@ double number(const std::vector<std::string>& words, std::size_t i) {
 } // namespace
 
 PlaceFiles::PlaceFiles(const PlaceGround& ground, std::string name, std::string folder,
-                       std::string raster)
+                       std::vector<std::string> rasters)
     : m_ground(ground), m_name(std::move(name)), m_folder(std::move(folder)),
-      m_raster(std::move(raster)), m_pad(ground.getRange(PlaceGround::PAD).x + ABOVE),
+      m_rasters(std::move(rasters)), m_pad(ground.getRange(PlaceGround::PAD).x + ABOVE),
       m_ships(ground.findShips()) {}
 
 bool PlaceFiles::make(const std::string& template_folder) {
@@ -148,8 +156,8 @@ bool PlaceFiles::replace(const std::vector<std::string>& words, std::string& val
         value = m_name;
     else if (key == "folder")
         value = m_folder;
-    else if (key == "raster")
-        value = quote(m_raster);
+    else if (key == "rasters")
+        value = list(m_rasters);
     else if (key == "longitude")
         value = decimal(m_ground.getLongitude(0), 8);
     else if (key == "latitude")

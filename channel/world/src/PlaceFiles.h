@@ -12,7 +12,8 @@ namespace world_commands {
 /// The files of a new place, from those of the template folder, in which ${...} stands for what the
 /// place is:
 ///
-///   ${name}, ${folder}, ${raster}   of the place; the path of its raster in quotes
+///   ${name}, ${folder}              of the place
+///   ${rasters}                      the paths of its rasters, as a list
 ///   ${longitude}, ${latitude}       of the pad's middle, degrees
 ///   ${pad}                          altitude of its top, m
 ///   ${above}                        how far that is above the highest ground below it, m
@@ -25,8 +26,9 @@ namespace world_commands {
 ///                                   the drawn waterline at this latitude
 class PlaceFiles {
 public:
-    /// The ground has been read; folder and raster are as the world file is to name them.
-    PlaceFiles(const PlaceGround& ground, std::string name, std::string folder, std::string raster);
+    /// The ground has been read; folder and rasters are as the world file is to name them.
+    PlaceFiles(const PlaceGround& ground, std::string name, std::string folder,
+               std::vector<std::string> rasters);
 
     /// Makes all files. False, with one log line, when the template makes no sense.
     bool make(const std::string& template_folder);
@@ -45,7 +47,8 @@ private:
     std::string describe(double east, double north, double altitude) const;
 
     const PlaceGround& m_ground;
-    std::string m_name, m_folder, m_raster;
+    std::string m_name, m_folder;
+    std::vector<std::string> m_rasters;
     double m_pad;
     std::vector<ig::dvec2> m_ships;
     std::vector<std::string> m_names;

@@ -34,12 +34,14 @@ void walkRings(double first, Visit visit) {
 
 } // namespace
 
-bool PlaceGround::read(const std::string& raster, const dvec2& place) {
-    if (!m_terrain.load(raster)) return false;
+bool PlaceGround::read(const std::vector<std::string>& rasters, const dvec2& place) {
+    TerrainSources sources;
+    sources.rasters.assign(rasters.begin(), rasters.end());
+    if (!m_terrain.load(sources)) return false;
     m_place = place;
     m_degree = EllipsoidModel().getDegreeLengths(place.y);
     if (isLand({0, 0})) return true;
-    tellNoLand(raster);
+    tellNoLand(rasters.front());
     return false;
 }
 

@@ -17,9 +17,10 @@ public:
     /// Half the edge of the pad, m.
     static constexpr double PAD = 16;
 
-    /// Reads the raster. False, with one log line, when it can't be read, or has no land to stand a
-    /// pad on at that place (degrees), with the nearest that has where there is one.
-    bool read(const std::string& raster, const ig::dvec2& place);
+    /// Reads the rasters, from coarse to fine. False, with one log line, when one can't be read, or
+    /// they have no land to stand a pad on at that place (degrees), with the nearest that has where
+    /// there is one.
+    bool read(const std::vector<std::string>& rasters, const ig::dvec2& place);
 
     double getLongitude(double east) const;
     double getLatitude(double north) const;

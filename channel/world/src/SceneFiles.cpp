@@ -64,7 +64,7 @@ void SceneFiles::readNode(const Package& node) {
     using enum Reference::Kind;
     constexpr std::pair<const char*, Reference::Kind> KEYS[] = {
         {"path", prefab},   {"mesh", mesh},   {"material", material}, {"raster", other},
-        {"rasters", other}, {"geoid", other}, {"imagery", other}};
+        {"rasters", other}, {"geoid", other}, {"imagery", other},     {"built", folder}};
     for (const auto& [key, kind] : KEYS)
         if (const Item* item = node.getItem(key)) {
             if (item->getKind() == Item::Kind::value) addPath(kind, node, *item);

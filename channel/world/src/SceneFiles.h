@@ -21,7 +21,7 @@ struct NodeEntry {
 
 /// A file that another one names.
 struct Reference {
-    enum class Kind { prefab, mesh, material, picture, other };
+    enum class Kind { prefab, mesh, material, picture, folder, other };
     Kind kind;
     std::string path;  ///< of a mesh without its part
     std::string place; ///< PATH:LINE where it is named first

@@ -24,7 +24,10 @@ namespace world_commands {
 namespace {
 
 /// Triangles of one model that a software renderer shows at some frames a second only.
-constexpr std::size_t HEAVY = 1'000'000;
+constexpr std::size_t HEAVY = 2'000'000;
+constexpr int LARGE = 8192; ///< pixels along an edge: what most graphics devices take is 16384
+/// Samples of a ground that is read at every start, which takes seconds and 256 MiB.
+constexpr std::int64_t MANY = std::int64_t{1} << 26;
 constexpr double FAR = 500'000; ///< m from the start that no visual range reaches
 constexpr double SUNK = 0.5;    ///< m below the ground that a node's origin may lie
 
@@ -102,6 +105,10 @@ void WorldCheck::checkFiles(const LogicWorld& asked) {
 void WorldCheck::checkFile(const Reference& file) {
     if (file.path.starts_with("/vsi")) return; // GDAL's, which has opened it
     const std::string quoted = '"' + file.path + '"';
+    if (file.kind == Reference::Kind::folder) { // of which the terrain has told
+        m_findings.locate(quoted, file.place);
+        return;
+    }
     if (const std::string why = program::whyUnreadable(file.path); !why.empty()) {
         const std::filesystem::path path(file.path);
         m_findings.drop("cannot open " + quoted); // without a place
@@ -109,7 +116,11 @@ void WorldCheck::checkFile(const Reference& file) {
                        nearest(path.filename().string(), listFolder(path)));
         return;
     }
-    if (Image image; file.kind == Reference::Kind::picture) readImage(file.path, image);
+    if (Image image; file.kind == Reference::Kind::picture && readImage(file.path, image) &&
+                     std::max(image.width, image.height) > LARGE)
+        m_findings.add(file.place + ": " + quoted + " is heavy: " + std::to_string(image.width) +
+                       " by " + std::to_string(image.height) + " pixels, an edge of more than " +
+                       std::to_string(LARGE));
     std::shared_ptr<const Mesh> mesh;
     if (file.kind == Reference::Kind::mesh)
         mesh = Mesh::get(file.path + (file.part.empty() ? "" : '#' + file.part));
@@ -126,8 +137,23 @@ void WorldCheck::checkFile(const Reference& file) {
 // ------------------------------------------------------------------ places
 
 void WorldCheck::checkPlaces(const std::string& start) {
-    for (const NodeEntry& node : listNodes(m_path))
+    for (const NodeEntry& node : listNodes(m_path)) {
         if (node.map->getItem("wgs")) checkPlace(node, start);
+        if (node.name == "terrain" && node.map->getString("built").empty()) checkGround(node);
+    }
+}
+
+/// That it is small enough to be read at every start.
+void WorldCheck::checkGround(const NodeEntry& node) {
+    std::int64_t samples = 0;
+    if (const ObjectTerrain* terrain = findTerrain(m_world))
+        for (const TerrainGrid& grid : terrain->getGrids())
+            samples += std::int64_t{grid.columns} * grid.rows;
+    if (samples > MANY)
+        m_findings.add(node.place + ": \"" + node.name + "\" is heavy: its rasters' " +
+                       std::to_string(samples) + " samples, more than " + std::to_string(MANY) +
+                       ", are read at every start: give it a folder by \"built\" and run "
+                       "\"visual_channel world build\"");
 }
 
 void WorldCheck::checkPlace(const NodeEntry& node, const std::string& start) {

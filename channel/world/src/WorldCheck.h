@@ -22,9 +22,10 @@ public:
 
     /// Names that the logic looks up: missing, or of another type.
     void checkNames(const LogicWorld& asked);
-    /// Files that are named: missing, unreadable pictures, models that are too heavy.
+    /// Files that are named: missing, unreadable pictures, models and pictures that are too heavy.
     void checkFiles(const LogicWorld& asked);
-    /// Where things stand: under ground, ships on land, far from the start.
+    /// Where things stand: under ground, ships on land, far from the start; a ground that is too
+    /// large to be read at every start.
     void checkPlaces(const std::string& start);
 
 private:
@@ -32,6 +33,7 @@ private:
                    const std::vector<NodeEntry>& nodes);
     void checkFile(const Reference& file);
     void checkPlace(const NodeEntry& node, const std::string& start);
+    void checkGround(const NodeEntry& node);
 
     std::string m_path; ///< of the world's file
     ig::World& m_world;

@@ -5,8 +5,10 @@
 #include "channel/world/WorldCommands.h"
 #include "testkit/LogCapture.h"
 #include "testkit/TempFolder.h"
+#include "testkit/jpegBytes.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cmath>
 #include <csignal>
 #include <fcntl.h>
@@ -22,16 +24,16 @@ namespace {
 
 struct WorldCommandsTest : testing::Test {
     /// A height raster of 0.2 x 0.2 degrees with a round island of 120 m height in its middle.
-    std::string makeIsland(double longitude, double latitude) const {
-        constexpr int SIZE = 200;
+    std::string makeIsland(double longitude, double latitude, int size = 200,
+                           const char* name = "island.asc") const {
         std::ostringstream grid;
         grid.precision(12);
-        grid << "ncols " << SIZE << "\nnrows " << SIZE << "\nxllcorner " << longitude - 0.1
-             << "\nyllcorner " << latitude - 0.1 << "\ncellsize " << 0.2 / SIZE << '\n';
-        for (int i = 0; i < SIZE * SIZE; i++)
-            grid << 120 - 8 * std::hypot(i % SIZE - SIZE / 2, i / SIZE - SIZE / 2)
-                 << (i % SIZE == SIZE - 1 ? '\n' : ' ');
-        return folder.write("island.asc", grid.str()).c_str();
+        grid << "ncols " << size << "\nnrows " << size << "\nxllcorner " << longitude - 0.1
+             << "\nyllcorner " << latitude - 0.1 << "\ncellsize " << 0.2 / size << '\n';
+        for (int i = 0; i < size * size; i++)
+            grid << 120 - 1600 / size * std::hypot(i % size - size / 2, i / size - size / 2)
+                 << (i % size == size - 1 ? '\n' : ' ');
+        return folder.write(name, grid.str()).c_str();
     }
     static int call(const std::string& words) {
         CLI::App app;
@@ -157,6 +159,45 @@ TEST_F(WorldCommandsTest, ABuildThatWasKilledGoesOnAndSpoilsNoOtherFolder) {
     EXPECT_EQ(run(to + place), 1);
     EXPECT_TRUE(has("holds other things than a built world")) << printed;
     EXPECT_EQ(count(), before);
+}
+
+TEST_F(WorldCommandsTest, TheCheckLooksAtWhatIsBuiltAndAtWhatIsTooHeavy) {
+    const std::string place = folder.file("bay").c_str(), world = place + "/bay.world";
+    const std::string coarse = makeIsland(12, 60, 50, "coarse.asc"), fine = makeIsland(12, 60);
+    ASSERT_EQ(run("new " + place + " --lon 12 --lat 60 --raster " + coarse + " --raster " + fine),
+              0)
+        << printed;
+    std::ostringstream text;
+    text << std::ifstream(world).rdbuf();
+    std::string edited = text.str();
+    const std::string key = "type: terrain, ";
+    ASSERT_NE(edited.find("coarse.asc\", \""), std::string::npos);
+    edited.insert(edited.find(key) + key.size(), "built: \"" + place + "/ground\", ");
+    const auto line = 1 + std::count(edited.begin(), edited.begin() + edited.find(key), '\n');
+    const std::string where = world + ':' + std::to_string(line) + ": ";
+    folder.write("bay/bay.world", edited);
+    EXPECT_EQ(run("check " + place), 1);
+    EXPECT_TRUE(has(where + "no ground from \"" + place + "/ground\", it is no built world"))
+        << printed;
+    ASSERT_EQ(run("build " + place), 0) << printed;
+    EXPECT_EQ(run("check " + place), 0) << printed;
+    makeIsland(12, 60, 210);
+    EXPECT_EQ(run("check " + place), 1);
+    EXPECT_TRUE(has(where + "\"" + place + "/ground\" is out of date")) << printed;
+
+    folder.write("wide.jpg", jpegBytes(8200, 8, [](unsigned, unsigned) {
+                     return std::array<unsigned char, 3>{};
+                 }));
+    const std::string skin =
+        folder
+            .write("wide.mat",
+                   "textures:\n  base_color: " + std::string(folder.file("wide.jpg").c_str()))
+            .c_str();
+    text << "  - {name: wide, type: mesh, mesh: " << place << "/pad.obj, material: " << skin
+         << "}\n";
+    folder.write("bay/bay.world", text.str());
+    EXPECT_EQ(run("check " + place), 1);
+    EXPECT_TRUE(has("wide.jpg\" is heavy: 8200 by 8 pixels")) << printed;
 }
 
 TEST_F(WorldCommandsTest, WhereNoPadCanStandTheNearestLandIsNamed) {
