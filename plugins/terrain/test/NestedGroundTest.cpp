@@ -18,7 +18,7 @@ using namespace ig;
 const EllipsoidModel EARTH;
 
 /// Rough ground about 90 m apart, in it a patch of some 10 m and a finer one in that, which hang
-/// over the others' lines, across 180 degrees.
+/// over the others' lines, across 180 degrees, and one beyond, which counts from the west.
 class NestedGround : public testing::Test {
 protected:
     static constexpr double STEP = 1 / 1200.0, WEST = 180 - 12.3 * STEP, NORTH = -51;
@@ -36,8 +36,8 @@ protected:
             folder.writeRaster(RasterFile::degrees(20, 20, WEST + 9.1 * STEP, NORTH - 8.1 * STEP,
                                                    STEP / 30, rough(35)),
                                "c.tif"),
-            folder.writeRaster(RasterFile::degrees(20, 20, WEST + 17.5 * STEP, NORTH - 3 * STEP,
-                                                   STEP / 4, rough(10)),
+            folder.writeRaster(RasterFile::degrees(20, 20, WEST + 17.5 * STEP - 360,
+                                                   NORTH - 3 * STEP, STEP / 4, rough(-40)),
                                "d.tif")};
         const LogCapture log;
         EXPECT_TRUE(terrain.load(sources));
@@ -105,6 +105,7 @@ TEST_F(NestedGround, FinerGridsDivideTheirParentsCellsAndLieOnItsSurface) {
     ASSERT_EQ(grids.size(), 4u);
     EXPECT_EQ(grids[2].parent, 1);
     EXPECT_EQ(grids[3].parent, 0);
+    EXPECT_LE(grids[3].getHeight(grids[3].columns / 2, grids[3].rows / 2), 0) << "its own heights";
     for (const TerrainGrid& fine : grids.subspan(1)) {
         const TerrainGrid& coarse = grids[std::size_t(fine.parent)];
         const int along = (fine.columns - 1) / fine.within.columns;
@@ -153,7 +154,7 @@ TEST_F(NestedGround, SegmentsMeetTheFirstOfAllTrianglesAndSlipThroughNoSeam) {
         const dvec3 half = up * 100.0 + lean * (n % 5 - 2.5);
         ASSERT_TRUE(terrain.getIntersection(0, on_seam + half, on_seam - half, &hit)) << n;
         const dvec3 from = around(n & 32 ? 90 : 20 + 50 * random());
-        const dvec3 to = around(n & 32 ? -1 : 20 + 50 * random());
+        const dvec3 to = around(n & 32 ? -41 : 20 + 50 * random());
         const bool found = terrain.getIntersection(0, from, to, &hit);
         // What a hair's breadth decides is either.
         const auto sure = meetFirst(triangles, from, to, -1e-3);
