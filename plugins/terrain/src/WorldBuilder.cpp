@@ -13,6 +13,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <set>
 #include <sstream>
 #include <sys/file.h>
@@ -42,7 +43,10 @@ public:
         if (m_number >= 0) ::close(m_number);
     }
 
-    bool open(const std::string& fingerprint, std::string& failure) {
+    /// Where they are of other sources, `clear` takes away what was made of those: before the first
+    /// note of these, so that a run that is killed meanwhile doesn't pass for one of them.
+    bool open(const std::string& fingerprint, const std::function<void()>& clear,
+              std::string& failure) {
         m_number = ::open(m_path.c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
         if (m_number < 0) return tell(failure);
         if (flock(m_number, LOCK_EX | LOCK_NB) != 0) {
@@ -53,9 +57,10 @@ public:
         read << std::ifstream(m_path).rdbuf();
         const std::string text = read.str();
         const std::string head = fingerprint + "steps:\n";
-        if (!text.starts_with(head)) { // of other sources
-            m_begins_anew = true;
-            return ftruncate(m_number, 0) == 0 ? append(head, failure) : tell(failure);
+        if (!text.starts_with(head)) {
+            if (ftruncate(m_number, 0) != 0) return tell(failure);
+            clear();
+            return append(head, failure);
         }
         std::size_t begin = head.size();
         for (std::size_t end; (end = text.find('\n', begin)) != text.npos; begin = end + 1)
@@ -64,8 +69,6 @@ public:
         // The last line is half a one.
         return ftruncate(m_number, static_cast<off_t>(begin)) == 0 || tell(failure);
     }
-    /// There are none of an earlier run with the same sources.
-    bool beginsAnew() const { return m_begins_anew; }
     bool isDone(const BuildStage& stage, int step) const {
         return m_done.contains(getLine(stage, step));
     }
@@ -92,7 +95,6 @@ private:
 
     std::string m_path;
     int m_number = -1;
-    bool m_begins_anew = false;
     std::set<std::string> m_done;
 };
 
@@ -124,8 +126,9 @@ WorldBuilder::Result WorldBuilder::build(const Tell& tell, std::string& failure)
         mjl::open(description.c_str(), &known) && Fingerprint(known) == fingerprint)
         return Result::up_to_date;
     Notes notes(m_folder + NOTES);
-    if (!notes.open(fingerprint.toYaml(), failure)) return Result::failed;
-    if (notes.beginsAnew()) clear();
+    if (!notes.open(
+            fingerprint.toYaml(), [this] { clear(); }, failure))
+        return Result::failed;
     m_notes = &notes;
     Result result = Result::built;
     for (std::size_t i = 0; i < m_stages.size() && result == Result::built; i++) {
