@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <new>
 #include <unistd.h>
 #include <utility>
 #include <zstd.h>
@@ -37,16 +38,12 @@ std::uint32_t check(std::span<const std::uint8_t> content) {
 
 // ------------------------------------------------------------------ writing
 
-void LogWriter::FreeCompressor::operator()(ZSTD_CCtx_s* compressor) const {
+void LogEncoder::FreeCompressor::operator()(ZSTD_CCtx_s* compressor) const {
     ZSTD_freeCCtx(compressor);
 }
 
-bool LogWriter::open(const std::string& path, const LogHead& head) {
-    close();
-    m_path = path;
+bool LogEncoder::begin(const LogHead& head, Bytes& to) {
     m_message.clear();
-    const std::string why = program::OutputFile::whyNot(path, program::OutputFile::Kind::growing);
-    if (!why.empty()) return fail(why);
     const std::string text = writeHead(head);
     LogHead read;
     if (std::string what; !frames::readHead(text, read, what)) return fail(what);
@@ -55,16 +52,11 @@ bool LogWriter::open(const std::string& path, const LogHead& head) {
     if (!m_compressor) return fail("out of memory");
     ZSTD_CCtx_setParameter(m_compressor.get(), ZSTD_c_compressionLevel, LEVEL);
     ZSTD_CCtx_setParameter(m_compressor.get(), ZSTD_c_windowLog, WINDOW_BITS);
-    m_block.resize(ZSTD_CStreamOutSize());
-    m_file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-    if (m_file < 0) return fail(std::strerror(errno));
-    if (compress(text, Stage::go_on)) return true;
-    program::OutputFile::remove(path);
-    return false;
+    return compress(text, Stage::go_on, to);
 }
 
-bool LogWriter::append(const FrameInput& input) {
-    if (!isOpen()) return false;
+bool LogEncoder::append(const FrameInput& input, Bytes& to) {
+    if (!m_compressor) return false;
     m_record.assign(RECORD_HEAD, 0);
     m_record.push_back('F');
     encode(input, m_record);
@@ -74,24 +66,30 @@ bool LogWriter::append(const FrameInput& input) {
     if (!decode(content, read, why))
         return fail("frame " + std::to_string(input.number) +
                     " is none that a log can hold: " + why);
-    return writeRecord();
+    return addRecord(to);
 }
 
-bool LogWriter::append(const std::vector<PartDigest>& digests) {
-    if (!isOpen()) return false;
+bool LogEncoder::append(const std::vector<PartDigest>& digests, Bytes& to) {
+    if (!m_compressor) return false;
     m_record.assign(RECORD_HEAD, 0);
     m_record.push_back('H');
-    ByteWriter to(m_record);
-    to.putCount(digests.size());
+    ByteWriter bytes(m_record);
+    bytes.putCount(digests.size());
     for (const PartDigest& part : digests) {
-        to.putText(part.part);
-        to.put(part.digest);
+        bytes.putText(part.part);
+        bytes.put(part.digest);
     }
-    return writeRecord();
+    return addRecord(to);
 }
 
-/// Puts the head of the record that was made in its place, and the record into the file.
-bool LogWriter::writeRecord() {
+bool LogEncoder::end(Bytes& to) {
+    const bool ended = m_compressor && compress({}, Stage::end, to);
+    m_compressor.reset();
+    return ended;
+}
+
+/// Puts the head of the record that was made in its place, and the record behind the others.
+bool LogEncoder::addRecord(Bytes& to) {
     const auto content = std::span(m_record).subspan(RECORD_HEAD);
     if (content.size() > MAX_INPUT_SIZE) return fail("a frame took in more than a log can hold");
     const auto size = static_cast<std::uint32_t>(content.size());
@@ -99,43 +97,73 @@ bool LogWriter::writeRecord() {
     static_assert(sizeof head == RECORD_HEAD);
     std::memcpy(m_record.data(), head, sizeof head);
     return compress({reinterpret_cast<const char*>(m_record.data()), m_record.size()},
-                    Stage::go_on);
+                    Stage::go_on, to);
 }
 
-/// Hands all of the bytes to the system, in compressed form. False when that failed.
-bool LogWriter::compress(std::string_view bytes, Stage stage) {
+bool LogEncoder::compress(std::string_view bytes, Stage stage, Bytes& to) {
     ZSTD_inBuffer in{bytes.data(), bytes.size(), 0};
     const ZSTD_EndDirective directive = stage == Stage::end ? ZSTD_e_end : ZSTD_e_flush;
     for (std::size_t rest = 1; rest > 0;) {
-        ZSTD_outBuffer out{m_block.data(), m_block.size(), 0};
+        const std::size_t before = to.size();
+        to.resize(before + ZSTD_compressBound(in.size - in.pos));
+        ZSTD_outBuffer out{to.data() + before, to.size() - before, 0};
         rest = ZSTD_compressStream2(m_compressor.get(), &out, &in, directive);
+        to.resize(before + out.pos);
         if (ZSTD_isError(rest)) return fail(ZSTD_getErrorName(rest));
-        if (!writeOut(m_block.data(), out.pos)) return fail(std::strerror(errno));
     }
     return true;
 }
 
-bool LogWriter::writeOut(const char* bytes, std::size_t size) {
-    while (size > 0) {
-        const ssize_t written = ::write(m_file, bytes, size);
+bool LogEncoder::fail(const std::string& why) {
+    m_message = why;
+    m_compressor.reset();
+    return false;
+}
+
+bool LogWriter::open(const std::string& path, const LogHead& head) {
+    close();
+    m_path = path;
+    m_message.clear();
+    const std::string why = program::OutputFile::whyNot(path, program::OutputFile::Kind::growing);
+    if (!why.empty()) return fail(why);
+    m_bytes.clear();
+    if (!m_encoder.begin(head, m_bytes)) return fail(m_encoder.getMessage());
+    m_file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (m_file < 0) return fail(std::strerror(errno));
+    if (writeOut(true)) return true;
+    program::OutputFile::remove(path);
+    return false;
+}
+
+bool LogWriter::append(const FrameInput& input) {
+    return isOpen() && writeOut(m_encoder.append(input, m_bytes));
+}
+
+bool LogWriter::append(const std::vector<PartDigest>& digests) {
+    return isOpen() && writeOut(m_encoder.append(digests, m_bytes));
+}
+
+/// Hands the bytes that were made, if they were, to the system, all of them.
+bool LogWriter::writeOut(bool made) {
+    if (!made) return fail(m_encoder.getMessage());
+    for (std::size_t done = 0; done < m_bytes.size();) {
+        const ssize_t written = ::write(m_file, m_bytes.data() + done, m_bytes.size() - done);
         if (written < 0 && errno == EINTR) continue;
-        if (written <= 0) return false;
-        bytes += written;
-        size -= static_cast<std::size_t>(written);
+        if (written <= 0) return fail(std::strerror(errno));
+        done += static_cast<std::size_t>(written);
     }
+    m_bytes.clear();
     return true;
 }
 
 bool LogWriter::close() {
-    if (!isOpen() || !compress({}, Stage::end)) return false;
+    if (!isOpen() || !writeOut(m_encoder.end(m_bytes))) return false;
     const bool closed = ::close(std::exchange(m_file, -1)) == 0;
-    m_compressor.reset();
     return closed || fail(std::strerror(errno));
 }
 
 void LogWriter::abandon() {
     if (isOpen()) ::close(std::exchange(m_file, -1));
-    m_compressor.reset();
 }
 
 bool LogWriter::fail(const std::string& why) {
@@ -146,80 +174,68 @@ bool LogWriter::fail(const std::string& why) {
 
 // ------------------------------------------------------------------ reading
 
-void LogReader::FreeDecompressor::operator()(ZSTD_DCtx_s* decompressor) const {
+void LogDecoder::FreeDecompressor::operator()(ZSTD_DCtx_s* decompressor) const {
     ZSTD_freeDCtx(decompressor);
 }
 
-bool LogReader::isLog(const std::string& path) {
-    if (!program::whyUnreadable(path).empty()) return false;
-    std::uint8_t magic[4] = {};
-    std::ifstream(path, std::ios::binary).read(reinterpret_cast<char*>(magic), sizeof magic);
-    return std::equal(std::begin(magic), std::end(magic), ZSTD_MAGIC);
-}
-
-bool LogReader::open(const std::string& path) {
-    m_path = path;
-    m_file = std::ifstream();
-    m_state = LogItem::damaged;
-    m_packed.clear();
-    m_plain.clear();
-    m_unpacked = m_taken = 0;
-    m_offset = m_frames = 0;
-    m_whole = m_more = m_behind_frame = false;
-    std::string why = program::whyUnreadable(path);
-    if (why.empty()) m_file.open(path, std::ios::binary);
-    if (why.empty() && !m_file) why = std::strerror(errno);
-    m_decompressor.reset(ZSTD_createDCtx());
-    if (why.empty() && !m_decompressor) why = "out of memory";
-    if (!why.empty()) {
-        m_message = "cannot open \"" + path + "\": " + why;
-        return false;
-    }
+LogDecoder::LogDecoder(std::string name)
+    : m_name(std::move(name)), m_decompressor(ZSTD_createDCtx()) {
+    if (!m_decompressor) throw std::bad_alloc();
     ZSTD_DCtx_setParameter(m_decompressor.get(), ZSTD_d_windowLogMax, WINDOW_BITS);
-    return readHead();
 }
 
-bool LogReader::readHead() {
+void LogDecoder::add(std::span<const std::uint8_t> bytes) {
+    m_packed.erase(m_packed.begin(), m_packed.begin() + static_cast<long>(m_unpacked));
+    m_unpacked = 0;
+    m_packed.insert(m_packed.end(), bytes.begin(), bytes.end());
+    m_offset += static_cast<std::int64_t>(bytes.size());
+}
+
+void LogDecoder::end() {
+    if (m_state != LogItem::frame) return;
+    if (!m_whole)
+        stop(LogItem::cut_off, "the run was ended by force, or its disk was full");
+    else if (!m_begun || available() > 0)
+        stop(LogItem::damaged, "it ends within a record");
+    else
+        m_state = LogItem::end;
+}
+
+LogItem LogDecoder::readHead() {
     constexpr std::string_view END = "\n\n", MAGIC = LOG_MAGIC;
-    m_state = LogItem::frame; // unless something stops it
-    if (!fill(MAGIC.size()) || !std::equal(MAGIC.begin(), MAGIC.end(), m_plain.begin())) {
-        m_message = "\"" + m_path + "\" is not a frame log";
-        m_state = LogItem::damaged;
-        return false;
-    }
+    if (!fill(MAGIC.size())) return stopped();
+    if (!std::equal(MAGIC.begin(), MAGIC.end(), m_plain.begin()))
+        return stop(LogItem::damaged, "it begins otherwise");
+    m_begun = true;
     auto end = m_plain.begin();
     while ((end = std::search(m_plain.begin(), m_plain.end(), END.begin(), END.end())) ==
            m_plain.end()) {
-        if (m_plain.size() > MAX_HEAD_SIZE) {
-            stop(LogItem::damaged, "its head does not end");
-            return false;
-        }
-        if (!fill(m_plain.size() + 1)) return false;
+        if (m_plain.size() > MAX_HEAD_SIZE)
+            return stop(LogItem::damaged, "its head does not end");
+        if (!fill(m_plain.size() + 1)) return stopped();
     }
     m_taken = static_cast<std::size_t>(end - m_plain.begin()) + END.size();
     std::string why;
     if (frames::readHead({m_plain.begin(), m_plain.begin() + static_cast<long>(m_taken)}, m_head,
                          why))
-        return true;
-    m_message = "\"" + m_path + "\" " + why;
-    m_state = LogItem::damaged;
-    return false;
+        return LogItem::frame;
+    m_message = m_name + ' ' + why;
+    return m_state = LogItem::damaged;
 }
 
-LogItem LogReader::next(FrameInput& input, std::vector<PartDigest>& digests) {
+LogItem LogDecoder::next(FrameInput& input, std::vector<PartDigest>& digests) {
     return m_state == LogItem::frame ? readRecord(input, digests) : m_state;
 }
 
-LogItem LogReader::readRecord(FrameInput& input, std::vector<PartDigest>& digests) {
-    if (!fill(RECORD_HEAD)) return m_state;
+LogItem LogDecoder::readRecord(FrameInput& input, std::vector<PartDigest>& digests) {
+    if (!fill(RECORD_HEAD)) return stopped();
     std::uint32_t head[3]; // size, inverted, check
     std::memcpy(head, m_plain.data() + m_taken, sizeof head);
     if (head[0] != ~head[1] || head[0] == 0 || head[0] > MAX_INPUT_SIZE)
         return stop(LogItem::damaged, "no record begins there");
-    m_taken += RECORD_HEAD;
-    if (!fill(head[0])) return m_state;
-    const auto content = std::span(m_plain).subspan(m_taken, head[0]);
-    m_taken += head[0];
+    if (!fill(RECORD_HEAD + head[0])) return stopped();
+    const auto content = std::span(m_plain).subspan(m_taken + RECORD_HEAD, head[0]);
+    m_taken += RECORD_HEAD + head[0];
     if (check(content) != head[2]) return stop(LogItem::damaged, "the check does not fit");
     if (content[0] == 'H') return readDigests(content.subspan(1), digests);
     std::string why;
@@ -237,8 +253,8 @@ LogItem LogReader::readRecord(FrameInput& input, std::vector<PartDigest>& digest
     return LogItem::frame;
 }
 
-LogItem LogReader::readDigests(std::span<const std::uint8_t> content,
-                               std::vector<PartDigest>& digests) {
+LogItem LogDecoder::readDigests(std::span<const std::uint8_t> content,
+                                std::vector<PartDigest>& digests) {
     ByteReader from(content);
     digests.clear();
     constexpr std::size_t LEAST = 12; // bytes of a part
@@ -252,9 +268,9 @@ LogItem LogReader::readDigests(std::span<const std::uint8_t> content,
     return from.isGood() ? LogItem::digests : stop(LogItem::damaged, from.getMessage());
 }
 
-/// Sees to it that so many bytes can be taken. False when there are no more: at the end of a log,
-/// when that is its state from now on, or with a message.
-bool LogReader::fill(std::size_t size) {
+/// Sees to it that so many bytes can be taken. False when there are not enough yet, or when it has
+/// stopped.
+bool LogDecoder::fill(std::size_t size) {
     if (available() >= size) return true;
     m_plain.erase(m_plain.begin(), m_plain.begin() + static_cast<long>(m_taken));
     m_taken = 0;
@@ -263,9 +279,9 @@ bool LogReader::fill(std::size_t size) {
     return true;
 }
 
-/// Adds what the next bytes of the file hold.
-bool LogReader::decompress() {
-    if (!m_more && m_unpacked == m_packed.size() && !readOn()) return false;
+/// Adds what the next of the added bytes hold.
+bool LogDecoder::decompress() {
+    if (!m_more && m_unpacked == m_packed.size()) return false;
     if (m_whole) {
         stop(LogItem::damaged, "it goes on behind its end");
         return false;
@@ -284,34 +300,65 @@ bool LogReader::decompress() {
     return false;
 }
 
-/// Reads the next bytes of the file. False, as `fill` is, when there are none.
-bool LogReader::readOn() {
-    m_packed.resize(CHUNK);
-    m_file.read(m_packed.data(), static_cast<std::streamsize>(CHUNK));
-    m_packed.resize(static_cast<std::size_t>(m_file.gcount()));
-    m_offset += m_file.gcount();
-    m_unpacked = 0;
-    if (!m_packed.empty()) return true;
-    if (!m_whole)
-        stop(LogItem::cut_off, "the run was ended by force, or its disk was full");
-    else if (available() > 0)
-        stop(LogItem::damaged, "it ends within a record");
-    else
-        m_state = LogItem::end;
-    return false;
-}
-
-LogItem LogReader::stop(LogItem item, const std::string& what) {
+LogItem LogDecoder::stop(LogItem item, const std::string& what) {
+    m_state = item;
+    if (!m_begun) {
+        m_message = m_name + " is not a frame log";
+        return m_state = LogItem::damaged;
+    }
     const std::int64_t byte = m_offset - static_cast<std::int64_t>(m_packed.size() - m_unpacked);
     const std::string place = m_frames ? " behind frame " + std::to_string(m_last_number)
                                        : std::string(" before its first frame");
-    m_message = "\"" + m_path + "\" is ";
+    m_message = m_name + " is ";
     if (item == LogItem::cut_off)
         m_message += "cut off at byte " + std::to_string(byte) + "," + place + ": " + what;
     else
         m_message += "damaged near byte " + std::to_string(byte) + "," + place + ": " + what +
                      "; copy it anew from where it was made";
-    return m_state = item;
+    return item;
+}
+
+bool LogReader::isLog(const std::string& path) {
+    if (!program::whyUnreadable(path).empty()) return false;
+    std::uint8_t magic[4] = {};
+    std::ifstream(path, std::ios::binary).read(reinterpret_cast<char*>(magic), sizeof magic);
+    return std::equal(std::begin(magic), std::end(magic), ZSTD_MAGIC);
+}
+
+bool LogReader::open(const std::string& path) {
+    m_file = std::ifstream();
+    m_decoder = LogDecoder('"' + path + '"');
+    std::string why = program::whyUnreadable(path);
+    if (why.empty()) m_file.open(path, std::ios::binary);
+    if (why.empty() && !m_file) why = std::strerror(errno);
+    if (!why.empty()) {
+        m_message = "cannot open \"" + path + "\": " + why;
+        return false;
+    }
+    LogItem item = LogItem::more;
+    while ((item = m_decoder.readHead()) == LogItem::more)
+        readOn();
+    m_message = m_decoder.getMessage();
+    return item == LogItem::frame;
+}
+
+LogItem LogReader::next(FrameInput& input, std::vector<PartDigest>& digests) {
+    LogItem item = LogItem::more;
+    while ((item = m_decoder.next(input, digests)) == LogItem::more)
+        readOn();
+    m_message = m_decoder.getMessage();
+    return item;
+}
+
+/// Gives the next bytes of the file to the decoder.
+void LogReader::readOn() {
+    m_chunk.resize(CHUNK);
+    m_file.read(reinterpret_cast<char*>(m_chunk.data()), static_cast<std::streamsize>(CHUNK));
+    m_chunk.resize(static_cast<std::size_t>(m_file.gcount()));
+    if (m_chunk.empty())
+        m_decoder.end();
+    else
+        m_decoder.add(m_chunk);
 }
 
 } // namespace frames

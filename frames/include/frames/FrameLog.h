@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <fstream>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -80,6 +81,38 @@ struct PartDigest {
     bool operator==(const PartDigest&) const = default;
 };
 
+/// Makes a log's bytes, for a file or for whoever else takes them. What it makes is appended.
+class LogEncoder {
+public:
+    using Bytes = std::vector<std::uint8_t>;
+
+    /// Begins a log with its head. False with `getMessage()` when that can't be; so are the
+    /// following, behind which the log ends where it was.
+    bool begin(const LogHead& head, Bytes& to);
+    /// Adds a frame. False also for one that a reader would refuse.
+    bool append(const FrameInput& input, Bytes& to);
+    /// Adds digests of the scene, as the frame added last leaves it; once a frame.
+    bool append(const std::vector<PartDigest>& digests, Bytes& to);
+    /// Ends the log.
+    bool end(Bytes& to);
+
+    const std::string& getMessage() const { return m_message; }
+
+private:
+    enum class Stage { go_on, end };
+
+    bool addRecord(Bytes& to);
+    bool compress(std::string_view bytes, Stage stage, Bytes& to);
+    bool fail(const std::string& why);
+
+    struct FreeCompressor {
+        void operator()(ZSTD_CCtx_s* compressor) const;
+    };
+    std::unique_ptr<ZSTD_CCtx_s, FreeCompressor> m_compressor;
+    Bytes m_record; ///< the one being made
+    std::string m_message;
+};
+
 /// Writes a log. What the disk refuses is told once, by the operation that meets it: the file then
 /// keeps the whole records that fitted, nothing is open any more, and the run can go on. A file
 /// into which not even the head fits is removed.
@@ -107,34 +140,80 @@ public:
     const std::string& getMessage() const { return m_message; }
 
 private:
-    enum class Stage { go_on, end };
-
-    bool writeRecord();
-    bool compress(std::string_view bytes, Stage stage);
-    bool writeOut(const char* bytes, std::size_t size);
+    bool writeOut(bool made);
     bool fail(const std::string& why);
 
-    struct FreeCompressor {
-        void operator()(ZSTD_CCtx_s* compressor) const;
-    };
     std::string m_path;
     int m_file = -1;
-    std::unique_ptr<ZSTD_CCtx_s, FreeCompressor> m_compressor;
-    std::vector<std::uint8_t> m_record; ///< the one being made
-    std::vector<char> m_block;          ///< compressed, on its way to the file
+    LogEncoder m_encoder;
+    LogEncoder::Bytes m_bytes; ///< on their way to the file
     std::string m_message;
 };
 
 /// What a reader met.
 enum class LogItem {
     frame,   ///< a frame's input
+    more,    ///< nothing before there are more bytes
     digests, ///< those of the scene as the frame before left it
     end,     ///< of a whole log
     cut_off, ///< the file ends before its end: what was read before is good
     damaged  ///< nothing from here on can be trusted
 };
 
-/// Reads a log from first to last.
+/// Takes a log's bytes, piece by piece, and reads what they hold.
+class LogDecoder {
+public:
+    /// A log of that name, in messages, begins.
+    explicit LogDecoder(std::string name);
+
+    /// Its next bytes. What they hold is to be read before the next ones are added.
+    void add(std::span<const std::uint8_t> bytes);
+    /// There are no more bytes.
+    void end();
+
+    /// Reads the head, which comes before `next`: `frame` when it has been read.
+    LogItem readHead();
+    const LogHead& getHead() const { return m_head; }
+    /// Reads the next record into that of the two which it is for. Once it has answered `end`,
+    /// `cut_off` or `damaged` it repeats that.
+    LogItem next(FrameInput& input, std::vector<PartDigest>& digests);
+    std::int64_t getFrames() const { return m_frames; } ///< read so far
+    std::int64_t getOffset() const { return m_offset; } ///< bytes added so far
+    /// What is wrong, with name, place and remedy. For `cut_off` and `damaged`.
+    const std::string& getMessage() const { return m_message; }
+
+private:
+    LogItem readRecord(FrameInput& input, std::vector<PartDigest>& digests);
+    LogItem readDigests(std::span<const std::uint8_t> content, std::vector<PartDigest>& digests);
+    bool fill(std::size_t size);
+    bool decompress();
+    LogItem stop(LogItem item, const std::string& what);
+    LogItem stopped() const { return m_state == LogItem::frame ? LogItem::more : m_state; }
+    std::size_t available() const { return m_plain.size() - m_taken; }
+
+    struct FreeDecompressor {
+        void operator()(ZSTD_DCtx_s* decompressor) const;
+    };
+    std::string m_name;
+    std::unique_ptr<ZSTD_DCtx_s, FreeDecompressor> m_decompressor;
+    std::vector<std::uint8_t> m_packed; ///< added
+    std::size_t m_unpacked = 0;         ///< bytes of that
+    std::vector<std::uint8_t> m_plain;
+    std::size_t m_taken = 0;     ///< bytes of that
+    bool m_more = false;         ///< the decompressor may hold more of what it was given
+    bool m_whole = false;        ///< the end was met
+    bool m_begun = false;        ///< it is a log
+    bool m_behind_frame = false; ///< where digests may stand
+    std::int64_t m_offset = 0;
+    std::int64_t m_frames = 0;
+    std::uint64_t m_last_number = 0;
+    double m_last_begin = 0;
+    LogHead m_head;
+    LogItem m_state = LogItem::frame; ///< `frame` while there may be more
+    std::string m_message;
+};
+
+/// Reads a log's file from first to last.
 class LogReader {
 public:
     /// Whether a file is a log, or at least compressed as one.
@@ -142,44 +221,20 @@ public:
 
     /// Opens a file and reads its head. False with `getMessage()` when that fails.
     bool open(const std::string& path);
-    const LogHead& getHead() const { return m_head; }
-    /// Reads the next record into that of the two which it is for. Once it has answered `end`,
-    /// `cut_off` or `damaged` it repeats that.
+    const LogHead& getHead() const { return m_decoder.getHead(); }
+    /// As `LogDecoder::next`; never `more`.
     LogItem next(FrameInput& input, std::vector<PartDigest>& digests);
-    std::int64_t getFrames() const { return m_frames; } ///< read so far
-    std::int64_t getOffset() const { return m_offset; } ///< bytes of the file read so far
+    std::int64_t getFrames() const { return m_decoder.getFrames(); } ///< read so far
+    std::int64_t getOffset() const { return m_decoder.getOffset(); } ///< bytes of the file, too
     /// What is wrong, with path, place and remedy. For `open` that failed, `cut_off` and `damaged`.
     const std::string& getMessage() const { return m_message; }
 
 private:
-    bool readHead();
-    LogItem readRecord(FrameInput& input, std::vector<PartDigest>& digests);
-    LogItem readDigests(std::span<const std::uint8_t> content, std::vector<PartDigest>& digests);
-    bool fill(std::size_t size);
-    bool decompress();
-    bool readOn();
-    LogItem stop(LogItem item, const std::string& what);
-    std::size_t available() const { return m_plain.size() - m_taken; }
+    void readOn();
 
-    struct FreeDecompressor {
-        void operator()(ZSTD_DCtx_s* decompressor) const;
-    };
-    std::string m_path;
     std::ifstream m_file;
-    std::unique_ptr<ZSTD_DCtx_s, FreeDecompressor> m_decompressor;
-    std::vector<char> m_packed; ///< read from the file
-    std::size_t m_unpacked = 0; ///< bytes of that
-    std::vector<std::uint8_t> m_plain;
-    std::size_t m_taken = 0;     ///< bytes of that
-    bool m_more = false;         ///< the decompressor may hold more of what it was given
-    bool m_whole = false;        ///< the end was met
-    bool m_behind_frame = false; ///< where digests may stand
-    std::int64_t m_offset = 0;
-    std::int64_t m_frames = 0;
-    std::uint64_t m_last_number = 0;
-    double m_last_begin = 0;
-    LogHead m_head;
-    LogItem m_state = LogItem::end; ///< `frame` while there may be more
+    LogDecoder m_decoder{""};
+    std::vector<std::uint8_t> m_chunk; ///< read from the file
     std::string m_message;
 };
 

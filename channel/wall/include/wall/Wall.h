@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ig/math/dmat4.h"
+#include "ig/math/mat.h"
 
 #include <string>
 #include <vector>
