@@ -96,8 +96,8 @@ bool LogEncoder::addRecord(Bytes& to) {
     const std::uint32_t head[3] = {size, ~size, check(content)};
     static_assert(sizeof head == RECORD_HEAD);
     std::memcpy(m_record.data(), head, sizeof head);
-    return compress({reinterpret_cast<const char*>(m_record.data()), m_record.size()},
-                    Stage::go_on, to);
+    return compress({reinterpret_cast<const char*>(m_record.data()), m_record.size()}, Stage::go_on,
+                    to);
 }
 
 bool LogEncoder::compress(std::string_view bytes, Stage stage, Bytes& to) {
@@ -210,8 +210,7 @@ LogItem LogDecoder::readHead() {
     auto end = m_plain.begin();
     while ((end = std::search(m_plain.begin(), m_plain.end(), END.begin(), END.end())) ==
            m_plain.end()) {
-        if (m_plain.size() > MAX_HEAD_SIZE)
-            return stop(LogItem::damaged, "its head does not end");
+        if (m_plain.size() > MAX_HEAD_SIZE) return stop(LogItem::damaged, "its head does not end");
         if (!fill(m_plain.size() + 1)) return stopped();
     }
     m_taken = static_cast<std::size_t>(end - m_plain.begin()) + END.size();

@@ -3,7 +3,10 @@
 
 #include "LiveInputs.h"
 #include "Provenance.h"
+#include "ReplayedInputs.h"
 #include "SceneDigest.h"
+#include "WallInputs.h"
+#include "WallReceiver.h"
 #include "channel/interface/Texts.h"
 #include "common/logic/LogicBase.h"
 #include "ig/app/Engine.h"
@@ -45,6 +48,8 @@ constexpr double Z_NEAR = 0.1;        ///< metres: the cockpit is close
 constexpr double Z_FAR = 1e7;         ///< metres
 constexpr double JUMP = 10000;        ///< metres between two frames after which we level the camera
 constexpr int FRAMES_PER_DIGEST = 60; ///< of the scene in a log
+constexpr float NOTE_SIZE = 0.035f;   ///< of a display's note, by the picture's height
+constexpr float NOTE_PLACE = 0.7f;    ///< of the height, from the upper edge
 constexpr int LEVEL_CAMERA = 654321;  ///< identifier of the UI message
 
 /// Of what is the result of the program. False, with one log line, when it didn't get out.
@@ -62,24 +67,38 @@ void levelCamera() {
 
 } // namespace
 
-Channel::Channel(const Options& options)
-    : m_options(options), m_interface(this, *this, &m_control), m_window(m_queue),
+Channel::Channel(const Options& options, WallReceiver* receiver)
+    : m_options(options), m_picture_width(options.width), m_picture_height(options.height),
+      m_interface(this, *this, &m_control), m_window(m_queue),
       m_script(m_queue, *m_interface.getRoot()), m_camera_control(nullptr),
       m_environment(m_options), m_scene_command(options.obey_exit),
       m_screenshots(options.screenshot, options.screenshot_every, options.contact_sheet,
                     options.pictures),
       m_video(options.video), m_clock(options.frame_rate, options.step),
       m_inputs(std::make_unique<LiveInputs>(m_clock, m_window, m_script, m_queue,
-                                            *m_interface.getRoot(), m_run_start)) {
+                                            *m_interface.getRoot(), m_run_start)),
+      m_receiver(receiver) {
     m_status.setQuiet(options.quiet);
-    if (options.replay.empty()) return;
-    auto replay = std::make_unique<ReplayedInputs>(m_window, m_queue, options.real_time,
-                                                   [] { return g_stop != 0; });
-    m_replay = replay.get();
-    m_inputs = std::move(replay);
+    if (receiver) {
+        m_picture_width = receiver->getDisplay().width;
+        m_picture_height = receiver->getDisplay().height;
+        auto inputs = std::make_unique<WallInputs>(*receiver, m_window, m_queue, isStopRequested,
+                                                   [this] { showAgain(); });
+        m_replay = m_wall = inputs.get();
+        m_inputs = std::move(inputs);
+    } else if (!options.replay.empty()) {
+        auto replay = std::make_unique<ReplayedInputs>(options.replay, options.real_time, m_window,
+                                                       m_queue, isStopRequested);
+        m_replay = replay.get();
+        m_inputs = std::move(replay);
+    }
 }
 
 void Channel::requestStop() { g_stop = 1; }
+
+bool Channel::isStopRequested() { return g_stop != 0; }
+
+bool Channel::wantsRestart() const { return m_wall && m_wall->wantsRestart(); }
 
 // ------------------------------------------------------------------ start
 
@@ -144,6 +163,21 @@ bool Channel::enterFolder() const {
     return false;
 }
 
+/// Where everybody of the wall who shows pictures waits for the others, if its file says so.
+bool Channel::openBarrier(const frames::LogHead& head) {
+    wall::WallNetwork* const network =
+        m_receiver ? m_receiver->getNetwork() : m_sender.getNetwork();
+    if (!network) return true;
+    const wall::Wall& wall = m_receiver ? m_receiver->getWall() : m_sender.getWall();
+    m_run_number =
+        m_receiver ? m_receiver->getRun() : static_cast<std::uint64_t>(head.start_wall_ns);
+    if (!wall.network.barrier || !m_window.isOpen()) return true;
+    std::string message;
+    m_barrier = network->join(m_receiver ? m_receiver->getDisplay().name : "", message);
+    if (!m_barrier) jLog::error("visual_channel: --wall: %s", message.c_str());
+    return m_barrier != nullptr;
+}
+
 bool Channel::loadScript() {
     Script script;
     std::string message;
@@ -164,13 +198,17 @@ bool Channel::checkOutputs() const {
 /// After the window, which says how large the picture is, and before the logic makes its sockets.
 bool Channel::openLogs() {
     if (!m_replay) SocketUDP::setOnline();
-    if (m_replay && !m_replay->open(m_options.replay)) return false;
-    if (!m_replay && m_options.record.empty()) return true;
+    if (m_replay && !m_replay->open()) return false;
+    const bool sends = !m_options.wall.empty() && !m_wall;
+    if (!m_replay && m_options.record.empty() && !sends) return true;
     const frames::LogHead head = describeRun(m_options, getDensity());
-    if (m_replay) tellDifferences(m_replay->getHead(), head);
-    if (m_options.record.empty() || m_record.open(m_options.record, head)) return true;
-    jLog::error("visual_channel: --record: %s", m_record.getMessage().c_str());
-    return false;
+    if (m_replay)
+        tellDifferences(m_replay->getHead(), head, m_wall ? "the first channel" : "the log");
+    if (!m_options.record.empty() && !m_record.open(m_options.record, head)) {
+        jLog::error("visual_channel: --record: %s", m_record.getMessage().c_str());
+        return false;
+    }
+    return (!sends || m_sender.open(m_options, head)) && openBarrier(head);
 }
 
 bool Channel::openMetrics() {
@@ -202,10 +240,10 @@ bool Channel::makeRenderer() {
         m_renderer = kind.make(m_window.isOpen());
         m_renderer->setScale(m_options.scale > 0 ? m_options.scale : 1);
         m_renderer->setProfiling(m_options.profile);
-        if (!m_renderer->init(m_options.width, m_options.height)) continue;
+        if (!m_renderer->init(m_picture_width, m_picture_height)) continue;
         if (m_options.scale <= 0 && m_renderer->isSoftware())
             m_renderer->setScale(
-                ScaleGovernor::getSoftwareStart(m_options.width, m_options.height));
+                ScaleGovernor::getSoftwareStart(m_picture_width, m_picture_height));
         m_scale = m_renderer->getScale();
         m_renderer->setBeforeDrawing([this] { showLast(); });
         m_renderer_name = kind.name;
@@ -276,7 +314,8 @@ void Channel::warmUp() {
     m_frame_info.ui = m_options.no_interface ? nullptr : all;
     m_frame_info.ui_root = m_options.no_interface ? nullptr : m_interface.getRoot();
     m_frame_info.focus = m_listener.m_focus;
-    m_frame_info.hurried = m_window.isOpen() && !m_replay; // what nobody watches is the same always
+    m_frame_info.hurried =
+        m_window.isOpen() && (!m_replay || m_wall); // what nobody watches is the same always
     std::vector<jString> later = m_listener.m_preloaded;
     later.insert(later.end(), m_world.getLaterPrefabs().begin(), m_world.getLaterPrefabs().end());
     m_renderer->setWindowSize(m_window.getWidth(), m_window.getHeight());
@@ -287,7 +326,7 @@ void Channel::warmUp() {
         return !m_queue.hasClose();
     };
     if (m_options.warm_up &&
-        !m_warm_up.run(*m_renderer, {m_world, getEye(), m_frame_info, later}, keep_window))
+        !m_warm_up.run(*m_renderer, {m_world, getViewpoint(), m_frame_info, later}, keep_window))
         m_quit = true;
     m_warm_up.end(*m_renderer);
 }
@@ -321,24 +360,31 @@ bool Channel::openWindow() {
     const RendererKind* kind = findRendererKind(m_options.renderer);
     if (m_options.headless || (kind && !kind->draws)) return true;
     if (!m_options.window && !Window::hasDisplay()) return true;
-    if (!m_window.open(m_options.width, m_options.height, m_options.monitor)) {
+    const wall::Display* const display = m_receiver ? &m_receiver->getDisplay() : nullptr;
+    if (display && m_options.monitor.empty()) m_options.monitor = display->monitor;
+    if (!m_window.open(m_picture_width, m_picture_height, m_options.monitor)) {
         if (!m_options.window) jLog::warning("visual_channel: going on without a window");
         return !m_options.window;
     }
     // A replay that is as fast as possible doesn't wait for the display.
-    m_window.setVerticalSync(m_replay && !m_options.real_time ? VerticalSync::off
-                                                              : m_options.vertical_sync);
-    if (m_options.full_screen) m_window.toggleFullScreen();
+    m_window.setVerticalSync(m_replay && !m_wall && !m_options.real_time ? VerticalSync::off
+                                                                         : m_options.vertical_sync);
+    if (display && display->x >= 0) m_window.place(display->x, display->y);
+    if (m_options.full_screen || (display && display->full_screen)) m_window.toggleFullScreen();
     if (m_replay) return true; // the picture has the log's size, and is fitted into the window
-    m_options.width = m_window.getWidth();
-    m_options.height = m_window.getHeight();
+    m_options.width = m_picture_width = m_window.getWidth();
+    m_options.height = m_picture_height = m_window.getHeight();
     return true;
 }
 
 void Channel::resize(int width, int height, float density) {
     m_options.width = width;
     m_options.height = height;
-    m_renderer->resize(width, height);
+    if (!m_wall) {
+        m_picture_width = width;
+        m_picture_height = height;
+        m_renderer->resize(width, height);
+    }
     m_interface.resize(width, height, density * m_options.interface_size);
     setProjection();
     m_camera_control.setCamera(&m_camera);
@@ -370,6 +416,7 @@ void Channel::tellPictures() {
 void Channel::run() {
     while (runFrame())
         if (m_interface.isCloseRequested()) askToQuit();
+    if (m_wall && !wantsRestart() && !isOver()) m_wall->stay();
     showLast();
     if (m_frames > 0) m_screenshots.afterLast(*m_renderer);
     tellPictures();
@@ -377,6 +424,7 @@ void Channel::run() {
     m_trace.close();
     if (!m_recorded_scene) recordScene();
     compareScene();
+    m_sender.close();
     if (m_record.isOpen() && !m_record.close()) tellRecordFailure();
     m_status.printSummary(m_listener, m_link, m_pace);
     std::fputs(m_warm_up.getSummary(*m_renderer).c_str(), stdout);
@@ -411,7 +459,7 @@ bool Channel::runFrame() {
     m_scene_time += dt;
     m_frames++;
     if (m_frames % FRAMES_PER_DIGEST == 0) {
-        if (m_record.isOpen()) recordScene();
+        if (m_record.isOpen() || m_sender.isOpen()) recordScene();
         compareScene();
     }
     if (m_scene_command.isExit() || m_interface.isEndRequested()) m_quit = true;
@@ -432,6 +480,7 @@ void Channel::endFrame(double began, double begin) {
                   .last_record = in.last_received,
                   .silent = m_link.isSilent()}};
     m_trace.note(m_listener);
+    if (!isShown()) return m_unshown.reset();
     if (m_window.isOpen() && m_renderer->isSoftware() && m_clock.isBehind()) return;
     const Shown shown = handOver();
     if (m_window.isOpen()) m_clock.endShown(shown.finished, shown.back);
@@ -441,6 +490,7 @@ void Channel::endFrame(double began, double begin) {
 
 /// Hands the picture over, and waits for the display where that sets the pace.
 Shown Channel::handOver() {
+    awaitOthers();
     if (m_window.isOpen()) return m_window.swap();
     const double now = steadyNow();
     return {now, now};
@@ -473,7 +523,8 @@ void Channel::tellShown(const Shown& shown) {
 bool Channel::take(frames::FrameInput& input) {
     if (!m_inputs->next({m_scene_time, m_last_received > 0}, input)) return false;
     if (m_script.hasQuit()) requestStop(); // after this frame
-    if (m_record.isOpen()) record(input);
+    m_frame_number = input.number;
+    if (m_record.isOpen() || m_sender.isOpen()) record(input);
     return true;
 }
 
@@ -505,12 +556,15 @@ bool Channel::endsByForce() {
 /// on.
 void Channel::record(const frames::FrameInput& input) {
     m_recorded_scene = false;
-    if (!m_record.append(input)) tellRecordFailure();
+    m_sender.append(input);
+    if (m_record.isOpen() && !m_record.append(input)) tellRecordFailure();
 }
 
 void Channel::recordScene() {
     m_recorded_scene = true;
-    if (m_record.isOpen() && !m_record.append(digestScene())) tellRecordFailure();
+    const std::vector<frames::PartDigest> digests = digestScene();
+    m_sender.append(digests);
+    if (m_record.isOpen() && !m_record.append(digests)) tellRecordFailure();
 }
 
 /// Where the log's run took its digests: the frame that the log holds before them may be one of a
@@ -548,6 +602,14 @@ bool Channel::isOver() const {
     // Half a frame's worth of allowance: sums of single-precision steps fall short of round times.
     return (m_options.seconds > 0 && m_scene_time > m_options.seconds - 1e-3) ||
            (m_options.frames > 0 && m_frames >= m_options.frames);
+}
+
+/// Whether this frame has a picture: the last one has, which may be asked for.
+bool Channel::isShown() const {
+    const double end = m_scene_time + Engine::get()->getFrameTime();
+    return !m_replay || !m_replay->isBehind() ||
+           (m_options.frames > 0 && m_frames + 1 >= m_options.frames) ||
+           (m_options.seconds > 0 && end > m_options.seconds - 1e-3);
 }
 
 FrameCosts Channel::frame(float dt) {
@@ -598,11 +660,54 @@ void Channel::draw() {
                             m_frame_info);
     m_frame_info.eye_velocity = m_precipitation.getEyeVelocity();
     m_frame_info.particles = &m_particles;
+    if (!isShown()) return;
+    if (m_wall) showNote();
     m_renderer->setWindowSize(m_window.getWidth(), m_window.getHeight());
-    m_renderer->render(m_world, getEye(), m_frame_info);
+    m_renderer->render(m_world, getViewpoint(), m_frame_info);
     const double time = m_scene_time + Engine::get()->getFrameTime();
     m_screenshots.afterFrame(*m_renderer, time);
     m_video.afterFrame(*m_renderer, time);
+}
+
+/// A display's last picture, with what there is to be said now.
+void Channel::showAgain() {
+    if (!m_window.isOpen()) return;
+    showNote();
+    m_renderer->render(m_world, getViewpoint(), m_frame_info);
+    m_window.swap();
+}
+
+/// In place of panels and texts, which a display of a wall has none of.
+void Channel::showNote() {
+    m_note.clear();
+    const std::string text = m_wall->getNote();
+    m_frame_info.ui = text.empty() ? nullptr : &m_note;
+    m_frame_info.ui_root = nullptr;
+    if (text.empty()) return;
+    const auto width = static_cast<float>(m_picture_width);
+    const auto height = static_cast<float>(m_picture_height);
+    const float size = height * NOTE_SIZE;
+    const float length = Font::get().getWidth(size, text);
+    const float x = (width - length) / 2, y = height * NOTE_PLACE;
+    m_note.addRect(x - size, y - size / 2, length + 2 * size, 2 * size, {0.05f, 0.07f, 0.1f, 0.8f});
+    m_note.addText(x, y, size, {1, 0.8f, 0.45f, 1}, text);
+}
+
+/// What the picture is seen from: a display's part of what is seen from the eye.
+const Camera& Channel::getViewpoint() {
+    if (!m_receiver) return getEye();
+    const wall::Display& display = m_receiver->getDisplay();
+    m_display_camera.setProjection(frustum(display.left * Z_NEAR, display.right * Z_NEAR,
+                                           display.bottom * Z_NEAR, display.top * Z_NEAR, Z_NEAR,
+                                           Z_FAR, 0, 0));
+    m_display_camera.setWorldTransform(getEye().getWorldTransform() * display.rotation);
+    return m_display_camera;
+}
+
+/// At the wall's barrier, where everybody shows this frame's picture at the same instant.
+void Channel::awaitOthers() {
+    if (m_barrier && m_window.isOpen())
+        m_barrier->wait(m_run_number, m_frame_number, m_clock.getPeriod());
 }
 
 /// Elsewhere on the earth "up" points elsewhere: a camera that came along would hang askew. A free

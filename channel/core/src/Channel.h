@@ -5,13 +5,13 @@
 #include "EventQueue.h"
 #include "FrameClock.h"
 #include "FrameMetrics.h"
+#include "LoggedInputs.h"
 #include "LogicListener.h"
 #include "MetricsServer.h"
 #include "Options.h"
 #include "PassProfile.h"
 #include "PictureTime.h"
 #include "Precipitation.h"
-#include "ReplayedInputs.h"
 #include "ScaleGovernor.h"
 #include "SceneCommand.h"
 #include "Screenshots.h"
@@ -20,6 +20,7 @@
 #include "Status.h"
 #include "Trace.h"
 #include "Video.h"
+#include "WallSender.h"
 #include "WarmUp.h"
 #include "Window.h"
 #include "channel/interface/LinkMonitor.h"
@@ -35,17 +36,22 @@
 #include "ig/scene/World.h"
 #include "program/Clock.h"
 
+#include "ig/ui/UiDrawList.h"
+
 #include <deque>
 #include <memory>
 #include <optional>
 
 class LogicBase;
+class WallInputs;
+class WallReceiver;
 
 /// The application that runs a scene logic: it loads the libraries and the world, runs the frames,
 /// and ends in order. `docs/architecture.md` tells what happens in a frame.
 class Channel : public ig::IApp, private WindowOwner {
 public:
-    explicit Channel(const Options& options);
+    /// `receiver`: of the wall that it is a display of, where a run has begun; null: it is none.
+    explicit Channel(const Options& options, WallReceiver* receiver = nullptr);
     ~Channel() override { close(); }
 
     /// Everything up to the first frame. False, with a message, when the logic, the world or its
@@ -69,6 +75,9 @@ public:
     void close();
     /// Ends `run` after the present frame. May be called from a signal handler.
     static void requestStop();
+    static bool isStopRequested();
+    /// After `run`: of a display that is to show the run again, or a later one.
+    bool wantsRestart() const;
     /// Null before `open` and after `close`.
     LogicBase* getLogic() const { return m_logic; }
 
@@ -100,6 +109,7 @@ private:
     void askToQuit();
     bool loadScript();
     bool openLogs();
+    bool openBarrier(const frames::LogHead& head);
     bool openMetrics();
     bool take(frames::FrameInput& input);
     void deliver(frames::FrameInput& input);
@@ -116,11 +126,17 @@ private:
     void takeStill();
     void setProjection();
     void draw();
+    void showAgain();
+    void showNote();
+    void awaitOthers();
+    const ig::Camera& getViewpoint();
     void levelAfterJump();
     const ig::Camera& getEye() const { return m_options.eye.empty() ? m_camera : m_fixed_camera; }
     bool isOver() const;
+    bool isShown() const;
 
     Options m_options;
+    int m_picture_width, m_picture_height; ///< pixels; a display's is not the scene's
     ig::ControlApp m_control;
     OperatorInterface m_interface; ///< hears of the events that frames take in
     EventQueue m_queue;            ///< hears what happens in the window
@@ -132,8 +148,9 @@ private:
     float m_scale = 1; ///< that frames are drawn at
     ScriptPlayer m_script;
     ig::World m_world;
-    ig::Camera m_camera;       ///< the logic's
-    ig::Camera m_fixed_camera; ///< what is seen through instead when the options say so
+    ig::Camera m_camera;         ///< the logic's
+    ig::Camera m_fixed_camera;   ///< what is seen through instead when the options say so
+    ig::Camera m_display_camera; ///< of a display's part of what is seen
     ig::CameraControl m_camera_control;
     std::vector<std::unique_ptr<Library>> m_plugins; ///< unloaded after the logic
     Library m_library;
@@ -164,9 +181,16 @@ private:
     FrameClock m_clock;
     const double m_run_start = program::steadyNow(); ///< that the inputs' clock counts from
     std::unique_ptr<FrameInputs> m_inputs;
-    ReplayedInputs* m_replay = nullptr; ///< `m_inputs`, when they are; else null
+    LoggedInputs* m_replay = nullptr; ///< `m_inputs`, when they are another run's; else null
+    WallReceiver* m_receiver;         ///< of a display; else null
+    WallInputs* m_wall = nullptr;     ///< `m_inputs` of a display; else null
     frames::LogWriter m_record;
-    std::shared_ptr<FrameMetrics> m_metrics; ///< null: nobody asks for them
+    WallSender m_sender;
+    std::unique_ptr<wall::Barrier> m_barrier; ///< before the wall's link goes; null: none
+    ig::UiDrawList m_note;                    ///< what a display says in its picture
+    std::uint64_t m_frame_number = 0;         ///< of the frame that runs, as it was taken in
+    std::uint64_t m_run_number = 0;           ///< of the wall
+    std::shared_ptr<FrameMetrics> m_metrics;  ///< null: nobody asks for them
     MetricsServer m_metrics_server;
     bool m_recorded_scene = true;               ///< as the last frame of the log left it
     std::deque<frames::OperatorEvent> m_events; ///< taken in, and not yet told to the interface

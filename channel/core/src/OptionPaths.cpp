@@ -19,7 +19,7 @@ void settlePaths(Options& options) {
     };
     for (std::string* path :
          {&options.world, &options.script, &options.screenshot, &options.contact_sheet,
-          &options.video, &options.trace, &options.record, &options.replay})
+          &options.video, &options.trace, &options.record, &options.replay, &options.wall})
         stay(*path);
     const auto stay_library = [&stay](std::string& path) {
         if (path.find('/') != std::string::npos) stay(path); // else it is one of ours

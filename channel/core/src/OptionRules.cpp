@@ -55,17 +55,21 @@ const Conflict CONFLICTS[] = {
     {"step", "replay", false, "the log says how long its frames are"},
     {"script", "replay", false, "the log says what the operator did"},
     {"allow-sender", "replay", false, "nothing is received"},
+    {"display", "wall", true, "the wall's file says what each of its displays shows"},
+    {"display", "replay", false, "the first channel says what the frames take in"},
+    {"no-ui", "display", false, "it has no panels"},
+    {"statistics", "display", false, "it has no panels"},
 };
 
 /// What files are written to, and those that are read; no two of them may be the same.
-const char* const FILES[] = {"screenshot", "contact-sheet", "video",  "trace",
-                             "record",     "replay",        "script", "world"};
+const char* const FILES[] = {"screenshot", "contact-sheet", "video", "trace", "record",
+                             "replay",     "script",        "world", "wall"};
 
 const char* const OF_DISPLAY[] = {
     "renderer",         "null",   "warm-up",   "headless", "window",     "vsync",  "full-screen",
     "monitor",          "scale",  "eye",       "no-ui",    "statistics", "video",  "contact-sheet",
     "screenshot-every", "trace",  "profile",   "quiet",    "seconds",    "record", "frames",
-    "screenshot",       "replay", "real-time", "smooth",   "metrics"};
+    "screenshot",       "replay", "real-time", "smooth",   "metrics",    "wall",   "display"};
 
 /// By whatever names; one that isn't there yet by its name without dots and links.
 bool isSameFile(const std::filesystem::path& folder, const std::string& a, const std::string& b) {
@@ -80,10 +84,12 @@ std::optional<Conflict> findConflict(const Wishes& wishes, const std::string& fo
     for (const Conflict& conflict : CONFLICTS)
         if (wishes.contains(conflict.name) && wishes.contains(conflict.other) != conflict.lacks)
             return conflict;
-    if (wishes.contains("replay"))
+    for (const char* const taken : {"replay", "display"})
         for (const auto& [name, wish] : wishes)
-            if (!isOfDisplay(name))
-                return Conflict{name, "replay", false, "the log says what scene it is of"};
+            if (wishes.contains(taken) && !isOfDisplay(name))
+                return Conflict{name, taken, false,
+                                *taken == 'r' ? "the log says what scene it is of"
+                                              : "the first channel says what the scene is"};
     for (const char* const& a : FILES)
         for (const char* const* b = FILES; b < &a; b++)
             if (wishes.contains(a) && wishes.contains(*b) &&

@@ -205,6 +205,13 @@ void addLogOptions(CLI::App& app, Options& options) {
                    "Play such a log again, as fast as possible: no link, no operator, the options "
                    "of the log; what is shown and written is asked for here")
         ->type_name("FILE");
+    app.add_option("--wall", options.wall,
+                   "Let the displays of the wall that this file describes show the run "
+                   "(docs/wall.md)")
+        ->type_name("FILE");
+    app.add_option("--display", options.display,
+                   "Be that display of the wall: show the first channel's run, with its options; "
+                   "what is shown and written is asked for here");
     app.add_flag("--real-time", options.real_time,
                  "The replay takes the time that the flight took");
 }
@@ -258,7 +265,7 @@ const char* const BEFORE_SETTINGS[] = {
     "help",   "version",   "verbose", "print-manual", "print-completion",
     "schema", "directory", "config"};
 /// What else only the command line says.
-const char* const COMMAND_LINE_ONLY[] = {"null", "replay", "real-time"};
+const char* const COMMAND_LINE_ONLY[] = {"null", "replay", "real-time", "display"};
 
 std::string nameOf(const CLI::Option& option) { return option.get_lnames().front(); }
 
@@ -410,6 +417,13 @@ bool applySettings(CLI::App& app, const Options& options, const std::string& con
 
 // ------------------------------------------------------------------ command line and log
 
+/// Where options that another run was started with come from.
+struct LogSource {
+    const char* option;
+    const char* name;
+    std::string place;
+};
+
 /// The options in force that a log keeps.
 std::vector<std::string> wordsForLog(const CLI::App& app) {
     std::vector<std::string> words;
@@ -431,7 +445,7 @@ bool namesScene(const std::string& name) {
 
 /// What a log may not say: it can come from anybody, and says what the scene is, not which files
 /// are written. These are taken out, with one line for all.
-void dropForeign(const CLI::App& app, std::vector<Setting>& settings) {
+void dropForeign(const CLI::App& app, const LogSource& source, std::vector<Setting>& settings) {
     std::string names;
     std::erase_if(settings, [&](const Setting& setting) {
         const CLI::Option* const option = app.get_option_no_throw("--" + setting.key);
@@ -442,14 +456,14 @@ void dropForeign(const CLI::App& app, std::vector<Setting>& settings) {
         return true;
     });
     if (!names.empty())
-        jLog::warning("visual_channel: --replay: the log asks for %s: passed over, only the "
-                      "command line may",
-                      names.c_str());
+        jLog::warning("visual_channel: %s: %s asks for %s: passed over, only the command line may",
+                      source.option, source.name, names.c_str());
 }
 
 /// A log opens no files: libraries and world that it names have to be named by the command line
 /// too. They are taken out. False, with an error that tells which, when they are not.
-bool settleSceneFiles(const CLI::App& app, std::vector<Setting>& settings) {
+bool settleSceneFiles(const CLI::App& app, const LogSource& source,
+                      std::vector<Setting>& settings) {
     std::string missing;
     std::erase_if(settings, [&](const Setting& setting) {
         if (!namesScene(setting.key)) return false;
@@ -458,29 +472,34 @@ bool settleSceneFiles(const CLI::App& app, std::vector<Setting>& settings) {
         return true;
     });
     if (missing.empty()) return true;
-    jLog::error("visual_channel: --replay: the log is of a flight with%s: no log opens libraries "
-                "and worlds; if you trust these, name them on the command line too",
-                missing.c_str());
+    jLog::error("visual_channel: %s: %s is of a flight with%s: it opens no libraries and worlds "
+                "here; if you trust these, name them on the command line too",
+                source.option, source.name, missing.c_str());
     return false;
 }
 
-/// The log's options take the place of the settings file. One that there isn't is another
-/// version's: the replay goes on without. False, with an error, when the command line contradicts
-/// the replay, or the log can't be read, or needs libraries that the command line doesn't name.
-bool applyLog(CLI::App& app, Options& options, bool has_config) {
+/// What the command line asks for beside the log, which takes the place of the settings file.
+/// False, with an error, when it contradicts that.
+bool settleBesideLog(const CLI::App& app, const Options& options, bool has_config) {
     Wishes wishes = wishesOf(app);
     if (has_config) wishes["config"] = {};
     std::erase_if(wishes, [](const auto& wish) { return namesScene(wish.first); });
-    if (!settleWishes(wishes, options.directory)) return false;
-    std::vector<Setting> settings;
-    if (!readLogOptions(options, settings)) return false;
-    dropForeign(app, settings);
-    if (!settleSceneFiles(app, settings)) return false;
+    return settleWishes(wishes, options.directory);
+}
+
+/// The options of the run that the head is of. One that there isn't is another version's: it goes
+/// on without. False, with an error, when the run needs libraries that the command line doesn't
+/// name.
+bool applyLog(CLI::App& app, Options& options, const frames::LogHead& head,
+              const LogSource& source) {
+    std::vector<Setting> settings = takeLogOptions(head, source.place, options);
+    dropForeign(app, source, settings);
+    if (!settleSceneFiles(app, source, settings)) return false;
     for (const Setting& setting : settings) {
         CLI::Option* const option = app.get_option_no_throw("--" + setting.key);
         if (!option)
             jLog::warning(
-                "visual_channel: %s: there is no option \"%s\" here: the replay may differ",
+                "visual_channel: %s: there is no option \"%s\" here: the scene may differ",
                 setting.place.c_str(), setting.key.c_str());
         else if (!applySetting(*option, setting))
             return false;
@@ -488,9 +507,27 @@ bool applyLog(CLI::App& app, Options& options, bool has_config) {
     return true;
 }
 
+/// The options of the log that is to be played again.
+bool applyReplay(CLI::App& app, Options& options, bool has_config) {
+    if (!settleBesideLog(app, options, has_config)) return false;
+    frames::LogReader log;
+    if (log.open((std::filesystem::path(options.directory) / options.replay).string()))
+        return applyLog(app, options, log.getHead(), {"--replay", "the log", options.replay});
+    jLog::error("visual_channel: --replay: %s", log.getMessage().c_str());
+    return false;
+}
+
+/// Those of the first channel's run, once it has begun.
+bool applyFirst(CLI::App& app, Options& options, bool has_config, const frames::LogHead* first) {
+    return settleBesideLog(app, options, has_config) &&
+           (!first || applyLog(app, options, *first,
+                               {"--display", "the first channel's run", "the first channel"}));
+}
+
 } // namespace
 
-bool parseOptions(int argc, char** argv, Options& options, int& exit_status) {
+bool parseOptions(int argc, char** argv, Options& options, int& exit_status,
+                  const frames::LogHead* first) {
     CLI::App app{"The visual channel: loads a scene logic and its world, takes the flight "
                  "simulation's records over UDP, and answers every frame with what lies below the "
                  "helicopter. Ports and addresses stand in config/Logic_Nerith_Heli_Final.cfg.",
@@ -547,8 +584,10 @@ bool parseOptions(int argc, char** argv, Options& options, int& exit_status) {
         return false;
     }
     const bool has_config = config_option->count() > 0;
-    if (!options.replay.empty()) {
-        if (!applyLog(app, options, has_config)) return false;
+    if (!options.display.empty()) {
+        if (!applyFirst(app, options, has_config, first)) return false;
+    } else if (!options.replay.empty()) {
+        if (!applyReplay(app, options, has_config)) return false;
     } else {
         if (!applySettings(app, options, config, has_config)) return false;
         options.logged = wordsForLog(app);

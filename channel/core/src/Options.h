@@ -9,6 +9,10 @@
 #include <string>
 #include <vector>
 
+namespace frames {
+struct LogHead;
+}
+
 /// What the command line asks for. The defaults are those of a user who gives nothing.
 struct Options {
     /// Done in place of a flight; empty: a flight.
@@ -55,6 +59,8 @@ struct Options {
     bool no_interface = false; ///< pictures without panels and texts
     std::string record;        ///< log to write of what the frames take in; empty: none
     std::string replay;        ///< log that they take in; empty: they are live
+    std::string wall;          ///< file of the wall whose displays show the run; empty: none
+    std::string display;       ///< name of the one of them that this is; empty: the first channel
     bool real_time = false;    ///< the log's frames last as long as they did
     /// Those of these options that a log keeps, because the scene depends on them, as words of a
     /// command line.
@@ -68,4 +74,8 @@ struct Options {
 
 /// Reads the command line. False when the program is to end at once with `exit_status`: after
 /// --help, or after a mistake, which has been explained.
-bool parseOptions(int argc, char** argv, Options& options, int& exit_status);
+///
+/// For a display of a wall the options of the scene are those of the first channel's run, which
+/// begins with `first`; null: it isn't known yet, and nothing of the scene is set.
+bool parseOptions(int argc, char** argv, Options& options, int& exit_status,
+                  const frames::LogHead* first = nullptr);

@@ -3,6 +3,7 @@
 
 #include "Channel.h"
 #include "Options.h"
+#include "WallProgram.h"
 #include "ig/base/jLog.h"
 #include "program/Process.h"
 
@@ -19,6 +20,7 @@ int runChannel(int argc, char** argv) {
             return options.command({options.directory, options.pictures,
                                     options.logic.empty() ? DEFAULT_LOGIC : options.logic,
                                     options.plugins});
+        if (!options.display.empty()) return runDisplay(argc, argv, options);
         Channel channel(options);
         if (options.print_device) return channel.printDevice() ? 0 : 1;
         if (options.print_schema) return channel.printSchema() ? 0 : 1;

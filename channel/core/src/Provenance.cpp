@@ -126,17 +126,16 @@ const LoggedFile* findFont(const LogHead& head) {
 
 /// Where a text ends, and so what a click meets, is the font's to say. Of a log that names none
 /// nothing is known.
-void tellFont(const LogHead& log, const LogHead& now) {
+void tellFont(const LogHead& log, const LogHead& now, const char* name) {
     const LoggedFile* const its = findFont(log);
     const LoggedFile* const ours = findFont(now);
     if (!its || (ours && its->digest == ours->digest)) return;
-    jLog::warning(
-        "visual_channel: the log's texts are in the font \"%s\", this run's in %s: panels "
-        "and what is clicked may differ",
-        its->path.c_str(),
-        !ours                     ? "none"
-        : ours->path == its->path ? "another version of it"
-                                  : ('"' + ours->path + '"').c_str());
+    jLog::warning("visual_channel: %s's texts are in the font \"%s\", this run's in %s: panels "
+                  "and what is clicked may differ",
+                  name, its->path.c_str(),
+                  !ours                     ? "none"
+                  : ours->path == its->path ? "another version of it"
+                                            : ('"' + ours->path + '"').c_str());
 }
 
 } // namespace
@@ -167,10 +166,10 @@ LogHead describeRun(const Options& options, float density) {
     return head;
 }
 
-void tellDifferences(const LogHead& log, const LogHead& now) {
-    tellFont(log, now);
+void tellDifferences(const LogHead& log, const LogHead& now, const char* name) {
+    tellFont(log, now, name);
     if (log.program != now.program)
-        jLog::warning("visual_channel: the log is of %s, this is %s: the replay may differ",
+        jLog::warning("visual_channel: %s is of %s, this is %s: the scene may differ", name,
                       log.program.c_str(), now.program.c_str());
     for (const char* folder : {"config/", "data/"}) {
         const std::vector<std::string> paths = listDifferent(folder, log, now);
@@ -180,31 +179,27 @@ void tellDifferences(const LogHead& log, const LogHead& now) {
             names += (i ? ", " : "") + paths[i];
         if (paths.size() > MOST_NAMES)
             names += " and " + std::to_string(paths.size() - MOST_NAMES) + " more";
-        jLog::warning("visual_channel: %s not the log's: the replay may differ",
-                      (names + (paths.size() > 1 ? " are" : " is")).c_str());
+        jLog::warning("visual_channel: %s not %s's: the scene may differ",
+                      (names + (paths.size() > 1 ? " are" : " is")).c_str(), name);
     }
 }
 
-bool readLogOptions(Options& options, std::vector<Setting>& settings) {
-    frames::LogReader log;
-    if (!log.open((std::filesystem::path(options.directory) / options.replay).string())) {
-        jLog::error("visual_channel: --replay: %s", log.getMessage().c_str());
-        return false;
-    }
-    const LogHead& head = log.getHead();
+std::vector<Setting> takeLogOptions(const LogHead& head, const std::string& place,
+                                    Options& options) {
     options.width = head.width;
     options.height = head.height;
     options.density = head.density;
+    options.logged = head.options;
+    std::vector<Setting> settings;
     for (const std::string& word : head.options)
         if (word.starts_with("--"))
-            settings.push_back({word.substr(2), {}, options.replay});
+            settings.push_back({word.substr(2), {}, place});
         else if (!settings.empty())
             settings.back().values.push_back(word);
-    options.logged = head.options;
     std::erase_if(settings, [](const Setting& setting) {
         return std::ranges::count(IN_THE_FRAMES, setting.key) > 0;
     });
     for (Setting& setting : settings)
         if (setting.values.empty()) setting.values = {"true"}; // a flag
-    return true;
+    return settings;
 }

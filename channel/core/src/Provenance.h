@@ -17,10 +17,10 @@ frames::LogHead describeRun(const Options& options, float density);
 std::vector<std::string> listLibraries();
 
 /// Logs where this run has another program or other files than the one that a log is of: a line for
-/// the program, the font and each of the two folders.
-void tellDifferences(const frames::LogHead& log, const frames::LogHead& now);
+/// the program, the font and each of the two folders. `name`: of that log.
+void tellDifferences(const frames::LogHead& log, const frames::LogHead& now, const char* name);
 
-/// What the log that `options.replay` names says in place of a settings file: picture size and
-/// density go into the options, the rest is answered. False, with one log line, when it can't be
-/// read.
-bool readLogOptions(Options& options, std::vector<Setting>& settings);
+/// What a log's head says in place of a settings file: picture size and density go into the
+/// options, the rest is answered, as of that `place`.
+std::vector<Setting> takeLogOptions(const frames::LogHead& head, const std::string& place,
+                                    Options& options);

@@ -230,6 +230,8 @@ bool Window::open(int width, int height, const std::string& monitor) {
     return true;
 }
 
+void Window::place(int x, int y) { glfwSetWindowPos(m_window, x, y); }
+
 /// To the middle of a monitor. False, with one log line, when there is none of that name or number.
 bool Window::moveTo(const std::string& monitor) {
     GLFWmonitor* there = findMonitor(monitor);

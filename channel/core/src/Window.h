@@ -46,6 +46,8 @@ public:
     /// False, with one log line, when the window can't be opened. `monitor`: its name, or its
     /// number from 1; empty: as the window manager likes.
     bool open(int width, int height, const std::string& monitor = "");
+    /// To that place of the desktop, pixels.
+    void place(int x, int y);
     /// `on` until it is called. With one log line where the display has no `late`: then it is `on`.
     void setVerticalSync(VerticalSync sync);
     void close();

@@ -26,8 +26,8 @@ TEST(ReplayedInputs, ASocketOfALaterFrameIsRefusedAsItWas) {
 
     EventQueue queue;
     Window window(queue);
-    ReplayedInputs inputs(window, queue, false, [] { return false; });
-    ASSERT_TRUE(inputs.open(path));
+    ReplayedInputs inputs(path, false, window, queue, [] { return false; });
+    ASSERT_TRUE(inputs.open());
     frames::FrameInput input;
     ASSERT_TRUE(inputs.next({}, input));
     {
@@ -52,8 +52,8 @@ TEST(ReplayedInputs, ALongPauseOfTheFlightEndsWhenTheReplayIsStopped) {
     EventQueue queue;
     Window window(queue);
     int asked = 0;
-    ReplayedInputs inputs(window, queue, true, [&asked] { return asked++ > 2; });
-    ASSERT_TRUE(inputs.open(path));
+    ReplayedInputs inputs(path, true, window, queue, [&asked] { return asked++ > 2; });
+    ASSERT_TRUE(inputs.open());
     frames::FrameInput input;
     EXPECT_TRUE(inputs.next({}, input));
     EXPECT_FALSE(inputs.next({}, input));

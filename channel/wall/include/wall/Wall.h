@@ -24,17 +24,16 @@ struct Network {
 ///
 /// The frame of the view is the eye's: X right, Y up, Z backwards.
 struct Display {
-    std::string name;
-    ig::dmat4 rotation;   ///< from the display's own axes to the view's: the eye's pose is the
-                          ///< view's times this
-    ig::dmat4 projection; ///< asymmetric perspective, without what the bezel hides
-    int width = 1280;     ///< of the picture, pixels
+    std::string name = {};
+    ig::dmat4 rotation = {}; ///< from the display's own axes to the view's: what it shows is seen
+                             ///< from the view's pose times this
+    /// What it shows: edges on the plane one metre before the eye, in its own axes.
+    double left = -1, right = 1, bottom = -1, top = 1;
+    int width = 1280; ///< of the picture, pixels
     int height = 720;
     int x = -1, y = -1;       ///< of the window on the desktop, pixels; negative: anywhere
-    std::string monitor = {}; ///< name or number from 1; empty: any
+    std::string monitor = {}; ///< its name, or its number from 1; empty: any
     bool full_screen = false;
-    std::string warp = {};  ///< PFM file of the mesh; empty: none
-    std::string blend = {}; ///< PNG file of the mask; empty: none
 };
 
 struct Wall {
