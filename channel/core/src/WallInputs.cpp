@@ -14,11 +14,11 @@ using program::steadyNow;
 
 namespace {
 
-constexpr double WAIT = 0.02;        ///< s, between two looks at the window
-constexpr double PATIENCE = 1;       ///< s without a frame after which the first channel is lost
-constexpr double REDRAW_PERIOD = 1;  ///< s, of the picture while it stands, or frames are run over
-constexpr double CATCHING_UP = 0.5;  ///< s behind after which it is said
-constexpr double TELL_PERIOD = 5;    ///< s, of saying how far it is
+constexpr double WAIT = 0.02;       ///< s, between two looks at the window
+constexpr double PATIENCE = 1;      ///< s without a frame after which the first channel is lost
+constexpr double REDRAW_PERIOD = 1; ///< s, of the picture while it stands, or frames are run over
+constexpr double CATCHING_UP = 0.5; ///< s behind after which it is said
+constexpr double TELL_PERIOD = 5;   ///< s, of saying how far it is
 
 } // namespace
 
@@ -100,15 +100,16 @@ void WallInputs::tellProgress() {
     else
         m_passed_over++;
     if (!m_has_next) {
-        if (m_behind_since > 0 && now - m_behind_since > CATCHING_UP)
+        const double took = m_behind_since > 0 ? now - m_behind_since : 0;
+        if (!std::exchange(m_was_in_step, true) || took > CATCHING_UP)
             jLog::message("visual_channel: in step with the first channel at frame %llu, after "
                           "%.1f s; %llu frames were not shown",
-                          static_cast<unsigned long long>(m_number), now - m_behind_since,
+                          static_cast<unsigned long long>(m_number), took,
                           static_cast<unsigned long long>(m_passed_over - m_behind_at_begin));
         m_behind_since = 0;
+        m_behind_at_begin = m_passed_over;
     } else if (m_behind_since <= 0) {
         m_behind_since = m_told = now;
-        m_behind_at_begin = m_passed_over;
     } else if (now - m_told > (m_told > m_behind_since ? TELL_PERIOD : CATCHING_UP)) {
         m_told = now;
         jLog::message("visual_channel: behind the first channel: at frame %llu, %.0f %% of what "
@@ -116,8 +117,6 @@ void WallInputs::tellProgress() {
                       static_cast<unsigned long long>(m_number), 100 * m_receiver.getPart());
     }
 }
-
-bool WallInputs::isBehind() const { return !m_shows; }
 
 void WallInputs::compare(const std::function<Digests()>& digest_scene) {
     m_ours = {true, m_number, digest_scene()};

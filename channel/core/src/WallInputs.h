@@ -21,7 +21,7 @@ public:
     void compare(const std::function<Digests()>& digest_scene) override;
     /// The picture stays until there is another run.
     void endByForce() override { stay(); }
-    bool isBehind() const override;
+    bool isBehind() const override { return !m_shows; }
     /// The scene has ended, the display has not: the picture stays until there is another run.
     void stay();
     /// The run is to be begun again, or another one to be begun.
@@ -55,9 +55,10 @@ private:
     bool m_lost = false; ///< it was told that nothing comes
     bool m_ended = false;
     bool m_restart = false;
-    mutable bool m_shows = false;       ///< the frame taken last is shown
-    double m_behind_since = 0;          ///< 0: in step
-    double m_told = 0;                  ///< when it was told how far it is
-    std::uint64_t m_passed_over = 0;    ///< frames that were not shown
-    std::uint64_t m_behind_at_begin = 0; ///< of those, when it fell behind
+    bool m_shows = false;                ///< the frame taken last is shown
+    bool m_was_in_step = false;          ///< in this run
+    double m_behind_since = 0;           ///< 0: in step
+    double m_told = 0;                   ///< when it was told how far it is
+    std::uint64_t m_passed_over = 0;     ///< frames that were not shown
+    std::uint64_t m_behind_at_begin = 0; ///< of those, when it was in step last
 };

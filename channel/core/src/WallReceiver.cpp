@@ -12,9 +12,9 @@ using frames::LogItem;
 using ig::jLog;
 
 namespace {
-constexpr double POLL_PERIOD = 0.1;    ///< s, of the wish to stop
+constexpr double POLL_PERIOD = 0.1;      ///< s, of the wish to stop
 constexpr std::size_t PIECE_SIZE = 1024; ///< bytes that are read at a time: some frames
-}
+} // namespace
 
 bool WallReceiver::open(const Options& options) {
     const auto refuse = [](const std::string& message) {
@@ -82,7 +82,7 @@ LogItem WallReceiver::next(frames::FrameInput& input, std::vector<frames::PartDi
     LogItem item = LogItem::more;
     while ((item = m_decoder.next(input, digests)) == LogItem::more && readOn()) {
     }
-    return item;
+    return item == LogItem::more && m_decoder.isWhole() ? LogItem::end : item;
 }
 
 double WallReceiver::getPart() const {

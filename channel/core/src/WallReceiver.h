@@ -11,7 +11,8 @@
 /// runs, of which each is shown by a `Channel` of its own.
 class WallReceiver {
 public:
-    /// The wall and the display that the options name. False, with one log line, when there is none.
+    /// The wall and the display that the options name. False, with one log line, when there is
+    /// none.
     bool open(const Options& options);
     const wall::Display& getDisplay() const { return *m_display; }
     const wall::Wall& getWall() const { return m_link.getWall(); }
@@ -34,7 +35,8 @@ public:
     bool isConnected() const { return m_subscriber->isConnected(); }
     const std::string& getMessage() const { return m_decoder.getMessage(); }
 
-    /// A run differs from the first channel's. Whether it is the first time, and another try is due.
+    /// A run differs from the first channel's. Whether it is the first time, and another try is
+    /// due.
     bool noteDifference() { return m_differed++ == 0; }
 
 private:
@@ -44,7 +46,7 @@ private:
     const wall::Display* m_display = nullptr;
     std::unique_ptr<wall::Subscriber> m_subscriber; ///< goes before the link
     frames::LogDecoder m_decoder{""};
-    std::uint64_t m_run = 0; ///< 0: none yet
+    std::uint64_t m_run = 0;          ///< 0: none yet
     std::vector<std::uint8_t> m_came; ///< and not been given to the decoder; of the run that
                                       ///< replaces this one, when one does
     std::uint64_t m_given = 0;        ///< to the decoder, bytes of the run

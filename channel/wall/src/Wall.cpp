@@ -16,8 +16,8 @@ namespace wall {
 
 namespace {
 
-constexpr double WIDEST = 170;        ///< degrees that one flat picture may show
-constexpr double SQUARE = 0.01;       ///< cosine up to which two edges count as square
+constexpr double WIDEST = 170;                    ///< degrees that one flat picture may show
+constexpr double SQUARE = 0.01;                   ///< cosine up to which two edges count as square
 constexpr int LEAST_SIDE = 16, MOST_SIDE = 16384; ///< pixels
 constexpr int MOST_DOMAIN = 230;
 
@@ -67,15 +67,16 @@ public:
     void readNumber(const char* key, double& value, double least, double most) const {
         read(key, value, "a number");
         if (has(key) && !(value >= least && value <= most))
-            refuse(m_node[key], m_name + ": " + key + " must be " + write(least) + " to " +
-                                    write(most));
+            refuse(m_node[key],
+                   m_name + ": " + key + " must be " + write(least) + " to " + write(most));
     }
     template <std::size_t N>
     void readNumbers(const char* key, std::array<double, N>& values) const {
         if (!has(key)) return;
         std::vector<double> list;
         read(key, list, "a list of numbers");
-        if (list.size() != N || !std::ranges::all_of(list, [](double v) { return std::isfinite(v); }))
+        if (list.size() != N ||
+            !std::ranges::all_of(list, [](double v) { return std::isfinite(v); }))
             refuse(m_node[key], m_name + ": " + key + " must be " + std::to_string(N) + " numbers");
         std::ranges::copy(list, values.begin());
     }
@@ -84,9 +85,7 @@ public:
     }
 
 private:
-    static std::string write(double value) {
-        return std::to_string(static_cast<long>(value));
-    }
+    static std::string write(double value) { return std::to_string(static_cast<long>(value)); }
 
     YAML::Node m_node;
     std::string m_name;
@@ -115,8 +114,8 @@ void readWindow(const YAML::Node& node, Display& display) {
     if (std::ranges::min(size) < LEAST_SIDE || std::ranges::max(size) > MOST_SIDE)
         section.refuseKey("size", "size must be 16 to 16384 pixels each way");
     section.readNumbers("position", position);
-    if (section.has("position") && (std::ranges::min(position) < 0 ||
-                                    std::ranges::max(position) > 4.0 * MOST_SIDE))
+    if (section.has("position") &&
+        (std::ranges::min(position) < 0 || std::ranges::max(position) > 4.0 * MOST_SIDE))
         section.refuseKey("position", "position must be pixels of the desktop, 0 or more");
     section.read("monitor", display.monitor, "the name of a monitor, or its number from 1");
     section.read("full_screen", display.full_screen, "true or false");
@@ -204,7 +203,8 @@ Display readDisplay(const std::string& name, const YAML::Node& node) {
     Display display{.name = name};
     if (section.has("window")) readWindow(section.get("window"), display);
     const char* const ANGLES[] = {"heading", "pitch", "roll", "horizontal_field", "vertical_field"};
-    const bool angular = std::ranges::any_of(ANGLES, [&](const char* key) { return section.has(key); });
+    const bool angular =
+        std::ranges::any_of(ANGLES, [&](const char* key) { return section.has(key); });
     if (angular == section.has("corners"))
         section.refuseKey("corners", angular ? "has corners and angles: one of them must go"
                                              : "needs corners, or heading and fields");

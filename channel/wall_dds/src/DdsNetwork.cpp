@@ -65,9 +65,8 @@ std::string writeConfiguration(const wall::Network& network, const std::string& 
     std::string peers = "<Peer address=\"" + address + "\"/>";
     for (const std::string& peer : network.peers)
         if (peer != address) peers += "<Peer address=\"" + peer + "\"/>";
-    return "<Domain id=\"any\"><General><Interfaces><NetworkInterface name=\"" +
-           network.interface + "\" multicast=\"" + multicast +
-           "\"/></Interfaces><AllowMulticast>" + multicast +
+    return "<Domain id=\"any\"><General><Interfaces><NetworkInterface name=\"" + network.interface +
+           "\" multicast=\"" + multicast + "\"/></Interfaces><AllowMulticast>" + multicast +
            "</AllowMulticast></General><Discovery><ParticipantIndex>auto</ParticipantIndex>"
            "<MaxAutoParticipantIndex>" +
            std::to_string(MOST_PARTICIPANTS) + "</MaxAutoParticipantIndex><Peers>" + peers +
@@ -129,7 +128,8 @@ bool DdsNetwork::open(const wall::Network& network, std::string& message) {
 Entity DdsNetwork::makeWaitset(std::initializer_list<const Entity*> readers) const {
     Entity waitset(dds_create_waitset(m_participant.get()));
     for (const Entity* reader : readers)
-        dds_waitset_attach(waitset.get(), dds_create_readcondition(reader->get(), DDS_ANY_STATE), 0);
+        dds_waitset_attach(waitset.get(), dds_create_readcondition(reader->get(), DDS_ANY_STATE),
+                           0);
     return waitset;
 }
 

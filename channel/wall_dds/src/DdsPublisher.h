@@ -43,10 +43,10 @@ private:
     std::string m_complaint;
     bool m_ends = false;
     // The thread's own.
-    Bytes m_recent;          ///< the end of the stream as it was sent
+    Bytes m_recent;                         ///< the end of the stream as it was sent
     std::deque<std::size_t> m_recent_sizes; ///< of its pieces
-    Bytes m_block;           ///< not in the history yet
-    std::uint64_t m_sent = 0; ///< bytes of the stream
-    bool m_failed = false;   ///< the last write
+    Bytes m_block;                          ///< not in the history yet
+    std::uint64_t m_sent = 0;               ///< bytes of the stream
+    bool m_failed = false;                  ///< the last write
     std::jthread m_thread;
 };

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Entity.h"
-#include "Stream.h"
+#include "wall/Stream.h"
 #include "wall/WallNetwork.h"
 
 /// Puts the stream together of what comes frame by frame and of the history's blocks.
@@ -21,5 +21,5 @@ public:
 
 private:
     Entity m_now, m_history, m_waitset;
-    Stream m_stream;
+    wall::Stream m_stream;
 };

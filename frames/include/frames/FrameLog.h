@@ -177,6 +177,8 @@ public:
     /// Reads the next record into that of the two which it is for. Once it has answered `end`,
     /// `cut_off` or `damaged` it repeats that.
     LogItem next(FrameInput& input, std::vector<PartDigest>& digests);
+    /// All has been read, up to the log's end.
+    bool isWhole() const { return m_whole && available() == 0; }
     std::int64_t getFrames() const { return m_frames; } ///< read so far
     std::int64_t getOffset() const { return m_offset; } ///< bytes added so far
     /// What is wrong, with name, place and remedy. For `cut_off` and `damaged`.

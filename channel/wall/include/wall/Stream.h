@@ -6,6 +6,8 @@
 #include <span>
 #include <vector>
 
+namespace wall {
+
 /// The latest run's stream, put together of pieces that come in any order, more than once, or late.
 /// Holds all of it, compressed as it is some 40 MB an hour, so that a display can begin again.
 class Stream {
@@ -24,10 +26,12 @@ private:
     void join(std::uint64_t offset, std::span<const std::uint8_t> bytes);
 
     std::uint64_t m_run = 0;
-    std::uint64_t m_size = 0; ///< that is known to have been sent
+    std::uint64_t m_size = 0;          ///< that is known to have been sent
     std::vector<std::uint8_t> m_bytes; ///< without a gap
     std::size_t m_taken = 0;           ///< of those
     /// Behind a gap, by offset.
     std::map<std::uint64_t, std::vector<std::uint8_t>> m_ahead;
     std::size_t m_ahead_size = 0; ///< bytes
 };
+
+} // namespace wall

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "Stream.h"
+#include "wall/Stream.h"
 
 #include <algorithm>
+
+namespace wall {
 
 namespace {
 /// Bytes that may wait behind a gap: an hour's. What is beyond comes again with the history.
@@ -44,3 +46,5 @@ std::vector<std::uint8_t> Stream::take() {
     m_taken = m_bytes.size();
     return rest;
 }
+
+} // namespace wall
