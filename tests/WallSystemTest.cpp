@@ -21,9 +21,9 @@ struct WallRuns : testing::Test {
         std::ofstream(run.folder.path() / "wall.yaml")
             << "network: {domain: " << 1 + getpid() % 200 << "}\n"
             << "displays:\n"
-               "  left: {heading: -24.5, horizontal_field: 49, vertical_field: 36, window: {size: "
+               "  left: {heading: -50, horizontal_field: 49, vertical_field: 36, window: {size: "
                "[192, 137]}}\n"
-               "  right: {heading: 24.5, horizontal_field: 49, vertical_field: 36, window: {size: "
+               "  right: {heading: -1, horizontal_field: 49, vertical_field: 36, window: {size: "
                "[192, 137]}}\n";
         ASSERT_TRUE(run.start("--wall wall.yaml --fps 240 --sea 4 --time 15")) << run.output;
     }
@@ -72,7 +72,8 @@ TEST_F(WallRuns, ADisplayThatIsKilledComesBackAndOutlivesTheFirstChannel) {
 /// Columns of two pictures, mean difference, grey levels.
 double compareColumns(const Image& a, int x, const Image& b, int at) {
     const auto value = [](const Image& image, int column, int row, int channel) {
-        return int{image.rgba[static_cast<std::size_t>(4 * (row * image.width + column) + channel)]};
+        return int{
+            image.rgba[static_cast<std::size_t>(4 * (row * image.width + column) + channel)]};
     };
     double sum = 0;
     for (int y = 0; y < a.height; y++)
@@ -86,7 +87,8 @@ TEST_F(WallRuns, NeighboursShowTheSameFrameAndMeetAtTheirEdge) {
     const char* const NAMES[] = {"left", "right"};
     for (int i = 0; i < 2; i++)
         displays[i] = display(NAMES[i], std::string("--headless --renderer gl --frames 90 "
-                                                    "--screenshot ") + NAMES[i] + ".png");
+                                                    "--screenshot ") +
+                                            NAMES[i] + ".png");
     Image pictures[2];
     for (int i = 0; i < 2; i++) {
         std::string output;

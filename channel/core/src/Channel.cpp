@@ -660,6 +660,7 @@ void Channel::draw() {
                             m_frame_info);
     m_frame_info.eye_velocity = m_precipitation.getEyeVelocity();
     m_frame_info.particles = &m_particles;
+    m_frame_info.shared = m_wall != nullptr;
     if (!isShown()) return;
     if (m_wall) showNote();
     m_renderer->setWindowSize(m_window.getWidth(), m_window.getHeight());

@@ -48,7 +48,8 @@ TEST_F(WallFile, AScreensCornersAreThePicturesAndSoAreTheAnglesOfOne) {
     EXPECT_NEAR(upper_right.y, 1, 1e-9);
     EXPECT_GT(upper_right.z, 0);
 
-    // 40 degrees to the right and 10 up is its middle; rolled to the right, its top is at the right.
+    // 40 degrees to the right and 10 up is its middle; rolled to the right, its top is at the
+    // right.
     const double h = 40 * DEG_TO_RAD<double>, p = 10 * DEG_TO_RAD<double>;
     const dvec3 ahead(std::sin(h) * std::cos(p), std::sin(p), -std::cos(h) * std::cos(p));
     const dvec3 middle = shown(*wall.find("right"), ahead);
@@ -81,8 +82,9 @@ TEST_F(WallFile, MistakesAreToldWithTheirLine) {
     says(head + "    haeding: 3\n", ":5: ", "no \"haeding\"");
     says(head + "    heading: 3\n    heading: 4\n", ":6: ", "twice");
     says(head + "    window: {}\n", ":5: ", "needs corners, or heading");
-    says(head + "    corners: {lower_left: [1, 0, -1], lower_right: [-1, 0, -1], upper_left: [1, 1, "
-                "-1]}\n",
+    says(head +
+             "    corners: {lower_left: [1, 0, -1], lower_right: [-1, 0, -1], upper_left: [1, 1, "
+             "-1]}\n",
          ":5: ", "exchanged");
     says(head + "    corners: {lower_left: [0, 0, -1], lower_right: [1, 0, -1], upper_left: [1, 1, "
                 "-1]}\n",
@@ -98,7 +100,8 @@ TEST_F(WallFile, MistakesAreToldWithTheirLine) {
 }
 
 TEST_F(WallFile, ShippedOnesAreGoodAndKeepToThisComputer) {
-    for (const char* path : {"config/wall.yaml", "config/walls/desk.yaml", "config/walls/chin.yaml"}) {
+    for (const char* path :
+         {"config/wall.yaml", "config/walls/desk.yaml", "config/walls/chin.yaml"}) {
         std::string message;
         EXPECT_TRUE(readWall(path, wall, message)) << message;
         EXPECT_EQ(wall.network.interface, "lo") << path;

@@ -45,6 +45,25 @@ bool differ(const SkyMaps::Sight& a, const SkyMaps::Sight& b, const Difference& 
            std::abs(a.thickness - b.thickness) > near;
 }
 
+/// By less than is VISIBLE.
+SkyMaps::Sight rounded(SkyMaps::Sight sight) {
+    const auto round = [](float& value, float step) { value = std::round(value / step) * step; };
+    const auto turn = [&round](vec3& direction) {
+        for (float* value : {&direction.x, &direction.y, &direction.z})
+            round(*value, VISIBLE.angle / 2);
+    };
+    turn(sight.sun);
+    turn(sight.moon);
+    for (float* share : {&sight.cover, &sight.closed, &sight.darkness, &sight.cirrus})
+        round(*share, VISIBLE.share / 2);
+    constexpr float NEAR = VISIBLE.motion * NEAR_CLOUDS; // m
+    round(sight.place.x, 2 * NEAR / CLOUD_PERIOD);
+    round(sight.place.y, 2 * NEAR / CLOUD_PERIOD);
+    round(sight.base, NEAR);
+    round(sight.thickness, NEAR);
+    return sight;
+}
+
 /// The part of a picture of size² pixels that a stripe of it covers; the shader's places stay those
 /// of the whole.
 void drawStripe(int size, int stripe, int stripes) {
@@ -143,10 +162,15 @@ void SkyMaps::makeMap(Map& map) const {
 
 // ------------------------------------------------------------------ which map
 
-void SkyMaps::update(const Sight& wanted, bool is_main, bool everything, const FrameBlock& block) {
+void SkyMaps::update(const Sight& wanted, bool is_main, bool everything, bool shared,
+                     const FrameBlock& block) {
     const bool leads = is_main || m_last.cover < 0; // or nobody has been before it
     m_elsewhere = !leads && hasJumped(wanted);
-    if (leads)
+    if (leads && shared) {
+        const Sight sight = rounded(wanted);
+        if (differ(sight, m_last, {})) makeNext(sight, block);
+        m_last = sight;
+    } else if (leads)
         follow(wanted, block);
     else if (m_elsewhere)
         lookElsewhere(wanted, block);
@@ -165,18 +189,20 @@ void SkyMaps::follow(const Sight& wanted, const FrameBlock& block) {
     const int next = (m_shown + 1) % 3;
     m_last = wanted;
     m_since = std::min(m_since + 1, STEPS);
-    if (jumped) {
-        begin(next, wanted, block);
-        while (m_making.step >= 0)
-            doStep();
-        m_since = STEPS;
-        return;
-    }
+    if (jumped) return makeNext(wanted, block);
     // A sky that rests is shown as it is, however little is missing.
     if (m_making.step < 0 && differ(wanted, shown().shows, rests ? Difference{} : VISIBLE))
         begin(next, wanted, block);
     if (m_making.step >= 0) doStep();
     if (getShareBefore() > 0) fade();
+}
+
+/// At once.
+void SkyMaps::makeNext(const Sight& wanted, const FrameBlock& block) {
+    begin((m_shown + 1) % 3, wanted, block);
+    while (m_making.step >= 0)
+        doStep();
+    m_since = STEPS;
 }
 
 /// Leaves the main eye's maps, and how far it has come with them, as they are.

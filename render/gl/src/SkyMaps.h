@@ -39,8 +39,11 @@ public:
     void init(bool software);
     /// The level of a map of the full size that these begin at.
     float getFirstLevel() const { return m_size < FULL_SIZE ? 1.0f : 0.0f; }
-    /// Bakes what this frame has to, in a block that has all but what comes of the maps.
-    void update(const Sight& wanted, bool is_main, bool everything, const FrameBlock& block);
+    /// Bakes what this frame has to, in a block that has all but what comes of the maps. `shared`:
+    /// other renderers show the frame too, after whatever other frames: the map is that of a
+    /// rounded sight, which is the same for all, and is made at once.
+    void update(const Sight& wanted, bool is_main, bool everything, bool shared,
+                const FrameBlock& block);
     void bind() const;
     vec3 getAmbient() const;
     /// Without clouds.
@@ -73,6 +76,7 @@ private:
     float getShareBefore() const;
     bool hasJumped(const Sight& wanted) const;
     void follow(const Sight& wanted, const FrameBlock& block);
+    void makeNext(const Sight& wanted, const FrameBlock& block);
     void lookElsewhere(const Sight& wanted, const FrameBlock& block);
     void begin(int map, const Sight& wanted, const FrameBlock& block);
     void prepareStep();

@@ -86,7 +86,7 @@ void SkyPass::update(const FrameView& view, const FrameInfo& frame, bool is_main
     const Clouds& c = m_clouds;
     m_maps.update({m_sun, m_moon, c.cover, c.closed * c.above, c.darkness, frame.cloud_cover,
                    c.place, c.base, c.thickness},
-                  is_main, view.everything, block);
+                  is_main, view.everything, frame.shared, block);
     m_maps.bind();
     const HazeColor clear = m_maps.getHaze();
     m_haze = HazeColor::mix(clear, clear.evened(),

@@ -45,6 +45,9 @@ struct FrameInfo {
     /// No frame waits for ground that is still being made: coarser ground stands in for it, so that
     /// pictures of the same scene may differ. Else they never do.
     bool hurried = false;
+    /// Other renderers show the same frame beside this one, and may not have drawn the same ones
+    /// before: what a picture takes over from earlier ones must be the same for all.
+    bool shared = false;
     const UiDrawList* ui = nullptr; ///< drawn last; null: none
     /// Its viewports are drawn where `ui` shows them; null: none.
     const UIRoot* ui_root = nullptr;
