@@ -39,6 +39,22 @@ struct WallRuns : testing::Test {
     ChannelRun run;
 };
 
+/// Whether a program has a library loaded.
+bool hasLoaded(const Program& program, const std::string& library) {
+    std::ifstream maps("/proc/" + std::to_string(program.id()) + "/maps");
+    for (std::string line; std::getline(maps, line);)
+        if (line.find(library) != std::string::npos) return true;
+    return false;
+}
+
+TEST_F(WallRuns, NobodyElseLoadsWhatAWallNeeds) {
+    EXPECT_TRUE(hasLoaded(*run.program, "libddsc"));
+    ChannelRun alone;
+    ASSERT_TRUE(alone.start("")) << alone.output;
+    EXPECT_TRUE(hasLoaded(*alone.program, "libig"));
+    EXPECT_FALSE(hasLoaded(*alone.program, "libddsc"));
+}
+
 TEST_F(WallRuns, ADisplayThatIsKilledComesBackAndOutlivesTheFirstChannel) {
     auto early = display("left", "--null --frames 1300");
     ASSERT_NE(early->waitFor("waits for the first channel"), "");

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Channel.h"
 
+#include "DisplayWarp.h"
 #include "LiveInputs.h"
 #include "Provenance.h"
 #include "ReplayedInputs.h"
@@ -245,11 +246,20 @@ bool Channel::makeRenderer() {
             m_renderer->setScale(
                 ScaleGovernor::getSoftwareStart(m_picture_width, m_picture_height));
         m_scale = m_renderer->getScale();
+        if (!warpDisplay()) return false;
         m_renderer->setBeforeDrawing([this] { showLast(); });
         m_renderer_name = kind.name;
         return true;
     }
     return refuse();
+}
+
+/// As the projector of a display needs its pictures, if it says so.
+bool Channel::warpDisplay() {
+    Warp warp;
+    if (!m_receiver || !readWarp(m_receiver->getDisplay(), warp)) return !m_receiver;
+    if (!warp.places.empty()) m_renderer->setWarp(warp);
+    return true;
 }
 
 void Channel::prepareInterface() {

@@ -97,6 +97,7 @@ private:
     bool checkOutputs() const;
     bool wantsPictures() const;
     bool makeRenderer();
+    bool warpDisplay();
     void prepareInterface();
     bool enterFolder() const;
     bool loadLibraries();

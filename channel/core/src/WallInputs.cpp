@@ -47,9 +47,12 @@ bool WallInputs::readOn() {
         } else if (item == LogItem::end) {
             m_ended = true;
             jLog::message("visual_channel: the first channel has ended: the picture stays");
-        } else {
+        } else if (m_receiver.noteDifference()) {
             beginAgain(m_receiver.getMessage().c_str());
             return false;
+        } else {
+            m_ended = true;
+            jLog::error("visual_channel: %s: the picture stays", m_receiver.getMessage().c_str());
         }
     }
     return m_has_next;

@@ -35,8 +35,8 @@ public:
     bool isConnected() const { return m_subscriber->isConnected(); }
     const std::string& getMessage() const { return m_decoder.getMessage(); }
 
-    /// A run differs from the first channel's. Whether it is the first time, and another try is
-    /// due.
+    /// A run differs from the first channel's, or can't be read on. Whether that is the first time,
+    /// and another try is due.
     bool noteDifference() { return m_differed++ == 0; }
 
 private:

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <filesystem>
 #include <initializer_list>
 #include <yaml-cpp/yaml.h>
 
@@ -196,11 +197,20 @@ void readCorners(const Section& section, Display& display) {
     display.top = (dot(y, origin) + height - bezel.top) / distance;
 }
 
-Display readDisplay(const std::string& name, const YAML::Node& node) {
+Display readDisplay(const std::string& name, const YAML::Node& node,
+                    const std::filesystem::path& folder) {
     const Section section(node, name,
                           {"corners", "heading", "pitch", "roll", "horizontal_field",
-                           "vertical_field", "bezel", "window"});
+                           "vertical_field", "bezel", "window", "warp", "blend"});
     Display display{.name = name};
+    const auto read_path = [&](const char* key, std::string& file) {
+        section.read(key, file, "the name of a file");
+        if (!file.empty()) file = (folder / file).string();
+        const std::string why = file.empty() ? "" : program::whyUnreadable(file);
+        if (!why.empty()) section.refuseKey(key, "cannot open \"" + file + "\": " + why);
+    };
+    read_path("warp", display.warp);
+    read_path("blend", display.blend);
     if (section.has("window")) readWindow(section.get("window"), display);
     const char* const ANGLES[] = {"heading", "pitch", "roll", "horizontal_field", "vertical_field"};
     const bool angular =
@@ -217,7 +227,7 @@ Display readDisplay(const std::string& name, const YAML::Node& node) {
     return display;
 }
 
-Wall readAll(const YAML::Node& root) {
+Wall readAll(const YAML::Node& root, const std::filesystem::path& folder) {
     const Section section(root, "the wall", {"network", "displays"});
     Wall wall;
     if (section.has("network")) wall.network = readNetwork(section.get("network"));
@@ -227,7 +237,7 @@ Wall readAll(const YAML::Node& root) {
     for (const auto& entry : displays) {
         const auto name = entry.first.as<std::string>();
         if (wall.find(name)) refuse(entry.first, "there are two displays \"" + name + '"');
-        wall.displays.push_back(readDisplay(name, entry.second));
+        wall.displays.push_back(readDisplay(name, entry.second, folder));
     }
     return wall;
 }
@@ -249,7 +259,8 @@ bool readWall(const std::string& path, Wall& wall, std::string& message) {
         return false;
     }
     try {
-        wall = readAll(YAML::LoadFile(path));
+        wall = readAll(YAML::LoadFile(path),
+                       std::filesystem::absolute(path).parent_path()); // not yet where runs work
         return true;
     } catch (const Mistake& mistake) {
         return fail(mistake.line, mistake.what);

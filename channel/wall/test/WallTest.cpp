@@ -93,6 +93,7 @@ TEST_F(WallFile, MistakesAreToldWithTheirLine) {
          ":7: ", "nothing to be seen");
     says(head + "    horizontal_field: 40\n    vertical_field: 30\n    window: {size: [9, 400]}\n",
          ":7: ", "16 to 16384");
+    says(head + "    heading: 3\n    warp: none.pfm\n", ":6: ", "none.pfm");
     says("displays: {}\n", ":1: ", "the name of each");
     says("network: {domain: many}\n", ":1: ", "must be a number");
     says("a: [\n", ":2: ", "");

@@ -73,8 +73,20 @@ std::string writeConfiguration(const wall::Network& network, const std::string& 
            "</Peers><LeaseDuration>2s</LeaseDuration></Discovery></Domain>";
 }
 
-/// What the middleware says of itself is no part of a log.
-void passOver(void*, const dds_log_data_t*) {}
+/// What the middleware says of itself is no part of a log. It may stay when this library goes.
+class Silence {
+public:
+    Silence() { setSink(passOver); }
+    ~Silence() { setSink(nullptr); }
+    Silence(const Silence&) = delete;
+
+private:
+    static void passOver(void*, const dds_log_data_t*) {}
+    static void setSink(dds_log_write_fn_t sink) {
+        dds_set_log_sink(sink, nullptr);
+        dds_set_trace_sink(sink, nullptr);
+    }
+};
 
 class DdsNetwork final : public wall::WallNetwork {
 public:
@@ -97,6 +109,7 @@ private:
     }
     Entity makeWaitset(std::initializer_list<const Entity*> readers) const;
 
+    Silence m_silence;
     Entity m_domain, m_participant, m_now, m_history, m_ready;
 };
 
@@ -108,8 +121,6 @@ bool DdsNetwork::open(const wall::Network& network, std::string& message) {
                   "\" with an IPv4 address; there is " + names;
         return false;
     }
-    dds_set_log_sink(passOver, nullptr);
-    dds_set_trace_sink(passOver, nullptr);
     const auto id = static_cast<dds_domainid_t>(network.domain);
     m_domain = Entity(dds_create_domain(id, writeConfiguration(network, address).c_str()));
     if (m_domain.isGood()) m_participant = Entity(dds_create_participant(id, nullptr, nullptr));

@@ -19,6 +19,7 @@
 #include "UiPass.h"
 #include "ViewportPass.h"
 #include "WakePass.h"
+#include "WarpPass.h"
 #include "ig/base/jLog.h"
 #include "ig/math/EllipsoidModel.h"
 #include "ig/scene/Camera.h"
@@ -135,6 +136,7 @@ struct RendererGL::Impl {
     gl::Buffer block_buffer;
     gl::VertexArray empty;
     gl::Program tonemap, fxaa, fxaa_small, upscale;
+    WarpPass warp;
     SkyPass sky;
     ShadowMap shadow;
     std::optional<ShadowPlace> shadow_place; ///< from `init` on
@@ -270,6 +272,10 @@ void RendererGL::setBeforeDrawing(std::function<void()> call) {
     m_impl->before_drawing = std::move(call);
 }
 
+void RendererGL::setWarp(const Warp& warp) {
+    if (m_impl->ready) m_impl->warp.set(warp);
+}
+
 void RendererGL::setWindowSize(int width, int height) {
     m_impl->window_width = width;
     m_impl->window_height = height;
@@ -312,6 +318,8 @@ void RendererGL::Impl::renderScene(const World& world, const Camera& camera,
     ui.gather(frame.ui, viewports);
     ui.draw(targets.getWidth(), targets.getHeight());
     clock.mark("ui");
+    if (warp.isOn()) warp.draw(targets, empty);
+    clock.mark("warp");
     present();
     if (software) glFlush(); // the rest is drawn while the next frame's logic runs
     clock.mark("present");
@@ -554,7 +562,7 @@ void RendererGL::Impl::drawOver(const gl::Program& program, const gl::Texture& f
 /// Then its last steps are drawn there at once, which saves a copy of all pixels.
 bool RendererGL::Impl::fitsWindow() const {
     const auto fits = [](int window, int picture) { return window <= 0 || window == picture; };
-    return surface == Surface::window && fits(window_width, targets.getWidth()) &&
+    return surface == Surface::window && !warp.isOn() && fits(window_width, targets.getWidth()) &&
            fits(window_height, targets.getHeight());
 }
 

@@ -34,6 +34,8 @@ struct Display {
     int x = -1, y = -1;       ///< of the window on the desktop, pixels; negative: anywhere
     std::string monitor = {}; ///< its name, or its number from 1; empty: any
     bool full_screen = false;
+    std::string warp = {};  ///< PFM file of the mesh; empty: none
+    std::string blend = {}; ///< PNG file of the mask; empty: none
 };
 
 struct Wall {

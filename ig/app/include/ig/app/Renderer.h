@@ -63,6 +63,16 @@ struct Picture {
     }
 };
 
+/// How a projector has to throw a picture so that it lies right on its screen.
+struct Warp {
+    int width = 0, height = 0; ///< of the mesh
+    /// Where of the picture each place of the mesh shows, rows from the top: from the top left
+    /// corner, 0 to 1; nothing where they are no numbers. Between the middles of its places the
+    /// mesh is interpolated. Empty: the picture stays as it is.
+    std::vector<vec2> places;
+    Picture mask; ///< share of the light, linear, 255 for all of it; of any size; empty: all
+};
+
 /// Cost of one pass of the last frame.
 struct PassTime {
     const char* name = "";
@@ -96,6 +106,8 @@ public:
     /// False, having logged why, when there is nothing to draw with.
     virtual bool init(int width, int height) = 0;
     virtual void resize(int width, int height) = 0;
+    /// After `init`; holds for the pictures from then on, also for those that are read back.
+    virtual void setWarp(const Warp&) {}
     /// Of the window, pixels. The picture is shown as large as it fits there, in the middle, with
     /// its proportions and black bars. 0, as before the first call: the picture's own size.
     virtual void setWindowSize(int /*width*/, int /*height*/) {}

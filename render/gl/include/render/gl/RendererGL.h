@@ -27,6 +27,7 @@ public:
 
     bool init(int width, int height) override;
     void resize(int width, int height) override;
+    void setWarp(const Warp& warp) override;
     void setWindowSize(int width, int height) override;
     void prepare(const Preparation& wanted) override;
     void render(const World& world, const Camera& camera, const FrameInfo& frame) override;
