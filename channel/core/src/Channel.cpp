@@ -500,7 +500,7 @@ void Channel::endFrame(double began, double begin) {
 
 /// Hands the picture over, and waits for the display where that sets the pace.
 Shown Channel::handOver() {
-    awaitOthers();
+    if (m_barrier) return m_window.swap([this] { awaitOthers(); });
     if (m_window.isOpen()) return m_window.swap();
     const double now = steadyNow();
     return {now, now};
@@ -716,10 +716,7 @@ const Camera& Channel::getViewpoint() {
 }
 
 /// At the wall's barrier, where everybody shows this frame's picture at the same instant.
-void Channel::awaitOthers() {
-    if (m_barrier && m_window.isOpen())
-        m_barrier->wait(m_run_number, m_frame_number, m_clock.getPeriod());
-}
+void Channel::awaitOthers() { m_barrier->wait(m_run_number, m_frame_number, m_clock.getPeriod()); }
 
 /// Elsewhere on the earth "up" points elsewhere: a camera that came along would hang askew. A free
 /// one stayed where it is.

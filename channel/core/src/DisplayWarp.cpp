@@ -15,17 +15,18 @@ void makeStraight(const wall::Display& display, Warp& warp) {
     warp.height = display.height;
     for (int y = 0; y < warp.height; y++)
         for (int x = 0; x < warp.width; x++)
-            warp.places.emplace_back((static_cast<float>(x) + 0.5f) / static_cast<float>(warp.width),
-                                     (static_cast<float>(y) + 0.5f) /
-                                         static_cast<float>(warp.height));
+            warp.places.emplace_back(
+                (static_cast<float>(x) + 0.5f) / static_cast<float>(warp.width),
+                (static_cast<float>(y) + 0.5f) / static_cast<float>(warp.height));
 }
 
 bool readMesh(const std::string& path, Warp& warp) {
     FloatMap map;
     std::string message;
     if (readPfm(path, map, message) && map.channels != 3)
-        message = "\"" + path + "\" has one number a place: a mesh has three (PF), of which the "
-                                "first two count";
+        message = "\"" + path +
+                  "\" has one number a place: a mesh has three (PF), of which the "
+                  "first two count";
     if (!message.empty()) {
         jLog::error("visual_channel: warp: %s", message.c_str());
         return false;

@@ -376,12 +376,13 @@ bool Window::mayWait(double now) const {
     return m_sync != VerticalSync::off && !m_iconified && m_watch.mayWait(now);
 }
 
-Shown Window::swap() {
+Shown Window::swap(const std::function<void()>& await) {
     const bool waits = mayWait(steadyNow());
     const int interval = !waits ? 0 : m_sync == VerticalSync::late ? -1 : 1;
     if (interval != m_interval) glfwSwapInterval(interval);
     m_interval = interval;
-    if (waits) m_finish();
+    if (waits || await) m_finish();
+    if (await) await();
     const double finished = steadyNow();
     if (!m_iconified) glfwSwapBuffers(m_window);
     if (waits) m_await_shown();

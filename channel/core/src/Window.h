@@ -57,8 +57,8 @@ public:
     /// Shows the frame that was drawn. Where it waits for the display, and the display says when it
     /// took the picture, nothing waits in a queue when it returns. Nothing is shown while the
     /// window is iconified; a window system that holds the pictures of a window back is not waited
-    /// for.
-    Shown swap();
+    /// for. `await`, if any, is called when the frame has been drawn, before it is shown.
+    Shown swap(const std::function<void()>& await = {});
     /// What the window system says of the display that has most of the window, 1/s; 0: it doesn't
     /// say, or pictures don't wait for it now.
     double getRefreshRate();
