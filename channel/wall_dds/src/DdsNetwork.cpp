@@ -2,9 +2,12 @@
 #include "DdsBarrier.h"
 #include "DdsPublisher.h"
 #include "DdsSubscriber.h"
+#include "NewSockets.h"
 #include "Topics.h"
 
 #include <arpa/inet.h>
+#include <cerrno>
+#include <cstring>
 #include <dds/ddsrt/log.h>
 #include <ifaddrs.h>
 #include <memory>
@@ -122,7 +125,12 @@ bool DdsNetwork::open(const wall::Network& network, std::string& message) {
         return false;
     }
     const auto id = static_cast<dds_domainid_t>(network.domain);
+    const NewSockets sockets;
     m_domain = Entity(dds_create_domain(id, writeConfiguration(network, address).c_str()));
+    if (m_domain.isGood() && !sockets.tie(network.interface)) { // before anything is sent
+        message = "cannot speak on " + network.interface + " alone: " + std::strerror(errno);
+        return false;
+    }
     if (m_domain.isGood()) m_participant = Entity(dds_create_participant(id, nullptr, nullptr));
     if (m_participant.isGood()) {
         m_now = makeTopic(wall_topics_Piece_desc, "wall_now");

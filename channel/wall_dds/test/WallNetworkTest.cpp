@@ -3,6 +3,10 @@
 
 #include <chrono>
 #include <gtest/gtest.h>
+#include <net/if.h>
+#include <set>
+#include <string>
+#include <sys/socket.h>
 #include <thread>
 #include <unistd.h>
 
@@ -101,6 +105,28 @@ TEST_F(WallNetworkTest, TheBarrierHoldsWhoIsAheadAndNotForLong) {
     waits.join();
     EXPECT_TRUE(opened);
     EXPECT_TRUE(a->wait(8, frame + 9, 0)) << "who is at another run is not waited for";
+}
+
+/// Where the process's UDP sockets may speak: empty for one that may anywhere.
+std::multiset<std::string> listInterfacesOfSockets() {
+    std::multiset<std::string> interfaces;
+    for (int file = 0; file < 64; file++) {
+        int type = 0, family = 0;
+        socklen_t size = sizeof(int);
+        if (getsockopt(file, SOL_SOCKET, SO_TYPE, &type, &size) != 0) continue;
+        getsockopt(file, SOL_SOCKET, SO_DOMAIN, &family, &size);
+        if (type != SOCK_DGRAM || family != AF_INET) continue;
+        char name[IF_NAMESIZE] = {};
+        size = sizeof name;
+        getsockopt(file, SOL_SOCKET, SO_BINDTODEVICE, name, &size);
+        interfaces.insert(name);
+    }
+    return interfaces;
+}
+
+TEST_F(WallNetworkTest, NothingComesInOrLeavesByAnotherInterface) {
+    EXPECT_GE(listInterfacesOfSockets().count("lo"), 3u);
+    EXPECT_EQ(listInterfacesOfSockets().count(""), 0u);
 }
 
 TEST(WallNetwork, AnInterfaceThatThereIsNotIsToldWithThoseThatThereAre) {
