@@ -184,7 +184,7 @@ TEST_F(OptionsTest, AReplayHasTheScenesOptionsOfItsLogAndTheDisplaysOfItsOwn) {
     head.options = {"--logic", "a.so", "--plugin", "b.so"};
     ASSERT_TRUE(rewrite());
     EXPECT_FALSE(parse("--replay b.flog --logic mine.so"));
-    expectError("with --plugin b.so: no log opens libraries");
+    expectError("with --plugin b.so: it opens no libraries and worlds here");
     EXPECT_TRUE(parse("--replay b.flog --logic mine.so --plugin b.so")) << log.lines[0];
     EXPECT_EQ(options.logic + ' ' + options.plugins.at(0), "mine.so b.so");
 }
@@ -215,7 +215,7 @@ TEST_F(OptionsTest, TheShippedFileOffersEveryOptionWithItsDefault) {
     for (std::string line; std::getline(help, line);)
         if (std::smatch found; std::regex_match(line, found, option)) known[found[1]] = found[2];
     for (const char* name : {"help", "version", "verbose", "schema", "directory", "config", "null",
-                             "replay", "real-time"})
+                             "replay", "real-time", "display"})
         EXPECT_EQ(known.erase(name), 1u); // these make no sense in the file
     known["logic"] = "";
 
